@@ -1,0 +1,62 @@
+# One target per folder, all with the same warnings and, if asked for, the same sanitizers.
+
+add_library(vantorix_options INTERFACE)
+target_compile_options(vantorix_options INTERFACE -Wall -Wextra -Werror)
+target_include_directories(vantorix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(vantorix_options INTERFACE VANTORIX_VERSION="${PROJECT_VERSION}")
+if(VANTORIX_SANITIZE)
+  target_compile_options(vantorix_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(vantorix_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(VANTORIX_FUZZ)
+  target_compile_options(vantorix_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# vantorix_library(name SOURCES file... LINKS target...): a static library of one folder.
+function(vantorix_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC vantorix_options ${ARG_LINKS})
+endfunction()
+
+# vantorix_program(name SOURCES file... LINKS target...): a program in bin/.
+function(vantorix_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE vantorix_options ${ARG_LINKS})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()
+
+# vantorix_test(name SOURCES file... LINKS target... [SERIAL]): a GoogleTest program whose cases CTest lists
+# one by one. SERIAL for tests of real time, which must not share the processor.
+function(vantorix_test name)
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE vantorix_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  set(serial FALSE)
+  if(ARG_SERIAL)
+    set(serial TRUE)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${serial})
+endfunction()
+
+# vantorix_bench(name SOURCES file... LINKS target...): a Google Benchmark program in bin/.
+function(vantorix_bench name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  vantorix_program(${name} SOURCES ${ARG_SOURCES} LINKS ${ARG_LINKS} benchmark::benchmark)
+endfunction()
+
+# vantorix_fuzz(name SOURCES file... LINKS target...): a libFuzzer program in bin/.
+function(vantorix_fuzz name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  if(VANTORIX_FUZZ)
+    vantorix_program(${name} SOURCES ${ARG_SOURCES} LINKS ${ARG_LINKS})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  endif()
+endfunction()

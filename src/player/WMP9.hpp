@@ -1,0 +1,218 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+/// The player's object model, under its own names. A property is an overloaded pair: without an argument it
+/// reads, with one it writes. Every call may throw Failure with the player's own error number; an index out
+/// of range throws number 9, use of something absent number 91. All calls come on the loop's thread.
+namespace player {
+
+/// Base of the model's classes: they are used by reference only.
+class Modelled {
+ public:
+  Modelled() = default;
+  Modelled(const Modelled&) = delete;
+  Modelled& operator=(const Modelled&) = delete;
+  Modelled(Modelled&&) = delete;
+  Modelled& operator=(Modelled&&) = delete;
+  virtual ~Modelled() = default;
+};
+
+/// The numbers of `playState`.
+enum PlayState : std::int32_t {
+  kUndefined = 0,
+  kStopped = 1,
+  kPaused = 2,
+  kPlaying = 3,
+  kScanForward = 4,
+  kScanReverse = 5,
+  kBuffering = 6,
+  kWaiting = 7,
+  kMediaEnded = 8,
+  kTransitioning = 9,
+  kReady = 10,
+  kReconnecting = 11,
+};
+
+/// The answer of `getItemInfoByType("WM/Picture", …)`.
+struct Picture {
+  std::string url;  ///< an address that a download can read, also "file:"; empty without a picture
+};
+
+/// One piece of media.
+class Media : public Modelled {
+ public:
+  [[nodiscard]] virtual std::string name() const = 0;
+  [[nodiscard]] virtual std::string sourceURL() const = 0;
+  /// The value of an attribute such as "Artist", "Album", "Genre", "Duration", "SourceURL", "WM/AlbumTitle",
+  /// "WM/WMCollectionID", "WM/MCDI"; empty for one that is unknown.
+  [[nodiscard]] virtual std::string getItemInfo(const std::string& attribute) const = 0;
+  [[nodiscard]] virtual Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const = 0;
+  /// Seconds.
+  [[nodiscard]] virtual double duration() const = 0;
+  /// "mm:ss", or "hh:mm:ss" from one hour on.
+  [[nodiscard]] virtual std::string durationString() const = 0;
+  /// Pixels; 0 for media without a picture of its own.
+  [[nodiscard]] virtual std::int32_t imageSourceHeight() const = 0;
+};
+using MediaRef = std::shared_ptr<Media>;
+
+/// An ordered list of media. Only one from the playlist collection can be changed with lasting effect.
+class Playlist : public Modelled {
+ public:
+  [[nodiscard]] virtual std::string name() const = 0;
+  virtual void name(const std::string& value) = 0;
+  [[nodiscard]] virtual std::int32_t count() const = 0;
+  /// `index` from 0 to count - 1.
+  [[nodiscard]] virtual MediaRef item(std::int32_t index) const = 0;
+  virtual void appendItem(const MediaRef& media) = 0;
+  virtual void insertItem(std::int32_t index, const MediaRef& media) = 0;
+  virtual void removeItem(const MediaRef& media) = 0;
+  virtual void moveItem(std::int32_t oldIndex, std::int32_t newIndex) = 0;
+};
+using PlaylistRef = std::shared_ptr<Playlist>;
+
+class PlaylistArray : public Modelled {
+ public:
+  [[nodiscard]] virtual std::int32_t count() const = 0;
+  [[nodiscard]] virtual PlaylistRef item(std::int32_t index) const = 0;
+};
+using PlaylistArrayRef = std::shared_ptr<PlaylistArray>;
+
+class StringCollection : public Modelled {
+ public:
+  [[nodiscard]] virtual std::int32_t count() const = 0;
+  [[nodiscard]] virtual std::string item(std::int32_t index) const = 0;
+};
+using StringCollectionRef = std::shared_ptr<StringCollection>;
+
+class MediaCollection : public Modelled {
+ public:
+  /// Adds a file or an address to the library.
+  virtual MediaRef add(const std::string& url) = 0;
+  virtual PlaylistRef getAll() = 0;
+  virtual PlaylistRef getByName(const std::string& name) = 0;
+  virtual PlaylistRef getByAttribute(const std::string& attribute, const std::string& value) = 0;
+  virtual StringCollectionRef getAttributeStringCollection(const std::string& attribute,
+                                                           const std::string& mediaType) = 0;
+};
+
+class PlaylistCollection : public Modelled {
+ public:
+  virtual PlaylistArrayRef getAll() = 0;
+  virtual PlaylistArrayRef getByName(const std::string& name) = 0;
+  virtual PlaylistRef newPlaylist(const std::string& name) = 0;
+  virtual void remove(const PlaylistRef& playlist) = 0;
+};
+
+class Cdrom : public Modelled {
+ public:
+  [[nodiscard]] virtual std::string driveSpecifier() const = 0;
+  /// The tracks of the disc in the drive.
+  virtual PlaylistRef playlist() = 0;
+  virtual void eject() = 0;
+};
+
+class CdromCollection : public Modelled {
+ public:
+  [[nodiscard]] virtual std::int32_t count() const = 0;
+  virtual std::shared_ptr<Cdrom> item(std::int32_t index) = 0;
+};
+
+struct ErrorItem {
+  std::int32_t errorCode = 0;
+  std::string errorDescription;
+};
+
+class ErrorQueue : public Modelled {
+ public:
+  [[nodiscard]] virtual std::int32_t errorCount() const = 0;
+  [[nodiscard]] virtual ErrorItem item(std::int32_t index) const = 0;
+  virtual void clearErrorQueue() = 0;
+};
+
+class Controls : public Modelled {
+ public:
+  /// Whether a step such as "Play", "Pause", "Stop", "Next", "Previous", "FastForward", "FastReverse" makes
+  /// sense now. Names compare without regard to case.
+  [[nodiscard]] virtual bool isAvailable(const std::string& step) const = 0;
+  virtual void play() = 0;
+  virtual void stop() = 0;
+  virtual void pause() = 0;
+  virtual void fastForward() = 0;
+  virtual void fastReverse() = 0;
+  virtual void next() = 0;
+  virtual void previous() = 0;
+  /// Seconds from the item's start.
+  [[nodiscard]] virtual double currentPosition() const = 0;
+  virtual void currentPosition(double seconds) = 0;
+};
+
+class PlayerSettings : public Modelled {
+ public:
+  [[nodiscard]] virtual bool autoStart() const = 0;
+  virtual void autoStart(bool value) = 0;
+  [[nodiscard]] virtual bool mute() const = 0;
+  virtual void mute(bool value) = 0;
+  /// 0 to 100.
+  [[nodiscard]] virtual std::int32_t volume() const = 0;
+  virtual void volume(std::int32_t value) = 0;
+  /// "loop" and "shuffle", without regard to case.
+  [[nodiscard]] virtual bool getMode(const std::string& mode) const = 0;
+  virtual void setMode(const std::string& mode, bool value) = 0;
+  /// "none", "read" or "full".
+  [[nodiscard]] virtual std::string mediaAccessRights() const = 0;
+  virtual bool requestMediaAccessRights(const std::string& rights) = 0;
+};
+
+/// The player control itself.
+class WMP9 : public Modelled {
+ public:
+  [[nodiscard]] virtual std::string URL() const = 0;
+  virtual void URL(const std::string& value) = 0;
+  virtual Controls& controls() = 0;
+  virtual PlayerSettings& settings() = 0;
+  [[nodiscard]] virtual MediaRef currentMedia() const = 0;
+  virtual void currentMedia(const MediaRef& media) = 0;
+  [[nodiscard]] virtual PlaylistRef currentPlaylist() const = 0;
+  virtual void currentPlaylist(const PlaylistRef& playlist) = 0;
+  [[nodiscard]] virtual std::int32_t playState() const = 0;
+  /// What the player is doing, in words; may be empty.
+  [[nodiscard]] virtual std::string status() const = 0;
+  [[nodiscard]] virtual std::string versionInfo() const = 0;
+  virtual ErrorQueue& Error() = 0;
+  virtual CdromCollection& cdromCollection() = 0;
+  [[nodiscard]] virtual bool fullScreen() const = 0;
+  virtual void fullScreen(bool value) = 0;
+  [[nodiscard]] virtual bool isOnline() const = 0;
+  virtual MediaCollection& mediaCollection() = 0;
+  virtual PlaylistCollection& playlistCollection() = 0;
+};
+
+/// What the player reports. Always called on the loop's thread, on a turn of its own.
+class WMP9Events {
+ public:
+  WMP9Events() = default;
+  WMP9Events(const WMP9Events&) = delete;
+  WMP9Events& operator=(const WMP9Events&) = delete;
+  WMP9Events(WMP9Events&&) = delete;
+  WMP9Events& operator=(WMP9Events&&) = delete;
+  virtual ~WMP9Events() = default;
+
+  virtual void PlayStateChange(std::int32_t newState) = 0;
+  /// `modeName` is "Loop" or "Shuffle".
+  virtual void ModeChange(const std::string& modeName, bool newValue) = 0;
+  virtual void Error() = 0;
+  virtual void Warning(std::int32_t warningType, std::int32_t param, const std::string& description) = 0;
+  virtual void MediaCollectionChange() = 0;
+  virtual void PlaylistCollectionChange() = 0;
+  virtual void DoubleClick() = 0;
+};
+
+/// Makes the player control. Throws number 429 when it can't be created.
+using PlayerFactory = std::function<std::unique_ptr<WMP9>(WMP9Events&)>;
+
+}  // namespace player
