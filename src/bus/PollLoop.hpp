@@ -1,0 +1,53 @@
+#pragma once
+#include <csignal>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "base/Loop.hpp"
+
+namespace bus {
+
+/// A message loop over poll(2) that may be entered again from within its own events, which neither sd-event
+/// nor a bus connection allows: a call that waits for its reply must go on serving.
+class PollLoop : public base::Loop {
+ public:
+  PollLoop();
+  ~PollLoop() override;
+
+  /// A watched descriptor; unwatched when destroyed, also from within its own event.
+  class Watch {
+   public:
+    virtual ~Watch() = default;
+    /// The poll events (POLLIN, POLLOUT) waited for from now on.
+    virtual void events(short value) = 0;
+  };
+
+  std::unique_ptr<base::Timer> makeTimer(base::Milliseconds interval, std::function<void()> event) override;
+  void post(std::function<void()> work) override;
+  void pump() override;
+  void whileOpen(const std::function<void()>& body) override;
+  [[nodiscard]] base::Milliseconds now() const override;
+
+  /// Calls `event(revents)` while the descriptor is ready. A watch is not entered within its own event.
+  std::unique_ptr<Watch> watch(int descriptor, short events, std::function<void(short)> event);
+  /// Blocks the signal for the process and runs `event` on the loop when it comes.
+  std::unique_ptr<Watch> onSignal(int signal, std::function<void()> event);
+
+  /// Turns until `quit`; answers the code given to it.
+  int run();
+  void quit(int code);
+  /// One turn: waits at most `limit` for something to happen, then handles what is ready.
+  void turn(base::Milliseconds limit);
+  /// True inside `whileOpen`.
+  [[nodiscard]] bool open() const { return openDepth_ > 0; }
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+  int openDepth_ = 0;
+};
+
+}  // namespace bus
