@@ -1,10 +1,6 @@
 #pragma once
-#include <csignal>
 #include <functional>
-#include <list>
 #include <memory>
-#include <mutex>
-#include <vector>
 
 #include "base/Loop.hpp"
 
@@ -12,14 +8,26 @@ namespace bus {
 
 /// A message loop over poll(2) that may be entered again from within its own events, which neither sd-event
 /// nor a bus connection allows: a call that waits for its reply must go on serving.
+///
+/// An event that throws ends the turn: the exception leaves `turn`, `pump` and `run`, and the loop can be
+/// turned on afterwards. Timers and watches may outlive the loop; they are dead from then on.
 class PollLoop : public base::Loop {
  public:
   PollLoop();
   ~PollLoop() override;
+  PollLoop(const PollLoop&) = delete;
+  PollLoop& operator=(const PollLoop&) = delete;
+  PollLoop(PollLoop&&) = delete;
+  PollLoop& operator=(PollLoop&&) = delete;
 
   /// A watched descriptor; unwatched when destroyed, also from within its own event.
   class Watch {
    public:
+    Watch() = default;
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    Watch(Watch&&) = delete;
+    Watch& operator=(Watch&&) = delete;
     virtual ~Watch() = default;
     /// The poll events (POLLIN, POLLOUT) waited for from now on.
     virtual void events(short value) = 0;
@@ -27,17 +35,20 @@ class PollLoop : public base::Loop {
 
   std::unique_ptr<base::Timer> makeTimer(base::Milliseconds interval, std::function<void()> event) override;
   void post(std::function<void()> work) override;
+  /// Handles due timers once each, the work posted so far and the ready watches, without waiting.
   void pump() override;
   void whileOpen(const std::function<void()>& body) override;
   [[nodiscard]] base::Milliseconds now() const override;
 
   /// Calls `event(revents)` while the descriptor is ready. A watch is not entered within its own event.
   std::unique_ptr<Watch> watch(int descriptor, short events, std::function<void(short)> event);
-  /// Blocks the signal for the process and runs `event` on the loop when it comes.
+  /// Blocks the signal for the calling thread and the threads that it starts from now on, and runs `event`
+  /// on the loop when it comes.
   std::unique_ptr<Watch> onSignal(int signal, std::function<void()> event);
 
   /// Turns until `quit`; answers the code given to it.
   int run();
+  /// Ends the innermost `run` after the turn it is in; without one, the next `run` ends at once.
   void quit(int code);
   /// One turn: waits at most `limit` for something to happen, then handles what is ready.
   void turn(base::Milliseconds limit);
