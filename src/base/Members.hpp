@@ -12,8 +12,8 @@ namespace base {
 /// The declared type of a result or an argument. Arguments are converted to it before the handler runs
 /// (`kAny` is passed as it comes); results are converted to it on their way out.
 enum class Type {
-  kNone,     ///< no result, or a result that is always empty
-  kAny,      ///< dynamically typed
+  kNone,  ///< no result, or a result that is always empty
+  kAny,   ///< dynamically typed
   kBoolean,
   kInt16,
   kInt32,

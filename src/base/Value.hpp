@@ -27,20 +27,20 @@ class Value {
                               ObjectRef, std::shared_ptr<const Array>, std::shared_ptr<const Record>>;
 
   Value() = default;
-  Value(bool value) : held_(value) {}                        // NOLINT(google-explicit-constructor)
-  Value(std::int16_t value) : held_(value) {}                // NOLINT(google-explicit-constructor)
-  Value(std::int32_t value) : held_(value) {}                // NOLINT(google-explicit-constructor)
-  Value(float value) : held_(value) {}                       // NOLINT(google-explicit-constructor)
-  Value(double value) : held_(value) {}                      // NOLINT(google-explicit-constructor)
-  Value(std::string value) : held_(std::move(value)) {}      // NOLINT(google-explicit-constructor)
+  Value(bool value) : held_(value) {}                           // NOLINT(google-explicit-constructor)
+  Value(std::int16_t value) : held_(value) {}                   // NOLINT(google-explicit-constructor)
+  Value(std::int32_t value) : held_(value) {}                   // NOLINT(google-explicit-constructor)
+  Value(float value) : held_(value) {}                          // NOLINT(google-explicit-constructor)
+  Value(double value) : held_(value) {}                         // NOLINT(google-explicit-constructor)
+  Value(std::string value) : held_(std::move(value)) {}         // NOLINT(google-explicit-constructor)
   Value(std::string_view value) : held_(std::string(value)) {}  // NOLINT(google-explicit-constructor)
-  Value(const char* value) : held_(std::string(value)) {}    // NOLINT(google-explicit-constructor)
-  Value(ObjectRef value) : held_(std::move(value)) {}        // NOLINT(google-explicit-constructor)
+  Value(const char* value) : held_(std::string(value)) {}       // NOLINT(google-explicit-constructor)
+  Value(ObjectRef value) : held_(std::move(value)) {}           // NOLINT(google-explicit-constructor)
   template <class T>
-    requires std::is_base_of_v<Object, T>
-  Value(std::shared_ptr<T> value) : held_(ObjectRef(std::move(value))) {}  // NOLINT
-  Value(Array value);                                        // NOLINT(google-explicit-constructor)
-  Value(Record value);                                       // NOLINT(google-explicit-constructor)
+  requires std::is_base_of_v<Object, T> Value(std::shared_ptr<T> value)
+      : held_(ObjectRef(std::move(value))) {}  // NOLINT
+  Value(Array value);                          // NOLINT(google-explicit-constructor)
+  Value(Record value);                         // NOLINT(google-explicit-constructor)
 
   [[nodiscard]] bool empty() const { return std::holds_alternative<std::monostate>(held_); }
   template <class T>
