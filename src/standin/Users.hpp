@@ -1,0 +1,53 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "standin/Database.hpp"
+
+namespace standin {
+
+/// Seconds since 1970; given, so that tests need not wait.
+using Clock = std::function<std::int64_t()>;
+
+struct User {
+  std::string name;
+  bool guest = false;  ///< may look and use devices, but change nothing
+  bool hasPassword = false;
+};
+
+/// The first user, who owns the house, and the user "guest".
+inline constexpr const char* kFirstUser = "owner";
+inline constexpr const char* kGuest = "guest";
+
+/// A password as it is stored: hashed so that each guess costs memory and time. Takes a tenth of a second and
+/// needs no other state, so it may run on any thread. Throws number 5 for an empty one or one above 1024
+/// bytes.
+std::string HashPassword(const std::string& password);
+/// Whether the password belongs to the stored hash. An empty hash never matches.
+bool PasswordFits(const std::string& hash, const std::string& password);
+
+/// Users and their sessions, in the database. Session tokens are stored as hashes only.
+class Users {
+ public:
+  explicit Users(Database& database, Clock clock = {});
+
+  [[nodiscard]] std::optional<User> find(const std::string& name);
+  /// The stored hash, empty for a user without password or an unknown one.
+  [[nodiscard]] std::string hashOf(const std::string& name);
+  /// Takes a result of `HashPassword`, or an empty text for no password. Ends the user's sessions.
+  void setHash(const std::string& name, const std::string& hash);
+
+  /// Begins a session; answers its token.
+  std::string begin(const std::string& name);
+  /// The user of a living session.
+  [[nodiscard]] std::optional<User> ofSession(const std::string& token);
+  void end(const std::string& token);
+
+ private:
+  Database& database_;
+  Clock clock_;
+};
+
+}  // namespace standin
