@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -7,6 +8,8 @@
 #include "bus/PollLoop.hpp"
 
 namespace bus {
+
+class Link;
 
 /// One connection to a message bus: calls objects of other processes by name and serves this process's own.
 ///
@@ -53,8 +56,7 @@ class Connection {
   std::string introspect(const std::string& name, const std::string& path);
 
  private:
-  struct State;
-  std::shared_ptr<State> state_;
+  std::shared_ptr<Link> link_;  // shared with the proxies, which fail with 462 once it is closed
 };
 
 }  // namespace bus

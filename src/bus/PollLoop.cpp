@@ -245,16 +245,32 @@ void PollLoop::post(std::function<void()> work) {
 
 void PollLoop::pump() { turn(Milliseconds(0)); }
 
+namespace {
+
+/// Sets a count for a while, also when what runs meanwhile throws.
+class Replaced {
+ public:
+  Replaced(int& count, int value) : count_(count), former_(count) { count_ = value; }
+  ~Replaced() { count_ = former_; }
+  Replaced(const Replaced&) = delete;
+  Replaced& operator=(const Replaced&) = delete;
+  Replaced(Replaced&&) = delete;
+  Replaced& operator=(Replaced&&) = delete;
+
+ private:
+  int& count_;
+  int former_;
+};
+
+}  // namespace
+
 void PollLoop::whileOpen(const std::function<void()>& body) {
-  struct Opened {
-    explicit Opened(int& count) : depth(count) { ++depth; }
-    ~Opened() { --depth; }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-    Opened(Opened&&) = delete;
-    Opened& operator=(Opened&&) = delete;
-    int& depth;
-  } const opened(openDepth_);
+  const Replaced open(openDepth_, openDepth_ + 1);
+  body();
+}
+
+void PollLoop::whileClosed(const std::function<void()>& body) {
+  const Replaced closed(openDepth_, 0);
   body();
 }
 
@@ -300,9 +316,12 @@ void PollLoop::turn(Milliseconds limit) {
   RemoveDead(state_->timers);
   RemoveDead(state_->watches);
   const auto ready = state_->pollWatches(state_->waitFor(limit));
-  state_->runTimers();
-  state_->runPosted();
-  State::runWatches(ready);
+  // An event's own calls wait in the plain way, however open the wait is that the event came in.
+  whileClosed([&] {
+    state_->runTimers();
+    State::runWatches(ready);
+    state_->runPosted();
+  });
 }
 
 }  // namespace bus

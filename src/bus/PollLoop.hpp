@@ -35,9 +35,11 @@ class PollLoop : public base::Loop {
 
   std::unique_ptr<base::Timer> makeTimer(base::Milliseconds interval, std::function<void()> event) override;
   void post(std::function<void()> work) override;
-  /// Handles due timers once each, the work posted so far and the ready watches, without waiting.
+  /// Handles due timers once each, ready watches and the work posted so far, without waiting.
   void pump() override;
   void whileOpen(const std::function<void()>& body) override;
+  /// Runs `body` as outside any `whileOpen`. Every event of the loop runs so.
+  void whileClosed(const std::function<void()>& body);
   [[nodiscard]] base::Milliseconds now() const override;
 
   /// Calls `event(revents)` while the descriptor is ready. A watch is not entered within its own event.
@@ -52,7 +54,7 @@ class PollLoop : public base::Loop {
   void quit(int code);
   /// One turn: waits at most `limit` for something to happen, then handles what is ready.
   void turn(base::Milliseconds limit);
-  /// True inside `whileOpen`.
+  /// True inside `whileOpen`, but not within the events that run inside it.
   [[nodiscard]] bool open() const { return openDepth_ > 0; }
 
  private:

@@ -1,0 +1,88 @@
+#pragma once
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "bus/Exports.hpp"
+#include "bus/Introspection.hpp"
+#include "bus/Marshal.hpp"
+#include "bus/Message.hpp"
+#include "bus/PollLoop.hpp"
+
+namespace bus {
+
+/// The wire behind a Connection and its proxies. The bus library must not be entered again from within its
+/// own callbacks; so they only queue what comes, and calls are served from the queue, outside of it. That
+/// way serving a call may itself call and wait, to any depth.
+class Link : public References, public std::enable_shared_from_this<Link> {
+ public:
+  /// Connects. Throws 462 when there is no bus.
+  static std::shared_ptr<Link> connect(PollLoop& loop, const std::string& address);
+  Link(PollLoop& loop, Bus bus);
+
+  /// Disconnects for good; further calls fail with 462.
+  void close();
+  [[nodiscard]] bool alive() const { return alive_; }
+
+  /// A call to be filled with arguments. It doesn't start a service. Throws 438 for an operation name that
+  /// the bus can't carry.
+  Message newCall(const std::string& name, const std::string& path, const char* interface,
+                  const std::string& member);
+  /// Sends a call and waits for its reply, serving meanwhile. Throws the failure that came back.
+  Message call(const Message& message);
+  /// Sends without waiting for anything.
+  void send(const Message& message);
+  /// Calls an operation of the bus itself, with no timers meanwhile.
+  Message callDaemon(const std::string& member, const std::vector<base::Value>& args);
+
+  base::ObjectRef resolve(const Address& address, const std::string& sender) override;
+  Address addressOf(const base::ObjectRef& object, const std::string& receiver) override;
+
+  /// The introspection of a remote object, kept until its process goes; null when it has none.
+  std::shared_ptr<const NodeInfo> describe(const std::string& name, const std::string& path);
+  std::string introspect(const std::string& name, const std::string& path);
+  /// A proxy that had been received has gone: its owner is told.
+  void release(const std::string& name, const std::string& path);
+
+  void addOwnName(const std::string& name) { ownNames_.insert(name); }
+  [[nodiscard]] const std::string& uniqueName() const { return uniqueName_; }
+  void onNameLost(const std::string& name, std::function<void()> gone) { lostNames_[name] = std::move(gone); }
+  void onDisconnect(std::function<void()> gone) { disconnected_ = std::move(gone); }
+  Exports& exports() { return exports_; }
+
+ private:
+  struct Pending {
+    Message reply;
+  };
+
+  void start();
+  void process();
+  void refresh();
+  void waitOnce();
+  void serveNext();
+  void pollBus(base::Milliseconds limit);
+  void lost();
+  int received(sd_bus_message* message);
+  void nameLost(const std::string& name);
+  [[nodiscard]] base::Milliseconds timeout() const;
+  std::string holderOf(const std::string& receiver);
+
+  PollLoop& loop_;
+  Bus bus_;
+  bool alive_ = true;
+  std::string uniqueName_;
+  Slot filter_;
+  std::unique_ptr<PollLoop::Watch> watch_;
+  std::deque<Message> incoming_;
+  Exports exports_;
+  std::set<std::string> ownNames_;
+  std::map<std::string, std::string> owners_;  // well-known names of others, as far as asked for
+  std::map<std::string, std::function<void()>> lostNames_;
+  std::function<void()> disconnected_;
+  std::map<std::pair<std::string, std::string>, std::shared_ptr<const NodeInfo>> descriptions_;
+};
+
+}  // namespace bus

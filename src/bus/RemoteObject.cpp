@@ -1,0 +1,65 @@
+#include "bus/RemoteObject.hpp"
+
+#include <exception>
+
+#include "base/Failure.hpp"
+#include "bus/Link.hpp"
+#include "bus/Paths.hpp"
+
+namespace bus {
+
+RemoteObject::RemoteObject(std::shared_ptr<Link> link, std::string name, std::string path, bool counted)
+    : link_(std::move(link)), name_(std::move(name)), path_(std::move(path)), counted_(counted) {}
+
+RemoteObject::~RemoteObject() {
+  if (!counted_) return;
+  try {
+    link_->release(name_, path_);
+  } catch (const std::exception&) {  // the bus has gone, and the owner's count with it
+    counted_ = false;
+  }
+}
+
+base::Value RemoteObject::call(std::string_view name, base::Args& args) {
+  const Message message = link_->newCall(name_, path_, nullptr, std::string(name));
+  for (const auto& arg : args) AppendPlain(message.get(), arg, *link_);
+  const Message reply = link_->call(message);
+  return distribute(name, ReadAll(reply.get(), *link_), args);
+}
+
+/// A reply alone doesn't tell whether its first value is the result or an argument that comes back; the
+/// operation's description does.
+base::Value RemoteObject::distribute(std::string_view operation, std::vector<base::Value> values,
+                                     base::Args& args) {
+  if (values.empty()) return {};
+  const auto node = args.empty() ? nullptr : link_->describe(name_, path_);
+  const MethodInfo* method = node ? node->findMethod(operation) : nullptr;
+  if (method == nullptr) return std::move(values.front());
+  const ReplyShape shape = ShapeOf(*method);
+  auto next = values.begin();
+  base::Value result = shape.result ? std::move(*next++) : base::Value();
+  for (const std::size_t index : shape.inOut) {
+    if (next == values.end()) break;
+    if (index < args.size()) args[index] = std::move(*next);
+    ++next;
+  }
+  return result;
+}
+
+base::Value RemoteObject::get(std::string_view name) {
+  const Message message = link_->newCall(name_, path_, kProperties, "Get");
+  AppendPlain(message.get(), "", *link_);
+  AppendPlain(message.get(), name, *link_);
+  const Message reply = link_->call(message);
+  return Read(reply.get(), *link_);
+}
+
+void RemoteObject::put(std::string_view name, const base::Value& value) {
+  const Message message = link_->newCall(name_, path_, kProperties, "Set");
+  AppendPlain(message.get(), "", *link_);
+  AppendPlain(message.get(), name, *link_);
+  AppendVariant(message.get(), value, *link_);
+  link_->call(message);
+}
+
+}  // namespace bus

@@ -1,0 +1,14 @@
+#pragma once
+#include <memory>
+
+#include "bus/Message.hpp"
+
+namespace bus {
+
+class Link;
+
+/// Runs an incoming call on the exported object that it is for and replies. Never throws: what the object
+/// throws goes back to the caller.
+void Serve(const std::shared_ptr<Link>& link, const Message& call);
+
+}  // namespace bus
