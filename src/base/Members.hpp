@@ -76,6 +76,9 @@ class TableObject : public Object {
 
  protected:
   explicit TableObject(MemberTable table) : table_(std::move(table)) {}
+  /// For a table whose handlers refer to the object's own members: given at the end of its constructor.
+  TableObject() : table_({}, {}) {}
+  void setTable(MemberTable table) { table_ = std::move(table); }
 
  private:
   MemberTable table_;

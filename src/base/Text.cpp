@@ -110,6 +110,20 @@ std::vector<std::string> Split(std::string_view text, char separator) {
   }
 }
 
+std::int32_t FirstCharacter(std::string_view text) {
+  if (text.empty()) return -1;
+  std::size_t at = 0;
+  const char32_t code = Next(text, at);
+  return code == kIllFormed ? static_cast<unsigned char>(text.front()) : static_cast<std::int32_t>(code);
+}
+
+std::string CharacterOf(std::int32_t code) {
+  std::string text;
+  const bool valid = code > 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+  Append(text, valid ? static_cast<char32_t>(code) : U'\uFFFD');
+  return text;
+}
+
 std::size_t CountCharacters(std::string_view text) {
   std::size_t count = 0;
   for (std::size_t at = 0; at < text.size(); ++count) Next(text, at);

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,10 @@ bool SameText(std::string_view left, std::string_view right);
 std::string TrimBlanks(std::string_view text);
 /// The pieces between separators; an empty text has no pieces.
 std::vector<std::string> Split(std::string_view text, char separator);
+/// The code of the first character, -1 for an empty text.
+std::int32_t FirstCharacter(std::string_view text);
+/// The text of one character. `code` from 1 to 0x10FFFF; any other gives U+FFFD.
+std::string CharacterOf(std::int32_t code);
 /// Number of code points.
 std::size_t CountCharacters(std::string_view text);
 /// True when the text is well-formed UTF-8 (and, as D-Bus asks, holds no code 0).

@@ -1,0 +1,120 @@
+#include "automation/Devices.hpp"
+
+#include <initializer_list>
+
+#include "base/Attempt.hpp"
+#include "base/Text.hpp"
+
+namespace automation {
+
+using base::Deref;
+using base::Failure;
+using base::Value;
+
+namespace {
+
+struct DeviceRow {
+  std::int16_t code;
+  const char* name;
+  std::int16_t misc;
+  std::initializer_list<const char*> buttons;
+};
+
+/// The devices that start-up makes. Codes are fixed: devices are recognised by code or full name.
+const DeviceRow kDevices[] = {
+    {1, "Status", 16, {"Pause", "Stop", "Next", "Prev", "Restart"}},
+    {2, "Title", 16, {"Add to PlayList"}},
+    {3, "Album", 16, {}},
+    {4, "Artist", 16, {}},
+    {5, "Genre", 16, {}},
+    {6, "Length", 16, {}},
+    {7, "Loop Mode", 24, {"Loop toggle"}},
+    {8, "Shuffle Mode", 24, {"Shuffle toggle"}},
+    {9, "Mute", 24, {"Mute toggle", "Vol Down", "Vol Up"}},
+    {10, "Display Controls", 24, {"Show/Hide Controls"}},
+};
+
+constexpr std::int16_t kIoType = 3;
+constexpr std::int16_t kInitialStatus = 17;
+constexpr const char* kNoCodeLeft = "Media Player Error: Sorry, all device codes used";
+
+std::int32_t CodeOf(const std::string& houseCode) {
+  if (houseCode.empty()) throw Failure(base::number::kInvalidArgument);
+  return base::FirstCharacter(houseCode);
+}
+
+}  // namespace
+
+std::int32_t Devices::houseCodeInUse() {
+  const std::int32_t count = host_.DeviceCount();
+  for (std::int32_t i = 1; i <= count; ++i) {
+    const base::ObjectRef device = host_.GetDevice(i);
+    if (base::ToText(Deref(device).get("interface")) == plugin::kName &&
+        base::ToInt32(Deref(device).get("iotype")) == kIoType)
+      return CodeOf(base::ToText(Deref(device).get("hc")));
+  }
+  return 0;
+}
+
+void Devices::createAll() {
+  for (const DeviceRow& row : kDevices) {
+    InitDevice(row.name, row.code, row.misc);
+    for (const char* button : row.buttons)
+      host_.DeviceButtonAdd(state_.HouseCode + std::to_string(row.code), plugin::kName, button);
+  }
+}
+
+std::string Devices::CreateDevices() {
+  std::string result = "Unknown Error in InitDevices";
+  base::Handled(
+      [&] {
+        std::int32_t houseCode = 0;
+        if (settings_.text("HouseCodeSet", "0") == "-1")
+          host_.DeleteIODevices(plugin::kName);
+        else
+          houseCode = houseCodeInUse();
+
+        // One device of ours is taken as proof of all of them: none is created and none repaired.
+        const bool found = houseCode >= 1;
+        if (!found) houseCode = host_.GetNextFreeIOCode();
+        if (houseCode == -1) {
+          result = kNoCodeLeft;
+          platform_.messageBox(base::BoxKind::kCritical, plugin::kName, kNoCodeLeft);
+          return;
+        }
+        state_.HouseCode = base::CharacterOf(houseCode);
+        settings_.save("HouseCodeSet", static_cast<std::int16_t>(houseCode));
+        if (!found) createAll();
+        result.clear();
+      },
+      [&](const Failure& failure) {
+        loggers_.LogModuleError(failure.number(), failure.description(), "CommonModule", "CreateDevices");
+      });
+  return result;
+}
+
+Value Devices::InitDevice(const std::string& name, std::int16_t code, std::int16_t misc) {
+  return base::Handled(
+      [&] {
+        const Value ref = host_.NewDevice(name);
+        const base::ObjectRef device = host_.GetDevice(ref);
+        base::Object& fields = Deref(device);
+        fields.put("location", plugin::kName);
+        fields.put("hc", state_.HouseCode);
+        fields.put("dc", code);
+        fields.put("interface", plugin::kName);
+        fields.put("Status", kInitialStatus);
+        fields.put("misc", misc);
+        fields.put("dev_type_string", plugin::kName);
+        fields.put("iotype", kIoType);
+        host_.SetDeviceString(state_.HouseCode + std::to_string(code), state_.AlbumIconTag, true);
+        return ref;
+      },
+      // The caller goes on with its next device; the half-made one stays.
+      [&](const Failure& failure) {
+        loggers_.LogModuleError(failure.number(), failure.description(), "CommonModule", "InitDevice");
+        return Value();
+      });
+}
+
+}  // namespace automation

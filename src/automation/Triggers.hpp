@@ -1,0 +1,20 @@
+#pragma once
+#include "player/TriggerSink.hpp"
+#include "plugin/HostServices.hpp"
+#include "plugin/Loggers.hpp"
+
+namespace automation {
+
+/// Tells the host that something has happened in the player. The host may run events, and their actions,
+/// before the call returns.
+class Triggers : public player::TriggerSink {
+ public:
+  Triggers(plugin::HostServices& host, plugin::Loggers& loggers) : host_(host), loggers_(loggers) {}
+  void ActionTrigger(std::int32_t code) override;
+
+ private:
+  plugin::HostServices& host_;
+  plugin::Loggers& loggers_;
+};
+
+}  // namespace automation

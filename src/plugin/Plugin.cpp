@@ -1,0 +1,26 @@
+#include "plugin/Plugin.hpp"
+
+namespace plugin {
+
+// Two roads lead back up: the queue's worker is the tracker, the control's events are the player events.
+// Both are only travelled once everything stands.
+Plugin::Plugin(const PluginGround& ground)
+    : host(ground.loop),
+      settings(host),
+      loggers(host, state, ground.platform),
+      queue(ground.loop, host, loggers, [this](std::int32_t s) { playState.MyPlayStateChange(s); }),
+      form(ground.makePlayer, playerEvents),
+      calls(form, queue, host, settings, state, ground.popup, ground.loop),
+      mediaStatus(form, calls, host, state, ground.platform, ground.popup),
+      playerEvents(form, calls, queue, stale, host, settings, loggers, state, ground.popup),
+      triggers(host, loggers),
+      playState(ground.loop, form, mediaStatus, triggers, host, loggers, state),
+      devices(host, settings, loggers, state, ground.platform),
+      lifecycle({host, settings, loggers, state, ground.platform, ground.loop, form, calls, ground.popup,
+                 playState, playerEvents, stale, triggers, devices, ground.neighbours}),
+      dispatch(calls, host, state, ground.neighbours.library, ground.neighbours.mediaEvents,
+               ground.neighbours.desktop, [this] { Vxif::ConfigIO(host); }),
+      vxif_(
+          std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, ground.neighbours.web)) {}
+
+}  // namespace plugin

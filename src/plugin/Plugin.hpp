@@ -1,0 +1,52 @@
+#pragma once
+#include <memory>
+
+#include "automation/Devices.hpp"
+#include "automation/Triggers.hpp"
+#include "player/PlayStateTracker.hpp"
+#include "player/PlayerEvents.hpp"
+#include "plugin/Dispatch.hpp"
+#include "plugin/Lifecycle.hpp"
+#include "plugin/Vxif.hpp"
+
+namespace plugin {
+
+/// What a plug-in is built on.
+struct PluginGround {
+  base::Loop& loop;
+  base::Platform& platform;
+  player::PlayerFactory makePlayer;
+  player::PopupView& popup;
+  Neighbours neighbours;
+};
+
+/// The one owner of everything that the plug-in shares: its modules are members in the order in which they
+/// build on each other. Build as many as you like.
+class Plugin {
+ public:
+  explicit Plugin(const PluginGround& ground);
+
+  [[nodiscard]] std::shared_ptr<Vxif> vxif() const { return vxif_; }
+
+  // The modules, for tests and for the windows that show them.
+  PluginState state;
+  HostServices host;
+  Settings settings;
+  Loggers loggers;
+  player::StaleMarks stale;
+  player::StateQueue queue;
+  player::WMPPlayer form;
+  player::WMPCalls calls;
+  player::MediaStatus mediaStatus;
+  player::PlayerEvents playerEvents;
+  automation::Triggers triggers;
+  player::PlayStateTracker playState;
+  automation::Devices devices;
+  Lifecycle lifecycle;
+  Dispatch dispatch;
+
+ private:
+  std::shared_ptr<Vxif> vxif_;
+};
+
+}  // namespace plugin

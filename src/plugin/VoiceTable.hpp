@@ -1,0 +1,18 @@
+#pragma once
+#include <string>
+
+#include "player/WMPCalls.hpp"
+#include "plugin/HostServices.hpp"
+#include "plugin/Neighbours.hpp"
+
+namespace plugin {
+
+/// Acts on the first phrase of the voice table that occurs anywhere in `command`, also inside a longer word.
+/// Failures are skipped.
+void ActOnVoiceCommand(const std::string& command, player::WMPCalls& calls, LibraryCalls& library,
+                       HostServices& host);
+
+/// Adds what was played last to the house's own playlist. Throws what the playlist throws.
+base::Value AddToHousePlayList(LibraryCalls& library);
+
+}  // namespace plugin
