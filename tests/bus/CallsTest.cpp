@@ -1,0 +1,320 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/Failure.hpp"
+#include "bus/Introspection.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/BusPeer.hpp"
+
+namespace {
+
+using base::Args;
+using base::Array;
+using base::Member;
+using base::MemberKind;
+using base::ObjectRef;
+using base::Record;
+using base::Type;
+using base::Value;
+using support::BusPeer;
+using support::FailureNumberOf;
+using support::TableOf;
+using testing::HasSubstr;
+
+const std::string kWithCodeZero{"a\0b\0c", 5};
+
+struct Sample {
+  std::string field = "before";
+  ObjectRef given;
+};
+
+/// An object with an operation of every shape.
+std::shared_ptr<TableOf> MakeSample(const std::shared_ptr<Sample>& sample) {
+  return std::make_shared<TableOf>(
+      "Sample",
+      std::vector<Member>{
+          {"Echo", MemberKind::kOperation, {{"value"}}, Type::kAny, [](Args& a) { return a[0]; }},
+          {"Texts",
+           MemberKind::kOperation,
+           {{"count", Type::kInt32}},
+           Type::kTextList,
+           [](Args& a) {
+             Array texts;
+             for (int i = 0; i < base::ToInt32(a[0]); ++i) texts.emplace_back(std::to_string(i));
+             return texts;
+           }},
+          {"Sum",
+           MemberKind::kOperation,
+           {{"left", Type::kInt32}, {"right", Type::kInt32, Value(100)}},
+           Type::kInt32,
+           [](Args& a) { return base::ToInt32(a[0]) + base::ToInt32(a[1]); }},
+          {"Swap",
+           MemberKind::kOperation,
+           {{"first", Type::kText, {}, true}, {"between", Type::kInt16}, {"second", Type::kText, {}, true}},
+           Type::kBoolean,
+           [](Args& a) {
+             std::swap(a[0], a[2]);
+             return true;
+           }},
+          {"Count",
+           MemberKind::kOperation,
+           {{"counter", Type::kInt32, {}, true}},
+           Type::kNone,
+           [](Args& a) {
+             a[0] = base::ToInt32(a[0]) + 1;
+             return Value();
+           }},
+          {"Fail",
+           MemberKind::kOperation,
+           {{"number", Type::kInt32}, {"text", Type::kText}},
+           Type::kNone,
+           [](Args& a) -> Value { throw base::Failure(base::ToInt32(a[0]), base::ToText(a[1])); }},
+          {"Break",
+           MemberKind::kOperation,
+           {},
+           Type::kNone,
+           [](Args&) -> Value { throw std::runtime_error("broken"); }},
+          {"Give",
+           MemberKind::kOperation,
+           {{"object", Type::kObject}},
+           Type::kNone,
+           [sample](Args& a) {
+             sample->given = base::ToObject(a[0]);
+             return Value();
+           }},
+          {"GiveBack", MemberKind::kOperation, {}, Type::kObject, [sample](Args&) { return sample->given; }},
+          {"Field",
+           MemberKind::kField,
+           {},
+           Type::kText,
+           [sample](Args&) { return Value(sample->field); },
+           [sample](const Value& value) { sample->field = base::ToText(value); }},
+          {"Fixed", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(std::int16_t{5}); }},
+      });
+}
+
+class Calls : public testing::Test {
+ protected:
+  support::BusDaemon daemon;
+  std::shared_ptr<Sample> sample = std::make_shared<Sample>();
+  BusPeer peer{daemon.address(), [this](bus::Connection& connection, bus::PollLoop&) {
+                 connection.exportObject("/sample", MakeSample(sample));
+                 connection.claimName("org.example.Sample");
+               }};
+  bus::PollLoop loop;
+  bus::Connection connection{loop, daemon.address()};
+  ObjectRef remote = connection.proxy("org.example.Sample", "/sample");
+};
+
+TEST_F(Calls, EveryKindOfValueComesBackAsItWent) {
+  const std::vector<Value> values{
+      Value(),
+      true,
+      false,
+      std::int16_t{-5},
+      std::int32_t{70000},
+      2.5,
+      "grün ✓",
+      "",
+      kWithCodeZero,
+      "\xff\xfe",
+      Array{},
+      Array{"a", "b"},
+      Array{std::int16_t{1}, "b", Array{true}, Value()},
+      Array{"a", kWithCodeZero},
+      Record{{"zebra", 1}, {"apple", "x"}, {"list", Array{"p"}}, {"record", Record{{"in", 2.0}}}},
+      ObjectRef(),
+  };
+  for (std::size_t i = 0; i < values.size(); ++i)
+    EXPECT_EQ(values[i], remote->invoke("Echo", values[i])) << i;
+}
+
+TEST_F(Calls, ASingleArrivesAsADouble) { EXPECT_EQ(Value(0.5), remote->invoke("Echo", 0.5F)); }
+
+TEST_F(Calls, AListOfTextsStaysAListWhenItIsEmpty) {
+  EXPECT_EQ(Value(Array{}), remote->invoke("Texts", 0));
+  EXPECT_EQ(Value(Array{"0", "1"}), remote->invoke("Texts", 2));
+}
+
+TEST_F(Calls, MissingTrailingArgumentsTakeTheirDefaults) {
+  EXPECT_EQ(Value(105), remote->invoke("Sum", 5));
+  EXPECT_EQ(Value(7), remote->invoke("Sum", 5, 2));
+  EXPECT_EQ(base::number::kWrongArguments, FailureNumberOf([&] { remote->invoke("Sum"); }));
+  EXPECT_EQ(base::number::kWrongArguments, FailureNumberOf([&] { remote->invoke("Sum", 1, 2, 3); }));
+}
+
+TEST_F(Calls, ArgumentsAreConvertedToTheirDeclaredType) {
+  EXPECT_EQ(Value(12), remote->invoke("Sum", "10", 2.0));
+  EXPECT_EQ(base::number::kTypeMismatch, FailureNumberOf([&] { remote->invoke("Sum", "ten"); }));
+}
+
+TEST_F(Calls, InOutArgumentsComeBackBesideTheResult) {
+  Args args{"one", std::int16_t{0}, "two"};
+  EXPECT_EQ(Value(true), remote->call("Swap", args));
+  EXPECT_EQ(Value("two"), args[0]);
+  EXPECT_EQ(Value(std::int16_t{0}), args[1]);
+  EXPECT_EQ(Value("one"), args[2]);
+}
+
+TEST_F(Calls, AnInOutArgumentIsNotTakenForAResult) {
+  Args args{41};
+  EXPECT_EQ(Value(), remote->call("Count", args));
+  EXPECT_EQ(Value(42), args[0]);
+}
+
+TEST_F(Calls, NamesAreFoundWithoutRegardToCase) { EXPECT_EQ(Value(3), remote->invoke("sUM", 1, 2)); }
+
+TEST_F(Calls, AFailureArrivesWithItsNumberAndText) {
+  for (const std::int32_t number : {5, 462, 35602, base::number::kNameInUse, -2147483647 - 1, 2147483647}) {
+    try {
+      remote->invoke("Fail", number, "in words: ä");
+      FAIL() << number;
+    } catch (const base::Failure& failure) {
+      EXPECT_EQ(number, failure.number());
+      EXPECT_EQ("in words: ä", failure.description());
+    }
+  }
+  EXPECT_EQ(7, FailureNumberOf([&] { remote->invoke("Fail", 7, kWithCodeZero); }));
+}
+
+TEST_F(Calls, AnyOtherExceptionIsFailure51) {
+  EXPECT_EQ(base::number::kInternal, FailureNumberOf([&] { remote->invoke("Break"); }));
+}
+
+TEST_F(Calls, UnknownMembersAndObjectsAreFailure438) {
+  const auto number = base::number::kNoSuchMember;
+  EXPECT_EQ(number, FailureNumberOf([&] { remote->invoke("Nothing"); }));
+  EXPECT_EQ(number, FailureNumberOf([&] { remote->invoke("no name at all"); }));
+  EXPECT_EQ(number, FailureNumberOf([&] { remote->get("Nothing"); }));
+  EXPECT_EQ(number, FailureNumberOf([&] { remote->put("Fixed", 1); }));
+  const auto nobody = connection.proxy("org.example.Sample", "/nobody");
+  EXPECT_EQ(number, FailureNumberOf([&] { nobody->invoke("Echo", 1); }));
+  EXPECT_EQ(number, FailureNumberOf([&] { nobody->get("Field"); }));
+}
+
+TEST_F(Calls, FieldsAreReadAndWritten) {
+  EXPECT_EQ(Value("before"), remote->get("Field"));
+  remote->put("Field", kWithCodeZero);
+  EXPECT_EQ(Value(kWithCodeZero), remote->get("field"));
+  EXPECT_EQ(Value(std::int16_t{5}), remote->get("Fixed"));
+}
+
+TEST_F(Calls, IntrospectionTellsMembersTypesAndArgumentNames) {
+  const std::string text = connection.introspect("org.example.Sample", "/sample");
+  EXPECT_THAT(text, HasSubstr("<interface name=\"org.vantorix.Sample\">"));
+  const auto node = bus::ParseNode(text);
+  const auto* swap = node.findMethod("swap");
+  ASSERT_NE(nullptr, swap);
+  ASSERT_EQ(6U, swap->arguments.size());
+  EXPECT_EQ("first", swap->arguments[0].name);
+  EXPECT_EQ("s", swap->arguments[0].type);
+  EXPECT_EQ("n", swap->arguments[1].type);
+  EXPECT_EQ("result", swap->arguments[3].name);
+  EXPECT_TRUE(swap->arguments[3].out);
+  EXPECT_EQ("second", swap->arguments[5].name);
+  EXPECT_EQ("100", node.findMethod("Sum")->arguments[1].fallback);
+  EXPECT_EQ("as", node.findMethod("Texts")->arguments[1].type);
+  EXPECT_EQ("v", node.findMethod("Echo")->arguments[0].type);
+  ASSERT_NE(nullptr, node.findProperty("Fixed"));
+  EXPECT_FALSE(node.findProperty("Fixed")->writable);
+  EXPECT_TRUE(node.findProperty("Field")->writable);
+}
+
+TEST_F(Calls, IntrospectionOfThePathsAboveLeadsToTheObjects) {
+  peer.run([](bus::Connection& other, bus::PollLoop&) {
+    other.exportObject("/deep/er", std::make_shared<TableOf>("Deep", std::vector<Member>{}));
+  });
+  EXPECT_EQ((std::vector<std::string>{"deep", "sample"}),
+            bus::ParseNode(connection.introspect("org.example.Sample", "/")).children);
+  EXPECT_EQ(std::vector<std::string>{"er"},
+            bus::ParseNode(connection.introspect("org.example.Sample", "/deep")).children);
+}
+
+TEST_F(Calls, AnObjectThatComesBackToItsOwnerIsTheVerySameObject) {
+  const ObjectRef mine = std::make_shared<TableOf>("Mine", std::vector<Member>{});
+  remote->invoke("Give", mine);
+  EXPECT_EQ(Value(mine), remote->invoke("GiveBack"));
+  EXPECT_EQ(connection.uniqueName(), bus::Connection::peerOf(*sample->given));
+  EXPECT_EQ("", bus::Connection::peerOf(*mine));
+}
+
+TEST_F(Calls, TheOwnersOwnObjectComesBackUnwrappedThere) {
+  const auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = theirs; });
+  const Value reference = remote->invoke("GiveBack");
+  peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = nullptr; });
+  remote->invoke("Give", reference);
+  peer.run([&](bus::Connection&, bus::PollLoop&) { EXPECT_EQ(theirs, sample->given); });
+}
+
+TEST_F(Calls, ASentObjectLivesUntilItsLastProxyHasGone) {
+  auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  const std::weak_ptr<TableOf> watched = theirs;
+  peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = std::move(theirs); });
+  Value first = remote->invoke("GiveBack");
+  Value second = remote->invoke("GiveBack");
+  peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = nullptr; });
+  first = Value();
+  remote->invoke("Sum", 1);
+  EXPECT_FALSE(watched.expired()) << "the second proxy holds it";
+  second = Value();
+  remote->invoke("Sum", 1);
+  EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(Calls, ASentObjectGoesWithTheProcessThatHeldIt) {
+  auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  const std::weak_ptr<TableOf> watched = theirs;
+  peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = std::move(theirs); });
+  {
+    bus::Connection brief(loop, daemon.address());
+    const Value held = brief.proxy("org.example.Sample", "/sample")->invoke("GiveBack");
+    peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = nullptr; });
+    EXPECT_FALSE(watched.expired());
+  }
+  EXPECT_TRUE(support::TurnUntil(loop, [&] { return watched.expired(); }));
+}
+
+TEST_F(Calls, ACallOnNothingIsFailure91) {
+  EXPECT_EQ(base::number::kObjectMissing,
+            FailureNumberOf([&] { base::Deref(remote->invoke("GiveBack")).invoke("Any"); }));
+}
+
+TEST_F(Calls, AnObjectWithoutATableGivesItsResultOnly) {
+  struct Plain : base::Object {
+    Value call(std::string_view name, Args& args) override {
+      args.clear();
+      return name == "Say" ? Value("said") : Value();
+    }
+    Value get(std::string_view) override { return 3; }
+    void put(std::string_view, const Value&) override {}
+  };
+  peer.run([](bus::Connection& other, bus::PollLoop&) {
+    other.exportObject("/plain", std::make_shared<Plain>());
+  });
+  const auto plain = connection.proxy(peer.uniqueName(), "/plain");
+  EXPECT_EQ(Value("said"), plain->invoke("Say", 1, 2));
+  EXPECT_EQ(Value(), plain->invoke("Hush", 1));
+  EXPECT_EQ(Value(3), plain->get("Any"));
+}
+
+TEST_F(Calls, AWithdrawnObjectIsGone) {
+  peer.run([](bus::Connection& other, bus::PollLoop&) { other.withdraw("/sample"); });
+  EXPECT_EQ(base::number::kNoSuchMember, FailureNumberOf([&] { remote->invoke("Sum", 1); }));
+}
+
+TEST_F(Calls, ANameThatIsTakenIsFailure457) {
+  EXPECT_EQ(base::number::kKeyInUse, FailureNumberOf([&] { connection.claimName("org.example.Sample"); }));
+  EXPECT_EQ(0, FailureNumberOf([&] { connection.claimName("org.example.Other"); }));
+  EXPECT_TRUE(connection.hasOwner("org.example.Other"));
+  EXPECT_FALSE(connection.hasOwner("org.example.Nobody"));
+  EXPECT_EQ(static_cast<std::uint32_t>(::getpid()), connection.processOf("org.example.Sample"));
+  EXPECT_EQ(0U, connection.processOf("org.example.Nobody"));
+}
+
+TEST_F(Calls, AnObjectOfTheOwnProcessCanBeCalledOverTheBus) {
+  connection.exportObject("/own", MakeSample(sample));
+  EXPECT_EQ(Value(3), connection.proxy(connection.uniqueName(), "/own")->invoke("Sum", 1, 2));
+}
+
+}  // namespace

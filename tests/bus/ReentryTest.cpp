@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "support/BusDaemon.hpp"
+#include "support/BusPeer.hpp"
+
+namespace {
+
+using base::Args;
+using base::Member;
+using base::MemberKind;
+using base::Milliseconds;
+using base::ObjectRef;
+using base::Type;
+using base::Value;
+using support::BusPeer;
+using support::TableOf;
+
+Member Operation(std::string name, std::function<Value(Args&)> handler) {
+  return {std::move(name),
+          MemberKind::kOperation,
+          {{"argument", Type::kAny, Value()}},
+          Type::kAny,
+          std::move(handler)};
+}
+
+/// An object that counts down together with a partner that has the same operation.
+ObjectRef Half(bus::Connection& connection, std::string partner) {
+  return std::make_shared<TableOf>(
+      "Half", std::vector<Member>{Operation("Down", [&connection, partner = std::move(partner)](Args& args) {
+        const auto left = base::ToInt32(args[0]);
+        if (left == 0) return Value(0);
+        const Value below = connection.proxy(partner, "/half")->invoke("Down", left - 1);
+        return Value(base::ToInt32(below) + 1);
+      })});
+}
+
+class Reentry : public testing::Test {
+ protected:
+  std::unique_ptr<BusPeer> half(const std::string& name, const std::string& partner) {
+    return std::make_unique<BusPeer>(daemon.address(), [=](bus::Connection& own, bus::PollLoop&) {
+      own.claimName(name);
+      own.exportObject("/half", Half(own, partner));
+    });
+  }
+  /// A peer whose operation "Sleep" blocks its whole thread for some milliseconds.
+  std::unique_ptr<BusPeer> sleeper() {
+    return std::make_unique<BusPeer>(daemon.address(), [](bus::Connection& own, bus::PollLoop&) {
+      own.exportObject("/sleeper", std::make_shared<TableOf>(
+                                       "Sleeper", std::vector<Member>{Operation("Sleep", [](Args& args) {
+                                         std::this_thread::sleep_for(Milliseconds(base::ToInt32(args[0])));
+                                         return Value("slept");
+                                       })}));
+    });
+  }
+
+  support::BusDaemon daemon;
+  bus::PollLoop loop;
+  bus::Connection connection{loop, daemon.address()};
+};
+
+TEST_F(Reentry, TwoProcessesMayCallEachOtherToAnyDepth) {
+  connection.claimName("org.example.Left");
+  connection.exportObject("/half", Half(connection, "org.example.Right"));
+  const auto right = half("org.example.Right", "org.example.Left");
+  EXPECT_EQ(Value(51), connection.proxy("org.example.Right", "/half")->invoke("Down", 51));
+}
+
+TEST_F(Reentry, HandlersOfBothProcessesMayBeTheFirstToCall) {
+  const auto left = half("org.example.Left", "org.example.Right");
+  const auto right = half("org.example.Right", "org.example.Left");
+  auto other = std::async(std::launch::async, [&] {
+    bus::PollLoop ownLoop;
+    bus::Connection own(ownLoop, daemon.address());
+    Value last;
+    for (int i = 0; i < 5; ++i) last = own.proxy("org.example.Right", "/half")->invoke("Down", 50);
+    return last;
+  });
+  for (int i = 0; i < 5; ++i)
+    EXPECT_EQ(Value(50), connection.proxy("org.example.Left", "/half")->invoke("Down", 50));
+  EXPECT_EQ(Value(50), other.get());
+}
+
+TEST_F(Reentry, AReplyThatComesDuringAnInnerCallIsKeptForTheOuterOne) {
+  std::promise<void> outerMayReply;
+  std::promise<void> outerHasReplied;
+  BusPeer outer(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/object",
+                     std::make_shared<TableOf>("Outer", std::vector<Member>{Operation("Wait", [&](Args&) {
+                                                 outerMayReply.get_future().get();
+                                                 return Value("outer");
+                                               })}));
+  });
+  BusPeer inner(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/object",
+                     std::make_shared<TableOf>("Inner", std::vector<Member>{Operation("Wait", [&](Args&) {
+                                                 outerHasReplied.get_future().get();
+                                                 return Value("inner");
+                                               })}));
+  });
+  Value innerResult;
+  connection.exportObject(
+      "/own", std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Enter", [&](Args&) {
+                                          outerMayReply.set_value();
+                                          innerResult =
+                                              connection.proxy(inner.uniqueName(), "/object")->invoke("Wait");
+                                          return Value();
+                                        })}));
+  std::thread caller([&] {
+    bus::PollLoop ownLoop;
+    bus::Connection own(ownLoop, daemon.address());
+    own.proxy(connection.uniqueName(), "/own")->invoke("Enter");
+  });
+  std::thread watcher([&] {
+    outer.run([](bus::Connection&, bus::PollLoop&) {});  // runs when the outer call has been replied to
+    outerHasReplied.set_value();
+  });
+  // The watcher must come second: its work waits in the peer's queue behind the call.
+  const Value outerResult = connection.proxy(outer.uniqueName(), "/object")->invoke("Wait");
+  watcher.join();
+  support::TurnUntil(loop, [&] { return !innerResult.empty(); });
+  caller.join();
+  EXPECT_EQ(Value("outer"), outerResult);
+  EXPECT_EQ(Value("inner"), innerResult);
+}
+
+TEST_F(Reentry, APlainWaitServesCallsAndRunsNoTimers) {
+  int served = 0;
+  int fired = 0;
+  connection.exportObject("/own",
+                          std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Hit", [&](Args&) {
+                                                      ++served;
+                                                      return Value();
+                                                    })}));
+  BusPeer caller(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/object",
+                     std::make_shared<TableOf>("Caller", std::vector<Member>{Operation("Go", [&](Args&) {
+                                                 for (int i = 0; i < 3; ++i) {
+                                                   own.proxy(connection.uniqueName(), "/own")->invoke("Hit");
+                                                   std::this_thread::sleep_for(Milliseconds(5));
+                                                 }
+                                                 return Value();
+                                               })}));
+  });
+  const auto timer = loop.makeTimer(Milliseconds(1), [&] { ++fired; });
+  timer->enabled(true);
+  loop.post([&] { ++fired; });
+  connection.proxy(caller.uniqueName(), "/object")->invoke("Go");
+  EXPECT_EQ(3, served);
+  EXPECT_EQ(0, fired);
+}
+
+TEST_F(Reentry, AnOpenWaitRunsTimersAndPostedWorkToo) {
+  const auto peer = sleeper();
+  int fired = 0;
+  bool posted = false;
+  const auto timer = loop.makeTimer(Milliseconds(1), [&] { ++fired; });
+  timer->enabled(true);
+  loop.post([&] { posted = true; });
+  loop.whileOpen([&] {
+    EXPECT_EQ(Value("slept"), connection.proxy(peer->uniqueName(), "/sleeper")->invoke("Sleep", 60));
+  });
+  EXPECT_GE(fired, 2);
+  EXPECT_TRUE(posted);
+}
+
+TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
+  const auto slow = sleeper();
+  const auto quick = sleeper();
+  int ticks = 0;
+  int during = -1;
+  const auto ticker = loop.makeTimer(Milliseconds(1), [&] { ++ticks; });
+  std::unique_ptr<base::Timer> once;
+  once = loop.makeTimer(Milliseconds(1), [&] {
+    once->enabled(false);
+    const int before = ticks;
+    connection.proxy(quick->uniqueName(), "/sleeper")->invoke("Sleep", 30);
+    during = ticks - before;
+  });
+  ticker->enabled(true);
+  once->enabled(true);
+  loop.whileOpen([&] { connection.proxy(slow->uniqueName(), "/sleeper")->invoke("Sleep", 100); });
+  EXPECT_EQ(0, during);
+  EXPECT_GE(ticks, 1);
+}
+
+TEST_F(Reentry, ACallThatComesInWhilePumpingIsServed) {
+  int served = 0;
+  connection.exportObject("/own",
+                          std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Hit", [&](Args&) {
+                                                      ++served;
+                                                      return Value();
+                                                    })}));
+  auto caller = std::async(std::launch::async, [&] {
+    bus::PollLoop ownLoop;
+    bus::Connection own(ownLoop, daemon.address());
+    own.proxy(connection.uniqueName(), "/own")->invoke("Hit");
+  });
+  const auto end = loop.now() + std::chrono::seconds(20);
+  while (served == 0 && loop.now() < end) loop.pump();
+  caller.get();
+  EXPECT_EQ(1, served);
+}
+
+TEST_F(Reentry, AFailedEventLeavesTheOpenWaitAndCallsGoOn) {
+  const auto peer = sleeper();
+  const auto remote = connection.proxy(peer->uniqueName(), "/sleeper");
+  loop.post([] { throw base::Failure(5); });
+  EXPECT_EQ(5, support::FailureNumberOf([&] { loop.whileOpen([&] { remote->invoke("Sleep", 20); }); }));
+  EXPECT_EQ(Value("slept"), remote->invoke("Sleep", 1));
+}
+
+}  // namespace
