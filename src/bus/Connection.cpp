@@ -75,6 +75,11 @@ std::string Connection::peerOf(const base::Object& object) {
   return remote == nullptr ? std::string() : remote->name();
 }
 
+std::string Connection::pathOf(const base::Object& object) {
+  const auto* remote = dynamic_cast<const RemoteObject*>(&object);
+  return remote == nullptr ? std::string() : remote->path();
+}
+
 std::string Connection::introspect(const std::string& name, const std::string& path) {
   return link_->introspect(name, path);
 }

@@ -51,6 +51,8 @@ class Connection {
   void onDisconnect(std::function<void()> gone);
   /// The bus name that a proxy made by any connection refers to, empty for a local object.
   static std::string peerOf(const base::Object& object);
+  /// The path that a proxy refers to, empty for a local object.
+  static std::string pathOf(const base::Object& object);
 
   /// The introspection text of a remote object (org.freedesktop.DBus.Introspectable).
   std::string introspect(const std::string& name, const std::string& path);

@@ -86,11 +86,13 @@ TEST_F(Reentry, HandlersOfBothProcessesMayBeTheFirstToCall) {
 }
 
 TEST_F(Reentry, AReplyThatComesDuringAnInnerCallIsKeptForTheOuterOne) {
+  std::promise<void> outerHasBegun;
   std::promise<void> outerMayReply;
   std::promise<void> outerHasReplied;
   BusPeer outer(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
     own.exportObject("/object",
                      std::make_shared<TableOf>("Outer", std::vector<Member>{Operation("Wait", [&](Args&) {
+                                                 outerHasBegun.set_value();
                                                  outerMayReply.get_future().get();
                                                  return Value("outer");
                                                })}));
@@ -116,10 +118,10 @@ TEST_F(Reentry, AReplyThatComesDuringAnInnerCallIsKeptForTheOuterOne) {
     own.proxy(connection.uniqueName(), "/own")->invoke("Enter");
   });
   std::thread watcher([&] {
+    outerHasBegun.get_future().get();
     outer.run([](bus::Connection&, bus::PollLoop&) {});  // runs when the outer call has been replied to
     outerHasReplied.set_value();
   });
-  // The watcher must come second: its work waits in the peer's queue behind the call.
   const Value outerResult = connection.proxy(outer.uniqueName(), "/object")->invoke("Wait");
   watcher.join();
   support::TurnUntil(loop, [&] { return !innerResult.empty(); });
