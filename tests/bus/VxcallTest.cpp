@@ -1,0 +1,251 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "support/BusDaemon.hpp"
+#include "support/BusPeer.hpp"
+#include "vxcall/Arguments.hpp"
+
+namespace {
+
+using base::Args;
+using base::Array;
+using base::Member;
+using base::MemberKind;
+using base::Record;
+using base::Type;
+using base::Value;
+using testing::HasSubstr;
+
+struct Outcome {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+class Vxcall : public testing::Test {
+ protected:
+  [[nodiscard]] Outcome run(const std::string& words) const {
+    return runPlain("--bus '" + daemon.address() + "' " + words);
+  }
+
+  [[nodiscard]] Outcome runPlain(const std::string& words, const std::string& environment = {}) const {
+    const auto errors = (daemon.folder() / "errors").string();
+    const std::string command = environment + " '" VXCALL_PROGRAM "' " + words + " 2>'" + errors + "'";
+    Outcome outcome;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) outcome.out += static_cast<char>(c);
+    const int status = ::pclose(pipe);
+    outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::stringstream text;
+    text << std::ifstream(errors).rdbuf();
+    outcome.err = text.str();
+    return outcome;
+  }
+
+  support::BusDaemon daemon;
+  Value seen;
+  support::BusPeer peer{daemon.address(), [this](bus::Connection& connection, bus::PollLoop&) {
+                          connection.exportObject("/host",
+                                                  std::make_shared<support::TableOf>("Host", members()));
+                          connection.claimName("org.vantorix.Host");
+                        }};
+
+ private:
+  std::vector<Member> members() {
+    return {
+        {"Play",
+         MemberKind::kOperation,
+         {{"category", Type::kText}, {"name", Type::kText, Value("all")}},
+         Type::kText,
+         [](Args& a) { return base::ToText(a[0]) + "/" + base::ToText(a[1]); }},
+        {"List",
+         MemberKind::kOperation,
+         {},
+         Type::kTextList,
+         [](Args&) {
+           return Array{"one", "two"};
+         }},
+        {"Info",
+         MemberKind::kOperation,
+         {},
+         Type::kRecord,
+         [](Args&) {
+           return Record{{"Title", "Blue"}, {"Length", 3}};
+         }},
+        {"Raw", MemberKind::kOperation, {}, Type::kText, [](Args&) { return std::string("a\0b", 3); }},
+        {"Count",
+         MemberKind::kOperation,
+         {{"counter", Type::kInt32, {}, true}},
+         Type::kText,
+         [](Args& a) {
+           a[0] = base::ToInt32(a[0]) + 1;
+           return "counted";
+         }},
+        {"See",
+         MemberKind::kOperation,
+         {{"value"}},
+         Type::kNone,
+         [this](Args& a) {
+           seen = a[0];
+           return Value();
+         }},
+        {"Typed",
+         MemberKind::kOperation,
+         {{"flag", Type::kBoolean}, {"number", Type::kDouble}},
+         Type::kText,
+         [](Args& a) { return base::ToText(a[0]) + base::ToText(a[1]); }},
+        {"Fail",
+         MemberKind::kOperation,
+         {},
+         Type::kNone,
+         [](Args&) -> Value { throw base::Failure(35601, "no such node"); }},
+        {"Self",
+         MemberKind::kOperation,
+         {},
+         Type::kObject,
+         [](Args&) { return std::make_shared<support::TableOf>("Part", std::vector<Member>{}); }},
+        {"Volume",
+         MemberKind::kField,
+         {},
+         Type::kInt16,
+         [this](Args&) { return seen; },
+         [this](const Value& value) { seen = value; }},
+        {"Version", MemberKind::kReadField, {}, Type::kText, [](Args&) { return "1"; }},
+    };
+  }
+};
+
+TEST_F(Vxcall, AResultIsPrintedAsItIs) {
+  EXPECT_EQ("Album/Blue Train\n", run("host Play Album 'Blue Train'").out);
+  EXPECT_EQ("Album/all\n", run("HOST play Album").out);
+  EXPECT_EQ("Album/all\n", run("org.vantorix.Host:/host Play Album").out);
+  EXPECT_EQ("Album/all\n", run(peer.uniqueName() + ":/host Play Album").out);
+  EXPECT_EQ(std::string("a\0b\n", 4), run("host Raw").out);
+}
+
+TEST_F(Vxcall, ListsAndRecordsArePrintedLineByLine) {
+  EXPECT_EQ("one\ntwo\n", run("host List").out);
+  EXPECT_EQ("Title: Blue\nLength: 3\n", run("host Info").out);
+}
+
+TEST_F(Vxcall, InOutArgumentsFollowTheResult) { EXPECT_EQ("counted\n8\n", run("host Count 7").out); }
+
+TEST_F(Vxcall, AnObjectIsPrintedAsNameAndPath) {
+  EXPECT_EQ("(" + peer.uniqueName() + " /objects/1)\n", run("host Self").out);
+}
+
+TEST_F(Vxcall, ArgumentsTakeTheKindOfTheirPrefix) {
+  const std::vector<std::pair<std::string, Value>> words{
+      {"plain", "plain"},       {"s:b:true", "b:true"}, {"b:true", true}, {"n:-5", std::int16_t{-5}},
+      {"i:70000", 70000},       {"d:1.5", 1.5},         {"e:", Value()},  {"''", ""},
+      {"http://x", "http://x"},
+  };
+  for (const auto& [word, value] : words) {
+    const auto outcome = run("host See " + word);
+    EXPECT_EQ(0, outcome.code) << outcome.err;
+    EXPECT_EQ("", outcome.out) << "empty prints nothing";
+    EXPECT_EQ(value, seen) << word;
+  }
+}
+
+TEST_F(Vxcall, AnObjectOfTheTargetCanBeAnArgument) {
+  EXPECT_EQ(0, run("host See o:/host").code);
+  EXPECT_EQ("", bus::Connection::peerOf(base::Deref(seen))) << "the target sees its own object";
+  seen = Value();
+}
+
+TEST_F(Vxcall, PlainArgumentsAreConvertedAsTheOperationDeclares) {
+  EXPECT_EQ("True2.5\n", run("host Typed true 2.5").out);
+  const auto wrong = run("host Typed true much");
+  EXPECT_EQ(2, wrong.code);
+  EXPECT_THAT(wrong.err, HasSubstr("'much'"));
+}
+
+TEST_F(Vxcall, FieldsAreReadAndWritten) {
+  EXPECT_EQ(0, run("host --put Volume 30").code);
+  EXPECT_EQ(Value(std::int16_t{30}), seen);
+  EXPECT_EQ("30\n", run("host --get volume").out);
+}
+
+TEST_F(Vxcall, MembersAreListedWithTypesAndArgumentNames) {
+  const auto outcome = run("host --list");
+  EXPECT_THAT(outcome.out, HasSubstr("Play(category: text, name: text = \"all\"): text\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("Count(inout counter: int32): text\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("See(value: any)\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("Volume: int16\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("Version: text (read only)\n"));
+}
+
+TEST_F(Vxcall, AFailureIsPrintedWithItsNumberAndEndsWith1) {
+  const auto outcome = run("host Fail");
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ("failure 35601: no such node\n", outcome.err);
+  EXPECT_THAT(run("host Nothing").err, HasSubstr("failure 438"));
+}
+
+TEST_F(Vxcall, WrongUsageEndsWith2) {
+  for (const auto* words : {"", "host", "nowhere Play", "host --get", "host --put Volume", "host --shout x",
+                            "host --list more", "host See n:many", "'bad name:/x' Play"}) {
+    const auto outcome = run(words);
+    EXPECT_EQ(2, outcome.code) << words;
+    EXPECT_THAT(outcome.err, HasSubstr("--help")) << words;
+  }
+}
+
+TEST_F(Vxcall, NobodyThereEndsWith3) {
+  EXPECT_EQ(3, run("vxif Command").code);
+  EXPECT_THAT(run("vxif Command").err, HasSubstr("org.vantorix.vxif_WMP9 isn't running"));
+  EXPECT_THAT(run("callback Any").err, HasSubstr("has no object /callback"));
+  EXPECT_EQ(3, run("callback Any").code);
+  const auto outcome = runPlain("--bus unix:path=/nowhere host Play x");
+  EXPECT_EQ(3, outcome.code);
+  EXPECT_THAT(outcome.err, HasSubstr("no message bus"));
+}
+
+TEST_F(Vxcall, TheBusIsFoundByVariableThenByTheHousesSocketThenBySession) {
+  const std::string folder = (daemon.folder() / "run").string();
+  const std::string nowhere = "unix:path=/nowhere";
+  EXPECT_EQ(0, runPlain("host List", "VANTORIX_BUS='" + daemon.address() +
+                                         "' XDG_RUNTIME_DIR=/nowhere "
+                                         "DBUS_SESSION_BUS_ADDRESS=" +
+                                         nowhere)
+                   .code);
+  const std::string session =
+      "VANTORIX_BUS= XDG_RUNTIME_DIR='" + folder + "' DBUS_SESSION_BUS_ADDRESS='" + daemon.address() + "'";
+  EXPECT_EQ(0, runPlain("host List", session).code);
+  std::filesystem::create_directories(folder + "/vantorix");
+  std::filesystem::create_symlink(daemon.folder() / "socket", folder + "/vantorix/bus");
+  EXPECT_EQ(0, runPlain("host List",
+                        "VANTORIX_BUS= XDG_RUNTIME_DIR='" + folder + "' DBUS_SESSION_BUS_ADDRESS=" + nowhere)
+                   .code);
+}
+
+TEST_F(Vxcall, HelpAndVersionNeedNoBus) {
+  EXPECT_THAT(runPlain("--help").out, HasSubstr("vxcall [--bus ADDRESS] TARGET OPERATION"));
+  EXPECT_EQ(0, runPlain("--help").code);
+  EXPECT_EQ("vxcall " VANTORIX_VERSION "\n", runPlain("--version").out);
+}
+
+TEST(VxcallArguments, AnObjectMayBeNamedWithItsProcess) {
+  std::string asked;
+  const vxcall::ObjectMaker objects = [&](const std::string& name, const std::string& path) {
+    asked = name + " " + path;
+    return base::ObjectRef();
+  };
+  vxcall::ParseValue("o::1.7:/objects/3", "", objects);
+  EXPECT_EQ(":1.7 /objects/3", asked);
+  vxcall::ParseValue("o:/objects/3", "", objects);
+  EXPECT_EQ(" /objects/3", asked);
+}
+
+TEST(VxcallArguments, LinesOfATextBecomeAListWhereOneIsDeclared) {
+  EXPECT_EQ((Value(Array{"a", "b"})), vxcall::ParseValue("a\nb", "as", {}));
+}
+
+}  // namespace
