@@ -54,7 +54,7 @@ class FakePlayer : public player::WMP9,
   bool muted = false;
   std::int32_t level = 50;
   std::map<std::string, bool> modes;
-  bool answersModes = true;  ///< sends ModeChange from within setMode
+  bool answersModes = true;  ///< sends ModeChange when setMode changes one
   player::MediaRef media;
   std::vector<player::ErrorItem> errors;
   std::int32_t drives = 1;
@@ -121,8 +121,9 @@ class FakePlayer : public player::WMP9,
   }
   void setMode(const std::string& mode, bool value) override {
     told("setMode " + mode + (value ? " on" : " off"));
+    const bool changed = getMode(mode) != value;
     modes[mode] = value;
-    if (answersModes) events_.ModeChange(mode, value);
+    if (answersModes && changed) events_.ModeChange(mode, value);
   }
   [[nodiscard]] std::string mediaAccessRights() const override { return rights; }
   bool requestMediaAccessRights(const std::string& wanted) override {

@@ -1,0 +1,69 @@
+#include "platform/PosixPlatform.hpp"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/Failure.hpp"
+
+namespace platform {
+
+using base::Failure;
+
+namespace {
+
+[[noreturn]] void FailWithErrno(const std::string& what) {
+  const int error = errno;
+  std::int32_t number = base::number::kDeviceIo;
+  if (error == EACCES || error == EPERM || error == EROFS) number = base::number::kPermissionDenied;
+  if (error == ENOENT || error == ENOTDIR) number = base::number::kPathNotFound;
+  if (error == ENOSPC || error == EDQUOT) number = base::number::kDiskFull;
+  throw Failure(number, what + ": " + std::strerror(error));
+}
+
+}  // namespace
+
+std::string NativePath(const std::string& path) {
+  std::string native = path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+
+std::int32_t PosixPlatform::osMajorVersion() {
+  utsname system{};
+  if (uname(&system) != 0) FailWithErrno("uname");
+  return static_cast<std::int32_t>(std::strtol(system.release, nullptr, 10));
+}
+
+void PosixPlatform::setPriorityClass(std::int32_t priorityClass) {
+  constexpr std::int32_t kHigh = 128;
+  constexpr std::int32_t kAboveNormal = 32768;
+  const int nice = priorityClass == kHigh ? -10 : priorityClass == kAboveNormal ? -5 : 0;
+  if (setpriority(PRIO_PROCESS, 0, nice) != 0) FailWithErrno("priority");
+}
+
+void PosixPlatform::end() {
+  std::fflush(nullptr);
+  _exit(0);
+}
+
+void PosixPlatform::messageBox(base::BoxKind kind, const std::string& title, const std::string& text) {
+  std::fprintf(stderr, "%s%s: %s\n", kind == base::BoxKind::kCritical ? "(!) " : "", title.c_str(),
+               text.c_str());
+}
+
+void PosixPlatform::emptyFile(const std::string& path) {
+  const std::string native = NativePath(path);
+  const int file = open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (file < 0) FailWithErrno(native);
+  close(file);
+}
+
+}  // namespace platform

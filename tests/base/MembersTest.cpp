@@ -1,0 +1,94 @@
+#include "base/Members.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "base/Failure.hpp"
+
+using base::Args;
+using base::MemberKind;
+using base::Type;
+using base::Value;
+
+namespace {
+
+class Lamp : public base::TableObject {
+ public:
+  using base::TableObject::call;
+  Lamp() {
+    setTable({"Lamp",
+              {{"Dim",
+                MemberKind::kOperation,
+                {{"by", Type::kInt16, Value(std::int16_t{10})}},
+                Type::kInt32,
+                [this](Args& args) { return Value(level -= base::ToInt16(args[0])); }},
+               {"Swap",
+                MemberKind::kOperation,
+                {{"text", Type::kText, {}, true}},
+                Type::kNone,
+                [](Args& args) {
+                  args[0] = "swapped " + base::ToText(args[0]);
+                  return Value();
+                }},
+               {"Level",
+                MemberKind::kField,
+                {},
+                Type::kInt32,
+                [this](Args&) { return Value(level); },
+                [this](const Value& value) { level = base::ToInt32(value); }},
+               {"Watts", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(40); }}}});
+  }
+  std::int32_t level = 100;
+};
+
+std::int32_t NumberOf(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const base::Failure& failure) {
+    return failure.number();
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST(TableObject, FillsInTheDefaultOfAMissingArgument) {
+  Lamp lamp;
+  EXPECT_EQ(lamp.invoke("Dim"), Value(90));
+  EXPECT_EQ(lamp.invoke("Dim", "5"), Value(85));
+}
+
+TEST(TableObject, GivesChangedArgumentsBack) {
+  Lamp lamp;
+  Args args{Value("me")};
+  EXPECT_TRUE(lamp.call("Swap", args).empty());
+  EXPECT_EQ(args[0], Value("swapped me"));
+}
+
+TEST(TableObject, FindsMembersWithoutRegardToCase) {
+  Lamp lamp;
+  EXPECT_EQ(lamp.get("LEVEL"), Value(100));
+  lamp.put("level", "7");
+  EXPECT_EQ(lamp.level, 7);
+}
+
+TEST(TableObject, ReadsAFieldThatIsCalled) {
+  Lamp lamp;
+  EXPECT_EQ(lamp.invoke("Level"), Value(100));
+}
+
+TEST(TableObject, RefusesWhatItsTableDoesNotHold) {
+  Lamp lamp;
+  EXPECT_EQ(NumberOf([&] { lamp.invoke("Explode"); }), base::number::kNoSuchMember);
+  EXPECT_EQ(NumberOf([&] { lamp.put("Watts", 5); }), base::number::kNoSuchMember);
+  EXPECT_EQ(NumberOf([&] { lamp.get("Dim"); }), base::number::kNoSuchMember);
+  EXPECT_EQ(NumberOf([&] { lamp.invoke("Dim", 1, 2); }), base::number::kWrongArguments);
+  EXPECT_EQ(NumberOf([&] { lamp.invoke("Swap"); }), base::number::kWrongArguments);
+  EXPECT_EQ(NumberOf([&] { lamp.invoke("Dim", 99999); }), base::number::kOverflow);
+}
+
+TEST(TableObject, ConvertsItsResultToTheDeclaredType) {
+  Lamp lamp;
+  EXPECT_EQ(lamp.get("Watts"), Value(std::int16_t{40}));
+}
