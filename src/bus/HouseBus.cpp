@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace bus {
@@ -13,6 +14,23 @@ namespace {
 std::string Variable(const char* name) {
   const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): read while one thread runs
   return value == nullptr ? std::string() : std::string(value);
+}
+
+/// A path as bus addresses spell it.
+std::string Escaped(const std::string& path) {
+  constexpr std::string_view kPlain = "-_/.\\*";
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string escaped;
+  for (const char c : path) {
+    const auto code = static_cast<unsigned char>(c);
+    const bool letter = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (letter || kPlain.find(c) != std::string_view::npos) {
+      escaped += c;
+    } else {
+      escaped += {'%', kHex[code >> 4U], kHex[code & 15U]};
+    }
+  }
+  return escaped;
 }
 
 }  // namespace
@@ -27,7 +45,7 @@ std::string HouseBusAddress() {
   if (auto address = Variable("VANTORIX_BUS"); !address.empty()) return address;
   const std::string socket = HouseSocket();
   std::error_code ignored;
-  if (std::filesystem::is_socket(socket, ignored)) return "unix:path=" + socket;
+  if (std::filesystem::is_socket(socket, ignored)) return "unix:path=" + Escaped(socket);
   return {};
 }
 

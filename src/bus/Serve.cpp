@@ -130,14 +130,15 @@ Message ErrorReply(sd_bus_message* call, const base::Failure& failure) {
 }  // namespace
 
 void Serve(const std::shared_ptr<Link>& link, const Message& call) {
-  Message reply;
+  const bool wanted = sd_bus_message_get_expect_reply(call.get()) > 0;
   try {
     try {
-      reply = Service(*link, call.get()).run();
+      const Message reply = Service(*link, call.get()).run();
+      if (reply && wanted) link->send(reply);
     } catch (...) {
-      reply = ErrorReply(call.get(), base::CurrentFailure());
+      const Message reply = ErrorReply(call.get(), base::CurrentFailure());
+      if (wanted) link->send(reply);
     }
-    if (reply && sd_bus_message_get_expect_reply(call.get()) > 0) link->send(reply);
   } catch (const std::exception&) {
     return;  // the bus has gone, and the caller with it
   }

@@ -209,7 +209,7 @@ TEST_F(Vxcall, NobodyThereEndsWith3) {
 }
 
 TEST_F(Vxcall, TheBusIsFoundByVariableThenByTheHousesSocketThenBySession) {
-  const std::string folder = (daemon.folder() / "run").string();
+  const std::string folder = (daemon.folder() / "run, with ä").string();
   const std::string nowhere = "unix:path=/nowhere";
   EXPECT_EQ(0, runPlain("host List", "VANTORIX_BUS='" + daemon.address() +
                                          "' XDG_RUNTIME_DIR=/nowhere "
