@@ -1,0 +1,23 @@
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// The machine's CD drives and the disc images set up as such.
+class CdDrives : public player::CdromCollection {
+ public:
+  /// `devices` are device files or CUE files; with `find`, the machine's own drives come first.
+  CdDrives(const std::vector<std::string>& devices, bool find);
+
+  [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(drives_.size()); }
+  std::shared_ptr<player::Cdrom> item(std::int32_t index) override;
+
+ private:
+  std::vector<std::shared_ptr<player::Cdrom>> drives_;
+};
+
+}  // namespace engine

@@ -1,0 +1,78 @@
+#include "engine/FolderListing.hpp"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+#include "base/Failure.hpp"
+#include "engine/TagReader.hpp"
+
+namespace engine {
+namespace {
+
+struct DirectoryCloser {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+[[noreturn]] void Fail(const std::string& path, int error) {
+  const bool missing = error == ENOENT || error == ENOTDIR;
+  throw base::Failure(missing ? base::number::kPathNotFound : base::number::kPermissionDenied,
+                      SafeName(path) + ": " + std::strerror(error));
+}
+
+FileStamp Stamp(const struct stat& info) {
+  FileStamp stamp;
+  stamp.modified = static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
+  stamp.size = info.st_size;
+  stamp.inode = info.st_ino;
+  return stamp;
+}
+
+}  // namespace
+
+FolderIdentity IdentityOf(const std::string& folder) {
+  struct stat info {};
+  if (::stat(folder.c_str(), &info) != 0) Fail(folder, errno);
+  if (!S_ISDIR(info.st_mode)) Fail(folder, ENOTDIR);
+  return {info.st_dev, info.st_ino};
+}
+
+FolderListing ListFolder(const std::string& path) {
+  const std::unique_ptr<DIR, DirectoryCloser> directory(::opendir(path.c_str()));
+  if (!directory) Fail(path, errno);
+  const int descriptor = ::dirfd(directory.get());
+  FolderListing listing;
+  struct stat info {};
+  if (::fstat(descriptor, &info) != 0) Fail(path, errno);
+  listing.identity = {info.st_dev, info.st_ino};
+
+  while (true) {
+    errno = 0;
+    const dirent* entry = ::readdir(directory.get());
+    if (entry == nullptr) {
+      if (errno != 0) Fail(path, errno);
+      break;
+    }
+    if (entry->d_name[0] == '.') continue;
+    const bool mayBeFolder = entry->d_type != DT_REG;
+    std::string full = path + '/' + entry->d_name;
+    const bool media = KindByName(full) != MediaKind::kNone;
+    if (!media && !mayBeFolder) continue;
+    if (::fstatat(descriptor, entry->d_name, &info, 0) != 0) continue;  // gone, or a link to nowhere
+    if (S_ISDIR(info.st_mode)) {
+      listing.folders.push_back({std::move(full), {info.st_dev, info.st_ino}});
+    } else if (media && S_ISREG(info.st_mode)) {
+      listing.files.push_back({std::move(full), Stamp(info)});
+    }
+  }
+  const auto byPath = [](const auto& left, const auto& right) { return left.path < right.path; };
+  std::sort(listing.files.begin(), listing.files.end(), byPath);
+  std::sort(listing.folders.begin(), listing.folders.end(), byPath);
+  return listing;
+}
+
+}  // namespace engine

@@ -1,0 +1,75 @@
+#pragma once
+#include <memory>
+#include <string>
+
+#include "engine/Attributes.hpp"
+#include "engine/Pictures.hpp"
+#include "engine/TrackIndex.hpp"
+#include "engine/TrackTable.hpp"
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// What media of the library look things up in. It lives as long as anything made from it.
+struct Shelf {
+  explicit Shelf(const std::string& pictureFolder) : index(table), pictures(pictureFolder) {}
+
+  TrackTable table;
+  TrackIndex index;
+  Pictures pictures;
+};
+using ShelfRef = std::shared_ptr<Shelf>;
+
+/// Media that the engine can play.
+class EngineMedia : public player::Media {
+ public:
+  /// What the decoder opens: a path or an address.
+  [[nodiscard]] virtual std::string location() const = 0;
+  [[nodiscard]] std::string durationString() const override { return ClockText(duration()); }
+  [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
+};
+
+/// A track of the library: a number, looked up when asked.
+class TrackMedia : public EngineMedia {
+ public:
+  TrackMedia(ShelfRef shelf, TrackId id) : shelf_(std::move(shelf)), id_(id) {}
+
+  [[nodiscard]] TrackId id() const { return id_; }
+  [[nodiscard]] std::string location() const override { return shelf_->table.path(id_); }
+  [[nodiscard]] std::string name() const override;
+  [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location()); }
+  [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
+  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const override;
+  [[nodiscard]] double duration() const override { return shelf_->table.row(id_).milliseconds / 1000.0; }
+
+ private:
+  ShelfRef shelf_;
+  TrackId id_;
+};
+
+/// Media outside the library: an address, a file from elsewhere, a track of a disc.
+class LooseMedia : public EngineMedia {
+ public:
+  LooseMedia(std::string location, TrackTags tags) : location_(std::move(location)), tags_(std::move(tags)) {}
+
+  /// Told by the decoder once it knows.
+  void duration(double seconds) { tags_.milliseconds = static_cast<std::uint32_t>(seconds * 1000 + 0.5); }
+
+  [[nodiscard]] std::string location() const override { return location_; }
+  [[nodiscard]] std::string name() const override { return tags_.title; }
+  [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location_); }
+  [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
+  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const override;
+  [[nodiscard]] double duration() const override { return tags_.milliseconds / 1000.0; }
+
+ private:
+  std::string location_;
+  TrackTags tags_;
+};
+
+/// What the decoder is to open for any media.
+std::string LocationOf(const player::Media& media);
+
+}  // namespace engine

@@ -1,0 +1,24 @@
+#pragma once
+#include <string>
+#include <unordered_map>
+
+namespace engine {
+
+/// The pictures inside media files, taken out into a folder when they are first asked for.
+class Pictures {
+ public:
+  /// `folder` is made when it is first needed.
+  explicit Pictures(std::string folder) : folder_(std::move(folder)) {}
+
+  /// A "file:" address of the picture inside the file, empty when there is none or it can't be kept.
+  std::string urlOf(const std::string& path);
+
+ private:
+  std::string folder_;
+  std::unordered_map<std::string, std::string> known_;  ///< by path and stamp
+};
+
+/// The front cover inside a media file, or its first picture; empty without one.
+std::string EmbeddedPicture(const std::string& path);
+
+}  // namespace engine

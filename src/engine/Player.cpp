@@ -1,0 +1,217 @@
+#include "engine/Player.hpp"
+
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "engine/CdDrives.hpp"
+#include "engine/ErrorList.hpp"
+#include "engine/Library.hpp"
+#include "engine/Lists.hpp"
+#include "engine/MpvOutput.hpp"
+#include "engine/Network.hpp"
+#include "engine/Playback.hpp"
+#include "engine/Poster.hpp"
+#include "engine/StoredPlaylists.hpp"
+
+namespace engine {
+namespace {
+
+constexpr std::int32_t kDefaultVolume = 50;
+
+class PlaybackControls : public player::Controls {
+ public:
+  explicit PlaybackControls(Playback& playback) : playback_(playback) {}
+
+  [[nodiscard]] bool isAvailable(const std::string& step) const override {
+    return playback_.available(base::LowerCase(step));
+  }
+  void play() override { playback_.play(); }
+  void stop() override { playback_.stop(); }
+  void pause() override { playback_.pause(); }
+  void fastForward() override { playback_.fastForward(); }
+  void fastReverse() override { playback_.fastReverse(); }
+  void next() override { playback_.next(); }
+  void previous() override { playback_.previous(); }
+  [[nodiscard]] double currentPosition() const override { return playback_.position(); }
+  void currentPosition(double seconds) override { playback_.position(seconds); }
+
+ private:
+  Playback& playback_;
+};
+
+/// "none", "read" and "full" in this order; -1 for anything else.
+int RightsRank(const std::string& rights) {
+  const std::string folded = base::LowerCase(rights);
+  if (folded == "none") return 0;
+  if (folded == "read") return 1;
+  return folded == "full" ? 2 : -1;
+}
+
+class Preferences : public player::PlayerSettings {
+ public:
+  using ModeChange = std::function<void(const std::string&, bool)>;
+
+  Preferences(Playback& playback, Output& output, std::string rights, ModeChange changed)
+      : playback_(playback), output_(output), rights_(std::move(rights)), changed_(std::move(changed)) {
+    output_.volume(volume_);
+  }
+
+  [[nodiscard]] bool autoStart() const override { return autoStart_; }
+  void autoStart(bool value) override { autoStart_ = value; }
+  [[nodiscard]] bool mute() const override { return mute_; }
+  void mute(bool value) override {
+    mute_ = value;
+    output_.mute(value);
+  }
+  [[nodiscard]] std::int32_t volume() const override { return volume_; }
+  void volume(std::int32_t value) override {
+    if (value < 0 || value > 100) throw base::Failure(base::number::kInvalidArgument);
+    volume_ = value;
+    output_.volume(value);
+  }
+
+  [[nodiscard]] bool getMode(const std::string& mode) const override {
+    if (base::SameText(mode, "loop")) return playback_.queue().loop();
+    if (base::SameText(mode, "shuffle")) return playback_.queue().shuffle();
+    throw base::Failure(base::number::kInvalidArgument);
+  }
+  void setMode(const std::string& mode, bool value) override {
+    if (base::SameText(mode, "loop")) {
+      playback_.loop(value);
+      changed_("Loop", value);
+    } else if (base::SameText(mode, "shuffle")) {
+      playback_.shuffle(value);
+      changed_("Shuffle", value);
+    } else {
+      throw base::Failure(base::number::kInvalidArgument);
+    }
+  }
+
+  [[nodiscard]] std::string mediaAccessRights() const override { return rights_; }
+  bool requestMediaAccessRights(const std::string& rights) override {
+    const int wanted = RightsRank(rights);
+    return wanted >= 0 && wanted <= RightsRank(rights_);
+  }
+
+ private:
+  Playback& playback_;
+  Output& output_;
+  std::string rights_;
+  ModeChange changed_;
+  bool autoStart_ = true;
+  bool mute_ = false;
+  std::int32_t volume_ = kDefaultVolume;
+};
+
+class Player : public player::WMP9 {
+ public:
+  Player(base::Loop& loop, const Config& config, player::WMP9Events& events,
+         std::function<void(const std::string&)> log)
+      : events_(events),
+        log_(std::move(log)),
+        post_(loop),
+        output_(loop, config),
+        playback_(
+            loop, output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
+            {[this](player::PlayState state) { post_([this, state] { events_.PlayStateChange(state); }); },
+             [this] { post_([this] { events_.Error(); }); }}),
+        controls_(playback_),
+        settings_(playback_, output_, config.mediaAccessRights,
+                  [this](const std::string& mode, bool value) {
+                    post_([this, mode, value] { events_.ModeChange(mode, value); });
+                  }),
+        library_(loop, config,
+                 {[this] { libraryChanged(); }, [this](const std::string& line) { message(line); },
+                  [this] { libraryScanned(); }}),
+        playlists_(loop, config.playlistFolder, library_,
+                   {[this] { post_([this] { events_.PlaylistCollectionChange(); }); },
+                    [this] { playback_.listChanged(); }, [this](const std::string& line) { message(line); }}),
+        drives_(config.cdDevices, config.findCdDrives) {
+    output_.listener(playback_);
+    playback_.preset(library_.getAll());
+  }
+
+  [[nodiscard]] std::string URL() const override {
+    const auto& media = playback_.queue().current();
+    return media ? media->sourceURL() : std::string();
+  }
+  void URL(const std::string& value) override {
+    currentMedia(value.empty() ? nullptr : library_.mediaAt(value));
+  }
+  player::Controls& controls() override { return controls_; }
+  player::PlayerSettings& settings() override { return settings_; }
+
+  [[nodiscard]] player::MediaRef currentMedia() const override { return playback_.queue().current(); }
+  void currentMedia(const player::MediaRef& media) override {
+    if (!media) {
+      assign(nullptr);
+      return;
+    }
+    assign(std::make_shared<ListPlaylist>(media->name(), std::vector<player::MediaRef>{media}));
+  }
+  [[nodiscard]] player::PlaylistRef currentPlaylist() const override { return playback_.queue().playlist(); }
+  void currentPlaylist(const player::PlaylistRef& playlist) override { assign(playlist); }
+
+  [[nodiscard]] std::int32_t playState() const override { return playback_.state(); }
+  [[nodiscard]] std::string status() const override { return StatusText(playback_.state()); }
+  [[nodiscard]] std::string versionInfo() const override { return "9.0.23"; }
+  player::ErrorQueue& Error() override { return errors_; }
+  player::CdromCollection& cdromCollection() override { return drives_; }
+  [[nodiscard]] bool fullScreen() const override { return fullScreen_; }
+  void fullScreen(bool value) override { fullScreen_ = value; }
+  [[nodiscard]] bool isOnline() const override { return IsOnline(); }
+  player::MediaCollection& mediaCollection() override { return library_; }
+  player::PlaylistCollection& playlistCollection() override { return playlists_; }
+
+ private:
+  void assign(const player::PlaylistRef& playlist) {
+    ownChoice_ = true;
+    playback_.assign(playlist);
+    if (settings_.autoStart()) playback_.play();
+  }
+
+  void libraryChanged() {
+    if (!ownChoice_) playback_.refresh(library_.getAll());
+    events_.MediaCollectionChange();
+  }
+
+  void libraryScanned() {
+    if (!ownChoice_) playback_.refresh(library_.getAll());
+  }
+
+  void message(const std::string& line) {
+    post_([this, line] {
+      if (log_) {
+        log_(line);
+      } else {
+        events_.Warning(0, 0, line);
+      }
+    });
+  }
+
+  player::WMP9Events& events_;
+  std::function<void(const std::string&)> log_;
+  ErrorList errors_;
+  Poster post_;
+  MpvOutput output_;
+  Playback playback_;
+  PlaybackControls controls_;
+  Preferences settings_;
+  Library library_;
+  StoredPlaylists playlists_;
+  CdDrives drives_;
+  bool fullScreen_ = false;
+  bool ownChoice_ = false;  ///< somebody has chosen what to play; until then it is the whole library
+};
+
+}  // namespace
+
+std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,
+                                         std::function<void(const std::string&)> log) {
+  return std::make_unique<Player>(loop, config, events, std::move(log));
+}
+
+}  // namespace engine

@@ -1,0 +1,18 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "base/Loop.hpp"
+#include "engine/Config.hpp"
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// Makes the player. Its events come on the loop's thread, each on a turn of its own. Lines for people about
+/// the library (files that can't be read, folders that are missing) go to `log`, or without one to the
+/// Warning event. Throws number 429 when there is no decoder.
+std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,
+                                         std::function<void(const std::string&)> log = {});
+
+}  // namespace engine

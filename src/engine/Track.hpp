@@ -1,0 +1,52 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace engine {
+
+/// The place of a track in the track table; it stays valid, and its texts readable, after the track has left
+/// the library.
+using TrackId = std::uint32_t;
+
+enum class MediaKind : std::uint8_t {
+  kNone = 0,  ///< looked at, and no media
+  kAudio = 1,
+  kVideo = 2,
+};
+
+/// What a file's tags say.
+struct TrackTags {
+  MediaKind kind = MediaKind::kAudio;
+  std::string title;  ///< never empty once read: the file's name stands in
+  std::string artist;
+  std::string albumArtist;
+  std::string album;
+  std::string genre;
+  std::string collectionId;  ///< the release's own id, empty without one
+  std::string discId;        ///< the table of contents of the disc it came from
+  std::uint16_t year = 0;
+  std::uint16_t track = 0;
+  std::uint16_t disc = 0;
+  std::uint32_t milliseconds = 0;
+
+  bool operator==(const TrackTags&) const = default;
+};
+
+/// What tells a changed file from an unchanged one.
+struct FileStamp {
+  std::int64_t modified = 0;  ///< nanoseconds
+  std::int64_t size = 0;
+  std::uint64_t inode = 0;
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+/// A file as the library remembers it.
+struct FileRecord {
+  std::string path;
+  FileStamp stamp;
+  TrackTags tags;
+  bool added = false;  ///< by hand, not found below a music folder
+};
+
+}  // namespace engine
