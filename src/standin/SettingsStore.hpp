@@ -30,6 +30,8 @@ class SettingsStore {
   /// journal stays, and the failure is thrown.
   void flush();
   [[nodiscard]] bool pending() const { return journal_.size() > 0; }
+  /// Bytes of changes that the files don't hold yet.
+  [[nodiscard]] std::size_t journalSize() const { return journal_.size(); }
 
  private:
   struct Loaded {

@@ -1,0 +1,90 @@
+#include <csignal>
+#include <iostream>
+#include <memory>
+
+#include "base/Failure.hpp"
+#include "standin/FileTools.hpp"
+#include "standin/HostObject.hpp"
+#include "standin/HouseObjects.hpp"
+#include "standin/LoopGate.hpp"
+#include "standin/Options.hpp"
+#include "standin/PluginKeeper.hpp"
+#include "standin/SettingsFlusher.hpp"
+#include "standin/Shelf.hpp"
+#include "standin/WebServer.hpp"
+
+namespace {
+
+using namespace standin;  // NOLINT(google-build-using-namespace): this file is the server put together
+
+int serve(const Options& options) {
+  // What another server may have already is asked for first, before any data is touched.
+  bus::PollLoop loop;
+  const auto onInterrupt = loop.onSignal(SIGINT, [&] { loop.quit(0); });
+  const auto onTerminate = loop.onSignal(SIGTERM, [&] { loop.quit(0); });
+  bus::Connection connection(loop, options.bus);
+  connection.claimName("org.vantorix.Host");
+  WebPort port(options.listen, options.port);
+  const bool local = IsLoopback(options.listen);
+
+  MakeFolder(options.data);
+  const FolderLock lock(options.data);
+  House house(options.data);
+  if (!local && house.users.hashOf(kFirstUser).empty()) {
+    throw base::Failure(
+        base::number::kPermissionDenied,
+        "Others could reach this server, but its owner has no password. Start it without --listen "
+        "and set one on the page \"Account\" first");
+  }
+  house.webPort = port.port();
+  if (!options.version.empty()) house.version = options.version;
+
+  BusShelf shelf(connection);
+  HouseObjects objects(house, shelf);
+  LoopWaits waits(loop);
+  const auto host =
+      std::make_shared<HostObject>(house, objects, waits, std::make_shared<SystemObject>(house));
+  const auto callback = std::make_shared<CallbackObject>(house, host);
+  shelf.show("/host", host);
+  shelf.show("/callback", callback);
+
+  SettingsFlusher flusher(loop, house);
+  PluginKeeper plugin(loop, connection, house, callback);
+  int code = 0;
+  {
+    LoopGate gate(loop, std::chrono::seconds(30));
+    WebApi api(house, objects, plugin, gate, local);
+    const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts));
+    const std::string name =
+        options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
+    std::cout << "Vantorix is at http://" << name << ":" << port.port() << "/" << std::endl;
+
+    house.log.write("Startup", "Vantorix has started, version " + house.version);
+    connection.onDisconnect([&] {
+      house.log.write("Error", "The message bus has gone");
+      loop.quit(1);
+    });
+    plugin.start();
+    code = loop.run();
+  }
+  plugin.stop();
+  house.log.write("Info", "Vantorix has stopped");
+  flusher.flushNow();
+  return code;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Options options = ReadOptions(std::vector<std::string>(argv + 1, argv + argc));
+    if (options.help) {
+      std::cout << Usage();
+      return 0;
+    }
+    return serve(options);
+  } catch (const std::exception& failure) {
+    std::cerr << "vantorix-standin: " << failure.what() << "\n";
+    return 1;
+  }
+}

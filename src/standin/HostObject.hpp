@@ -1,0 +1,27 @@
+#pragma once
+#include "base/Members.hpp"
+#include "standin/HostWaits.hpp"
+#include "standin/House.hpp"
+#include "standin/HouseObjects.hpp"
+
+namespace standin {
+
+/// The object that knows what the host last heard.
+class SystemObject : public base::TableObject {
+ public:
+  explicit SystemObject(House& house);
+};
+
+/// The host's operations, by name.
+class HostObject : public base::TableObject {
+ public:
+  HostObject(House& house, HouseObjects& objects, HostWaits& waits, base::ObjectRef system);
+};
+
+/// What the plug-in is given at its start.
+class CallbackObject : public base::TableObject {
+ public:
+  CallbackObject(House& house, base::ObjectRef host);
+};
+
+}  // namespace standin

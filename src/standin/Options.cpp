@@ -1,0 +1,80 @@
+#include "standin/Options.hpp"
+
+#include <charconv>
+#include <cstdlib>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+[[noreturn]] void refuse(const std::string& text) {
+  throw base::Failure(base::number::kInvalidArgument, text);
+}
+
+int portOf(const std::string& text) {
+  int port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc() || end != text.data() + text.size() || port < 0 || port > 65535) {
+    refuse("\"" + text + "\" is no port: a number from 0 to 65535");
+  }
+  return port;
+}
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): read before any thread starts
+  return value == nullptr ? std::string() : value;
+}
+
+}  // namespace
+
+std::filesystem::path DefaultDataFolder() {
+  const std::string data = environment("XDG_DATA_HOME");
+  if (!data.empty()) return std::filesystem::path(data) / "vantorix" / "server";
+  const std::string home = environment("HOME");
+  return std::filesystem::path(home.empty() ? "." : home) / ".local" / "share" / "vantorix" / "server";
+}
+
+std::string Usage() {
+  return "vantorix-standin: the house's server\n"
+         "  --port N           web port (8080; 0 for any free one)\n"
+         "  --listen ADDRESS   address to listen on (127.0.0.1); others need a password for the owner\n"
+         "  --data FOLDER      where the house is kept ($XDG_DATA_HOME/vantorix/server)\n"
+         "  --bus ADDRESS      message bus (the session's)\n"
+         "  --allow-host NAME  a further name that browsers may call this server by; may be repeated\n"
+         "  --host-version V   the version that plug-ins are told\n"
+         "  --help             this text\n";
+}
+
+Options ReadOptions(const std::vector<std::string>& words) {
+  Options options;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    if (word == "--help" || word == "-h") {
+      options.help = true;
+      continue;
+    }
+    const bool known = word == "--port" || word == "--listen" || word == "--data" || word == "--bus" ||
+                       word == "--allow-host" || word == "--host-version";
+    if (!known) refuse("Unknown option " + word);
+    if (i + 1 == words.size()) refuse(word + " needs a value");
+    const std::string& value = words[++i];
+    if (word == "--port") {
+      options.port = portOf(value);
+    } else if (word == "--listen") {
+      options.listen = value;
+    } else if (word == "--data") {
+      options.data = value;
+    } else if (word == "--bus") {
+      options.bus = value;
+    } else if (word == "--allow-host") {
+      options.allowedHosts.push_back(value);
+    } else {
+      options.version = value;
+    }
+  }
+  if (options.data.empty()) options.data = DefaultDataFolder();
+  return options;
+}
+
+}  // namespace standin

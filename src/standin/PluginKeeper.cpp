@@ -1,0 +1,205 @@
+#include "standin/PluginKeeper.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <utility>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr base::Milliseconds kFirstPause = std::chrono::seconds(1);
+constexpr base::Milliseconds kLongestPause = std::chrono::seconds(60);
+constexpr base::Milliseconds kStable = std::chrono::seconds(60);
+constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(300);
+
+}  // namespace
+
+std::string NameOf(PluginState state) {
+  switch (state) {
+    case PluginState::kStarting: return "starting";
+    case PluginState::kReady: return "ready";
+    case PluginState::kFailed: return "failed";
+    case PluginState::kLost: return "lost";
+    case PluginState::kStopped: break;
+  }
+  return "stopped";
+}
+
+PluginKeeper::PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, House& house,
+                           base::ObjectRef callback, Address address)
+    : loop_(loop),
+      connection_(connection),
+      house_(house),
+      callback_(std::move(callback)),
+      address_(std::move(address)),
+      pause_(kFirstPause),
+      startTimer_(loop.makeTimer(base::Milliseconds(1), [this] { launch(); })),
+      statusTimer_(loop.makeTimer(kStatusInterval, [this] { askStatus(); })) {
+  connection_.onNameLost(address_.name, [this] { lost(); });
+}
+
+void PluginKeeper::enter(PluginState state, std::string reason) {
+  state_ = state;
+  reason_ = std::move(reason);
+  house_.live.tell("frame", "{}");
+}
+
+void PluginKeeper::start() {
+  startTimer_->interval(base::Milliseconds(1));
+  startTimer_->enabled(true);
+}
+
+void PluginKeeper::startAgain() {
+  if (ending_ || launching_) return;
+  if (vxif_) {
+    ending_ = true;  // its end is wanted, not a loss
+    house_.log.write("Info", "The plug-in is started again");
+    shutDown(std::chrono::seconds(10));
+    ending_ = false;
+    house_.forgetPlugin();
+  }
+  pause_ = kFirstPause;
+  enter(PluginState::kStarting, {});
+  start();
+}
+
+void PluginKeeper::launch() {
+  startTimer_->enabled(false);
+  if (ending_ || launching_ || vxif_) return;
+  launching_ = true;
+  launchSteps();
+  launching_ = false;
+}
+
+void PluginKeeper::launchSteps() {
+  enter(PluginState::kStarting, {});
+  std::string refusal;
+  base::ObjectRef vxif;
+  try {
+    connection_.startService(address_.name);
+    vxif = vxif_ = connection_.proxy(address_.name, address_.path);
+    loop_.whileOpen([&] {
+      vxif->invoke("RegisterCallback", callback_);
+      name_ = base::ToText(vxif->call("Name"));
+      refusal = base::ToText(vxif->invoke("InitIO", std::int32_t{house_.webPort}));
+    });
+  } catch (...) {
+    const base::Failure failure = base::CurrentFailure();
+    if (ending_ || state_ == PluginState::kLost) return;  // its loss has been seen to already
+    vxif_ = nullptr;
+    house_.forgetPlugin();
+    house_.log.write("Error", "The plug-in could not be started: " + failure.description());
+    enter(PluginState::kLost, "The plug-in could not be started: " + failure.description());
+    restartLater();
+    return;
+  }
+  if (ending_ || vxif_ != vxif) return;
+  if (!refusal.empty()) {
+    house_.log.write("Error", "The plug-in has refused to start: " + refusal);
+    enter(PluginState::kFailed, refusal);
+    return;
+  }
+  statusTimer_->enabled(true);
+}
+
+void PluginKeeper::askStatus() {
+  if (busy_ || launching_ || !vxif_) return;
+  command(
+      [this](base::Object& vxif) {
+        if (base::ToInt16(vxif.call("InterfaceStatus")) != 0 || state_ != PluginState::kStarting) return;
+        statusTimer_->enabled(false);
+        readySince_ = loop_.now();
+        enter(PluginState::kReady, {});
+      },
+      [](const std::string&) {});
+}
+
+void PluginKeeper::lost() {
+  if (ending_ || !vxif_) return;
+  vxif_ = nullptr;
+  statusTimer_->enabled(false);
+  house_.forgetPlugin();
+  if (state_ == PluginState::kFailed) return;  // it had nothing more to do; the reason stays on the page
+  if (state_ == PluginState::kReady && loop_.now() - readySince_ >= kStable) pause_ = kFirstPause;
+  house_.log.write("Error", "The plug-in has been lost");
+  enter(PluginState::kLost, "The plug-in has ended unexpectedly");
+  restartLater();
+}
+
+void PluginKeeper::restartLater() {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(pause_).count();
+  house_.log.write("Info", "The plug-in is started again in " + std::to_string(seconds) +
+                               (seconds == 1 ? " second" : " seconds"));
+  startTimer_->interval(pause_);
+  startTimer_->enabled(true);
+  pause_ = std::min(pause_ * 2, kLongestPause);
+}
+
+bool PluginKeeper::call(const Command& command, std::string& failure) {
+  const base::ObjectRef vxif = vxif_;  // it may be lost while it is being called
+  if (!vxif || state_ == PluginState::kFailed) {
+    failure = "The plug-in isn't running";
+    return false;
+  }
+  try {
+    loop_.whileOpen([&] { command(*vxif); });
+    return true;
+  } catch (...) {
+    const base::Failure caught = base::CurrentFailure();
+    failure = caught.number() == base::number::kHostGone ? "The plug-in has gone" : caught.description();
+    return false;
+  }
+}
+
+void PluginKeeper::command(Command command, Done done) {
+  waiting_.push_back({std::move(command), std::move(done)});
+  runCommands();
+}
+
+void PluginKeeper::runCommands() {
+  if (busy_) return;
+  busy_ = true;
+  while (!waiting_.empty()) {
+    const Waiting next = std::move(waiting_.front());
+    waiting_.pop_front();
+    std::string failure;
+    call(next.command, failure);
+    next.done(failure);
+  }
+  busy_ = false;
+}
+
+void PluginKeeper::shutDown(base::Milliseconds limit) {
+  const base::ObjectRef vxif = std::exchange(vxif_, nullptr);
+  if (!vxif) return;
+  const std::uint32_t process = connection_.processOf(address_.name);
+  const auto force = loop_.makeTimer(limit, [&] {
+    if (process != 0 && process != static_cast<std::uint32_t>(::getpid())) {
+      ::kill(static_cast<pid_t>(process), SIGKILL);
+    }
+  });
+  force->enabled(true);
+  try {
+    loop_.whileOpen([&] { vxif->call("ShutdownIO"); });
+  } catch (...) {
+    // It ends instead of answering.
+    if (base::CurrentFailure().number() != base::number::kHostGone) {
+      house_.log.write("Warning",
+                       "The plug-in did not end as asked: " + base::CurrentFailure().description());
+    }
+  }
+}
+
+void PluginKeeper::stop(base::Milliseconds limit) {
+  ending_ = true;
+  startTimer_->enabled(false);
+  statusTimer_->enabled(false);
+  shutDown(limit);
+  enter(PluginState::kStopped, {});
+}
+
+}  // namespace standin

@@ -1,0 +1,87 @@
+#pragma once
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bus/Connection.hpp"
+#include "bus/PollLoop.hpp"
+#include "standin/House.hpp"
+
+namespace standin {
+
+/// Where the plug-in stands, as its page tells.
+enum class PluginState { kStopped, kStarting, kReady, kFailed, kLost };
+
+/// "stopped", "starting", "ready", "failed", "lost".
+std::string NameOf(PluginState state);
+
+/// Starts the plug-in, hands it the callback object, hears when it is ready, starts it again with a growing
+/// pause when it is lost, and ends it. Commands to it wait for each other, so that a page can't pile them up.
+class PluginKeeper {
+ public:
+  /// The bus name and object that the plug-in is known by.
+  struct Address {
+    std::string name = "org.vantorix.vxif_WMP9";
+    std::string path = "/vxif";
+  };
+
+  PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, House& house, base::ObjectRef callback)
+      : PluginKeeper(loop, connection, house, std::move(callback), Address()) {}
+  PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, House& house, base::ObjectRef callback,
+               Address address);
+
+  /// Starts it on the next turn of the loop.
+  void start();
+  /// Ends the plug-in if it runs, and starts it anew.
+  void startAgain();
+  /// Has the plug-in end, and waits for it, by force after `limit`.
+  void stop(base::Milliseconds limit = std::chrono::seconds(10));
+
+  using Command = std::function<void(base::Object& vxif)>;
+  /// The text is empty, or says what has gone wrong.
+  using Done = std::function<void(const std::string& failure)>;
+  /// Runs the command when those before it have ended. `done` is called in every case.
+  void command(Command command, Done done);
+
+  [[nodiscard]] PluginState state() const { return state_; }
+  /// Why it failed or was lost; empty otherwise.
+  [[nodiscard]] const std::string& reason() const { return reason_; }
+  /// The interface name of its devices, as it gave it; empty before it has started.
+  [[nodiscard]] const std::string& name() const { return name_; }
+
+ private:
+  struct Waiting {
+    Command command;
+    Done done;
+  };
+  void launch();
+  void launchSteps();
+  void askStatus();
+  void lost();
+  void restartLater();
+  void runCommands();
+  void enter(PluginState state, std::string reason);
+  bool call(const Command& command, std::string& failure);
+  void shutDown(base::Milliseconds limit);
+
+  bus::PollLoop& loop_;
+  bus::Connection& connection_;
+  House& house_;
+  base::ObjectRef callback_;
+  Address address_;
+  base::ObjectRef vxif_;
+  PluginState state_ = PluginState::kStopped;
+  std::string reason_;
+  std::string name_;
+  std::deque<Waiting> waiting_;
+  bool busy_ = false;
+  bool launching_ = false;
+  bool ending_ = false;
+  base::Milliseconds pause_;
+  base::Milliseconds readySince_{0};
+  std::unique_ptr<base::Timer> startTimer_;
+  std::unique_ptr<base::Timer> statusTimer_;
+};
+
+}  // namespace standin

@@ -1,0 +1,81 @@
+#pragma once
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "standin/HouseObjects.hpp"
+#include "standin/LoginLimit.hpp"
+#include "standin/LoopGate.hpp"
+#include "standin/PluginKeeper.hpp"
+
+namespace standin {
+
+/// What the web answers to a request.
+struct WebAnswer {
+  int status = 200;
+  std::string type = "application/json";
+  std::string body = "{}";
+  std::string cookie{};     ///< content of a Set-Cookie header, if any
+  bool pluginPage = false;  ///< a page with text of the plug-in's
+};
+
+/// A text for the user, in the form of an answer.
+WebAnswer Refusal(int status, const std::string& text);
+
+/// What the web's threads ask of the house. Every operation here is called on a web thread, goes through the
+/// gate to the loop, and comes back with an answer in limited time. A token is the content of the session
+/// cookie, empty without one.
+class WebApi {
+ public:
+  /// `local`: the server listens on this machine alone, so that the owner may do without a password.
+  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, LoopGate& gate, bool local);
+
+  WebAnswer get(const std::string& path, const std::string& token,
+                const std::function<std::string(const char*)>& parameter);
+  WebAnswer post(const std::string& path, const std::string& token, const std::string& body);
+  /// The user of the token, or the owner where no password is needed; nothing when there is none.
+  std::optional<User> visitor(const std::string& token);
+  [[nodiscard]] const std::filesystem::path& htmlFolder() const { return htmlFolder_; }
+  LiveFeed& live() { return house_.live; }
+  /// The server's own page: one of its files, with the text in its place.
+  static std::string framed(const std::string& title, const std::string& view, const std::string& content);
+
+ private:
+  using Reply = std::function<void(WebAnswer)>;
+  using Work = std::function<void(const User& user, const Reply& reply)>;
+  using Json = nlohmann::json;
+
+  WebAnswer ask(const std::string& token, Work work);
+  WebAnswer askNow(const std::string& token, std::function<WebAnswer(const User&)> work);
+  std::optional<User> visitorHere(const std::string& token);
+
+  WebAnswer state(const std::string& token);
+  WebAnswer values(const std::string& token, std::int32_t ref, const std::string& sought);
+  WebAnswer logLines(const std::string& token, const std::string& type, std::int64_t before);
+  WebAnswer linkPage(const std::string& path, const std::string& token);
+  WebAnswer linkPost(const std::string& path, const std::string& token, const std::string& body);
+  WebAnswer press(const std::string& token, const Json& json);
+  WebAnswer command(const std::string& token, const Json& json);
+  WebAnswer menu(const std::string& token, const Json& json);
+  WebAnswer voice(const std::string& token, const Json& json);
+  WebAnswer startPlugin(const std::string& token);
+  WebAnswer login(const Json& json);
+  WebAnswer logout(const std::string& token);
+  WebAnswer setPassword(const std::string& token, const Json& json);
+  void setIo(const Device& device, std::int16_t command, std::int16_t brightness, const Reply& reply);
+  void askPage(const PageLink& link, const User& user, const char* operation, const std::string& argument,
+               const Reply& reply);
+
+  House& house_;
+  HouseObjects& objects_;
+  PluginKeeper& plugin_;
+  LoopGate& gate_;
+  bool local_;
+  std::filesystem::path htmlFolder_;
+  LoginLimit limit_;
+  std::mutex hashing_;  // one at a time: each takes 64 MiB
+};
+
+}  // namespace standin

@@ -1,0 +1,102 @@
+// Signing in and out, and the owner's password.
+#include <chrono>
+#include <memory>
+
+#include "standin/Users.hpp"
+#include "standin/WebApi.hpp"
+
+namespace standin {
+namespace {
+
+std::string sessionCookie(const std::string& token) {
+  return "vantorix=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=2592000";
+}
+
+std::string noCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
+
+std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
+
+}  // namespace
+
+WebAnswer WebApi::login(const Json& json) {
+  const auto name = json.at("name").get<std::string>();
+  const auto password = json.value("password", std::string());
+  if (!limit_.mayTry(now())) return Refusal(429, "Too many wrong passwords; please wait a little");
+
+  const auto hash = std::make_shared<std::string>();
+  const auto user = std::make_shared<std::optional<User>>();
+  if (gate_.runNow([this, name, hash, user] {
+        *user = house_.users.find(name);
+        *hash = house_.users.hashOf(name);
+      }) != LoopGate::Outcome::kDone) {
+    return Refusal(504, "No answer in time");
+  }
+  if (!*user) {
+    limit_.failed(now());
+    return Refusal(403, "The name or the password is wrong");
+  }
+  // Without a password the owner needs no session, and the guest gets one for the asking.
+  if (!(*user)->hasPassword && !(*user)->guest) return {.cookie = noCookie()};
+  if ((*user)->hasPassword) {
+    const std::lock_guard one(hashing_);
+    if (!PasswordFits(*hash, password)) {
+      limit_.failed(now());
+      return Refusal(403, "The name or the password is wrong");
+    }
+    limit_.succeeded();
+  }
+  const auto token = std::make_shared<std::string>();
+  if (gate_.runNow([this, name = (*user)->name, token] { *token = house_.users.begin(name); }) !=
+      LoopGate::Outcome::kDone) {
+    return Refusal(504, "No answer in time");
+  }
+  return {.cookie = sessionCookie(*token)};
+}
+
+WebAnswer WebApi::logout(const std::string& token) {
+  if (gate_.runNow([this, token] { house_.users.end(token); }) != LoopGate::Outcome::kDone) {
+    return Refusal(504, "No answer in time");
+  }
+  return {.cookie = noCookie()};
+}
+
+WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
+  const auto old = json.value("old", std::string());
+  const auto wanted = json.at("password").get<std::string>();
+  const std::optional<User> user = visitor(token);
+  if (!user) return Refusal(401, "Please sign in");
+  if (user->guest) return Refusal(403, "Guests have no password");
+  if (wanted.size() > 1024) return Refusal(400, "The password is too long");
+  if (wanted.empty() && !local_) {
+    return Refusal(403, "A server that others can reach needs a password");
+  }
+  if (!limit_.mayTry(now())) return Refusal(429, "Too many wrong passwords; please wait a little");
+
+  const auto hash = std::make_shared<std::string>();
+  if (gate_.runNow([this, name = user->name, hash] { *hash = house_.users.hashOf(name); }) !=
+      LoopGate::Outcome::kDone) {
+    return Refusal(504, "No answer in time");
+  }
+  std::string made;
+  {
+    const std::lock_guard one(hashing_);
+    if (!hash->empty() && !PasswordFits(*hash, old)) {
+      limit_.failed(now());
+      return Refusal(403, "The old password is wrong");
+    }
+    if (!wanted.empty()) made = HashPassword(wanted);
+  }
+  limit_.succeeded();
+  const auto fresh = std::make_shared<std::string>();
+  const WebAnswer stored = askNow(token, [this, name = user->name, made, fresh](const User&) {
+    house_.users.setHash(name, made);
+    if (!made.empty()) *fresh = house_.users.begin(name);
+    house_.log.write("Info",
+                     made.empty() ? "The owner's password was removed" : "The owner's password was changed");
+    return WebAnswer();
+  });
+  if (stored.status != 200) return stored;
+  return {.cookie = made.empty() ? noCookie() : sessionCookie(*fresh)};
+}
+
+}  // namespace standin

@@ -1,0 +1,18 @@
+#pragma once
+#include <string_view>
+
+namespace standin {
+
+/// A file of the server's own pages, built into the program.
+struct WebFile {
+  std::string_view name;
+  std::string_view content;
+};
+
+/// Null when there is none of that name.
+const WebFile* FindWebFile(std::string_view name);
+
+/// The media type that belongs to a file name's ending; "application/octet-stream" for unknown ones.
+std::string_view MediaTypeOf(std::string_view name);
+
+}  // namespace standin

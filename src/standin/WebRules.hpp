@@ -1,0 +1,39 @@
+#pragma once
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace standin {
+
+/// The names that a browser may call this server by, so that no foreign name can be made to point at it.
+class AllowedHosts {
+ public:
+  /// `anyAddress`: every literal address is right (a foreign page can only come by a name); otherwise the
+  /// loopback addresses alone. `names` are right in addition to "localhost".
+  AllowedHosts(bool anyAddress, std::vector<std::string> names);
+  /// For the content of a Host header.
+  [[nodiscard]] bool allows(std::string_view host) const;
+
+ private:
+  bool anyAddress_;
+  std::vector<std::string> names_;
+};
+
+/// The host without its port and brackets, in lower case; nothing when it is ill-formed.
+std::optional<std::string> HostName(std::string_view hostHeader);
+/// True for an address of this machine's own loopback network, or "localhost".
+bool IsLoopback(const std::string& host);
+/// True when a request's Origin header says that it comes from a page of the host it goes to.
+bool SameOrigin(std::string_view origin, std::string_view hostHeader);
+/// A cookie out of a Cookie header, empty when it isn't there.
+std::string CookieValue(std::string_view header, std::string_view name);
+/// The file that a decoded request path means below `root`: backslashes are slashes, and there is no way out
+/// of `root`. Nothing when there is no such file.
+std::optional<std::filesystem::path> FileBelow(const std::filesystem::path& root,
+                                               std::string_view requestPath);
+/// The text with the characters of markup replaced.
+std::string EscapeHtml(std::string_view text);
+
+}  // namespace standin

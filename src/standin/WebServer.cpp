@@ -1,0 +1,223 @@
+#include "standin/WebServer.hpp"
+
+#include <httplib.h>
+#include <sodium.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "standin/FileTools.hpp"
+#include "standin/HouseJson.hpp"
+#include "standin/WebFiles.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kThreads = 48;
+constexpr std::size_t kLongestPath = 2048;
+constexpr std::size_t kLargestBody = 1U << 20U;
+constexpr std::chrono::seconds kHeartbeat{15};
+
+constexpr const char* kPolicy =
+    "default-src 'self'; base-uri 'none'; object-src 'none'; form-action 'self'; frame-ancestors 'none'";
+
+std::string hashOf(std::string_view script) {
+  std::array<unsigned char, crypto_hash_sha256_BYTES> hash{};
+  crypto_hash_sha256(hash.data(), reinterpret_cast<const unsigned char*>(script.data()), script.size());
+  std::array<char, 64> text{};
+  sodium_bin2base64(text.data(), text.size(), hash.data(), hash.size(), sodium_base64_VARIANT_ORIGINAL);
+  return std::string("'sha256-") + text.data() + "'";
+}
+
+/// The pages of the plug-in set widths in style attributes and send a form when a list changes; that one line
+/// of script is allowed, and no other.
+std::string policyOfPluginPages() {
+  return std::string(kPolicy) + "; style-src 'self' 'unsafe-inline'; script-src 'self' 'unsafe-hashes' " +
+         hashOf("form.submit();");
+}
+
+std::string tokenOf(const httplib::Request& request) {
+  return CookieValue(request.get_header_value("Cookie"), "vantorix");
+}
+
+void give(httplib::Response& response, const WebAnswer& answer) {
+  response.status = answer.status;
+  response.set_content(answer.body, answer.type);
+  if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
+}
+
+void addRules(httplib::Response& response, const std::string& policy) {
+  response.set_header("Content-Security-Policy", policy);
+  response.set_header("X-Content-Type-Options", "nosniff");
+  response.set_header("X-Frame-Options", "DENY");
+  response.set_header("Referrer-Policy", "same-origin");
+  response.set_header("Cross-Origin-Resource-Policy", "same-origin");
+  response.set_header("Cache-Control", "no-cache");
+}
+
+bool wantsPage(const httplib::Request& request) {
+  return request.get_header_value("Accept").find("text/html") != std::string::npos;
+}
+
+}  // namespace
+
+WebPort::WebPort(const std::string& address, int port) : server_(std::make_unique<httplib::Server>()) {
+  // Without this the port could be shared with another server.
+  server_->set_socket_options([](socket_t socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
+  server_->set_tcp_nodelay(true);
+  port_ = port == 0 ? server_->bind_to_any_port(address) : server_->bind_to_port(address, port) ? port : -1;
+  if (port_ <= 0) {
+    throw base::Failure(
+        base::number::kPermissionDenied,
+        "Can't listen on " + address + " port " + std::to_string(port) + ": it is in use or not allowed");
+  }
+}
+
+WebPort::~WebPort() = default;
+
+WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts)
+    : server_(port.server()),
+      api_(api),
+      gate_(gate),
+      hosts_(std::move(hosts)),
+      pluginPolicy_(policyOfPluginPages()) {
+  server_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
+  server_.set_payload_max_length(kLargestBody);
+  server_.set_keep_alive_timeout(2);
+  server_.set_read_timeout(10);
+  server_.set_write_timeout(10);
+  server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    addRules(response, kPolicy);
+    if (request.method == "POST" && request.path.size() <= kLongestPath) {
+      return httplib::Server::HandlerResponse::Unhandled;  // its body is read first
+    }
+    if (request.method != "GET" && request.method != "HEAD") {
+      give(response, Refusal(405, "Only GET and POST are answered"));
+    } else {
+      answerGet(request, response);
+    }
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  server_.Post("[\\s\\S]*", [this](const httplib::Request& request, httplib::Response& response,
+                                   const httplib::ContentReader& reader) {
+    std::string body;
+    const bool whole = reader([&](const char* data, std::size_t size) {
+      if (body.size() + size > kLargestBody) return false;
+      body.append(data, size);
+      return true;
+    });
+    if (!whole) {
+      give(response, Refusal(413, "The request is too large"));
+    } else {
+      answerPost(request, response, body);
+    }
+  });
+  server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
+    if (response.body.empty()) {
+      const int status = response.status;
+      give(response,
+           Refusal(status, status == 413 ? "The request is too large" : "The request was not understood"));
+    }
+  });
+  server_.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+    give(response, Refusal(500, "The server could not answer"));
+  });
+  thread_ = std::thread([this] { server_.listen_after_bind(); });
+}
+
+WebServer::~WebServer() {
+  api_.live().close();
+  gate_.close();
+  server_.stop();
+  thread_.join();
+}
+
+void WebServer::answerGet(const httplib::Request& request, httplib::Response& response) {
+  if (request.path.size() > kLongestPath) return give(response, Refusal(414, "The address is too long"));
+  if (!hosts_.allows(request.get_header_value("Host"))) {
+    return give(response, Refusal(403, "This server doesn't answer to that name"));
+  }
+  const std::string& path = request.path;
+  if (path == "/" || path == "/index.html") {
+    return give(response, {.type = "text/html; charset=utf-8", .body = WebApi::framed("Vantorix", "", "")});
+  }
+  const std::string token = tokenOf(request);
+  if (path == "/api/live") return stream(token, response);
+  if (const WebFile* file = path.starts_with("/api/") ? nullptr : FindWebFile(path.substr(1));
+      file != nullptr && file->name != "index.html") {
+    return give(response, {.type = std::string(MediaTypeOf(file->name)), .body = std::string(file->content)});
+  }
+  if (!path.starts_with("/api/")) {
+    if (const auto found = FileBelow(api_.htmlFolder(), path)) {
+      if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
+      const auto content = ReadFile(*found);
+      if (content)
+        return give(response, {.type = std::string(MediaTypeOf(found->string())), .body = *content});
+    }
+  }
+  WebAnswer answer = api_.get(path, token, [&](const char* name) { return request.get_param_value(name); });
+  if (answer.status != 200 && wantsPage(request)) {
+    // A page for the eye; the page's own script shows the way to sign in.
+    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
+    answer.body = WebApi::framed("Vantorix", "message", "<p class=\"notice\">" + EscapeHtml(text) + "</p>");
+    answer.type = "text/html; charset=utf-8";
+  }
+  if (answer.pluginPage) response.headers.erase("Content-Security-Policy");
+  if (answer.pluginPage) response.set_header("Content-Security-Policy", pluginPolicy_);
+  give(response, answer);
+}
+
+void WebServer::answerPost(const httplib::Request& request, httplib::Response& response,
+                           const std::string& body) {
+  const std::string host = request.get_header_value("Host");
+  if (!hosts_.allows(host)) return give(response, Refusal(403, "This server doesn't answer to that name"));
+  if (!SameOrigin(request.get_header_value("Origin"), host)) {
+    return give(response, Refusal(403, "The request doesn't come from a page of this server"));
+  }
+  WebAnswer answer = api_.post(request.path, tokenOf(request), body);
+  if (answer.status != 200 && wantsPage(request)) {
+    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
+    answer.body = WebApi::framed("Vantorix", "message", "<p class=\"notice\">" + EscapeHtml(text) + "</p>");
+    answer.type = "text/html; charset=utf-8";
+  }
+  if (answer.pluginPage) response.headers.erase("Content-Security-Policy");
+  if (answer.pluginPage) response.set_header("Content-Security-Policy", pluginPolicy_);
+  give(response, answer);
+}
+
+void WebServer::stream(const std::string& token, httplib::Response& response) {
+  if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
+  const auto reader = std::make_shared<LiveFeed::Reader>(api_.live());
+  if (!reader->admitted()) return give(response, Refusal(503, "Too many pages are open"));
+  using SteadyClock = std::chrono::steady_clock;
+  struct Progress {
+    bool begun = false;
+    SteadyClock::time_point checked = SteadyClock::now();
+  };
+  const auto progress = std::make_shared<Progress>();
+  response.set_chunked_content_provider(
+      "text/event-stream", [this, token, reader, progress](std::size_t, httplib::DataSink& sink) {
+        std::string text = "retry: 1000\n\n";
+        if (progress->begun) {
+          text = reader->wait(kHeartbeat);
+          if (SteadyClock::now() - progress->checked >= kHeartbeat) {
+            progress->checked = SteadyClock::now();
+            if (!api_.visitor(token)) text.clear();  // signed out meanwhile
+          }
+        }
+        progress->begun = true;
+        if (text.empty()) {
+          sink.done();
+          return true;
+        }
+        return sink.write(text.data(), text.size());
+      });
+}
+
+}  // namespace standin

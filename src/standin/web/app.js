@@ -1,0 +1,145 @@
+// The frame of every page: navigation, the plug-in's state, live changes.
+import {accountPage, signInPage} from './account.js';
+import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
+import {ask, el, run, toast} from './dom.js';
+import {leaveLog, logLine, logPage} from './log.js';
+
+const page = document.getElementById('page');
+const ownText = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
+const state = {user: null, plugin: null, menu: [], links: [], devices: new Map()};
+let shown = '';
+
+const pluginWords = {
+  ready: ['Player ready', 'pill-good'], starting: ['Player starting…', 'pill-wait'],
+  failed: ['Player failed', 'pill-bad'], lost: ['Player lost', 'pill-bad'], stopped: ['Player stopped', ''],
+};
+
+async function loadState() {
+  try {
+    const answer = await ask('/api/state');
+    Object.assign(state, answer, {devices: new Map(answer.devices.map((device) => [device.ref, device]))});
+  } catch (error) {
+    if (error.status === 401) {
+      state.user = null;
+      document.getElementById('nav').replaceChildren();
+      signInPage(page);
+      shown = 'sign-in';
+    } else {
+      toast(error.message, 'bad');
+    }
+    return false;
+  }
+  showFrame();
+  return true;
+}
+
+function showFrame() {
+  const [words, style] = pluginWords[state.plugin.state] || [state.plugin.state, ''];
+  const pill = document.getElementById('plugin-state');
+  pill.textContent = words;
+  pill.className = `pill ${style}`;
+
+  const banner = document.getElementById('banner');
+  const trouble = state.plugin.state === 'failed' || state.plugin.state === 'lost';
+  banner.hidden = !trouble;
+  if (trouble) {
+    const again = el('button', {type: 'button'}, 'Start again');
+    again.addEventListener('click', () => run(again, () => ask('/api/plugin', {})));
+    banner.replaceChildren(
+      el('div', {}, el('strong', {}, state.plugin.state === 'failed' ? 'The player did not start'
+        : 'The player is being started again'), el('p', {}, state.plugin.reason)),
+      state.user.guest ? '' : again);
+  }
+  showNav();
+}
+
+function showNav() {
+  const here = ownText || currentView();
+  const link = (href, text, name) => el('a', {href, 'aria-current': here === name ? 'page' : undefined}, text);
+  const links = [link('/#devices', 'Devices', 'devices')];
+  if (state.menu.length && !state.user.guest) links.push(link('/#menu', 'Menu', 'menu'));
+  for (const each of state.links) links.push(link('/' + encodeURIComponent(each.link), each.text, each.link));
+  links.push(link('/#log', 'Log', 'log'));
+  links.push(link('/#account', state.user.guest ? 'Guest' : 'Account', 'account'));
+  document.getElementById('nav').replaceChildren(...links);
+}
+
+function currentView() {
+  const view = location.hash.slice(1);
+  return ['devices', 'menu', 'log', 'account'].includes(view) ? view : 'devices';
+}
+
+function menuPage() {
+  const sections = new Map();
+  for (const {section, item} of state.menu) sections.set(section, [...(sections.get(section) || []), item]);
+  const groups = [...sections].map(([section, items]) => el('section', {class: 'panel'}, el('h2', {}, section),
+    el('div', {class: 'menu-items'}, ...items.map((item) => {
+      const button = el('button', {type: 'button', class: 'menu-item'}, item);
+      button.addEventListener('click', () => run(button, () => ask('/api/menu', {item})));
+      return button;
+    }))));
+  return el('div', {}, el('h1', {}, 'Menu'), ...groups);
+}
+
+function showPage() {
+  if (!state.user || ownText) return;
+  const view = currentView();
+  showNav();
+  if (view !== 'log') leaveLog();
+  if (view === 'devices') page.replaceChildren(devicesPage(state.devices));
+  else if (view === 'menu') page.replaceChildren(menuPage());
+  else if (view === 'account') accountPage(page, state.user);
+  else if (shown !== 'log') logPage(page);
+  shown = view;
+}
+
+/** The frame has changed: menu, links, the plug-in's state. Several changes in a row are one reload. */
+let reloadTimer = 0;
+function reloadSoon() {
+  clearTimeout(reloadTimer);
+  reloadTimer = setTimeout(async () => {
+    const menu = JSON.stringify(state.menu);
+    if (await loadState() && shown === 'menu' && menu !== JSON.stringify(state.menu)) showPage();
+  }, 120);
+}
+
+function listen() {
+  const source = new EventSource('/api/live');
+  const live = document.getElementById('live-state');
+  let opened = false;
+  source.onopen = async () => {
+    live.hidden = true;
+    if (opened && await loadState()) showPage();  // what was missed meanwhile
+    opened = true;
+  };
+  source.onerror = () => {
+    live.hidden = false;
+    if (source.readyState === EventSource.CLOSED) setTimeout(listen, 3000);
+  };
+  const on = (kind, handle) => source.addEventListener(kind, (event) => handle(JSON.parse(event.data)));
+  on('device', (device) => { state.devices.set(device.ref, device); deviceChanged(device); });
+  on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref); });
+  on('log', logLine);
+  on('frame', reloadSoon);
+  on('launch', (url) => {
+    const own = /^https?:\/\//i.test(url);
+    if (!own) return;
+    const node = el('div', {class: 'toast'}, 'The player opens a page: ',
+      el('a', {href: url, rel: 'noreferrer'}, url));
+    document.getElementById('toasts').append(node);
+    setTimeout(() => node.remove(), 20000);
+  });
+  on('reload', async () => { if (await loadState()) showPage(); });
+  addEventListener('pagehide', () => source.close());
+}
+
+addEventListener('hashchange', () => {
+  if (ownText) return;
+  showPage();
+  document.getElementById('main').focus({preventScroll: true});
+});
+
+if (await loadState()) {
+  showPage();
+  listen();
+}
