@@ -1,0 +1,89 @@
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#include "Headless.hpp"
+#include "base/Attempt.hpp"
+#include "base/Failure.hpp"
+#include "bus/Connection.hpp"
+#include "bus/HouseBus.hpp"
+#include "engine/Config.hpp"
+#include "engine/Player.hpp"
+#include "platform/PosixPlatform.hpp"
+#include "player/WindowlessPopup.hpp"
+#include "plugin/Plugin.hpp"
+
+namespace {
+
+constexpr const char* kBusName = "org.vantorix.vxif_WMP9";
+constexpr const char* kHostName = "org.vantorix.Host";
+
+/// A process that the bus has started is told which bus that was.
+std::string BusAddress() {
+  const char* starter = std::getenv("DBUS_STARTER_ADDRESS");
+  return starter != nullptr ? starter : bus::HouseBusAddress();
+}
+
+/// The player's configuration; one that can't be read is told of and leaves the defaults.
+engine::Config PlayerConfig() {
+  engine::Config config = engine::DefaultConfig();
+  try {
+    config = engine::LoadConfig(engine::DefaultConfigPath());
+  } catch (const base::Failure& failure) {
+    std::fprintf(stderr, "Media Player: %s\n", failure.what());
+  }
+  if (const char* folder = std::getenv("VANTORIX_MUSIC")) config.musicFolders = {folder};
+  if (const char* output = std::getenv("VANTORIX_AUDIO")) config.audioOutput = output;
+  return config;
+}
+
+int Serve() {
+  bus::PollLoop loop;
+  bus::Connection connection(loop, BusAddress());
+  platform::PosixPlatform platform;
+  player::WindowlessPopup popup;
+  HeadlessDesktop desktop;
+  RegisteredObjects objects;
+  plugin::LibraryCalls library;
+  plugin::MediaEvents mediaEvents;
+  plugin::WebForms pages;
+  const engine::Config config = PlayerConfig();
+  plugin::Plugin* owner = nullptr;
+
+  plugin::Plugin plugin({loop,
+                         platform,
+                         [&](player::WMP9Events& events) {
+                           return engine::MakePlayer(loop, config, events, [&](const std::string& line) {
+                             base::Attempt step;
+                             step([&] { owner->host.WriteLog("Warning", "Media Player: " + line); });
+                           });
+                         },
+                         popup,
+                         {library, mediaEvents, desktop, pages, objects}});
+  owner = &plugin;
+
+  connection.exportObject("/vxif", plugin.vxif());
+  connection.exportObject("/scriptclass", objects.scriptClass());
+  // A lost host ends the plug-in, whichever way it is noticed.
+  const auto hostGone = [&] {
+    plugin.loggers.LogFormError(base::number::kHostGone, base::DescriptionOf(base::number::kHostGone),
+                                "HostGone");
+  };
+  connection.onNameLost(kHostName, hostGone);
+  connection.onDisconnect(hostGone);
+  const auto onTerminate = loop.onSignal(SIGTERM, [&] { plugin.lifecycle.ShutdownIO(); });
+  connection.claimName(kBusName);
+  return loop.run();
+}
+
+}  // namespace
+
+int main() {
+  try {
+    return Serve();
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "vxif_WMP: %s\n", failure.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -1,0 +1,35 @@
+# The Debian packages that the house needs, in one place.
+
+# What building the programs takes.
+BUILD_PACKAGES=(
+  g++ cmake ninja-build pkg-config ccache
+  libsystemd-dev libexpat1-dev libmpv-dev libtag1-dev libsqlite3-dev libcdio-dev libsndfile1-dev zlib1g-dev
+  libcpp-httplib-dev libcurl4-openssl-dev libsodium-dev nlohmann-json3-dev
+)
+# What running them takes beyond the libraries that come with those.
+RUN_PACKAGES=(dbus-daemon)
+# What the tests and checks take on top.
+TEST_PACKAGES=(
+  googletest libgtest-dev libgmock-dev libbenchmark-dev
+  clang libclang-rt-14-dev clang-format clang-tidy
+  chromium nodejs python3 ffmpeg
+)
+
+# install_packages NAME...: installs what is missing, says what it does, asks nothing.
+install_packages() {
+  local missing=()
+  local name
+  for name in "$@"; do
+    dpkg-query -W -f '${Status}' "$name" 2>/dev/null | grep -q 'ok installed' || missing+=("$name")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  if ! command -v apt-get >/dev/null; then
+    echo "These packages are missing and there is no apt-get to install them: ${missing[*]}" >&2
+    return 1
+  fi
+  echo "Installing ${#missing[@]} packages: ${missing[*]}"
+  local sudo=()
+  if [ "$(id -u)" -ne 0 ]; then sudo=(sudo); fi
+  "${sudo[@]}" apt-get update -q >/dev/null
+  DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q --no-install-recommends "${missing[@]}" >/dev/null
+}

@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# Brings the house up: installs what is missing, builds, starts the server on the house's own bus, which
+# starts the plug-in, and prints one address. Ctrl+C stops everything in order.
+#
+#   ./run.sh            with a small demonstration library, made once
+#   ./run.sh FOLDER     with the music in FOLDER
+#
+# Options behind FOLDER or instead of it go to the server (see --help of bin/vantorix-standin).
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+root=$PWD
+# shellcheck source=packaging/packages.sh
+source packaging/packages.sh
+
+music=
+if [ $# -gt 0 ] && [[ $1 != --* ]]; then
+  music=$1
+  shift
+  if [ ! -d "$music" ]; then
+    echo "There is no music folder $music" >&2
+    exit 1
+  fi
+  music=$(cd "$music" && pwd)
+fi
+
+if [ -z "${VANTORIX_SKIP_BUILD:-}" ]; then
+  install_packages "${BUILD_PACKAGES[@]}" "${RUN_PACKAGES[@]}"
+  echo "Building (the first time takes some minutes)"
+  cmake --preset release >/dev/null
+  cmake --build --preset release --target vxif_WMP vantorix-standin vxcall vantorix-demo-library -- --quiet
+fi
+bin=${VANTORIX_BIN:-$root/build/release/bin}
+services=${VANTORIX_SERVICES:-$root/build/release/dbus/services}
+
+data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
+mkdir -p "$data"
+if [ -z "$music" ]; then
+  music=$data/demo-music
+  "$bin/vantorix-demo-library" "$music"
+fi
+
+run=${XDG_RUNTIME_DIR:-/tmp/vantorix-$(id -u)}/vantorix
+mkdir -p -m 700 "$run"
+socket=$run/bus
+config=$run/bus.conf
+export VANTORIX_BUS=unix:path=$socket
+
+if "$bin/vxcall" --bus "$VANTORIX_BUS" org.freedesktop.DBus:/org/freedesktop/DBus GetId >/dev/null 2>&1; then
+  if "$bin/vxcall" --bus "$VANTORIX_BUS" host Version >/dev/null 2>&1; then
+    echo "A house is running already on the bus $socket" >&2
+    exit 1
+  fi
+  # A bus whose server is gone (it was killed) is a left-over.
+  kill "$(cat "$run/bus.pid" 2>/dev/null)" 2>/dev/null || true
+fi
+rm -f "$socket"
+sed -e "s|@SOCKET@|$socket|" -e "s|@SERVICES@|$services|" packaging/dbus/house.conf.in >"$config"
+
+# The bus and the plug-in that it starts get a session of their own, so that Ctrl+C reaches the server alone,
+# which then stops the plug-in in order.
+VANTORIX_MUSIC=$music setsid dbus-daemon --config-file="$config" --nofork --nopidfile &
+bus=$!
+echo "$bus" >"$run/bus.pid"
+for _ in $(seq 100); do
+  [ -S "$socket" ] && break
+  sleep 0.05
+done
+
+server=
+stop() {
+  [ -n "$server" ] && kill -TERM "$server" 2>/dev/null || true
+}
+trap stop INT TERM HUP
+"$bin/vantorix-standin" --bus "$VANTORIX_BUS" --data "$data/server" "$@" &
+server=$!
+code=0
+wait "$server" || code=$?
+# A signal ends the first wait early; the server is then still stopping the plug-in.
+while kill -0 "$server" 2>/dev/null; do
+  code=0
+  wait "$server" || code=$?
+done
+kill "$bus" 2>/dev/null || true
+wait "$bus" 2>/dev/null || true
+rm -f "$socket" "$config" "$run/bus.pid"
+exit "$code"
