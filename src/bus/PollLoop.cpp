@@ -235,10 +235,9 @@ std::unique_ptr<base::Timer> PollLoop::makeTimer(Milliseconds interval, std::fun
 }
 
 void PollLoop::post(std::function<void()> work) {
-  {
-    const std::scoped_lock lock(state_->mutex);
-    state_->posted.push_back({++state_->lastOrder, std::move(work)});
-  }
+  // The lock is held to the end: once the work can run, it may be the loop's last.
+  const std::scoped_lock lock(state_->mutex);
+  state_->posted.push_back({++state_->lastOrder, std::move(work)});
   const std::uint64_t one = 1;
   [[maybe_unused]] const auto size = ::write(state_->wake.get(), &one, sizeof one);
 }

@@ -67,7 +67,7 @@ TEST_F(Reentry, TwoProcessesMayCallEachOtherToAnyDepth) {
   connection.claimName("org.example.Left");
   connection.exportObject("/half", Half(connection, "org.example.Right"));
   const auto right = half("org.example.Right", "org.example.Left");
-  EXPECT_EQ(Value(51), connection.proxy("org.example.Right", "/half")->invoke("Down", 51));
+  EXPECT_EQ(Value(300), connection.proxy("org.example.Right", "/half")->invoke("Down", 300));
 }
 
 TEST_F(Reentry, HandlersOfBothProcessesMayBeTheFirstToCall) {
