@@ -277,8 +277,8 @@ std::shared_ptr<const NodeInfo> Link::describe(const std::string& name, const st
   std::shared_ptr<const NodeInfo> described;
   try {
     loop_.whileClosed([&] { described = std::make_shared<NodeInfo>(ParseNode(introspect(name, path))); });
-  } catch (const base::Failure&) {
-    return nullptr;
+  } catch (const base::Failure& failure) {
+    if (failure.number() == base::number::kHostGone) return nullptr;
   }
   return descriptions_[{name, path}] = described;
 }
