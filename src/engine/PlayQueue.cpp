@@ -15,6 +15,7 @@ void PlayQueue::assign(player::PlaylistRef playlist) {
 void PlayQueue::rewind() {
   knownCount_ = count();
   index_ = 0;
+  gone_ = false;
   order_.restart(knownCount_);
   if (shuffle_ && knownCount_ > 0) index_ = order_.current();
   if (!shuffle_) order_.restart(knownCount_, 0);
@@ -32,6 +33,7 @@ void PlayQueue::replace(player::PlaylistRef playlist) {
 
 void PlayQueue::moveTo(int index) {
   index_ = index;
+  gone_ = false;
   order_.moveTo(index);
   current_ = playlist_->item(index);
 }
@@ -43,17 +45,22 @@ void PlayQueue::catchUp() {
     return;
   }
   const std::string source = current_->sourceURL();
-  if (now == knownCount_ && index_ < now && playlist_->item(index_)->sourceURL() == source) return;
+  const auto stands = [&](int place) {
+    return place >= 0 && place < now && playlist_->item(place)->sourceURL() == source;
+  };
+  if (now == knownCount_ && (gone_ || stands(index_))) return;
   order_.resize(now);
   knownCount_ = now;
-  if (index_ < now && playlist_->item(index_)->sourceURL() == source) return;
+  if (stands(index_)) return;
   for (int place = 0; place < now; ++place) {
-    if (playlist_->item(place)->sourceURL() != source) continue;
+    if (!stands(place)) continue;
     index_ = place;
+    gone_ = false;
     order_.moveTo(place);
     return;
   }
-  index_ = std::min(index_, now) - 1;  // gone: what has moved up into its place comes next
+  if (!gone_) index_ = std::min(index_, now) - 1;  // what has moved up into its place comes next
+  gone_ = true;
 }
 
 std::optional<int> PlayQueue::following(bool wrap) {

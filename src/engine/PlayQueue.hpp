@@ -40,6 +40,7 @@ class PlayQueue {
   player::MediaRef current_;
   int index_ = 0;
   int knownCount_ = 0;
+  bool gone_ = false;  ///< the current item is no longer in the playlist
   bool loop_ = false;
   bool shuffle_ = false;
   ShuffleOrder order_;

@@ -61,6 +61,7 @@ void Scanner::run() {
   scanAll();
   pool_.reset();
   while (!stopping_) wait();
+  takeAdded();
   flush();
 }
 
@@ -73,15 +74,7 @@ void Scanner::wait() {
 
   std::uint64_t count = 0;
   [[maybe_unused]] const auto got = ::read(wake_.get(), &count, sizeof count);
-  std::vector<FileRecord> added;
-  {
-    const std::lock_guard lock(mutex_);
-    added.swap(toRemember_);
-  }
-  for (FileRecord& record : added) {
-    known_[record.path] = {record.stamp, scan_, record.added};
-    pending_.changed.push_back(std::move(record));
-  }
+  takeAdded();
 
   std::set<std::string> changed;
   bool complete = watch_.read(changed);
@@ -112,6 +105,18 @@ void Scanner::wait() {
     }
   }
   pool_.reset();
+}
+
+void Scanner::takeAdded() {
+  std::vector<FileRecord> added;
+  {
+    const std::lock_guard lock(mutex_);
+    added.swap(toRemember_);
+  }
+  for (FileRecord& record : added) {
+    known_[record.path] = {record.stamp, scan_, record.added};
+    pending_.changed.push_back(std::move(record));
+  }
 }
 
 void Scanner::scanAll() {

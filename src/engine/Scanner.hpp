@@ -70,6 +70,8 @@ class Scanner {
 
   void run();
   void wait();
+  /// What was added by hand goes into the index.
+  void takeAdded();
   void scanAll();
   void scanRoot(Root& root);
   /// Reads the folder and all below it. Answers the number of media files met.

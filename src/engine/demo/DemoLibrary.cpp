@@ -50,7 +50,8 @@ void Make(const fs::path& folder, const Piece& piece) {
 
 }  // namespace
 
-bool MakeDemoLibrary(const std::string& folder, const std::function<void(const std::string&)>& told) {
+bool MakeDemoLibrary(const std::string& folder, const std::function<void(const std::string&)>& told,
+                     const std::vector<Piece>& pieces) {
   try {
     fs::path place = fs::absolute(folder).lexically_normal();
     if (!place.has_filename()) place = place.parent_path();
@@ -60,7 +61,7 @@ bool MakeDemoLibrary(const std::string& folder, const std::function<void(const s
     }
     // Hidden, so that a player watching the folder above does not look into it.
     Unfinished made(place.parent_path() / ("." + place.filename().string() + ".part"));
-    for (const Piece& piece : Pieces()) {
+    for (const Piece& piece : pieces) {
       told(piece.file + ": " + piece.tags.artist + ", " + piece.tags.title);
       Make(made.path(), piece);
     }

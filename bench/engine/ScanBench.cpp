@@ -1,0 +1,158 @@
+// How fast a large library is scanned, beside what reading its files costs at least.
+// VANTORIX_BENCH_FILES sets the number of files (20000 without it).
+
+#include <sys/resource.h>
+
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <mutex>
+#include <string>
+
+#include "engine/Scanner.hpp"
+#include "engine/TrackIndex.hpp"
+#include "engine/TrackTable.hpp"
+#include "engine/demo/Sound.hpp"
+#include "engine/demo/Tags.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+double Seconds(const std::function<void()>& work) {
+  const auto start = Clock::now();
+  work();
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+double PeakMegabytes() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024.0;
+}
+
+int FileCount() {
+  const char* text = std::getenv("VANTORIX_BENCH_FILES");
+  const int count = text != nullptr ? std::atoi(text) : 0;
+  return count > 0 ? count : 20000;
+}
+
+/// Tagged files of music, ten to an album, three albums to an artist.
+void MakeFiles(const fs::path& root, int count) {
+  const fs::path model = root / "model.flac";
+  fs::create_directories(root);
+  engine::demo::WriteSound(model.string(), engine::demo::Tone(440, 4.0), engine::demo::FileFormat::kFlac);
+  for (int i = 0; i < count; ++i) {
+    const int album = i / 10;
+    const fs::path folder =
+        root / ("artist " + std::to_string(album / 3)) / ("album " + std::to_string(album));
+    fs::create_directories(folder);
+    const fs::path file = folder / ("track " + std::to_string(i % 10) + ".flac");
+    fs::copy_file(model, file);
+    engine::TrackTags tags;
+    tags.title = "Title " + std::to_string(i);
+    tags.artist = "Artist " + std::to_string(album / 3);
+    tags.album = "Album " + std::to_string(album);
+    tags.genre = "Genre " + std::to_string(album % 20);
+    tags.track = static_cast<std::uint16_t>(i % 10 + 1);
+    engine::demo::WriteTags(file.string(), tags);
+  }
+  fs::remove(model);
+}
+
+/// The least that a scan has to do: walk the folders and read the beginning of each file.
+int ReadBeginnings(const fs::path& root) {
+  std::array<char, 64 * 1024> buffer{};
+  int count = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (!entry.is_regular_file()) continue;
+    std::ifstream file(entry.path(), std::ios::binary);
+    file.read(buffer.data(), buffer.size());
+    ++count;
+  }
+  return count;
+}
+
+/// A scan from start to end. Answers the number of files it read.
+std::size_t Scan(const fs::path& root, const fs::path& data, int workers, engine::TrackTable& table) {
+  std::mutex mutex;
+  std::condition_variable ready;
+  bool complete = false;
+  std::size_t read = 0;
+  auto store = std::make_unique<engine::LibraryStore>(
+      data.string(), [](const std::string& line) { std::cerr << line << '\n'; });
+  const auto known = store->load();
+  for (const auto& record : known) table.put(record.path, record.tags);
+  engine::Scanner::Settings settings;
+  settings.roots = {root.string()};
+  settings.workers = workers;
+  const engine::Scanner scanner(settings, std::move(store), known, [&](const engine::LibraryChange& change) {
+    const std::lock_guard lock(mutex);
+    for (const auto& record : change.changed) table.put(record.path, record.tags);
+    read += change.changed.size();
+    complete = complete || change.scanComplete;
+    ready.notify_one();
+  });
+  std::unique_lock lock(mutex);
+  ready.wait(lock, [&] { return complete; });
+  return read;
+}
+
+void Line(const char* what, double seconds, int count, double base) {
+  std::printf("%-44s %8.3f s %9.0f files/s %7.2f of the plain reading\n", what, seconds, count / seconds,
+              seconds / base);
+}
+
+}  // namespace
+
+int main() {
+  std::string name = (fs::temp_directory_path() / "vantorix-bench-XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr) return 1;
+  const fs::path folder = name;
+  const fs::path music = folder / "music";
+  const int count = FileCount();
+  bool good = true;
+  {
+    std::printf("%d files are made: %.1f s\n", count, Seconds([&] { MakeFiles(music, count); }));
+    ReadBeginnings(music);  // so that everybody finds the files in memory alike
+    const double plain = Seconds([&] { good = ReadBeginnings(music) == count; });
+    Line("walking the folders, reading 64 KiB of each", plain, count, plain);
+
+    engine::TrackTable one;
+    engine::TrackTable two;
+    engine::TrackTable again;
+    std::size_t read = 0;
+    const double withOne = Seconds([&] { read = Scan(music, folder / "data1", 1, one); });
+    good = good && read == static_cast<std::size_t>(count);
+    Line("scan with one worker", withOne, count, plain);
+    const double before = PeakMegabytes();
+    const double withTwo = Seconds([&] { read = Scan(music, folder / "data2", 2, two); });
+    good = good && read == static_cast<std::size_t>(count);
+    Line("scan with two workers", withTwo, count, plain);
+    const double rescan = Seconds([&] { read = Scan(music, folder / "data2", 2, again); });
+    good = good && read == 0 && again.count() == static_cast<std::size_t>(count);
+    Line("start and rescan of the unchanged tree", rescan, count, plain);
+    std::printf("two workers against one: %.2f times as fast; rescan: %.3f of the scan (wanted: under 0.1)\n",
+                withOne / withTwo, rescan / withTwo);
+
+    engine::TrackIndex index(again);
+    const double build = Seconds([&] { index.byAttribute(engine::Attribute::kAlbum, "Album 1"); });
+    const double ask = Seconds([&] {
+      for (int i = 0; i < 1000; ++i)
+        index.byAttribute(engine::Attribute::kAlbum, "Album " + std::to_string(i));
+    });
+    std::printf("first question by album: %.1f ms; each after it: %.2f us\n", build * 1e3, ask * 1e3);
+    std::printf("peak memory: %.1f MB after one library, %.1f MB with all three in memory\n", before,
+                PeakMegabytes());
+    good = good && rescan < withTwo / 10;
+  }
+  fs::remove_all(folder);
+  if (!good) std::printf("NOT as wanted\n");
+  return good ? 0 : 1;
+}

@@ -1,0 +1,254 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Failure.hpp"
+#include "engine/ErrorList.hpp"
+#include "engine/Fixtures.hpp"
+
+namespace engine::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::SizeIs;
+
+class Playing : public PlayerTest {
+ protected:
+  void twoTrackAlbum() {
+    addTrack("a/1.flac", "One", "Ann", "Blue", "Jazz", 1);
+    addTrack("a/2.flac", "Two", "Ann", "Blue", "Jazz", 2);
+    startWith(2);
+    player->currentPlaylist(player->mediaCollection().getByAttribute("Album", "Blue"));
+  }
+};
+
+TEST_F(Playing, AnAlbumPlaysThroughAllStates) {
+  twoTrackAlbum();
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 9, 3, 8, 1));
+  EXPECT_EQ(told.errors, 0);
+}
+
+TEST_F(Playing, TheLibraryPlaysWithoutBeingAssigned) {
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1);
+  startWith(1);
+  ASSERT_TRUE(until([&] { return player->playState() == player::kStopped; }));
+  EXPECT_TRUE(told.states.empty());
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(9, 3, 8, 1));
+}
+
+TEST_F(Playing, AutoStartPlaysWhatIsAssigned) {
+  const std::string path = addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1);
+  startWith(1);
+  player->settings().autoStart(true);
+  player->URL(path);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1));
+}
+
+TEST_F(Playing, ASingleItemReplacesTheList) {
+  twoTrackAlbum();
+  player->currentMedia(player->currentPlaylist()->item(1));
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 10, 9, 3, 8, 1));
+  EXPECT_EQ(player->currentPlaylist()->count(), 1);
+  EXPECT_EQ(player->currentMedia()->name(), "Two");
+}
+
+TEST_F(Playing, EventsNeverComeFromWithinACall) {
+  twoTrackAlbum();
+  player->controls().play();
+  EXPECT_TRUE(told.states.empty());
+  EXPECT_EQ(player->playState(), player::kTransitioning);
+}
+
+TEST_F(Playing, AFileThatIsNoMusicIsToldAndPassedOver) {
+  twoTrackAlbum();
+  const std::string bad = folder / "bad.mp3";
+  writeText(bad, "this is no music at all");
+  auto list = player->mediaCollection().getByAttribute("Album", "Blue");
+  player->URL(bad);
+  list->insertItem(0, player->currentMedia());
+  player->currentPlaylist(list);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 10, 10, 9, 3, 8, 9, 3, 8, 1));
+  EXPECT_EQ(told.errors, 1);
+  ASSERT_EQ(player->Error().errorCount(), 1);
+  EXPECT_EQ(player->Error().item(0).errorCode, kCannotPlay);
+  EXPECT_THAT(player->Error().item(0).errorDescription, HasSubstr("bad.mp3"));
+  player->Error().clearErrorQueue();
+  EXPECT_EQ(player->Error().errorCount(), 0);
+}
+
+TEST_F(Playing, AListOfBadFilesStopsEvenInALoop) {
+  start();
+  std::vector<player::MediaRef> items;
+  player->URL(folder / "gone 1.flac");
+  auto list = player->currentPlaylist();
+  player->URL(folder / "gone 2.flac");
+  list->appendItem(player->currentMedia());
+  list->appendItem(player->currentMedia());
+  player->currentPlaylist(list);
+  player->settings().setMode("loop", true);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_EQ(told.errors, 3);
+}
+
+TEST_F(Playing, AFolderThatVanishesWhilePlayingIsToldAndTheRestGoesOn) {
+  config.untimed = false;
+  addTrack("a/1.wav", "One", "Ann", "Blue", "Jazz", 1, 1.0);
+  addTrack("b/2.wav", "Two", "Ann", "Blue", "Jazz", 2);
+  addTrack("c/3.wav", "Three", "Ann", "Blue", "Jazz", 3);
+  startWith(3);
+  player->currentPlaylist(player->mediaCollection().getByAttribute("Album", "Blue"));
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kPlaying));
+  // Prefetching may hold the next file open already, so two of the folders go.
+  fs::remove_all(music("a"));
+  fs::remove_all(music("b"));
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_LE(told.errors, 1);
+  EXPECT_EQ(player->Error().errorCount(), told.errors);
+  EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kMediaEnded), 3 - told.errors);
+}
+
+TEST_F(Playing, TimeIsRealWithoutADevice) {
+  config.untimed = false;
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 1.5);
+  startWith(1);
+  player->URL(music("1.wav"));
+  const auto begin = std::chrono::steady_clock::now();
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+  EXPECT_GT(took.count(), 1.2);
+  EXPECT_LT(took.count(), 4.0);
+}
+
+TEST_F(Playing, AMachineWithoutSoundPlaysInSilence) {
+  config.audioOutput = "";
+  config.untimed = false;
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 0.3);
+  startWith(1);
+  player->URL(music("1.wav"));
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1));
+}
+
+TEST_F(Playing, PauseHoldsThePositionAndPlayGoesOn) {
+  config.untimed = false;
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 20);
+  startWith(1);
+  player->URL(music("1.wav"));
+  EXPECT_FALSE(player->controls().isAvailable("Pause"));
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kPlaying));
+  EXPECT_TRUE(player->controls().isAvailable("pause"));
+  ASSERT_TRUE(until([&] { return player->controls().currentPosition() > 0.1; }));
+  player->controls().pause();
+  EXPECT_EQ(player->playState(), player::kPaused);
+  TurnFor(loop, std::chrono::milliseconds(200));
+  const double place = player->controls().currentPosition();
+  TurnFor(loop, std::chrono::milliseconds(300));
+  EXPECT_DOUBLE_EQ(player->controls().currentPosition(), place);
+  player->controls().play();
+  EXPECT_TRUE(until([&] { return player->controls().currentPosition() > place + 0.1; }));
+  player->controls().currentPosition(10);
+  EXPECT_TRUE(until([&] { return player->controls().currentPosition() > 10.1; }));
+  EXPECT_LT(player->controls().currentPosition(), 19);
+  player->controls().fastForward();
+  EXPECT_EQ(player->playState(), player::kScanForward);
+  player->controls().fastReverse();
+  EXPECT_EQ(player->playState(), player::kScanReverse);
+  const double before = player->controls().currentPosition();
+  EXPECT_TRUE(until([&] { return player->controls().currentPosition() < before - 1; }));
+  player->controls().play();
+  EXPECT_EQ(player->playState(), player::kPlaying);
+  player->controls().stop();
+  EXPECT_EQ(player->playState(), player::kStopped);
+  EXPECT_EQ(player->controls().currentPosition(), 0);
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 2, 3, 4, 5, 3, 1));
+}
+
+TEST_F(Playing, AnAlbumHasNoGapBetweenItsTracks) {
+  const demo::Sound whole = demo::Tone(441, 1.0);
+  demo::Sound first = whole;
+  demo::Sound second = whole;
+  first.samples.resize(22050 + 37);
+  second.samples.erase(second.samples.begin(), second.samples.begin() + 22050 + 37);
+  demo::WriteSound(music("1.wav"), first, demo::FileFormat::kWav);
+  demo::WriteSound(music("2.wav"), second, demo::FileFormat::kWav);
+  config.audioOutput = "pcm:" + (folder / "heard.wav");
+  startWith(2);
+  player->settings().volume(100);
+  player->currentPlaylist(player->mediaCollection().getAll());
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  player.reset();  // closes the file
+
+  const demo::Sound heard = demo::ReadSound(folder / "heard.wav");
+  ASSERT_EQ(heard.rate, whole.rate);
+  ASSERT_EQ(heard.samples.size(), whole.samples.size());
+  float worst = 0;
+  for (std::size_t i = 0; i < whole.samples.size(); ++i) {
+    worst = std::max(worst, std::abs(heard.samples[i] - whole.samples[i]));
+  }
+  EXPECT_LT(worst, 0.01F);
+}
+
+TEST_F(Playing, ShuffleAndLoopAreToldEachTimeTheyAreSet) {
+  start();
+  player->settings().setMode("LOOP", false);
+  player->settings().setMode("shuffle", true);
+  EXPECT_TRUE(player->settings().getMode("Shuffle"));
+  EXPECT_FALSE(player->settings().getMode("loop"));
+  EXPECT_TRUE(told.modes.empty());
+  ASSERT_TRUE(until([&] { return told.modes.size() == 2; }));
+  EXPECT_EQ(told.modes[0], std::make_pair(std::string("Loop"), false));
+  EXPECT_EQ(told.modes[1], std::make_pair(std::string("Shuffle"), true));
+  EXPECT_THROW(player->settings().setMode("dim", true), base::Failure);
+}
+
+TEST_F(Playing, VolumeStaysBetweenItsEnds) {
+  start();
+  EXPECT_EQ(player->settings().volume(), 50);
+  player->settings().volume(0);
+  player->settings().volume(100);
+  EXPECT_THROW(player->settings().volume(101), base::Failure);
+  EXPECT_THROW(player->settings().volume(-1), base::Failure);
+  EXPECT_EQ(player->settings().volume(), 100);
+  player->settings().mute(true);
+  EXPECT_TRUE(player->settings().mute());
+}
+
+TEST_F(Playing, TheVersionBeginsWithANine) {
+  start();
+  EXPECT_EQ(player->versionInfo().front(), '9');
+}
+
+TEST_F(Playing, APlayerMayGoWhileItPlays) {
+  config.untimed = false;
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 5);
+  startWith(1);
+  player->URL(music("1.wav"));
+  const player::MediaRef media = player->currentMedia();
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kPlaying));
+  player.reset();
+  TurnFor(loop, std::chrono::milliseconds(50));
+  EXPECT_EQ(media->name(), "One");
+}
+
+}  // namespace
+}  // namespace engine::testing
