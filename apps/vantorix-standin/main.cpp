@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -42,10 +44,11 @@ int serve(const Options& options) {
   BusShelf shelf(connection);
   HouseObjects objects(house, shelf);
   LoopWaits waits(loop);
-  const auto host =
-      std::make_shared<HostObject>(house, objects, waits, std::make_shared<SystemObject>(house));
+  const auto system = std::make_shared<SystemObject>(house);
+  const auto host = std::make_shared<HostObject>(house, objects, waits, system);
   const auto callback = std::make_shared<CallbackObject>(house, host);
   shelf.show("/host", host);
+  shelf.show("/host/system", system);
   shelf.show("/callback", callback);
 
   SettingsFlusher flusher(loop, house);
@@ -76,6 +79,7 @@ int serve(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  ::umask(0077);  // passwords and settings are nobody else's business
   try {
     const Options options = ReadOptions(std::vector<std::string>(argv + 1, argv + argc));
     if (options.help) {

@@ -92,8 +92,10 @@ void PluginKeeper::launchSteps() {
     if (ending_ || state_ == PluginState::kLost) return;  // its loss has been seen to already
     vxif_ = nullptr;
     house_.forgetPlugin();
-    house_.log.write("Error", "The plug-in could not be started: " + failure.description());
-    enter(PluginState::kLost, "The plug-in could not be started: " + failure.description());
+    const std::string reason = "The plug-in could not be started: " + failure.description();
+    if (reason != toldReason_) house_.log.write("Error", reason);  // one line, however often it is tried
+    toldReason_ = reason;
+    enter(PluginState::kLost, reason);
     restartLater();
     return;
   }
@@ -112,6 +114,7 @@ void PluginKeeper::askStatus() {
       [this](base::Object& vxif) {
         if (base::ToInt16(vxif.call("InterfaceStatus")) != 0 || state_ != PluginState::kStarting) return;
         statusTimer_->enabled(false);
+        toldReason_.clear();
         readySince_ = loop_.now();
         enter(PluginState::kReady, {});
       },
@@ -132,8 +135,10 @@ void PluginKeeper::lost() {
 
 void PluginKeeper::restartLater() {
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(pause_).count();
-  house_.log.write("Info", "The plug-in is started again in " + std::to_string(seconds) +
-                               (seconds == 1 ? " second" : " seconds"));
+  if (pause_ < kLongestPause) {
+    house_.log.write("Info", "The plug-in is started again in " + std::to_string(seconds) +
+                                 (seconds == 1 ? " second" : " seconds"));
+  }
   startTimer_->interval(pause_);
   startTimer_->enabled(true);
   pause_ = std::min(pause_ * 2, kLongestPause);

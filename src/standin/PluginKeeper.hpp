@@ -74,6 +74,7 @@ class PluginKeeper {
   PluginState state_ = PluginState::kStopped;
   std::string reason_;
   std::string name_;
+  std::string toldReason_;  ///< of a start that failed, as the log has it
   std::deque<Waiting> waiting_;
   bool busy_ = false;
   bool launching_ = false;

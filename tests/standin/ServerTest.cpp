@@ -1,0 +1,326 @@
+// The server's program with a plug-in: start, commands, loss, end.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+
+#include "FakePlugin.hpp"
+#include "ServerProcess.hpp"
+#include "WebClient.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/TempFolder.hpp"
+
+namespace {
+
+using nlohmann::json;
+using support::Eventually;
+using support::FakePlugin;
+using support::ServerProcess;
+using support::WebClient;
+
+class Server : public testing::Test {
+ protected:
+  /// Makes a status device with a button and a quick-play device, and registers all there is to register.
+  static void furnish(base::Object& callback, base::Object& host, const base::ObjectRef& self) {
+    for (const auto& [name, code] : {std::pair("Status", 1), std::pair("Quick Album", 12)}) {
+      const auto key = host.invoke("NewDevice", name);
+      base::Object& device = base::Deref(host.invoke("GetDevice", key));
+      device.put("location", "Media Player");
+      device.put("hc", "Q");
+      device.put("dc", static_cast<std::int16_t>(code));
+      device.put("interface", "Media Player");
+      device.put("misc", std::int16_t{24});
+    }
+    host.invoke("DeviceButtonAdd", "Q1", "Media Player", "Pause");
+    host.invoke("DeviceValuesAdd", "Q12",
+                " \x02"
+                "0\x01*Refresh Albums*\x02"
+                "1\x01"
+                "Blue\x02"
+                "2",
+                true);
+    callback.invoke("registermenu", "Media Player", "Stop");
+    callback.invoke("registermenu", "Media Player", "Setup");
+    callback.invoke("writesplash", "Media Player version: 1.0.23");
+    host.invoke("RegisterEventCB", std::int16_t{8}, self);
+    host.invoke("RegisterLink", self);
+    const auto id = host.invoke("NewEvent", "Album VR");
+    base::Object& event = base::Deref(host.invoke("GetEvent", id));
+    event.put("vcmd", "Play [Album] (Blue|Green Night)");
+    const base::ObjectRef entry = base::ToObject(host.call("NewDevFunc"));
+    entry->put("devid", base::Deref(host.invoke("GetDeviceEx", "Media Player Quick Album")).get("ref"));
+    entry->put("func", std::int16_t{13});
+    base::Deref(event.get("ev_devices")).invoke("Add", entry);
+    host.invoke("WriteLog", "Startup", "Media Player foreground initialization completed");
+  }
+  static FakePlugin::Manner furnishing() {
+    FakePlugin::Manner manner;
+    manner.init = &Server::furnish;
+    return manner;
+  }
+  static std::string stateOf(WebClient& web) {
+    const json state = web.json("/api/state");
+    return state.is_object() ? state.value("/plugin/state"_json_pointer, "") : "";
+  }
+  static std::int32_t refOf(WebClient& web, const std::string& name) {
+    for (const json& device : web.json("/api/state").at("devices")) {
+      if (device.at("name") == name) return device.at("ref").get<std::int32_t>();
+    }
+    return 0;
+  }
+  static bool logHas(WebClient& web, const std::string& text) {
+    for (const json& line : web.json("/api/log").value("lines", json::array())) {
+      if (line.at("text").get<std::string>().find(text) != std::string::npos) return true;
+    }
+    return false;
+  }
+
+  support::BusDaemon bus;
+  support::TempFolder folder;
+  std::filesystem::path data = folder.path() / "data";
+};
+
+TEST_F(Server, ThePluginIsGivenItsCallbackAndThenStarted) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  const auto calls = plugin.calls();
+  ASSERT_GE(calls.size(), 2U);
+  EXPECT_EQ(calls[0], "RegisterCallback");
+  EXPECT_EQ(calls[1], "InitIO " + std::to_string(server.port()));
+  const json state = web.json("/api/state");
+  EXPECT_EQ(state.at("menu").size(), 2U);
+  EXPECT_EQ(state.at("menu")[0].at("item"), "Stop");
+  EXPECT_EQ(state.at("links")[0].at("text"), "PlayList Editor");
+  EXPECT_EQ(state.at("devices").size(), 2U);
+  EXPECT_TRUE(logHas(web, "foreground initialization completed"));
+  EXPECT_EQ(server.end(), 0);
+  EXPECT_EQ(plugin.calls().back(), "ShutdownIO");
+}
+
+TEST_F(Server, CommandsReachThePlugin) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  const std::int32_t status = refOf(web, "Status");
+  const std::int32_t quick = refOf(web, "Quick Album");
+  EXPECT_EQ(web.post("/api/press", {{"ref", status}, {"caption", "Pause"}}), 200);
+  EXPECT_EQ(web.post("/api/press", {{"ref", status}, {"caption", "Explode"}}), 404);
+  EXPECT_EQ(web.post("/api/command", {{"ref", status}, {"command", "on"}}), 200);
+  EXPECT_EQ(web.post("/api/command", {{"ref", status}, {"command", "off"}}), 200);
+  EXPECT_EQ(web.post("/api/command", {{"ref", quick}, {"command", "value"}, {"value", 2}}), 200);
+  EXPECT_EQ(web.post("/api/command", {{"ref", quick}, {"command", "value"}, {"value", 70000}}), 400);
+  EXPECT_EQ(web.post("/api/menu", {{"item", "Stop"}}), 200);
+  EXPECT_EQ(web.post("/api/menu", {{"item", "Explode"}}), 404);
+  EXPECT_EQ(web.post("/api/voice", {{"text", "Play album green NIGHT"}}), 200);
+  EXPECT_EQ(web.post("/api/voice", {{"text", "stop the music"}}), 200);
+  const auto calls = plugin.calls();
+  const std::vector<std::string> expected{"ButtonPress Pause",
+                                          "SetIO Status Q 1 2 0 0 0 after ",
+                                          "SetIO Status Q 1 3 0 0 0 after ",
+                                          "SetIO Quick Album Q 12 19 2 0 0 after ",
+                                          "SelectMenu Stop",
+                                          "SetIO Quick Album Q 12 13 0 0 0 after Play album green NIGHT",
+                                          "SetIO Status Q 1 13 0 0 0 after stop the music"};
+  ASSERT_EQ(calls.size(), expected.size() + 2);
+  EXPECT_EQ(std::vector<std::string>(calls.begin() + 2, calls.end()), expected);
+}
+
+TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
+  FakePlugin::Manner slow = furnishing();
+  slow.press = std::chrono::seconds(3);
+  FakePlugin plugin(bus.address(), slow);
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  const std::int32_t ref = refOf(web, "Status");
+  std::atomic<bool> pressed = false;
+  std::thread press([&] {
+    WebClient other(server.port());
+    EXPECT_EQ(other.post("/api/press", {{"ref", ref}, {"caption", "Pause"}}), 200);
+    pressed = true;
+  });
+  ASSERT_TRUE(plugin.heard("ButtonPress Pause"));
+  EXPECT_EQ(stateOf(web), "ready");
+  EXPECT_FALSE(pressed);
+  press.join();
+}
+
+TEST_F(Server, ALivePageHearsOfADeviceChange) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  std::string heard;
+  std::atomic<bool> open = false;
+  std::thread page([&] {
+    httplib::Client client("127.0.0.1", server.port());
+    client.set_read_timeout(30);
+    client.Get("/api/live", [&](const char* text, std::size_t size) {
+      heard.append(text, size);
+      open = true;
+      return heard.find("A new song") == std::string::npos;
+    });
+  });
+  ASSERT_TRUE(Eventually([&] { return open.load(); }));
+  plugin.withHost([](base::Object&, base::Object& host) {
+    host.invoke("SetDeviceStringByName", "Media Player Status", "A new song", true);
+  });
+  page.join();
+  EXPECT_NE(heard.find("event: device\ndata: {"), std::string::npos);
+  EXPECT_NE(heard.find("A new song"), std::string::npos);
+}
+
+TEST_F(Server, OpenLivePagesDontHoldUpTheEnd) {
+  ServerProcess server(bus.address(), data);
+  std::atomic<int> open = 0;
+  std::vector<std::thread> pages;
+  for (int i = 0; i < 5; ++i) {
+    pages.emplace_back([&] {
+      httplib::Client client("127.0.0.1", server.port());
+      bool first = true;
+      client.Get("/api/live", [&](const char*, std::size_t) {
+        if (std::exchange(first, false)) ++open;
+        return true;
+      });
+    });
+  }
+  EXPECT_TRUE(Eventually([&] { return open == 5; }));
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.end(SIGINT), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  for (std::thread& page : pages) page.join();
+}
+
+TEST_F(Server, ARefusalToStartIsShownAndNotRepeatedUntilTheUserAsks) {
+  FakePlugin::Manner manner;
+  manner.refusal = "Error: no player <here>";
+  FakePlugin plugin(bus.address(), manner);
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "failed"; }));
+  EXPECT_EQ(web.json("/api/state").at("plugin").at("reason"), "Error: no player <here>");
+  EXPECT_TRUE(logHas(web, "Error: no player <here>"));
+  EXPECT_EQ(web.post("/api/press", {{"ref", 1}, {"caption", "x"}}), 404);
+  EXPECT_EQ(plugin.calls().size(), 2U);
+  EXPECT_EQ(web.post("/api/plugin", json::object()), 200);
+  EXPECT_TRUE(Eventually([&] { return plugin.calls().size() >= 5; }));
+  const auto calls = plugin.calls();
+  EXPECT_EQ(calls[2], "ShutdownIO");
+  EXPECT_EQ(calls[3], "RegisterCallback");
+}
+
+TEST_F(Server, ALostPluginIsShownLoggedAndStartedAgain) {
+  auto plugin = std::make_unique<FakePlugin>(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  plugin.reset();
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "lost"; }));
+  EXPECT_TRUE(logHas(web, "The plug-in has been lost"));
+  EXPECT_TRUE(web.json("/api/state").at("menu").empty());
+  EXPECT_TRUE(web.json("/api/state").at("links").empty());
+  plugin = std::make_unique<FakePlugin>(bus.address());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  EXPECT_EQ(plugin->calls().at(0), "RegisterCallback");
+}
+
+TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  const auto page = web.get("/wmp_plistedit");
+  ASSERT_TRUE(page);
+  EXPECT_EQ(page->status, 200);
+  EXPECT_NE(page->body.find("<p>page WMP_PListEdit for owner</p>"), std::string::npos);
+  EXPECT_NE(page->body.find("<title>Vantorix Media Player</title>"), std::string::npos);
+  const std::string policy = page->get_header_value("Content-Security-Policy");
+  EXPECT_NE(policy.find("script-src 'self' 'unsafe-hashes' 'sha256-"), std::string::npos);
+  EXPECT_EQ(page->get_header_value_count("Content-Security-Policy"), 1U);
+
+  const std::string form = "application/x-www-form-urlencoded";
+  EXPECT_EQ(
+      web.postText("/WMP_PListEdit", "button=Update&wmp_page=Setup_Page", form, {{"Origin", web.origin()}}),
+      200);
+  EXPECT_NE(web.last.find("<p>put 33:button=Update&wmp_page=Setup_Page</p>"), std::string::npos);
+  const std::string large = "a=" + std::string(200000, 'x');
+  EXPECT_EQ(web.postText("/WMP_PListEdit", large, form, {{"Origin", web.origin()}}), 200);
+  EXPECT_NE(web.last.find("<p>put 200002:"), std::string::npos);
+  EXPECT_EQ(web.postText("/WMP_PListEdit", "a=b", form, {{"Origin", "http://evil.example"}}), 403);
+
+  EXPECT_EQ(web.post("/api/login", {{"name", "guest"}}), 200);
+  EXPECT_NE(web.get("/WMP_PListEdit")->body.find("for guest</p>"), std::string::npos);
+  EXPECT_EQ(web.postText("/WMP_PListEdit", "a=b", form, {{"Origin", web.origin()}}), 403);
+  EXPECT_EQ(web.post("/api/menu", {{"item", "Stop"}}), 403);
+  EXPECT_EQ(web.post("/api/plugin", json::object()), 403);
+}
+
+TEST_F(Server, ASecondServerIsRefusedBeforeItTouchesAnything) {
+  ServerProcess first(bus.address(), data);
+  ServerProcess sameBus(bus.address(), folder.path() / "second");
+  EXPECT_EQ(sameBus.wait(), 1);
+  EXPECT_FALSE(sameBus.errors().empty());
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "second"));
+
+  const support::BusDaemon otherBus;
+  ServerProcess samePort(otherBus.address(), folder.path() / "third",
+                         {"--port", std::to_string(first.port())});
+  EXPECT_EQ(samePort.wait(), 1);
+  EXPECT_NE(samePort.errors().find("in use"), std::string::npos) << samePort.errors();
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "third"));
+
+  ServerProcess sameData(otherBus.address(), data);
+  EXPECT_EQ(sameData.wait(), 1);
+  EXPECT_NE(sameData.errors().find("in use"), std::string::npos) << sameData.errors();
+  EXPECT_EQ(first.end(), 0);
+}
+
+TEST_F(Server, OthersMayReachItOnlyWhenItsOwnerHasAPassword) {
+  ServerProcess bare(bus.address(), data, {"--listen", "0.0.0.0"});
+  EXPECT_EQ(bare.wait(), 1);
+  EXPECT_NE(bare.errors().find("password"), std::string::npos);
+  {
+    ServerProcess local(bus.address(), data);
+    WebClient web(local.port());
+    EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+    EXPECT_EQ(local.end(), 0);
+  }
+  ServerProcess open(bus.address(), data, {"--listen", "0.0.0.0"});
+  ASSERT_FALSE(open.line().empty()) << open.errors();
+  WebClient web(open.port());
+  EXPECT_EQ(web.get("/api/state")->status, 401);
+  EXPECT_EQ(web.post("/api/login", {{"name", "owner"}, {"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.get("/api/state")->status, 200);
+  EXPECT_EQ(web.post("/api/password", {{"old", "s3cret"}, {"password", ""}}), 403);
+}
+
+TEST_F(Server, WhatThePluginStoredSurvivesAKillOfTheServer) {
+  {
+    FakePlugin plugin(bus.address(), furnishing());
+    ServerProcess server(bus.address(), data);
+    WebClient web(server.port());
+    ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+    plugin.withHost([](base::Object&, base::Object& host) {
+      host.invoke("SaveINISetting", "Settings", "Volume", std::int32_t{77}, "vxif_WMP.ini");
+      host.invoke("SetDeviceStringByName", "Media Player Status", "Stopped", true);
+    });
+    EXPECT_EQ(server.end(SIGKILL), -SIGKILL);
+  }
+  FakePlugin plugin(bus.address());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  plugin.withHost([](base::Object&, base::Object& host) {
+    EXPECT_EQ(host.invoke("GetINISetting", "Settings", "Volume", std::int16_t{50}, "vxif_WMP.ini"),
+              base::Value("77"));
+    EXPECT_EQ(host.call("DeviceCount"), base::Value(2));
+  });
+  EXPECT_EQ(web.json("/api/state").at("devices")[0].at("text"), "Stopped");
+  EXPECT_EQ(server.end(), 0);
+  EXPECT_TRUE(std::filesystem::exists(data / "config/vxif_WMP.ini"));
+}
+
+}  // namespace

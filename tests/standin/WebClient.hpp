@@ -1,0 +1,66 @@
+#pragma once
+#include <httplib.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace support {
+
+/// A browser, as far as headers go.
+class WebClient {
+ public:
+  explicit WebClient(int port)
+      : origin_("http://127.0.0.1:" + std::to_string(port)), client_("127.0.0.1", port) {
+    client_.set_read_timeout(60);
+  }
+
+  httplib::Result get(const std::string& path, httplib::Headers headers = {}) {
+    addCookie(headers);
+    return client_.Get(path, headers);
+  }
+  nlohmann::json json(const std::string& path) {
+    const auto answer = get(path);
+    return answer ? nlohmann::json::parse(answer->body, nullptr, false) : nlohmann::json();
+  }
+  /// The status of a post from a page of the server's own; 0 without an answer.
+  int post(const std::string& path, const nlohmann::json& body) {
+    return postText(path, body.dump(), "application/json", {{"Origin", origin_}});
+  }
+  int postText(const std::string& path, const std::string& body, const std::string& type,
+               httplib::Headers headers) {
+    addCookie(headers);
+    const auto answer = client_.Post(path, headers, body, type);
+    if (!answer) return 0;
+    last = answer->body;
+    if (answer->has_header("Set-Cookie")) {
+      cookieHeader = answer->get_header_value("Set-Cookie");
+      cookie = cookieHeader.substr(0, cookieHeader.find(';'));
+    }
+    return answer->status;
+  }
+  [[nodiscard]] const std::string& origin() const { return origin_; }
+  httplib::Client& raw() { return client_; }
+
+  std::string last;          ///< body of the last answer to a post
+  std::string cookie;        ///< sent with each request
+  std::string cookieHeader;  ///< as the server set it
+
+ private:
+  void addCookie(httplib::Headers& headers) const {
+    if (!cookie.empty()) headers.emplace("Cookie", cookie);
+  }
+  std::string origin_;
+  httplib::Client client_;
+};
+
+/// Asks until the answer is right or the time is over.
+template <class Question>
+bool Eventually(Question question) {
+  for (int i = 0; i < 600; ++i) {
+    if (question()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  return false;
+}
+
+}  // namespace support
