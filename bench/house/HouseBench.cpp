@@ -1,0 +1,169 @@
+// Measures the whole house, all of it real processes: how long a pressed button takes to be seen, what saving
+// a setting costs, and what the house costs while it does nothing. Prints figures and their ratios; judges
+// none.
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstdio>
+#include <fstream>
+#include <mutex>
+
+#include "support/RealHouse.hpp"
+#include "support/SmallMusic.hpp"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double Milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
+
+double Percentile(std::vector<double> values, double share) {
+  std::sort(values.begin(), values.end());
+  return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
+}
+
+/// The house's live stream, read in a thread of its own.
+class LiveStream {
+ public:
+  explicit LiveStream(int port)
+      : client_("127.0.0.1", port), reader_([this] {
+          client_.set_read_timeout(60);
+          client_.Get("/api/live", [this](const char* data, std::size_t size) {
+            const std::lock_guard lock(mutex_);
+            text_.append(data, size);
+            changed_.notify_all();
+            return !ended_;
+          });
+        }) {}
+  ~LiveStream() {
+    ended_ = true;
+    client_.stop();
+    reader_.join();
+  }
+  LiveStream(const LiveStream&) = delete;
+  LiveStream& operator=(const LiveStream&) = delete;
+  LiveStream(LiveStream&&) = delete;
+  LiveStream& operator=(LiveStream&&) = delete;
+
+  void forget() {
+    const std::lock_guard lock(mutex_);
+    text_.clear();
+  }
+  bool waitFor(const std::string& wanted) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(10),
+                             [&] { return text_.find(wanted) != std::string::npos; });
+  }
+
+ private:
+  httplib::Client client_;
+  std::atomic<bool> ended_ = false;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::string text_;
+  std::thread reader_;
+};
+
+void MeasureLatency(support::RealHouse& house) {
+  constexpr int kPresses = 200;
+  LiveStream live(house.port());
+  house.press("Mute", "Mute toggle");
+  live.waitFor(">Muted");
+  const auto mute = house.device("Mute")["ref"].get<int>();
+  httplib::Client client("127.0.0.1", house.port());
+  client.set_keep_alive(true);
+  const std::string body = support::RealHouse::Json{{"ref", mute}, {"caption", "Mute toggle"}}.dump();
+  std::vector<double> times;
+  std::vector<double> plain;
+  for (int i = 0; i < kPresses; ++i) {
+    live.forget();
+    const auto begin = Clock::now();
+    client.Post("/api/press", {{"Origin", house.url()}}, body, "application/json");
+    if (!live.waitFor(i % 2 == 0 ? ">Not Muted" : ">Muted")) std::printf("press %d was not seen\n", i);
+    times.push_back(Milliseconds(Clock::now() - begin));
+    const auto start = Clock::now();
+    client.Get("/style.css");
+    plain.push_back(Milliseconds(Clock::now() - start));
+  }
+  const double median = Percentile(times, 0.5);
+  std::printf(
+      "button to live text: median %.2f ms, 95th percentile %.2f ms of %d; %.1f times a static file's %.2f "
+      "ms\n",
+      median, Percentile(times, 0.95), kPresses, median / Percentile(plain, 0.5), Percentile(plain, 0.5));
+}
+
+void MeasureSaves(support::RealHouse& house) {
+  constexpr int kSaves = 50'000;
+  constexpr int kSlice = 1'000;
+  bus::PollLoop loop;
+  bus::Connection connection(loop, house.busAddress());
+  const auto host = connection.proxy("org.vantorix.Host", "/host");
+  std::vector<double> slices;
+  for (int i = 0; i < kSaves; i += kSlice) {
+    const auto begin = Clock::now();
+    for (int k = i; k < i + kSlice; ++k)
+      host->invoke("SaveINISetting", "Media Library", "Key " + std::to_string(k), "Name " + std::to_string(k),
+                   "bench.ini");
+    slices.push_back(Milliseconds(Clock::now() - begin));
+  }
+  const auto begin = Clock::now();
+  for (int k = 0; k < kSlice; ++k) host->invoke("WEBLoggedInUser");
+  const double bare = Milliseconds(Clock::now() - begin);
+  double total = 0;
+  for (const double slice : slices) total += slice;
+  std::printf(
+      "%d saves through the bus: %.1f s, first thousand %.1f us a save, last %.1f us (%.2f times), a bare "
+      "call %.1f us\n",
+      kSaves, total / 1000, slices.front(), slices.back(), slices.back() / slices.front(), bare);
+}
+
+struct Use {
+  double seconds = 0;    ///< processor time so far
+  double megabytes = 0;  ///< resident
+};
+
+Use UseOf(long process) {
+  Use use;
+  std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
+  std::string text((std::istreambuf_iterator<char>(stat)), {});
+  long user = 0;
+  long system = 0;
+  std::sscanf(text.c_str() + text.rfind(')') + 2, "%*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %ld %ld",
+              &user, &system);
+  use.seconds = static_cast<double>(user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
+  std::ifstream memory("/proc/" + std::to_string(process) + "/statm");
+  long pages = 0;
+  memory >> pages >> pages;
+  use.megabytes = static_cast<double>(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
+  return use;
+}
+
+void MeasureIdle(support::RealHouse& house) {
+  constexpr int kSeconds = 10;
+  bus::PollLoop loop;
+  bus::Connection connection(loop, house.busAddress());
+  const long server = house.server().id();
+  const long plugin = connection.processOf("org.vantorix.vxif_WMP9");
+  const Use before[] = {UseOf(server), UseOf(plugin)};
+  std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
+  const Use after[] = {UseOf(server), UseOf(plugin)};
+  const char* names[] = {"server", "plug-in"};
+  for (int i = 0; i < 2; ++i)
+    std::printf("%s, idle: %.2f %% of a processor, %.1f MiB resident\n", names[i],
+                (after[i].seconds - before[i].seconds) / kSeconds * 100, after[i].megabytes);
+}
+
+}  // namespace
+
+int main() {
+  const support::SmallMusic music;
+  support::RealHouse house({.music = music.path()});
+  if (!house.startReady()) {
+    std::fprintf(stderr, "The house does not come up:\n%s\n", house.server().output().c_str());
+    return 1;
+  }
+  MeasureIdle(house);
+  MeasureLatency(house);
+  MeasureSaves(house);
+  return 0;
+}

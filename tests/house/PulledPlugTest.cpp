@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "base/Failure.hpp"
+#include "support/RealHouse.hpp"
+#include "support/SmallMusic.hpp"
+
+namespace {
+
+/// Keeps a house busy over the bus and remembers what it has acknowledged.
+class Busy {
+ public:
+  /// Works until a call fails or the time is over.
+  void work(const std::string& busAddress, std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    try {
+      bus::PollLoop loop;
+      bus::Connection connection(loop, busAddress);
+      const auto host = connection.proxy("org.vantorix.Host", "/host");
+      while (std::chrono::steady_clock::now() < end) {
+        const int number = setting + 1;
+        host->invoke("SaveINISetting", "Test", "Key" + std::to_string(number % 50), std::to_string(number),
+                     "test.ini");
+        setting = number;
+        if (number % 20 != 0) continue;
+        host->invoke("NewDevice", "Lamp " + std::to_string(devices + 1));
+        ++devices;
+      }
+    } catch (const base::Failure&) {  // the plug has been pulled
+    }
+  }
+  int setting = 0;
+  int devices = 0;
+};
+
+}  // namespace
+
+TEST(APulledPlug, OneHundredTimesLosesNothingAcknowledged) {
+  const support::SmallMusic music(1);
+  support::RealHouse house({.music = music.path()});
+  ASSERT_TRUE(house.startReady());
+  const std::string address = house.device("Status")["address"];
+  Busy busy;
+  std::mt19937 random(20261121);
+  std::uniform_int_distribution<int> moment(0, 120);
+  bool ready = true;
+  for (int round = 0; round < 100; ++round) {
+    if (!ready) house.start();
+    bus::PollLoop loop;
+    {
+      bus::Connection connection(loop, house.busAddress());
+      const auto host = connection.proxy("org.vantorix.Host", "/host");
+      // What was acknowledged in the rounds before is there; the save under way at the kill may be, too.
+      if (busy.setting > 0) {
+        const int last = std::stoi(base::ToText(host->invoke(
+            "GetINISetting", "Test", "Key" + std::to_string(busy.setting % 50), "0", "test.ini")));
+        ASSERT_EQ(last, busy.setting) << "round " << round;
+      }
+      ASSERT_GE(base::ToInt32(host->invoke("DeviceCount")), busy.devices) << "round " << round;
+    }
+    const bool pluginFirst = round % 4 == 3;
+    std::thread hand([&, wait = std::chrono::milliseconds(moment(random))] {
+      std::this_thread::sleep_for(wait);
+      if (pluginFirst) {
+        try {
+          bus::PollLoop own;
+          bus::Connection connection(own, house.busAddress());
+          const auto process = connection.processOf("org.vantorix.vxif_WMP9");
+          if (process != 0) ::kill(static_cast<pid_t>(process), SIGKILL);
+        } catch (const base::Failure&) {  // it was not there yet
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+      house.server().signal(SIGKILL);
+    });
+    busy.work(house.busAddress(), std::chrono::seconds(20));
+    hand.join();
+    house.server().kill();
+    ready = false;
+  }
+  EXPECT_GT(busy.setting, 100);
+  ASSERT_TRUE(house.startReady()) << house.server().output();
+  EXPECT_EQ(house.device("Status")["address"], address);
+  std::size_t own = 0;
+  for (const auto& device : house.state()["devices"]) own += device["location"] == "Media Player" ? 1 : 0;
+  EXPECT_EQ(own, 10U);
+  house.press("Status", "Restart");
+  EXPECT_TRUE(support::Eventually([&] { return house.log().find("Playback Started") != std::string::npos; }));
+}
+
+TEST(APulledPlug, DuringTheFirstStartIsMendedByTheNext) {
+  const support::SmallMusic music(1);
+  for (const int wait : {50, 150, 300, 600}) {
+    support::RealHouse house({.music = music.path()});
+    house.start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(wait));
+    house.server().kill();
+    ASSERT_TRUE(house.startReady()) << "after " << wait << " ms\n" << house.server().output();
+    EXPECT_FALSE(house.device("Status").is_null());
+  }
+}

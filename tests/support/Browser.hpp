@@ -1,0 +1,92 @@
+#pragma once
+#include <httplib.h>
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "support/Process.hpp"
+#include "support/TempFolder.hpp"
+
+namespace support {
+
+/// A headless Chromium, driven over the WebDriver protocol.
+class Browser {
+ public:
+  using Json = nlohmann::json;
+
+  explicit Browser(int width = 1280, int height = 900) {
+    const std::string& said = driver_.outputWith("was started successfully");
+    const std::string before = "on port ";
+    // Newer drivers name the port in their last line, all name it in the first.
+    port_ = std::stoi(said.substr(said.rfind(before) + before.size()));
+    Json options = {
+        {"args",
+         {"--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+          "--disable-dev-shm-usage", "--disable-background-networking", "--disable-component-update",
+          "--disable-sync", "--user-data-dir=" + profile_.path().string(),
+          "--window-size=" + std::to_string(width) + "," + std::to_string(height)}}};
+    // A window can't be made as narrow as a phone; an emulated device can.
+    if (width < 500)
+      options["mobileEmulation"] = {
+          {"deviceMetrics", {{"width", width}, {"height", height}, {"pixelRatio", 2}}}};
+    const Json session =
+        ask("POST", "/session", {{"capabilities", {{"alwaysMatch", {{"goog:chromeOptions", options}}}}}});
+    session_ = "/session/" + session["sessionId"].get<std::string>();
+  }
+  ~Browser() {
+    httplib::Client client("127.0.0.1", port_);
+    client.set_read_timeout(10);
+    client.Delete(session_);
+  }
+  Browser(const Browser&) = delete;
+  Browser& operator=(const Browser&) = delete;
+  Browser(Browser&&) = delete;
+  Browser& operator=(Browser&&) = delete;
+
+  void open(const std::string& url) { ask("POST", session_ + "/url", {{"url", url}}); }
+  /// Runs a script that returns a value; its arguments are `arguments`.
+  Json run(const std::string& script, const Json& arguments = Json::array()) {
+    return ask("POST", session_ + "/execute/sync", {{"script", script}, {"args", arguments}});
+  }
+  /// Waits until the script returns something true.
+  bool eventually(const std::string& script, const Json& arguments = Json::array()) {
+    return Eventually([&] {
+      const Json value = run(script, arguments);
+      return value.is_boolean() ? value.get<bool>() : !value.is_null();
+    });
+  }
+  /// Clicks the element as a user does: it must be visible and not covered.
+  void click(const std::string& xpath) { ask("POST", element(xpath) + "/click", Json::object()); }
+  void type(const std::string& xpath, const std::string& text) {
+    ask("POST", element(xpath) + "/value", {{"text", text}});
+  }
+
+ private:
+  std::string element(const std::string& xpath) {
+    Json found;
+    Eventually([&] {
+      found = ask("POST", session_ + "/elements", {{"using", "xpath"}, {"value", xpath}});
+      return !found.empty();
+    });
+    if (found.empty()) throw std::runtime_error("no element " + xpath);
+    return session_ + "/element/" + found[0].begin().value().get<std::string>();
+  }
+  Json ask(const std::string& method, const std::string& path, const Json& body) {
+    httplib::Client client("127.0.0.1", port_);
+    client.set_read_timeout(90);
+    const auto answer =
+        method == "POST" ? client.Post(path, body.dump(), "application/json") : client.Get(path);
+    if (!answer) throw std::runtime_error("the browser does not answer");
+    const Json json = Json::parse(answer->body);
+    if (answer->status != 200) throw std::runtime_error(json["value"].value("message", answer->body));
+    return json["value"];
+  }
+
+  TempFolder profile_;
+  Process driver_{{"chromedriver", "--port=0"}};
+  int port_ = 0;
+  std::string session_;
+};
+
+}  // namespace support

@@ -1,0 +1,123 @@
+#pragma once
+#include <httplib.h>
+
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "bus/Connection.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/Process.hpp"
+
+namespace support {
+
+/// A whole house of real processes: a bus, the server, the plug-in that the bus starts for it, and an engine
+/// that plays into silence.
+class RealHouse {
+ public:
+  using Json = nlohmann::json;
+
+  struct Setup {
+    std::string music;           ///< the music folder
+    std::string audio = "null";  ///< silence in real time
+    std::string plugin = VXIF_PROGRAM;
+    std::vector<std::string> serverWords{};  ///< further words for the server
+  };
+
+  explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
+  RealHouse() : RealHouse(Setup()) {}
+
+  /// Starts the server and waits for its address.
+  void start() {
+    std::vector<std::string> words{STANDIN_PROGRAM, "--port", "0",           "--data",
+                                   data().string(), "--bus",  bus_.address()};
+    words.insert(words.end(), setup_.serverWords.begin(), setup_.serverWords.end());
+    server_ = std::make_unique<Process>(words);
+    const std::string greeting = "http://127.0.0.1:";
+    const std::string& said = server_->outputWith("/\n");
+    port_ = std::stoi(said.substr(said.find(greeting) + greeting.size()));
+  }
+  /// Starts it and waits until the plug-in is ready.
+  bool startReady() {
+    start();
+    return becomes("ready");
+  }
+  bool becomes(const std::string& state) {
+    return Eventually([&] { return pluginState() == state; }, std::chrono::seconds(60));
+  }
+
+  [[nodiscard]] std::filesystem::path folder() const { return folder_.path(); }
+  [[nodiscard]] std::filesystem::path data() const { return folder_.path() / "server"; }
+  [[nodiscard]] const std::string& busAddress() const { return bus_.address(); }
+  [[nodiscard]] int port() const { return port_; }
+  [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port_); }
+  Process& server() { return *server_; }
+
+  // What the page sees.
+  Json state() {
+    const auto answer = client().Get("/api/state");
+    return answer && answer->status == 200 ? Json::parse(answer->body) : Json::object();
+  }
+  std::string pluginState() {
+    const Json now = state();
+    return now.contains("plugin") ? now["plugin"]["state"].get<std::string>() : "";
+  }
+  Json device(const std::string& name) {
+    for (const Json& device : state().value("devices", Json::array()))
+      if (device["name"] == name) return device;
+    return {};
+  }
+  /// A device's text behind its icon.
+  std::string text(const std::string& name) {
+    const std::string whole = device(name).value("text", "");
+    const auto end = whole.find('>');
+    return end == std::string::npos ? whole : whole.substr(end + 1);
+  }
+  bool textBecomes(const std::string& name, const std::string& wanted) {
+    return Eventually([&] { return text(name) == wanted; });
+  }
+  /// The HTTP status of a post.
+  int post(const std::string& path, const Json& body) {
+    const auto answer = client().Post(path, {{"Origin", url()}}, body.dump(), "application/json");
+    return answer ? answer->status : -1;
+  }
+  int press(const std::string& name, const std::string& caption) {
+    return post("/api/press", {{"ref", device(name).value("ref", 0)}, {"caption", caption}});
+  }
+  int say(const std::string& phrase) { return post("/api/voice", {{"text", phrase}}); }
+  int choose(const std::string& menuItem) { return post("/api/menu", {{"item", menuItem}}); }
+  /// All the log's texts, one a line, with their types.
+  std::string log() {
+    const auto answer = client().Get("/api/log");
+    std::string all;
+    const Json json = answer && answer->status == 200 ? Json::parse(answer->body) : Json::object();
+    if (json.contains("lines"))
+      for (const Json& line : json["lines"])
+        all += line["type"].get<std::string>() + ": " + line["text"].get<std::string>() + "\n";
+    return all;
+  }
+  bool logHas(const std::string& line) {
+    return Eventually([&] { return log().find(line) != std::string::npos; }, std::chrono::seconds(10));
+  }
+
+ private:
+  httplib::Client client() const {
+    httplib::Client client("127.0.0.1", port_);
+    client.set_read_timeout(40);
+    return client;
+  }
+  [[nodiscard]] std::string pluginCommand() const {
+    const std::string home = folder_.path().string();
+    return "/usr/bin/env VANTORIX_MUSIC='" + setup_.music + "' VANTORIX_AUDIO=" + setup_.audio +
+           " XDG_DATA_HOME=" + home + "/data XDG_CONFIG_HOME=" + home + "/config XDG_MUSIC_DIR=" + home +
+           " " + setup_.plugin;
+  }
+
+  TempFolder folder_;
+  Setup setup_;
+  BusDaemon bus_{{{"org.vantorix.vxif_WMP9", pluginCommand()}}};
+  std::unique_ptr<Process> server_;
+  int port_ = 0;
+};
+
+}  // namespace support

@@ -1,0 +1,37 @@
+#pragma once
+#include <filesystem>
+#include <string>
+
+#include "engine/demo/Sound.hpp"
+#include "engine/demo/Tags.hpp"
+#include "support/TempFolder.hpp"
+
+namespace support {
+
+/// A music folder of three short tagged pieces of one album.
+class SmallMusic {
+ public:
+  /// `seconds`: the length of each piece.
+  explicit SmallMusic(double seconds = 20) {
+    const char* titles[] = {"One", "Two", "Three"};
+    for (int i = 0; i < 3; ++i) add(titles[i], i + 1, seconds);
+  }
+  void add(const std::string& title, int track, double seconds) const {
+    const std::string path = (folder_.path() / (title + ".flac")).string();
+    engine::demo::WriteSound(path, engine::demo::Tone(220.0 * track, seconds, 8000),
+                             engine::demo::FileFormat::kFlac);
+    engine::TrackTags tags;
+    tags.title = title;
+    tags.artist = "The Testers";
+    tags.album = "Counting";
+    tags.genre = "Numbers";
+    tags.track = track;
+    engine::demo::WriteTags(path, tags);
+  }
+  [[nodiscard]] std::string path() const { return folder_.path().string(); }
+
+ private:
+  TempFolder folder_;
+};
+
+}  // namespace support
