@@ -79,15 +79,15 @@ class Preferences : public player::PlayerSettings {
     throw base::Failure(base::number::kInvalidArgument);
   }
   void setMode(const std::string& mode, bool value) override {
-    if (base::SameText(mode, "loop")) {
+    const bool changed = getMode(mode) != value;
+    const bool loop = base::SameText(mode, "loop");
+    if (loop)
       playback_.loop(value);
-      changed_("Loop", value);
-    } else if (base::SameText(mode, "shuffle")) {
+    else
       playback_.shuffle(value);
-      changed_("Shuffle", value);
-    } else {
-      throw base::Failure(base::number::kInvalidArgument);
-    }
+    // Told is a change, not a call: a caller that sends the present mode round again must hear nothing, or it
+    // would save the mode that a new player begins with over the one it is about to read.
+    if (changed) changed_(loop ? "Loop" : "Shuffle", value);
   }
 
   [[nodiscard]] std::string mediaAccessRights() const override { return rights_; }

@@ -207,16 +207,17 @@ TEST_F(Playing, AnAlbumHasNoGapBetweenItsTracks) {
   EXPECT_LT(worst, 0.01F);
 }
 
-TEST_F(Playing, ShuffleAndLoopAreToldEachTimeTheyAreSet) {
+TEST_F(Playing, ShuffleAndLoopAreToldWhenTheyChange) {
   start();
-  player->settings().setMode("LOOP", false);
+  player->settings().setMode("LOOP", false);  // as it was: nothing to tell
   player->settings().setMode("shuffle", true);
+  player->settings().setMode("Loop", true);
   EXPECT_TRUE(player->settings().getMode("Shuffle"));
-  EXPECT_FALSE(player->settings().getMode("loop"));
+  EXPECT_TRUE(player->settings().getMode("loop"));
   EXPECT_TRUE(told.modes.empty());
   ASSERT_TRUE(until([&] { return told.modes.size() == 2; }));
-  EXPECT_EQ(told.modes[0], std::make_pair(std::string("Loop"), false));
-  EXPECT_EQ(told.modes[1], std::make_pair(std::string("Shuffle"), true));
+  EXPECT_EQ(told.modes[0], std::make_pair(std::string("Shuffle"), true));
+  EXPECT_EQ(told.modes[1], std::make_pair(std::string("Loop"), true));
   EXPECT_THROW(player->settings().setMode("dim", true), base::Failure);
 }
 
