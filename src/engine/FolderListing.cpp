@@ -59,10 +59,10 @@ FolderListing ListFolder(const std::string& path) {
     }
     if (entry->d_name[0] == '.') continue;
     const bool mayBeFolder = entry->d_type != DT_REG;
-    std::string full = path + '/' + entry->d_name;
-    const bool media = KindByName(full) != MediaKind::kNone;
+    const bool media = KindByName(entry->d_name) != MediaKind::kNone;
     if (!media && !mayBeFolder) continue;
     if (::fstatat(descriptor, entry->d_name, &info, 0) != 0) continue;  // gone, or a link to nowhere
+    std::string full = path + '/' + entry->d_name;
     if (S_ISDIR(info.st_mode)) {
       listing.folders.push_back({std::move(full), {info.st_dev, info.st_ino}});
     } else if (media && S_ISREG(info.st_mode)) {

@@ -64,8 +64,8 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
   Scanner::Settings settings;
   settings.roots = config.musicFolders;
   settings.workers = config.tagWorkers;
-  scanner_ =
-      std::make_unique<Scanner>(std::move(settings), std::move(store), records, [this](LibraryChange change) {
+  scanner_ = std::make_unique<Scanner>(
+      std::move(settings), std::move(store), std::move(records), [this](LibraryChange change) {
         post_([this, change = std::make_shared<LibraryChange>(std::move(change))] {
           take(std::move(*change));
         });

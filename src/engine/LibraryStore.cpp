@@ -49,6 +49,7 @@ LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
 }
 
 void LibraryStore::close() {
+  records_.clear();
   put_.reset();
   remove_.reset();
   database_.reset();
@@ -68,20 +69,13 @@ void LibraryStore::open(const std::string& path) {
   }
   database_->run(kColumns);
   database_->run(("PRAGMA user_version=" + std::to_string(kVersion)).c_str());
-  {
-    Statement check(database_->handle(), "PRAGMA quick_check(1)");
-    if (!check.step() || check.text(0) != "ok") {
-      throw DamagedDatabase(base::number::kDeviceIo, "damaged");
-    }
-    while (check.step()) {
-    }
-  }
   put_.emplace(database_->handle(),
                "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
   remove_.emplace(database_->handle(), "DELETE FROM tracks WHERE path = ?");
+  records_ = readAll();
 }
 
-std::vector<FileRecord> LibraryStore::load() {
+std::vector<FileRecord> LibraryStore::readAll() {
   std::vector<FileRecord> records;
   Statement rows(database_->handle(), "SELECT * FROM tracks ORDER BY path");
   while (rows.step()) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/Sqlite.hpp"
@@ -20,14 +21,17 @@ class LibraryStore {
   /// nothing can be written, the index lives in memory. Either is told in one line through `log`.
   LibraryStore(const std::string& folder, const LogLine& log);
 
-  [[nodiscard]] std::vector<FileRecord> load();
+  /// What the index held when it was opened, by path. To be asked once.
+  [[nodiscard]] std::vector<FileRecord> load() { return std::move(records_); }
   /// Writes all of it in one transaction. Throws number 57.
   void apply(const std::vector<FileRecord>& changed, const std::vector<std::string>& removed);
 
  private:
   void open(const std::string& path);
   void close();
+  std::vector<FileRecord> readAll();
 
+  std::vector<FileRecord> records_;
   std::unique_ptr<Database> database_;
   std::optional<Statement> put_;
   std::optional<Statement> remove_;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -30,14 +31,16 @@ void Wake(const FileDescriptor& wake) {
 
 }  // namespace
 
-Scanner::Scanner(Settings settings, std::unique_ptr<LibraryStore> store, const std::vector<FileRecord>& known,
+Scanner::Scanner(Settings settings, std::unique_ptr<LibraryStore> store, std::vector<FileRecord> known,
                  Deliver deliver)
     : settings_(std::move(settings)),
       store_(std::move(store)),
       deliver_(std::move(deliver)),
       lastFlush_(std::chrono::steady_clock::now()),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  for (const FileRecord& record : known) known_[record.path] = {record.stamp, 0, record.added};
+  for (FileRecord& record : known) {
+    known_.emplace_hint(known_.end(), std::move(record.path), Known{record.stamp, 0, record.added});
+  }
   for (const std::string& path : settings_.roots) roots_.push_back({path});
   thread_ = std::thread([this] { run(); });
 }
@@ -141,7 +144,7 @@ void Scanner::scanRoot(Root& root) {
     return;
   }
   // An emptied folder looks like one whose disc is not mounted, unless we have seen this very one in use.
-  const std::size_t met = walk(root.path);
+  const std::size_t met = walk(root.path, listing.identity);
   if (met == 0 && root.identity != listing.identity && knownBelow(root.path) > 0 && !stopping_) {
     keepRoot(root, SafeName(root.path) + " is empty, perhaps not mounted");
     return;
@@ -162,21 +165,19 @@ void Scanner::keepRoot(Root& root, const std::string& reason) {
       (kept > 0 ? "; its " + std::to_string(kept) + " files stay in the library" : ""));
 }
 
-std::size_t Scanner::walk(const std::string& folder) {
+std::size_t Scanner::walk(const std::string& folder, const FolderIdentity& identity) {
   std::size_t met = 0;
-  std::vector<std::string> open{folder};
+  std::vector<ListedFolder> open{{folder, identity}};
   while (!open.empty() && !stopping_) {
-    const std::string current = std::move(open.back());
+    const auto [current, currentIdentity] = std::move(open.back());
     open.pop_back();
     try {
-      if (!claim(IdentityOf(current), current)) continue;
+      if (!claim(currentIdentity, current)) continue;
       watch(current);  // before it is read, so that nothing falls between
       FolderListing listing = ListFolder(current);
-      for (const ListedFile& file : listing.files) visit(file);
+      visit(listing.files);
       met += listing.files.size();
-      for (auto sub = listing.folders.rbegin(); sub != listing.folders.rend(); ++sub) {
-        open.push_back(std::move(sub->path));
-      }
+      std::move(listing.folders.rbegin(), listing.folders.rend(), std::back_inserter(open));
     } catch (const base::Failure& failure) {
       unreadable_.push_back(current);
       if (current != folder && failure.number() != base::number::kPathNotFound) {
@@ -221,13 +222,11 @@ void Scanner::lookAgain(const std::string& folder) {
     return;
   }
   std::set<std::string> present;
-  for (const ListedFile& file : listing.files) {
-    present.insert(file.path);
-    visit(file);
-  }
+  for (const ListedFile& file : listing.files) present.insert(file.path);
+  visit(listing.files);
   for (const ListedFolder& sub : listing.folders) {
     present.insert(sub.path);
-    if (!watch_.covers(sub.path)) walk(sub.path);
+    if (!watch_.covers(sub.path)) walk(sub.path, sub.identity);
   }
   std::vector<std::string> gone;
   const std::string below = folder + '/';
@@ -242,11 +241,20 @@ void Scanner::lookAgain(const std::string& folder) {
   for (const std::string& path : gone) remove(path);
 }
 
-void Scanner::visit(const ListedFile& file) {
-  const auto known = known_.find(file.path);
-  if (known != known_.end()) {
-    known->second.scan = scan_;
-    if (known->second.stamp == file.stamp) return;
+void Scanner::visit(const std::vector<ListedFile>& files) {
+  // Both are in the order of their paths, so the next known one is nearly always a step away.
+  auto place = known_.end();
+  for (const ListedFile& file : files) {
+    if (place != known_.end()) ++place;
+    if (place == known_.end() || place->first != file.path) place = known_.find(file.path);
+    visit(file, place != known_.end() ? &place->second : nullptr);
+  }
+}
+
+void Scanner::visit(const ListedFile& file, Known* known) {
+  if (known != nullptr) {
+    known->scan = scan_;
+    if (known->stamp == file.stamp) return;
   }
   FileRecord record;
   record.path = file.path;

@@ -42,8 +42,8 @@ class Scanner {
   /// Called on the scanner's thread.
   using Deliver = std::function<void(LibraryChange)>;
 
-  /// `known` is what the index holds.
-  Scanner(Settings settings, std::unique_ptr<LibraryStore> store, const std::vector<FileRecord>& known,
+  /// `known` is what the index holds, by path.
+  Scanner(Settings settings, std::unique_ptr<LibraryStore> store, std::vector<FileRecord> known,
           Deliver deliver);
   /// Stops the scan wherever it is; what was read so far is in the index.
   ~Scanner();
@@ -75,10 +75,11 @@ class Scanner {
   void scanAll();
   void scanRoot(Root& root);
   /// Reads the folder and all below it. Answers the number of media files met.
-  std::size_t walk(const std::string& folder);
+  std::size_t walk(const std::string& folder, const FolderIdentity& identity);
   void lookAgain(const std::string& folder);
   void watch(const std::string& folder);
-  void visit(const ListedFile& file);
+  void visit(const std::vector<ListedFile>& files);
+  void visit(const ListedFile& file, Known* known);
   /// True when the folder was not met under another path that still leads to it.
   bool claim(const FolderIdentity& identity, const std::string& folder);
   [[nodiscard]] std::size_t knownBelow(const std::string& folder) const;

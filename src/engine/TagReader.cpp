@@ -64,13 +64,19 @@ std::uint16_t Number(const std::string& text) {
 
 }  // namespace
 
-MediaKind KindByName(const std::string& path) {
-  const std::string name = FileName(path);
+MediaKind KindByName(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
   const auto dot = name.rfind('.');
-  if (dot == std::string::npos || dot == 0) return MediaKind::kNone;
-  const std::string ending = base::LowerCase(name.substr(dot + 1));
+  if (dot == std::string_view::npos || dot == 0) return MediaKind::kNone;
+  // Asked for every file of every scan, so without a text of its own; endings are plain letters.
+  std::array<char, 8> folded{};
+  const std::string_view ending = name.substr(dot + 1);
+  if (ending.size() > folded.size()) return MediaKind::kNone;
+  std::size_t size = 0;
+  for (const char c : ending) folded.at(size++) = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  const std::string_view lower(folded.data(), size);
   const auto among = [&](const auto& endings) {
-    return std::find(endings.begin(), endings.end(), ending) != endings.end();
+    return std::find(endings.begin(), endings.end(), lower) != endings.end();
   };
   if (among(kAudioEndings)) return MediaKind::kAudio;
   return among(kVideoEndings) ? MediaKind::kVideo : MediaKind::kNone;

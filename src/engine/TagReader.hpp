@@ -1,12 +1,13 @@
 #pragma once
 #include <string>
+#include <string_view>
 
 #include "engine/Track.hpp"
 
 namespace engine {
 
 /// What a file's name says it is. Files of no kind are never opened.
-MediaKind KindByName(const std::string& path);
+MediaKind KindByName(std::string_view path);
 
 /// The file's name without folder and ending, as well-formed text.
 std::string TitleFromPath(const std::string& path);

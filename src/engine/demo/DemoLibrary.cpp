@@ -60,7 +60,9 @@ bool MakeDemoLibrary(const std::string& folder, const std::function<void(const s
       return false;
     }
     // Hidden, so that a player watching the folder above does not look into it.
-    Unfinished made(place.parent_path() / ("." + place.filename().string() + ".part"));
+    std::string hidden = ".";
+    hidden += place.filename().string();
+    Unfinished made(place.parent_path() / (hidden + ".part"));
     for (const Piece& piece : pieces) {
       told(piece.file + ": " + piece.tags.artist + ", " + piece.tags.title);
       Make(made.path(), piece);
