@@ -1,0 +1,41 @@
+#include "web/FormData.hpp"
+
+#include <algorithm>
+
+#include "base/Failure.hpp"
+
+namespace web {
+
+namespace {
+
+unsigned Digit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+  throw base::Failure(base::number::kTypeMismatch);
+}
+
+}  // namespace
+
+std::string DecodeUrl(std::string_view text) {
+  std::string decoded;
+  decoded.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '+') {
+      decoded += ' ';
+    } else if (text[at] == '%') {
+      if (text.size() - at < 3) throw base::Failure(base::number::kTypeMismatch);
+      decoded += static_cast<char>(Digit(text[at + 1]) * 16 + Digit(text[at + 2]));
+      at += 2;
+    } else {
+      decoded += text[at];
+    }
+  }
+  return decoded;
+}
+
+FormArgs FormSlots(std::string_view data) {
+  return FormArgs(static_cast<std::size_t>(std::count(data.begin(), data.end(), '=')) + 1);
+}
+
+}  // namespace web
