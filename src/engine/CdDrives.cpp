@@ -80,7 +80,7 @@ class Drive : public player::Cdrom {
       if (tags.artist.empty()) tags.artist = album.albumArtist;
       tags.milliseconds = cdio_get_track_sec_count(disc.get(), track) * 1000 / CDIO_CD_FRAMES_PER_SEC;
       items.push_back(
-          std::make_shared<LooseMedia>("cdda://" + std::to_string(track) + device_, std::move(tags)));
+          std::make_shared<LooseMedia>("cdda://" + device_ + "#" + std::to_string(track), std::move(tags)));
     }
     return std::make_shared<ListPlaylist>(album.album.empty() ? "Audio CD" : album.album, std::move(items));
   }

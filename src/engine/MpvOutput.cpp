@@ -81,7 +81,13 @@ void MpvOutput::forget() {
 
 void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
   locations_[entry] = location;
-  mpv_.command(entry, {"loadfile", Openable(location), how});
+  const auto mark = location.rfind('#');
+  if (location.rfind("cdda://", 0) != 0 || mark == std::string::npos) {
+    mpv_.command(entry, {"loadfile", Openable(location), how});
+    return;
+  }
+  const std::string track = location.substr(mark + 1);  // the decoder takes a disc for one file
+  mpv_.command(entry, {"loadfile", location.substr(0, mark), how, "cdda-span=" + track + "-" + track});
 }
 
 void MpvOutput::load(EntryId entry, const std::string& location) {

@@ -46,7 +46,10 @@ void TurnFor(bus::PollLoop& loop, std::chrono::milliseconds time);
 /// Everything the player tells.
 class Recorder : public player::WMP9Events {
  public:
-  void PlayStateChange(std::int32_t newState) override { states.push_back(newState); }
+  void PlayStateChange(std::int32_t newState) override {
+    states.push_back(newState);
+    times.push_back(std::chrono::steady_clock::now());
+  }
   void ModeChange(const std::string& modeName, bool newValue) override {
     modes.emplace_back(modeName, newValue);
   }
@@ -59,6 +62,7 @@ class Recorder : public player::WMP9Events {
   void DoubleClick() override {}
 
   std::vector<std::int32_t> states;
+  std::vector<std::chrono::steady_clock::time_point> times;  ///< of the states
   std::vector<std::pair<std::string, bool>> modes;
   int errors = 0;
   int mediaChanges = 0;

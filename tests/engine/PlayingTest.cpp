@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 
 #include "base/Failure.hpp"
 #include "engine/ErrorList.hpp"
@@ -132,6 +133,36 @@ TEST_F(Playing, TimeIsRealWithoutADevice) {
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
   EXPECT_GT(took.count(), 1.2);
   EXPECT_LT(took.count(), 4.0);
+}
+
+TEST_F(Playing, AnItemsEndIsToldWhenItsSoundHasEnded) {
+  config.untimed = false;
+  addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 1.0);
+  addTrack("2.wav", "Two", "Ann", "Blue", "Jazz", 2, 1.0);
+  startWith(2);
+  player->currentPlaylist(player->mediaCollection().getAll());
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  ASSERT_THAT(told.states, ElementsAre(10, 9, 3, 8, 9, 3, 8, 1));
+  const auto seconds = [&](std::size_t from, std::size_t to) {
+    return std::chrono::duration<double>(told.times[to] - told.times[from]).count();
+  };
+  EXPECT_GT(seconds(2, 3), 0.9);
+  EXPECT_GT(seconds(5, 6), 0.9);
+  EXPECT_LT(seconds(2, 6), 5.0);
+}
+
+TEST_F(Playing, ADiscPlaysItsTracks) {
+  std::ofstream(folder / "disc.bin", std::ios::binary) << std::string(std::size_t{5} * 75 * 2352, '\0');
+  std::ofstream(folder / "disc.cue") << "FILE \"disc.bin\" BINARY\n"
+                                        "  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n"
+                                        "  TRACK 02 AUDIO\n    INDEX 01 00:02:00\n";
+  config.cdDevices = {folder / "disc.cue"};
+  start();
+  player->currentPlaylist(player->cdromCollection().item(0)->playlist());
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 9, 3, 8, 1));
 }
 
 TEST_F(Playing, AMachineWithoutSoundPlaysInSilence) {
