@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <string>
 
 #include "Headless.hpp"
 #include "base/Attempt.hpp"
@@ -25,15 +26,20 @@ std::string BusAddress() {
   return starter != nullptr ? starter : bus::HouseBusAddress();
 }
 
-/// The player's configuration; one that can't be read is told of and leaves the defaults.
-engine::Config PlayerConfig() {
+/// The player's configuration. One that can't be read leaves the defaults, and `problem` says why.
+engine::Config PlayerConfig(std::string& problem) {
   engine::Config config = engine::DefaultConfig();
   try {
     config = engine::LoadConfig(engine::DefaultConfigPath());
   } catch (const base::Failure& failure) {
-    std::fprintf(stderr, "Media Player: %s\n", failure.what());
+    problem = failure.description();
   }
-  if (const char* folder = std::getenv("VANTORIX_MUSIC")) config.musicFolders = {folder};
+  if (const char* folder = std::getenv("VANTORIX_MUSIC")) {
+    const std::string playlists = "/Playlists";
+    if (config.playlistFolder == config.musicFolders.front() + playlists)
+      config.playlistFolder = folder + playlists;
+    config.musicFolders = {folder};
+  }
   if (const char* output = std::getenv("VANTORIX_AUDIO")) config.audioOutput = output;
   return config;
 }
@@ -48,16 +54,19 @@ int Serve() {
   plugin::LibraryCalls library;
   plugin::MediaEvents mediaEvents;
   plugin::WebForms pages;
-  const engine::Config config = PlayerConfig();
+  std::string configProblem;
+  const engine::Config config = PlayerConfig(configProblem);
   plugin::Plugin* owner = nullptr;
+  const auto tell = [&owner](const std::string& line) {
+    base::Attempt step;
+    step([&] { owner->host.WriteLog("Warning", "Media Player: " + line); });
+  };
 
   plugin::Plugin plugin({loop,
                          platform,
                          [&](player::WMP9Events& events) {
-                           return engine::MakePlayer(loop, config, events, [&](const std::string& line) {
-                             base::Attempt step;
-                             step([&] { owner->host.WriteLog("Warning", "Media Player: " + line); });
-                           });
+                           if (!configProblem.empty()) tell(configProblem);
+                           return engine::MakePlayer(loop, config, events, tell);
                          },
                          popup,
                          {library, mediaEvents, desktop, pages, objects}});

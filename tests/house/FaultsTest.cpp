@@ -29,6 +29,23 @@ TEST(AHouseOfAnOldVersion, ShowsWhyThePlugInRefuses) {
   EXPECT_EQ(house.state()["devices"].size(), 0U);
 }
 
+TEST(APlayerConfiguration, ThatRefusesTheLibraryIsShownAsTheReason) {
+  const support::SmallMusic music(1);
+  support::RealHouse house({.music = music.path()});
+  house.configurePlayer("[library]\naccess = none\n");
+  house.start();
+  ASSERT_TRUE(house.becomes("failed"));
+  EXPECT_EQ(house.state()["plugin"]["reason"], "Windows Media Player - Media Library, permission denied");
+}
+
+TEST(APlayerConfiguration, ThatCannotBeUnderstoodIsToldWithItsLineAndTheHouseIsReady) {
+  const support::SmallMusic music(1);
+  support::RealHouse house({.music = music.path()});
+  house.configurePlayer("[library]\nfolder = /music\nvolume eleven\n");
+  ASSERT_TRUE(house.startReady());
+  EXPECT_TRUE(house.logHas("line 3: \"volume eleven\" is not understood"));
+}
+
 TEST(AHouseWithoutAFreeHouseCode, ShowsWhyThePlugInFailed) {
   const support::SmallMusic music(1);
   support::RealHouse house({.music = music.path()});

@@ -83,7 +83,8 @@ TEST(APulledPlug, OneHundredTimesLosesNothingAcknowledged) {
   ASSERT_TRUE(house.startReady()) << house.server().output();
   EXPECT_EQ(house.device("Status")["address"], address);
   std::size_t own = 0;
-  for (const auto& device : house.state()["devices"]) own += device["location"] == "Media Player" ? 1 : 0;
+  const auto state = house.state();
+  for (const auto& device : state["devices"]) own += device["location"] == "Media Player" ? 1 : 0;
   EXPECT_EQ(own, 10U);
   house.press("Status", "Restart");
   EXPECT_TRUE(support::Eventually([&] { return house.log().find("Playback Started") != std::string::npos; }));

@@ -56,6 +56,10 @@ class FakePlayer : public player::WMP9,
   std::map<std::string, bool> modes;
   bool answersModes = true;  ///< sends ModeChange when setMode changes one
   player::MediaRef media;
+  player::PlaylistRef playlist;
+  double position = 0;
+  player::MediaCollection* mediaLibrary = nullptr;  ///< such as those of a FakeLibrary
+  player::PlaylistCollection* playlistLibrary = nullptr;
   std::vector<player::ErrorItem> errors;
   std::int32_t drives = 1;
   bool ignoresMute = false;
@@ -68,9 +72,15 @@ class FakePlayer : public player::WMP9,
   player::Controls& controls() override { return *this; }
   player::PlayerSettings& settings() override { return *this; }
   [[nodiscard]] player::MediaRef currentMedia() const override { return media; }
-  void currentMedia(const player::MediaRef& value) override { media = value; }
-  [[nodiscard]] player::PlaylistRef currentPlaylist() const override { return nullptr; }
-  void currentPlaylist(const player::PlaylistRef& /*playlist*/) override { told("currentPlaylist"); }
+  void currentMedia(const player::MediaRef& value) override {
+    told("currentMedia " + (value ? value->name() : "nothing"));
+    media = value;
+  }
+  [[nodiscard]] player::PlaylistRef currentPlaylist() const override { return playlist; }
+  void currentPlaylist(const player::PlaylistRef& value) override {
+    told("currentPlaylist " + (value ? value->name() : "nothing"));
+    playlist = value;
+  }
   [[nodiscard]] std::int32_t playState() const override { return state; }
   [[nodiscard]] std::string status() const override {
     if (failing.count("status") > 0) throw Failure(base::number::kDeviceIo);
@@ -82,8 +92,8 @@ class FakePlayer : public player::WMP9,
   [[nodiscard]] bool fullScreen() const override { return false; }
   void fullScreen(bool /*value*/) override {}
   [[nodiscard]] bool isOnline() const override { return false; }
-  player::MediaCollection& mediaCollection() override { throw Failure(base::number::kObjectMissing); }
-  player::PlaylistCollection& playlistCollection() override { throw Failure(base::number::kObjectMissing); }
+  player::MediaCollection& mediaCollection() override { return Present(mediaLibrary); }
+  player::PlaylistCollection& playlistCollection() override { return Present(playlistLibrary); }
 
   // Controls
   [[nodiscard]] bool isAvailable(const std::string& step) const override {
@@ -96,7 +106,7 @@ class FakePlayer : public player::WMP9,
   void fastReverse() override { told("fastReverse"); }
   void next() override { told("next"); }
   void previous() override { told("previous"); }
-  [[nodiscard]] double currentPosition() const override { return 0; }
+  [[nodiscard]] double currentPosition() const override { return position; }
   void currentPosition(double seconds) override { told("currentPosition " + std::to_string(int(seconds))); }
 
   // PlayerSettings
@@ -158,6 +168,12 @@ class FakePlayer : public player::WMP9,
     Journal& journal_;
     std::int32_t index_;
   };
+
+  template <class Collection>
+  static Collection& Present(Collection* collection) {
+    if (collection == nullptr) throw Failure(base::number::kObjectMissing);
+    return *collection;
+  }
 
   void told(const std::string& what) {
     journal_.add("player: " + what);

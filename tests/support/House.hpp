@@ -182,7 +182,8 @@ class House : public ::testing::Test {
                            return made;
                          },
                          popup,
-                         {neighbours, neighbours, neighbours, neighbours, neighbours}}};
+                         {neighbours, neighbours, neighbours, neighbours},
+                         &neighbours}};
 };
 
 }  // namespace support

@@ -27,6 +27,12 @@ class RealHouse {
   explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
   RealHouse() : RealHouse(Setup()) {}
 
+  /// Writes the player's own configuration file.
+  void configurePlayer(const std::string& text) const {
+    std::filesystem::create_directories(folder() / "config" / "vantorix");
+    std::ofstream(folder() / "config" / "vantorix" / "player.ini") << text;
+  }
+
   /// Starts the server and waits for its address.
   void start() {
     std::vector<std::string> words{STANDIN_PROGRAM, "--port", "0",           "--data",
