@@ -80,7 +80,8 @@ void PluginKeeper::launchSteps() {
   std::string refusal;
   base::ObjectRef vxif;
   try {
-    connection_.startService(address_.name);
+    // Somebody may have started it by hand.
+    if (!connection_.hasOwner(address_.name)) connection_.startService(address_.name);
     vxif = vxif_ = connection_.proxy(address_.name, address_.path);
     loop_.whileOpen([&] {
       vxif->invoke("RegisterCallback", callback_);

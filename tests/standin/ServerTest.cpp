@@ -24,12 +24,12 @@ class Server : public testing::Test {
   static void furnish(base::Object& callback, base::Object& host, const base::ObjectRef& self) {
     for (const auto& [name, code] : {std::pair("Status", 1), std::pair("Quick Album", 12)}) {
       const auto key = host.invoke("NewDevice", name);
-      base::Object& device = base::Deref(host.invoke("GetDevice", key));
-      device.put("location", "Media Player");
-      device.put("hc", "Q");
-      device.put("dc", static_cast<std::int16_t>(code));
-      device.put("interface", "Media Player");
-      device.put("misc", std::int16_t{24});
+      const base::ObjectRef device = base::ToObject(host.invoke("GetDevice", key));
+      device->put("location", "Media Player");
+      device->put("hc", "Q");
+      device->put("dc", static_cast<std::int16_t>(code));
+      device->put("interface", "Media Player");
+      device->put("misc", std::int16_t{24});
     }
     host.invoke("DeviceButtonAdd", "Q1", "Media Player", "Pause");
     host.invoke("DeviceValuesAdd", "Q12",
@@ -45,12 +45,12 @@ class Server : public testing::Test {
     host.invoke("RegisterEventCB", std::int16_t{8}, self);
     host.invoke("RegisterLink", self);
     const auto id = host.invoke("NewEvent", "Album VR");
-    base::Object& event = base::Deref(host.invoke("GetEvent", id));
-    event.put("vcmd", "Play [Album] (Blue|Green Night)");
+    const base::ObjectRef event = base::ToObject(host.invoke("GetEvent", id));
+    event->put("vcmd", "Play [Album] (Blue|Green Night)");
     const base::ObjectRef entry = base::ToObject(host.call("NewDevFunc"));
     entry->put("devid", base::Deref(host.invoke("GetDeviceEx", "Media Player Quick Album")).get("ref"));
     entry->put("func", std::int16_t{13});
-    base::Deref(event.get("ev_devices")).invoke("Add", entry);
+    base::Deref(event->get("ev_devices")).invoke("Add", entry);
     host.invoke("WriteLog", "Startup", "Media Player foreground initialization completed");
   }
   static FakePlugin::Manner furnishing() {
@@ -58,18 +58,23 @@ class Server : public testing::Test {
     manner.init = &Server::furnish;
     return manner;
   }
+  static std::string told(WebClient& web, const ServerProcess& server) {
+    return web.json("/api/state").dump() + web.json("/api/log").dump() + server.errors();
+  }
   static std::string stateOf(WebClient& web) {
     const json state = web.json("/api/state");
     return state.is_object() ? state.value("/plugin/state"_json_pointer, "") : "";
   }
   static std::int32_t refOf(WebClient& web, const std::string& name) {
-    for (const json& device : web.json("/api/state").at("devices")) {
+    const json state = web.json("/api/state");
+    for (const json& device : state.at("devices")) {
       if (device.at("name") == name) return device.at("ref").get<std::int32_t>();
     }
     return 0;
   }
   static bool logHas(WebClient& web, const std::string& text) {
-    for (const json& line : web.json("/api/log").value("lines", json::array())) {
+    const json log = web.json("/api/log");
+    for (const json& line : log.at("lines")) {
       if (line.at("text").get<std::string>().find(text) != std::string::npos) return true;
     }
     return false;
@@ -84,7 +89,7 @@ TEST_F(Server, ThePluginIsGivenItsCallbackAndThenStarted) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto calls = plugin.calls();
   ASSERT_GE(calls.size(), 2U);
   EXPECT_EQ(calls[0], "RegisterCallback");
@@ -103,7 +108,7 @@ TEST_F(Server, CommandsReachThePlugin) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const std::int32_t status = refOf(web, "Status");
   const std::int32_t quick = refOf(web, "Quick Album");
   EXPECT_EQ(web.post("/api/press", {{"ref", status}, {"caption", "Pause"}}), 200);
@@ -134,7 +139,7 @@ TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const std::int32_t ref = refOf(web, "Status");
   std::atomic<bool> pressed = false;
   std::thread press([&] {
@@ -152,7 +157,7 @@ TEST_F(Server, ALivePageHearsOfADeviceChange) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   std::string heard;
   std::atomic<bool> open = false;
   std::thread page([&] {
@@ -216,14 +221,14 @@ TEST_F(Server, ALostPluginIsShownLoggedAndStartedAgain) {
   auto plugin = std::make_unique<FakePlugin>(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   plugin.reset();
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "lost"; }));
   EXPECT_TRUE(logHas(web, "The plug-in has been lost"));
   EXPECT_TRUE(web.json("/api/state").at("menu").empty());
   EXPECT_TRUE(web.json("/api/state").at("links").empty());
   plugin = std::make_unique<FakePlugin>(bus.address());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   EXPECT_EQ(plugin->calls().at(0), "RegisterCallback");
 }
 
@@ -231,7 +236,7 @@ TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto page = web.get("/wmp_plistedit");
   ASSERT_TRUE(page);
   EXPECT_EQ(page->status, 200);
@@ -302,7 +307,7 @@ TEST_F(Server, WhatThePluginStoredSurvivesAKillOfTheServer) {
     FakePlugin plugin(bus.address(), furnishing());
     ServerProcess server(bus.address(), data);
     WebClient web(server.port());
-    ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+    ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
     plugin.withHost([](base::Object&, base::Object& host) {
       host.invoke("SaveINISetting", "Settings", "Volume", std::int32_t{77}, "vxif_WMP.ini");
       host.invoke("SetDeviceStringByName", "Media Player Status", "Stopped", true);
@@ -312,7 +317,7 @@ TEST_F(Server, WhatThePluginStoredSurvivesAKillOfTheServer) {
   FakePlugin plugin(bus.address());
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
-  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   plugin.withHost([](base::Object&, base::Object& host) {
     EXPECT_EQ(host.invoke("GetINISetting", "Settings", "Volume", std::int16_t{50}, "vxif_WMP.ini"),
               base::Value("77"));

@@ -56,7 +56,7 @@ class WebClient {
 /// Asks until the answer is right or the time is over.
 template <class Question>
 bool Eventually(Question question) {
-  for (int i = 0; i < 600; ++i) {
+  for (int i = 0; i < 400; ++i) {
     if (question()) return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }

@@ -77,7 +77,7 @@ TEST_F(Web, ARequestThatIsTooLargeIsRefused) {
   EXPECT_EQ(web.postText("/api/voice", std::string((1U << 20U) + 1, 'x'), "application/json",
                          {{"Origin", web.origin()}}),
             413);
-  EXPECT_EQ(rawGet("/" + std::string(3000, 'a')), "HTTP/1.1 414 Request-URI Too Long");
+  EXPECT_EQ(rawGet("/" + std::string(3000, 'a')), "HTTP/1.1 414 URI Too Long");
 }
 
 TEST_F(Web, AChunkedRequestThatIsTooLargeIsRefused) {
