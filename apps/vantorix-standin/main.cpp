@@ -22,8 +22,6 @@ using namespace standin;  // NOLINT(google-build-using-namespace): this file is 
 int serve(const Options& options) {
   // What another server may have already is asked for first, before any data is touched.
   bus::PollLoop loop;
-  const auto onInterrupt = loop.onSignal(SIGINT, [&] { loop.quit(0); });
-  const auto onTerminate = loop.onSignal(SIGTERM, [&] { loop.quit(0); });
   bus::Connection connection(loop, options.bus);
   connection.claimName("org.vantorix.Host");
   WebPort port(options.listen, options.port);
@@ -53,6 +51,12 @@ int serve(const Options& options) {
 
   SettingsFlusher flusher(loop, house);
   PluginKeeper plugin(loop, connection, house, callback);
+  const auto end = [&] {
+    loop.quit(0);
+    plugin.endWithin(std::chrono::seconds(15));
+  };
+  const auto onInterrupt = loop.onSignal(SIGINT, end);
+  const auto onTerminate = loop.onSignal(SIGTERM, end);
   int code = 0;
   {
     LoopGate gate(loop, std::chrono::seconds(30));

@@ -40,6 +40,19 @@ PluginKeeper::PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, Hou
       startTimer_(loop.makeTimer(base::Milliseconds(1), [this] { launch(); })),
       statusTimer_(loop.makeTimer(kStatusInterval, [this] { askStatus(); })) {
   connection_.onNameLost(address_.name, [this] { lost(); });
+  house_.log.onLine = [this, told = house_.log.onLine](const LogLine& line) {
+    if (told) told(line);
+    hearLine(line);
+  };
+}
+
+void PluginKeeper::hearLine(const LogLine& line) {
+  // What fails after InitIO is told by a line alone; the plug-in then never becomes ready.
+  static constexpr std::string_view kFailed = " background initialization FAILED: ";
+  const std::size_t at = line.text.find(kFailed);
+  if (line.type != "Error" || at == std::string::npos || state_ != PluginState::kStarting) return;
+  statusTimer_->enabled(false);
+  enter(PluginState::kFailed, line.text.substr(at + kFailed.size()));
 }
 
 void PluginKeeper::enter(PluginState state, std::string reason) {
@@ -68,8 +81,9 @@ void PluginKeeper::startAgain() {
 }
 
 void PluginKeeper::launch() {
+  if (launching_) return;  // the timer comes again
   startTimer_->enabled(false);
-  if (ending_ || launching_ || vxif_) return;
+  if (ending_ || vxif_) return;
   launching_ = true;
   launchSteps();
   launching_ = false;
@@ -106,7 +120,7 @@ void PluginKeeper::launchSteps() {
     enter(PluginState::kFailed, refusal);
     return;
   }
-  statusTimer_->enabled(true);
+  if (state_ == PluginState::kStarting) statusTimer_->enabled(true);
 }
 
 void PluginKeeper::askStatus() {
@@ -182,13 +196,7 @@ void PluginKeeper::runCommands() {
 void PluginKeeper::shutDown(base::Milliseconds limit) {
   const base::ObjectRef vxif = std::exchange(vxif_, nullptr);
   if (!vxif) return;
-  const std::uint32_t process = connection_.processOf(address_.name);
-  const auto force = loop_.makeTimer(limit, [&] {
-    if (process != 0 && process != static_cast<std::uint32_t>(::getpid())) {
-      ::kill(static_cast<pid_t>(process), SIGKILL);
-    }
-  });
-  force->enabled(true);
+  endWithin(limit);
   try {
     loop_.whileOpen([&] { vxif->call("ShutdownIO"); });
   } catch (...) {
@@ -198,6 +206,17 @@ void PluginKeeper::shutDown(base::Milliseconds limit) {
                        "The plug-in did not end as asked: " + base::CurrentFailure().description());
     }
   }
+}
+
+void PluginKeeper::endWithin(base::Milliseconds limit) {
+  std::uint32_t process = 0;
+  try {
+    process = connection_.processOf(address_.name);
+  } catch (const base::Failure&) {  // there is none to end
+  }
+  if (process == 0 || process == static_cast<std::uint32_t>(::getpid())) return;
+  forceTimer_ = loop_.makeTimer(limit, [process] { ::kill(static_cast<pid_t>(process), SIGKILL); });
+  forceTimer_->enabled(true);
 }
 
 void PluginKeeper::stop(base::Milliseconds limit) {

@@ -37,6 +37,9 @@ class PluginKeeper {
   void startAgain();
   /// Has the plug-in end, and waits for it, by force after `limit`.
   void stop(base::Milliseconds limit = std::chrono::seconds(10));
+  /// Ends the plug-in by force when `stop` has not ended it in that time: a call to it may be under way, and
+  /// nothing returns before that call does.
+  void endWithin(base::Milliseconds limit);
 
   using Command = std::function<void(base::Object& vxif)>;
   /// The text is empty, or says what has gone wrong.
@@ -63,6 +66,7 @@ class PluginKeeper {
   void runCommands();
   void enter(PluginState state, std::string reason);
   bool call(const Command& command, std::string& failure);
+  void hearLine(const LogLine& line);
   void shutDown(base::Milliseconds limit);
 
   bus::PollLoop& loop_;
@@ -83,6 +87,7 @@ class PluginKeeper {
   base::Milliseconds readySince_{0};
   std::unique_ptr<base::Timer> startTimer_;
   std::unique_ptr<base::Timer> statusTimer_;
+  std::unique_ptr<base::Timer> forceTimer_;
 };
 
 }  // namespace standin

@@ -17,6 +17,8 @@ namespace support {
 class FakePlugin {
  public:
   struct Manner {
+    int statusTwice = 0;                 ///< how often InterfaceStatus says "not yet"
+    std::function<void()> end;           ///< what ShutdownIO does besides
     std::string refusal;                 ///< what InitIO answers
     std::chrono::milliseconds press{0};  ///< how long a button takes
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init;
@@ -104,13 +106,16 @@ class FakePlugin {
                                  kOperation,
                                  {},
                                  Type::kInt16,
-                                 [](Args&) { return Value(std::int16_t{0}); }},
+                                 [this](Args&) {
+                                   return Value(static_cast<std::int16_t>(manner_.statusTwice-- > 0 ? 2 : 0));
+                                 }},
                                 {"ShutdownIO",
                                  kOperation,
                                  {},
                                  Type::kNone,
                                  [this](Args&) {
                                    note("ShutdownIO");
+                                   if (manner_.end) manner_.end();
                                    return Value();
                                  }},
                                 {"SetIO",

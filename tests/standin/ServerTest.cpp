@@ -232,6 +232,67 @@ TEST_F(Server, ALostPluginIsShownLoggedAndStartedAgain) {
   EXPECT_EQ(plugin->calls().at(0), "RegisterCallback");
 }
 
+TEST_F(Server, ThePluginIsReadyWhenItSaysSo) {
+  FakePlugin::Manner slow;
+  slow.statusTwice = 3;
+  FakePlugin plugin(bus.address(), slow);
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(plugin.heard("InitIO " + std::to_string(server.port())));
+  EXPECT_EQ(stateOf(web), "starting");
+  EXPECT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
+}
+
+TEST_F(Server, AFailureAfterTheStartIsShownToo) {
+  FakePlugin::Manner failing;
+  failing.statusTwice = 1000000;
+  FakePlugin plugin(bus.address(), failing);
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(plugin.heard("InitIO " + std::to_string(server.port())));
+  plugin.withHost([](base::Object&, base::Object& host) {
+    host.invoke("WriteLog", "Error", "Media Player background initialization FAILED: no codes left");
+  });
+  EXPECT_TRUE(Eventually([&] { return stateOf(web) == "failed"; }));
+  EXPECT_EQ(web.json("/api/state").at("plugin").at("reason"), "no codes left");
+}
+
+class ServerWithService : public Server {
+ protected:
+  /// The process behind the plug-in's name.
+  pid_t process() const {
+    bus::PollLoop loop;
+    bus::Connection connection(loop, services.address());
+    return connection.hasOwner(kName) ? static_cast<pid_t>(connection.processOf(kName)) : 0;
+  }
+  static constexpr const char* kName = "org.vantorix.vxif_WMP9";
+  support::BusDaemon services{{{kName, FAKE_PLUGIN}}};
+};
+
+TEST_F(ServerWithService, TheBusStartsThePluginAndAKilledOneIsStartedAgain) {
+  ServerProcess server(services.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  const pid_t first = process();
+  ASSERT_GT(first, 0);
+  kill(first, SIGKILL);
+  ASSERT_TRUE(Eventually([&] { return logHas(web, "The plug-in has been lost"); }));
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  EXPECT_NE(process(), first);
+  EXPECT_EQ(server.end(), 0);
+  EXPECT_EQ(process(), 0);
+}
+
+TEST_F(ServerWithService, APluginThatDoesNotEndIsEndedByForce) {
+  const support::BusDaemon stubborn{{{kName, std::string(FAKE_PLUGIN) + " stubborn"}}};
+  ServerProcess server(stubborn.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.end(), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(25));
+}
+
 TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);

@@ -1,0 +1,22 @@
+// A plug-in for the bus to start. With the word "stubborn" it does not end when it is asked to.
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "standin/FakePlugin.hpp"
+
+int main(int argc, char** argv) {
+  const char* address = std::getenv("DBUS_STARTER_ADDRESS");
+  if (address == nullptr) return 1;
+  support::FakePlugin::Manner manner;
+  const bool stubborn = argc > 1 && std::string(argv[1]) == "stubborn";
+  manner.end = [stubborn] {
+    if (!stubborn) _exit(0);
+    std::this_thread::sleep_for(std::chrono::minutes(5));
+  };
+  const support::FakePlugin plugin(address, manner);
+  for (;;) pause();
+}
