@@ -15,23 +15,23 @@ namespace {
 
 struct DeviceRow {
   std::int16_t code;
-  const char* name;
   std::int16_t misc;
+  const char* name;
   std::initializer_list<const char*> buttons;
 };
 
 /// The devices that start-up makes. Codes are fixed: devices are recognised by code or full name.
 const DeviceRow kDevices[] = {
-    {1, "Status", 16, {"Pause", "Stop", "Next", "Prev", "Restart"}},
-    {2, "Title", 16, {"Add to PlayList"}},
-    {3, "Album", 16, {}},
-    {4, "Artist", 16, {}},
-    {5, "Genre", 16, {}},
-    {6, "Length", 16, {}},
-    {7, "Loop Mode", 24, {"Loop toggle"}},
-    {8, "Shuffle Mode", 24, {"Shuffle toggle"}},
-    {9, "Mute", 24, {"Mute toggle", "Vol Down", "Vol Up"}},
-    {10, "Display Controls", 24, {"Show/Hide Controls"}},
+    {1, 16, "Status", {"Pause", "Stop", "Next", "Prev", "Restart"}},
+    {2, 16, "Title", {"Add to PlayList"}},
+    {3, 16, "Album", {}},
+    {4, 16, "Artist", {}},
+    {5, 16, "Genre", {}},
+    {6, 16, "Length", {}},
+    {7, 24, "Loop Mode", {"Loop toggle"}},
+    {8, 24, "Shuffle Mode", {"Shuffle toggle"}},
+    {9, 24, "Mute", {"Mute toggle", "Vol Down", "Vol Up"}},
+    {10, 24, "Display Controls", {"Show/Hide Controls"}},
 };
 
 constexpr std::int16_t kIoType = 3;
@@ -96,7 +96,7 @@ std::string Devices::CreateDevices() {
 Value Devices::InitDevice(const std::string& name, std::int16_t code, std::int16_t misc) {
   return base::Handled(
       [&] {
-        const Value ref = host_.NewDevice(name);
+        Value ref = host_.NewDevice(name);
         const base::ObjectRef device = host_.GetDevice(ref);
         base::Object& fields = Deref(device);
         fields.put("location", plugin::kName);

@@ -11,7 +11,7 @@ namespace {
 /// One call by name. The object is kept while the call lasts: shutting down within it clears the reference.
 template <class... T>
 Value Ask(const ObjectRef& target, std::string_view name, T&&... arguments) {
-  const ObjectRef kept = target;
+  const ObjectRef kept = target;  // NOLINT(performance-unnecessary-copy-initialization)
   return Deref(kept).invoke(name, std::forward<T>(arguments)...);
 }
 

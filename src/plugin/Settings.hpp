@@ -13,12 +13,12 @@ class Settings {
   explicit Settings(HostServices& host) : host_(host) {}
 
   /// What is stored, as it comes, or the default unchanged.
-  base::Value raw(const std::string& key, const base::Value& fallback) const;
+  [[nodiscard]] base::Value raw(const std::string& key, const base::Value& fallback) const;
   /// "True", "False" or a number. Throws number 13, naming the key, for any other text.
-  bool flag(const std::string& key, bool fallback) const;
+  [[nodiscard]] bool flag(const std::string& key, bool fallback) const;
   /// The numeric value that the stored text begins with.
-  double number(const std::string& key, std::int16_t fallback) const;
-  std::string text(const std::string& key, const std::string& fallback) const;
+  [[nodiscard]] double number(const std::string& key, std::int16_t fallback) const;
+  [[nodiscard]] std::string text(const std::string& key, const std::string& fallback) const;
   /// Booleans are handed over as booleans, positions as singles, the volume as a 32-bit integer.
   void save(const std::string& key, const base::Value& value);
 
