@@ -215,7 +215,7 @@ void MpvOutput::tellHeld() {
 void MpvOutput::fileEnded(const mpv_event_end_file& end) {
   const EntryId entry = entryOf(end.playlist_entry_id);
   files_.erase(end.playlist_entry_id);
-  opening_ = false;
+  const bool silent = std::exchange(opening_, false);
   if (entry == 0) return;
   if (end.reason == MPV_END_FILE_REASON_REDIRECT) {
     for (int i = 0; i < end.playlist_insert_num_entries; ++i) files_[end.playlist_insert_id + i] = entry;
@@ -227,9 +227,10 @@ void MpvOutput::fileEnded(const mpv_event_end_file& end) {
   if (more) return;  // an address that led to several
   if (held_ != 0) tellHeld();
   if (!locations_.contains(entry)) return;
-  if (end.reason == MPV_END_FILE_REASON_ERROR) {
+  if (end.reason == MPV_END_FILE_REASON_ERROR || silent) {
     locations_.erase(entry);
-    events_->failed(entry, mpv_error_string(end.error));
+    events_->failed(entry,
+                    silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error));
     return;
   }
   held_ = entry;

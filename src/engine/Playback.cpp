@@ -221,7 +221,6 @@ void Playback::lengthKnown(EntryId entry, double seconds) {
 
 void Playback::started(EntryId entry) {
   if (entry != entry_ || entry == 0) return;
-  failures_ = 0;
   if (startAt_ > 0) output_.seek(startAt_);
   startAt_ = 0;
   prepareNext();
@@ -231,6 +230,7 @@ void Playback::started(EntryId entry) {
 void Playback::ended(EntryId entry) {
   if (entry != entry_ || entry == 0) return;
   endScan();
+  failures_ = 0;  // only here: some broken files start well
   tell(player::kMediaEnded);
   if (entry != entry_) return;  // whoever was told has chosen something else
   if (nextEntry_ != 0 && nextIndex_ < queue_.count()) {

@@ -174,6 +174,7 @@ class Player : public player::WMP9 {
   }
 
   void libraryChanged() {
+    playlists_.libraryChanged();
     if (!ownChoice_) playback_.refresh(library_.getAll());
     events_.MediaCollectionChange();
   }

@@ -45,6 +45,13 @@ class StoredPlaylist : public ListPlaylist {
   void stamp(const FileStamp& value) { stamp_ = value; }
   void moved(std::string path) { path_ = std::move(path); }
   void disown() { owner_ = nullptr; }
+  void adopt(const Library& library) {
+    for (player::MediaRef& item : own()) {
+      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) continue;
+      auto known = library.mediaAt(LocationOf(*item));
+      if (dynamic_cast<const TrackMedia*>(known.get()) != nullptr) item = std::move(known);
+    }
+  }
   /// Takes what the file says now. True when the name has changed.
   bool take(const std::string& name, std::vector<player::MediaRef> items) {
     own() = std::move(items);
@@ -137,6 +144,10 @@ StoredPlaylists::~StoredPlaylists() {
 }
 
 void StoredPlaylists::tellChanged() { events_.changed(); }
+
+void StoredPlaylists::libraryChanged() {
+  for (const auto& entry : byPath_) entry.second->adopt(library_);
+}
 
 bool StoredPlaylists::refresh() {
   bool changed = false;

@@ -31,6 +31,9 @@ class StoredPlaylists : public player::PlaylistCollection {
   StoredPlaylists(StoredPlaylists&&) = delete;
   StoredPlaylists& operator=(StoredPlaylists&&) = delete;
 
+  /// Items that the library has got to know since are its own from now on.
+  void libraryChanged();
+
   player::PlaylistArrayRef getAll() override;
   player::PlaylistArrayRef getByName(const std::string& name) override;
   /// Throws 5 for an empty name, kNameInUse, 70 where the folder can't be written.

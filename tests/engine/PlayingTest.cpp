@@ -104,6 +104,36 @@ TEST_F(Playing, AListOfBadFilesStopsEvenInALoop) {
   EXPECT_EQ(told.errors, 3);
 }
 
+TEST_F(Playing, FilesWithoutAnySoundStopEvenInALoop) {
+  for (const char* file : {"1.wav", "2.wav"}) {
+    demo::WriteSound(folder / file, demo::Silence(0), demo::FileFormat::kWav);
+  }
+  start();
+  player->URL(folder / "1.wav");
+  auto list = player->currentPlaylist();
+  player->URL(folder / "2.wav");
+  list->appendItem(player->currentMedia());
+  player->currentPlaylist(list);
+  player->settings().setMode("loop", true);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_EQ(told.errors, 2);
+}
+
+TEST_F(Playing, VeryShortItemsAllHaveTheirTurn) {
+  for (int i = 0; i < 30; ++i) {
+    demo::WriteSound(music(std::to_string(i) + ".wav"), demo::Tone(440, 0.001 * (i + 1)),
+                     demo::FileFormat::kWav);
+  }
+  startWith(30);
+  player->currentPlaylist(player->mediaCollection().getAll());
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_EQ(told.errors, 0);
+  EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kPlaying), 30);
+  EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kMediaEnded), 30);
+}
+
 TEST_F(Playing, AFolderThatVanishesWhilePlayingIsToldAndTheRestGoesOn) {
   config.untimed = false;
   addTrack("a/1.wav", "One", "Ann", "Blue", "Jazz", 1, 1.0);

@@ -129,6 +129,14 @@ TEST_F(Playlists, ThePlayerTellsOfNewAndForeignOnes) {
   EXPECT_EQ(foreign->item(1)->sourceURL(), "http://127.0.0.1/x.mp3");
 }
 
+TEST_F(Playlists, ItemsAreTheLibrarysOnceItKnowsThem) {
+  writeText(folder / "playlists/L.m3u8", "#EXTINF:1,Somebody - Else\n" + music("1.flac") + "\n");
+  begin();
+  const auto list = playlists().getByName("L")->item(0);
+  ASSERT_EQ(list->count(), 1);
+  EXPECT_TRUE(until([&] { return list->item(0)->getItemInfo("Album") == "Blue"; }));
+}
+
 TEST_F(Playlists, AForeignChangeIsSeenAtTheNextQuestion) {
   begin();
   auto list = playlists().newPlaylist("L");
