@@ -55,6 +55,7 @@ function passwordForm(user) {
   el('p', {class: 'quiet'}, user.ownerHasPassword
     ? (user.local ? 'Leave the new password empty to do without one on this machine.' : '')
     : 'Without a password everyone at this machine is the owner. Other machines are let in only with one.'),
+  el('input', {type: 'text', name: 'name', value: user.name, autocomplete: 'username', hidden: true}),
   user.ownerHasPassword ? field('Old password', 'old', 'current-password') : null,
   field('New password', 'password', 'new-password'), field('New password again', 'again', 'new-password'), button);
   return form;

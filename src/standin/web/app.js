@@ -78,7 +78,8 @@ function menuPage() {
       button.addEventListener('click', () => run(button, () => ask('/api/menu', {item})));
       return button;
     }))));
-  return el('div', {}, el('h1', {}, 'Menu'), ...groups);
+  return el('div', {}, el('h1', {}, 'Menu'), ...groups,
+    groups.length ? null : el('p', {class: 'empty'}, 'The menu fills when the player is ready.'));
 }
 
 function showPage() {
@@ -117,8 +118,8 @@ function listen() {
     if (source.readyState === EventSource.CLOSED) setTimeout(listen, 3000);
   };
   const on = (kind, handle) => source.addEventListener(kind, (event) => handle(JSON.parse(event.data)));
-  on('device', (device) => { state.devices.set(device.ref, device); deviceChanged(device); });
-  on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref); });
+  on('device', (device) => { state.devices.set(device.ref, device); deviceChanged(device, state.devices); });
+  on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref, state.devices); });
   on('log', logLine);
   on('frame', reloadSoon);
   on('launch', (url) => {

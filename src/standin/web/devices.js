@@ -1,5 +1,6 @@
 // The devices: one card each, changed in place when the house says so.
 import {ask, el, run, statusNodes, toast} from './dom.js';
+import {nowPlaying, showNowPlaying} from './nowplaying.js';
 
 const kOn = 2;
 const kOff = 3;
@@ -14,10 +15,13 @@ export function devicesPage(devices) {
   const empty = el('p', {class: 'empty', id: 'no-devices', hidden: devices.size > 0},
     'No devices yet. They appear as soon as the plug-in has made them.');
   for (const device of devices.values()) list.append(newCard(device));
-  return el('div', {}, voiceBox(), el('h1', {class: 'sr'}, 'Devices'), empty, list);
+  // The panel finds its place in the document first.
+  queueMicrotask(() => showNowPlaying(devices));
+  return el('div', {}, el('h1', {class: 'sr'}, 'Devices'), nowPlaying(), voiceBox(), empty, list);
 }
 
-export function deviceChanged(device) {
+export function deviceChanged(device, devices) {
+  showNowPlaying(devices);
   const list = document.getElementById('cards');
   if (!list) return;
   document.getElementById('no-devices').hidden = true;
@@ -32,7 +36,8 @@ export function deviceChanged(device) {
   }
 }
 
-export function deviceRemoved(ref) {
+export function deviceRemoved(ref, devices) {
+  showNowPlaying(devices);
   cards.get(ref)?.remove();
   cards.delete(ref);
   const hint = document.getElementById('no-devices');
