@@ -57,8 +57,9 @@ rm -f "$socket"
 sed -e "s|@SOCKET@|$socket|" -e "s|@SERVICES@|$services|" packaging/dbus/house.conf.in >"$config"
 
 # The bus and the plug-in that it starts get a session of their own, so that Ctrl+C reaches the server alone,
-# which then stops the plug-in in order.
-VANTORIX_MUSIC=$music setsid dbus-daemon --config-file="$config" --nofork --nopidfile &
+# which then stops the plug-in in order. What bus and plug-in have to say besides the house's log is in bus.log.
+VANTORIX_MUSIC=$music setsid dbus-daemon --config-file="$config" --nofork --nopidfile \
+  >"$run/bus.log" 2>&1 &
 bus=$!
 echo "$bus" >"$run/bus.pid"
 for _ in $(seq 100); do

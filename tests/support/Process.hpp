@@ -36,6 +36,8 @@ class Process {
       words.insert(words.begin(), variables.begin(), variables.end());
       words.insert(words.begin(), "env");
     }
+    // A test that is killed takes its programs along.
+    words.insert(words.begin(), {"setpriv", "--pdeathsig", "KILL", "--"});
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
     output_ = ends[0];
