@@ -128,8 +128,9 @@ Config LoadConfig(const std::string& path) {
     ++number;
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (!reader.line(line)) {
-      throw base::Failure(base::number::kInvalidArgument,
-                          path + ", line " + std::to_string(number) + ": \"" + line + "\" is not understood");
+      std::string text = path + ", line ";
+      text.append(std::to_string(number)).append(": \"").append(line).append("\" is not understood");
+      throw base::Failure(base::number::kInvalidArgument, text);
     }
   }
   if (config.playlistFolder == defaultPlaylists) {

@@ -66,13 +66,11 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
   settings.workers = config.tagWorkers;
   scanner_ = std::make_unique<Scanner>(
       std::move(settings), std::move(store), std::move(records), [this](LibraryChange change) {
-        post_([this, change = std::make_shared<LibraryChange>(std::move(change))] {
-          take(std::move(*change));
-        });
+        post_([this, change = std::make_shared<LibraryChange>(std::move(change))] { take(*change); });
       });
 }
 
-void Library::take(LibraryChange change) {
+void Library::take(const LibraryChange& change) {
   bool changed = false;
   for (const FileRecord& record : change.changed) {
     const bool media = record.tags.kind != MediaKind::kNone;

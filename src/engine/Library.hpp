@@ -38,7 +38,7 @@ class Library : public player::MediaCollection {
                                                            const std::string& mediaType) override;
 
  private:
-  void take(LibraryChange change);
+  void take(const LibraryChange& change);
   /// The table's track at a path, if it is in the library.
   [[nodiscard]] player::MediaRef known(const std::string& path) const;
   void noteChange();

@@ -51,7 +51,7 @@ void LibraryWatch::forgetTree(const std::string& folder) {
 
 bool LibraryWatch::read(std::set<std::string>& changed) {
   bool complete = true;
-  alignas(inotify_event) std::array<char, 64 * 1024> buffer{};
+  alignas(inotify_event) std::array<char, std::size_t{64} * 1024> buffer{};
   while (true) {
     const ssize_t size = ::read(inotify_.get(), buffer.data(), buffer.size());
     if (size <= 0) return complete;

@@ -1,4 +1,5 @@
 #pragma once
+#include <cmath>
 #include <memory>
 #include <string>
 
@@ -54,7 +55,9 @@ class LooseMedia : public EngineMedia {
   LooseMedia(std::string location, TrackTags tags) : location_(std::move(location)), tags_(std::move(tags)) {}
 
   /// Told by the decoder once it knows.
-  void duration(double seconds) { tags_.milliseconds = static_cast<std::uint32_t>(seconds * 1000 + 0.5); }
+  void duration(double seconds) {
+    tags_.milliseconds = static_cast<std::uint32_t>(std::lround(seconds * 1000));
+  }
 
   [[nodiscard]] std::string location() const override { return location_; }
   [[nodiscard]] std::string name() const override { return tags_.title; }

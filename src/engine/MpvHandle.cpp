@@ -20,8 +20,9 @@ MpvHandle::MpvHandle(const MpvOptions& options) {
   for (const auto& [name, value] : options) {
     const int result = mpv_set_option_string(handle_.get(), name.c_str(), value.c_str());
     if (result < 0) {
-      throw base::Failure(base::number::kCannotCreate, "The decoder does not take the option " + name + "=" +
-                                                           value + ": " + mpv_error_string(result));
+      std::string text = "The decoder does not take the option ";
+      text.append(name).append("=").append(value).append(": ").append(mpv_error_string(result));
+      throw base::Failure(base::number::kCannotCreate, text);
     }
   }
   const int result = mpv_initialize(handle_.get());

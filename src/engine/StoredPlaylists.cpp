@@ -1,6 +1,7 @@
 #include "engine/StoredPlaylists.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -110,7 +111,7 @@ M3u::Entry EntryOf(const player::Media& media) {
   entry.location = LocationOf(media);
   const std::string artist = media.getItemInfo("Artist");
   entry.title = artist.empty() ? media.name() : artist + " - " + media.name();
-  if (media.duration() > 0) entry.seconds = static_cast<int>(media.duration() + 0.5);
+  if (media.duration() > 0) entry.seconds = static_cast<int>(std::lround(media.duration()));
   return entry;
 }
 
@@ -256,6 +257,7 @@ player::PlaylistArrayRef StoredPlaylists::getAll() {
   std::stable_sort(order.begin(), order.end(),
                    [](const auto& left, const auto& right) { return left.first < right.first; });
   std::vector<player::PlaylistRef> playlists;
+  playlists.reserve(order.size());
   for (auto& entry : order) playlists.push_back(std::move(entry.second));
   return std::make_shared<ListPlaylistArray>(std::move(playlists));
 }

@@ -4,7 +4,7 @@
 
 namespace engine {
 namespace {
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
 }
 
 StringPool::StringPool() : ids_(64, Hash{this}, Same{this}) {
