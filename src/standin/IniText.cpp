@@ -18,10 +18,13 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+/// The mark that some editors put at the front of a file.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 bool plainText(std::string_view text) {
   if (text.empty()) return true;
-  return !isBlank(text.front()) && !isBlank(text.back()) && text.front() != '"' &&
-         std::none_of(text.begin(), text.end(), isControl);
+  return !text.starts_with(kByteOrderMark) && !isBlank(text.front()) && !isBlank(text.back()) &&
+         text.front() != '"' && std::none_of(text.begin(), text.end(), isControl);
 }
 
 bool plainKey(std::string_view text) {
@@ -136,14 +139,14 @@ const IniFile::Section* IniFile::look(std::string_view name) const {
 
 IniFile IniFile::parse(std::string_view text) {
   IniFile file;
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   std::string section;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view raw = text.substr(0, end);
+    const std::string_view raw = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
-    while (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
-    const std::string_view line = trimmed(raw);
+    std::string_view line = trimmed(raw);
+    while (!line.empty() && line.back() == '\r') line = trimmed(line.substr(0, line.size() - 1));
+    while (line.starts_with(kByteOrderMark)) line = trimmed(line.substr(kByteOrderMark.size()));
     if (line.empty()) continue;
     if (line.front() == '[' && line.back() == ']' && line.size() > 1) {
       section = meant(line.substr(1, line.size() - 2));

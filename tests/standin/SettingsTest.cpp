@@ -90,6 +90,16 @@ TEST(Settings, AnyTextSurvivesTheFile) {
   }
 }
 
+TEST(Settings, AByteOrderMarkIsNoPartOfAnyLine) {
+  const std::string once = IniFile::parse(" \xEF\xBB\xBF\n\xEF\xBB\xBFkey=1\n").format();
+  EXPECT_EQ(once, "key=1\n");
+  IniFile file;
+  file.set("", "\xEF\xBB\xBFkey", "\xEF\xBB\xBF");
+  const IniFile again = IniFile::parse(file.format());
+  ASSERT_NE(again.find("", "\xEF\xBB\xBFkey"), nullptr);
+  EXPECT_EQ(*again.find("", "\xEF\xBB\xBFkey"), "\xEF\xBB\xBF");
+}
+
 TEST(Settings, AFileEditedByHandIsReadWithItsRemarksKept) {
   const support::TempFolder folder;
   writeFile(folder.path() / "VXIF_WMP.INI",
