@@ -31,11 +31,11 @@ class Collection {
     items_.push_back(std::move(item));
   }
 
-  [[nodiscard]] std::size_t count() const { return items_.size(); }
+  [[nodiscard]] std::size_t size() const { return items_.size(); }
   [[nodiscard]] bool empty() const { return items_.empty(); }
   void reserve(std::size_t count) { items_.reserve(count); }
 
-  /// Throws number 9 outside of 1 to `count`.
+  /// Throws number 9 outside of 1 to `size`.
   [[nodiscard]] const T& item(std::int32_t index) const { return items_[at(index)]; }
   /// Throws number 5 for an unknown key.
   [[nodiscard]] const T& item(std::string_view key) const { return items_[at(key)]; }

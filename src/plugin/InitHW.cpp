@@ -84,7 +84,7 @@ std::string Lifecycle::InitHW() {
         in_.calls.SetDisplayControls(in_.settings.raw("DisplayControls", true));
         in_.state.WhileSpeaking = in_.settings.text("WhileSpeaking", "Pause");
         readFlags();
-        in_.neighbours.library.LoadNameTable();
+        in_.library.LoadNameTable();
         registerMenu();
         if (in_.state.TrayIcon) in_.neighbours.desktop.ShowTrayIcon(true);
         updateVoiceEvents();

@@ -26,10 +26,6 @@ bool HostIsNewEnough(const std::string& version) {
   return (version.substr(0, 4) == "1.6." && part(2) >= 51) || (part(0) == 1 && part(1) > 6) || part(0) > 1;
 }
 
-std::int32_t RaisedPriorityClass(std::int32_t osMajorVersion) {
-  return osMajorVersion >= 5 ? kPriorityAboveNormal : kPriorityHigh;
-}
-
 Lifecycle::Lifecycle(const LifecycleParts& parts)
     : in_(parts),
       StartInitialization_(

@@ -41,6 +41,7 @@ struct LifecycleParts {
   player::StaleMarks& stale;
   player::TriggerSink& triggers;
   automation::Devices& devices;
+  LibraryCalls& library;
   Neighbours neighbours;
 };
 
@@ -86,8 +87,5 @@ class Lifecycle {
 
 /// True for host versions from 1.6.51 on. The parts between dots compare by numeric value.
 bool HostIsNewEnough(const std::string& version);
-
-/// The priority class that `RaisePriority` asks for on a system of that major version.
-std::int32_t RaisedPriorityClass(std::int32_t osMajorVersion);
 
 }  // namespace plugin

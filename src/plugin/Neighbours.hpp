@@ -9,10 +9,20 @@
 /// nothing, which stands for a module that is not there.
 namespace plugin {
 
-/// The library's changes and requests by name.
-class LibraryCalls {
+/// Neighbours are used by reference only.
+class Neighbour {
  public:
-  virtual ~LibraryCalls() = default;
+  Neighbour() = default;
+  Neighbour(const Neighbour&) = delete;
+  Neighbour& operator=(const Neighbour&) = delete;
+  Neighbour(Neighbour&&) = delete;
+  Neighbour& operator=(Neighbour&&) = delete;
+  virtual ~Neighbour() = default;
+};
+
+/// The library's changes and requests by name.
+class LibraryCalls : public Neighbour {
+ public:
   /// Plays by name. 0 when the player was told to play.
   virtual std::int32_t WMPPlay(const std::string& /*category*/, const std::string& /*name*/,
                                const std::string& /*title*/) {
@@ -25,17 +35,15 @@ class LibraryCalls {
 };
 
 /// Quick-play devices and voice events.
-class MediaEvents {
+class MediaEvents : public Neighbour {
  public:
-  virtual ~MediaEvents() = default;
   virtual void UpdateControlEvent() {}
   virtual void UpdateMediaEvents(const std::string& /*category*/) {}
 };
 
 /// Windows of the desktop.
-class Desktop {
+class Desktop : public Neighbour {
  public:
-  virtual ~Desktop() = default;
   virtual void ShowTrayIcon(bool /*show*/) {}
   /// Takes the tray icon away.
   virtual void unloadTray() {}
@@ -47,9 +55,8 @@ class Desktop {
 };
 
 /// The plug-in's pages.
-class WebForms {
+class WebForms : public Neighbour {
  public:
-  virtual ~WebForms() = default;
   /// Loading the setup form registers the plug-in's second link.
   virtual void loadSetupForm() {}
   virtual void loadEditorForm() {}
@@ -58,14 +65,12 @@ class WebForms {
 };
 
 /// Makes public objects by their registered names. Throws number 429 for a name that is not registered.
-class ObjectFactory {
+class ObjectFactory : public Neighbour {
  public:
-  virtual ~ObjectFactory() = default;
   virtual base::ObjectRef create(const std::string& registeredName) = 0;
 };
 
 struct Neighbours {
-  LibraryCalls& library;
   MediaEvents& mediaEvents;
   Desktop& desktop;
   WebForms& web;

@@ -3,11 +3,15 @@
 
 #include "automation/Devices.hpp"
 #include "automation/Triggers.hpp"
+#include "base/DayClock.hpp"
+#include "catalogue/MediaCatalogue.hpp"
 #include "player/PlayStateTracker.hpp"
 #include "player/PlayerEvents.hpp"
 #include "plugin/Dispatch.hpp"
+#include "plugin/Library.hpp"
 #include "plugin/Lifecycle.hpp"
 #include "plugin/Vxif.hpp"
+#include "ui/ProgBar.hpp"
 
 namespace plugin {
 
@@ -18,6 +22,8 @@ struct PluginGround {
   player::PlayerFactory makePlayer;
   player::PopupView& popup;
   Neighbours neighbours;
+  LibraryCalls* library = nullptr;          ///< in the place of the plug-in's own
+  ui::ProgBarView* progressView = nullptr;  ///< none on a machine without a display
 };
 
 /// The one owner of everything that the plug-in shares: its modules are members in the order in which they
@@ -37,6 +43,15 @@ class Plugin {
   player::StateQueue queue;
   player::WMPPlayer form;
   player::WMPCalls calls;
+  base::LoopDayClock clock;
+  ui::WindowlessProgBar noProgressView;
+  ui::ProgBar progBar;
+  catalogue::NameXref nameXref;
+  player::PlayTarget playTarget;
+  catalogue::MediaCatalogue catalogue;
+  player::PlayRequests playRequests;
+  Library ownLibrary;
+  LibraryCalls& library;
   player::MediaStatus mediaStatus;
   player::PlayerEvents playerEvents;
   automation::Triggers triggers;

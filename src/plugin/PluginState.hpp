@@ -14,6 +14,11 @@ inline constexpr std::int32_t kPriorityNormal = 32;
 inline constexpr std::int32_t kPriorityHigh = 128;
 inline constexpr std::int32_t kPriorityAboveNormal = 32768;
 
+/// The priority class that `RaisePriority` asks for on a system of that major version.
+inline std::int32_t RaisedPriorityClass(std::int32_t osMajorVersion) {
+  return osMajorVersion >= 5 ? kPriorityAboveNormal : kPriorityHigh;
+}
+
 /// What the whole plug-in shares. One owner, `Plugin`, holds it; everybody else is given a reference.
 struct PluginState {
   bool Initialized = false;            ///< true from the end of background start-up to the start of shutdown

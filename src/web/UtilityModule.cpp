@@ -70,7 +70,7 @@ void SortCollection(base::TextListRef& list) {
     const std::string* text;
   };
   std::vector<Entry> entries;
-  entries.reserve(list->count());
+  entries.reserve(list->size());
   for (const std::string& text : *list) entries.push_back({base::LowerCase(text), &text});
   std::stable_sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
     const int order = left.folded.compare(right.folded);

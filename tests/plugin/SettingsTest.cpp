@@ -32,7 +32,7 @@ TEST_F(Settings, AFlagIsAWordOrANumber) {
   host->settings["trayicon"] = "0";
   EXPECT_FALSE(plugin.settings.flag("TrayIcon", true));
   host->settings["trayicon"] = "maybe";
-  EXPECT_THROW(plugin.settings.flag("TrayIcon", true), base::Failure);
+  EXPECT_THROW((void)plugin.settings.flag("TrayIcon", true), base::Failure);
 }
 
 TEST_F(Settings, BooleansAreHandedOverAsBooleans) {

@@ -1,0 +1,58 @@
+#include "catalogue/MediaKey.hpp"
+
+#include "base/Failure.hpp"
+
+namespace catalogue {
+
+namespace {
+
+bool BelongsToKey(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+unsigned Digit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+  throw base::Failure(base::number::kTypeMismatch);
+}
+
+}  // namespace
+
+bool MakeMediaKey(std::string_view name, std::string& key) {
+  key.clear();
+  key.reserve(name.size());
+  char previous = ' ';  // so that no blank comes first
+  for (const char c : name) {
+    const char kept = BelongsToKey(c) ? c : ' ';
+    if (kept != ' ' || previous != ' ') key += kept;
+    previous = kept;
+  }
+  if (!key.empty() && key.back() == ' ') key.pop_back();
+  return key == name;
+}
+
+std::string HexEncodeName(std::string_view text) {
+  static constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  encoded.reserve(text.size() * 2);
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code >= 16) encoded += kDigits[code / 16];
+    encoded += kDigits[code % 16];
+  }
+  return encoded;
+}
+
+std::string HexDecodeName(std::string_view text) {
+  std::string decoded;
+  decoded.reserve(text.size() / 2);
+  for (std::size_t at = 0; at < text.size(); at += 2) {
+    unsigned code = Digit(text[at]);
+    if (at + 1 < text.size()) code = code * 16 + Digit(text[at + 1]);
+    decoded += static_cast<char>(code);
+  }
+  return decoded;
+}
+
+}  // namespace catalogue

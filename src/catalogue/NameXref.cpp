@@ -1,0 +1,113 @@
+#include "catalogue/NameXref.hpp"
+
+#include "base/Attempt.hpp"
+#include "base/Text.hpp"
+#include "catalogue/MediaKey.hpp"
+
+namespace catalogue {
+
+using base::Attempt;
+
+namespace {
+
+std::string EntryOf(const std::string& category, const std::string& key) {
+  return base::LowerCase(category + ":" + key);
+}
+
+std::string WithQuotesDoubled(const std::string& name) {
+  std::string doubled;
+  doubled.reserve(name.size());
+  for (const char c : name) {
+    if (c == '"') doubled += c;
+    doubled += c;
+  }
+  return doubled;
+}
+
+}  // namespace
+
+bool NameXref::AddNameXref(const std::string& category, const std::string& name, std::string& key) {
+  if (MakeMediaKey(name, key) || key.empty()) return true;
+  std::string& entry = names_[EntryOf(category, key)];
+  if (entry == name) return true;
+  // Names that share a key overwrite each other in turn.
+  entry = name;
+  Attempt step;
+  step([&] { host_.SaveINISetting(category, key, HexEncodeName(name), plugin::kSettingsFile); });
+  return true;
+}
+
+std::string NameXref::LookupNameXref(const std::string& category, const std::string& name) const {
+  std::string key;
+  MakeMediaKey(name, key);
+  const auto found = names_.find(EntryOf(category, key));
+  return found == names_.end() || found->second.empty() ? name : WithQuotesDoubled(found->second);
+}
+
+bool NameXref::RemoveNameXref(const std::string& category, const std::string& name) {
+  std::string key;
+  MakeMediaKey(name, key);
+  if (names_.erase(EntryOf(category, key)) == 0) return false;
+  Attempt step;
+  // The file keeps the key with an empty value, which loads as no name.
+  step([&] { host_.SaveINISetting(category, key, "", plugin::kSettingsFile); });
+  return true;
+}
+
+void NameXref::yieldAt(std::size_t index) {
+  if (YieldsAt(static_cast<std::int64_t>(index))) host_.WaitEvents();
+}
+
+// "Media" is the section of an older form, with keys category:key.
+void NameXref::moveOldSection(ProgressShown& shown) {
+  static const std::string kOldSection = "Media";
+  Attempt step;
+  std::vector<std::string> lines;
+  step([&] { lines = base::Split(host_.GetINISection(kOldSection, plugin::kSettingsFile), '\0'); });
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const auto parts = base::Split(lines[i], '=');
+    if (parts.size() == 2) {
+      const auto path = base::Split(parts[0], ':');
+      if (path.size() == 2)
+        step([&] { host_.SaveINISetting(path[0], path[1], parts[1], plugin::kSettingsFile); });
+    }
+    shown.update(static_cast<std::int64_t>(i) + 1, static_cast<std::int64_t>(lines.size()));
+    step([&] { yieldAt(i); });
+  }
+  // An entry that could not be moved keeps the whole old section for the next start.
+  if (!step.failed()) step([&] { host_.ClearINISection(kOldSection, plugin::kSettingsFile); });
+}
+
+void NameXref::readSection(const std::string& section, ProgressShown& shown) {
+  // A new table for each section: in the end only the last one's entries are in memory. Those of the others
+  // stay in the file and return name by name, when the library is next read.
+  names_.clear();
+  Attempt step;
+  std::vector<std::string> lines;
+  step([&] { lines = base::Split(host_.GetINISection(section, plugin::kSettingsFile), '\0'); });
+  std::string key;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const auto parts = base::Split(lines[i], '=');
+    // An entry is new to the table, and so it is also written back, unchanged.
+    if (parts.size() == 2) step([&] { AddNameXref(section, HexDecodeName(parts[1]), key); });
+    shown.update(static_cast<std::int64_t>(i) + 1, static_cast<std::int64_t>(lines.size()));
+    step([&] { yieldAt(i); });
+  }
+}
+
+void NameXref::LoadNameTable() {
+  Attempt step;
+  step([&] { loggers_.Debug("Media Player: Loading Xref"); });
+  {
+    ProgressShown shown(progress_, "LoadNameTable");
+    moveOldSection(shown);
+    for (const auto& [section, word] : {std::pair{"Media Library", "Media"}, std::pair{"Artist", "Artist"},
+                                        std::pair{"Album", "Album"}, std::pair{"Genre", "Genre"}}) {
+      step([&] { loggers_.Debug(std::string("Media Player: Loading ") + word + " Xref"); });
+      readSection(section, shown);
+    }
+    step([&] { loggers_.Debug("Media Player: Finished Loading Xref"); });
+  }
+}
+
+}  // namespace catalogue

@@ -1,0 +1,95 @@
+#include "player/ByName.hpp"
+
+#include "player/ByNameLibrary.hpp"
+#include "player/ByNameTable.hpp"
+
+namespace player {
+
+using namespace table;  // NOLINT(google-build-using-namespace): the words exist for these tables
+
+namespace {
+
+base::ObjectRef ShowControls(Controls& controls) {
+  const auto step = [&controls](const char* name, void (Controls::*act)()) {
+    return Command(name, {}, [&controls, act](Args&) { (controls.*act)(); });
+  };
+  return Show(
+      "Controls",
+      {Operation("isAvailable", {Text("step")}, Type::kBoolean,
+                 [&controls](Args& args) { return controls.isAvailable(TextAt(args, 0)); }),
+       step("play", &Controls::play), step("stop", &Controls::stop), step("pause", &Controls::pause),
+       step("fastForward", &Controls::fastForward), step("fastReverse", &Controls::fastReverse),
+       step("next", &Controls::next), step("previous", &Controls::previous),
+       Field(
+           "currentPosition", Type::kDouble, [&controls] { return controls.currentPosition(); },
+           [&controls](const Value& seconds) { controls.currentPosition(base::ToDouble(seconds)); })});
+}
+
+base::ObjectRef ShowSettings(PlayerSettings& settings) {
+  return Show(
+      "Settings",
+      {Field(
+           "autoStart", Type::kBoolean, [&settings] { return settings.autoStart(); },
+           [&settings](const Value& value) { settings.autoStart(base::ToBoolean(value)); }),
+       Field(
+           "mute", Type::kBoolean, [&settings] { return settings.mute(); },
+           [&settings](const Value& value) { settings.mute(base::ToBoolean(value)); }),
+       Field(
+           "volume", Type::kInt32, [&settings] { return settings.volume(); },
+           [&settings](const Value& value) { settings.volume(base::ToInt32(value)); }),
+       Operation("getMode", {Text("mode")}, Type::kBoolean,
+                 [&settings](Args& args) { return settings.getMode(TextAt(args, 0)); }),
+       Command("setMode", {Text("mode"), {"value", Type::kBoolean}},
+               [&settings](Args& args) { settings.setMode(TextAt(args, 0), base::ToBoolean(args[1])); }),
+       ReadField("mediaAccessRights", Type::kText, [&settings] { return settings.mediaAccessRights(); }),
+       Operation("requestMediaAccessRights", {Text("rights")}, Type::kBoolean,
+                 [&settings](Args& args) { return settings.requestMediaAccessRights(TextAt(args, 0)); })});
+}
+
+base::ObjectRef ShowErrors(ErrorQueue& errors) {
+  const auto showItem = [](const ErrorItem& item) {
+    return Show("ErrorItem", {ReadField("errorCode", Type::kInt32, [code = item.errorCode] { return code; }),
+                              ReadField("errorDescription", Type::kText,
+                                        [text = item.errorDescription] { return text; })});
+  };
+  return Show(
+      "ErrorQueue",
+      {ReadField("errorCount", Type::kInt32, [&errors] { return errors.errorCount(); }),
+       Operation("item", {Number("index")}, Type::kObject,
+                 [&errors, showItem](Args& args) { return showItem(errors.item(NumberAt(args, 0))); }),
+       Command("clearErrorQueue", {}, [&errors](Args&) { errors.clearErrorQueue(); })});
+}
+
+}  // namespace
+
+base::ObjectRef ShowByName(WMP9& control) {
+  return Show(
+      "WMP9",
+      {Field(
+           "URL", Type::kText, [&control] { return control.URL(); },
+           [&control](const Value& url) { control.URL(base::ToText(url)); }),
+       ReadField("controls", Type::kObject, [&control] { return ShowControls(control.controls()); }),
+       ReadField("settings", Type::kObject, [&control] { return ShowSettings(control.settings()); }),
+       Field(
+           "currentMedia", Type::kObject, [&control] { return ShowByName(control.currentMedia()); },
+           [&control](const Value& media) { control.currentMedia(MediaBehind(media)); }),
+       Field(
+           "currentPlaylist", Type::kObject, [&control] { return ShowByName(control.currentPlaylist()); },
+           [&control](const Value& playlist) { control.currentPlaylist(PlaylistBehind(playlist)); }),
+       ReadField("playState", Type::kInt32, [&control] { return control.playState(); }),
+       ReadField("status", Type::kText, [&control] { return control.status(); }),
+       ReadField("versionInfo", Type::kText, [&control] { return control.versionInfo(); }),
+       ReadField("Error", Type::kObject, [&control] { return ShowErrors(control.Error()); }),
+       ReadField("cdromCollection", Type::kObject,
+                 [&control] { return ShowByName(control.cdromCollection()); }),
+       Field(
+           "fullScreen", Type::kBoolean, [&control] { return control.fullScreen(); },
+           [&control](const Value& value) { control.fullScreen(base::ToBoolean(value)); }),
+       ReadField("isOnline", Type::kBoolean, [&control] { return control.isOnline(); }),
+       ReadField("mediaCollection", Type::kObject,
+                 [&control] { return ShowByName(control.mediaCollection()); }),
+       ReadField("playlistCollection", Type::kObject,
+                 [&control] { return ShowByName(control.playlistCollection()); })});
+}
+
+}  // namespace player
