@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iostream>
+
+#include "base/Failure.hpp"
 
 namespace standin {
 namespace {
@@ -31,10 +34,16 @@ void HouseLog::write(const std::string& type, const std::string& text) {
                   .count();
   line.type = type;
   line.text = bounded(text);
-  insert_.with(line.time, line.type, line.text).run();
-  line.id = database_.lastId();
-  if (line.id % std::min(kTrimEvery, limit_) == 0) {
-    Statement(database_, "DELETE FROM log WHERE id <= ?").with(line.id - limit_).run();
+  try {
+    insert_.with(line.time, line.type, line.text).run();
+    line.id = database_.lastId();
+    if (line.id % std::min(kTrimEvery, limit_) == 0) {
+      Statement(database_, "DELETE FROM log WHERE id <= ?").with(line.id - limit_).run();
+    }
+  } catch (const base::Failure& failure) {
+    // A house whose disk is full goes on; who can't log has lost its host.
+    std::cerr << "A log line could not be stored: " << failure.what() << "\n"
+              << line.type << ": " << line.text << "\n";
   }
   if (onLine) onLine(line);
 }

@@ -20,6 +20,7 @@ class HouseLog {
  public:
   explicit HouseLog(Database& database, std::int64_t limit = 20000);
 
+  /// Never fails: a line that can't be stored goes to the standard error stream and has the number 0.
   void write(const std::string& type, const std::string& text);
   /// The newest lines of a type (of all types when it is empty) before a line (0: from the end), oldest
   /// first.

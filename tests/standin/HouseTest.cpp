@@ -122,6 +122,16 @@ TEST(House, TheLogIsBounded) {
   EXPECT_EQ(log.types(), (std::vector<std::string>{"Error", "Info"}));
 }
 
+TEST(House, ALineThatCantBeStoredIsStillTold) {
+  const support::TempFolder folder;
+  House house(folder.path());
+  house.database.run("DROP TABLE log");
+  std::string told;
+  house.log.onLine = [&](const LogLine& line) { told = line.text; };
+  house.log.write("Error", "the disk is full");
+  EXPECT_EQ(told, "the disk is full");
+}
+
 TEST(House, AKillLosesNoDeviceChangeThatWasAcknowledged) {
   const support::TempFolder folder;
   std::int32_t ref = House(folder.path()).devices.create("Counter").ref;

@@ -8,6 +8,7 @@ const page = document.getElementById('page');
 const ownText = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
 const state = {user: null, plugin: null, menu: [], links: [], devices: new Map()};
 let shown = '';
+let menuUsed = 0;  // when this page last chose from the menu
 
 const pluginWords = {
   ready: ['Player ready', 'pill-good'], starting: ['Player starting…', 'pill-wait'],
@@ -75,7 +76,10 @@ function menuPage() {
   const groups = [...sections].map(([section, items]) => el('section', {class: 'panel'}, el('h2', {}, section),
     el('div', {class: 'menu-items'}, ...items.map((item) => {
       const button = el('button', {type: 'button', class: 'menu-item'}, item);
-      button.addEventListener('click', () => run(button, () => ask('/api/menu', {item})));
+      button.addEventListener('click', () => {
+        menuUsed = Date.now();
+        run(button, () => ask('/api/menu', {item}));
+      });
       return button;
     }))));
   return el('div', {}, el('h1', {}, 'Menu'), ...groups,
@@ -104,6 +108,26 @@ function reloadSoon() {
   }, 120);
 }
 
+/** The player opens a page. One of this server's own is opened here at once if this page has asked for it. */
+function launched(text) {
+  let url;
+  try {
+    url = new URL(text);
+  } catch {
+    return;
+  }
+  if (!['http:', 'https:'].includes(url.protocol)) return;
+  const own = ['127.0.0.1', 'localhost', location.hostname].includes(url.hostname);
+  const target = own ? url.pathname + url.search : url.href;
+  if (own && Date.now() - menuUsed < 5000) {
+    location.assign(target);
+    return;
+  }
+  const node = el('div', {class: 'toast'}, 'The player opens a page: ', el('a', {href: target, rel: 'noreferrer'}, target));
+  document.getElementById('toasts').append(node);
+  setTimeout(() => node.remove(), 20000);
+}
+
 function listen() {
   const source = new EventSource('/api/live');
   const live = document.getElementById('live-state');
@@ -122,14 +146,7 @@ function listen() {
   on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref, state.devices); });
   on('log', logLine);
   on('frame', reloadSoon);
-  on('launch', (url) => {
-    const own = /^https?:\/\//i.test(url);
-    if (!own) return;
-    const node = el('div', {class: 'toast'}, 'The player opens a page: ',
-      el('a', {href: url, rel: 'noreferrer'}, url));
-    document.getElementById('toasts').append(node);
-    setTimeout(() => node.remove(), 20000);
-  });
+  on('launch', launched);
   on('reload', async () => { if (await loadState()) showPage(); });
   addEventListener('pagehide', () => source.close());
 }

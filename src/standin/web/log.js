@@ -42,7 +42,7 @@ async function load(older = false) {
 export function logLine(line) {
   if (!list || (type && line.type !== type)) return;
   const last = Number(list.lastElementChild?.dataset.id || 0);
-  if (line.id <= last) return;
+  if (line.id && line.id <= last) return;
   const atEnd = list.scrollHeight - list.scrollTop - list.clientHeight < 40;
   list.append(row(line));
   if (list.children.length > kMostShown) list.firstElementChild.remove();
