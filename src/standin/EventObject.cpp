@@ -29,7 +29,8 @@ EventDevice entryOf(const House& house, std::int32_t id, std::int64_t entry) {
   return *found;
 }
 
-base::MemberTable devFunc(std::function<EventDevice()> read, std::function<void(const EventDevice&)> write) {
+base::MemberTable devFunc(const std::function<EventDevice()>& read,
+                          const std::function<void(const EventDevice&)>& write) {
   return {"DevFunc",
           {{"devid",
             MemberKind::kField,
@@ -138,10 +139,11 @@ DevFuncObject::DevFuncObject(House& house, std::int32_t event, std::int64_t entr
           devFunc([&house, event, entry] { return entryOf(house, event, entry); },
                   [&house, event](const EventDevice& changed) { house.events.putDevice(event, changed); })) {}
 
-EventDevicesObject::EventDevicesObject(House& house, std::int32_t event, EntryObject entry, EntryGone gone)
+EventDevicesObject::EventDevicesObject(House& house, std::int32_t event, const EntryObject& entry,
+                                       const EntryGone& gone)
     : TableObject(list(house, event, entry, gone)) {}
 
-EventObject::EventObject(House& house, std::int32_t id, base::ObjectRef devices)
+EventObject::EventObject(House& house, std::int32_t id, const base::ObjectRef& devices)
     : TableObject(event(house, id, devices)) {}
 
 }  // namespace standin

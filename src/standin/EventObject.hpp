@@ -20,13 +20,13 @@ class EventDevicesObject : public base::TableObject {
   /// `entry` gives the object of an entry by its number in the store, and hears of removed ones.
   using EntryObject = std::function<base::ObjectRef(std::int64_t entry)>;
   using EntryGone = std::function<void(std::int64_t entry)>;
-  EventDevicesObject(House& house, std::int32_t event, EntryObject entry, EntryGone gone);
+  EventDevicesObject(House& house, std::int32_t event, const EntryObject& entry, const EntryGone& gone);
 };
 
 /// An event as the plug-in and scripts see it.
 class EventObject : public base::TableObject {
  public:
-  EventObject(House& house, std::int32_t event, base::ObjectRef devices);
+  EventObject(House& house, std::int32_t event, const base::ObjectRef& devices);
 };
 
 }  // namespace standin

@@ -188,10 +188,10 @@ base::MemberTable systemTable(House& house) {
 
 SystemObject::SystemObject(House& house) : TableObject(systemTable(house)) {}
 
-HostObject::HostObject(House& house, HouseObjects& objects, HostWaits& waits, base::ObjectRef system)
+HostObject::HostObject(House& house, HouseObjects& objects, HostWaits& waits, const base::ObjectRef& system)
     : TableObject(hostTable(house, objects, waits, system)) {}
 
-CallbackObject::CallbackObject(House& house, base::ObjectRef host)
+CallbackObject::CallbackObject(House& house, const base::ObjectRef& host)
     : TableObject(callbackTable(house, host)) {}
 
 }  // namespace standin

@@ -15,13 +15,13 @@ class SystemObject : public base::TableObject {
 /// The host's operations, by name.
 class HostObject : public base::TableObject {
  public:
-  HostObject(House& house, HouseObjects& objects, HostWaits& waits, base::ObjectRef system);
+  HostObject(House& house, HouseObjects& objects, HostWaits& waits, const base::ObjectRef& system);
 };
 
 /// What the plug-in is given at its start.
 class CallbackObject : public base::TableObject {
  public:
-  CallbackObject(House& house, base::ObjectRef host);
+  CallbackObject(House& house, const base::ObjectRef& host);
 };
 
 }  // namespace standin
