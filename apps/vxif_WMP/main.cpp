@@ -51,7 +51,6 @@ int Serve() {
   player::WindowlessPopup popup;
   HeadlessDesktop desktop;
   RegisteredObjects objects;
-  plugin::LibraryCalls library;
   plugin::MediaEvents mediaEvents;
   plugin::WebForms pages;
   std::string configProblem;
@@ -69,8 +68,12 @@ int Serve() {
                            return engine::MakePlayer(loop, config, events, tell);
                          },
                          popup,
-                         {library, mediaEvents, desktop, pages, objects}});
+                         {mediaEvents, desktop, pages, objects}});
   owner = &plugin;
+  desktop.connect(plugin.host, loop);
+  objects.provide(std::make_shared<script::ScriptClass>(
+      script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
+                          plugin.catalogue, plugin.library, mediaEvents}));
 
   connection.exportObject("/vxif", plugin.vxif());
   connection.exportObject("/scriptclass", objects.scriptClass());

@@ -1,0 +1,105 @@
+#include "player/ByName.hpp"
+
+#include "support/ScriptHouse.hpp"
+
+using base::Value;
+using support::ScriptHouse;
+using ::testing::ElementsAre;
+
+namespace {
+
+class PlayerByName : public ScriptHouse {
+ protected:
+  base::Object& wmp() { return base::Deref(base::ToObject(get("WMPObject"))); }
+  base::ObjectRef part(const std::string& name) { return base::ToObject(wmp().get(name)); }
+  static base::ObjectRef Item(const base::ObjectRef& list, std::int32_t index) {
+    return base::ToObject(list->invoke("item", index));
+  }
+};
+
+}  // namespace
+
+TEST_F(PlayerByName, ControlsAndSettingsActOnThePlayer) {
+  part("controls")->invoke("play");
+  part("controls")->put("currentPosition", 30);
+  part("settings")->put("volume", 80);
+  part("settings")->invoke("setMode", "Loop", true);
+  wmp().put("URL", "http://radio");
+  EXPECT_THAT(playerCalls(), ElementsAre("player: play", "player: currentPosition 30", "player: volume 80",
+                                         "player: setMode Loop on", "player: URL http://radio"));
+  EXPECT_EQ(part("settings")->invoke("getMode", "Loop"), Value(true));
+  EXPECT_EQ(part("controls")->invoke("isAvailable", "Stop"), Value(true));
+  EXPECT_EQ(wmp().get("playState"), Value(std::int32_t{player::kStopped}));
+}
+
+TEST_F(PlayerByName, TheLibraryIsReadUnderTheModelsNames) {
+  library.attributes["album"] = {"Blue"};
+  const auto names =
+      base::ToObject(part("mediaCollection")->invoke("getAttributeStringCollection", "Album", "audio"));
+  EXPECT_EQ(names->get("count"), Value(std::int32_t{1}));
+  EXPECT_EQ(names->invoke("item", 0), Value("Blue"));
+  const auto group = base::ToObject(part("mediaCollection")->invoke("getByAttribute", "Album", "Blue"));
+  EXPECT_EQ(group->get("count"), Value(std::int32_t{2}));
+  EXPECT_EQ(Item(group, 1)->get("name"), Value("Track Two"));
+  EXPECT_EQ(Item(group, 0)->invoke("getItemInfo", "Artist"), Value("Joni Mitchell"));
+  EXPECT_EQ(Item(group, 0)->get("duration"), Value(205.5));
+}
+
+TEST_F(PlayerByName, WhatWasAnsweredCanBeHandedBack) {
+  const auto mine = base::ToObject(part("playlistCollection")->invoke("newPlaylist", "Mine"));
+  const auto all = base::ToObject(part("mediaCollection")->invoke("getAll"));
+  mine->invoke("appendItem", Item(all, 1));
+  mine->invoke("insertItem", 0, Item(all, 0));
+  ASSERT_EQ(library.playlists.size(), 1U);
+  EXPECT_THAT(library.playlists[0]->members, ElementsAre(player::MediaRef(one), player::MediaRef(two)));
+  mine->invoke("removeItem", Item(all, 0));
+  EXPECT_THAT(library.playlists[0]->members, ElementsAre(player::MediaRef(two)));
+  wmp().put("currentMedia", Item(all, 0));
+  wmp().put("currentPlaylist", mine);
+  EXPECT_EQ(wmp9->media, one);
+  EXPECT_EQ(wmp9->playlist, library.playlists[0]);
+  part("playlistCollection")->invoke("remove", mine);
+  EXPECT_TRUE(library.playlists.empty());
+}
+
+TEST_F(PlayerByName, APlaylistIsRenamedByItsField) {
+  library.addPlaylist("Old");
+  const auto lists = base::ToObject(part("playlistCollection")->invoke("getByName", "Old"));
+  Item(lists, 0)->put("name", "New");
+  EXPECT_EQ(library.playlists[0]->title, "New");
+}
+
+TEST_F(PlayerByName, NothingStaysNothing) {
+  EXPECT_EQ(wmp().get("currentMedia"), Value(base::ObjectRef()));
+  wmp9->media = one;
+  wmp().put("currentMedia", base::ObjectRef());
+  EXPECT_FALSE(wmp9->media);
+}
+
+TEST_F(PlayerByName, AnObjectOfAnotherKindIsTurnedAway) {
+  const auto mine = base::ToObject(part("playlistCollection")->invoke("newPlaylist", "Mine"));
+  EXPECT_THROW(mine->invoke("appendItem", mine), base::Failure);
+  EXPECT_THROW(player::MediaBehind(Value("text")), base::Failure);
+}
+
+TEST_F(PlayerByName, ErrorsAndDrivesAreListed) {
+  wmp9->errors = {{7, "seven"}};
+  const auto errors = part("Error");
+  EXPECT_EQ(errors->get("errorCount"), Value(std::int32_t{1}));
+  EXPECT_EQ(Item(errors, 0)->get("errorDescription"), Value("seven"));
+  errors->invoke("clearErrorQueue");
+  const auto drives = part("cdromCollection");
+  EXPECT_EQ(drives->get("count"), Value(std::int32_t{1}));
+  EXPECT_EQ(Item(drives, 0)->get("driveSpecifier"), Value("D:"));
+  Item(drives, 0)->invoke("eject");
+  EXPECT_THAT(playerCalls(), ElementsAre("player: clearErrorQueue", "player: eject 0"));
+}
+
+TEST_F(PlayerByName, ThePlayersFailureReachesTheScript) {
+  try {
+    Item(part("Error"), 3);
+    FAIL();
+  } catch (const base::Failure& failure) {
+    EXPECT_EQ(failure.number(), base::number::kIndex);
+  }
+}
