@@ -27,7 +27,7 @@ cmake --build --preset asan -- --quiet
 step "Tests"
 pattern=()
 if [ $# -gt 0 ]; then pattern=(-R "$(IFS='|'; echo "$*")"); fi
-export ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 LSAN_OPTIONS=suppressions=$PWD/tests/leaks.txt:print_suppressions=0
+export ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1
 ctest --preset asan -j "$jobs" --progress "${pattern[@]}"
 [ $# -gt 0 ] && exit 0
 

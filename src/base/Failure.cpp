@@ -7,7 +7,8 @@ namespace base {
 Failure::Failure(std::int32_t failureNumber) : Failure(failureNumber, DescriptionOf(failureNumber)) {}
 
 Failure::Failure(std::int32_t failureNumber, const std::string& description)
-    : std::runtime_error(description), number_(failureNumber) {}
+    : std::runtime_error(description.empty() ? DescriptionOf(failureNumber) : description),
+      number_(failureNumber) {}
 
 std::string DescriptionOf(std::int32_t failureNumber) {
   switch (failureNumber) {

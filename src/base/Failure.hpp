@@ -36,6 +36,8 @@ class Failure : public std::runtime_error {
  public:
   /// With the number's own description.
   explicit Failure(std::int32_t failureNumber);
+  /// With a description of its own; an empty one is replaced by the number's, as texts of failures are also
+  /// used where an empty text means success.
   Failure(std::int32_t failureNumber, const std::string& description);
 
   [[nodiscard]] std::int32_t number() const { return number_; }

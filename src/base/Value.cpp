@@ -30,7 +30,7 @@ std::string Shortest(Number value) {
 double WholeNumber(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   if (text.empty() ||
       (text.front() != '-' && text.front() != '.' && (text.front() < '0' || text.front() > '9')))
     Mismatch();

@@ -1,4 +1,6 @@
 
+#include <limits>
+
 #include "base/Attempt.hpp"
 #include "player/WMPCalls.hpp"
 
@@ -106,9 +108,13 @@ namespace {
 
 constexpr std::int32_t kFullVolume = 100;
 
-/// The sum, or nothing where it leaves the 32-bit range.
-bool Add(std::int32_t left, std::int32_t right, std::int32_t& sum) {
-  return !__builtin_add_overflow(left, right, &sum);
+/// False where the sum leaves the 32-bit range; `volume` is then as before.
+bool Add(std::int32_t& volume, std::int32_t percent) {
+  const std::int64_t sum = std::int64_t{volume} + percent;
+  if (sum < std::numeric_limits<std::int32_t>::min() || sum > std::numeric_limits<std::int32_t>::max())
+    return false;
+  volume = static_cast<std::int32_t>(sum);
+  return true;
 }
 
 }  // namespace
@@ -116,19 +122,19 @@ bool Add(std::int32_t left, std::int32_t right, std::int32_t& sum) {
 void WMPCalls::VolumeUp(std::int16_t percent) {
   Attempt step;
   std::int32_t volume = 0;
-  if (!step([&] { volume = form_.settings().volume(); })) return;
-  if (!Add(volume, percent, volume)) return;
-  step([&] { form_.settings().volume(volume > kFullVolume ? kFullVolume : volume); });
+  const bool known = step([&] { volume = form_.settings().volume(); });
+  if (!Add(volume, percent)) return;
+  if (known) step([&] { form_.settings().volume(volume > kFullVolume ? kFullVolume : volume); });
   SetMute(false);
 }
 
 void WMPCalls::VolumeDown(std::int16_t percent) {
   Attempt step;
   std::int32_t volume = 0;
-  if (!step([&] { volume = form_.settings().volume(); })) return;
-  if (!Add(volume, -std::int32_t{percent}, volume)) return;
-  step([&] { form_.settings().volume(volume <= 0 ? 0 : volume); });
-  SetMute(volume <= 0);
+  const bool known = step([&] { volume = form_.settings().volume(); });
+  if (!Add(volume, -std::int32_t{percent})) return;
+  if (known) step([&] { form_.settings().volume(volume <= 0 ? 0 : volume); });
+  SetMute(known && volume <= 0);
 }
 
 void WMPCalls::SetVolume(std::int16_t value) {

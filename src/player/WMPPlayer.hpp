@@ -11,9 +11,8 @@ class WMPPlayer {
   WMPPlayer(PlayerFactory factory, WMP9Events& events) : factory_(std::move(factory)), events_(events) {}
 
   /// Makes the control if it does not exist yet. Throws number 429 when it can't be created.
-  void load() {
-    if (!control_) control_ = factory_(events_);
-  }
+  /// Fails in the same way when it is asked for again while it is being made.
+  void load();
   [[nodiscard]] bool loaded() const { return control_ != nullptr; }
   /// The control, made on first use. Throws as `load` does.
   WMP9& wmp9() {
@@ -30,6 +29,7 @@ class WMPPlayer {
   PlayerFactory factory_;
   WMP9Events& events_;
   std::unique_ptr<WMP9> control_;
+  bool loading_ = false;
 };
 
 }  // namespace player

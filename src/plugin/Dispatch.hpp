@@ -38,7 +38,6 @@ class Dispatch {
                       bool shuffle);
 
  private:
-  void switchOrListen(const std::string& suffix, std::int16_t command, std::int16_t brightness);
   void playByName(const std::string& category, const std::string& name, bool shuffle);
   std::string nameOfValue(const std::string& category, std::int16_t value);
 

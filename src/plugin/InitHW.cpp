@@ -20,7 +20,7 @@ void Lifecycle::composeTags() {
 void Lifecycle::showModes() {
   for (const char* mode : {"Loop", "Shuffle"}) {
     const std::string key = std::string(mode) + "Mode";
-    const base::Value stored = in_.settings.raw(key, false);
+    const bool stored = in_.settings.flag(key, false);
     if (mode == std::string("Loop"))
       in_.calls.SetLoopMode(stored);
     else
@@ -39,10 +39,10 @@ void Lifecycle::placeWindow() {
 }
 
 void Lifecycle::readFlags() {
-  in_.calls.SetAlwaysOnTop(in_.settings.raw("AlwaysOnTop", true));
-  in_.calls.SetShowCoverArt(in_.settings.raw("ShowCoverArt", true));
-  in_.calls.SetShowVisualizations(in_.settings.raw("ShowVisualizations", false));
-  in_.calls.SetFullScreenVideo(in_.settings.raw("FullScreenVideo", false));
+  in_.calls.SetAlwaysOnTop(in_.settings.flag("AlwaysOnTop", true));
+  in_.calls.SetShowCoverArt(in_.settings.flag("ShowCoverArt", true));
+  in_.calls.SetShowVisualizations(in_.settings.flag("ShowVisualizations", false));
+  in_.calls.SetFullScreenVideo(in_.settings.flag("FullScreenVideo", false));
   in_.state.TrayIcon = in_.settings.flag("TrayIcon", true);
   in_.state.RefreshActions = in_.settings.flag("RefreshActions", true);
   in_.form.settings().volume(base::ToInt32(in_.settings.number("Volume", 50)));
@@ -81,7 +81,7 @@ std::string Lifecycle::InitHW() {
         in_.calls.SetMute(false);
         showModes();
         placeWindow();
-        in_.calls.SetDisplayControls(in_.settings.raw("DisplayControls", true));
+        in_.calls.SetDisplayControls(in_.settings.flag("DisplayControls", true));
         in_.state.WhileSpeaking = in_.settings.text("WhileSpeaking", "Pause");
         readFlags();
         in_.library.LoadNameTable();

@@ -73,8 +73,8 @@ std::optional<std::string> Lifecycle::connectPlayer() {
 std::optional<std::string> Lifecycle::checkPlayerVersion() {
   const std::string version = in_.form.wmp9().versionInfo();
   in_.host.WriteLog("Info", "Windows Media Player version: " + version);
-  // One character is looked at, so that version 10 reads as 1 and is turned away: the plug-in was never
-  // tried with players of two-digit versions.
+  // One character is looked at, so that version 10 reads as 1 and is turned away. It is kept so: which
+  // players are taken is part of what a release promises.
   if (base::NumericPrefix(version.substr(0, 1)) >= 9) return std::nullopt;
   in_.neighbours.desktop.ShowTimedMessage(
       "Error!", std::string(kPlayerRequired) + ".  You have version: " + version, kMessageSeconds);
@@ -146,14 +146,15 @@ void Lifecycle::ShutdownIO() {
   Attempt step;
   // First, so that timers and events that still arrive find the plug-in down.
   in_.state.Initialized = false;
-  step([&] { in_.form.controls().stop(); });
-  step([&] {
-    // A window at the screen's edge or beyond keeps the place saved before.
-    if (in_.popup.top() <= 0 || in_.popup.left() <= 0) return;
-    in_.settings.save("DisplayControlsTop", in_.popup.top());
-    in_.settings.save("DisplayControlsLeft", in_.popup.left());
-  });
-  step([&] { in_.settings.save("Volume", in_.form.settings().volume()); });
+  // A player that was never made has nothing to stop and no volume worth keeping.
+  const bool played = in_.form.loaded();
+  if (played) step([&] { in_.form.controls().stop(); });
+  // A window at the screen's edge or beyond keeps the place saved before.
+  if (in_.popup.top() > 0 && in_.popup.left() > 0) {
+    step([&] { in_.settings.save("DisplayControlsTop", in_.popup.top()); });
+    step([&] { in_.settings.save("DisplayControlsLeft", in_.popup.left()); });
+  }
+  if (played) step([&] { in_.settings.save("Volume", in_.form.settings().volume()); });
   step([&] { in_.neighbours.desktop.unloadTray(); });
   in_.host.Host.reset();
   in_.host.HostCallback.reset();

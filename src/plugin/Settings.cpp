@@ -1,6 +1,6 @@
 #include "plugin/Settings.hpp"
 
-#include "base/Failure.hpp"
+#include "base/Attempt.hpp"
 #include "plugin/PluginState.hpp"
 
 namespace plugin {
@@ -15,11 +15,11 @@ base::Value Settings::raw(const std::string& key, const base::Value& fallback) c
 
 bool Settings::flag(const std::string& key, bool fallback) const {
   const base::Value stored = raw(key, fallback);
-  try {
-    return base::ToBoolean(stored);
-  } catch (const base::Failure& failure) {
-    throw base::Failure(failure.number(), failure.description() + " in the setting " + key);
-  }
+  return base::Handled([&] { return base::ToBoolean(stored); },
+                       [&](const base::Failure& failure) -> bool {
+                         throw base::Failure(failure.number(),
+                                             failure.description() + " in the setting " + key);
+                       });
 }
 
 double Settings::number(const std::string& key, std::int16_t fallback) const {

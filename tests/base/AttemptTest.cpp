@@ -51,6 +51,7 @@ TEST(Handled, JumpsToItsHandlerWithTheFailure) {
 
 TEST(Failure, DescribesItsNumber) {
   EXPECT_EQ(Failure(91).description(), "Object missing");
+  EXPECT_EQ(Failure(91, "").description(), "Object missing");
   EXPECT_EQ(Failure(-123456).description(), "Application-defined error");
   EXPECT_EQ(base::number::kNameInUse, -1072889802);
 }

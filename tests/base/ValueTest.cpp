@@ -33,7 +33,7 @@ TEST(ToBoolean, TakesWordsInAnyCaseAndNumbers) {
 }
 
 TEST(ToBoolean, RefusesOtherTexts) {
-  for (const char* text : {"", "yes", "1x", "tru", "--1", "nan", "inf"})
+  for (const char* text : {"", "yes", "1x", "tru", "--1", "+-1", "+", "nan", "inf"})
     EXPECT_EQ(NumberOf([&] { ToBoolean(Value(text)); }), base::number::kTypeMismatch) << text;
 }
 

@@ -13,22 +13,63 @@ class HostServices : public House {
 }  // namespace
 
 TEST_F(HostServices, EachMethodIsOneCallByName) {
-  plugin.host.SetDeviceStatus("Q9", 2);
-  plugin.host.DeviceValuesAdd("Q12",
-                              "a\x02"
-                              "0",
-                              true);
-  plugin.host.DeviceButtonAdd("Q1", "Media Player", "Pause");
-  plugin.host.Speak("Hello", true);
-  plugin.host.GetUrl("example", "/page", false, 80);
-  plugin.host.forcefront(17);
+  plugin::HostServices& to = plugin.host;
+  to.GetVXIface();
+  to.writesplash("s");
+  to.registermenu("a", "b");
+  to.checktrigger("t");
+  to.forcefront(17);
+  to.GetNextFreeIOCode();
+  to.Version();
+  to.GetAppPath();
+  to.Launch("u");
+  to.WEBLoggedInUser();
+  to.RegisterEventCB(8, host);
+  to.RegisterLink(host);
+  to.WriteLog("a", "b");
+  to.WriteLog("a", "b", "c");
+  to.Speak("Hello", true);
+  to.WaitEvents();
+  to.WaitSecs(2);
+  to.GetUrl("example", "/page", false, 80);
+  to.GetINISetting("s", "k", 5, "f");
+  to.GetINISetting("s", "k", 5);
+  to.SaveINISetting("s", "k", 5, "f");
+  to.GetINISection("s", "f");
+  to.ClearINISection("s", "f");
+  to.DeviceCount();
+  to.GetDeviceEx("n");
+  to.GetDeviceCode("n");
+  const base::Value key = to.NewDevice("n");
+  to.GetDevice(key);
+  to.DeleteIODevices("i");
+  to.DeviceButtonAdd("Q1", "Media Player", "Pause");
+  to.DeviceValuesAdd("Q12", "a", true);
+  to.SetDeviceStatus("Q9", 2);
+  to.SetDeviceString("Q9", "t", true);
+  to.SetDeviceStringByName("n", "t", true);
+  to.SetDeviceValueByName("n", 3);
+  to.GetEvent(4);
+  to.GetEventEx("e");
+  host->answers["NewEvent"] = [](base::Args&) { return base::Value(4); };
+  to.NewEvent("e");
+  to.NewDevFunc();
   EXPECT_THAT(
       journal.lines(),
-      ::testing::ElementsAre("SetDeviceStatus(\"Q9\", 2)",
-                             "DeviceValuesAdd(\"Q12\", \"a\x02"
-                             "0\", True)",
-                             "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Pause\")", "Speak(\"Hello\", True)",
-                             "GetUrl(\"example\", \"/page\", False, 80)", "forcefront(17)"));
+      ::testing::ElementsAre(
+          "GetVXIface()", "writesplash(\"s\")", "registermenu(\"a\", \"b\")", "checktrigger(\"t\")",
+          "forcefront(17)", "GetNextFreeIOCode()", "Version()", "GetAppPath()", "Launch(\"u\")",
+          "WEBLoggedInUser()", "RegisterEventCB(8, <object>)", "RegisterLink(<object>)",
+          "WriteLog(\"a\", \"b\")", "WriteLog(\"a\", \"b\", \"c\")", "Speak(\"Hello\", True)", "WaitEvents()",
+          "WaitSecs(2)", "GetUrl(\"example\", \"/page\", False, 80)", "GetINISetting(\"s\", \"k\", 5, \"f\")",
+          "GetINISetting(\"s\", \"k\", 5)", "SaveINISetting(\"s\", \"k\", 5, \"f\")",
+          "GetINISection(\"s\", \"f\")", "ClearINISection(\"s\", \"f\")", "DeviceCount()",
+          "GetDeviceEx(\"n\")", "GetDeviceCode(\"n\")", "NewDevice(\"n\")", "GetDevice(1)",
+          "DeleteIODevices(\"i\")", "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Pause\")",
+          "DeviceValuesAdd(\"Q12\", \"a\", True)", "SetDeviceStatus(\"Q9\", 2)",
+          "SetDeviceString(\"Q9\", \"t\", True)", "SetDeviceStringByName(\"n\", \"t\", True)",
+          "SetDeviceValueByName(\"n\", 3)", "GetEvent(4)", "GetEventEx(\"e\")", "NewEvent(\"e\")",
+          "NewDevFunc()"));
 }
 
 TEST_F(HostServices, WithoutAHostEveryCallFailsWithNumber91) {

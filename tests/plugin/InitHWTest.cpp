@@ -1,3 +1,5 @@
+#include <map>
+
 #include "support/House.hpp"
 
 using support::House;
@@ -110,7 +112,20 @@ TEST_F(InitHW, ReadsTheSettingsInOrder) {
 }
 
 TEST_F(InitHW, TheDefaultsTypeTellsTheIntendedType) {
+  std::map<std::string, base::Value> defaults;
+  host->answers["GetINISetting"] = [&](base::Args& args) {
+    defaults[base::ToText(args[1])] = args[2];
+    return args[2];
+  };
   run();
+  for (const char* flag : {"LoopMode", "ShuffleMode", "DisplayControls", "AlwaysOnTop", "ShowCoverArt",
+                           "ShowVisualizations", "FullScreenVideo", "TrayIcon", "RefreshActions",
+                           "RaisePriority", "VRCategoryRequired", "DebugMessages", "UpdateMediaEvents"})
+    EXPECT_TRUE(defaults[flag].is<bool>()) << flag;
+  for (const char* number : {"Volume", "DisplayControlsTop", "DisplayControlsLeft"})
+    EXPECT_TRUE(defaults[number].is<std::int16_t>()) << number;
+  for (const char* text : {"WhileSpeaking", "HouseCodeSet"})
+    EXPECT_TRUE(defaults[text].is<std::string>()) << text;
   EXPECT_TRUE(journal.has("GetINISetting(\"Settings\", \"LoopMode\", False, \"vxif_WMP.ini\")"));
   EXPECT_TRUE(journal.has("GetINISetting(\"Settings\", \"Volume\", 50, \"vxif_WMP.ini\")"));
   EXPECT_TRUE(journal.has("GetINISetting(\"Settings\", \"WhileSpeaking\", \"Pause\", \"vxif_WMP.ini\")"));
@@ -137,14 +152,41 @@ TEST_F(InitHW, ASavedLoopModeIsSetAndItsEventSavesItTwice) {
   EXPECT_TRUE(published("Loop Mode", "Loop"));
 }
 
-TEST_F(InitHW, AFlagThatIsNoFlagGivesFalseWhereFailuresAreSkipped) {
-  host->settings["showcoverart"] = "perhaps";
+TEST_F(InitHW, EachWindowFlagIsSetRightAfterItIsRead) {
   run();
-  EXPECT_FALSE(plugin.state.ShowCoverArt);
-  EXPECT_TRUE(plugin.state.Initialized);
+  std::vector<std::string> steps;
+  for (const std::string& line : journal.lines())
+    for (const char* key : {"AlwaysOnTop", "ShowCoverArt", "ShowVisualizations", "FullScreenVideo"})
+      if (line.find("INISetting(\"Settings\", \"" + std::string(key)) != std::string::npos)
+        steps.push_back(line.substr(0, 3) + " " + key);
+  EXPECT_THAT(steps, ElementsAre("Get AlwaysOnTop", "Sav AlwaysOnTop", "Get ShowCoverArt", "Sav ShowCoverArt",
+                                 "Get ShowVisualizations", "Sav ShowVisualizations", "Get FullScreenVideo",
+                                 "Sav FullScreenVideo"));
 }
 
-TEST_F(InitHW, AFlagThatIsNoFlagEndsTheStartElsewhere) {
+TEST_F(InitHW, TheEndIsLoggedAndReachedBeforeItsTriggerFires) {
+  bool initialized = false;
+  bool logged = false;
+  host->answers["checktrigger"] = [&](base::Args&) {
+    initialized = plugin.state.Initialized;
+    logged = journal.has("WriteLog(\"Startup\", \"Media Player background initialization completed\")");
+    return base::Value();
+  };
+  run();
+  EXPECT_TRUE(initialized);
+  EXPECT_TRUE(logged);
+}
+
+TEST_F(InitHW, AFailureWithoutWordsOfItsOwnIsStillAFailure) {
+  connect();
+  initIO();
+  host->answers["registermenu"] = [](base::Args&) -> base::Value { throw base::Failure(57, ""); };
+  loop.advance(base::Milliseconds(1));
+  EXPECT_EQ(interfaceStatus(), 2);
+  EXPECT_TRUE(logged("Error", "Media Player background initialization FAILED: Input or output failed"));
+}
+
+TEST_F(InitHW, AFlagThatIsNoFlagEndsTheStartWithItsName) {
   host->settings["trayicon"] = "perhaps";
   run();
   EXPECT_EQ(interfaceStatus(), 2);

@@ -191,6 +191,37 @@ TEST_F(InitIO, ASecondCallInTheReadyStateDoesNothing) {
   EXPECT_TRUE(journal.lines().empty());
 }
 
+TEST_F(InitIO, APlayerIsNotMadeTwiceByACommandThatArrivesWhileItIsMade) {
+  int made = 0;
+  preparePlayer = [&](support::FakePlayer&) {
+    ++made;
+    callVxif("ButtonPress", "Vol Up");
+  };
+  connect();
+  EXPECT_EQ(initIO(), "");
+  EXPECT_EQ(made, 1);
+}
+
+TEST_F(InitIO, ACallDuringTheBackgroundHalfRunsTheForegroundAgain) {
+  connect();
+  initIO();
+  bool once = true;
+  host->answers["registermenu"] = [&](base::Args&) {
+    if (once) {
+      once = false;
+      EXPECT_EQ(initIO(), "");
+    }
+    return base::Value();
+  };
+  journal.clear();
+  loop.advance(base::Milliseconds(5));
+  EXPECT_EQ(journal.count("WriteLog(\"Startup\", \"Media Player foreground initialization completed\")"), 1U);
+  // The second foreground has armed the timer once more; its background half finds nothing to do.
+  EXPECT_EQ(journal.count("WriteLog(\"Startup\", \"Media Player background initialization started...\")"),
+            1U);
+  EXPECT_EQ(journal.count("WriteLog(\"Startup\", \"Media Player background initialization completed\")"), 2U);
+}
+
 TEST_F(InitIO, ACallBeforeTheBackgroundHalfHasFinishedRunsTheForegroundAgain) {
   connect();
   initIO();

@@ -44,8 +44,3 @@ TEST_F(Settings, BooleansAreHandedOverAsBooleans) {
   plugin.settings.save("AlwaysOnTop", true);
   EXPECT_EQ(saved, base::Value(true));
 }
-
-TEST_F(Settings, TheHostTreatsKeysWithoutRegardToCase) {
-  plugin.settings.save("PlayListEditorLeft", 12.5F);
-  EXPECT_EQ(plugin.settings.number("PlaylistEditorLeft", 0), 12.5);
-}

@@ -63,6 +63,26 @@ TEST_F(ShutdownIO, GoesOnWhenThePlayerAndTheHostFail) {
   EXPECT_TRUE(platform.ended);
 }
 
+TEST_F(ShutdownIO, SavesTheLeftEvenWhenTheTopCannotBeSaved) {
+  start();
+  popup.topTwips = 150;
+  popup.leftTwips = 75;
+  host->answers["SaveINISetting"] = [](base::Args& args) -> base::Value {
+    if (args[1] == base::Value("DisplayControlsTop")) throw base::Failure(base::number::kDiskFull);
+    return {};
+  };
+  callVxif("ShutdownIO");
+  EXPECT_TRUE(journal.has("SaveINISetting(\"Settings\", \"DisplayControlsLeft\", 75, \"vxif_WMP.ini\")"));
+}
+
+TEST_F(ShutdownIO, BeforeAnyStartMakesNoPlayerOnlyToStopIt) {
+  connect();
+  callVxif("ShutdownIO");
+  EXPECT_EQ(wmp9, nullptr);
+  EXPECT_THAT(journal.with("SaveINISetting"), ::testing::IsEmpty());
+  EXPECT_TRUE(platform.ended);
+}
+
 TEST_F(ShutdownIO, ACrashInsteadLeavesTheVolumeAtItsEarlierValue) {
   host->settings["volume"] = "20";
   start();

@@ -25,7 +25,8 @@ class Voice : public House, public ::testing::WithParamInterface<Spoken> {
 }  // namespace
 
 TEST_P(Voice, TheFirstPhraseOfTheTableDecides) {
-  if (std::string(GetParam().phrase).find("resume") != std::string::npos) wmp9->state = player::kPaused;
+  // A stopped player tells "resume", which starts it, from "pause", which leaves it alone.
+  if (std::string(GetParam().phrase).find("resume") != std::string::npos) wmp9->state = player::kStopped;
   say(GetParam().phrase);
   ASSERT_FALSE(playerCalls().empty());
   EXPECT_EQ(playerCalls().front(), std::string("player: ") + GetParam().call);

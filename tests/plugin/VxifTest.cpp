@@ -71,6 +71,60 @@ TEST_F(Vxif, PagePutAlwaysReachesThePagesAndAFailureLeavesAnEmptyAnswer) {
   connect();
   host->webUser = "guest";
   EXPECT_EQ(callVxif("PagePut", "a=b"), base::Value("answer to a=b"));
+  EXPECT_EQ(callVxif("PagePut", "fail"), base::Value(""));
   host->failing = {"WEBLoggedInUser"};
   EXPECT_EQ(callVxif("GenPage", "WMP_PListEdit"), base::Value(""));
+}
+
+namespace {
+
+std::string NameOf(Type type) {
+  switch (type) {
+    case Type::kNone: return "none";
+    case Type::kAny: return "any";
+    case Type::kBoolean: return "boolean";
+    case Type::kInt16: return "16";
+    case Type::kInt32: return "32";
+    case Type::kText: return "text";
+    case Type::kObject: return "object";
+    case Type::kArray: return "array";
+    default: return "other";
+  }
+}
+
+std::string Signature(const base::Member& member) {
+  if (member.kind == base::MemberKind::kField) return member.name + ": " + NameOf(member.result);
+  std::string line = member.name + "(";
+  for (const base::Param& param : member.params) {
+    if (line.back() != '(') line += ", ";
+    line += (param.fallback ? "optional " : "") + std::string(param.inOut ? "inout " : "") + param.name +
+            " " + NameOf(param.type);
+  }
+  return line + ") " + NameOf(member.result);
+}
+
+}  // namespace
+
+TEST_F(Vxif, EveryOperationHasItsTypes) {
+  std::vector<std::string> signatures;
+  for (const base::Member& member : plugin.vxif()->members()->list()) signatures.push_back(Signature(member));
+  EXPECT_THAT(
+      signatures,
+      ::testing::ElementsAre(
+          "Link: text", "LinkText: text", "Page_Title: text", "Scripting: object", "Capabilities() 32",
+          "Name() text", "RegisterCallback(frm object) none", "InterfaceStatus() 16", "InitIO(port 32) text",
+          "ShutdownIO() none", "ConfigIO() none",
+          "SetIO(dv any, HouseCode text, DeviceCode text, Command 16, Brightness 16, data1 16, data2 16) "
+          "none",
+          "SupportsConfigDevice() boolean", "ConfigDevice(hc text, dc text) none",
+          "SupportsTriggerUI() boolean", "SupportsActionUI() boolean", "ActionUI(inout ActionStr text) text",
+          "ActionUIFormat(inout ActionString text) text", "ModifyActionUI(inout controls any) none",
+          "ValidateActionUI(inout ActionStr text) text", "TriggerAction(inout ActionStr text) none",
+          "TriggerUI(optional inout TrigString text) text", "TriggerUIFormat(inout TrigString text) text",
+          "ModifyTriggerUI(inout controls any) none", "ValidateTriggerUI(inout trigstr text) text",
+          "SupportsConditionUI() boolean", "ConditionUI(inout cond_num 16) text",
+          "ConditionUIFormat(inout cond_str any) text", "ConditionCheck(inout cond_str text) boolean",
+          "CustomActionDialogUI() none", "VXEvent(parms array) none", "SelectMenu(menu_name text) none",
+          "ButtonPress(button_name text) none", "GenPage(lnk text) text", "PagePut(data text) text",
+          "Version() text"));
 }

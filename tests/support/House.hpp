@@ -104,7 +104,10 @@ class FakeNeighbours : public plugin::LibraryCalls,
   void loadSetupForm() override { journal_.add("load WebSetupForm"); }
   void loadEditorForm() override { journal_.add("load WebEditorForm"); }
   std::string GenPage(const std::string& link) override { return "page of " + link; }
-  std::string PagePut(const std::string& data) override { return "answer to " + data; }
+  std::string PagePut(const std::string& data) override {
+    if (data == "fail") throw base::Failure(base::number::kDeviceIo);
+    return "answer to " + data;
+  }
   base::ObjectRef create(const std::string& name) override {
     journal_.add("create " + name);
     return std::make_shared<FieldObject>();

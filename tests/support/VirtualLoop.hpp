@@ -23,9 +23,8 @@ class VirtualLoop : public base::Loop {
     runDue();
   }
   void whileOpen(const std::function<void()>& body) override {
-    ++openDepth;
+    const Restored depth(openDepth, openDepth + 1);
     body();
-    --openDepth;
   }
   [[nodiscard]] base::Milliseconds now() const override { return now_; }
 
@@ -41,6 +40,22 @@ class VirtualLoop : public base::Loop {
   int openDepth = 0;
 
  private:
+  /// A value for as long as something runs, also if it throws.
+  template <class T>
+  class Restored {
+   public:
+    Restored(T& target, T value) : target_(target), before_(target) { target_ = value; }
+    ~Restored() { target_ = before_; }
+    Restored(const Restored&) = delete;
+    Restored& operator=(const Restored&) = delete;
+    Restored(Restored&&) = delete;
+    Restored& operator=(Restored&&) = delete;
+
+   private:
+    T& target_;
+    T before_;
+  };
+
   class VirtualTimer : public base::Timer {
    public:
     VirtualTimer(VirtualLoop& loop, base::Milliseconds interval, std::function<void()> event)
@@ -61,9 +76,8 @@ class VirtualLoop : public base::Loop {
     void fireIfDue() {
       if (!enabled_ || running_ || interval_.count() <= 0 || loop_.now_ < due_) return;
       due_ = loop_.now_ + interval_;
-      running_ = true;
+      const Restored running(running_, true);
       event_();
-      running_ = false;
     }
 
    private:
