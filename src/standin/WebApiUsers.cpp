@@ -88,7 +88,7 @@ WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
   }
   limit_.succeeded();
   const auto fresh = std::make_shared<std::string>();
-  const WebAnswer stored = askNow(token, [this, name = user->name, made, fresh](const User&) {
+  WebAnswer stored = askNow(token, [this, name = user->name, made, fresh](const User&) {
     house_.users.setHash(name, made);
     if (!made.empty()) *fresh = house_.users.begin(name);
     house_.log.write("Info",

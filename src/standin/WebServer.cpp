@@ -125,9 +125,10 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
            Refusal(status, status == 413 ? "The request is too large" : "The request was not understood"));
     }
   });
-  server_.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
-    give(response, Refusal(500, "The server could not answer"));
-  });
+  server_.set_exception_handler(
+      [](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
+        give(response, Refusal(500, "The server could not answer"));
+      });
   thread_ = std::thread([this] { server_.listen_after_bind(); });
 }
 
