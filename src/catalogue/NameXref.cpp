@@ -10,6 +10,15 @@ using base::Attempt;
 
 namespace {
 
+/// The sections that a start loads, in their order, with the word of the log line. Playlists are not among
+/// them: their entries are made anew when the playlists are read.
+struct Section {
+  const char* name;
+  const char* word;
+};
+constexpr Section kSections[] = {
+    {"Media Library", "Media"}, {"Artist", "Artist"}, {"Album", "Album"}, {"Genre", "Genre"}};
+
 std::string EntryOf(const std::string& category, const std::string& key) {
   return base::LowerCase(category + ":" + key);
 }
@@ -101,10 +110,9 @@ void NameXref::LoadNameTable() {
   {
     ProgressShown shown(progress_, "LoadNameTable");
     moveOldSection(shown);
-    for (const auto& [section, word] : {std::pair{"Media Library", "Media"}, std::pair{"Artist", "Artist"},
-                                        std::pair{"Album", "Album"}, std::pair{"Genre", "Genre"}}) {
-      step([&] { loggers_.Debug(std::string("Media Player: Loading ") + word + " Xref"); });
-      readSection(section, shown);
+    for (const Section& section : kSections) {
+      step([&] { loggers_.Debug(std::string("Media Player: Loading ") + section.word + " Xref"); });
+      readSection(section.name, shown);
     }
     step([&] { loggers_.Debug("Media Player: Finished Loading Xref"); });
   }

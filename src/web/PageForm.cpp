@@ -24,13 +24,17 @@ const Wrapping kWrappings[] = {
     {"message", R"(<SPAN class="tablecellcustom" style="font-weight: bold">)", "</SPAN>"},
 };
 
-void AddOption(StringAccumulator& text, std::string item, const std::string& selected) {
+std::string Option(std::string item, const std::string& selected) {
   FilterString(item, "HTML", " ");
-  ConcatAdd(text, item == selected ? R"(<option selected value=")" : R"(<option value=")");
-  ConcatAdd(text, item);
-  ConcatAdd(text, "\">");
-  ConcatAdd(text, std::move(item));
-  ConcatAdd(text, "</option>\r\n");
+  constexpr std::size_t kFrame = 48;
+  std::string option;
+  option.reserve(2 * item.size() + kFrame);
+  option += item == selected ? R"(<option selected value=")" : R"(<option value=")";
+  option += item;
+  option += "\">";
+  option += item;
+  option += "</option>\r\n";
+  return option;
 }
 
 }  // namespace
@@ -63,7 +67,7 @@ std::string PageForm::FormDropDown(const std::string& /*category: a drop list is
         if (!label.empty()) ConcatAdd(text, label + "<br>");
         ConcatAdd(text, R"(<select class="formdropdown" name=")" + name + R"(" size=")" +
                             std::to_string(size) + "\" " + attributes + ">" + kLineEnd);
-        for (const std::string& item : items) AddOption(text, item, selected);
+        for (const std::string& item : items) ConcatAdd(text, Option(item, selected));
         ConcatAdd(text, std::string("</select>") + kLineEnd);
         return ConcatResult(text);
       },
@@ -80,7 +84,7 @@ std::string PageForm::HTML_Attr(const std::string& text, const std::vector<std::
         for (const std::string& attribute : attributes) {
           for (const Wrapping& wrapping : kWrappings) {
             if (base::SameText(attribute, wrapping.word))
-              wrapped = wrapping.before + wrapped + wrapping.after;
+              wrapped.insert(0, wrapping.before).append(wrapping.after);
           }
         }
         return wrapped;

@@ -1,6 +1,7 @@
 #include "web/UtilityModule.hpp"
 
 #include <algorithm>
+#include <bitset>
 
 #include "base/Text.hpp"
 
@@ -25,6 +26,13 @@ std::size_t LengthOfFirst(std::string_view text) {
   std::size_t length = 1;
   while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) ++length;
   return length;
+}
+
+/// False when no byte of the set is in the text, which is how most names are.
+bool MayHoldOneOf(std::string_view text, std::string_view set) {
+  std::bitset<256> bytes;
+  for (const char c : set) bytes.set(static_cast<unsigned char>(c));
+  return std::any_of(text.begin(), text.end(), [&](char c) { return bytes[static_cast<unsigned char>(c)]; });
 }
 
 bool ReplaceAll(std::string& text, std::string_view wanted, std::string_view replacement) {
@@ -53,7 +61,9 @@ void CollapseBlanks(std::string& text) {
 
 std::string FilterString(std::string& text, std::string_view characters, std::string_view replacement) {
   std::string found;
-  for (std::string_view set = SetOf(characters); !set.empty();) {
+  std::string_view set = SetOf(characters);
+  if (!MayHoldOneOf(text, set)) set = {};
+  while (!set.empty()) {
     const std::string_view character = set.substr(0, LengthOfFirst(set));
     set.remove_prefix(character.size());
     // One after the other: a replacement that holds a later character of the set is itself filtered.
