@@ -25,7 +25,7 @@ MAY_INCLUDE = {
     "platform": {"base", "ui"},
     "engine": {"base", "player"},
     "standin": {"base", "bus"},
-    "desktop": CORE | {"player", "ui", "plugin"},
+    "desktop": CORE | {"bus", "player", "ui", "plugin"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 

@@ -314,6 +314,7 @@ void PollLoop::quit(int code) { state_->quitCode = code; }
 void PollLoop::turn(Milliseconds limit) {
   RemoveDead(state_->timers);
   RemoveDead(state_->watches);
+  if (beforeWait_) beforeWait_();
   const auto ready = state_->pollWatches(state_->waitFor(limit));
   // An event's own calls wait in the plain way, however open the wait is that the event came in.
   whileClosed([&] {

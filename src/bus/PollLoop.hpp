@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "base/Loop.hpp"
 
@@ -48,6 +49,10 @@ class PollLoop : public base::Loop {
   /// on the loop when it comes.
   std::unique_ptr<Watch> onSignal(int signal, std::function<void()> event);
 
+  /// Runs `prepare` at the start of every turn, before the turn settles what it waits for and how long: for a
+  /// toolkit whose own waits change from turn to turn. There is one; an empty one takes it away.
+  void beforeWait(std::function<void()> prepare) { beforeWait_ = std::move(prepare); }
+
   /// Turns until `quit`; answers the code given to it.
   int run();
   /// Ends the innermost `run` after the turn it is in; without one, the next `run` ends at once.
@@ -60,6 +65,7 @@ class PollLoop : public base::Loop {
  private:
   struct State;
   std::unique_ptr<State> state_;
+  std::function<void()> beforeWait_;
   int openDepth_ = 0;
 };
 

@@ -1,0 +1,36 @@
+#include "desktop/BoxWindow.hpp"
+
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+#include "desktop/MessagePane.hpp"
+
+namespace desktop {
+
+void ShowBox(QtWindows& windows, base::BoxKind kind, const std::string& title, const std::string& text) {
+  constexpr int kMargin = 20;
+  QDialog dialog;
+  dialog.setWindowTitle(QString::fromStdString(title));
+  dialog.setAccessibleDescription(QString::fromStdString(text));
+  dialog.setModal(true);
+  auto* message = new MessagePane(kind);
+  message->text(QString::fromStdString(text));
+  auto* ok = new QPushButton("&OK");
+  ok->setDefault(true);
+  auto* rows = new QVBoxLayout(&dialog);
+  rows->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  rows->setSpacing(kMargin);
+  rows->setSizeConstraint(QLayout::SetFixedSize);
+  rows->addWidget(message);
+  rows->addWidget(ok, 0, Qt::AlignRight);
+  QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+  ok->setFocus();
+  dialog.show();
+  dialog.raise();
+  dialog.activateWindow();
+  windows.changed();
+  windows.waitUntil([&] { return !dialog.isVisible(); });
+}
+
+}  // namespace desktop
