@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <locale>
 
+#include "base/Failure.hpp"
+
 namespace base {
 
 namespace {
@@ -122,6 +124,13 @@ std::string CharacterOf(std::int32_t code) {
   const bool valid = code > 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
   Append(text, valid ? static_cast<char32_t>(code) : U'\uFFFD');
   return text;
+}
+
+unsigned HexDigit(char digit) {
+  if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
+  if (digit >= 'A' && digit <= 'F') return static_cast<unsigned>(digit - 'A') + 10;
+  if (digit >= 'a' && digit <= 'f') return static_cast<unsigned>(digit - 'a') + 10;
+  throw Failure(number::kTypeMismatch);
 }
 
 std::size_t CountCharacters(std::string_view text) {

@@ -19,6 +19,8 @@ std::vector<std::string> Split(std::string_view text, char separator);
 std::int32_t FirstCharacter(std::string_view text);
 /// The text of one character. `code` from 1 to 0x10FFFF; any other gives U+FFFD.
 std::string CharacterOf(std::int32_t code);
+/// The value of a hexadecimal digit in either case. Throws number 13 for another character.
+unsigned HexDigit(char digit);
 /// Number of code points.
 std::size_t CountCharacters(std::string_view text);
 /// True when the text is well-formed UTF-8 (and, as D-Bus asks, holds no code 0).

@@ -1,6 +1,6 @@
 #include "catalogue/MediaKey.hpp"
 
-#include "base/Failure.hpp"
+#include "base/Text.hpp"
 
 namespace catalogue {
 
@@ -8,13 +8,6 @@ namespace {
 
 bool BelongsToKey(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-unsigned Digit(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-  throw base::Failure(base::number::kTypeMismatch);
 }
 
 }  // namespace
@@ -48,8 +41,8 @@ std::string HexDecodeName(std::string_view text) {
   std::string decoded;
   decoded.reserve(text.size() / 2);
   for (std::size_t at = 0; at < text.size(); at += 2) {
-    unsigned code = Digit(text[at]);
-    if (at + 1 < text.size()) code = code * 16 + Digit(text[at + 1]);
+    unsigned code = base::HexDigit(text[at]);
+    if (at + 1 < text.size()) code = code * 16 + base::HexDigit(text[at + 1]);
     decoded += static_cast<char>(code);
   }
   return decoded;

@@ -3,19 +3,9 @@
 #include <algorithm>
 
 #include "base/Failure.hpp"
+#include "base/Text.hpp"
 
 namespace web {
-
-namespace {
-
-unsigned Digit(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-  throw base::Failure(base::number::kTypeMismatch);
-}
-
-}  // namespace
 
 std::string DecodeUrl(std::string_view text) {
   std::string decoded;
@@ -25,7 +15,7 @@ std::string DecodeUrl(std::string_view text) {
       decoded += ' ';
     } else if (text[at] == '%') {
       if (text.size() - at < 3) throw base::Failure(base::number::kTypeMismatch);
-      decoded += static_cast<char>(Digit(text[at + 1]) * 16 + Digit(text[at + 2]));
+      decoded += static_cast<char>(base::HexDigit(text[at + 1]) * 16 + base::HexDigit(text[at + 2]));
       at += 2;
     } else {
       decoded += text[at];

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
-#include "base/Failure.hpp"
+#include "support/FailureNumber.hpp"
 
 using base::Args;
 using base::MemberKind;
@@ -42,15 +40,6 @@ class Lamp : public base::TableObject {
   std::int32_t level = 100;
 };
 
-std::int32_t NumberOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const base::Failure& failure) {
-    return failure.number();
-  }
-  return 0;
-}
-
 }  // namespace
 
 TEST(TableObject, FillsInTheDefaultOfAMissingArgument) {
@@ -80,12 +69,12 @@ TEST(TableObject, ReadsAFieldThatIsCalled) {
 
 TEST(TableObject, RefusesWhatItsTableDoesNotHold) {
   Lamp lamp;
-  EXPECT_EQ(NumberOf([&] { lamp.invoke("Explode"); }), base::number::kNoSuchMember);
-  EXPECT_EQ(NumberOf([&] { lamp.put("Watts", 5); }), base::number::kNoSuchMember);
-  EXPECT_EQ(NumberOf([&] { lamp.get("Dim"); }), base::number::kNoSuchMember);
-  EXPECT_EQ(NumberOf([&] { lamp.invoke("Dim", 1, 2); }), base::number::kWrongArguments);
-  EXPECT_EQ(NumberOf([&] { lamp.invoke("Swap"); }), base::number::kWrongArguments);
-  EXPECT_EQ(NumberOf([&] { lamp.invoke("Dim", 99999); }), base::number::kOverflow);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.invoke("Explode"); }), base::number::kNoSuchMember);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.put("Watts", 5); }), base::number::kNoSuchMember);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.get("Dim"); }), base::number::kNoSuchMember);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.invoke("Dim", 1, 2); }), base::number::kWrongArguments);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.invoke("Swap"); }), base::number::kWrongArguments);
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.invoke("Dim", 99999); }), base::number::kOverflow);
 }
 
 TEST(TableObject, ConvertsItsResultToTheDeclaredType) {

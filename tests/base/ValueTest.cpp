@@ -2,24 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
-#include "base/Failure.hpp"
 #include "base/Object.hpp"
+#include "support/FailureNumber.hpp"
 
 using base::Value;
-
-namespace {
-std::int32_t NumberOf(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const base::Failure& failure) {
-    return failure.number();
-  }
-  return 0;
-}
-}  // namespace
 
 TEST(ToBoolean, TakesWordsInAnyCaseAndNumbers) {
   EXPECT_TRUE(ToBoolean(Value("True")));
@@ -34,22 +22,22 @@ TEST(ToBoolean, TakesWordsInAnyCaseAndNumbers) {
 
 TEST(ToBoolean, RefusesOtherTexts) {
   for (const char* text : {"", "yes", "1x", "tru", "--1", "+-1", "+", "nan", "inf"})
-    EXPECT_EQ(NumberOf([&] { ToBoolean(Value(text)); }), base::number::kTypeMismatch) << text;
+    EXPECT_EQ(support::FailureNumberOf([&] { ToBoolean(Value(text)); }), base::number::kTypeMismatch) << text;
 }
 
 TEST(ToInt16, RoundsHalfToEvenAndOverflowsPastItsRange) {
   EXPECT_EQ(ToInt16(Value(2.5)), 2);
   EXPECT_EQ(ToInt16(Value(3.5)), 4);
   EXPECT_EQ(ToInt16(Value("32767")), 32767);
-  EXPECT_EQ(NumberOf([] { ToInt16(Value(32768)); }), base::number::kOverflow);
+  EXPECT_EQ(support::FailureNumberOf([] { ToInt16(Value(32768)); }), base::number::kOverflow);
   EXPECT_EQ(ToInt16(Value(true)), -1);
 }
 
 TEST(ToInt32, OverflowsPastItsRange) {
   EXPECT_EQ(ToInt32(Value(2147483647.0)), 2147483647);
-  EXPECT_EQ(NumberOf([] { ToInt32(Value(2147483648.0)); }), base::number::kOverflow);
-  EXPECT_EQ(NumberOf([] { ToInt32(Value("1e999")); }), base::number::kOverflow);
-  EXPECT_EQ(NumberOf([] { ToInt32(Value(std::numeric_limits<double>::quiet_NaN())); }),
+  EXPECT_EQ(support::FailureNumberOf([] { ToInt32(Value(2147483648.0)); }), base::number::kOverflow);
+  EXPECT_EQ(support::FailureNumberOf([] { ToInt32(Value("1e999")); }), base::number::kOverflow);
+  EXPECT_EQ(support::FailureNumberOf([] { ToInt32(Value(std::numeric_limits<double>::quiet_NaN())); }),
             base::number::kOverflow);
 }
 
@@ -64,14 +52,15 @@ TEST(ToText, WritesNumbersAsPeopleReadThem) {
 }
 
 TEST(Conversions, RefuseObjectsAndArrays) {
-  EXPECT_EQ(NumberOf([] { ToText(Value(base::ObjectRef())); }), base::number::kTypeMismatch);
-  EXPECT_EQ(NumberOf([] { ToDouble(Value(base::Array{})); }), base::number::kTypeMismatch);
-  EXPECT_EQ(NumberOf([] { ToObject(Value("text")); }), base::number::kTypeMismatch);
+  EXPECT_EQ(support::FailureNumberOf([] { ToText(Value(base::ObjectRef())); }), base::number::kTypeMismatch);
+  EXPECT_EQ(support::FailureNumberOf([] { ToDouble(Value(base::Array{})); }), base::number::kTypeMismatch);
+  EXPECT_EQ(support::FailureNumberOf([] { ToObject(Value("text")); }), base::number::kTypeMismatch);
 }
 
 TEST(Deref, FailsWithNumber91OnNothing) {
-  EXPECT_EQ(NumberOf([] { base::Deref(Value()); }), base::number::kObjectMissing);
-  EXPECT_EQ(NumberOf([] { base::Deref(Value(base::ObjectRef())); }), base::number::kObjectMissing);
+  EXPECT_EQ(support::FailureNumberOf([] { base::Deref(Value()); }), base::number::kObjectMissing);
+  EXPECT_EQ(support::FailureNumberOf([] { base::Deref(Value(base::ObjectRef())); }),
+            base::number::kObjectMissing);
 }
 
 TEST(NumericPrefix, ReadsTheNumberThatATextBeginsWith) {

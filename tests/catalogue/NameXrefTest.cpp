@@ -1,5 +1,5 @@
-#include "support/LibraryHouse.hpp"
 #include "catalogue/MediaKey.hpp"
+#include "support/LibraryHouse.hpp"
 
 using support::LibraryHouse;
 using ::testing::ElementsAre;

@@ -11,6 +11,7 @@
 #include "base/Members.hpp"
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
+#include "support/FailureNumber.hpp"
 
 namespace support {
 
@@ -86,17 +87,6 @@ inline bool TurnUntil(bus::PollLoop& loop, const std::function<bool()>& done,
   const auto end = loop.now() + deadline;
   while (!done() && loop.now() < end) loop.turn(base::Milliseconds(20));
   return done();
-}
-
-/// The number of the failure that `statement` throws, 0 when it throws none.
-template <class Statement>
-std::int32_t FailureNumberOf(Statement&& statement) {
-  try {
-    std::forward<Statement>(statement)();
-  } catch (const base::Failure& failure) {
-    return failure.number();
-  }
-  return 0;
 }
 
 }  // namespace support
