@@ -13,7 +13,7 @@ RUN_PACKAGES=(dbus-daemon)
 TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev clang-format clang-tidy
-  chromium nodejs python3 ffmpeg
+  chromium chromium-driver python3 ffmpeg
   xvfb xdotool x11-utils imagemagick
 )
 
