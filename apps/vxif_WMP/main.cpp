@@ -4,8 +4,10 @@
 #include <exception>
 #include <string>
 
-#include "Headless.hpp"
-#include "base/Attempt.hpp"
+#include "HouseLog.hpp"
+#include "RegisteredObjects.hpp"
+#include "UserDesktop.hpp"
+#include "UserPlatform.hpp"
 #include "base/Failure.hpp"
 #include "bus/Connection.hpp"
 #include "bus/HouseBus.hpp"
@@ -47,19 +49,24 @@ engine::Config PlayerConfig(std::string& problem) {
 int Serve() {
   bus::PollLoop loop;
   bus::Connection connection(loop, BusAddress());
-  platform::PosixPlatform platform;
+  plugin::Plugin* owner = nullptr;
+  // Before the first thread starts, for a thread takes the blocked signal after its maker.
+  const auto onTerminate = loop.onSignal(SIGTERM, [&] {
+    if (owner != nullptr) owner->lifecycle.ShutdownIO();
+  });
+  HouseLog log;
+  UserDesktop desktop(loop, log);
+  platform::PosixPlatform machine;
+  UserPlatform platform(machine, [&](base::BoxKind kind, const std::string& title, const std::string& text) {
+    desktop.messageBox(kind, title, text);
+  });
   player::WindowlessPopup popup;
-  HeadlessDesktop desktop;
   RegisteredObjects objects;
   plugin::MediaEvents mediaEvents;
   plugin::WebForms pages;
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
-  plugin::Plugin* owner = nullptr;
-  const auto tell = [&owner](const std::string& line) {
-    base::Attempt step;
-    step([&] { owner->host.WriteLog("Warning", "Media Player: " + line); });
-  };
+  const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
 
   plugin::Plugin plugin({loop,
                          platform,
@@ -68,9 +75,12 @@ int Serve() {
                            return engine::MakePlayer(loop, config, events, tell);
                          },
                          popup,
-                         {mediaEvents, desktop, pages, objects}});
+                         {mediaEvents, desktop, pages, objects},
+                         nullptr,
+                         desktop.progress()});
   owner = &plugin;
-  desktop.connect(plugin.host, loop);
+  log.connect(plugin.host);
+  desktop.connect(plugin.host);
   objects.provide(std::make_shared<script::ScriptClass>(
       script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
                           plugin.catalogue, plugin.library, mediaEvents}));
@@ -84,7 +94,6 @@ int Serve() {
   };
   connection.onNameLost(kHostName, hostGone);
   connection.onDisconnect(hostGone);
-  const auto onTerminate = loop.onSignal(SIGTERM, [&] { plugin.lifecycle.ShutdownIO(); });
   connection.claimName(kBusName);
   return loop.run();
 }

@@ -1,14 +1,24 @@
 #pragma once
 #include <cstdio>
+#include <functional>
+#include <string>
+#include <utility>
 
 #include "ui/MsgFormView.hpp"
 
 namespace ui {
 
-/// The timed message of a machine without a display: its time is up at once, and the text goes to a stream.
+/// The timed message of a machine without a display: its time is up at once, and the text is left elsewhere.
 class WindowlessMsgForm : public MsgFormView {
  public:
-  explicit WindowlessMsgForm(std::FILE* out = stderr) : out_(out) {}
+  using Leave = std::function<void(const std::string& title, const std::string& text)>;
+
+  /// Leaves a message as a line of the stream.
+  explicit WindowlessMsgForm(std::FILE* out = stderr)
+      : WindowlessMsgForm([out](const std::string& title, const std::string& text) {
+          std::fprintf(out, "%s %s\n", title.c_str(), text.c_str());
+        }) {}
+  explicit WindowlessMsgForm(Leave leave) : leave_(std::move(leave)) {}
 
   void caption(const std::string& text) override { caption_ = text; }
   void MessageText(const std::string& text) override { text_ = text; }
@@ -16,14 +26,14 @@ class WindowlessMsgForm : public MsgFormView {
   void focusOk() override {}
   [[nodiscard]] std::int32_t handle() const override { return 0; }
   void showModal(MsgFormEvents& events) override {
-    std::fprintf(out_, "%s %s\n", caption_.c_str(), text_.c_str());
     events.Cancel_Button_Click();
+    leave_(caption_, text_);
   }
   void hide() override {}
   void unload() override {}
 
  private:
-  std::FILE* out_;
+  Leave leave_;
   std::string caption_;
   std::string text_;
 };
