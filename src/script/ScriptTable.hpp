@@ -33,15 +33,16 @@ class Slots {
   }
   template <class Read>
   base::Member readField(const char* name, base::Type type, Read read) {
-    return {name,
-            base::MemberKind::kReadField,
-            {},
-            type,
-            guarded(type, base::EmptyOf(type), [read = std::move(read)](base::Args&) { return read(); })};
+    base::Member member = Named(name, base::MemberKind::kReadField, type);
+    member.handler =
+        guarded(type, base::EmptyOf(type), [read = std::move(read)](base::Args&) { return read(); });
+    return member;
   }
   template <class Write>
   base::Member writeField(const char* name, base::Type type, Write write) {
-    return {name, base::MemberKind::kWriteField, {}, type, {}, guardedWriter(std::move(write))};
+    base::Member member = Named(name, base::MemberKind::kWriteField, type);
+    member.writer = guardedWriter(std::move(write));
+    return member;
   }
   template <class Read, class Write>
   base::Member field(const char* name, base::Type type, Read read, Write write) {
@@ -52,11 +53,20 @@ class Slots {
   }
 
  private:
+  static base::Member Named(const char* name, base::MemberKind kind, base::Type type) {
+    base::Member member;
+    member.name = name;
+    member.kind = kind;
+    member.result = type;
+    return member;
+  }
   template <class Answer>
   base::Member operation(const char* name, std::vector<base::Param> params, base::Type type, base::Value none,
                          Answer answer) {
-    return {name, base::MemberKind::kOperation, std::move(params), type,
-            guarded(type, std::move(none), std::move(answer))};
+    base::Member member = Named(name, base::MemberKind::kOperation, type);
+    member.params = std::move(params);
+    member.handler = guarded(type, std::move(none), std::move(answer));
+    return member;
   }
   template <class Answer>
   std::function<base::Value(base::Args&)> guarded(base::Type type, base::Value none, Answer answer) {
