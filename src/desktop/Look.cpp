@@ -1,8 +1,10 @@
 #include "desktop/Look.hpp"
 
+#include <QtGui/QFont>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyleFactory>
+#include <algorithm>
 
 namespace desktop {
 
@@ -53,9 +55,13 @@ QProgressBar::chunk { background: palette(highlight); border-radius: 5px; }
 }  // namespace
 
 void ApplyLook(QApplication& application) {
+  constexpr double kSmallestFont = 10.5;
   const bool dark = QApplication::palette().color(QPalette::Window).lightness() <
                     QApplication::palette().color(QPalette::WindowText).lightness();
   QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QFont font = QApplication::font();
+  font.setPointSizeF(std::max(font.pointSizeF(), kSmallestFont));
+  QApplication::setFont(font);
   QApplication::setPalette(PaletteOf(dark ? kDark : kLight));
   application.setStyleSheet(kStyle);
 }

@@ -54,14 +54,14 @@ MessagePane::MessagePane(base::BoxKind kind) : text_(new QLabel), area_(new QScr
   area_->setWidgetResizable(true);
   area_->setFrameShape(QFrame::NoFrame);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  area_->setFocusPolicy(Qt::NoFocus);
   area_->viewport()->setAutoFillBackground(false);
   text_->setAutoFillBackground(false);
   auto* line = new QHBoxLayout(this);
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(kGap);
   line->addWidget(new Badge(kind), 0, Qt::AlignTop);
-  line->addWidget(area_, 1);
+  line->addWidget(area_);
+  line->addStretch(1);
 }
 
 void MessagePane::text(const QString& value) {
@@ -77,7 +77,9 @@ void MessagePane::text(const QString& value) {
       text_->fontMetrics().boundingRect(0, 0, widest, screen.height() * 100, Qt::TextWordWrap, value);
   const int highest = screen.height() / 2;
   int width = std::clamp(wanted.width() + kSpare, std::min(kNarrowest, widest), widest + kSpare);
-  if (wanted.height() > highest) width += area_->verticalScrollBar()->sizeHint().width();
+  const bool scrolls = wanted.height() > highest;
+  if (scrolls) width += area_->verticalScrollBar()->sizeHint().width();
+  area_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::NoFocus);  // to be read by keyboard too
   area_->setFixedSize(width, std::clamp(wanted.height() + kSpare, kLowest, highest));
 }
 

@@ -46,6 +46,7 @@ class MsgFormWindow::Dialog : public QDialog {
 MsgFormWindow::Dialog::Dialog() {
   constexpr int kMargin = 20;
   constexpr int kGap = 14;
+  constexpr int kBetween = 10;
   setWindowTitle("Dialog Caption");
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setModal(true);
@@ -56,6 +57,7 @@ MsgFormWindow::Dialog::Dialog() {
   stop.setAutoDefault(false);
   stop.setAccessibleDescription("Keeps the message until a button is pressed");
   auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(kBetween);
   buttons->addWidget(&time, 1);
   buttons->addSpacing(kGap);
   for (QPushButton* button : {&ok, &cancel, &stop}) buttons->addWidget(button);
