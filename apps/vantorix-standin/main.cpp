@@ -8,6 +8,7 @@
 #include "standin/FileTools.hpp"
 #include "standin/HostObject.hpp"
 #include "standin/HouseObjects.hpp"
+#include "standin/Library.hpp"
 #include "standin/LoopGate.hpp"
 #include "standin/Options.hpp"
 #include "standin/PluginKeeper.hpp"
@@ -51,6 +52,7 @@ int serve(const Options& options) {
 
   SettingsFlusher flusher(loop, house);
   PluginKeeper plugin(loop, connection, house, callback);
+  Library library(loop, connection, plugin);
   const auto end = [&] {
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
@@ -60,7 +62,7 @@ int serve(const Options& options) {
   int code = 0;
   {
     LoopGate gate(loop, std::chrono::seconds(30));
-    WebApi api(house, objects, plugin, gate, local);
+    WebApi api(house, objects, plugin, library, gate, local);
     const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts));
     const std::string name =
         options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";

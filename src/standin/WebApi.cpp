@@ -33,10 +33,12 @@ WebAnswer Refusal(int status, const std::string& text) {
   return {status, "application/json", Dump({{"error", text}})};
 }
 
-WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, LoopGate& gate, bool local)
+WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, LoopGate& gate,
+               bool local)
     : house_(house),
       objects_(objects),
       plugin_(plugin),
+      library_(library),
       gate_(gate),
       local_(local),
       htmlFolder_(house.htmlFolder()) {}
@@ -101,6 +103,17 @@ WebAnswer WebApi::get(const std::string& path, const std::string& token,
   if (path == "/api/log") {
     return logLines(token, parameter("type"), numberOf<std::int64_t>(parameter("before")));
   }
+  if (path == "/api/library") {
+    return library(token, {.category = parameter("category"),
+                           .group = parameter("group"),
+                           .sought = parameter("q"),
+                           .offset = numberOf<std::size_t>(parameter("offset")),
+                           .limit = numberOf<std::size_t>(parameter("limit")),
+                           .fresh = parameter("fresh") == "1"});
+  }
+  if (path == "/api/media") {
+    return media(token, parameter("category"), parameter("name"), parameter("title"));
+  }
   if (path.starts_with("/api/")) return Refusal(404, "There is no such page");
   return linkPage(path, token);
 }
@@ -114,6 +127,7 @@ WebAnswer WebApi::post(const std::string& path, const std::string& token, const 
     if (path == "/api/command") return command(token, json);
     if (path == "/api/menu") return menu(token, json);
     if (path == "/api/voice") return voice(token, json);
+    if (path == "/api/play") return play(token, json);
     if (path == "/api/plugin") return startPlugin(token);
     if (path == "/api/login") return login(json);
     if (path == "/api/logout") return logout(token);

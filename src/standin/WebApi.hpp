@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "standin/HouseObjects.hpp"
+#include "standin/Library.hpp"
 #include "standin/LoginLimit.hpp"
 #include "standin/LoopGate.hpp"
 #include "standin/PluginKeeper.hpp"
@@ -30,7 +31,8 @@ WebAnswer Refusal(int status, const std::string& text);
 class WebApi {
  public:
   /// `local`: the server listens on this machine alone, so that the owner may do without a password.
-  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, LoopGate& gate, bool local);
+  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, LoopGate& gate,
+         bool local);
 
   WebAnswer get(const std::string& path, const std::string& token,
                 const std::function<std::string(const char*)>& parameter);
@@ -46,6 +48,14 @@ class WebApi {
   using Reply = std::function<void(WebAnswer)>;
   using Work = std::function<void(const User& user, const Reply& reply)>;
   using Json = nlohmann::json;
+  struct LibraryQuery {
+    std::string category;
+    std::string group;  ///< empty for the category's own list
+    std::string sought;
+    std::size_t offset = 0;
+    std::size_t limit = 0;
+    bool fresh = false;
+  };
 
   WebAnswer ask(const std::string& token, Work work);
   WebAnswer askNow(const std::string& token, std::function<WebAnswer(const User&)> work);
@@ -60,6 +70,10 @@ class WebApi {
   WebAnswer command(const std::string& token, const Json& json);
   WebAnswer menu(const std::string& token, const Json& json);
   WebAnswer voice(const std::string& token, const Json& json);
+  WebAnswer library(const std::string& token, const LibraryQuery& query);
+  WebAnswer media(const std::string& token, const std::string& category, const std::string& name,
+                  const std::string& title);
+  WebAnswer play(const std::string& token, const Json& json);
   WebAnswer startPlugin(const std::string& token);
   WebAnswer login(const Json& json);
   WebAnswer logout(const std::string& token);
@@ -71,6 +85,7 @@ class WebApi {
   House& house_;
   HouseObjects& objects_;
   PluginKeeper& plugin_;
+  Library& library_;
   LoopGate& gate_;
   bool local_;
   std::filesystem::path htmlFolder_;

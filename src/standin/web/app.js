@@ -2,6 +2,7 @@
 import {accountPage, signInPage} from './account.js';
 import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
 import {ask, el, run, toast} from './dom.js';
+import {libraryPage} from './library.js';
 import {leaveLog, logLine, logPage} from './log.js';
 
 const page = document.getElementById('page');
@@ -58,6 +59,7 @@ function showNav() {
   const here = ownText || currentView();
   const link = (href, text, name) => el('a', {href, 'aria-current': here === name ? 'page' : undefined}, text);
   const links = [link('/#devices', 'Devices', 'devices')];
+  links.push(link('/#library', 'Library', 'library'));
   if (state.menu.length && !state.user.guest) links.push(link('/#menu', 'Menu', 'menu'));
   for (const each of state.links) links.push(link('/' + encodeURIComponent(each.link), each.text, each.link));
   links.push(link('/#log', 'Log', 'log'));
@@ -66,8 +68,8 @@ function showNav() {
 }
 
 function currentView() {
-  const view = location.hash.slice(1);
-  return ['devices', 'menu', 'log', 'account'].includes(view) ? view : 'devices';
+  const view = location.hash.slice(1).split('/')[0];
+  return ['devices', 'library', 'menu', 'log', 'account'].includes(view) ? view : 'devices';
 }
 
 function menuPage() {
@@ -92,6 +94,7 @@ function showPage() {
   showNav();
   if (view !== 'log') leaveLog();
   if (view === 'devices') page.replaceChildren(devicesPage(state.devices));
+  else if (view === 'library') libraryPage(page, shown === 'library');
   else if (view === 'menu') page.replaceChildren(menuPage());
   else if (view === 'account') accountPage(page, state.user);
   else if (shown !== 'log') logPage(page);
