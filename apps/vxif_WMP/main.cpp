@@ -8,7 +8,7 @@
 #include "RegisteredObjects.hpp"
 #include "UserDesktop.hpp"
 #include "UserPlatform.hpp"
-#include "base/Failure.hpp"
+#include "base/Attempt.hpp"
 #include "bus/Connection.hpp"
 #include "bus/HouseBus.hpp"
 #include "engine/Config.hpp"
@@ -36,7 +36,7 @@ engine::Config PlayerConfig(std::string& problem) {
   } catch (const base::Failure& failure) {
     problem = failure.description();
   }
-  if (const char* folder = std::getenv("VANTORIX_MUSIC")) {
+  if (const char* folder = std::getenv("VANTORIX_MUSIC"); folder != nullptr && *folder != '\0') {
     const std::string playlists = "/Playlists";
     if (config.playlistFolder == config.musicFolders.front() + playlists)
       config.playlistFolder = folder + playlists;
@@ -72,7 +72,13 @@ int Serve() {
                          platform,
                          [&](player::WMP9Events& events) {
                            if (!configProblem.empty()) tell(configProblem);
-                           return engine::MakePlayer(loop, config, events, tell);
+                           // The plug-in's own words name no cause, so it is told beside them.
+                           return base::Handled(
+                               [&] { return engine::MakePlayer(loop, config, events, tell); },
+                               [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
+                                 tell(failure.description());
+                                 throw failure;
+                               });
                          },
                          popup,
                          {mediaEvents, desktop, pages, objects},

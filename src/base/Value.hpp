@@ -37,10 +37,11 @@ class Value {
   Value(const char* value) : held_(std::string(value)) {}       // NOLINT(google-explicit-constructor)
   Value(ObjectRef value) : held_(std::move(value)) {}           // NOLINT(google-explicit-constructor)
   template <class T>
+  // NOLINTNEXTLINE(google-explicit-constructor)
   requires std::is_base_of_v<Object, T> Value(std::shared_ptr<T> value)
-      : held_(ObjectRef(std::move(value))) {}  // NOLINT
-  Value(Array value);                          // NOLINT(google-explicit-constructor)
-  Value(Record value);                         // NOLINT(google-explicit-constructor)
+      : held_(ObjectRef(std::move(value))) {}
+  Value(Array value);   // NOLINT(google-explicit-constructor)
+  Value(Record value);  // NOLINT(google-explicit-constructor)
 
   [[nodiscard]] bool empty() const { return std::holds_alternative<std::monostate>(held_); }
   template <class T>

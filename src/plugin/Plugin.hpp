@@ -41,7 +41,6 @@ class Plugin {
   Loggers loggers;
   player::StaleMarks stale;
   player::StateQueue queue;
-  player::WMPPlayer form;
   player::WMPCalls calls;
   base::LoopDayClock clock;
   ui::WindowlessProgBar noProgressView;
@@ -56,6 +55,7 @@ class Plugin {
   player::PlayerEvents playerEvents;
   automation::Triggers triggers;
   player::PlayStateTracker playState;
+  player::WMPPlayer form;  // behind all that the control may send an event to while it goes
   automation::Devices devices;
   Lifecycle lifecycle;
   Dispatch dispatch;
