@@ -36,6 +36,22 @@ struct Pipe {
   std::array<int, 2> ends{};
 };
 
+TEST(PollLoop, WhatIsPreparedBeforeATurnCountsInThatTurn) {
+  PollLoop loop;
+  int prepared = 0;
+  int worked = 0;
+  loop.beforeWait([&] {
+    ++prepared;
+    loop.post([&] { ++worked; });
+  });
+  loop.turn(std::chrono::seconds(30));  // does not wait
+  EXPECT_EQ(prepared, 1);
+  EXPECT_EQ(worked, 1);
+  loop.beforeWait({});
+  loop.pump();
+  EXPECT_EQ(prepared, 1);
+}
+
 TEST(PollLoop, ATimerRepeatsWhileItIsEnabled) {
   PollLoop loop;
   int fired = 0;

@@ -4,7 +4,7 @@
 
 #include <QtWidgets/QLabel>
 
-#include "support/Screen.hpp"
+#include "support/WindowUser.hpp"
 
 namespace {
 
@@ -28,7 +28,7 @@ TEST_F(BoxWindow, StaysUntilItIsRead) {
             [&](QWidget& window) {
               title = window.windowTitle().toStdString();
               text = window.findChild<QLabel*>("MessageText")->text().toStdString();
-              support::Screen::shot("critical");
+              support::ScreenShot("critical");
             })
       .click("&OK");
   desktop::ShowBox(*windows, base::BoxKind::kCritical, "Media Player",

@@ -9,7 +9,7 @@
 #include "support/BusDaemon.hpp"
 #include "support/BusPeer.hpp"
 #include "support/FakeHost.hpp"
-#include "support/Screen.hpp"
+#include "support/WindowUser.hpp"
 #include "ui/myMsgForm.hpp"
 
 using ::testing::ElementsAre;
@@ -86,7 +86,7 @@ TEST_F(MsgFormWindow, ShowsItsTextAndAsksTheHostToTheFront) {
         handle = static_cast<std::int32_t>(window.winId());
       })
       .when([](QWidget& window) { return timeLabel(window) == "Time remaining: 29990"; },
-            [](QWidget&) { support::Screen::shot("message"); })
+            [](QWidget&) { support::ScreenShot("message"); })
       .click("&OK");
   EXPECT_EQ(show(kLong), 1);
   EXPECT_EQ(title, "Error!");
@@ -140,7 +140,7 @@ TEST_F(MsgFormWindow, StopKeepsItOpenBeyondItsTime) {
       .when([&](QWidget&) { return !form.Timer1().enabled(); }, [&](QWidget&) { stopped = loop.now(); })
       // Two of the shortened seconds would have been its end.
       .when([&](QWidget&) { return loop.now() > stopped + std::chrono::milliseconds(1500); },
-            [](QWidget&) { support::Screen::shot("stopped"); })
+            [](QWidget&) { support::ScreenShot("stopped"); })
       .click("&OK");
   EXPECT_EQ(show(20), 1);
   EXPECT_TRUE(user.finished());
@@ -160,7 +160,7 @@ TEST_F(MsgFormWindow, ALongTextScrollsInsteadOfLeavingTheScreen) {
   QSize size;
   user.act([&](QWidget& window) {
         size = window.size();
-        support::Screen::shot("long");
+        support::ScreenShot("long");
       })
       .click("&OK");
   EXPECT_EQ(form.ShowTimedMessage("Story", text, kLong), 1);

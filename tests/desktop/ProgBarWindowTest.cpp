@@ -5,7 +5,7 @@
 #include <QtWidgets/QProgressBar>
 
 #include "support/FakeHost.hpp"
-#include "support/Screen.hpp"
+#include "support/WindowUser.hpp"
 #include "ui/ProgBar.hpp"
 
 namespace {
@@ -45,7 +45,7 @@ class ProgBarWindow : public ::testing::Test {
     const auto* strip = OpenWindow()->findChild<QProgressBar*>();
     const QPoint at = strip->mapToGlobal(
         QPoint(static_cast<int>(static_cast<float>(strip->width()) * part), strip->height() / 2));
-    return support::Screen::shot(shot).pixelColor(at);
+    return support::ScreenShot(shot).pixelColor(at);
   }
 
   support::Screen screen;

@@ -7,7 +7,7 @@
 
 #include "desktop/BoxWindow.hpp"
 #include "support/BusPeer.hpp"
-#include "support/Screen.hpp"
+#include "support/WindowUser.hpp"
 
 namespace {
 

@@ -22,6 +22,7 @@ class RealHouse {
     std::string audio = "null";  ///< silence in real time
     std::string plugin = VXIF_PROGRAM;
     std::vector<std::string> serverWords{};  ///< further words for the server
+    std::string display{};                   ///< the plug-in's screen; none by default
   };
 
   explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
@@ -114,9 +115,11 @@ class RealHouse {
   }
   [[nodiscard]] std::string pluginCommand() const {
     const std::string home = folder_.path().string();
-    return "/usr/bin/env VANTORIX_MUSIC='" + setup_.music + "' VANTORIX_AUDIO=" + setup_.audio +
-           " XDG_DATA_HOME=" + home + "/data XDG_CONFIG_HOME=" + home + "/config XDG_MUSIC_DIR=" + home +
-           " " + setup_.plugin;
+    const std::string display =
+        "-u DISPLAY -u WAYLAND_DISPLAY" + (setup_.display.empty() ? "" : " DISPLAY=" + setup_.display);
+    return "/usr/bin/env " + display + " VANTORIX_MUSIC='" + setup_.music +
+           "' VANTORIX_AUDIO=" + setup_.audio + " XDG_DATA_HOME=" + home + "/data XDG_CONFIG_HOME=" + home +
+           "/config XDG_MUSIC_DIR=" + home + " " + setup_.plugin;
   }
 
   TempFolder folder_;

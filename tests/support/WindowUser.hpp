@@ -15,30 +15,17 @@
 
 #include "bus/PollLoop.hpp"
 #include "support/Process.hpp"
+#include "support/XServer.hpp"
 
 namespace support {
 
-/// A screen of the test's own, which the process's windows go to.
-class Screen {
- public:
-  Screen() {
-    const std::string& said = server_.outputWith("\n");
-    ::setenv("DISPLAY", (":" + std::to_string(std::stoi(said))).c_str(), 1);
-    ::unsetenv("WAYLAND_DISPLAY");
-    ::unsetenv("QT_QPA_PLATFORM");
-  }
-
-  /// What the screen shows. With VANTORIX_SHOTS set to a folder, it is also kept there.
-  static QImage shot(const std::string& name) {
-    const QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
-    if (const char* folder = std::getenv("VANTORIX_SHOTS"))
-      image.save(QString::fromStdString(std::string(folder) + "/" + name + ".png"));
-    return image;
-  }
-
- private:
-  Process server_{{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"}};
-};
+/// What the screen shows. With VANTORIX_SHOTS set to a folder, it is also kept there.
+inline QImage ScreenShot(const std::string& name) {
+  const QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+  if (const char* folder = std::getenv("VANTORIX_SHOTS"))
+    image.save(QString::fromStdString(std::string(folder) + "/" + name + ".png"));
+  return image;
+}
 
 /// The one window that is open, if it is on the screen.
 inline QWidget* OpenWindow() {

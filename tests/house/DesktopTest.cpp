@@ -1,0 +1,62 @@
+#include <gtest/gtest.h>
+
+#include "support/BusPeer.hpp"
+#include "support/RealHouse.hpp"
+#include "support/SmallMusic.hpp"
+#include "support/XServer.hpp"
+
+namespace {
+
+/// A call of the plug-in that shows a message box.
+std::future<void> Configure(const std::string& bus) {
+  return std::async(std::launch::async, [bus] {
+    support::BusPeer(bus, [](bus::Connection& connection, bus::PollLoop&) {
+      connection.proxy("org.vantorix.vxif_WMP9", "/vxif")
+          ->invoke("ConfigDevice", std::string("Q"), std::string("5"));
+    });
+  });
+}
+
+bool Ready(const std::future<void>& call, std::chrono::milliseconds limit) {
+  return call.wait_for(limit) == std::future_status::ready;
+}
+
+}  // namespace
+
+TEST(TheDesktop, ABoxWaitsForItsReaderAndTheHouseGoesOn) {
+  const support::SmallMusic music;
+  const support::XServer screen;
+  support::RealHouse house({.music = music.path(), .display = screen.display()});
+  ASSERT_TRUE(house.startReady());
+  auto call = Configure(house.busAddress());
+  const std::string display = "DISPLAY=" + screen.display();
+  support::Process finder(
+      {"timeout", "20", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"}, {display});
+  ASSERT_EQ(finder.wait(), 0) << finder.output();
+  EXPECT_FALSE(Ready(call, std::chrono::milliseconds(300)));
+  EXPECT_EQ(house.press("Loop Mode", "Loop toggle"), 200);
+  EXPECT_TRUE(house.textBecomes("Loop Mode", "Loop"));
+  // The window may be seen before it has the keyboard.
+  EXPECT_TRUE(support::Eventually([&] {
+    support::Process key({"xdotool", "key", "Return"}, {display});
+    key.wait();
+    return Ready(call, std::chrono::milliseconds(300));
+  }));
+  EXPECT_NO_THROW(call.get());
+}
+
+TEST(TheDesktop, WithoutAScreenABoxIsALineOfTheLog) {
+  const support::SmallMusic music;
+  support::RealHouse house({.music = music.path()});
+  ASSERT_TRUE(house.startReady());
+  auto call = Configure(house.busAddress());
+  EXPECT_TRUE(Ready(call, std::chrono::seconds(10)));
+  EXPECT_NO_THROW(call.get());
+  EXPECT_TRUE(house.logHas("Warning: Media Player: Configure device Q5"));
+}
+
+TEST(TheDesktop, AScreenThatDoesNotAnswerIsNone) {
+  const support::SmallMusic music;
+  support::RealHouse house({.music = music.path(), .display = ":54321"});
+  EXPECT_TRUE(house.startReady());
+}

@@ -1,0 +1,35 @@
+#pragma once
+#include <cstdlib>
+#include <string>
+
+#include "support/Process.hpp"
+
+namespace support {
+
+/// A screen of the test's own, 1280 by 800 pixels, which goes with its owner.
+class XServer {
+ public:
+  /// Its name, as DISPLAY has it.
+  [[nodiscard]] const std::string& display() const { return display_; }
+  /// Sends this process's windows there.
+  void use() const {
+    ::setenv("DISPLAY", display_.c_str(), 1);
+    for (const char* name : {"WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE"})
+      ::unsetenv(name);
+  }
+
+ private:
+  Process server_{{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"}};
+  std::string display_ = ":" + std::to_string(std::stoi(server_.outputWith("\n")));
+};
+
+/// The screen that this process's windows go to.
+class Screen {
+ public:
+  Screen() { server_.use(); }
+
+ private:
+  XServer server_;
+};
+
+}  // namespace support
