@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "base/Failure.hpp"
+#include "standin/EspeakVoice.hpp"
 #include "standin/FileTools.hpp"
 #include "standin/HostObject.hpp"
 #include "standin/HouseObjects.hpp"
@@ -12,6 +13,8 @@
 #include "standin/LoopGate.hpp"
 #include "standin/Options.hpp"
 #include "standin/PluginKeeper.hpp"
+#include "standin/ScriptRunner.hpp"
+#include "standin/ScriptStore.hpp"
 #include "standin/SettingsFlusher.hpp"
 #include "standin/Shelf.hpp"
 #include "standin/WebServer.hpp"
@@ -42,7 +45,9 @@ int serve(const Options& options) {
 
   BusShelf shelf(connection);
   HouseObjects objects(house, shelf);
-  LoopWaits waits(loop);
+  EspeakVoice voice;
+  Speech speech(loop, house, voice);
+  LoopWaits waits(loop, speech);
   const auto system = std::make_shared<SystemObject>(house);
   const auto host = std::make_shared<HostObject>(house, objects, waits, system);
   const auto callback = std::make_shared<CallbackObject>(house, host);
@@ -53,6 +58,7 @@ int serve(const Options& options) {
   SettingsFlusher flusher(loop, house);
   PluginKeeper plugin(loop, connection, house, callback);
   Library library(loop, connection, plugin);
+  ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
@@ -61,8 +67,11 @@ int serve(const Options& options) {
   const auto onTerminate = loop.onSignal(SIGTERM, end);
   int code = 0;
   {
+    ScriptLimits limits;
+    limits.computing = std::chrono::seconds(options.scriptSeconds);
+    ScriptRunner runner(loop, connection, house, plugin, host, limits);
     LoopGate gate(loop, std::chrono::seconds(30));
-    WebApi api(house, objects, plugin, library, gate, local);
+    WebApi api(house, objects, plugin, library, {scripts, runner}, gate, local);
     const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts));
     const std::string name =
         options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";

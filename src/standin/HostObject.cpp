@@ -90,8 +90,8 @@ std::vector<Member> sundries(House& house, HostWaits& waits, const base::ObjectR
        MemberKind::kOperation,
        {{"text", Type::kText}, {"wait", Type::kBoolean, Value(false)}},
        Type::kNone,
-       [&house](Args& args) {
-         house.log.write("Speech", base::ToText(args[0]));
+       [&waits](Args& args) {
+         waits.speak(base::ToText(args[0]), base::ToBoolean(args[1]));
          return Value();
        }},
       {"WaitEvents",

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "bus/PollLoop.hpp"
+#include "standin/Speech.hpp"
 
 namespace standin {
 
@@ -19,6 +20,8 @@ class HostWaits {
   /// Handles what is pending and returns.
   virtual void pendingEvents() = 0;
   virtual void seconds(int count) = 0;
+  /// Has the text said; with `wait` it returns when it has been heard.
+  virtual void speak(const std::string& text, bool wait) = 0;
   /// A page by HTTP; throws as `FetchUrl` does.
   virtual std::string fetch(const std::string& host, const std::string& page, int port) = 0;
 };
@@ -26,14 +29,17 @@ class HostWaits {
 /// On the server's loop.
 class LoopWaits : public HostWaits {
  public:
-  explicit LoopWaits(bus::PollLoop& loop, std::chrono::milliseconds fetchLimit = std::chrono::seconds(20))
-      : loop_(loop), fetchLimit_(fetchLimit) {}
+  LoopWaits(bus::PollLoop& loop, Speech& speech,
+            std::chrono::milliseconds fetchLimit = std::chrono::seconds(20))
+      : loop_(loop), speech_(speech), fetchLimit_(fetchLimit) {}
   void pendingEvents() override;
   void seconds(int count) override;
+  void speak(const std::string& text, bool wait) override { speech_.speak(text, wait); }
   std::string fetch(const std::string& host, const std::string& page, int port) override;
 
  private:
   bus::PollLoop& loop_;
+  Speech& speech_;
   std::chrono::milliseconds fetchLimit_;
 };
 

@@ -21,6 +21,15 @@ int portOf(const std::string& text) {
   return port;
 }
 
+int secondsOf(const std::string& text) {
+  int seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (error != std::errc() || end != text.data() + text.size() || seconds < 1 || seconds > 86400) {
+    refuse("\"" + text + "\" is no number of seconds from 1 to 86400");
+  }
+  return seconds;
+}
+
 std::string environment(const char* name) {
   const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): read before any thread starts
   return value == nullptr ? std::string() : value;
@@ -43,6 +52,7 @@ std::string Usage() {
          "  --bus ADDRESS      message bus (the session's)\n"
          "  --allow-host NAME  a further name that browsers may call this server by; may be repeated\n"
          "  --host-version V   the version that plug-ins are told\n"
+         "  --script-seconds N how long a script may compute (30)\n"
          "  --help             this text\n";
 }
 
@@ -55,7 +65,7 @@ Options ReadOptions(const std::vector<std::string>& words) {
       continue;
     }
     const bool known = word == "--port" || word == "--listen" || word == "--data" || word == "--bus" ||
-                       word == "--allow-host" || word == "--host-version";
+                       word == "--allow-host" || word == "--host-version" || word == "--script-seconds";
     if (!known) refuse("Unknown option " + word);
     if (i + 1 == words.size()) refuse(word + " needs a value");
     const std::string& value = words[++i];
@@ -67,6 +77,8 @@ Options ReadOptions(const std::vector<std::string>& words) {
       options.data = value;
     } else if (word == "--bus") {
       options.bus = value;
+    } else if (word == "--script-seconds") {
+      options.scriptSeconds = secondsOf(value);
     } else if (word == "--allow-host") {
       options.allowedHosts.push_back(value);
     } else {

@@ -12,7 +12,8 @@ struct Options {
   std::filesystem::path data;
   std::string bus;  ///< address of the bus; empty: the session's
   std::vector<std::string> allowedHosts;
-  std::string version;  ///< what the host says of itself; empty: its default
+  std::string version;     ///< what the host says of itself; empty: its default
+  int scriptSeconds = 30;  ///< how long a script may compute
   bool help = false;
 };
 

@@ -33,12 +33,13 @@ WebAnswer Refusal(int status, const std::string& text) {
   return {status, "application/json", Dump({{"error", text}})};
 }
 
-WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, LoopGate& gate,
-               bool local)
+WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library,
+               HouseScripts scripts, LoopGate& gate, bool local)
     : house_(house),
       objects_(objects),
       plugin_(plugin),
       library_(library),
+      scripts_(scripts),
       gate_(gate),
       local_(local),
       htmlFolder_(house.htmlFolder()) {}
@@ -111,6 +112,9 @@ WebAnswer WebApi::get(const std::string& path, const std::string& token,
                            .limit = numberOf<std::size_t>(parameter("limit")),
                            .fresh = parameter("fresh") == "1"});
   }
+  if (path == "/api/scripts") return scripts(token);
+  if (path == "/api/script") return script(token, parameter("name"));
+  if (path == "/api/script/run") return scriptRun(token, numberOf<std::size_t>(parameter("from")));
   if (path == "/api/media") {
     return media(token, parameter("category"), parameter("name"), parameter("title"));
   }
@@ -128,6 +132,10 @@ WebAnswer WebApi::post(const std::string& path, const std::string& token, const 
     if (path == "/api/menu") return menu(token, json);
     if (path == "/api/voice") return voice(token, json);
     if (path == "/api/play") return play(token, json);
+    if (path == "/api/script") return saveScript(token, json);
+    if (path == "/api/script/delete") return deleteScript(token, json);
+    if (path == "/api/script/run") return runScript(token, json);
+    if (path == "/api/script/stop") return stopScript(token);
     if (path == "/api/plugin") return startPlugin(token);
     if (path == "/api/login") return login(json);
     if (path == "/api/logout") return logout(token);

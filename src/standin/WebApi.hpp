@@ -10,6 +10,8 @@
 #include "standin/LoginLimit.hpp"
 #include "standin/LoopGate.hpp"
 #include "standin/PluginKeeper.hpp"
+#include "standin/ScriptRunner.hpp"
+#include "standin/ScriptStore.hpp"
 
 namespace standin {
 
@@ -22,6 +24,12 @@ struct WebAnswer {
   bool pluginPage = false;  ///< a page with text of the plug-in's
 };
 
+/// The house's scripts, kept and run.
+struct HouseScripts {
+  ScriptStore& store;
+  ScriptRunner& runner;
+};
+
 /// A text for the user, in the form of an answer.
 WebAnswer Refusal(int status, const std::string& text);
 
@@ -31,8 +39,8 @@ WebAnswer Refusal(int status, const std::string& text);
 class WebApi {
  public:
   /// `local`: the server listens on this machine alone, so that the owner may do without a password.
-  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, LoopGate& gate,
-         bool local);
+  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, HouseScripts scripts,
+         LoopGate& gate, bool local);
 
   WebAnswer get(const std::string& path, const std::string& token,
                 const std::function<std::string(const char*)>& parameter);
@@ -74,6 +82,14 @@ class WebApi {
   WebAnswer media(const std::string& token, const std::string& category, const std::string& name,
                   const std::string& title);
   WebAnswer play(const std::string& token, const Json& json);
+  WebAnswer askOwner(const std::string& token, std::function<WebAnswer()> work);
+  WebAnswer scripts(const std::string& token);
+  WebAnswer script(const std::string& token, const std::string& name);
+  WebAnswer saveScript(const std::string& token, const Json& json);
+  WebAnswer deleteScript(const std::string& token, const Json& json);
+  WebAnswer runScript(const std::string& token, const Json& json);
+  WebAnswer stopScript(const std::string& token);
+  WebAnswer scriptRun(const std::string& token, std::size_t from);
   WebAnswer startPlugin(const std::string& token);
   WebAnswer login(const Json& json);
   WebAnswer logout(const std::string& token);
@@ -86,6 +102,7 @@ class WebApi {
   HouseObjects& objects_;
   PluginKeeper& plugin_;
   Library& library_;
+  HouseScripts scripts_;
   LoopGate& gate_;
   bool local_;
   std::filesystem::path htmlFolder_;

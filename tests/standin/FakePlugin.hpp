@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "FakeScript.hpp"
 #include "support/BusPeer.hpp"
 
 namespace support {
@@ -21,6 +22,7 @@ class FakePlugin {
     std::function<void()> end;           ///< what ShutdownIO does besides
     std::string refusal;                 ///< what InitIO answers
     std::chrono::milliseconds press{0};  ///< how long a button takes
+    FakeLibrary library{};               ///< what its script object knows
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init;
   };
 
@@ -28,6 +30,9 @@ class FakePlugin {
   FakePlugin(const std::string& address, Manner manner)
       : manner_(std::move(manner)), peer_(address, [this](bus::Connection& connection, bus::PollLoop&) {
           connection.exportObject("/vxif", self_ = object());
+          connection.exportObject(
+              "/scriptclass",
+              MakeFakeScript(manner_.library, [this](const std::string& call) { note(call); }));
           connection.claimName("org.vantorix.vxif_WMP9");
         }) {}
   ~FakePlugin() {

@@ -1,3 +1,4 @@
+#include "FakeVoice.hpp"
 #include "standin/HostObject.hpp"
 
 #include <gtest/gtest.h>
@@ -51,7 +52,9 @@ class Host : public testing::Test {
   MapShelf shelf;
   House house{folder.path()};
   HouseObjects objects{house, shelf};
-  LoopWaits waits{loop};
+  support::FakeVoice voice;
+  Speech speech{loop, house, voice};
+  LoopWaits waits{loop, speech};
   std::shared_ptr<SystemObject> system = std::make_shared<SystemObject>(house);
   std::shared_ptr<HostObject> host = std::make_shared<HostObject>(house, objects, waits, system);
   std::shared_ptr<CallbackObject> callback = std::make_shared<CallbackObject>(house, host);

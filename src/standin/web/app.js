@@ -3,6 +3,7 @@ import {accountPage, signInPage} from './account.js';
 import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
 import {ask, el, run, toast} from './dom.js';
 import {libraryPage} from './library.js';
+import {leaveScripts, scriptChanged, scriptsPage} from './scripts.js';
 import {leaveLog, logLine, logPage} from './log.js';
 
 const page = document.getElementById('page');
@@ -60,6 +61,7 @@ function showNav() {
   const link = (href, text, name) => el('a', {href, 'aria-current': here === name ? 'page' : undefined}, text);
   const links = [link('/#devices', 'Devices', 'devices')];
   links.push(link('/#library', 'Library', 'library'));
+  if (!state.user.guest) links.push(link('/#scripts', 'Scripts', 'scripts'));
   if (state.menu.length && !state.user.guest) links.push(link('/#menu', 'Menu', 'menu'));
   for (const each of state.links) links.push(link('/' + encodeURIComponent(each.link), each.text, each.link));
   links.push(link('/#log', 'Log', 'log'));
@@ -69,7 +71,8 @@ function showNav() {
 
 function currentView() {
   const view = location.hash.slice(1).split('/')[0];
-  return ['devices', 'library', 'menu', 'log', 'account'].includes(view) ? view : 'devices';
+  if (view === 'scripts' && state.user?.guest) return 'devices';
+  return ['devices', 'library', 'scripts', 'menu', 'log', 'account'].includes(view) ? view : 'devices';
 }
 
 function menuPage() {
@@ -93,8 +96,10 @@ function showPage() {
   const view = currentView();
   showNav();
   if (view !== 'log') leaveLog();
+  if (view !== 'scripts') leaveScripts();
   if (view === 'devices') page.replaceChildren(devicesPage(state.devices));
   else if (view === 'library') libraryPage(page, shown === 'library');
+  else if (view === 'scripts') scriptsPage(page, shown === 'scripts');
   else if (view === 'menu') page.replaceChildren(menuPage());
   else if (view === 'account') accountPage(page, state.user);
   else if (shown !== 'log') logPage(page);
@@ -148,6 +153,7 @@ function listen() {
   on('device', (device) => { state.devices.set(device.ref, device); deviceChanged(device, state.devices); });
   on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref, state.devices); });
   on('log', logLine);
+  on('script', scriptChanged);
   on('frame', reloadSoon);
   on('launch', launched);
   on('reload', async () => { if (await loadState()) showPage(); });
