@@ -48,8 +48,8 @@ std::int32_t MediaCatalogue::attributeList(const std::string& category, TextList
   if (stale || cached == CategoryLists_.end() || cached->second->empty()) {
     if (const std::int32_t status = readAttribute(category, list, shown); status != kDone) return status;
   } else {
+    list = cached->second;  // before the log line: the host may let a new reading in
     debug("Loading " + category + " collection from cache");
-    list = cached->second;
   }
   debug("Finished loading " + category + " collection");
   return kDone;

@@ -38,7 +38,9 @@ std::int32_t MediaCatalogue::GetGroupItems(const std::string& category, const st
     if (step.failed()) return step.number();
   }
   if (!group) return kNotFound;
-  registerTitles(*group, shown);
+  // Held while the walk calls the host, which may let in whoever owns `group`.
+  const player::PlaylistRef walked = group;
+  registerTitles(*walked, shown);
   return status;
 }
 
@@ -87,7 +89,8 @@ std::int32_t MediaCatalogue::GetMediaItem(std::string& title, player::PlaylistRe
     item = found;
   }
   if (!item) return kNotFound;
-  step([&] { registerName(kMediaLibraryCategory, item->name()); });
+  const player::MediaRef kept = item;
+  step([&] { registerName(kMediaLibraryCategory, kept->name()); });
   return kDone;
 }
 

@@ -39,21 +39,25 @@ std::int32_t PlayRequests::play(Request request) {
   target_.PlayTargetPlayList.reset();
   target_.PlayTargetURL.clear();
 
+  // What is found is held here first: a look-up calls the host, and a second request that the host lets in
+  // meanwhile empties the targets.
   const std::string category = base::LowerCase(request.category);
+  PlaylistRef group;
   std::int32_t status = 0;
   if (category == "playlist") {
-    status = library_.GetPlayListByName(request.name, target_.PlayTargetPlayList);
+    status = library_.GetPlayListByName(request.name, group);
   } else if (category == "album" || category == "artist" || category == "genre") {
-    status = library_.GetGroupItems(request.category, request.name, target_.PlayTargetPlayList);
+    status = library_.GetGroupItems(request.category, request.name, group);
   } else if (category == "media library") {
     if (WantsSingleTitle(request.title)) return playLibraryTitle(request);
-    status = library_.GetAllMedia(target_.PlayTargetPlayList);
+    status = library_.GetAllMedia(group);
   } else if (category == "url") {
     return playUrl(request.title);
   }
+  target_.PlayTargetPlayList = group;
   if (status != 0)
     return refuse("Cannot 'Play': " + request.category + " " + Quoted(request.name) + " is non-existent");
-  return playFromGroup(request);
+  return playFromGroup(request, group);
 }
 
 std::int32_t PlayRequests::playUrl(const std::string& url) {
@@ -64,27 +68,33 @@ std::int32_t PlayRequests::playUrl(const std::string& url) {
 }
 
 std::int32_t PlayRequests::playLibraryTitle(Request& request) {
-  const std::int32_t status =
-      library_.GetMediaItem(request.title, target_.PlayTargetPlayList, target_.PlayTargetMedia);
-  if (status != 0 || !target_.PlayTargetMedia)
+  PlaylistRef found;
+  MediaRef item;
+  const std::int32_t status = library_.GetMediaItem(request.title, found, item);
+  target_.PlayTargetPlayList = found;
+  target_.PlayTargetMedia = item;
+  if (status != 0 || !item)
     return refuse("Cannot 'Play': " + Quoted(request.title) + " does not exist in the Media Library");
-  target_.CurrentSourceURL = target_.PlayTargetMedia->sourceURL();
-  form_.wmp9().currentMedia(target_.PlayTargetMedia);
+  target_.CurrentSourceURL = item->sourceURL();
+  form_.wmp9().currentMedia(item);
   return start();
 }
 
-std::int32_t PlayRequests::playFromGroup(Request& request) {
+std::int32_t PlayRequests::playFromGroup(Request& request, PlaylistRef group) {
   // A category that is none has left no group, which is a failure here and not a message.
-  if (!target_.PlayTargetPlayList) throw Failure(base::number::kObjectMissing);
-  const std::string group = request.category + " " + Quoted(request.name);
-  if (target_.PlayTargetPlayList->count() == 0) return refuse("Cannot 'Play': " + group + " does not exist");
+  if (!group) throw Failure(base::number::kObjectMissing);
+  const std::string named = request.category + " " + Quoted(request.name);
+  if (group->count() == 0) return refuse("Cannot 'Play': " + named + " does not exist");
   if (WantsSingleTitle(request.title)) {
-    if (library_.GetMediaItem(request.title, target_.PlayTargetPlayList, target_.PlayTargetMedia) != 0)
-      return refuse("Cannot 'Play': " + Quoted(request.title) + " in " + group + " does not exist");
+    MediaRef item;
+    const std::int32_t status = library_.GetMediaItem(request.title, group, item);
+    target_.PlayTargetMedia = item;
+    if (status != 0)
+      return refuse("Cannot 'Play': " + Quoted(request.title) + " in " + named + " does not exist");
     // The one member replaces what the player has; the rest of the group is not queued.
-    form_.wmp9().currentMedia(target_.PlayTargetMedia);
+    form_.wmp9().currentMedia(item);
   } else {
-    form_.wmp9().currentPlaylist(target_.PlayTargetPlayList);
+    form_.wmp9().currentPlaylist(group);
   }
   return start();
 }

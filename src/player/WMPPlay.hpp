@@ -35,7 +35,7 @@ class PlayRequests {
   std::int32_t play(Request request);
   std::int32_t playUrl(const std::string& url);
   std::int32_t playLibraryTitle(Request& request);
-  std::int32_t playFromGroup(Request& request);
+  std::int32_t playFromGroup(Request& request, PlaylistRef group);
   std::int32_t start();
   std::int32_t refuse(const std::string& message);
 

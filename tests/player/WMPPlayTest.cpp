@@ -96,9 +96,30 @@ TEST_F(PlayByName, TheMessageHasTheTitleAsTheLibraryKnowsIt) {
 TEST_F(PlayByName, AFailedRequestLeavesNoItemAndTheLastAddress) {
   play("URL", "", "http://radio");
   EXPECT_EQ(play("PlayList", "Nope", ""), -1);
-  EXPECT_FALSE(target.PlayTargetMedia);
   EXPECT_EQ(target.PlayTargetURL, "");
   EXPECT_EQ(target.CurrentSourceURL, "http://radio");
+  play("Artist", "Joni Mitchell", "Track One");
+  ASSERT_TRUE(target.PlayTargetMedia);
+  EXPECT_EQ(play("PlayList", "Nope", ""), -1);
+  EXPECT_FALSE(target.PlayTargetMedia);
+  EXPECT_FALSE(target.PlayTargetPlayList);
+}
+
+TEST_F(PlayByName, ARequestThatTheHostLetsInMeanwhileDisturbsNeither) {
+  const auto other = library.addTrack("Solo?", "Chet Baker", "Sings", "Jazz");
+  // The first name to be registered calls the host, which lets the second request in.
+  bool once = true;
+  host->answers["SaveINISetting"] = [&](base::Args&) {
+    if (once) {
+      once = false;
+      EXPECT_EQ(plugin.playRequests.WMPPlay("Album", "Sings", ""), 0);
+    }
+    return base::Value();
+  };
+  EXPECT_EQ(play("Album", "Greatest Hits", "What's Up?"), 0);
+  EXPECT_THAT(playerCalls(), ElementsAre("player: currentPlaylist Sings", "player: play",
+                                         "player: currentMedia What's Up?", "player: play"));
+  EXPECT_EQ(target.PlayTargetMedia, second);
 }
 
 TEST_F(PlayByName, WithoutSpeechTheMessageIsStillLogged) {
