@@ -98,7 +98,9 @@ base::Args argumentsFrom(lua_State* lua, const Run& run, int first) {
 
 int houseCall(lua_State* lua) {
   return answer(lua, [](lua_State* from, Run& run) {
-    run.result = run.house.call(objectAt(from, run, 1), nameAt(from, 2), argumentsFrom(from, run, 3));
+    const std::int32_t object = objectAt(from, run, 1);
+    const std::string name = nameAt(from, 2);
+    run.result = run.house.call(object, name, argumentsFrom(from, run, 3));
   });
 }
 
@@ -193,11 +195,14 @@ int setMetatable(lua_State* lua) {
   return 1;
 }
 
-void watch(lua_State* lua, lua_Debug* /*activation*/) {
+void watch(lua_State* lua, lua_Debug* activation) {
   const char* reason = runOf(lua).house.endReason();
   if (reason == nullptr) return;
   lua_sethook(lua, watch, LUA_MASKCOUNT, 1);  // so that no pcall of the script's goes on
-  luaL_error(lua, "%s", reason);
+  // Inside a hook the language itself would name the caller's line.
+  lua_getinfo(lua, "Sl", activation);
+  lua_pushfstring(lua, "%s:%d: %s", activation->short_src, activation->currentline, reason);
+  lua_error(lua);
 }
 
 void remove(lua_State* lua, const char* table, std::initializer_list<const char*> names) {
