@@ -9,6 +9,7 @@
 #include <QtCore/QString>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "bus/Descriptor.hpp"
 
@@ -19,14 +20,6 @@ namespace {
 std::string Variable(const char* name) {
   const char* value = std::getenv(name);
   return value != nullptr ? value : "";
-}
-
-bool XAnswers() {
-  if (Variable("DISPLAY").empty()) return false;
-  xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-  const bool answers = xcb_connection_has_error(connection) == 0;
-  xcb_disconnect(connection);
-  return answers;
 }
 
 bool WaylandAnswers() {
@@ -50,13 +43,25 @@ bool Loads(const QString& plugin) {
 
 }  // namespace
 
-std::optional<std::string> ReachablePlatform() {
+void Display::Close::operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+
+Display::Display(std::string platform, Connection connection)
+    : platform_(std::move(platform)), connection_(std::move(connection)) {}
+
+Display::Connection Display::connectX() {
+  if (Variable("DISPLAY").empty()) return nullptr;
+  Connection connection(xcb_connect(nullptr, nullptr));
+  if (xcb_connection_has_error(connection.get()) != 0) return nullptr;
+  return connection;
+}
+
+std::optional<Display> Display::reach() {
   // Whoever names a platform without a screen wants none.
   const std::string wanted = Variable("QT_QPA_PLATFORM");
   if (wanted.rfind("offscreen", 0) == 0 || wanted.rfind("minimal", 0) == 0) return std::nullopt;
   // X goes first: only there may a window say where it stands.
-  if (XAnswers() && Loads("qxcb")) return "xcb";
-  if (WaylandAnswers() && Loads("qwayland-generic")) return "wayland";
+  if (auto connection = connectX(); connection && Loads("qxcb")) return Display("xcb", std::move(connection));
+  if (WaylandAnswers() && Loads("qwayland-generic")) return Display("wayland", nullptr);
   return std::nullopt;
 }
 

@@ -4,7 +4,6 @@
 #include <QtWidgets/QApplication>
 #include <clocale>
 #include <thread>
-#include <utility>
 
 #include "desktop/Display.hpp"
 #include "desktop/Look.hpp"
@@ -31,12 +30,12 @@ class LocaleKept {
 }  // namespace
 
 std::unique_ptr<QtWindows> QtWindows::open(bus::PollLoop& loop) {
-  auto platform = ReachablePlatform();
-  if (!platform) return nullptr;
-  return std::unique_ptr<QtWindows>(new QtWindows(loop, std::move(*platform)));
+  const auto display = Display::reach();
+  if (!display) return nullptr;
+  return std::unique_ptr<QtWindows>(new QtWindows(loop, display->platform()));
 }
 
-QtWindows::QtWindows(bus::PollLoop& loop, std::string platform) : loop_(loop) {
+QtWindows::QtWindows(bus::PollLoop& loop, const std::string& platform) : loop_(loop) {
   qputenv("QT_QPA_PLATFORM", platform.c_str());
   qunsetenv("QT_NO_GLIB");                   // the loop knows how to wait for GLib's context
   qputenv("QT_XCB_GL_INTEGRATION", "none");  // no window is drawn by OpenGL, whose libraries are large

@@ -33,7 +33,7 @@ class QtWindows {
   void changed();
 
  private:
-  QtWindows(bus::PollLoop& loop, std::string platform);
+  QtWindows(bus::PollLoop& loop, const std::string& platform);
   void work();
 
   bus::PollLoop& loop_;
