@@ -90,6 +90,7 @@ class Reader {
     if (key == "network.cover") return set(config_.coverAddress, value);
     if (key == "cd.drive" && !value.empty()) {
       config_.cdDevices.push_back(value);
+      config_.findCdDrives = false;
       return true;
     }
     return false;

@@ -15,8 +15,8 @@ struct Config {
   /// WAV file.
   std::string audioOutput;
   bool untimed = false;                ///< silence runs as fast as it can instead of in real time
-  std::vector<std::string> cdDevices;  ///< drives or CUE files; empty for the machine's own drives
-  bool findCdDrives = true;            ///< whether to look for the machine's own drives
+  std::vector<std::string> cdDevices;  ///< drives or CUE files
+  bool findCdDrives = true;            ///< whether to look for the machine's own drives: if none are set up
   std::string metadataAddress;
   std::string coverAddress;
   int tagWorkers = 2;

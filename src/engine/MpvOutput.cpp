@@ -53,13 +53,16 @@ std::string Openable(const std::string& location) {
 
 }  // namespace
 
-MpvOutput::MpvOutput(base::Loop& loop, const Config& config)
-    : heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
+MpvOutput::MpvOutput(base::Loop& loop, const Config& config, std::function<void(const std::string&)> message)
+    : message_(std::move(message)),
+      wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
+      heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       post_(loop),
       mpv_(Options(config)) {
   mpv_observe_property(mpv_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
   mpv_observe_property(mpv_.get(), 0, "duration", MPV_FORMAT_DOUBLE);
   mpv_observe_property(mpv_.get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
+  if (wantsDevice_) mpv_observe_property(mpv_.get(), 0, "current-ao", MPV_FORMAT_STRING);
   mpv_set_wakeup_callback(
       mpv_.get(),
       [](void* context) {
@@ -74,6 +77,7 @@ MpvOutput::~MpvOutput() = default;
 void MpvOutput::forget() {
   files_.clear();
   locations_.clear();
+  dropped_.clear();
   held_ = startedMeanwhile_ = 0;
   heardTimer_->enabled(false);
   position_ = duration_ = 0;
@@ -93,7 +97,7 @@ void MpvOutput::addFile(EntryId entry, const std::string& location, const char* 
 void MpvOutput::load(EntryId entry, const std::string& location) {
   forget();
   mpv_.set("speed", 1.0);
-  mpv_.set("pause", false);
+  pause(false);
   addFile(entry, location, "replace");
 }
 
@@ -101,11 +105,15 @@ void MpvOutput::append(EntryId entry, const std::string& location) {
   addFile(entry, location, "append-play");
 }
 
-void MpvOutput::dropNext() {
+bool MpvOutput::dropNext() {
+  if (held_ != 0) return false;  // the decoder is on the next one while the end of the last still sounds
   const EntryId now = entryOf(playing_);
-  std::erase_if(files_, [&](const auto& file) { return file.second != now; });
+  for (const auto& location : locations_) {
+    if (location.first != now) dropped_.insert(location.first);
+  }
   std::erase_if(locations_, [&](const auto& location) { return location.first != now; });
   mpv_.command(0, {"playlist-clear"});
+  return true;
 }
 
 void MpvOutput::stop() {
@@ -113,7 +121,13 @@ void MpvOutput::stop() {
   mpv_.command(0, {"stop"});
 }
 
-void MpvOutput::pause(bool value) { mpv_.set("pause", value); }
+void MpvOutput::pause(bool value) {
+  mpv_.set("pause", value);
+  if (value == paused_) return;
+  paused_ = value;
+  heardTimer_->enabled(false);
+  if (!paused_ && held_ != 0 && startedMeanwhile_ != 0) askHeard();
+}
 
 void MpvOutput::seek(double seconds) {
   position_ = seconds;
@@ -144,37 +158,53 @@ void MpvOutput::handle(const mpv_event& event) {
       if (event.reply_userdata != 0) fileGiven(event);
       break;
     case MPV_EVENT_START_FILE:
-      playing_ = static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id;
-      opening_ = true;
-      duration_ = 0;
+      fileStarted(static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id);
       break;
     case MPV_EVENT_PLAYBACK_RESTART: audible(); break;
     case MPV_EVENT_END_FILE: fileEnded(*static_cast<const mpv_event_end_file*>(event.data)); break;
     case MPV_EVENT_IDLE: tellHeld(); break;
     case MPV_EVENT_PROPERTY_CHANGE: propertyTold(*static_cast<const mpv_event_property*>(event.data)); break;
     case MPV_EVENT_GET_PROPERTY_REPLY:
-      if (event.reply_userdata == kHeardSince && held_ != 0) {
-        const auto* property = static_cast<const mpv_event_property*>(event.data);
-        const bool known = event.error >= 0 && property->format == MPV_FORMAT_DOUBLE;
-        const double heard = known ? *static_cast<const double*>(property->data) : 0.0;
-        // The place of what is heard lies before the new file's start for as long as the old one sounds on.
-        if (heard >= -0.005) {
-          tellHeld();
-        } else {
-          const double left = std::min(-heard, kLongestHold);
-          heardTimer_->interval(base::Milliseconds(static_cast<int>(left * 1000)));
-          heardTimer_->enabled(true);
-        }
-      }
+      if (event.reply_userdata == kHeardSince) heardTold(event);
       break;
     default: break;
   }
 }
 
+void MpvOutput::fileStarted(FileId file) {
+  playing_ = file;
+  opening_ = true;
+  duration_ = 0;
+  const EntryId entry = entryOf(file);
+  // It was dropped at the moment at which the decoder went on to it.
+  if (dropped_.contains(entry)) mpv_.command(0, {"playlist-next", "force"});
+  if (entry != 0) dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
+}
+
+void MpvOutput::askHeard() {
+  mpv_get_property_async(mpv_.get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
+}
+
+void MpvOutput::heardTold(const mpv_event& event) {
+  if (held_ == 0 || paused_) return;  // asked again when it is no longer paused
+  const auto* property = static_cast<const mpv_event_property*>(event.data);
+  const bool known = event.error >= 0 && property->format == MPV_FORMAT_DOUBLE;
+  const double heard = known ? *static_cast<const double*>(property->data) : 0.0;
+  // The place of what is heard lies before the new file's start for as long as the old one sounds on.
+  if (heard >= -0.005) {
+    tellHeld();
+    return;
+  }
+  const double left = std::min(-heard, kLongestHold);
+  heardTimer_->interval(base::Milliseconds(static_cast<int>(left * 1000)));
+  heardTimer_->enabled(true);
+}
+
 void MpvOutput::fileGiven(const mpv_event& event) {
   const EntryId entry = event.reply_userdata;
-  if (!locations_.contains(entry)) return;
+  if (!locations_.contains(entry) && !dropped_.contains(entry)) return;
   if (event.error < 0) {
+    if (dropped_.erase(entry) != 0) return;
     events_->failed(entry, mpv_error_string(event.error));
     return;
   }
@@ -190,13 +220,13 @@ void MpvOutput::audible() {
   if (!opening_) return;  // a seek has ended
   opening_ = false;
   const EntryId entry = entryOf(playing_);
-  if (entry == 0) return;
+  if (entry == 0 || dropped_.contains(entry)) return;
   if (held_ == 0 || held_ == entry) {
     tellStarted(entry);
     return;
   }
   startedMeanwhile_ = entry;
-  mpv_get_property_async(mpv_.get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
+  askHeard();
 }
 
 void MpvOutput::tellStarted(EntryId entry) {
@@ -216,7 +246,7 @@ void MpvOutput::fileEnded(const mpv_event_end_file& end) {
   const EntryId entry = entryOf(end.playlist_entry_id);
   files_.erase(end.playlist_entry_id);
   const bool silent = std::exchange(opening_, false);
-  if (entry == 0) return;
+  if (entry == 0 || dropped_.contains(entry)) return;
   if (end.reason == MPV_END_FILE_REASON_REDIRECT) {
     for (int i = 0; i < end.playlist_insert_num_entries; ++i) files_[end.playlist_insert_id + i] = entry;
     return;
@@ -240,6 +270,11 @@ void MpvOutput::propertyTold(const mpv_event_property& property) {
   const std::string_view name = property.name;
   if (name == "paused-for-cache" && property.format == MPV_FORMAT_FLAG) {
     events_->stalled(*static_cast<const int*>(property.data) != 0);
+  }
+  if (name == "current-ao" && property.format == MPV_FORMAT_STRING) {
+    const bool silence = std::string_view(*static_cast<char* const*>(property.data)) == "null";
+    if (silence && !inSilence_) message_("No sound device can be used: playing in silence");
+    inSilence_ = silence;
   }
   if (property.format != MPV_FORMAT_DOUBLE) return;
   const double value = *static_cast<const double*>(property.data);

@@ -43,8 +43,9 @@ class Output {
   virtual void load(EntryId entry, const std::string& location) = 0;
   /// What follows the entry that plays.
   virtual void append(EntryId entry, const std::string& location) = 0;
-  /// Nothing follows.
-  virtual void dropNext() = 0;
+  /// Nothing follows. False when it has moved on to what was appended already, though the entry that plays
+  /// has not been heard to its end: then that follows all the same.
+  virtual bool dropNext() = 0;
   virtual void stop() = 0;
   virtual void pause(bool value) = 0;
   /// Seconds from the start of the entry that plays.

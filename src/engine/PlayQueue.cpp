@@ -1,8 +1,22 @@
 #include "engine/PlayQueue.hpp"
 
 #include <algorithm>
+#include <cstdlib>
+#include <deque>
+#include <unordered_map>
+
+#include "engine/Media.hpp"
 
 namespace engine {
+namespace {
+
+/// Short for tracks of the library, of which there may be very many.
+std::string KeyOf(const player::Media& media) {
+  const auto* track = dynamic_cast<const TrackMedia*>(&media);
+  return track != nullptr ? '#' + std::to_string(track->id()) : media.sourceURL();
+}
+
+}  // namespace
 
 int PlayQueue::count() const { return playlist_ ? playlist_->count() : 0; }
 
@@ -15,15 +29,18 @@ void PlayQueue::assign(player::PlaylistRef playlist) {
 void PlayQueue::rewind() {
   knownCount_ = count();
   index_ = 0;
-  gone_ = false;
-  order_.restart(knownCount_);
-  if (shuffle_ && knownCount_ > 0) index_ = order_.current();
-  if (!shuffle_) order_.restart(knownCount_, 0);
+  gone_ = stale_ = false;
+  if (shuffle_) {
+    order_.restart(knownCount_);
+    keys_ = keys();
+    if (knownCount_ > 0) index_ = order_.current();
+  }
   current_ = knownCount_ > 0 ? playlist_->item(index_) : nullptr;
 }
 
 void PlayQueue::replace(player::PlaylistRef playlist) {
   playlist_ = std::move(playlist);
+  stale_ = true;
   if (!current_) {
     rewind();
     return;
@@ -34,8 +51,60 @@ void PlayQueue::replace(player::PlaylistRef playlist) {
 void PlayQueue::moveTo(int index) {
   index_ = index;
   gone_ = false;
-  order_.moveTo(index);
+  if (shuffle_) order_.moveTo(index);
   current_ = playlist_->item(index);
+}
+
+void PlayQueue::moveTo(const player::MediaRef& media, int index) {
+  const std::string source = media->sourceURL();
+  const auto next = following(true);  // among several of the same, the one that was meant
+  const int place = next && playlist_->item(*next)->sourceURL() == source ? *next : placeOf(source, index);
+  if (place >= 0) {
+    moveTo(place);
+    return;
+  }
+  if (!gone_) index_ = std::min(index_, knownCount_ - 1);
+  gone_ = true;
+  current_ = media;
+}
+
+int PlayQueue::placeOf(const std::string& source, int near) const {
+  const int now = count();
+  const auto stands = [&](int place) {
+    return place >= 0 && place < now && playlist_->item(place)->sourceURL() == source;
+  };
+  const int furthest = std::max(std::abs(near), std::abs(now - near));
+  for (int away = 0; away <= furthest; ++away) {
+    if (stands(near + away)) return near + away;
+    if (stands(near - away)) return near - away;
+  }
+  return -1;
+}
+
+std::vector<std::string> PlayQueue::keys() const {
+  const int now = count();
+  std::vector<std::string> all;
+  all.reserve(static_cast<std::size_t>(now));
+  for (int place = 0; place < now; ++place) all.push_back(KeyOf(*playlist_->item(place)));
+  return all;
+}
+
+void PlayQueue::renumber() {
+  std::vector<std::string> now = keys();
+  if (now == keys_) return;
+  std::unordered_map<std::string, std::deque<int>> places;  // several for an item that is in it twice
+  for (std::size_t place = 0; place < now.size(); ++place) {
+    places[now[place]].push_back(static_cast<int>(place));
+  }
+  std::vector<int> to(keys_.size(), -1);
+  for (std::size_t old = 0; old < keys_.size(); ++old) {
+    const auto found = places.find(keys_[old]);
+    if (found == places.end() || found->second.empty()) continue;
+    to[old] = found->second.front();
+    found->second.pop_front();
+  }
+  order_.renumber(to, static_cast<int>(now.size()));
+  keys_ = std::move(now);
 }
 
 void PlayQueue::catchUp() {
@@ -48,15 +117,15 @@ void PlayQueue::catchUp() {
   const auto stands = [&](int place) {
     return place >= 0 && place < now && playlist_->item(place)->sourceURL() == source;
   };
-  if (now == knownCount_ && (gone_ || stands(index_))) return;
-  order_.resize(now);
+  if (!stale_ && now == knownCount_ && (gone_ || stands(index_))) return;
+  stale_ = false;
   knownCount_ = now;
-  if (stands(index_)) return;
-  for (int place = 0; place < now; ++place) {
-    if (!stands(place)) continue;
+  if (shuffle_) renumber();
+  const int place = shuffle_ && stands(order_.current()) ? order_.current() : placeOf(source, index_);
+  if (place >= 0) {
     index_ = place;
     gone_ = false;
-    order_.moveTo(place);
+    if (shuffle_ && order_.current() != place) order_.moveTo(place);
     return;
   }
   if (!gone_) index_ = std::min(index_, now) - 1;  // what has moved up into its place comes next
@@ -83,7 +152,11 @@ std::optional<int> PlayQueue::preceding(bool wrap) {
 }
 
 void PlayQueue::shuffle(bool value) {
-  if (value && !shuffle_) order_.restart(count(), index_);
+  if (value && !shuffle_) {
+    catchUp();
+    order_.restart(count(), index_);
+    keys_ = keys();
+  }
   shuffle_ = value;
 }
 

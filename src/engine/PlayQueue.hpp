@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "engine/ShuffleOrder.hpp"
 #include "player/WMP9.hpp"
@@ -20,7 +22,13 @@ class PlayQueue {
   [[nodiscard]] const player::MediaRef& current() const { return current_; }
   [[nodiscard]] int count() const;
 
+  /// The playlist itself may have changed.
+  void changed() { stale_ = true; }
+
   void moveTo(int index);
+  /// To the media, which stood at `index` when it was looked up, wherever it stands now. If the playlist no
+  /// longer has it, it is current all the same, and what follows is what would have followed there.
+  void moveTo(const player::MediaRef& media, int index);
   /// To where the playlist begins, with shuffle to a new round.
   void rewind();
   /// The place after the current one. At the end: the beginning if `wrap`, else none.
@@ -35,15 +43,23 @@ class PlayQueue {
  private:
   /// Finds the current item again after the playlist was changed.
   void catchUp();
+  /// The place of the item with that source, the one nearest to `near` if there are several; -1 without any.
+  [[nodiscard]] int placeOf(const std::string& source, int near) const;
+  /// Keeps the round of the shuffle on the items that it was made of.
+  void renumber();
+  /// What tells the playlist's items from each other, in their order.
+  [[nodiscard]] std::vector<std::string> keys() const;
 
   player::PlaylistRef playlist_;
   player::MediaRef current_;
   int index_ = 0;
   int knownCount_ = 0;
-  bool gone_ = false;  ///< the current item is no longer in the playlist
+  bool gone_ = false;   ///< the current item is no longer in the playlist
+  bool stale_ = false;  ///< the playlist may be another one than the places were found in
   bool loop_ = false;
   bool shuffle_ = false;
-  ShuffleOrder order_;
+  ShuffleOrder order_;             ///< only kept up while shuffled
+  std::vector<std::string> keys_;  ///< of the items that the order's numbers stand for
 };
 
 }  // namespace engine

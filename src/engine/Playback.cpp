@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "engine/Media.hpp"
 
@@ -38,6 +39,7 @@ void Playback::assign(const player::PlaylistRef& playlist) {
   endScan();
   if (active()) output_.stop();
   entry_ = nextEntry_ = 0;
+  putOff_.clear();
   startAt_ = 0;
   failures_ = 0;
   queue_.assign(playlist);
@@ -57,6 +59,7 @@ void Playback::refresh(const player::PlaylistRef& playlist) {
 }
 
 void Playback::listChanged() {
+  queue_.changed();
   if (running() || state_ == player::kPaused || state_ == player::kBuffering) prepareNext();
 }
 
@@ -65,6 +68,7 @@ void Playback::play() {
     case player::kPaused:
       output_.pause(false);
       tell(player::kPlaying);
+      tellPutOff();
       break;
     case player::kScanForward:
     case player::kScanReverse:
@@ -86,6 +90,7 @@ void Playback::play() {
 void Playback::begin() {
   entry_ = ++lastEntry_;
   nextEntry_ = 0;
+  putOff_.clear();
   output_.load(entry_, LocationOf(*queue_.current()));
   if (state_ != player::kTransitioning) tell(player::kTransitioning);
 }
@@ -101,6 +106,7 @@ void Playback::stop() {
   if (!active()) return;
   endScan();
   entry_ = nextEntry_ = 0;
+  putOff_.clear();
   startAt_ = 0;
   output_.stop();
   tell(player::kStopped);
@@ -131,6 +137,7 @@ void Playback::fastForward() {
   if (state_ == player::kPaused) output_.pause(false);
   output_.speed(kScanSpeed);
   tell(player::kScanForward);
+  tellPutOff();
 }
 
 void Playback::fastReverse() {
@@ -140,6 +147,12 @@ void Playback::fastReverse() {
   output_.pause(true);
   reverse_->enabled(true);
   tell(player::kScanReverse);
+  tellPutOff();
+}
+
+void Playback::tellPutOff() {
+  const auto putOff = std::exchange(putOff_, {});
+  for (const auto& event : putOff) event();
 }
 
 void Playback::stepBack() {
@@ -199,17 +212,19 @@ void Playback::shuffle(bool value) {
 }
 
 void Playback::prepareNext() {
+  if (!putOff_.empty()) return;  // the output is past what is current here
   const auto index = queue_.following(queue_.loop());
-  if (!index) {
-    if (nextEntry_ != 0) output_.dropNext();
+  const player::MediaRef media = index ? queue_.playlist()->item(*index) : nullptr;
+  const std::string location = media ? LocationOf(*media) : std::string();
+  if (nextEntry_ != 0 && (!media || location != nextLocation_)) {
+    if (!output_.dropNext()) return;  // too late: what is under way stays the next one
     nextEntry_ = 0;
-    return;
   }
-  const std::string location = LocationOf(*queue_.playlist()->item(*index));
-  if (nextEntry_ != 0 && nextIndex_ == *index && nextLocation_ == location) return;
-  if (nextEntry_ != 0) output_.dropNext();
-  nextEntry_ = ++lastEntry_;
+  if (!media) return;
   nextIndex_ = *index;
+  nextMedia_ = media;
+  if (nextEntry_ != 0) return;
+  nextEntry_ = ++lastEntry_;
   nextLocation_ = location;
   output_.append(nextEntry_, location);
 }
@@ -220,6 +235,10 @@ void Playback::lengthKnown(EntryId entry, double seconds) {
 }
 
 void Playback::started(EntryId entry) {
+  if (!putOff_.empty()) {
+    putOff_.emplace_back([this, entry] { started(entry); });
+    return;
+  }
   if (entry != entry_ || entry == 0) return;
   if (startAt_ > 0) output_.seek(startAt_);
   startAt_ = 0;
@@ -228,15 +247,20 @@ void Playback::started(EntryId entry) {
 }
 
 void Playback::ended(EntryId entry) {
+  if (!putOff_.empty() || (state_ == player::kPaused && entry == entry_)) {
+    // Nothing moves on while it is paused, even if the end came at the same moment.
+    putOff_.emplace_back([this, entry] { ended(entry); });
+    return;
+  }
   if (entry != entry_ || entry == 0) return;
   endScan();
   failures_ = 0;  // only here: some broken files start well
   tell(player::kMediaEnded);
   if (entry != entry_) return;  // whoever was told has chosen something else
-  if (nextEntry_ != 0 && nextIndex_ < queue_.count()) {
+  if (nextEntry_ != 0) {
     entry_ = nextEntry_;
     nextEntry_ = 0;
-    queue_.moveTo(nextIndex_);
+    queue_.moveTo(nextMedia_, nextIndex_);
     tell(player::kTransitioning);
     return;
   }
@@ -251,6 +275,10 @@ void Playback::ended(EntryId entry) {
 }
 
 void Playback::failed(EntryId entry, const std::string& reason) {
+  if (!putOff_.empty() || (state_ == player::kPaused && entry == entry_)) {
+    putOff_.emplace_back([this, entry, reason] { failed(entry, reason); });
+    return;
+  }
   if (entry != entry_ || entry == 0) return;
   endScan();
   nextEntry_ = 0;

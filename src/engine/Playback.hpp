@@ -2,6 +2,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/Loop.hpp"
 #include "engine/ErrorList.hpp"
@@ -63,6 +64,8 @@ class Playback : public OutputEvents {
   /// Hands the item that follows to the output in time.
   void prepareNext();
   void moveOn(std::optional<int> index);
+  /// What came from the output while it was paused has its turn now.
+  void tellPutOff();
   /// True while an item is loaded or being loaded.
   [[nodiscard]] bool active() const;
   /// Playing or scanning.
@@ -77,8 +80,10 @@ class Playback : public OutputEvents {
   EntryId lastEntry_ = 0;
   EntryId entry_ = 0;      ///< 0 while nothing is loaded
   EntryId nextEntry_ = 0;  ///< 0 while nothing is appended
-  int nextIndex_ = 0;
+  int nextIndex_ = 0;      ///< where it stood in the playlist
+  player::MediaRef nextMedia_;
   std::string nextLocation_;
+  std::vector<std::function<void()>> putOff_;  ///< ends and starts that wait for a pause to end
   double startAt_ = 0;
   int failures_ = 0;
 };

@@ -22,6 +22,7 @@ TEST(PlayerConfig, AMissingFileLeavesTheDefaults) {
   EXPECT_EQ(config.tagWorkers, 2);
   EXPECT_EQ(config.mediaAccessRights, "full");
   EXPECT_THAT(config.metadataAddress, IsEmpty());
+  EXPECT_TRUE(config.findCdDrives);
 }
 
 TEST(PlayerConfig, AFileIsReadOverThem) {
@@ -37,6 +38,7 @@ TEST(PlayerConfig, AFileIsReadOverThem) {
   EXPECT_EQ(config.metadataAddress, "http://127.0.0.1:81");
   EXPECT_EQ(config.coverAddress, "http://127.0.0.1/cover/");
   EXPECT_THAT(config.cdDevices, ElementsAre("/dev/sr1"));
+  EXPECT_FALSE(config.findCdDrives);
   EXPECT_EQ(config.mediaAccessRights, "read");
 }
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "engine/Fixtures.hpp"
 #include "engine/Lists.hpp"
 
@@ -22,10 +24,13 @@ class FakeOutput : public Output {
   void append(EntryId entry, const std::string& location) override {
     appended = location;
     next = entry;
+    ++appends;
   }
-  void dropNext() override {
+  bool dropNext() override {
+    if (onNext) return false;
     appended.clear();
     next = 0;
+    return true;
   }
   void stop() override { now = next = 0; }
   void pause(bool value) override { paused = value; }
@@ -39,6 +44,8 @@ class FakeOutput : public Output {
   std::string appended;
   EntryId now = 0;
   EntryId next = 0;
+  int appends = 0;
+  bool onNext = false;  ///< what was appended is under way already
   bool paused = false;
   double place = 0;
   double rate = 1;
@@ -104,6 +111,7 @@ class PlaybackStates : public ::testing::Test {
     if (next == 0) return;
     output.now = next;
     output.next = 0;
+    output.onNext = false;
     playback.started(next);
   }
 
@@ -305,6 +313,127 @@ TEST_F(PlaybackStates, AnItemTakenFromTheListIsNotPlayedNext) {
   end();
   EXPECT_EQ(playback.queue().current()->name(), "c");
   EXPECT_EQ(output.appended, "/d");
+}
+
+TEST_F(PlaybackStates, WhatEndsWhilePausedIsToldAfterThePause) {
+  playing({"/a", "/b", "/c"});
+  playback.pause();
+  end();
+  EXPECT_THAT(states, ElementsAre(2));
+  EXPECT_EQ(playback.queue().current()->name(), "a");
+  playback.loop(true);  // the output is past the first already: nothing is to be taken from it
+  EXPECT_EQ(output.appends, 1);
+  playback.play();
+  EXPECT_THAT(states, ElementsAre(2, 3, 8, 9, 3));
+  EXPECT_EQ(playback.queue().current()->name(), "b");
+  EXPECT_EQ(output.appended, "/c");
+}
+
+TEST_F(PlaybackStates, AnEndThatWaitedForAPauseIsForgottenWithWhatEnded) {
+  playing({"/a", "/b"});
+  playback.pause();
+  end();
+  playback.stop();
+  playback.play();
+  playback.started(output.now);
+  EXPECT_THAT(states, ElementsAre(2, 1, 9, 3));
+  EXPECT_EQ(playback.queue().current()->name(), "a");
+}
+
+TEST_F(PlaybackStates, AFailureWhilePausedDoesNotBeginToPlay) {
+  playing({"/a", "/b"});
+  playback.pause();
+  playback.failed(output.now, "gone");
+  EXPECT_THAT(states, ElementsAre(2));
+  EXPECT_THAT(output.loaded, ElementsAre("/a"));
+  playback.play();
+  EXPECT_THAT(states, ElementsAre(2, 3, 9));
+  EXPECT_EQ(told, 1);
+}
+
+TEST_F(PlaybackStates, WhatIsUnderWayAlreadyStaysTheNextOne) {
+  playing({"/a", "/b", "/c"});
+  output.onNext = true;
+  playback.refresh(list({"/a", "/c"}));
+  EXPECT_EQ(output.appended, "/b");
+  end();
+  EXPECT_THAT(states, ElementsAre(8, 9, 3));
+  EXPECT_EQ(playback.queue().current()->name(), "b");
+  EXPECT_EQ(output.appended, "/c");
+  playback.pause();
+  EXPECT_EQ(playback.state(), player::kPaused);
+}
+
+TEST_F(PlaybackStates, ShufflingWhileTheNextIsUnderWayLosesNoTurn) {
+  playing({"/a", "/b", "/c", "/d", "/e"});
+  output.onNext = true;
+  playback.shuffle(true);
+  end();
+  EXPECT_EQ(playback.queue().current()->name(), "b");
+  std::vector<std::string> heard;
+  while (playback.state() == player::kPlaying) {
+    heard.push_back(playback.queue().current()->name());
+    ASSERT_LE(heard.size(), 4U);
+    end();
+  }
+  EXPECT_THAT(heard, UnorderedElementsAre("b", "c", "d", "e"));
+}
+
+TEST_F(PlaybackStates, TheSameFileIsNotHandedOverAgainFromAnotherPlace) {
+  playing({"/b", "/c"});
+  playback.refresh(list({"/a", "/b", "/c", "/d"}));
+  EXPECT_EQ(output.appends, 1);
+  end();
+  EXPECT_EQ(playback.queue().current()->name(), "c");
+  EXPECT_EQ(output.appended, "/d");
+}
+
+TEST_F(PlaybackStates, WhatIsShownIsWhatWasHandedOverThoughTheListChangedUntold) {
+  auto items = list({"/a", "/b", "/c"});
+  playback.assign(items);
+  playback.play();
+  playback.started(output.now);
+  items->insertItem(0, media("/new"));
+  end();
+  EXPECT_EQ(playback.queue().current()->name(), "b");
+  EXPECT_EQ(output.appended, "/c");
+  items->removeItem(items->item(3));
+  end();  // the output had it already
+  EXPECT_EQ(playback.queue().current()->name(), "c");
+  end();
+  EXPECT_EQ(playback.state(), player::kStopped);
+}
+
+TEST_F(PlaybackStates, AmongTwoOfTheSameTheRightOneIsPlayed) {
+  auto items = list({"/a", "/b", "/a", "/c"});
+  playback.assign(items);
+  playback.play();
+  playback.started(output.now);
+  end();
+  items->insertItem(0, media("/new"));
+  end();
+  EXPECT_EQ(playback.queue().current()->name(), "a");
+  EXPECT_EQ(output.appended, "/c");
+}
+
+TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGrowsAndIsSorted) {
+  playback.shuffle(true);
+  std::vector<std::string> paths{"/k", "/m", "/p", "/s", "/v"};
+  playback.assign(list(paths));
+  playback.play();
+  playback.started(output.now);
+  std::vector<std::string> heard;
+  for (int grown = 0; playback.state() == player::kPlaying; ++grown) {
+    heard.push_back(playback.queue().current()->name());
+    ASSERT_LE(heard.size(), 9U);
+    if (grown < 4) {
+      paths.push_back(std::string("/") + static_cast<char>('d' - grown));
+      std::sort(paths.begin(), paths.end());
+      playback.refresh(list(paths));
+    }
+    end();
+  }
+  EXPECT_THAT(heard, UnorderedElementsAre("a", "b", "c", "d", "k", "m", "p", "s", "v"));
 }
 
 TEST_F(PlaybackStates, AGrowingListKeepsWhatPlays) {

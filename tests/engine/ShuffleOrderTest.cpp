@@ -53,7 +53,7 @@ TEST(ShuffleOrder, TheWayBackIsTheWayThatWasGone) {
 TEST(ShuffleOrder, NewNumbersComeLaterInTheRound) {
   ShuffleOrder order(9);
   order.restart(2, 0);
-  order.resize(6);
+  order.renumber({0, 1}, 6);
   std::set<int> seen{order.current()};
   while (const auto next = order.following(false)) {
     seen.insert(*next);
@@ -65,14 +65,36 @@ TEST(ShuffleOrder, NewNumbersComeLaterInTheRound) {
 TEST(ShuffleOrder, AShrunkenRoundKeepsItsPlace) {
   ShuffleOrder order(9);
   order.restart(6, 1);
-  order.resize(2);
+  order.renumber({0, 1, -1, -1, -1, -1}, 2);
   EXPECT_EQ(order.current(), 1);
   EXPECT_EQ(order.following(false), 0);
-  order.resize(0);
+  order.renumber({-1, -1}, 0);
   EXPECT_EQ(order.current(), -1);
   EXPECT_FALSE(order.following(true));
-  order.resize(3);
-  EXPECT_GE(order.current(), 0);
+  order.renumber({}, 3);
+  EXPECT_TRUE(order.following(false));
+}
+
+TEST(ShuffleOrder, WhatCameAfterANumberThatHasGoneIsNotPassedOver) {
+  ShuffleOrder order(9);
+  order.restart(4, 2);
+  order.renumber({0, 1, -1, 2}, 3);
+  EXPECT_EQ(order.current(), -1);
+  std::set<int> seen;
+  while (const auto next = order.following(false)) {
+    seen.insert(*next);
+    order.moveTo(*next);
+  }
+  EXPECT_EQ(seen, (std::set<int>{0, 1, 2}));
+}
+
+TEST(ShuffleOrder, ARoundGoesOnUnderOtherNumbers) {
+  ShuffleOrder order(9);
+  order.restart(3, 0);
+  const int next = *order.following(false);
+  order.renumber({2, 1, 0}, 3);
+  EXPECT_EQ(order.current(), 2);
+  EXPECT_EQ(order.following(false), 2 - next);
 }
 
 }  // namespace
