@@ -61,8 +61,12 @@ FolderListing ListFolder(const std::string& path) {
     const bool mayBeFolder = entry->d_type != DT_REG;
     const bool media = KindByName(entry->d_name) != MediaKind::kNone;
     if (!media && !mayBeFolder) continue;
-    if (::fstatat(descriptor, entry->d_name, &info, 0) != 0) continue;  // gone, or a link to nowhere
     std::string full = path + '/' + entry->d_name;
+    if (::fstatat(descriptor, entry->d_name, &info, 0) != 0) {
+      const bool nowhere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;  // gone, or a dead link
+      if (!nowhere) listing.unreachable.push_back(std::move(full));
+      continue;
+    }
     if (S_ISDIR(info.st_mode)) {
       listing.folders.push_back({std::move(full), {info.st_dev, info.st_ino}});
     } else if (media && S_ISREG(info.st_mode)) {

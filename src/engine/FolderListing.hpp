@@ -26,6 +26,7 @@ struct FolderListing {
   FolderIdentity identity;
   std::vector<ListedFile> files;  ///< those that are media by their names
   std::vector<ListedFolder> folders;
+  std::vector<std::string> unreachable;  ///< entries that are there, but what they are can't be told
 };
 
 /// Throws number 76 when the folder does not exist, 70 when it can't be reached.

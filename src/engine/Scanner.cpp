@@ -70,8 +70,8 @@ void Scanner::run() {
 
 void Scanner::wait() {
   std::array<pollfd, 2> waited{{{wake_.get(), POLLIN, 0}, {watch_.descriptor(), POLLIN, 0}}};
-  const bool missing =
-      std::any_of(roots_.begin(), roots_.end(), [](const Root& root) { return !root.usable; });
+  const bool missing = !away_.empty() || std::any_of(roots_.begin(), roots_.end(),
+                                                     [](const Root& root) { return !root.usable; });
   ::poll(waited.data(), waited.size(), missing ? static_cast<int>(settings_.retry.count()) : -1);
   if (stopping_) return;
 
@@ -95,7 +95,7 @@ void Scanner::wait() {
     scanAll();
   } else {
     for (const std::string& folder : changed) lookAgain(folder);
-    bool back = false;
+    bool back = anyBack();
     for (Root& root : roots_) {
       if (wasUsable[root.path]) continue;
       if (!root.usable) scanRoot(root);
@@ -165,6 +165,36 @@ void Scanner::keepRoot(Root& root, const std::string& reason) {
       (kept > 0 ? "; its " + std::to_string(kept) + " files stay in the library" : ""));
 }
 
+void Scanner::noteMounts(const FolderListing& listing) {
+  for (const ListedFolder& sub : listing.folders) {
+    if (sub.identity.first != listing.identity.first) mounts_.insert(sub.path);
+  }
+}
+
+bool Scanner::perhapsNotMounted(const std::string& folder, const FolderListing& listing) {
+  if (!listing.files.empty() || !listing.folders.empty() || !listing.unreachable.empty()) return false;
+  return mounts_.contains(folder) && knownBelow(folder) > 0;
+}
+
+void Scanner::keepFolder(const std::string& folder) {
+  unreadable_.push_back(folder);
+  watch_.forgetTree(folder);
+  if (!away_.insert(folder).second) return;
+  pending_.messages.push_back("The folder " + SafeName(folder) + " is empty, perhaps not mounted; its " +
+                              std::to_string(knownBelow(folder)) + " files stay in the library");
+}
+
+bool Scanner::anyBack() {
+  return std::erase_if(away_, [&](const std::string& folder) {
+           try {
+             const FolderListing listing = ListFolder(folder);
+             return !perhapsNotMounted(folder, listing);
+           } catch (const base::Failure& failure) {
+             return failure.number() == base::number::kPathNotFound;
+           }
+         }) > 0;
+}
+
 std::size_t Scanner::walk(const std::string& folder, const FolderIdentity& identity) {
   std::size_t met = 0;
   std::vector<ListedFolder> open{{folder, identity}};
@@ -175,6 +205,12 @@ std::size_t Scanner::walk(const std::string& folder, const FolderIdentity& ident
       if (!claim(currentIdentity, current)) continue;
       watch(current);  // before it is read, so that nothing falls between
       FolderListing listing = ListFolder(current);
+      noteMounts(listing);
+      if (perhapsNotMounted(current, listing)) keepFolder(current);
+      for (std::string& path : listing.unreachable) {
+        pending_.messages.push_back(SafeName(path) + " can't be reached");
+        unreadable_.push_back(std::move(path));
+      }
       visit(listing.files);
       met += listing.files.size();
       std::move(listing.folders.rbegin(), listing.folders.rend(), std::back_inserter(open));
@@ -221,7 +257,12 @@ void Scanner::lookAgain(const std::string& folder) {
     scanRoot(*root);
     return;
   }
-  std::set<std::string> present;
+  if (folder != root->path && perhapsNotMounted(folder, listing)) {
+    keepFolder(folder);
+    return;
+  }
+  noteMounts(listing);
+  std::set<std::string> present(listing.unreachable.begin(), listing.unreachable.end());
   for (const ListedFile& file : listing.files) present.insert(file.path);
   visit(listing.files);
   for (const ListedFolder& sub : listing.folders) {

@@ -28,7 +28,10 @@ struct LibraryChange {
 
 /// Keeps the index in step with the music folders, on a thread of its own: a scan at the start, then whatever
 /// the system tells of changes. Files that have not changed are not opened. A music folder that is missing,
-/// unreadable or empty keeps what was known of it, and is looked at again from time to time.
+/// unreadable or empty keeps what was known of it, and is looked at again from time to time. So does a folder
+/// below one that has become empty or unreadable and lies, or has lain since the start, on another device
+/// than the folder around it: perhaps it is not mounted. Any other folder that has become empty loses its
+/// tracks.
 class Scanner {
  public:
   struct Settings {
@@ -86,6 +89,15 @@ class Scanner {
   void removeUnseen();
   void remove(const std::string& path);
   void keepRoot(Root& root, const std::string& reason);
+  /// Notes which of the folders in it are on another device.
+  void noteMounts(const FolderListing& listing);
+  /// True for a folder that had tracks, has nothing now, and is or was on another device than the one around
+  /// it.
+  bool perhapsNotMounted(const std::string& folder, const FolderListing& listing);
+  /// Keeps what was known below it until it can be read again.
+  void keepFolder(const std::string& folder);
+  /// Whether a folder that was kept has something in it again.
+  bool anyBack();
   Root* rootOf(const std::string& path);
   void collect(std::chrono::milliseconds limit);
   void finishReading();
@@ -99,6 +111,8 @@ class Scanner {
   std::map<FolderIdentity, std::string> folders_;
   std::vector<Root> roots_;
   std::vector<std::string> unreadable_;
+  std::set<std::string> mounts_;  ///< folders seen on another device than the one around them
+  std::set<std::string> away_;    ///< those of them that are kept
   LibraryWatch watch_;
   bool watchesShort_ = false;
   std::uint64_t scan_ = 0;

@@ -32,14 +32,17 @@ bool BeyondTagLib(const std::string& path) {
   return KindByName(path) == MediaKind::kVideo || ending == "mka" || ending == "aac" || ending == "mp2";
 }
 
-/// Throws unless the file can be opened for reading.
+/// Throws unless it is a file that can be opened for reading; opening anything else could wait for ever.
 void CheckReadable(const std::string& path) {
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file < 0) {
     throw base::Failure(errno == ENOENT ? base::number::kFileNotFound : base::number::kPermissionDenied,
                         SafeName(path) + " can't be read");
   }
+  struct stat info {};
+  const bool regular = ::fstat(file, &info) == 0 && S_ISREG(info.st_mode);
   ::close(file);
+  if (!regular) throw base::Failure(base::number::kInvalidArgument, SafeName(path) + " holds no music");
 }
 
 std::string Text(const TagLib::String& text) {

@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -175,6 +178,97 @@ TEST_F(LibraryOfMusic, LinksInACircleDoNotHang) {
   startWith(1);
   addTrack("a/2.flac", "Two", "Ann", "Blue", "Jazz");
   EXPECT_TRUE(libraryHolds(2));
+}
+
+TEST_F(LibraryOfMusic, WhatIsNoFileIsPassedOverWithoutWaiting) {
+  addTrack("a/1.flac", "One", "Ann", "Blue", "Jazz");
+  ASSERT_EQ(::mkfifo(music("pipe.flac").c_str(), 0600), 0);
+  fs::create_symlink(folder / "nowhere.flac", music("dangling.flac"));
+  fs::create_symlink(music("self.flac"), music("self.flac"));
+  fs::create_directory_symlink(music("loop"), music("loop"));
+  fs::create_directory(music("folder.flac"));
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  music("s.flac").copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
+  ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  startWith(1);
+  addTrack("a/2.flac", "Two", "Ann", "Blue", "Jazz");
+  ASSERT_TRUE(libraryHolds(2));
+  EXPECT_THAT(log, IsEmpty());
+  EXPECT_THROW(library().add(music("pipe.flac")), base::Failure);
+  EXPECT_THROW(library().add(music("s.flac")), base::Failure);
+  EXPECT_THROW(library().add(music("dangling.flac")), base::Failure);
+  EXPECT_EQ(library().getAll()->count(), 2);
+  ::close(listener);
+}
+
+TEST_F(LibraryOfMusic, AFolderBelowThatCantBeReachedKeepsItsTracks) {
+  fourTracks();
+  startWith(4);
+  player.reset();
+  fs::rename(music("x"), folder / "away");
+  fs::create_directory_symlink(std::string(300, 'n'), music("x"));  // longer than any name may be
+  startWith(4);
+  fs::remove(music("y/r1.wav"));
+  ASSERT_TRUE(libraryHolds(3));
+  fs::remove(music("x"));
+  EXPECT_TRUE(libraryHolds(1));
+}
+
+TEST_F(LibraryOfMusic, AnEmptiedFolderBelowLosesItsTracks) {
+  fourTracks();
+  startWith(4);
+  fs::remove(music("x/b1.ogg"));
+  fs::remove(music("x/b2.flac"));
+  ASSERT_TRUE(libraryHolds(2));
+  EXPECT_THAT(log, IsEmpty());
+}
+
+/// A folder on another device than the music folder, linked into it as if it were mounted there.
+class LibraryOnTwoDevices : public LibraryOfMusic {
+ protected:
+  void SetUp() override {
+    std::string made = "/dev/shm/vantorix-engine-XXXXXX";
+    ASSERT_NE(::mkdtemp(made.data()), nullptr);
+    other = made;
+    struct stat here {};
+    struct stat there {};
+    ASSERT_EQ(::stat(folder.path().c_str(), &here), 0);
+    ASSERT_EQ(::stat(other.c_str(), &there), 0);
+    ASSERT_NE(here.st_dev, there.st_dev) << "the folder for temporary files must not be in memory";
+    fourTracks();
+    fs::create_directory(other / "mounted");
+    fs::copy(music("x"), other / "mounted/deep", fs::copy_options::recursive);
+    fs::remove_all(music("x"));
+    fs::create_directory_symlink(other / "mounted", music("x"));
+  }
+  void TearDown() override { fs::remove_all(other); }
+
+  fs::path other;
+};
+
+TEST_F(LibraryOnTwoDevices, AnEmptyMountPointBelowKeepsItsTracksUntilItIsBack) {
+  startWith(4);
+  fs::rename(other / "mounted/deep", other / "away");
+  ASSERT_TRUE(until([&] { return !log.empty(); }));
+  EXPECT_THAT(log.front(), HasSubstr("perhaps not mounted; its 2 files stay in the library"));
+  fs::remove(music("y/r1.wav"));
+  ASSERT_TRUE(libraryHolds(3));
+  fs::remove(other / "away/b1.ogg");
+  fs::rename(other / "away", other / "mounted/deep");
+  EXPECT_TRUE(libraryHolds(2));
+}
+
+TEST_F(LibraryOnTwoDevices, AnEmptyMountPointBelowKeepsItsTracksAtTheNextStart) {
+  startWith(4);
+  player.reset();
+  fs::rename(other / "mounted/deep", other / "away");
+  startWith(4);
+  ASSERT_TRUE(until([&] { return !log.empty(); }));
+  EXPECT_THAT(log.front(), HasSubstr("perhaps not mounted"));
+  fs::remove(music("y/r1.wav"));
+  EXPECT_TRUE(libraryHolds(3));
 }
 
 TEST_F(LibraryOfMusic, ItIsThereAtOnceAtTheNextStart) {
