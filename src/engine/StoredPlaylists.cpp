@@ -24,7 +24,10 @@ class StoredPlaylist : public ListPlaylist {
 
   using ListPlaylist::name;
   void name(const std::string& value) override {
-    if (owner_ != nullptr) owner_->rename(*this, value);
+    if (owner_ != nullptr) {
+      owner_->catchUp(*this);
+      owner_->rename(*this, value);
+    }
     ListPlaylist::name(value);
     if (owner_ != nullptr) owner_->tellChanged();
   }
@@ -65,6 +68,7 @@ class StoredPlaylist : public ListPlaylist {
   /// Changes the items, and the file with them or neither.
   template <class Change>
   void change(Change&& apply) {
+    if (owner_ != nullptr) owner_->catchUp(*this);
     const std::vector<player::MediaRef> before = own();
     std::forward<Change>(apply)();
     if (owner_ == nullptr) return;
@@ -207,6 +211,16 @@ void StoredPlaylists::write(StoredPlaylist& playlist) {
   for (std::int32_t i = 0; i < playlist.count(); ++i) list.entries.push_back(EntryOf(*playlist.item(i)));
   WriteFile(playlist.path(), FormatM3u(list));
   playlist.stamp(StampOf(playlist.path()));
+}
+
+void StoredPlaylists::catchUp(StoredPlaylist& playlist) {
+  FileStamp stamp;
+  try {
+    stamp = StampOf(playlist.path());
+  } catch (const base::Failure&) {
+    return;  // the file has gone; what is known of it is written anew
+  }
+  if (stamp != playlist.stamp() && read(playlist.path(), stamp)) tellChanged();
 }
 
 std::shared_ptr<StoredPlaylist> StoredPlaylists::named(const std::string& name) const {

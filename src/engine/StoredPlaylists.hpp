@@ -47,6 +47,8 @@ class StoredPlaylists : public player::PlaylistCollection {
   bool refresh();
   bool read(const std::string& path, const FileStamp& stamp);
   void write(StoredPlaylist& playlist);
+  /// Reads the playlist's file again if others have written it since, so that their change is not lost.
+  void catchUp(StoredPlaylist& playlist);
   void rename(StoredPlaylist& playlist, const std::string& name);
   [[nodiscard]] std::string freePath(const std::string& name) const;
   [[nodiscard]] std::shared_ptr<StoredPlaylist> named(const std::string& name) const;

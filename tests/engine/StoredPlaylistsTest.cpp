@@ -146,6 +146,23 @@ TEST_F(Playlists, AForeignChangeIsSeenAtTheNextQuestion) {
   EXPECT_EQ(list->count(), 2);
 }
 
+TEST_F(Playlists, AChangeIsMadeOnTopOfAForeignOne) {
+  begin();
+  auto list = playlists().newPlaylist("L");
+  list->appendItem(track("One"));
+  writeText(folder / "playlists/L.m3u8",
+            "#EXTM3U\n#PLAYLIST:L\n" + music("1.flac") + "\nhttp://127.0.0.1/foreign.mp3\n");
+  list->appendItem(track("Two"));
+  const auto entries = ParseM3u(content("L.m3u8"), "/").entries;
+  ASSERT_EQ(entries.size(), 3U);
+  EXPECT_EQ(entries[1].location, "http://127.0.0.1/foreign.mp3");
+  EXPECT_EQ(entries[2].location, music("2.flac"));
+  writeText(folder / "playlists/L.m3u8", "#EXTM3U\n#PLAYLIST:L\n" + music("2.flac") + "\n");
+  list->name("M");
+  EXPECT_THAT(Names(*list), ElementsAre("Two"));
+  EXPECT_EQ(ParseM3u(content("M.m3u8"), "/").entries.size(), 1U);
+}
+
 TEST_F(Playlists, AFolderThatCantBeWrittenIsPermissionDenied) {
   if (::geteuid() == 0) {
     // To the superuser nothing is read-only, so a file stands in the folder's way.
