@@ -1,5 +1,7 @@
 #pragma once
 #include <cstdlib>
+#include <regex>
+#include <stdexcept>
 #include <string>
 
 #include "support/Process.hpp"
@@ -19,8 +21,21 @@ class XServer {
   }
 
  private:
+  /// The server says the number on a line of its own, perhaps behind complaints about numbers that are taken.
+  std::string name() {
+    std::smatch found;
+    const std::regex number("(?:^|\\n)(\\d+)\\n");
+    const bool said = Eventually([&] {
+      said_ = server_.output();
+      return std::regex_search(said_, found, number);
+    });
+    if (!said) throw std::runtime_error("no screen: " + said_);
+    return ":" + found[1].str();
+  }
+
+  std::string said_;
   Process server_{{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"}};
-  std::string display_ = ":" + std::to_string(std::stoi(server_.outputWith("\n")));
+  std::string display_ = name();
 };
 
 /// The screen that this process's windows go to.
