@@ -23,8 +23,10 @@ bool IsBelowAny(const std::string& path, const std::vector<std::string>& folders
 /// The path that is meant, with backslashes allowed where no such file exists.
 std::string ExistingPath(const std::string& url) {
   std::string path = PathOf(url);
+  // Asking the file system can take as long as a network folder likes, so only where there is a doubt.
+  if (IsAddress(path) || path.find('\\') == std::string::npos) return path;
   std::error_code ignored;
-  if (IsAddress(path) || std::filesystem::exists(path, ignored)) return path;
+  if (std::filesystem::exists(path, ignored)) return path;
   std::string slashed = path;
   std::replace(slashed.begin(), slashed.end(), '\\', '/');
   return std::filesystem::exists(slashed, ignored) ? slashed : path;
