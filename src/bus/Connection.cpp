@@ -43,7 +43,7 @@ base::ObjectRef Connection::proxy(const std::string& name, const std::string& pa
 
 void Connection::startService(const std::string& name) {
   try {
-    link_->callDaemon("StartServiceByName", {name, std::int32_t{0}});
+    link_->callDaemonLong("StartServiceByName", {name, std::int32_t{0}});
   } catch (const base::Failure& failure) {
     if (!link_->alive()) throw;
     throw base::Failure(base::number::kCannotCreate, failure.description());

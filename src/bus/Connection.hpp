@@ -38,7 +38,8 @@ class Connection {
   /// The object of another process. No call is made yet. `name` is a unique or well-known bus name.
   base::ObjectRef proxy(const std::string& name, const std::string& path);
   /// Has the bus start the service of that name if it does not run (it is activated from its service file).
-  /// Throws 429 with the bus's own words when it can't be started. Runs no timers meanwhile.
+  /// Throws 429 with the bus's own words when it can't be started, or when the loop is asked to quit
+  /// meanwhile inside `PollLoop::whileOpen`.
   void startService(const std::string& name);
   /// True when some process owns the name now.
   bool hasOwner(const std::string& name);

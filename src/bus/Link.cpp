@@ -98,7 +98,7 @@ Message Link::newCall(const std::string& name, const std::string& path, const ch
   return owned;
 }
 
-Message Link::call(const Message& message) {
+Message Link::call(const Message& message, bool untilQuit) {
   const auto keep = shared_from_this();
   if (!alive_) ThrowGone();
   Pending pending;
@@ -113,7 +113,7 @@ Message Link::call(const Message& message) {
   const Slot owned(slot);
   refresh();
   while (!pending.reply) {
-    if (!alive_) ThrowGone();
+    if (!alive_ || (untilQuit && loop_.open() && loop_.quitting())) ThrowGone();
     waitOnce();
   }
   if (const sd_bus_error* error = sd_bus_message_get_error(pending.reply.get()))
@@ -158,8 +158,8 @@ void Link::send(const Message& message) {
   refresh();
 }
 
-Message Link::callDaemon(const std::string& member, const std::vector<base::Value>& args) {
-  const Message message = newCall(kDaemon, kDaemonPath, kDaemon, member);
+Message Link::daemonMessage(const std::string& member, const std::vector<base::Value>& args) {
+  Message message = newCall(kDaemon, kDaemonPath, kDaemon, member);
   for (const auto& arg : args) {
     if (const auto* number = std::get_if<std::int32_t>(&arg.held())) {
       const auto flags = static_cast<std::uint32_t>(*number);
@@ -168,9 +168,18 @@ Message Link::callDaemon(const std::string& member, const std::vector<base::Valu
       AppendPlain(message.get(), arg, *this);
     }
   }
+  return message;
+}
+
+Message Link::callDaemon(const std::string& member, const std::vector<base::Value>& args) {
+  const Message message = daemonMessage(member, args);
   Message reply;
   loop_.whileClosed([&] { reply = call(message); });
   return reply;
+}
+
+Message Link::callDaemonLong(const std::string& member, const std::vector<base::Value>& args) {
+  return call(daemonMessage(member, args), true);
 }
 
 void Link::process() {

@@ -32,11 +32,14 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   Message newCall(const std::string& name, const std::string& path, const char* interface,
                   const std::string& member);
   /// Sends a call and waits for its reply, serving meanwhile. Throws the failure that came back.
-  Message call(const Message& message);
+  Message call(const Message& message, bool untilQuit = false);
   /// Sends without waiting for anything.
   void send(const Message& message);
   /// Calls an operation of the bus itself, with no timers meanwhile.
   Message callDaemon(const std::string& member, const std::vector<base::Value>& args);
+  /// The same for what may take long: waits as openly as its caller, and fails when the loop is asked to
+  /// quit.
+  Message callDaemonLong(const std::string& member, const std::vector<base::Value>& args);
 
   base::ObjectRef resolve(const Address& address, const std::string& sender) override;
   Address addressOf(const base::ObjectRef& object, const std::string& receiver) override;
@@ -54,6 +57,7 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   Exports& exports() { return exports_; }
 
  private:
+  Message daemonMessage(const std::string& member, const std::vector<base::Value>& args);
   struct Pending {
     Message reply;
   };

@@ -146,6 +146,8 @@ struct PollLoop::State {
   std::deque<Work> posted;      // guarded by the mutex
   std::uint64_t lastOrder = 0;  // guarded by the mutex
   std::optional<int> quitCode;
+  bool quitting = false;
+  int runs = 0;
 
   bool anyPosted() {
     const std::scoped_lock lock(mutex);
@@ -303,13 +305,21 @@ std::unique_ptr<PollLoop::Watch> PollLoop::onSignal(int signal, std::function<vo
 }
 
 int PollLoop::run() {
+  const Replaced running(state_->runs, state_->runs + 1);
+  state_->quitting = state_->quitCode.has_value();
   while (!state_->quitCode) turn(Milliseconds(60'000));
   const int code = *state_->quitCode;
   state_->quitCode.reset();
+  if (state_->runs > 1) state_->quitting = false;  // the outer one goes on
   return code;
 }
 
-void PollLoop::quit(int code) { state_->quitCode = code; }
+void PollLoop::quit(int code) {
+  state_->quitCode = code;
+  state_->quitting = true;
+}
+
+bool PollLoop::quitting() const { return state_->quitting; }
 
 void PollLoop::turn(Milliseconds limit) {
   RemoveDead(state_->timers);

@@ -57,6 +57,8 @@ class PollLoop : public base::Loop {
   int run();
   /// Ends the innermost `run` after the turn it is in; without one, the next `run` ends at once.
   void quit(int code);
+  /// True once `quit` was called, until the next `run`: what waits within an event had better end then.
+  [[nodiscard]] bool quitting() const;
   /// One turn: waits at most `limit` for something to happen, then handles what is ready.
   void turn(base::Milliseconds limit);
   /// True inside `whileOpen`, but not within the events that run inside it.

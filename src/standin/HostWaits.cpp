@@ -1,39 +1,78 @@
 #include "standin/HostWaits.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 #include <thread>
 
+#include "base/Failure.hpp"
 #include "standin/UrlFetcher.hpp"
 
 namespace standin {
+namespace {
 
-void LoopWaits::pendingEvents() { loop_.pump(); }
+constexpr int kMostPending = 50;
+
+/// Counts a wait for as long as it lasts.
+class Pending {
+ public:
+  explicit Pending(int& count) : count_(count) {
+    if (count_ >= kMostPending) {
+      throw base::Failure(base::number::kInternal, "Too many waits are pending within each other");
+    }
+    ++count_;
+  }
+  ~Pending() { --count_; }
+  Pending(const Pending&) = delete;
+  Pending& operator=(const Pending&) = delete;
+  Pending(Pending&&) = delete;
+  Pending& operator=(Pending&&) = delete;
+
+ private:
+  int& count_;
+};
+
+}  // namespace
+
+void LoopWaits::pendingEvents() {
+  const Pending pending(pending_);
+  loop_.pump();
+}
 
 void LoopWaits::seconds(int count) {
+  const Pending pending(pending_);
   const base::Milliseconds end = loop_.now() + std::chrono::seconds(std::max(0, count));
   loop_.whileOpen([&] {
-    for (base::Milliseconds now = loop_.now(); now < end; now = loop_.now()) loop_.turn(end - now);
+    for (base::Milliseconds now = loop_.now(); now < end && !loop_.quitting(); now = loop_.now()) {
+      loop_.turn(end - now);
+    }
   });
 }
 
 std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port) {
+  const Pending pending(pending_);
+  std::atomic<bool> stop = false;
   std::promise<std::string> promise;
   std::future<std::string> result = promise.get_future();
-  std::thread worker([&] {
+  // Joined at the end, also when an event of the loop throws.
+  const std::jthread worker([&] {
     try {
-      promise.set_value(FetchUrl(host, page, port, fetchLimit_));
+      promise.set_value(FetchUrl(host, page, port, fetchLimit_, &stop));
     } catch (...) {
       promise.set_exception(std::current_exception());
     }
     loop_.post([] {});  // wakes the loop
   });
+  struct Stop {
+    std::atomic<bool>& stop;
+    ~Stop() { stop = true; }
+  } const stopAtEnd{stop};
   loop_.whileOpen([&] {
-    while (result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    while (!loop_.quitting() && result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       loop_.turn(base::Milliseconds(200));
     }
   });
-  worker.join();
+  if (loop_.quitting()) stop = true;
   return result.get();
 }
 

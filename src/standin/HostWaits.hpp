@@ -19,14 +19,16 @@ class HostWaits {
 
   /// Handles what is pending and returns.
   virtual void pendingEvents() = 0;
+  /// Throws number 51 when far too many waits are pending.
   virtual void seconds(int count) = 0;
   /// Has the text said; with `wait` it returns when it has been heard.
   virtual void speak(const std::string& text, bool wait) = 0;
-  /// A page by HTTP; throws as `FetchUrl` does.
+  /// A page by HTTP; throws as `FetchUrl` does, and as `seconds`.
   virtual std::string fetch(const std::string& host, const std::string& page, int port) = 0;
 };
 
-/// On the server's loop.
+/// On the server's loop. A wait ends early when the loop is asked to quit. One that begins within another
+/// ends before it, as each has its place on the stack; how many may is limited.
 class LoopWaits : public HostWaits {
  public:
   LoopWaits(bus::PollLoop& loop, Speech& speech,
@@ -41,6 +43,7 @@ class LoopWaits : public HostWaits {
   bus::PollLoop& loop_;
   Speech& speech_;
   std::chrono::milliseconds fetchLimit_;
+  int pending_ = 0;
 };
 
 }  // namespace standin

@@ -18,10 +18,14 @@ std::size_t collect(char* data, std::size_t size, std::size_t count, void* into)
   return size * count;
 }
 
+int lookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  return static_cast<const std::atomic<bool>*>(stop)->load() ? 1 : 0;
+}
+
 }  // namespace
 
 std::string FetchUrl(const std::string& host, const std::string& page, int port,
-                     std::chrono::milliseconds limit) {
+                     std::chrono::milliseconds limit, const std::atomic<bool>* stop) {
   std::string path = page;
   if (path.empty() || path.front() != '/') path.insert(path.begin(), '/');
   for (std::size_t blank = path.find(' '); blank != std::string::npos; blank = path.find(' ')) {
@@ -45,6 +49,11 @@ std::string FetchUrl(const std::string& host, const std::string& page, int port,
   curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &collect);
   curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
   curl_easy_setopt(curl, CURLOPT_USERAGENT, "Vantorix");
+  if (stop != nullptr) {
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &lookForStop);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, stop);
+  }
   const CURLcode code = curl_easy_perform(curl);
   if (code != CURLE_OK) {
     throw base::Failure(base::number::kDeviceIo, "No page from " + host + ": " + curl_easy_strerror(code));

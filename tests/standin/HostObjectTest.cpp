@@ -297,6 +297,29 @@ TEST_F(Host, WaitSecsTurnsTheLoopWhileItLasts) {
   EXPECT_GE(ticks, 3);
 }
 
+TEST_F(Host, WaitSecsEndsWhenTheLoopIsAskedToQuit) {
+  const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { loop.quit(0); });
+  timer->enabled(true);
+  const auto begin = loop.now();
+  call("WaitSecs", {std::int16_t{3600}});
+  EXPECT_LT(loop.now() - begin, std::chrono::seconds(60));
+  EXPECT_EQ(loop.run(), 0);
+}
+
+TEST_F(Host, WaitsWithinWaitsAreLimited) {
+  int depth = 0;
+  std::int32_t failure = 0;
+  std::function<void()> wait = [&] {
+    ++depth;
+    loop.post(wait);
+    failure = std::max(failure, support::FailureNumberOf([&] { call("WaitSecs", {std::int16_t{1}}); }));
+    if (failure != 0) loop.quit(0);
+  };
+  wait();
+  EXPECT_EQ(failure, base::number::kInternal);
+  EXPECT_EQ(depth, 51);
+}
+
 TEST_F(Host, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
   httplib::Server web;
   const std::string body("a\0\xFF<b>c</b>", 11);
