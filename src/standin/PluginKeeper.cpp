@@ -15,6 +15,11 @@ constexpr base::Milliseconds kFirstPause = std::chrono::seconds(1);
 constexpr base::Milliseconds kLongestPause = std::chrono::seconds(60);
 constexpr base::Milliseconds kStable = std::chrono::seconds(60);
 constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(300);
+constexpr base::Milliseconds kDelayInterval = std::chrono::seconds(1);
+constexpr base::Milliseconds kLongStart = std::chrono::seconds(15);
+constexpr base::Milliseconds kLongCommand = std::chrono::seconds(30);
+constexpr base::Milliseconds kLongEnd = std::chrono::seconds(10);
+constexpr base::Milliseconds kGrace = std::chrono::seconds(5);
 
 }  // namespace
 
@@ -38,7 +43,9 @@ PluginKeeper::PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, Hou
       address_(std::move(address)),
       pause_(kFirstPause),
       startTimer_(loop.makeTimer(base::Milliseconds(1), [this] { launch(); })),
-      statusTimer_(loop.makeTimer(kStatusInterval, [this] { askStatus(); })) {
+      statusTimer_(loop.makeTimer(kStatusInterval, [this] { askStatus(); })),
+      delayTimer_(loop.makeTimer(kDelayInterval, [this] { lookForDelay(); })) {
+  delayTimer_->enabled(true);
   connection_.onNameLost(address_.name, [this] { lost(); });
   house_.log.onLine = [this, told = house_.log.onLine](const LogLine& line) {
     if (told) told(line);
@@ -56,6 +63,7 @@ void PluginKeeper::hearLine(const LogLine& line) {
 }
 
 void PluginKeeper::enter(PluginState state, std::string reason) {
+  if (state == PluginState::kStarting && state_ != state) startingSince_ = loop_.now();
   state_ = state;
   reason_ = std::move(reason);
   house_.live.tell("frame", "{}");
@@ -67,15 +75,26 @@ void PluginKeeper::start() {
 }
 
 void PluginKeeper::startAgain() {
-  if (ending_ || launching_) return;
+  if (ending_) return;
+  house_.log.write("Info", "The plug-in is started again");
+  pause_ = kFirstPause;
+  toldReason_.clear();
+  if (launching_) {
+    // It hangs in the calls of its start. Its end makes them fail, and that starts it again.
+    const std::uint32_t hung = process();
+    signal(hung, SIGTERM);
+    endWithin(kGrace);
+    startingSince_ = loop_.now();
+    return;
+  }
   if (vxif_) {
     ending_ = true;  // its end is wanted, not a loss
-    house_.log.write("Info", "The plug-in is started again");
-    shutDown(std::chrono::seconds(10));
+    shutDown(stuck_ ? kGrace : kLongEnd);
     ending_ = false;
+    if (loop_.quitting()) return;
     house_.forgetPlugin();
   }
-  pause_ = kFirstPause;
+  startingSince_ = loop_.now();
   enter(PluginState::kStarting, {});
   start();
 }
@@ -94,17 +113,19 @@ void PluginKeeper::launchSteps() {
   std::string refusal;
   base::ObjectRef vxif;
   try {
-    // Somebody may have started it by hand.
-    if (!connection_.hasOwner(address_.name)) connection_.startService(address_.name);
-    vxif = vxif_ = connection_.proxy(address_.name, address_.path);
     loop_.whileOpen([&] {
+      // Somebody may have started it by hand.
+      if (!connection_.hasOwner(address_.name)) connection_.startService(address_.name);
+      vxif = vxif_ = connection_.proxy(address_.name, address_.path);
+      if (loop_.quitting()) return;
       vxif->invoke("RegisterCallback", callback_);
       name_ = base::ToText(vxif->call("Name"));
       refusal = base::ToText(vxif->invoke("InitIO", std::int32_t{house_.webPort}));
     });
   } catch (...) {
     const base::Failure failure = base::CurrentFailure();
-    if (ending_ || state_ == PluginState::kLost) return;  // its loss has been seen to already
+    if (ending_ || loop_.quitting() || state_ == PluginState::kLost)
+      return;  // its loss has been seen to already
     vxif_ = nullptr;
     house_.forgetPlugin();
     const std::string reason = "The plug-in could not be started: " + failure.description();
@@ -114,7 +135,7 @@ void PluginKeeper::launchSteps() {
     restartLater();
     return;
   }
-  if (ending_ || vxif_ != vxif) return;
+  if (ending_ || loop_.quitting() || vxif_ != vxif) return;
   if (!refusal.empty()) {
     house_.log.write("Error", "The plug-in has refused to start: " + refusal);
     enter(PluginState::kFailed, refusal);
@@ -137,6 +158,7 @@ void PluginKeeper::askStatus() {
 }
 
 void PluginKeeper::lost() {
+  if (forceTimer_) forceTimer_->enabled(false);
   if (ending_ || !vxif_) return;
   vxif_ = nullptr;
   statusTimer_->enabled(false);
@@ -187,6 +209,7 @@ void PluginKeeper::runCommands() {
     const Waiting next = std::move(waiting_.front());
     waiting_.pop_front();
     std::string failure;
+    busySince_ = loop_.now();
     call(next.command, failure);
     next.done(failure);
   }
@@ -206,16 +229,40 @@ void PluginKeeper::shutDown(base::Milliseconds limit) {
                        "The plug-in did not end as asked: " + base::CurrentFailure().description());
     }
   }
+  if (forceTimer_) forceTimer_->enabled(false);
 }
 
-void PluginKeeper::endWithin(base::Milliseconds limit) {
+void PluginKeeper::lookForDelay() {
+  const base::Milliseconds now = loop_.now();
+  const bool stuck = !ending_ && ((state_ == PluginState::kStarting && now - startingSince_ >= kLongStart) ||
+                                  (busy_ && now - busySince_ >= kLongCommand));
+  if (stuck == stuck_) return;
+  stuck_ = stuck;
+  if (stuck) house_.log.write("Warning", "The plug-in takes long to answer");
+  house_.live.tell("frame", "{}");
+}
+
+std::uint32_t PluginKeeper::process() {
   std::uint32_t process = 0;
   try {
     process = connection_.processOf(address_.name);
-  } catch (const base::Failure&) {  // there is none to end
+  } catch (const base::Failure&) {  // there is none
   }
-  if (process == 0 || process == static_cast<std::uint32_t>(::getpid())) return;
-  forceTimer_ = loop_.makeTimer(limit, [process] { ::kill(static_cast<pid_t>(process), SIGKILL); });
+  return process == static_cast<std::uint32_t>(::getpid()) ? 0 : process;
+}
+
+void PluginKeeper::signal(std::uint32_t process, int number) {
+  // A number that has lost the name may be somebody else's by now.
+  if (process != 0 && process == this->process()) ::kill(static_cast<pid_t>(process), number);
+}
+
+void PluginKeeper::endWithin(base::Milliseconds limit) {
+  const std::uint32_t toEnd = process();
+  if (toEnd == 0) return;
+  forceTimer_ = loop_.makeTimer(limit, [this, toEnd] {
+    forceTimer_->enabled(false);
+    signal(toEnd, SIGKILL);
+  });
   forceTimer_->enabled(true);
 }
 

@@ -33,8 +33,10 @@ class PluginKeeper {
 
   /// Starts it on the next turn of the loop.
   void start();
-  /// Ends the plug-in if it runs, and starts it anew.
+  /// Ends the plug-in if it runs, by force if it has to be, and starts it anew.
   void startAgain();
+  /// True when its start or a command has been taking so long that the user may want to start it again.
+  [[nodiscard]] bool stuck() const { return stuck_; }
   /// Has the plug-in end, and waits for it, by force after `limit`.
   void stop(base::Milliseconds limit = std::chrono::seconds(10));
   /// Ends the plug-in by force when `stop` has not ended it in that time: a call to it may be under way, and
@@ -68,6 +70,9 @@ class PluginKeeper {
   bool call(const Command& command, std::string& failure);
   void hearLine(const LogLine& line);
   void shutDown(base::Milliseconds limit);
+  void lookForDelay();
+  [[nodiscard]] std::uint32_t process();
+  void signal(std::uint32_t process, int number);
 
   bus::PollLoop& loop_;
   bus::Connection& connection_;
@@ -83,11 +88,15 @@ class PluginKeeper {
   bool busy_ = false;
   bool launching_ = false;
   bool ending_ = false;
+  bool stuck_ = false;
+  base::Milliseconds startingSince_{0};
+  base::Milliseconds busySince_{0};
   base::Milliseconds pause_;
   base::Milliseconds readySince_{0};
   std::unique_ptr<base::Timer> startTimer_;
   std::unique_ptr<base::Timer> statusTimer_;
   std::unique_ptr<base::Timer> forceTimer_;
+  std::unique_ptr<base::Timer> delayTimer_;
 };
 
 }  // namespace standin

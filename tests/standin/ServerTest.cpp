@@ -260,9 +260,10 @@ TEST_F(Server, AFailureAfterTheStartIsShownToo) {
 class ServerWithService : public Server {
  protected:
   /// The process behind the plug-in's name.
-  pid_t process() const {
+  pid_t process() const { return processAt(services); }
+  static pid_t processAt(const support::BusDaemon& daemon) {
     bus::PollLoop loop;
-    bus::Connection connection(loop, services.address());
+    bus::Connection connection(loop, daemon.address());
     return connection.hasOwner(kName) ? static_cast<pid_t>(connection.processOf(kName)) : 0;
   }
   static constexpr const char* kName = "org.vantorix.vxif_WMP9";
@@ -291,6 +292,44 @@ TEST_F(ServerWithService, APluginThatDoesNotEndIsEndedByForce) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(server.end(), 0);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(25));
+}
+
+TEST_F(ServerWithService, APluginThatHangsInItsStartIsStartedAgainWhenTheUserAsks) {
+  const support::BusDaemon hanging{{{kName, std::string(FAKE_PLUGIN) + " hanging"}}};
+  ServerProcess server(hanging.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return processAt(hanging) != 0; })) << told(web, server);
+  EXPECT_EQ(stateOf(web), "starting");
+  const pid_t first = processAt(hanging);
+  EXPECT_EQ(web.post("/api/plugin", json::object()), 200);
+  EXPECT_TRUE(Eventually([&] {
+    const pid_t now = processAt(hanging);
+    return now != 0 && now != first;
+  })) << told(web, server);
+  EXPECT_EQ(server.end(), 0);
+}
+
+TEST_F(Server, AWaitOfThePluginsDoesntHoldUpTheEnd) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server.port());
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  std::atomic<bool> waiting = false;
+  std::thread wait([&] {
+    plugin.withHost([&](base::Object&, base::Object& host) {
+      host.invoke("WriteLog", "Info", "it waits");
+      waiting = true;
+      try {
+        host.invoke("WaitSecs", std::int16_t{3600});
+      } catch (const base::Failure&) {  // the server may end before its answer has left
+      }
+    });
+  });
+  ASSERT_TRUE(Eventually([&] { return waiting.load(); }));
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.end(SIGINT), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+  wait.join();
 }
 
 TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
