@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "standin/FileTools.hpp"
 #include "standin/HouseJson.hpp"
@@ -31,6 +32,10 @@ House::House(const std::filesystem::path& dataFolder)
   devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
   log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };
   seedPictures();
+  try {
+    for (const std::string& note : settings.notes()) log.write("Warning", note);
+  } catch (const base::Failure&) {  // a full disk; the house is there all the same
+  }
 }
 
 void House::seedPictures() const {

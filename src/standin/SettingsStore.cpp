@@ -7,17 +7,51 @@
 namespace standin {
 namespace {
 
+constexpr const char* kJournal = "settings.journal";
+
 bool plainFileName(const std::string& name) {
+  const std::string folded = base::LowerCase(name);
   return !name.empty() && name.size() < 200 && name.front() != '.' &&
-         name.find_first_of(std::string_view("/\\:\0", 4)) == std::string::npos;
+         name.find_first_of(std::string_view("/\\:\0", 4)) == std::string::npos &&
+         // The store's own: a file renamed over the journal would take all changes with it.
+         folded != kJournal && !folded.ends_with(".new") && !folded.ends_with(".edited");
 }
 
 }  // namespace
 
 SettingsStore::SettingsStore(const std::filesystem::path& folder)
-    : folder_((MakeFolder(folder), folder)), journal_(folder / "settings.journal") {
-  journal_.replay([this](const SettingChange& change) { apply(change); });
-  if (pending()) flush();
+    : folder_((MakeFolder(folder), folder)), journal_(folder / kJournal) {
+  if (!pending()) return;
+  journal_.replay([this](const SettingChange& change) {
+    try {
+      apply(change);
+    } catch (const base::Failure& failure) {
+      notes_.push_back("A change in the journal is passed over: " + failure.description());
+    }
+  });
+  try {
+    keepEdited();
+    flush();
+  } catch (const base::Failure& failure) {
+    notes_.push_back("The settings stay in the journal: " + failure.description());
+  }
+}
+
+void SettingsStore::keepEdited() {
+  const auto journalTime = std::filesystem::last_write_time(folder_ / kJournal);
+  for (const auto& [name, loaded] : files_) {
+    std::error_code none;
+    const auto time = std::filesystem::last_write_time(loaded.path, none);
+    if (none || !loaded.changed || time <= journalTime) continue;
+    const std::string text = ReadFile(loaded.path).value_or(std::string());
+    if (text == loaded.content.format()) continue;
+    const std::filesystem::path copy = loaded.path.string() + ".edited";
+    ReplaceFile(copy, text);
+    notes_.push_back(loaded.path.filename().string() +
+                     " was edited while changes of the server's waited for it; they have been brought in, "
+                     "and the edited file is kept as " +
+                     copy.filename().string());
+  }
 }
 
 SettingsStore::Loaded& SettingsStore::open(const std::string& file) {

@@ -3,6 +3,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "standin/IniText.hpp"
 #include "standin/SettingsJournal.hpp"
@@ -13,7 +14,8 @@ namespace standin {
 /// returns; the files themselves are rewritten by `flush`.
 class SettingsStore {
  public:
-  /// Takes over what a journal of an earlier run still holds. Throws as files do.
+  /// Takes over what a journal of an earlier run still holds; where that can't be written now, the journal
+  /// goes on. A file that was edited since is kept beside the new one. Throws as files do.
   explicit SettingsStore(const std::filesystem::path& folder);
 
   /// The stored text, or nothing when the key is absent. Throws number 5 for a name that is no plain file
@@ -29,6 +31,8 @@ class SettingsStore {
   /// Brings all changes into the files and empties the journal. On a failure the files stay whole, the
   /// journal stays, and the failure is thrown.
   void flush();
+  /// What the user should know of the taking over, for the log.
+  [[nodiscard]] const std::vector<std::string>& notes() const { return notes_; }
   [[nodiscard]] bool pending() const { return journal_.size() > 0; }
   /// Bytes of changes that the files don't hold yet.
   [[nodiscard]] std::size_t journalSize() const { return journal_.size(); }
@@ -41,10 +45,12 @@ class SettingsStore {
   };
   Loaded& open(const std::string& file);
   void apply(const SettingChange& change);
+  void keepEdited();
 
   std::filesystem::path folder_;
   SettingsJournal journal_;
   std::map<std::string, Loaded> files_;
+  std::vector<std::string> notes_;
 };
 
 }  // namespace standin

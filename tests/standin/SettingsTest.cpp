@@ -118,7 +118,8 @@ TEST(Settings, AFileEditedByHandIsReadWithItsRemarksKept) {
 TEST(Settings, AFileNameThatLeadsElsewhereIsRefused) {
   const support::TempFolder folder;
   SettingsStore store(folder.path());
-  for (const std::string name : {"../x.ini", "a/b.ini", "..", "a\\b.ini", "", ".hidden"}) {
+  for (const std::string name : {"../x.ini", "a/b.ini", "..", ".", "a\\b.ini", "", ".hidden",
+                                 "settings.journal", "Settings.JOURNAL", "vxif_WMP.ini.new"}) {
     EXPECT_THROW(store.save(name, "s", "k", "v"), base::Failure) << name;
   }
 }
@@ -131,6 +132,40 @@ TEST(Settings, WhatWasSavedIsThereAfterAnEndWithoutFlush) {
   EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
   EXPECT_FALSE(store.pending());
   EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=42\n");
+}
+
+TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
+  const support::TempFolder folder;
+  {
+    SettingsStore store(folder.path());
+    store.save(kFile, "Settings", "Volume", "42");
+  }
+  const std::string edited = "[Settings]\nVolume=7\nMute=1\n";
+  writeFile(folder.path() / kFile, edited);
+  std::filesystem::last_write_time(
+      folder.path() / kFile,
+      std::filesystem::last_write_time(folder.path() / "settings.journal") + std::chrono::seconds(5));
+  const SettingsStore store(folder.path());
+  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=42\nMute=1\n");
+  EXPECT_EQ(ReadFile(folder.path() / "vxif_WMP.ini.edited"), edited);
+  ASSERT_EQ(store.notes().size(), 1U);
+  EXPECT_NE(store.notes()[0].find("vxif_WMP.ini.edited"), std::string::npos);
+}
+
+TEST(Settings, AJournalThatCantBeBroughtInNowGoesOn) {
+  const support::TempFolder folder;
+  { SettingsStore(folder.path()).save(kFile, "Settings", "Volume", "42"); }
+  std::filesystem::create_directory(folder.path() / "vxif_WMP.ini.new");  // in the way of the new file
+  {
+    SettingsStore store(folder.path());
+    EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
+    EXPECT_TRUE(store.pending());
+    EXPECT_EQ(store.notes().size(), 1U);
+  }
+  std::filesystem::remove(folder.path() / "vxif_WMP.ini.new");
+  SettingsStore store(folder.path());
+  EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
+  EXPECT_FALSE(store.pending());
 }
 
 TEST(Settings, AJournalTornAtAnyByteLosesOnlyTheTornChange) {
