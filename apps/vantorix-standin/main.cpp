@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -29,7 +30,9 @@ int serve(const Options& options) {
   bus::Connection connection(loop, options.bus);
   connection.claimName("org.vantorix.Host");
   WebPort port(options.listen, options.port);
-  const bool local = IsLoopback(options.listen);
+  // A name that isn't this machine's own is given for those who come from elsewhere, by way of another server.
+  const bool local = IsLoopback(options.listen) &&
+                     std::all_of(options.allowedHosts.begin(), options.allowedHosts.end(), &IsLoopback);
 
   MakeFolder(options.data);
   const FolderLock lock(options.data);
@@ -38,7 +41,7 @@ int serve(const Options& options) {
     throw base::Failure(
         base::number::kPermissionDenied,
         "Others could reach this server, but its owner has no password. Start it without --listen "
-        "and set one on the page \"Account\" first");
+        "and --allow-host, and set one on the page \"Account\" first");
   }
   house.webPort = port.port();
   if (!options.version.empty()) house.version = options.version;

@@ -12,6 +12,8 @@ namespace standin {
 namespace {
 
 constexpr std::int64_t kSessionSeconds = 30LL * 24 * 3600;
+constexpr std::int64_t kGuestSeconds = 24LL * 3600;
+constexpr std::int32_t kMostSessions = 50;  // of one user
 constexpr std::size_t kTokenBytes = 32;
 constexpr std::size_t kLongestPassword = 1024;
 
@@ -32,6 +34,16 @@ std::string storedForm(const std::string& token) {
   crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()),
                      token.size(), nullptr, 0);
   return hex(hash);
+}
+
+/// From a row of name, guest and hash.
+User userOf(const Statement& row) {
+  const std::string hash = row.text(2);
+  return {.name = row.text(0),
+          .guest = row.integer(1) != 0,
+          .hasPassword = !hash.empty() && hash != kBarred && hash != kAdmitted,
+          .barred = hash == kBarred,
+          .admitted = hash == kAdmitted};
 }
 
 }  // namespace
@@ -65,9 +77,9 @@ Users::Users(Database& database, Clock clock)
 }
 
 std::optional<User> Users::find(const std::string& name) {
-  Statement row(database_, "SELECT name, guest, hash <> '' FROM user WHERE name = ?");
+  Statement row(database_, "SELECT name, guest, hash FROM user WHERE name = ?");
   if (!row.with(name).step()) return std::nullopt;
-  return User{row.text(0), row.integer(1) != 0, row.integer(2) != 0};
+  return userOf(row);
 }
 
 std::string Users::hashOf(const std::string& name) {
@@ -86,19 +98,29 @@ std::string Users::begin(const std::string& name) {
   std::array<unsigned char, kTokenBytes> bytes{};
   randombytes_buf(bytes.data(), bytes.size());
   std::string token = hex(bytes);
-  Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
-      .with(storedForm(token), name, clock_() + kSessionSeconds)
+  const std::optional<User> user = find(name);
+  const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
+  Transaction whole(database_);
+  Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  Statement(database_,
+            "DELETE FROM session WHERE user = ?1 AND token NOT IN "
+            "(SELECT token FROM session WHERE user = ?1 ORDER BY expires DESC, rowid DESC LIMIT ?2)")
+      .with(name, kMostSessions - 1)
       .run();
+  Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
+      .with(storedForm(token), name, clock_() + lasting)
+      .run();
+  whole.commit();
   return token;
 }
 
 std::optional<User> Users::ofSession(const std::string& token) {
   if (token.size() != kTokenBytes * 2) return std::nullopt;
   Statement row(database_,
-                "SELECT user.name, guest, hash <> '' FROM session JOIN user ON user.name = session.user "
+                "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
                 "WHERE token = ? AND expires > ?");
   if (!row.with(storedForm(token), clock_()).step()) return std::nullopt;
-  return User{row.text(0), row.integer(1) != 0, row.integer(2) != 0};
+  return userOf(row);
 }
 
 void Users::end(const std::string& token) {

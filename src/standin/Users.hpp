@@ -15,7 +15,13 @@ struct User {
   std::string name;
   bool guest = false;  ///< may look and use devices, but change nothing
   bool hasPassword = false;
+  bool barred = false;    ///< may not sign in
+  bool admitted = false;  ///< may sign in without a password, also from elsewhere
 };
+
+/// What stands in place of a password's hash: nobody may sign in as that user; everybody may.
+inline constexpr const char* kBarred = "!";
+inline constexpr const char* kAdmitted = "+";
 
 /// The first user, who owns the house, and the user "guest".
 inline constexpr const char* kFirstUser = "owner";
@@ -36,10 +42,12 @@ class Users {
   [[nodiscard]] std::optional<User> find(const std::string& name);
   /// The stored hash, empty for a user without password or an unknown one.
   [[nodiscard]] std::string hashOf(const std::string& name);
-  /// Takes a result of `HashPassword`, or an empty text for no password. Ends the user's sessions.
+  /// Takes a result of `HashPassword`, an empty text for no password, `kBarred` or `kAdmitted`. Ends the
+  /// user's sessions.
   void setHash(const std::string& name, const std::string& hash);
 
-  /// Begins a session; answers its token.
+  /// Begins a session of a month, for a guest of a day; answers its token. Of a user's sessions the oldest
+  /// make room for it.
   std::string begin(const std::string& name);
   /// The user of a living session.
   [[nodiscard]] std::optional<User> ofSession(const std::string& token);

@@ -122,7 +122,8 @@ WebAnswer WebApi::get(const std::string& path, const std::string& token,
   return linkPage(path, token);
 }
 
-WebAnswer WebApi::post(const std::string& path, const std::string& token, const std::string& body) {
+WebAnswer WebApi::post(const std::string& path, const std::string& token, const std::string& body,
+                       const std::string& peer) {
   if (!path.starts_with("/api/")) return linkPost(path, token, body);
   const Json json = Json::parse(body.empty() ? "{}" : body, nullptr, false);
   if (!json.is_object()) return Refusal(400, "The request is no JSON object");
@@ -137,9 +138,10 @@ WebAnswer WebApi::post(const std::string& path, const std::string& token, const 
     if (path == "/api/script/run") return runScript(token, json);
     if (path == "/api/script/stop") return stopScript(token);
     if (path == "/api/plugin") return startPlugin(token);
-    if (path == "/api/login") return login(json);
+    if (path == "/api/login") return login(json, peer);
     if (path == "/api/logout") return logout(token);
-    if (path == "/api/password") return setPassword(token, json);
+    if (path == "/api/password") return setPassword(token, json, peer);
+    if (path == "/api/guests") return setGuests(token, json);
   } catch (const Json::exception&) {
     return Refusal(400, "The request lacks a field, or one has the wrong type");
   }
@@ -163,10 +165,12 @@ WebAnswer WebApi::state(const std::string& token) {
                                     {{"name", user.name},
                                      {"guest", user.guest},
                                      {"ownerHasPassword", owner && owner->hasPassword},
+                                     {"guests", guestRule()},
                                      {"local", local_}}},
                                    {"plugin",
                                     {{"state", NameOf(plugin_.state())},
                                      {"reason", plugin_.reason()},
+                                     {"stuck", plugin_.stuck()},
                                      {"name", plugin_.name()},
                                      {"splash", house_.splash}}},
                                    {"menu", std::move(menu)},

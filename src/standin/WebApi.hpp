@@ -44,7 +44,9 @@ class WebApi {
 
   WebAnswer get(const std::string& path, const std::string& token,
                 const std::function<std::string(const char*)>& parameter);
-  WebAnswer post(const std::string& path, const std::string& token, const std::string& body);
+  /// `peer` is the address that it comes from.
+  WebAnswer post(const std::string& path, const std::string& token, const std::string& body,
+                 const std::string& peer);
   /// The user of the token, or the owner where no password is needed; nothing when there is none.
   std::optional<User> visitor(const std::string& token);
   [[nodiscard]] const std::filesystem::path& htmlFolder() const { return htmlFolder_; }
@@ -91,9 +93,12 @@ class WebApi {
   WebAnswer stopScript(const std::string& token);
   WebAnswer scriptRun(const std::string& token, std::size_t from);
   WebAnswer startPlugin(const std::string& token);
-  WebAnswer login(const Json& json);
+  WebAnswer login(const Json& json, const std::string& peer);
   WebAnswer logout(const std::string& token);
-  WebAnswer setPassword(const std::string& token, const Json& json);
+  WebAnswer setPassword(const std::string& token, const Json& json, const std::string& peer);
+  WebAnswer setGuests(const std::string& token, const Json& json);
+  /// "open", "password" or "off".
+  std::string guestRule();
   void setIo(const Device& device, std::int16_t command, std::int16_t brightness, const Reply& reply);
   void askPage(const PageLink& link, const User& user, const char* operation, const std::string& argument,
                const Reply& reply);
@@ -106,7 +111,7 @@ class WebApi {
   LoopGate& gate_;
   bool local_;
   std::filesystem::path htmlFolder_;
-  LoginLimit limit_;
+  LoginLimits limits_;
   std::mutex hashing_;  // one at a time: each takes 64 MiB
 };
 

@@ -1,4 +1,4 @@
-// Signing in and out, and the owner's password.
+// Signing in and out, the owner's password, and what guests need.
 #include <chrono>
 #include <memory>
 
@@ -14,14 +14,16 @@ std::string sessionCookie(const std::string& token) {
 
 std::string noCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
 
+WebAnswer tooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
+
 std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
 
 }  // namespace
 
-WebAnswer WebApi::login(const Json& json) {
+WebAnswer WebApi::login(const Json& json, const std::string& peer) {
   const auto name = json.at("name").get<std::string>();
   const auto password = json.value("password", std::string());
-  if (!limit_.mayTry(now())) return Refusal(429, "Too many wrong passwords; please wait a little");
+  if (!limits_.mayTry(name, peer, now())) return tooMany();
 
   const auto hash = std::make_shared<std::string>();
   const auto user = std::make_shared<std::optional<User>>();
@@ -32,18 +34,21 @@ WebAnswer WebApi::login(const Json& json) {
     return Refusal(504, "No answer in time");
   }
   if (!*user) {
-    limit_.failed(now());
+    limits_.failed(name, peer, now());
     return Refusal(403, "The name or the password is wrong");
   }
+  const bool open = (*user)->hasPassword || (*user)->admitted || (local_ && !(*user)->barred);
+  if ((*user)->guest && !open) return Refusal(403, "Guests are not let in here");
   // Without a password the owner needs no session, and the guest gets one for the asking.
   if (!(*user)->hasPassword && !(*user)->guest) return {.cookie = noCookie()};
   if ((*user)->hasPassword) {
     const std::lock_guard one(hashing_);
+    if (!limits_.mayTry(name, peer, now())) return tooMany();  // others have guessed meanwhile
     if (!PasswordFits(*hash, password)) {
-      limit_.failed(now());
+      limits_.failed(name, peer, now());
       return Refusal(403, "The name or the password is wrong");
     }
-    limit_.succeeded();
+    limits_.succeeded(name, peer);
   }
   const auto token = std::make_shared<std::string>();
   if (gate_.runNow([this, name = (*user)->name, token] { *token = house_.users.begin(name); }) !=
@@ -60,7 +65,7 @@ WebAnswer WebApi::logout(const std::string& token) {
   return {.cookie = noCookie()};
 }
 
-WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
+WebAnswer WebApi::setPassword(const std::string& token, const Json& json, const std::string& peer) {
   const auto old = json.value("old", std::string());
   const auto wanted = json.at("password").get<std::string>();
   const std::optional<User> user = visitor(token);
@@ -70,7 +75,7 @@ WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
   if (wanted.empty() && !local_) {
     return Refusal(403, "A server that others can reach needs a password");
   }
-  if (!limit_.mayTry(now())) return Refusal(429, "Too many wrong passwords; please wait a little");
+  if (!limits_.mayTry(user->name, peer, now())) return tooMany();
 
   const auto hash = std::make_shared<std::string>();
   if (gate_.runNow([this, name = user->name, hash] { *hash = house_.users.hashOf(name); }) !=
@@ -80,13 +85,14 @@ WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
   std::string made;
   {
     const std::lock_guard one(hashing_);
+    if (!limits_.mayTry(user->name, peer, now())) return tooMany();
     if (!hash->empty() && !PasswordFits(*hash, old)) {
-      limit_.failed(now());
+      limits_.failed(user->name, peer, now());
       return Refusal(403, "The old password is wrong");
     }
     if (!wanted.empty()) made = HashPassword(wanted);
   }
-  limit_.succeeded();
+  limits_.succeeded(user->name, peer);
   const auto fresh = std::make_shared<std::string>();
   WebAnswer stored = askNow(token, [this, name = user->name, made, fresh](const User&) {
     house_.users.setHash(name, made);
@@ -97,6 +103,37 @@ WebAnswer WebApi::setPassword(const std::string& token, const Json& json) {
   });
   if (stored.status != 200) return stored;
   return {.cookie = made.empty() ? noCookie() : sessionCookie(*fresh)};
+}
+
+WebAnswer WebApi::setGuests(const std::string& token, const Json& json) {
+  const auto rule = json.at("guests").get<std::string>();
+  const auto password = json.value("password", std::string());
+  const std::optional<User> user = visitor(token);
+  if (!user) return Refusal(401, "Please sign in");
+  if (user->guest) return Refusal(403, "Guests can't change who is let in");
+  std::string stored = rule == "open" ? kAdmitted : kBarred;
+  if (rule == "password") {
+    if (password.empty() || password.size() > 1024)
+      return Refusal(400, "A password has 1 to 1024 characters");
+    const std::lock_guard one(hashing_);
+    stored = HashPassword(password);
+  } else if (rule != "open" && rule != "off") {
+    return Refusal(400, "Guests are let in as open, password or off");
+  }
+  return askNow(token, [this, stored](const User& asking) {
+    if (asking.guest) return Refusal(403, "Guests can't change who is let in");
+    house_.users.setHash(kGuest, stored);
+    house_.log.write("Info", stored == kBarred     ? "Guests are no longer let in"
+                             : stored == kAdmitted ? "Guests are let in"
+                                                   : "Guests are let in with a password");
+    return WebAnswer();
+  });
+}
+
+std::string WebApi::guestRule() {
+  const std::optional<User> guest = house_.users.find(kGuest);
+  if (guest && guest->hasPassword) return "password";
+  return guest && (guest->admitted || (local_ && !guest->barred)) ? "open" : "off";
 }
 
 }  // namespace standin

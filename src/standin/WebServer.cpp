@@ -10,13 +10,13 @@
 
 #include "base/Failure.hpp"
 #include "standin/FileTools.hpp"
+#include "standin/GuardedServer.hpp"
 #include "standin/HouseJson.hpp"
 #include "standin/WebFiles.hpp"
 
 namespace standin {
 namespace {
 
-constexpr std::size_t kThreads = 48;
 constexpr std::size_t kLongestPath = 2048;
 constexpr std::size_t kLargestBody = 1U << 20U;
 constexpr std::chrono::seconds kHeartbeat{15};
@@ -58,13 +58,22 @@ void addRules(httplib::Response& response, const std::string& policy) {
   response.set_header("Cache-Control", "no-cache");
 }
 
+/// False when the user has signed out meanwhile, or can't be asked for: nothing may leave a stream's thread.
+bool stillKnown(WebApi& api, const std::string& token) {
+  try {
+    return api.visitor(token).has_value();
+  } catch (...) {
+    return false;
+  }
+}
+
 bool wantsPage(const httplib::Request& request) {
   return request.get_header_value("Accept").find("text/html") != std::string::npos;
 }
 
 }  // namespace
 
-WebPort::WebPort(const std::string& address, int port) : server_(std::make_unique<httplib::Server>()) {
+WebPort::WebPort(const std::string& address, int port) : server_(std::make_unique<GuardedServer>()) {
   // Without this the port could be shared with another server.
   server_->set_socket_options([](socket_t socket) {
     const int yes = 1;
@@ -87,11 +96,8 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
       gate_(gate),
       hosts_(std::move(hosts)),
       pluginPolicy_(policyOfPluginPages()) {
-  server_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
   server_.set_payload_max_length(kLargestBody);
   server_.set_keep_alive_timeout(2);
-  server_.set_read_timeout(10);
-  server_.set_write_timeout(10);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
     addRules(response, kPolicy);
     if (request.method == "POST" && request.path.size() <= kLongestPath) {
@@ -135,7 +141,7 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
 WebServer::~WebServer() {
   api_.live().close();
   gate_.close();
-  server_.stop();
+  server_.stopNow();
   thread_.join();
 }
 
@@ -181,7 +187,7 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
   if (!SameOrigin(request.get_header_value("Origin"), host)) {
     return give(response, Refusal(403, "The request doesn't come from a page of this server"));
   }
-  WebAnswer answer = api_.post(request.path, tokenOf(request), body);
+  WebAnswer answer = api_.post(request.path, tokenOf(request), body, request.remote_addr);
   if (answer.status != 200 && wantsPage(request)) {
     const std::string text = nlohmann::json::parse(answer.body).value("error", "");
     answer.body = WebApi::framed("Vantorix", "message", "<p class=\"notice\">" + EscapeHtml(text) + "</p>");
@@ -209,7 +215,7 @@ void WebServer::stream(const std::string& token, httplib::Response& response) {
           text = reader->wait(kHeartbeat);
           if (SteadyClock::now() - progress->checked >= kHeartbeat) {
             progress->checked = SteadyClock::now();
-            if (!api_.visitor(token)) text.clear();  // signed out meanwhile
+            if (!stillKnown(api_, token)) text.clear();
           }
         }
         progress->begun = true;

@@ -7,12 +7,13 @@
 #include "standin/WebRules.hpp"
 
 namespace httplib {
-class Server;
 struct Request;
 struct Response;
 }  // namespace httplib
 
 namespace standin {
+
+class GuardedServer;
 
 /// The web's port, taken before anything else is touched. Throws number 70 when it is in use.
 class WebPort {
@@ -25,10 +26,10 @@ class WebPort {
   WebPort& operator=(WebPort&&) = delete;
 
   [[nodiscard]] int port() const { return port_; }
-  [[nodiscard]] httplib::Server& server() { return *server_; }
+  [[nodiscard]] GuardedServer& server() { return *server_; }
 
  private:
-  std::unique_ptr<httplib::Server> server_;
+  std::unique_ptr<GuardedServer> server_;
   int port_ = 0;
 };
 
@@ -47,7 +48,7 @@ class WebServer {
   void answerPost(const httplib::Request& request, httplib::Response& response, const std::string& body);
   void stream(const std::string& token, httplib::Response& response);
 
-  httplib::Server& server_;
+  GuardedServer& server_;
   WebApi& api_;
   LoopGate& gate_;
   AllowedHosts hosts_;

@@ -195,7 +195,7 @@ TEST(Users, ASessionLivesUntilItsEndOrAPasswordChange) {
   EXPECT_TRUE(users.ofSession(token)->guest);
   EXPECT_EQ(users.ofSession(token)->name, "guest");
   EXPECT_FALSE(users.ofSession(std::string(64, 'a')).has_value());
-  now += 31LL * 24 * 3600;
+  now += 25LL * 3600;
   EXPECT_FALSE(users.ofSession(token).has_value());
 
   const std::string owner = users.begin(kFirstUser);
@@ -204,6 +204,18 @@ TEST(Users, ASessionLivesUntilItsEndOrAPasswordChange) {
   const std::string again = users.begin(kFirstUser);
   users.end(again);
   EXPECT_FALSE(users.ofSession(again).has_value());
+}
+
+TEST(Users, TheOldestSessionsMakeRoom) {
+  const support::TempFolder folder;
+  std::int64_t now = 1000;
+  House house(folder.path());
+  Users users(house.database, [&] { return now; });
+  const std::string first = users.begin(kGuest);
+  for (int i = 0; i < 49; ++i, ++now) users.begin(kGuest);
+  EXPECT_TRUE(users.ofSession(first).has_value());
+  users.begin(kGuest);
+  EXPECT_FALSE(users.ofSession(first).has_value());
 }
 
 TEST(Users, TheDatabaseHoldsNoSessionTokenInTheClear) {

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <fstream>
+#include <memory>
 
 #include "ServerProcess.hpp"
 #include "WebClient.hpp"
@@ -19,16 +20,22 @@ using support::WebClient;
 
 class Web : public testing::Test {
  protected:
-  /// The first line of the answer to the bytes of a request.
-  std::string raw(const std::string& request) const {
-    const standin::Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  /// A connection that has sent these bytes; null when there is none.
+  std::unique_ptr<standin::Descriptor> connected(const std::string& request) const {
+    auto socket = std::make_unique<standin::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(server.port()));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
-      return "no connection";
-    standin::WriteAll(socket.get(), request, "socket");
+    if (connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return nullptr;
+    standin::WriteAll(socket->get(), request, "socket");
+    return socket;
+  }
+  /// The first line of the answer to the bytes of a request.
+  std::string raw(const std::string& request) const {
+    const auto open = connected(request);
+    if (!open) return "no connection";
+    const standin::Descriptor& socket = *open;
     std::string answer;
     std::array<char, 4096> part{};
     while (answer.find("\r\n") == std::string::npos) {
@@ -154,8 +161,16 @@ TEST_F(Web, GuessingPasswordsIsSlowedDown) {
   EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
   WebClient stranger(server.port());
   for (int i = 0; i < 5; ++i)
-    EXPECT_EQ(stranger.post("/api/login", {{"name", "x"}, {"password", "wrong"}}), 403);
-  EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}, {"password", "s3cret"}}), 429);
+    EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}, {"password", "wrong"}}), 403);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "Owner"}, {"password", "s3cret"}}), 429);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "guest"}}), 200);  // nobody else is slowed down
+}
+
+TEST_F(Web, AServerThatOthersReachByANameNeedsAPasswordForItsOwner) {
+  const support::BusDaemon otherBus;
+  ServerProcess open(otherBus.address(), folder.path() / "second", {"--allow-host", "house.example"});
+  EXPECT_EQ(open.wait(), 1);
+  EXPECT_NE(open.errors().find("its owner has no password"), std::string::npos) << open.errors();
 }
 
 TEST_F(Web, AGuestIsAGuestAlsoWhereNoPasswordIsNeeded) {
@@ -166,6 +181,23 @@ TEST_F(Web, AGuestIsAGuestAlsoWhereNoPasswordIsNeeded) {
   EXPECT_EQ(web.json("/api/state").at("user").at("name"), "owner");
 }
 
+TEST_F(Web, TheOwnerSaysWhetherGuestsAreLetIn) {
+  WebClient guest(server.port());
+  EXPECT_EQ(web.json("/api/state").at("user").at("guests"), "open");
+  EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 200);
+  EXPECT_EQ(guest.post("/api/guests", {{"guests", "open"}}), 403);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/guests", {{"guests", "off"}}), 200);
+  EXPECT_EQ(guest.get("/api/state")->status, 401);
+  EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 403);
+  EXPECT_EQ(web.post("/api/guests", {{"guests", "password"}, {"password", "come in"}}), 200);
+  EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 403);
+  EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}, {"password", "come in"}}), 200);
+  EXPECT_EQ(guest.get("/api/state")->status, 200);
+  EXPECT_EQ(web.json("/api/state").at("user").at("guests"), "password");
+  EXPECT_EQ(web.post("/api/guests", {{"guests", "maybe"}}), 400);
+}
+
 TEST_F(Web, TheHousesFilesAreTheUsersOwn) {
   for (const char* name : {"house.db", "config/settings.journal"}) {
     const auto permissions = std::filesystem::status(data / name).permissions();
@@ -173,6 +205,35 @@ TEST_F(Web, TheHousesFilesAreTheUsersOwn) {
               std::filesystem::perms::none)
         << name;
   }
+}
+
+TEST_F(Web, ConnectionsThatSayNothingSilenceNobody) {
+  std::vector<std::unique_ptr<standin::Descriptor>> silent;
+  for (int i = 0; i < 150; ++i) silent.push_back(connected("GET / HTTP/1.1\r\nX: "));
+  for (int i = 0; i < 5; ++i) {
+    const auto begin = std::chrono::steady_clock::now();
+    WebClient other(server.port());
+    const auto answer = other.get("/api/state");
+    ASSERT_TRUE(answer) << answer.error();
+    EXPECT_EQ(answer->status, 200);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+  }
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.end(SIGINT), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST_F(Web, ARequestWithoutEndIsCutOff) {
+  const auto endless = connected("GET / HTTP/1.1\r\n");
+  const std::string line = "X-Filler: " + std::string(1000, 'x') + "\r\n";
+  std::size_t sent = 0;
+  while (sent < (8U << 20U)) {
+    const ssize_t count = ::send(endless->get(), line.data(), line.size(), MSG_NOSIGNAL);
+    if (count <= 0) break;
+    sent += static_cast<std::size_t>(count);
+  }
+  EXPECT_LT(sent, 8U << 20U);
+  EXPECT_EQ(web.get("/api/state")->status, 200);
 }
 
 TEST_F(Web, OnlySoManyPagesAreLiveAtOnce) {

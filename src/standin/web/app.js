@@ -4,7 +4,7 @@ import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
 import {ask, el, run, toast} from './dom.js';
 import {libraryPage} from './library.js';
 import {leaveScripts, scriptChanged, scriptsPage} from './scripts.js';
-import {leaveLog, logLine, logPage} from './log.js';
+import {leaveLog, logLine, logPage, reloadLog} from './log.js';
 
 const page = document.getElementById('page');
 const ownText = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
@@ -43,17 +43,22 @@ function showFrame() {
   pill.className = `pill ${style}`;
 
   const banner = document.getElementById('banner');
-  const trouble = state.plugin.state === 'failed' || state.plugin.state === 'lost';
+  document.getElementById('splash').textContent = state.plugin.splash;
+  const trouble = state.plugin.state === 'failed' || state.plugin.state === 'lost' || state.plugin.stuck;
   banner.hidden = !trouble;
   if (trouble) {
     const again = el('button', {type: 'button'}, 'Start again');
     again.addEventListener('click', () => run(again, () => ask('/api/plugin', {})));
     banner.replaceChildren(
-      el('div', {}, el('strong', {}, state.plugin.state === 'failed' ? 'The player did not start'
-        : 'The player is being started again'), el('p', {}, state.plugin.reason)),
+      el('div', {}, el('strong', {}, troubleText()), el('p', {}, state.plugin.reason)),
       state.user.guest ? '' : again);
   }
   showNav();
+}
+
+function troubleText() {
+  if (state.plugin.state === 'failed') return 'The player did not start';
+  return state.plugin.state === 'lost' ? 'The player is being started again' : 'The player takes long to answer';
 }
 
 function showNav() {
@@ -101,7 +106,7 @@ function showPage() {
   else if (view === 'library') libraryPage(page, shown === 'library');
   else if (view === 'scripts') scriptsPage(page, shown === 'scripts');
   else if (view === 'menu') page.replaceChildren(menuPage());
-  else if (view === 'account') accountPage(page, state.user);
+  else if (view === 'account') accountPage(page, state.user, async () => { if (await loadState()) showPage(); });
   else if (shown !== 'log') logPage(page);
   shown = view;
 }
@@ -139,17 +144,31 @@ function launched(text) {
 function listen() {
   const source = new EventSource('/api/live');
   const live = document.getElementById('live-state');
-  let opened = false;
+  let held = null;
   source.onopen = async () => {
     live.hidden = true;
-    if (opened && await loadState()) showPage();  // what was missed meanwhile
-    opened = true;
+    // What happened before the stream was open is in the state; what happens while that is on its way waits.
+    held = [];
+    const loaded = await loadState();
+    if (loaded && shown === 'log') reloadLog();
+    if (loaded && shown !== 'account') showPage();
+    const late = held;
+    held = null;
+    for (const handle of late) handle();
   };
   source.onerror = () => {
     live.hidden = false;
-    if (source.readyState === EventSource.CLOSED) setTimeout(listen, 3000);
+    if (source.readyState !== EventSource.CLOSED) return;  // the browser itself tries again
+    setTimeout(async () => {
+      await loadState();
+      if (shown !== 'sign-in') listen();
+    }, 3000);
   };
-  const on = (kind, handle) => source.addEventListener(kind, (event) => handle(JSON.parse(event.data)));
+  const on = (kind, handle) => source.addEventListener(kind, (event) => {
+    const work = () => handle(JSON.parse(event.data));
+    if (held) held.push(work);
+    else work();
+  });
   on('device', (device) => { state.devices.set(device.ref, device); deviceChanged(device, state.devices); });
   on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref, state.devices); });
   on('log', logLine);
@@ -166,7 +185,5 @@ addEventListener('hashchange', () => {
   document.getElementById('main').focus({preventScroll: true});
 });
 
-if (await loadState()) {
-  showPage();
-  listen();
-}
+if (await loadState()) showPage();
+if (shown !== 'sign-in') listen();

@@ -63,7 +63,7 @@ function voiceBox() {
 function newCard(device) {
   const card = el('article', {class: 'card', 'data-ref': device.ref});
   card.append(
-    el('header', {class: 'card-head'}, el('h2', {}), el('span', {class: 'address'})),
+    el('header', {class: 'card-head'}, el('h2', {}), el('span', {class: 'value quiet'}), el('span', {class: 'address'})),
     el('div', {class: 'status'}),
     el('div', {class: 'controls'}));
   cards.set(device.ref, card);
@@ -76,6 +76,9 @@ function fill(card, device) {
   title.textContent = device.name || 'Device';
   title.title = `${device.location} ${device.name}`.trim();
   card.querySelector('.address').textContent = device.address;
+  const value = card.querySelector('.value');
+  value.hidden = device.value === 0 && device.values > 0;
+  value.textContent = `value ${device.value}`;
   const status = card.querySelector('.status');
   status.replaceChildren(...statusNodes(device.text, device.changed));
   status.classList.toggle('blank', !status.textContent.trim());

@@ -16,6 +16,9 @@ export async function logPage(page) {
   await load();
 }
 
+/** What was missed while the connection was lost. */
+export function reloadLog() { if (list) load(); }
+
 export function leaveLog() { list = null; }
 
 async function load(older = false) {
