@@ -76,7 +76,7 @@ TEST_F(TheHouse, RefusesASecondServerOnTheSameBus) {
   support::Process second(
       {STANDIN_PROGRAM, "--port", "0", "--data", other.path().string(), "--bus", house.busAddress()});
   EXPECT_EQ(second.wait(), 1);
-  EXPECT_THAT(second.output(), HasSubstr("vantorix-standin: "));
+  EXPECT_THAT(second.output(), HasSubstr("vantorix-standin: The name org.vantorix.Host is taken"));
   EXPECT_FALSE(std::filesystem::exists(other.path() / "house.db"));
   EXPECT_EQ(house.pluginState(), "ready");
 }
@@ -88,7 +88,8 @@ TEST_F(TheHouse, RefusesASecondServerOnTheSamePort) {
   support::Process second({STANDIN_PROGRAM, "--port", std::to_string(house.port()), "--data",
                            other.path().string(), "--bus", bus.address()});
   EXPECT_EQ(second.wait(), 1);
-  EXPECT_THAT(second.output(), HasSubstr(std::to_string(house.port())));
+  EXPECT_THAT(second.output(), HasSubstr("vantorix-standin: Can't listen on 127.0.0.1 port " +
+                                         std::to_string(house.port()) + ": it is in use or not allowed"));
 }
 
 TEST_F(TheHouse, RefusesASecondServerOnTheSameData) {
@@ -97,12 +98,14 @@ TEST_F(TheHouse, RefusesASecondServerOnTheSameData) {
   support::Process second(
       {STANDIN_PROGRAM, "--port", "0", "--data", house.data().string(), "--bus", bus.address()});
   EXPECT_EQ(second.wait(), 1);
-  EXPECT_THAT(second.output(), HasSubstr("vantorix-standin: "));
+  EXPECT_THAT(second.output(), HasSubstr("vantorix-standin: The data folder " + house.data().string() +
+                                         " is in use by another server"));
 }
 
 TEST_F(TheHouse, AServerWithoutABusSaysSo) {
   support::Process lonely({STANDIN_PROGRAM, "--port", "0", "--data", house.data().string(), "--bus",
                            "unix:path=/nonexistent/bus"});
   EXPECT_EQ(lonely.wait(), 1);
-  EXPECT_THAT(lonely.output(), HasSubstr("bus"));
+  EXPECT_THAT(lonely.output(),
+              HasSubstr("vantorix-standin: There is no message bus at unix:path=/nonexistent/bus: "));
 }
