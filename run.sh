@@ -40,7 +40,15 @@ if [ -z "$music" ]; then
 fi
 
 run=${XDG_RUNTIME_DIR:-/tmp/vantorix-$(id -u)}/vantorix
-mkdir -p -m 700 "$run"
+# The bus is as safe as its folder: nobody else may own it or write into it.
+for folder in "$(dirname "$run")" "$run"; do
+  [ -d "$folder" ] || mkdir -m 700 "$folder"
+  if [ -L "$folder" ] || [ "$(stat -c %u "$folder")" != "$(id -u)" ]; then
+    echo "The folder $folder belongs to somebody else: set XDG_RUNTIME_DIR to a folder of your own" >&2
+    exit 1
+  fi
+done
+chmod 700 "$run"
 socket=$run/bus
 config=$run/bus.conf
 export VANTORIX_BUS=unix:path=$socket

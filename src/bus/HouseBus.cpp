@@ -1,11 +1,10 @@
 #include "bus/HouseBus.hpp"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 namespace bus {
 
@@ -44,8 +43,10 @@ std::string HouseSocket() {
 std::string HouseBusAddress() {
   if (auto address = Variable("VANTORIX_BUS"); !address.empty()) return address;
   const std::string socket = HouseSocket();
-  std::error_code ignored;
-  if (std::filesystem::is_socket(socket, ignored)) return "unix:path=" + Escaped(socket);
+  // A socket that somebody else has put there is no bus of this user's house.
+  struct stat found {};
+  if (::stat(socket.c_str(), &found) == 0 && S_ISSOCK(found.st_mode) && found.st_uid == ::getuid())
+    return "unix:path=" + Escaped(socket);
   return {};
 }
 

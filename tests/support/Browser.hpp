@@ -57,12 +57,26 @@ class Browser {
     });
   }
   /// Clicks the element as a user does: it must be visible and not covered.
-  void click(const std::string& xpath) { ask("POST", element(xpath) + "/click", Json::object()); }
+  void click(const std::string& xpath) {
+    atElement([&] { ask("POST", element(xpath) + "/click", Json::object()); });
+  }
   void type(const std::string& xpath, const std::string& text) {
-    ask("POST", element(xpath) + "/value", {{"text", text}});
+    atElement([&] { ask("POST", element(xpath) + "/value", {{"text", text}}); });
   }
 
  private:
+  /// Does it again when the page has put a new element in the place of the one just found.
+  template <class Act>
+  static void atElement(Act&& act) {
+    for (int tries = 1;; ++tries) {
+      try {
+        act();
+        return;
+      } catch (const std::runtime_error& failure) {
+        if (tries == 5 || std::string(failure.what()).find("stale element") == std::string::npos) throw;
+      }
+    }
+  }
   std::string element(const std::string& xpath) {
     Json found;
     Eventually([&] {

@@ -141,6 +141,13 @@ function launched(text) {
   setTimeout(() => node.remove(), 20000);
 }
 
+function updateDevices(before) {
+  for (const ref of before.keys()) if (!state.devices.has(ref)) deviceRemoved(ref, state.devices);
+  for (const [ref, device] of state.devices) {
+    if (JSON.stringify(before.get(ref)) !== JSON.stringify(device)) deviceChanged(device, state.devices);
+  }
+}
+
 function listen() {
   const source = new EventSource('/api/live');
   const live = document.getElementById('live-state');
@@ -149,9 +156,12 @@ function listen() {
     live.hidden = true;
     // What happened before the stream was open is in the state; what happens while that is on its way waits.
     held = [];
+    const before = state.devices;
     const loaded = await loadState();
     if (loaded && shown === 'log') reloadLog();
-    if (loaded && shown !== 'account') showPage();
+    // The devices change in place, so that nobody's click or half-written phrase is lost.
+    if (loaded && shown === 'devices') updateDevices(before);
+    else if (loaded && shown !== 'account') showPage();
     const late = held;
     held = null;
     for (const handle of late) handle();

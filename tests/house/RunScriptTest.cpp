@@ -1,0 +1,82 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <nlohmann/json.hpp>
+
+#include "support/Process.hpp"
+#include "support/SmallMusic.hpp"
+
+using ::testing::HasSubstr;
+
+namespace {
+
+/// The one command that brings a house up, in folders of the test's own.
+class RunScript : public ::testing::Test {
+ protected:
+  std::unique_ptr<support::Process> run(const std::string& musicFolder) {
+    const std::string home = folder.path().string();
+    return std::make_unique<support::Process>(
+        std::vector<std::string>{RUN_SCRIPT, musicFolder, "--port", "0"},
+        std::vector<std::string>{"XDG_DATA_HOME=" + home + "/data", "XDG_RUNTIME_DIR=" + home,
+                                 "XDG_CONFIG_HOME=" + home + "/config", "VANTORIX_SKIP_BUILD=1",
+                                 "VANTORIX_BIN=" BIN_FOLDER, "VANTORIX_SERVICES=" SERVICES_FOLDER,
+                                 "VANTORIX_AUDIO=null"});
+  }
+  static int portOf(support::Process& house) {
+    const std::string before = "Vantorix is at http://127.0.0.1:";
+    const std::string& said = house.outputWith("/\n");
+    return std::stoi(said.substr(said.find(before) + before.size()));
+  }
+  static bool becomesReady(int port) {
+    return support::Eventually([&] {
+      const auto answer = httplib::Client("127.0.0.1", port).Get("/api/state");
+      return answer && nlohmann::json::parse(answer->body)["plugin"]["state"] == "ready";
+    });
+  }
+  support::TempFolder folder;
+  support::SmallMusic music{1};
+};
+
+}  // namespace
+
+TEST_F(RunScript, PrintsOneAddressAndStopsEverythingInOrder) {
+  const auto house = run(music.path());
+  const int port = portOf(*house);
+  EXPECT_TRUE(becomesReady(port));
+  EXPECT_EQ(house->output(), "Vantorix is at http://127.0.0.1:" + std::to_string(port) + "/\n");
+  house->signal(SIGINT);
+  EXPECT_EQ(house->wait(), 0) << house->output();
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "vantorix" / "bus"));
+}
+
+TEST_F(RunScript, RefusesASecondHouse) {
+  const auto house = run(music.path());
+  ASSERT_TRUE(becomesReady(portOf(*house)));
+  const auto second = run(music.path());
+  EXPECT_EQ(second->wait(), 1);
+  EXPECT_THAT(second->output(), HasSubstr("A house is running already on the bus"));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
+TEST_F(RunScript, ClearsAwayWhatAPulledPlugHasLeft) {
+  {
+    const auto house = run(music.path());
+    ASSERT_TRUE(becomesReady(portOf(*house)));
+    // The server goes first; the script, which waits for it, is killed with the rest of its work undone.
+    house->signal(SIGSTOP);
+    support::Process({"pkill", "-KILL", "-f", (folder.path() / "data").string() + "/vantorix/server"}).wait();
+    house->kill();
+  }
+  const auto house = run(music.path());
+  EXPECT_TRUE(becomesReady(portOf(*house)));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
+TEST_F(RunScript, SaysThatAMusicFolderIsMissing) {
+  const auto house = run("/nonexistent/music");
+  EXPECT_EQ(house->wait(), 1);
+  EXPECT_THAT(house->output(), HasSubstr("There is no music folder /nonexistent/music"));
+}
