@@ -30,7 +30,8 @@ int serve(const Options& options) {
   bus::Connection connection(loop, options.bus);
   connection.claimName("org.vantorix.Host");
   WebPort port(options.listen, options.port);
-  // A name that isn't this machine's own is given for those who come from elsewhere, by way of another server.
+  // A name that isn't this machine's own is given for those who come from elsewhere, by way of another
+  // server.
   const bool local = IsLoopback(options.listen) &&
                      std::all_of(options.allowedHosts.begin(), options.allowedHosts.end(), &IsLoopback);
 
