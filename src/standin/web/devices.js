@@ -78,7 +78,7 @@ function fill(card, device) {
   card.querySelector('.address').textContent = device.address;
   const value = card.querySelector('.value');
   value.hidden = device.value === 0 && device.values > 0;
-  value.textContent = `value ${device.value}`;
+  value.textContent = device.value === 0 ? '' : `value ${device.value}`;
   const status = card.querySelector('.status');
   status.replaceChildren(...statusNodes(device.text, device.changed));
   status.classList.toggle('blank', !status.textContent.trim());
