@@ -1,12 +1,12 @@
 #include "standin/DeviceObject.hpp"
 
 #include "base/Failure.hpp"
+#include "standin/StoredFields.hpp"
 
 namespace standin {
 namespace {
 
 using base::Args;
-using base::Member;
 using base::MemberKind;
 using base::Type;
 using base::Value;
@@ -17,34 +17,21 @@ const Device& need(const House& house, std::int32_t ref) {
   return *device;
 }
 
-Member text(House& house, std::int32_t ref, std::string name, std::string Device::*field) {
-  return {std::move(name),
-          MemberKind::kField,
-          {},
-          Type::kText,
-          [&house, ref, field](Args&) { return Value(need(house, ref).*field); },
-          [&house, ref, field](const Value& value) { house.devices.put(ref, field, base::ToText(value)); }};
-}
-
-Member number(House& house, std::int32_t ref, std::string name, std::int16_t Device::*field) {
-  return {std::move(name),
-          MemberKind::kField,
-          {},
-          Type::kInt16,
-          [&house, ref, field](Args&) { return Value(need(house, ref).*field); },
-          [&house, ref, field](const Value& value) { house.devices.put(ref, field, base::ToInt16(value)); }};
-}
-
 base::MemberTable table(House& house, std::int32_t ref) {
+  const auto stored = [&house, ref](const char* name, auto field) {
+    return StoredField(
+        name, field, [&house, ref]() -> const Device& { return need(house, ref); },
+        [&house, ref](auto member, const auto& value) { house.devices.put(ref, member, value); });
+  };
   return {"Device",
-          {text(house, ref, "location", &Device::location),
-           text(house, ref, "hc", &Device::hc),
-           text(house, ref, "dc", &Device::dc),
-           text(house, ref, "interface", &Device::interface),
-           number(house, ref, "iotype", &Device::iotype),
-           number(house, ref, "Status", &Device::status),
-           number(house, ref, "misc", &Device::misc),
-           text(house, ref, "dev_type_string", &Device::devType),
+          {stored("location", &Device::location),
+           stored("hc", &Device::hc),
+           stored("dc", &Device::dc),
+           stored("interface", &Device::interface),
+           stored("iotype", &Device::iotype),
+           stored("Status", &Device::status),
+           stored("misc", &Device::misc),
+           stored("dev_type_string", &Device::devType),
            {"Values",
             MemberKind::kField,
             {},
@@ -56,7 +43,7 @@ base::MemberTable table(House& house, std::int32_t ref) {
             {},
             Type::kInt32,
             [&house, ref](Args&) { return Value(need(house, ref).ref); }},
-           text(house, ref, "name", &Device::name)}};
+           stored("name", &Device::name)}};
 }
 
 }  // namespace

@@ -5,12 +5,12 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "standin/StoredFields.hpp"
 
 namespace standin {
 namespace {
 
 using base::Args;
-using base::Member;
 using base::MemberKind;
 using base::Type;
 using base::Value;
@@ -95,39 +95,26 @@ base::MemberTable list(House& house, std::int32_t id, const EventDevicesObject::
         }}}};
 }
 
-Member text(House& house, std::int32_t id, std::string name, std::string Event::*field) {
-  return {std::move(name),
-          MemberKind::kField,
-          {},
-          Type::kText,
-          [&house, id, field](Args&) { return Value(need(house, id).*field); },
-          [&house, id, field](const Value& value) { house.events.put(id, field, base::ToText(value)); }};
-}
-
-Member mask(House& house, std::int32_t id, std::string name, std::int32_t Event::*field) {
-  return {std::move(name),
-          MemberKind::kField,
-          {},
-          Type::kInt32,
-          [&house, id, field](Args&) { return Value(need(house, id).*field); },
-          [&house, id, field](const Value& value) { house.events.put(id, field, base::ToInt32(value)); }};
-}
-
 base::MemberTable event(House& house, std::int32_t id, const base::ObjectRef& devices) {
+  const auto stored = [&house, id](const char* name, auto field) {
+    return StoredField(
+        name, field, [&house, id]() -> const Event& { return need(house, id); },
+        [&house, id](auto member, const auto& value) { house.events.put(id, member, value); });
+  };
   return {
       "Event",
-      {text(house, id, "vcmd", &Event::vcmd),
-       mask(house, id, "misc", &Event::misc),
-       mask(house, id, "misc2", &Event::misc2),
+      {stored("vcmd", &Event::vcmd),
+       stored("misc", &Event::misc),
+       stored("misc2", &Event::misc2),
        {"ev_abs_time",
         MemberKind::kField,
         {},
         Type::kInt16,
         [&house, id](Args&) { return Value(need(house, id).absTime); },
         [&house, id](const Value& value) { house.events.putAbsTime(id, base::ToInt16(value)); }},
-       text(house, id, "Group", &Event::group),
+       stored("Group", &Event::group),
        {"ev_devices", MemberKind::kReadField, {}, Type::kObject, [devices](Args&) { return Value(devices); }},
-       text(house, id, "name", &Event::name)}};
+       stored("name", &Event::name)}};
 }
 
 }  // namespace
