@@ -16,6 +16,7 @@ std::string DescriptionOf(std::int32_t failureNumber) {
     case number::kOverflow: return "Overflow";
     case number::kIndex: return "Index out of range";
     case number::kTypeMismatch: return "Type mismatch";
+    case number::kOutOfStackSpace: return "Out of stack space";
     case number::kInternal: return "Internal error";
     case number::kFileNotFound: return "File not found";
     case number::kDeviceIo: return "Input or output failed";

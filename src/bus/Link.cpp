@@ -23,6 +23,20 @@ constexpr Milliseconds kLongestWait = std::chrono::minutes(1);
 constexpr const char* kDaemon = "org.freedesktop.DBus";
 constexpr const char* kDaemonPath = "/org/freedesktop/DBus";
 
+/// Counts a call for as long as it is served.
+class Served {
+ public:
+  explicit Served(int& depth) : depth_(depth) { ++depth_; }
+  ~Served() { --depth_; }
+  Served(const Served&) = delete;
+  Served& operator=(const Served&) = delete;
+  Served(Served&&) = delete;
+  Served& operator=(Served&&) = delete;
+
+ private:
+  int& depth_;
+};
+
 [[noreturn]] void ThrowGone() { throw base::Failure(base::number::kHostGone); }
 
 void CheckConnected(int result, const std::string& address) {
@@ -250,7 +264,9 @@ void Link::serveNext() {
   if (incoming_.empty()) return;
   const Message message = std::move(incoming_.front());
   incoming_.pop_front();
-  Serve(shared_from_this(), message);
+  const auto keep = shared_from_this();
+  const Served counted(depth_);
+  Serve(keep, message);
 }
 
 base::ObjectRef Link::resolve(const Address& address, const std::string& sender) {

@@ -16,9 +16,12 @@ namespace bus {
 
 /// The wire behind a Connection and its proxies. The bus library must not be entered again from within its
 /// own callbacks; so they only queue what comes, and calls are served from the queue, outside of it. That
-/// way serving a call may itself call and wait, to any depth.
+/// way serving a call may itself call and wait, to `kDeepest` calls within each other.
 class Link : public References, public std::enable_shared_from_this<Link> {
  public:
+  /// As many calls may be served within each other; each takes its share of the one stack.
+  static constexpr int kDeepest = 200;
+
   /// Connects. Throws 462 when there is no bus.
   static std::shared_ptr<Link> connect(PollLoop& loop, const std::string& address);
   Link(PollLoop& loop, Bus bus);
@@ -55,6 +58,8 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   void onNameLost(const std::string& name, std::function<void()> gone) { lostNames_[name] = std::move(gone); }
   void onDisconnect(std::function<void()> gone) { disconnected_ = std::move(gone); }
   Exports& exports() { return exports_; }
+  /// How many calls are being served within each other, the innermost one counted.
+  [[nodiscard]] int depth() const { return depth_; }
 
  private:
   Message daemonMessage(const std::string& member, const std::vector<base::Value>& args);
@@ -81,6 +86,7 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   Slot filter_;
   std::unique_ptr<PollLoop::Watch> watch_;
   std::deque<Message> incoming_;
+  int depth_ = 0;
   Exports exports_;
   std::set<std::string> ownNames_;
   std::map<std::string, std::string> owners_;  // well-known names of others, as far as asked for

@@ -57,6 +57,7 @@ class Writer {
   }
   void close() { CheckWritten(sd_bus_message_close_container(message_)); }
 
+  /// An empty list counts as one of texts, as nearly all lists of the house are.
   static bool allPlainTexts(const Array& values) {
     return std::all_of(values.begin(), values.end(), [](const Value& value) {
       const auto* text = std::get_if<std::string>(&value.held());
@@ -74,9 +75,7 @@ class Writer {
       std::string operator()(double) const { return "d"; }
       std::string operator()(const std::string& text) const { return base::IsPlainUtf8(text) ? "s" : "ay"; }
       std::string operator()(const ObjectRef&) const { return "(so)"; }
-      std::string operator()(const ArrayHolder& values) const {
-        return !values->empty() && allPlainTexts(*values) ? "as" : "av";
-      }
+      std::string operator()(const ArrayHolder& values) const { return allPlainTexts(*values) ? "as" : "av"; }
       std::string operator()(const RecordHolder&) const { return "a{sv}"; }
     } const names;
     return std::visit(names, value.held());
@@ -108,8 +107,7 @@ class Writer {
   }
 
   void write(const ArrayHolder& values, Type declared) {
-    const bool mayBeTexts = declared == Type::kTextList || (declared == Type::kNone && !values->empty());
-    if (mayBeTexts && allPlainTexts(*values)) {
+    if (declared != Type::kArray && allPlainTexts(*values)) {
       open(SD_BUS_TYPE_ARRAY, "s");
       for (const Value& value : *values)
         basic(SD_BUS_TYPE_STRING, std::get<std::string>(value.held()).c_str());

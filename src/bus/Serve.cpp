@@ -37,6 +37,10 @@ class Service {
     const base::ObjectRef object = link_.exports().find(path_);
     if (interface_ == kIntrospectable && member_ == "Introspect") return introspection(object.get());
     if (!object) throw base::Failure(base::number::kNoSuchMember, "There is no object at " + path_);
+    // Only from here on may a call call in its turn; without an end to that, calls in a circle end the
+    // process.
+    if (link_.depth() > Link::kDeepest)
+      throw base::Failure(base::number::kOutOfStackSpace, "Too many calls are within each other");
     if (interface_ == kProperties) return property(*object);
     return operation(*object);
   }

@@ -77,6 +77,7 @@ class ForeignTypes : public testing::Test {
                      }},
                     {"Tell", MemberKind::kOperation, {}, Type::kAny, [this](Args&) { return answer; }},
                     {"List", MemberKind::kOperation, {}, Type::kTextList, [](Args&) { return Array{}; }},
+                    {"Anything", MemberKind::kOperation, {}, Type::kArray, [](Args&) { return Array{}; }},
                     {"Field",
                      MemberKind::kField,
                      {},
@@ -155,6 +156,25 @@ TEST_F(ForeignTypes, AnEmptyTextListIsAListOfTexts) {
   const auto reply = send(newCall("org.vantorix.Seen", "List"));
   ASSERT_TRUE(reply);
   EXPECT_TRUE(sd_bus_message_has_signature(reply.get(), "as"));
+}
+
+TEST_F(ForeignTypes, AnEmptyListInAVariantIsAListOfTextsToo) {
+  answer = Array{};
+  auto reply = send(newCall(nullptr, "Tell"));
+  ASSERT_TRUE(reply);
+  EXPECT_LT(0, sd_bus_message_verify_type(reply.get(), 'v', "as"));
+  answer = Array{Array{}, 1};
+  reply = send(newCall(nullptr, "Tell"));
+  ASSERT_TRUE(reply);
+  ASSERT_LT(0, sd_bus_message_enter_container(reply.get(), 'v', "av"));
+  ASSERT_LT(0, sd_bus_message_enter_container(reply.get(), 'a', "v"));
+  EXPECT_LT(0, sd_bus_message_verify_type(reply.get(), 'v', "as"));
+}
+
+TEST_F(ForeignTypes, AListThatIsDeclaredAsOneOfAnythingStaysOne) {
+  const auto reply = send(newCall(nullptr, "Anything"));
+  ASSERT_TRUE(reply);
+  EXPECT_TRUE(sd_bus_message_has_signature(reply.get(), "av"));
 }
 
 TEST_F(ForeignTypes, AnOperationWithoutResultRepliesNothing) {

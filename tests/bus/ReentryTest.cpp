@@ -18,6 +18,7 @@ using base::ObjectRef;
 using base::Type;
 using base::Value;
 using support::BusPeer;
+using support::FailureNumberOf;
 using support::TableOf;
 
 Member Operation(std::string name, std::function<Value(Args&)> handler) {
@@ -29,11 +30,16 @@ Member Operation(std::string name, std::function<Value(Args&)> handler) {
 }
 
 /// An object that counts down together with a partner that has the same operation.
-ObjectRef Half(bus::Connection& connection, std::string partner) {
+ObjectRef Half(
+    bus::Connection& connection, std::string partner, std::function<void()> atTheBottom = [] {}) {
   return std::make_shared<TableOf>(
-      "Half", std::vector<Member>{Operation("Down", [&connection, partner = std::move(partner)](Args& args) {
+      "Half", std::vector<Member>{Operation("Down", [&connection, partner = std::move(partner),
+                                                     bottom = std::move(atTheBottom)](Args& args) {
         const auto left = base::ToInt32(args[0]);
-        if (left == 0) return Value(0);
+        if (left == 0) {
+          bottom();
+          return Value(0);
+        }
         const Value below = connection.proxy(partner, "/half")->invoke("Down", left - 1);
         return Value(base::ToInt32(below) + 1);
       })});
@@ -63,11 +69,43 @@ class Reentry : public testing::Test {
   bus::Connection connection{loop, daemon.address()};
 };
 
-TEST_F(Reentry, TwoProcessesMayCallEachOtherToAnyDepth) {
-  connection.claimName("org.example.Left");
-  connection.exportObject("/half", Half(connection, "org.example.Right"));
-  const auto right = half("org.example.Right", "org.example.Left");
-  EXPECT_EQ(Value(300), connection.proxy("org.example.Right", "/half")->invoke("Down", 300));
+/// Two processes that call each other, one of them the test's own.
+class Circle : public Reentry {
+ protected:
+  void SetUp() override {
+    connection.claimName("org.example.Left");
+    connection.exportObject("/half", Half(connection, "org.example.Right", [this] { atTheBottom(); }));
+  }
+  std::function<void()> atTheBottom = [] {};
+  Value down(int steps) { return other->invoke("Down", steps); }
+  std::unique_ptr<BusPeer> right = half("org.example.Right", "org.example.Left");
+  ObjectRef other = connection.proxy("org.example.Right", "/half");
+};
+
+TEST_F(Circle, TwoProcessesMayCallEachOtherToADepthOf200Each) { EXPECT_EQ(Value(399), down(399)); }
+
+TEST_F(Circle, ACallThatIsDeeperIsRefusedAndHarmsNobody) {
+  for (const int steps : {400, 100000})
+    EXPECT_EQ(base::number::kOutOfStackSpace, FailureNumberOf([&] { down(steps); })) << steps;
+  EXPECT_EQ(Value(399), down(399)) << "the way back has given every step free";
+}
+
+TEST_F(Circle, AReferenceIsTakenBackAtAnyDepth) {
+  BusPeer taker(daemon.address(), [](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/taker",
+                     std::make_shared<TableOf>(
+                         "Taker", std::vector<Member>{Operation("Take", [](Args&) { return Value(); })}));
+  });
+  std::weak_ptr<TableOf> sent;
+  bool givenBack = false;
+  atTheBottom = [&] {
+    auto held = std::make_shared<TableOf>("Held", std::vector<Member>{});
+    sent = held;
+    connection.proxy(taker.uniqueName(), "/taker")->invoke("Take", ObjectRef(std::move(held)));
+    givenBack = sent.expired();
+  };
+  EXPECT_EQ(Value(399), down(399));
+  EXPECT_TRUE(givenBack);
 }
 
 TEST_F(Reentry, HandlersOfBothProcessesMayBeTheFirstToCall) {
