@@ -13,6 +13,7 @@
 #include "standin/Library.hpp"
 #include "standin/LoopGate.hpp"
 #include "standin/Options.hpp"
+#include "standin/Playlists.hpp"
 #include "standin/PluginKeeper.hpp"
 #include "standin/ScriptRunner.hpp"
 #include "standin/ScriptStore.hpp"
@@ -64,6 +65,7 @@ int serve(const Options& options) {
   Library library(loop, connection, plugin);
   ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {
+  Playlists playlists(loop, connection, plugin, house, library);
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
   };
@@ -75,8 +77,8 @@ int serve(const Options& options) {
     limits.computing = std::chrono::seconds(options.scriptSeconds);
     ScriptRunner runner(loop, connection, house, plugin, host, limits);
     LoopGate gate(loop, std::chrono::seconds(30));
-    WebApi api(house, objects, plugin, library, {scripts, runner}, gate, local);
-    const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts));
+    WebApi api(house, objects, plugin, {library, playlists}, {scripts, runner}, gate, local);
+    const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts), refused);
     const std::string name =
         options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
     std::cout << "Vantorix is at http://" << name << ":" << port.port() << "/" << std::endl;

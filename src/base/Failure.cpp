@@ -31,6 +31,7 @@ std::string DescriptionOf(std::int32_t failureNumber) {
     case number::kWrongArguments: return "Wrong number of arguments";
     case number::kKeyInUse: return "The key is already in use";
     case number::kHostGone: return "The remote side does not exist or is unavailable";
+    case number::kChangedMeanwhile: return "Somebody else has changed it meanwhile";
     case number::kElementNotFound: return "Element not found";
     case number::kKeyNotUnique: return "Key is not unique";
     case number::kNameInUse: return "The name is already in use";

@@ -26,6 +26,7 @@ inline constexpr std::int32_t kNoSuchMember = 438;
 inline constexpr std::int32_t kWrongArguments = 450;
 inline constexpr std::int32_t kKeyInUse = 457;           // in a plain collection
 inline constexpr std::int32_t kHostGone = 462;           // the peer process or the bus has gone
+inline constexpr std::int32_t kChangedMeanwhile = 3197;  // by somebody else, since it was last looked at
 inline constexpr std::int32_t kElementNotFound = 35601;  // keyed lookup in a tree or list
 inline constexpr std::int32_t kKeyNotUnique = 35602;     // keyed add in a tree or list
 /// The player: a name is already in use (0xC00D0036 as a signed number).

@@ -48,7 +48,10 @@ NameList::Page NameList::page(const std::string& sought, std::size_t offset, std
   const std::string folded = base::LowerCase(sought);
   for (std::size_t i = 0; i < names_.size(); ++i) {
     if (!folded.empty() && folded_[i].find(folded) == std::string::npos) continue;
-    if (page.total >= offset && page.names.size() < limit) page.names.push_back(names_[i]);
+    if (page.total >= offset && page.names.size() < limit) {
+      page.names.push_back(names_[i]);
+      page.places.push_back(i);
+    }
     ++page.total;
   }
   return page;
@@ -108,6 +111,12 @@ void Library::fetched(const std::string& key, std::shared_ptr<const NameList> li
   kept.since = loop_.now();
   const std::shared_ptr<const NameList> told = kept.list;
   for (const Listed& listed : std::exchange(kept.waiting, {})) listed(told, failure);
+}
+
+void Library::forget(const std::string& category) {
+  for (Kept& kept : kept_) {
+    if (kept.key == category || kept.key.starts_with(category + '\1')) kept.list.reset();
+  }
 }
 
 void Library::play(const std::string& category, const std::string& name, const std::string& title,

@@ -18,11 +18,13 @@ class NameList {
 
   struct Page {
     std::vector<std::string> names;
-    std::size_t total = 0;  ///< of all names that fit
+    std::vector<std::size_t> places;  ///< of these names in the whole list
+    std::size_t total = 0;            ///< of all names that fit
   };
   /// The names that hold `sought`, from `offset` on, at most `limit`.
   [[nodiscard]] Page page(const std::string& sought, std::size_t offset, std::size_t limit) const;
   [[nodiscard]] std::size_t size() const { return names_.size(); }
+  [[nodiscard]] const std::vector<std::string>& all() const { return names_; }
 
  private:
   std::vector<std::string> names_;
@@ -53,6 +55,9 @@ class Library {
   /// The groups of a category, or the titles of one of its groups. Asks the player when `fresh` is wanted or
   /// the list kept is too old. `listed` is called in every case, with a list or a failure's text.
   void list(const std::string& category, const std::optional<std::string>& group, bool fresh, Listed listed);
+
+  /// The category's names and titles are asked for anew the next time: somebody has changed them.
+  void forget(const std::string& category);
 
   using Played = std::function<void(std::int32_t result, const std::string& failure)>;
   /// Plays a title, or the whole group when the title is empty. 0 is success, -1 "not found".

@@ -5,7 +5,7 @@
 namespace standin {
 namespace {
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 constexpr const char* kTables = R"(
 CREATE TABLE device (ref INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, location TEXT NOT NULL,
@@ -28,6 +28,17 @@ CREATE TABLE log (id INTEGER PRIMARY KEY AUTOINCREMENT, time INTEGER NOT NULL, t
   text TEXT NOT NULL);
 )";
 
+/// Since version 2: what has been done to the player's playlists.
+constexpr const char* kPlaylistTables = R"(
+CREATE TABLE playlist (id INTEGER PRIMARY KEY, name TEXT NOT NULL, folded TEXT NOT NULL, gone INTEGER NOT NULL);
+CREATE INDEX playlist_folded ON playlist (folded);
+CREATE TABLE playlist_step (id INTEGER PRIMARY KEY AUTOINCREMENT,
+  list INTEGER NOT NULL REFERENCES playlist ON DELETE CASCADE, state INTEGER NOT NULL,
+  collection INTEGER NOT NULL, turn INTEGER NOT NULL, size INTEGER NOT NULL, data TEXT NOT NULL);
+CREATE INDEX playlist_step_list ON playlist_step (list);
+CREATE INDEX playlist_step_turn ON playlist_step (turn);
+)";
+
 }  // namespace
 
 void PrepareSchema(Database& database) {
@@ -40,7 +51,8 @@ void PrepareSchema(Database& database) {
     throw base::Failure(base::number::kDeviceIo, "The house's database was written by a newer server");
   }
   Transaction whole(database);
-  database.run(kTables);
+  if (version < 1) database.run(kTables);
+  if (version < 2) database.run(kPlaylistTables);
   database.run("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   whole.commit();
 }

@@ -33,12 +33,13 @@ WebAnswer Refusal(int status, const std::string& text) {
   return {status, "application/json", Dump({{"error", text}})};
 }
 
-WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library,
+WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, HouseMusic music,
                HouseScripts scripts, LoopGate& gate, bool local)
     : house_(house),
       objects_(objects),
       plugin_(plugin),
-      library_(library),
+      library_(music.library),
+      playlists_(music.playlists),
       scripts_(scripts),
       gate_(gate),
       local_(local),
@@ -96,6 +97,7 @@ WebAnswer WebApi::ask(const std::string& token, Work work) {
 WebAnswer WebApi::askNow(const std::string& token, std::function<WebAnswer(const User&)> work) {
   return ask(token, [work = std::move(work)](const User& user, const Reply& reply) { reply(work(user)); });
 }
+  if (path == "/api/playlists") return playlists(token);
 
 WebAnswer WebApi::get(const std::string& path, const std::string& token,
                       const std::function<std::string(const char*)>& parameter) {
@@ -104,18 +106,21 @@ WebAnswer WebApi::get(const std::string& path, const std::string& token,
   if (path == "/api/log") {
     return logLines(token, parameter("type"), numberOf<std::int64_t>(parameter("before")));
   }
-  if (path == "/api/library") {
-    return library(token, {.category = parameter("category"),
-                           .group = parameter("group"),
-                           .sought = parameter("q"),
-                           .offset = numberOf<std::size_t>(parameter("offset")),
-                           .limit = numberOf<std::size_t>(parameter("limit")),
-                           .fresh = parameter("fresh") == "1"});
+  if (path == "/api/library" || path == "/api/playlist") {
+    const LibraryQuery query{.category = parameter("category"),
+                             .group = parameter("group"),
+                             .sought = parameter("q"),
+                             .offset = numberOf<std::size_t>(parameter("offset")),
+                             .limit = numberOf<std::size_t>(parameter("limit")),
+                             .fresh = parameter("fresh") == "1"};
+    return path == "/api/library" ? library(token, query) : playlist(token, query);
   }
   if (path == "/api/scripts") return scripts(token);
   if (path == "/api/script") return script(token, parameter("name"));
   if (path == "/api/script/run") return scriptRun(token, numberOf<std::size_t>(parameter("from")));
   if (path == "/api/media") {
+    if (path == "/api/playlist/watch") return watchPlaylist(token, json);
+    if (path.starts_with("/api/playlist/")) return changePlaylist(path, token, json);
     return media(token, parameter("category"), parameter("name"), parameter("title"));
   }
   if (path.starts_with("/api/")) return Refusal(404, "There is no such page");

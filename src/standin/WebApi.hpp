@@ -9,6 +9,7 @@
 #include "standin/Library.hpp"
 #include "standin/LoginLimit.hpp"
 #include "standin/LoopGate.hpp"
+#include "standin/Playlists.hpp"
 #include "standin/PluginKeeper.hpp"
 #include "standin/ScriptRunner.hpp"
 #include "standin/ScriptStore.hpp"
@@ -30,6 +31,12 @@ struct HouseScripts {
   ScriptRunner& runner;
 };
 
+/// The player's music, as the pages show and change it.
+struct HouseMusic {
+  Library& library;
+  Playlists& playlists;
+};
+
 /// A text for the user, in the form of an answer.
 WebAnswer Refusal(int status, const std::string& text);
 
@@ -39,7 +46,7 @@ WebAnswer Refusal(int status, const std::string& text);
 class WebApi {
  public:
   /// `local`: the server listens on this machine alone, so that the owner may do without a password.
-  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, Library& library, HouseScripts scripts,
+  WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, HouseMusic music, HouseScripts scripts,
          LoopGate& gate, bool local);
 
   WebAnswer get(const std::string& path, const std::string& token,
@@ -82,6 +89,10 @@ class WebApi {
   WebAnswer voice(const std::string& token, const Json& json);
   WebAnswer library(const std::string& token, const LibraryQuery& query);
   WebAnswer media(const std::string& token, const std::string& category, const std::string& name,
+  WebAnswer playlist(const std::string& token, const LibraryQuery& query);
+  WebAnswer playlists(const std::string& token);
+  WebAnswer watchPlaylist(const std::string& token, const Json& json);
+  WebAnswer changePlaylist(const std::string& path, const std::string& token, const Json& json);
                   const std::string& title);
   WebAnswer play(const std::string& token, const Json& json);
   WebAnswer askOwner(const std::string& token, std::function<WebAnswer()> work);
@@ -105,6 +116,7 @@ class WebApi {
 
   House& house_;
   HouseObjects& objects_;
+  Playlists& playlists_;
   PluginKeeper& plugin_;
   Library& library_;
   HouseScripts scripts_;

@@ -36,6 +36,7 @@ WebAnswer WebApi::library(const std::string& token, const LibraryQuery& query) {
                     NameList::Page page =
                         list->page(query.sought, query.offset, std::min(query.limit, kLargestPage));
                     reply({.body = Dump({{"names", std::move(page.names)},
+                                         {"places", std::move(page.places)},
                                          {"offset", query.offset},
                                          {"total", page.total},
                                          {"all", list->size()}})});

@@ -1,0 +1,72 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Object.hpp"
+
+namespace standin {
+
+/// A title as a playlist holds it. The source tells it from others of the same name.
+struct ListedItem {
+  std::string name;
+  std::string source;
+  bool operator==(const ListedItem&) const = default;
+};
+
+/// One playlist of the player's, by name. Every access is a call to the player; places count from 0.
+class PlayerList {
+ public:
+  explicit PlayerList(base::ObjectRef object) : object_(std::move(object)) {}
+
+  [[nodiscard]] std::string name() const;
+  [[nodiscard]] std::int32_t count() const;
+  [[nodiscard]] std::string nameAt(std::int32_t at) const;
+  [[nodiscard]] std::string sourceAt(std::int32_t at) const;
+  [[nodiscard]] ListedItem at(std::int32_t at) const;
+  [[nodiscard]] base::ObjectRef mediaAt(std::int32_t at) const;
+  /// `at` may be the count, for the end.
+  void insert(std::int32_t at, const base::ObjectRef& media);
+  void removeAt(std::int32_t at);
+  void move(std::int32_t from, std::int32_t to);
+  void rename(const std::string& name);
+  [[nodiscard]] const base::ObjectRef& object() const { return object_; }
+
+ private:
+  base::ObjectRef object_;
+};
+
+/// The player's playlists and media as its raw player hands them out to scripts. Throws what the player
+/// throws; number 91 while it isn't ready.
+class PlayerLists {
+ public:
+  /// `script` is the plug-in's script object.
+  explicit PlayerLists(base::ObjectRef script);
+
+  /// The playlist of that name, without regard to case; one of exactly that spelling comes first. A name as
+  /// lists show it, with single blanks for several, is found too.
+  std::optional<PlayerList> find(const std::string& name);
+  /// Throws what the player throws for a name that is in use.
+  PlayerList make(const std::string& name);
+  void remove(const PlayerList& list);
+  /// All titles of a playlist, read at one go where that is sure to tell the same.
+  std::vector<std::string> names(const PlayerList& list);
+  /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name.
+  std::optional<PlayerList> group(const std::string& category, const std::string& name);
+  /// The media of that source.
+  base::ObjectRef mediaOf(const std::string& source);
+  [[nodiscard]] base::Object& script() const { return *script_; }
+
+ private:
+  bool sharesKey(const std::string& name);
+  base::ObjectRef playlists();
+  base::ObjectRef media();
+
+  base::ObjectRef script_;
+  base::ObjectRef player_;
+  base::ObjectRef playlists_;
+  base::ObjectRef media_;
+};
+
+}  // namespace standin
