@@ -63,9 +63,9 @@ int serve(const Options& options) {
   SettingsFlusher flusher(loop, house);
   PluginKeeper plugin(loop, connection, house, callback);
   Library library(loop, connection, plugin);
+  Playlists playlists(loop, connection, plugin, house, library);
   ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {
-  Playlists playlists(loop, connection, plugin, house, library);
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
   };

@@ -97,7 +97,6 @@ WebAnswer WebApi::ask(const std::string& token, Work work) {
 WebAnswer WebApi::askNow(const std::string& token, std::function<WebAnswer(const User&)> work) {
   return ask(token, [work = std::move(work)](const User& user, const Reply& reply) { reply(work(user)); });
 }
-  if (path == "/api/playlists") return playlists(token);
 
 WebAnswer WebApi::get(const std::string& path, const std::string& token,
                       const std::function<std::string(const char*)>& parameter) {
@@ -115,12 +114,11 @@ WebAnswer WebApi::get(const std::string& path, const std::string& token,
                              .fresh = parameter("fresh") == "1"};
     return path == "/api/library" ? library(token, query) : playlist(token, query);
   }
+  if (path == "/api/playlists") return playlists(token);
   if (path == "/api/scripts") return scripts(token);
   if (path == "/api/script") return script(token, parameter("name"));
   if (path == "/api/script/run") return scriptRun(token, numberOf<std::size_t>(parameter("from")));
   if (path == "/api/media") {
-    if (path == "/api/playlist/watch") return watchPlaylist(token, json);
-    if (path.starts_with("/api/playlist/")) return changePlaylist(path, token, json);
     return media(token, parameter("category"), parameter("name"), parameter("title"));
   }
   if (path.starts_with("/api/")) return Refusal(404, "There is no such page");
@@ -138,6 +136,8 @@ WebAnswer WebApi::post(const std::string& path, const std::string& token, const 
     if (path == "/api/menu") return menu(token, json);
     if (path == "/api/voice") return voice(token, json);
     if (path == "/api/play") return play(token, json);
+    if (path == "/api/playlist/watch") return watchPlaylist(token, json);
+    if (path.starts_with("/api/playlist/")) return changePlaylist(path, token, json);
     if (path == "/api/script") return saveScript(token, json);
     if (path == "/api/script/delete") return deleteScript(token, json);
     if (path == "/api/script/run") return runScript(token, json);

@@ -89,12 +89,12 @@ class WebApi {
   WebAnswer voice(const std::string& token, const Json& json);
   WebAnswer library(const std::string& token, const LibraryQuery& query);
   WebAnswer media(const std::string& token, const std::string& category, const std::string& name,
+                  const std::string& title);
+  WebAnswer play(const std::string& token, const Json& json);
   WebAnswer playlist(const std::string& token, const LibraryQuery& query);
   WebAnswer playlists(const std::string& token);
   WebAnswer watchPlaylist(const std::string& token, const Json& json);
   WebAnswer changePlaylist(const std::string& path, const std::string& token, const Json& json);
-                  const std::string& title);
-  WebAnswer play(const std::string& token, const Json& json);
   WebAnswer askOwner(const std::string& token, std::function<WebAnswer()> work);
   WebAnswer scripts(const std::string& token);
   WebAnswer script(const std::string& token, const std::string& name);
@@ -116,9 +116,9 @@ class WebApi {
 
   House& house_;
   HouseObjects& objects_;
-  Playlists& playlists_;
   PluginKeeper& plugin_;
   Library& library_;
+  Playlists& playlists_;
   HouseScripts scripts_;
   LoopGate& gate_;
   bool local_;
