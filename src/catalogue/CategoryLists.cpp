@@ -139,7 +139,7 @@ void MediaCatalogue::readPlayLists(const player::PlaylistArray& all, const std::
     if (reading.failed()) continue;
     registerName(kPlayListCategory, name);
     web::FilterString(name, filter, " ");
-    names->add(name);
+    if (!name.empty()) names->add(name);
     noteSlow(*playlist, name, start);
     yieldAt(i);
   }

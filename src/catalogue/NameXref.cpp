@@ -19,6 +19,9 @@ struct Section {
 constexpr Section kSections[] = {
     {"Media Library", "Media"}, {"Artist", "Artist"}, {"Album", "Album"}, {"Genre", "Genre"}};
 
+/// The section of an older form, with keys category:key.
+constexpr const char* kOldSection = "Media";
+
 std::string EntryOf(const std::string& category, const std::string& key) {
   return base::LowerCase(category + ":" + key);
 }
@@ -67,9 +70,7 @@ void NameXref::yieldAt(std::size_t index) {
   if (YieldsAt(static_cast<std::int64_t>(index))) host_.WaitEvents();
 }
 
-// "Media" is the section of an older form, with keys category:key.
 void NameXref::moveOldSection(ProgressShown& shown) {
-  static const std::string kOldSection = "Media";
   Attempt step;
   std::vector<std::string> lines;
   step([&] { lines = base::Split(host_.GetINISection(kOldSection, plugin::kSettingsFile), '\0'); });

@@ -18,6 +18,16 @@ class CategoryLists : public LibraryHouse {
     EXPECT_EQ(catalogue.GetGroupList(category, names, ""), expected) << category;
     return names;
   }
+  /// While the host takes a line of the log for the first time, it lets `event` in.
+  void during(const std::string& line, std::function<void()> event) {
+    host->answers["WriteLog"] = [line = "Media Player: " + line, event = std::move(event),
+                                 over = false](base::Args& args) mutable {
+      if (over || base::ToText(args[1]) != line) return base::Value();
+      over = true;
+      event();
+      return base::Value();
+    };
+  }
   [[nodiscard]] std::size_t reads() const {
     return journal.with("library: getAttributeStringCollection").size();
   }
@@ -121,6 +131,53 @@ TEST_F(CategoryLists, AMarkSetDuringAReadIsOverwrittenByIt) {
   EXPECT_TRUE(plugin.stale.CategoryStale.at("Artist"));
 }
 
+TEST_F(CategoryLists, AReadThatTheLogLetsInDoesNotTakeTheListAway) {
+  plugin.state.DebugMessages = true;
+  const auto first = list("Album");
+  base::TextListRef inner;
+  during("Loading Album collection from cache", [&] {
+    library.attributes["album"] = {"Hejira"};
+    wmp9->events().MediaCollectionChange();
+    inner = list("Album");
+  });
+  const auto outer = list("Album");
+  ASSERT_TRUE(inner);
+  EXPECT_THAT(*inner, ElementsAre("Hejira"));
+  EXPECT_EQ(outer, first) << "the one that was there when the request came";
+  EXPECT_THAT(*outer, ElementsAre("Blue", "Abbey Road"));
+  EXPECT_EQ(list("Album"), inner);
+}
+
+TEST_F(CategoryLists, AReadWithinAReadOfPlaylistsListsEachOnce) {
+  for (int i = 0; i < 60; ++i) library.addPlaylist("List " + std::to_string(i));
+  base::TextListRef inner;
+  int turns = 0;
+  host->answers["WaitEvents"] = [&](base::Args&) {
+    if (++turns == 2) inner = list("PlayList");
+    return base::Value();
+  };
+  EXPECT_EQ(list("PlayList")->size(), 60U);
+  ASSERT_TRUE(inner);
+  EXPECT_EQ(inner->size(), 60U);
+  EXPECT_EQ(list("PlayList")->size(), 60U);
+}
+
+TEST_F(CategoryLists, ThreeCategoriesShareNothingOnceTheyAreRead) {
+  library.attributes["genre"] = {"Folk"};
+  const auto albums = list("Album");
+  const auto artists = list("Artist");
+  const auto genres = list("Genre");
+  EXPECT_THAT(*albums, ElementsAre("Blue", "Abbey Road"));
+  EXPECT_THAT(*artists, ElementsAre("Joni Mitchell"));
+  EXPECT_THAT(*genres, ElementsAre("Folk"));
+}
+
+TEST_F(CategoryLists, ANameThatCantBeReadCostsOnlyItself) {
+  library.attributes["genre"] = {"Folk", "Rock", "Jazz"};
+  library.unreadable = {"Rock"};
+  EXPECT_THAT(*list("Genre"), ElementsAre("Folk", "Jazz"));
+}
+
 TEST_F(CategoryLists, TheProgressWindowIsShownForEveryRequest) {
   list("Album");
   list("Album");
@@ -166,6 +223,24 @@ TEST_F(CategoryLists, TwoBlanksInAPlaylistsNameAreListedAsOne) {
   library.addPlaylist("Road  Trip");
   EXPECT_THAT(*list("PlayList"), ElementsAre("Road Trip"));
   EXPECT_EQ(lookup("PlayList", "Road Trip"), "Road  Trip");
+}
+
+TEST_F(CategoryLists, APlaylistWithoutANameIsNotListed) {
+  library.addPlaylist("One");
+  library.addPlaylist("");
+  library.addPlaylist("Three");
+  EXPECT_THAT(*list("PlayList"), ElementsAre("One", "Three"));
+  EXPECT_EQ(progress.fractions.size(), 3U);
+  EXPECT_FALSE(plugin.stale.PlayListsStale);
+}
+
+TEST_F(CategoryLists, APlaylistThatTheFilterLeavesNothingOfIsNotListed) {
+  library.addPlaylist("&");
+  library.addPlaylist("");
+  library.addPlaylist("R&B");
+  base::TextListRef names;
+  EXPECT_EQ(catalogue.GetGroupList("PlayList", names, "HTML"), 0);
+  EXPECT_THAT(*names, ElementsAre(" ", "R B"));
 }
 
 TEST_F(CategoryLists, TheFilterReachesPlaylistsOnly) {

@@ -107,6 +107,19 @@ TEST_F(NameXref, AfterALoadOnlyTheGenresAreInMemory) {
   EXPECT_EQ(xref.size(), 2U);
 }
 
+TEST_F(NameXref, AfterALoadAnAlbumsNameComesBackOnceItsListIsRead) {
+  section("Album", {"Blue=426C75653F"});
+  section("Genre", {"R B=522642"});
+  xref.LoadNameTable();
+  EXPECT_EQ(lookup("Album", "Blue"), "Blue");
+  EXPECT_EQ(lookup("Genre", "R B"), "R&B");
+  library.attributes["album"] = {"Blue?"};
+  base::TextListRef names;
+  ASSERT_EQ(catalogue.GetGroupList("Album", names, ""), 0);
+  EXPECT_EQ(lookup("Album", "Blue"), "Blue?");
+  EXPECT_EQ(lookup("Genre", "R B"), "R&B") << "the read adds to the table and takes nothing away";
+}
+
 TEST_F(NameXref, ALoadReadsItsSectionsInOrderAndWritesEveryEntryBack) {
   section("Media Library", {"Blue=426C75653F"});
   section("PlayList", {"Road Trip=526F61642F54726970"});

@@ -17,7 +17,7 @@ class FakePlaylist : public player::Playlist {
   std::string title;
   std::vector<player::MediaRef> members;
   bool nameFails = false;
-  bool refuses = false;  ///< appendItem fails
+  bool refuses = false;  ///< every change fails
   std::function<void()> onName = [] {};
 
   [[nodiscard]] std::string name() const override {
@@ -25,27 +25,37 @@ class FakePlaylist : public player::Playlist {
     if (nameFails) throw Failure(base::number::kDeviceIo);
     return title;
   }
-  void name(const std::string& value) override { title = value; }
+  void name(const std::string& value) override {
+    changed("rename " + title + " to " + value);
+    title = value;
+  }
   [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(members.size()); }
   [[nodiscard]] player::MediaRef item(std::int32_t index) const override {
     if (index < 0 || index >= count()) throw Failure(base::number::kIndex);
     return members[static_cast<std::size_t>(index)];
   }
   void appendItem(const player::MediaRef& media) override {
-    journal_.add("library: append " + media->name() + " to " + title);
-    if (refuses) throw Failure(base::number::kPermissionDenied);
+    changed("append " + media->name() + " to " + title);
     members.push_back(media);
   }
   void insertItem(std::int32_t index, const player::MediaRef& media) override {
     journal_.add("library: insert " + media->name() + " at " + std::to_string(index));
     members.insert(members.begin() + index, media);
   }
-  void removeItem(const player::MediaRef& media) override { std::erase(members, media); }
+  void removeItem(const player::MediaRef& media) override {
+    changed("remove " + media->name() + " from " + title);
+    std::erase(members, media);
+  }
   void moveItem(std::int32_t from, std::int32_t to) override {
     journal_.add("library: move " + std::to_string(from) + " to " + std::to_string(to));
   }
 
  private:
+  void changed(const std::string& what) {
+    journal_.add("library: " + what);
+    if (refuses) throw Failure(base::number::kPermissionDenied);
+  }
+
   Journal& journal_;
 };
 using FakePlaylistRef = std::shared_ptr<FakePlaylist>;
@@ -58,7 +68,8 @@ class FakeLibrary : public player::MediaCollection {
   std::vector<FakeMediaRef> tracks;
   std::vector<FakePlaylistRef> playlists;
   std::map<std::string, std::vector<std::string>> attributes;  ///< by lower-case attribute
-  std::set<std::string> failing;  ///< calls that fail with number 57, by their first word
+  std::set<std::string> failing;     ///< calls that fail with number 57, by their first word
+  std::set<std::string> unreadable;  ///< names of a list that can't be read
   bool makesPlaylists = true;
 
   FakeMediaRef addTrack(const std::string& title, const std::string& artist, const std::string& album,
@@ -100,20 +111,24 @@ class FakeLibrary : public player::MediaCollection {
   player::StringCollectionRef getAttributeStringCollection(const std::string& attribute,
                                                            const std::string& mediaType) override {
     asked("getAttributeStringCollection", attribute + " " + mediaType);
-    return std::make_shared<Strings>(attributes[base::LowerCase(attribute)]);
+    return std::make_shared<Strings>(attributes[base::LowerCase(attribute)], unreadable);
   }
 
  private:
   class Strings : public player::StringCollection {
    public:
-    explicit Strings(std::vector<std::string> texts) : texts_(std::move(texts)) {}
+    Strings(std::vector<std::string> texts, std::set<std::string> unreadable)
+        : texts_(std::move(texts)), unreadable_(std::move(unreadable)) {}
     [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(texts_.size()); }
     [[nodiscard]] std::string item(std::int32_t index) const override {
-      return texts_.at(static_cast<std::size_t>(index));
+      const std::string& text = texts_.at(static_cast<std::size_t>(index));
+      if (unreadable_.count(text) > 0) throw Failure(base::number::kDeviceIo);
+      return text;
     }
 
    private:
     std::vector<std::string> texts_;
+    std::set<std::string> unreadable_;
   };
 
   class Lists : public player::PlaylistArray {
