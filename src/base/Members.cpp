@@ -39,6 +39,10 @@ Value Convert(const Value& value, Type type) {
   return value;
 }
 
+void ConvertArguments(const std::vector<Param>& params, Args& args) {
+  for (std::size_t i = 0; i < args.size(); ++i) args[i] = Convert(args[i], params[i].type);
+}
+
 Value EmptyOf(Type type) {
   switch (type) {
     case Type::kNone:
@@ -74,7 +78,7 @@ Value TableObject::call(std::string_view name, Args& args) {
       throw Failure(number::kWrongArguments, member.name + " needs the argument " + member.params[i].name);
     args.push_back(*member.params[i].fallback);
   }
-  for (std::size_t i = 0; i < args.size(); ++i) args[i] = Convert(args[i], member.params[i].type);
+  if (!member.convertsItself) ConvertArguments(member.params, args);
   const Value result = member.handler(args);
   return Convert(result, member.result);
 }
@@ -91,7 +95,7 @@ void TableObject::put(std::string_view name, const Value& value) {
   const Member& member = Find(table_, name);
   if (member.kind != MemberKind::kField && member.kind != MemberKind::kWriteField)
     throw Failure(number::kNoSuchMember, member.name + " can't be written");
-  member.writer(Convert(value, member.result));
+  member.writer(member.convertsItself ? value : Convert(value, member.result));
 }
 
 }  // namespace base

@@ -10,7 +10,8 @@
 namespace base {
 
 /// The declared type of a result or an argument. Arguments are converted to it before the handler runs
-/// (`kAny` is passed as it comes); results are converted to it on their way out.
+/// (`kAny` is passed as it comes), unless the member converts them itself; results are converted to it on
+/// their way out.
 enum class Type {
   kNone,  ///< no result, or a result that is always empty
   kAny,   ///< dynamically typed
@@ -44,6 +45,7 @@ struct Member {
   Type result = Type::kNone;                   ///< of an operation; the type of a field
   std::function<Value(Args&)> handler;         ///< an operation, or a field's reading (no arguments)
   std::function<void(const Value&)> writer{};  ///< a field's writing
+  bool convertsItself = false;                 ///< arguments and written values reach it as they come
 };
 
 /// The members of an object in the order of its interface. Names are found without regard to case, as
@@ -86,6 +88,8 @@ class TableObject : public Object {
 
 /// Converts to a declared type. Throws numbers 13 and 6 as the conversions do.
 Value Convert(const Value& value, Type type);
+/// Converts each argument to its declared type. Throws as `Convert` does.
+void ConvertArguments(const std::vector<Param>& params, Args& args);
 /// The empty value of a type: 0, false, "", nothing, an empty list.
 Value EmptyOf(Type type);
 

@@ -8,7 +8,6 @@ namespace script {
 
 using base::Args;
 using base::Member;
-using base::MemberKind;
 using base::Param;
 using base::Type;
 using base::Value;
@@ -104,8 +103,9 @@ base::MemberTable ScriptClass::table() {
                           {Text("Reserved1", ""), Text("Reserved2", ""), Text("Reserved3", ""),
                            Text("sPlayListName", kHousePlayList)},
                           Type::kAny, [this](Args& args) { return AddToPlayList(TextAt(args, 3)); }),
-          slots.operation(
-              "GetMediaInfo", {Text("CategoryType"), Text("CategoryName"), Text("Title")}, Type::kRecord,
+          slots.record(
+              "GetMediaInfo", {Text("CategoryType"), Text("CategoryName"), Text("Title")},
+              MediaInfoOf(nullptr),
               [this](Args& args) { return GetMediaInfo(TextAt(args, 0), TextAt(args, 1), TextAt(args, 2)); }),
           slots.writeField("FullScreenVideo", Type::kAny, setter(&player::WMPCalls::SetFullScreenVideo)),
           slots.operation("CurrentPlaylist", {}, Type::kAny, [this](Args&) { return CurrentPlaylist(); }),
@@ -120,12 +120,9 @@ base::MemberTable ScriptClass::table() {
                             if (!wmpObject_) wmpObject_ = player::ShowByName(in_.form.wmp9());
                             return wmpObject_;
                           }),
-          {"Version", MemberKind::kOperation, {}, Type::kText, [](Args&) { return Value(VANTORIX_VERSION); }},
-          {"GetAlbumsByCategory",
-           MemberKind::kOperation,
-           {Text("CatType"), Text("CategoryName")},
-           Type::kTextList,
-           [this](Args& args) { return GetAlbumsByCategory(TextAt(args, 0), TextAt(args, 1)); }},
+          Slots::always("Version", {}, Type::kText, [](Args&) { return VANTORIX_VERSION; }),
+          Slots::always("GetAlbumsByCategory", {Text("CatType"), Text("CategoryName")}, Type::kTextList,
+                        [this](Args& args) { return GetAlbumsByCategory(TextAt(args, 0), TextAt(args, 1)); }),
       }};
 }
 

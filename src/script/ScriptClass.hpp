@@ -40,8 +40,10 @@ class ScriptClass : public base::TableObject {
                     const std::string& Title);
   base::Value GetCategoryList(const std::string& CatType);
   base::Value GetByCategory(const std::string& CatType, const std::string& CategoryName);
-  base::Value GetMediaInfo(const std::string& CategoryType, const std::string& CategoryName,
-                           std::string Title);
+  base::Record GetMediaInfo(const std::string& CategoryType, const std::string& CategoryName,
+                            std::string Title);
+  /// The record of an item; what can't be read of it, as of nothing, is an empty text.
+  static base::Record MediaInfoOf(const player::MediaRef& item);
   bool RefreshLists(const std::string& CatType);
   base::Value GetAlbumsByCategory(const std::string& CatType, const std::string& CategoryName);
   base::Value AddToPlayList(const std::string& sPlayListName);

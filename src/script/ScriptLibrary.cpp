@@ -79,12 +79,16 @@ Value ScriptClass::GetByCategory(const std::string& CatType, const std::string& 
   return titles;
 }
 
-Value ScriptClass::GetMediaInfo(const std::string& CategoryType, const std::string& CategoryName,
-                                std::string Title) {
+base::Record ScriptClass::GetMediaInfo(const std::string& CategoryType, const std::string& CategoryName,
+                                       std::string Title) {
   player::PlaylistRef playlist;
   player::MediaRef item;
   in_.catalogue.GetGroupItems(CategoryType, CategoryName, playlist);
   in_.catalogue.GetMediaItem(Title, playlist, item);
+  return MediaInfoOf(item);
+}
+
+base::Record ScriptClass::MediaInfoOf(const player::MediaRef& item) {
   base::Record record;
   Attempt step;
   const auto add = [&](const char* key, auto&& read) {

@@ -35,9 +35,27 @@ class Lamp : public base::TableObject {
                 Type::kInt32,
                 [this](Args&) { return Value(level); },
                 [this](const Value& value) { level = base::ToInt32(value); }},
-               {"Watts", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(40); }}}});
+               {"Watts", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(40); }},
+               {"Paint",
+                MemberKind::kField,
+                {},
+                Type::kInt16,
+                [](Args&) { return Value(); },
+                [this](const Value& value) { painted = value; },
+                true},
+               {"Spray",
+                MemberKind::kOperation,
+                {{"colour", Type::kInt16}},
+                Type::kNone,
+                [this](Args& args) {
+                  painted = args[0];
+                  return Value();
+                },
+                {},
+                true}}});
   }
   std::int32_t level = 100;
+  Value painted;
 };
 
 }  // namespace
@@ -80,4 +98,13 @@ TEST(TableObject, RefusesWhatItsTableDoesNotHold) {
 TEST(TableObject, ConvertsItsResultToTheDeclaredType) {
   Lamp lamp;
   EXPECT_EQ(lamp.get("Watts"), Value(std::int16_t{40}));
+}
+
+TEST(TableObject, HandsValuesAsTheyComeToAMemberThatConvertsItself) {
+  Lamp lamp;
+  lamp.invoke("Spray", "red");
+  EXPECT_EQ(lamp.painted, Value("red"));
+  lamp.put("Paint", "blue");
+  EXPECT_EQ(lamp.painted, Value("blue"));
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.put("Level", "blue"); }), base::number::kTypeMismatch);
 }

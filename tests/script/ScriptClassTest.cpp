@@ -1,5 +1,8 @@
+#include "support/FailureNumber.hpp"
 #include "support/ScriptHouse.hpp"
 
+using base::MemberKind;
+using base::Record;
 using base::Value;
 using support::ScriptHouse;
 using ::testing::ElementsAre;
@@ -11,7 +14,7 @@ class Script : public ScriptHouse {};
 
 Value Number(std::int32_t number) { return number; }
 Value Short(std::int16_t number) { return number; }
-const Value kNoObject = base::ObjectRef();
+const Value nothing = base::ObjectRef();
 
 }  // namespace
 
@@ -27,29 +30,90 @@ TEST_F(Script, TheSlotsAreInTheInterfacesOrder) {
                           "CurrentPosition", "RefreshLists", "WMPObject", "Version", "GetAlbumsByCategory"));
 }
 
-TEST_F(Script, BeforeTheStartIsOverEverythingIsEmptyOfItsType) {
+TEST_F(Script, BeforeTheStartIsOverEveryMemberIsEmptyOfItsTypeAndDoesNothing) {
   playing();
+  wmp9->playlist = library.addPlaylist("Road Trip");
+  const std::map<std::string, Value> empty{{"Play", Number(0)},
+                                           {"PlayURL", Number(0)},
+                                           {"Mute", Value()},
+                                           {"LoopMode", Value()},
+                                           {"ShuffleMode", Value()},
+                                           {"Volume", Short(0)},
+                                           {"GetCategoryList", nothing},
+                                           {"GetByCategory", nothing},
+                                           {"PlayerStatus", ""},
+                                           {"Title", ""},
+                                           {"artist", ""},
+                                           {"Album", ""},
+                                           {"Genre", ""},
+                                           {"Length", ""},
+                                           {"ShowPopupControls", {}},
+                                           {"AddToPlayList", Value()},
+                                           {"GetMediaInfo", Record()},
+                                           {"CurrentPlaylist", Value()},
+                                           {"CurrentPosition", 0.0},
+                                           {"RefreshLists", false},
+                                           {"WMPObject", nothing}};
   beforeStart();
   journal.clear();
-  EXPECT_EQ(call("Play", "Album", "Blue"), Number(0));
-  EXPECT_EQ(call("PlayURL", "http://radio"), Number(0));
-  for (const char* command : {"PausePlayer", "StopPlayer", "PlayNext", "Restart", "Eject", "VolumeUp"})
-    EXPECT_EQ(call(command), Value()) << command;
-  EXPECT_EQ(get("Mute"), Value());
-  EXPECT_EQ(get("Volume"), Short(0));
-  EXPECT_EQ(get("Title"), Value(""));
-  EXPECT_EQ(get("Length"), Value(""));
-  EXPECT_EQ(get("CurrentPosition"), Value(0.0));
-  EXPECT_EQ(get("WMPObject"), kNoObject);
-  EXPECT_EQ(call("GetCategoryList", "Album"), kNoObject);
-  EXPECT_EQ(call("GetByCategory"), kNoObject);
-  EXPECT_EQ(call("GetMediaInfo", "Album", "Blue", "Track One"), Value(base::Record()));
-  EXPECT_EQ(call("AddToPlayList"), Value());
-  EXPECT_EQ(call("CurrentPlaylist"), Value());
-  EXPECT_EQ(call("RefreshLists", "Album"), Value(false));
-  script.put("Volume", Short(10));
-  script.put("FullScreenVideo", true);
+  for (const base::Member& member : script.members()->list()) {
+    if (member.name == "Version" || member.name == "GetAlbumsByCategory") continue;
+    const auto expected = empty.find(member.name);
+    const Value answer = expected == empty.end() ? Value() : expected->second;
+    if (member.kind == MemberKind::kOperation) {
+      base::Args args(member.params.size(), "Album");
+      if (!args.empty() && member.params[0].type == base::Type::kInt16) args[0] = 1;
+      EXPECT_EQ(script.call(member.name, args), answer) << member.name;
+    } else if (member.kind != MemberKind::kWriteField) {
+      ASSERT_NE(expected, empty.end()) << member.name;
+      EXPECT_EQ(get(member.name), answer) << member.name;
+    }
+    if (member.kind == MemberKind::kField || member.kind == MemberKind::kWriteField)
+      script.put(member.name, 1);
+  }
   EXPECT_THAT(journal.lines(), IsEmpty());
+  EXPECT_FALSE(plugin.state.FullScreenVideo);
+}
+
+TEST_F(Script, AValueThatCantBeConvertedIsAFailureThatIsSkipped) {
+  playing();
+  const base::Record none{{"Artist", ""}, {"Album", ""}, {"Genre", ""}, {"Duration", ""}};
+  const std::map<std::string, Value> answers{
+      {"Play", Number(0)},        {"PlayURL", Number(0)},       {"GetCategoryList", base::Array()},
+      {"GetMediaInfo", none},     {"RefreshLists", false},      {"GetByCategory", base::Array()},
+      {"AddToPlayList", Value()}, {"Version", call("Version")}, {"GetAlbumsByCategory", base::Array()}};
+  const Value strange = base::Record{{"no", "number"}};
+  for (const base::Member& member : script.members()->list()) {
+    if (member.kind == MemberKind::kOperation && !member.params.empty()) {
+      base::Args args(member.params.size(), strange);
+      const auto expected = answers.find(member.name);
+      EXPECT_EQ(script.call(member.name, args), expected == answers.end() ? Value() : expected->second)
+          << member.name;
+    } else if (member.writer) {
+      EXPECT_NO_THROW(script.put(member.name, strange)) << member.name;
+    }
+  }
+  EXPECT_THAT(playerCalls(), IsEmpty());
+  EXPECT_THAT(journal.with("library: "), IsEmpty());
+}
+
+TEST_F(Script, AVolumeThatIsNoNumberLeavesTheVolumeAsItIs) {
+  script.put("Volume", "abc");
+  script.put("Volume", 99999);
+  call("VolumeUp", "x");
+  call("VolumeDown", 99999);
+  call("Eject", "first");
+  EXPECT_EQ(get("Volume"), Short(50));
+  EXPECT_THAT(playerCalls(), IsEmpty());
+  script.put("Volume", "70");
+  EXPECT_EQ(get("Volume"), Short(70));
+}
+
+TEST_F(Script, WhatIsNoMemberOrHasTooManyArgumentsIsRefused) {
+  EXPECT_EQ(support::FailureNumberOf([&] { call("Explode"); }), base::number::kNoSuchMember);
+  EXPECT_EQ(support::FailureNumberOf([&] { call("PlayURL"); }), base::number::kWrongArguments);
+  EXPECT_EQ(support::FailureNumberOf([&] { call("StopPlayer", 1); }), base::number::kWrongArguments);
+  EXPECT_EQ(support::FailureNumberOf([&] { script.put("Title", "x"); }), base::number::kNoSuchMember);
 }
 
 TEST_F(Script, VersionAndAlbumsAnswerBeforeTheStart) {
