@@ -15,7 +15,7 @@ myMsgForm::myMsgForm(MsgFormView& view, plugin::HostServices& host, base::Loop& 
 std::int16_t myMsgForm::ShowTimedMessage(const std::string& title, const std::string& text,
                                          std::int16_t seconds) {
   // There is one window. A message that comes while it is open, by way of an event, has no place to show.
-  if (open_) return kCancelOrTimeIsUp;
+  if (open_) return leave(title, text);
   Attempt step;
   open_ = true;
   Result_.clear();
@@ -26,7 +26,14 @@ std::int16_t myMsgForm::ShowTimedMessage(const std::string& title, const std::st
   Timer1_->enabled(false);
   step([&] { view_.unload(); });
   open_ = false;
+  if (Result_.empty()) return leave(title, text);
   return static_cast<std::int16_t>(base::NumericPrefix(Result_));
+}
+
+std::int16_t myMsgForm::leave(const std::string& title, const std::string& text) {
+  Attempt step;
+  step([&] { host_.WriteLog("Warning", "Media Player: " + title + " " + text); });
+  return kCancelOrTimeIsUp;
 }
 
 void myMsgForm::Form_Load() {

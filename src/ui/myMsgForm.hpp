@@ -18,7 +18,9 @@ class myMsgForm : public MsgFormEvents {
 
   myMsgForm(MsgFormView& view, plugin::HostServices& host, base::Loop& loop);
 
-  /// Shows the message and waits. `kOk` or `kCancelOrTimeIsUp`. With 0 seconds it waits for a button.
+  /// Shows the message and waits. `kOk` or `kCancelOrTimeIsUp`. With 0 seconds it waits for a button. A
+  /// message that can't be shown, as while another is open, is left in the house's log, and its time is up at
+  /// once.
   std::int16_t ShowTimedMessage(const std::string& title, const std::string& text, std::int16_t seconds);
 
   void Form_Load() override;
@@ -32,6 +34,7 @@ class myMsgForm : public MsgFormEvents {
  private:
   void Timer1_Timer();
   void close(const char* result);
+  std::int16_t leave(const std::string& title, const std::string& text);
 
   MsgFormView& view_;
   plugin::HostServices& host_;

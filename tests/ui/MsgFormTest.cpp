@@ -99,6 +99,46 @@ TEST_F(MsgForm, AMessageWhileOneIsOpenDoesNotDisturbIt) {
   EXPECT_EQ(form.ShowTimedMessage("outer", "x", 15), 1);
   EXPECT_EQ(inner, 2);
   EXPECT_THAT(journal.with("caption"), ElementsAre("caption outer"));
+  EXPECT_THAT(view.labels, ElementsAre("Time remaining: 15", "Time remaining: 14", "Time remaining: 13",
+                                       "Time remaining: 12"));
+}
+
+TEST_F(MsgForm, AMessageWhileOneIsOpenIsLeftInTheLog) {
+  view.user = [&](ui::MsgFormEvents& events, int second) {
+    if (second == 1) form.ShowTimedMessage("Error!", "What else happened", 5);
+    if (second == 2) events.OK_button_Click();
+  };
+  form.ShowTimedMessage("outer", "x", 15);
+  EXPECT_TRUE(logged("Warning", "Media Player: Error! What else happened"));
+  host->failing = {"WriteLog"};
+  EXPECT_EQ(form.ShowTimedMessage("outer", "x", 15), 1);
+}
+
+TEST_F(MsgForm, AMessageThatCantBeShownIsLeftInTheLogAndItsTimeIsUp) {
+  view.user = [](ui::MsgFormEvents&, int) { throw base::Failure(base::number::kWindowNotShown); };
+  EXPECT_EQ(form.ShowTimedMessage("Error!", "What happened", 15), 2);
+  EXPECT_TRUE(logged("Warning", "Media Player: Error! What happened"));
+  EXPECT_FALSE(form.Timer1().enabled());
+  EXPECT_TRUE(journal.has("unload"));
+  view.user = [](ui::MsgFormEvents& events, int) { events.OK_button_Click(); };
+  EXPECT_EQ(form.ShowTimedMessage("Error!", "The next one is shown again", 15), 1);
+}
+
+TEST_F(MsgForm, ATimeBelowZeroWaitsForAButton) {
+  view.user = [](ui::MsgFormEvents& events, int second) {
+    if (second == 60) events.Cancel_Button_Click();
+  };
+  EXPECT_EQ(form.ShowTimedMessage("t", "x", -5), 2);
+  EXPECT_EQ(view.secondsShown, 60);
+}
+
+TEST_F(MsgForm, AHostThatFailsLeavesTheMessage) {
+  host->failing = {"forcefront"};
+  view.user = [](ui::MsgFormEvents& events, int second) {
+    if (second == 2) events.OK_button_Click();
+  };
+  EXPECT_EQ(form.ShowTimedMessage("t", "x", 15), 1);
+  EXPECT_TRUE(journal.has("focus OK_button"));
 }
 
 TEST_F(MsgForm, WithoutADisplayTheTimeIsUpAtOnceAndTheTextIsLeft) {
