@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ShortOfMemory.hpp"
 #include "support/FakeHost.hpp"
 #include "support/House.hpp"
 #include "web/HtmlFields.hpp"
@@ -135,6 +136,29 @@ TEST_F(PageForm, ATextThatCantBeDecodedStaysAsItCameAndIsLogged) {
 TEST_F(PageForm, APairThatCantBeDecodedCostsOnlyItsOwnDecoding) {
   page.GetFormData("a=%&b=%41");
   EXPECT_THAT(page.Args, ElementsAre(Pair("a", "%"), Pair("b", "A"), Pair("", "")));
+}
+
+TEST_F(PageForm, AnOperationThatFailsIsLoggedUnderItsNameAndAnswersNothing) {
+  constexpr std::size_t kLarge = 1U << 16U;
+  const std::string large(kLarge, 'x');
+  const base::TextList items{large};
+  const std::string body = large + "=1";
+  std::string answers;
+  {
+    const support::ShortOfMemory machine(kLarge);
+    answers += page.FormDropDown("", "l", "", 1, "", items, "");
+    answers += page.HTML_Attr(large, {"bold"});
+    answers += page.PageHeader(large, "p");
+    page.GetFormData(body);
+  }
+  EXPECT_EQ(answers, "");
+  EXPECT_THAT(failures, ElementsAre("FormDropDown 51", "HTML_Attr 51", "PageHeader 51", "GetFormData 51"));
+}
+
+TEST_F(PageForm, TheEditorsPageHasItsOwnLink) {
+  web::PageForm editor("WMP_PListEdit", [](const base::Failure&, const std::string&) {});
+  EXPECT_THAT(editor.PageHeader("t", "p"),
+              ::testing::HasSubstr("<input type=\"hidden\" name=\"ref_page\" value=\"WMP_PListEdit\">\r\n"));
 }
 
 namespace {
