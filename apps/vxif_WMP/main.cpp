@@ -63,7 +63,6 @@ int Serve() {
   player::WindowlessPopup popup;
   RegisteredObjects objects;
   plugin::MediaEvents mediaEvents;
-  plugin::WebForms pages;
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
   const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
@@ -81,7 +80,7 @@ int Serve() {
                                });
                          },
                          popup,
-                         {mediaEvents, desktop, pages, objects},
+                         {mediaEvents, desktop, objects},
                          nullptr,
                          desktop.progress()});
   owner = &plugin;

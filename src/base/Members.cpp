@@ -5,6 +5,15 @@
 
 namespace base {
 
+Member TextField(const char* name, std::string& text) {
+  return {name,
+          MemberKind::kField,
+          {},
+          Type::kText,
+          [&text](Args&) { return Value(text); },
+          [&text](const Value& value) { text = ToText(value); }};
+}
+
 MemberTable::MemberTable(std::string interfaceName, std::vector<Member> members)
     : interfaceName_(std::move(interfaceName)), members_(std::move(members)) {
   for (std::size_t i = 0; i < members_.size(); ++i) byName_.emplace(LowerCase(members_[i].name), i);

@@ -48,6 +48,9 @@ struct Member {
   bool convertsItself = false;                 ///< arguments and written values reach it as they come
 };
 
+/// A field that reads and writes a text of the object.
+Member TextField(const char* name, std::string& text);
+
 /// The members of an object in the order of its interface. Names are found without regard to case, as
 /// scripts spell them freely.
 class MemberTable {

@@ -103,8 +103,8 @@ void Lifecycle::registerWithHost(const base::ObjectRef& self) {
   fields_.LinkText = "PlayList Editor";
   fields_.Page_Title = "Vantorix Media Player";
   in_.host.RegisterLink(self);
-  in_.neighbours.web.loadSetupForm();
-  in_.neighbours.web.loadEditorForm();
+  in_.web.loadSetupForm();
+  in_.web.loadEditorForm();
   in_.host.WriteLog("Startup", "Media Player foreground initialization completed");
   StartInitialization_->enabled(true);
 }

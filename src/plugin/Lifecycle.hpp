@@ -42,6 +42,7 @@ struct LifecycleParts {
   player::TriggerSink& triggers;
   automation::Devices& devices;
   LibraryCalls& library;
+  WebForms& web;
   Neighbours neighbours;
 };
 

@@ -73,7 +73,6 @@ class ObjectFactory : public Neighbour {
 struct Neighbours {
   MediaEvents& mediaEvents;
   Desktop& desktop;
-  WebForms& web;
   ObjectFactory& objects;
 };
 

@@ -24,11 +24,15 @@ Plugin::Plugin(const PluginGround& ground)
       playState(ground.loop, form, mediaStatus, triggers, host, loggers, state),
       form(ground.makePlayer, playerEvents),
       devices(host, settings, loggers, state, ground.platform),
+      setupForm(std::make_shared<pages::WebSetupForm>(
+          pages::SetupParts{host, settings, state, calls, ground.neighbours.desktop})),
+      editorForm({catalogue, nameXref, form, stale, host, loggers, *setupForm}),
+      ownPages(*setupForm, editorForm),
+      web(ground.web != nullptr ? *ground.web : ownPages),
       lifecycle({host, settings, loggers, state, ground.platform, ground.loop, form, calls, ground.popup,
-                 playState, playerEvents, stale, triggers, devices, library, ground.neighbours}),
+                 playState, playerEvents, stale, triggers, devices, library, web, ground.neighbours}),
       dispatch(calls, host, state, library, ground.neighbours.mediaEvents, ground.neighbours.desktop,
                [this] { Vxif::ConfigIO(host); }),
-      vxif_(
-          std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, ground.neighbours.web)) {}
+      vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web)) {}
 
 }  // namespace plugin

@@ -10,6 +10,7 @@
 #include "plugin/Dispatch.hpp"
 #include "plugin/Library.hpp"
 #include "plugin/Lifecycle.hpp"
+#include "plugin/Pages.hpp"
 #include "plugin/Vxif.hpp"
 #include "ui/ProgBar.hpp"
 
@@ -24,6 +25,7 @@ struct PluginGround {
   Neighbours neighbours;
   LibraryCalls* library = nullptr;          ///< in the place of the plug-in's own
   ui::ProgBarView* progressView = nullptr;  ///< none on a machine without a display
+  WebForms* web = nullptr;                  ///< in the place of the plug-in's own pages
 };
 
 /// The one owner of everything that the plug-in shares: its modules are members in the order in which they
@@ -57,6 +59,10 @@ class Plugin {
   player::PlayStateTracker playState;
   player::WMPPlayer form;  // behind all that the control may send an event to while it goes
   automation::Devices devices;
+  std::shared_ptr<pages::WebSetupForm> setupForm;  // shared with the host, which asks it for its page
+  pages::WebEditorForm editorForm;
+  Pages ownPages;
+  WebForms& web;
   Lifecycle lifecycle;
   Dispatch dispatch;
 

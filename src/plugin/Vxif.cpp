@@ -27,15 +27,6 @@ Param OptionalInOut(const char* name, Type type) {
   return param;
 }
 
-Member Field(const char* name, std::string& value) {
-  return {name,
-          MemberKind::kField,
-          {},
-          Type::kText,
-          [&value](Args&) { return Value(value); },
-          [&value](const Value& text) { value = base::ToText(text); }};
-}
-
 /// An operation that always gives the same.
 Member Constant(const char* name, std::vector<Param> params, Type result, Value value) {
   return {name, MemberKind::kOperation, std::move(params), result,
@@ -65,9 +56,9 @@ base::MemberTable Vxif::table() {
   const auto number = [](const Args& args, std::size_t i) { return base::ToInt16(args[i]); };
   return {"vxif",
           {
-              Field("Link", fields.Link),
-              Field("LinkText", fields.LinkText),
-              Field("Page_Title", fields.Page_Title),
+              base::TextField("Link", fields.Link),
+              base::TextField("LinkText", fields.LinkText),
+              base::TextField("Page_Title", fields.Page_Title),
               {"Scripting",
                MemberKind::kField,
                {},

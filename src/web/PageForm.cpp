@@ -1,6 +1,5 @@
 #include "web/PageForm.hpp"
 
-#include "base/Attempt.hpp"
 #include "base/Text.hpp"
 #include "web/Concatenate.hpp"
 #include "web/HtmlFields.hpp"
@@ -60,72 +59,56 @@ std::string PageForm::FormDropDown(const std::string& /*category: a drop list is
                                    const std::string& name, const std::string& label, std::int16_t size,
                                    const std::string& selected, const base::TextList& items,
                                    const std::string& attributes) {
-  return base::Handled(
-      [&] {
-        StringAccumulator text;
-        ConcatInit(text);
-        if (!label.empty()) ConcatAdd(text, label + "<br>");
-        ConcatAdd(text, R"(<select class="formdropdown" name=")" + name + R"(" size=")" +
-                            std::to_string(size) + "\" " + attributes + ">" + kLineEnd);
-        for (const std::string& item : items) ConcatAdd(text, Option(item, selected));
-        ConcatAdd(text, std::string("</select>") + kLineEnd);
-        return ConcatResult(text);
-      },
-      [&](const base::Failure& failure) {
-        log_(failure, "FormDropDown");
-        return std::string();
-      });
+  return Logged("FormDropDown", [&] {
+    StringAccumulator text;
+    ConcatInit(text);
+    if (!label.empty()) ConcatAdd(text, label + "<br>");
+    ConcatAdd(text, R"(<select class="formdropdown" name=")" + name + R"(" size=")" + std::to_string(size) +
+                        "\" " + attributes + ">" + kLineEnd);
+    for (const std::string& item : items) ConcatAdd(text, Option(item, selected));
+    ConcatAdd(text, std::string("</select>") + kLineEnd);
+    return ConcatResult(text);
+  });
 }
 
 std::string PageForm::HTML_Attr(const std::string& text, const std::vector<std::string>& attributes) {
-  return base::Handled(
-      [&] {
-        std::string wrapped = text;
-        for (const std::string& attribute : attributes) {
-          for (const Wrapping& wrapping : kWrappings) {
-            if (base::SameText(attribute, wrapping.word))
-              wrapped.insert(0, wrapping.before).append(wrapping.after);
-          }
-        }
-        return wrapped;
-      },
-      [&](const base::Failure& failure) {
-        log_(failure, "HTML_Attr");
-        return std::string();
-      });
+  return Logged("HTML_Attr", [&] {
+    std::string wrapped = text;
+    for (const std::string& attribute : attributes) {
+      for (const Wrapping& wrapping : kWrappings) {
+        if (base::SameText(attribute, wrapping.word))
+          wrapped.insert(0, wrapping.before).append(wrapping.after);
+      }
+    }
+    return wrapped;
+  });
 }
 
 std::string PageForm::PageHeader(const std::string& title, const std::string& page) {
-  return base::Handled(
-      [&] {
-        StringAccumulator text;
-        ConcatInit(text);
-        ConcatAdd(text, std::string(R"(<form method="post">)") + kLineEnd);
-        ConcatAdd(text, "<p><h3>" + title + "<hr noshade></h3></p>" + kLineEnd);
-        if (!Message.empty()) {
-          const bool isError = base::SameText(Message.substr(0, 5), "error");
-          ConcatAdd(text, HTML_Attr(Message, {isError ? "error" : "message"}) + "<br><br>");
-          Message.clear();
-        }
-        ConcatAdd(text, FormHidden("ref_page", link_));
-        ConcatAdd(text, FormHidden("wmp_page", page));
-        return ConcatResult(text);
-      },
-      [&](const base::Failure& failure) {
-        log_(failure, "PageHeader");
-        return std::string();
-      });
+  return Logged("PageHeader", [&] {
+    StringAccumulator text;
+    ConcatInit(text);
+    ConcatAdd(text, std::string(R"(<form method="post">)") + kLineEnd);
+    ConcatAdd(text, "<p><h3>" + title + "<hr noshade></h3></p>" + kLineEnd);
+    if (!Message.empty()) {
+      const bool isError = base::SameText(Message.substr(0, 5), "error");
+      ConcatAdd(text, HTML_Attr(Message, {isError ? "error" : "message"}) + "<br><br>");
+      Message.clear();
+    }
+    ConcatAdd(text, FormHidden("ref_page", link_));
+    ConcatAdd(text, FormHidden("wmp_page", page));
+    return ConcatResult(text);
+  });
 }
 
 void PageForm::GetFormData(const std::string& data) {
-  base::Handled(
-      [&] {
-        Args = FormSlots(data);
-        ForEachPair(data, [&](std::size_t slot, std::string_view name, std::string_view value) {
-          Args[slot] = {UrlDecode(std::string(name)), UrlDecode(std::string(value))};
-        });
-      },
-      [&](const base::Failure& failure) { log_(failure, "GetFormData"); });
+  Logged("GetFormData", [&] {
+    FormArgs read = FormSlots(data);
+    ForEachPair(data, [&](std::size_t slot, std::string_view name, std::string_view value) {
+      read[slot] = {UrlDecode(std::string(name)), UrlDecode(std::string(value))};
+    });
+    Args = std::move(read);
+  });
 }
 
 std::string PageForm::UrlDecode(const std::string& text) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Attempt.hpp"
 #include "base/Collection.hpp"
 #include "base/Failure.hpp"
 #include "plugin/Loggers.hpp"
@@ -40,10 +41,22 @@ class PageForm {
   std::string HTML_Attr(const std::string& text, const std::vector<std::string>& attributes);
   /// The beginning of a page, up to and with the hidden fields of a form that stays open.
   std::string PageHeader(const std::string& title, const std::string& page);
-  /// Makes `Args` anew from the body of a post.
+  /// Makes `Args` anew from the body of a post, once the whole body is read: a line in the log may let
+  /// another post in meanwhile.
   void GetFormData(const std::string& data);
   /// The decoded text; a text that can't be decoded as it came.
   std::string UrlDecode(const std::string& text);
+
+  /// Runs an operation of the page. A failure ends it with a line in the log under the operation's name, and
+  /// the answer is the empty one of its type.
+  template <class Operation>
+  auto Logged(const char* procedure, Operation&& operation) {
+    using Answer = decltype(operation());
+    return base::Handled(std::forward<Operation>(operation), [&](const base::Failure& failure) {
+      log_(failure, procedure);
+      return Answer();
+    });
+  }
 
  private:
   std::string link_;

@@ -124,7 +124,10 @@ class House : public ::testing::Test {
       "<img align=absmiddle src=\"images\\Media Player\\WMP_Icon.gif\"  width=\"16\" height=\"16\" "
       "border=\"0\" >";
 
-  House() : host(std::make_shared<FakeHost>(journal)) {
+  /// Whose pages the plug-in shows.
+  enum class Pages { kFakes, kOwn };
+
+  explicit House(Pages pages = Pages::kFakes) : pages_(pages), host(std::make_shared<FakeHost>(journal)) {
     // The host hands out itself as its second object; the test breaks the circle at its end.
     host->self = host;
   }
@@ -165,6 +168,7 @@ class House : public ::testing::Test {
                        "\", True)");
   }
 
+  const Pages pages_;
   Journal journal;
   VirtualLoop loop;
   std::shared_ptr<FakeHost> host;
@@ -185,8 +189,10 @@ class House : public ::testing::Test {
                            return made;
                          },
                          popup,
-                         {neighbours, neighbours, neighbours, neighbours},
-                         &neighbours}};
+                         {neighbours, neighbours, neighbours},
+                         &neighbours,
+                         nullptr,
+                         pages_ == Pages::kFakes ? &neighbours : nullptr}};
 };
 
 }  // namespace support

@@ -25,7 +25,7 @@ class FakeProgress : public catalogue::Progress {
 /// A plug-in with a library in its player, and a catalogue of its own whose progress is recorded.
 class LibraryHouse : public House {
  protected:
-  LibraryHouse() {
+  explicit LibraryHouse(Pages pages = Pages::kFakes) : House(pages) {
     preparePlayer = [this](FakePlayer& player) { library.into(player); };
   }
   void SetUp() override {

@@ -1,0 +1,141 @@
+#include "base/Text.hpp"
+#include "pages/WebEditorForm.hpp"
+#include "web/UtilityModule.hpp"
+
+// What the editor's buttons change. An operation's message is shown by the page that it ends in. A failure
+// that the player raises leaves the operation and its page; the words "Unable to" are for one that it tells
+// of without raising it.
+namespace pages {
+
+using catalogue::kDone;
+using catalogue::kPlayListCategory;
+
+namespace {
+
+std::string Quoted(const std::string& name) { return "'" + name + "'"; }
+
+}  // namespace
+
+std::string WebEditorForm::operation(const char* name, const std::function<std::string()>& change,
+                                     std::string (WebEditorForm::*page)()) {
+  return page_.Logged(name, [&] {
+    const std::string said = change();
+    if (!said.empty()) page_.Message = said;
+    return (this->*page)();
+  });
+}
+
+std::string WebEditorForm::AddTitleToPlayList() {
+  return operation(
+      "AddTitleToPlayList",
+      [&]() -> std::string {
+        const std::string edited = fields_.PlayList;
+        if (fields_.Title.empty()) return "Error: A title must be selected before adding!";
+        player::PlaylistRef target;
+        if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, target) != kDone)
+          return "Error: PlayList " + Quoted(edited) + " does not exist";
+        player::PlaylistRef source;
+        std::int32_t status = catalogue::kNotFound;
+        for (const EditorSource& each : EditorSources())
+          if (fields_.Add_from == each.category) status = sourceItems(each, source);
+        if (status != kDone) return "Error: The " + Quoted(fields_.Add_from) + " cannot be found";
+        // The title is replaced by the library's own, and so stands in the message.
+        player::MediaRef item;
+        if (in_.catalogue.GetMediaItem(fields_.Title, source, item) != kDone)
+          return "Error: " + Quoted(fields_.Title) + " cannot be found in the Media Library";
+        target->appendItem(item);
+        const std::string what = Quoted(fields_.Title) + " to PlayList: " + Quoted(edited);
+        return in_.told() ? "Error: Unable to add: " + what : "Added: " + what;
+      },
+      &WebEditorForm::BuildAddPage);
+}
+
+std::string WebEditorForm::NewWebPlayList() {
+  return operation(
+      "NewWebPlayList",
+      [&]() -> std::string {
+        std::string& wanted = fields_.New_PlayList;
+        wanted = base::TrimBlanks(wanted);
+        // The cross-reference knows the name as typed, the player gets the filtered one.
+        std::string key;
+        in_.xref.AddNameXref(kPlayListCategory, wanted, key);
+        web::FilterString(wanted, "HTML", " ");
+        if (wanted.empty()) return "Error: The new PlayList name must be entered!";
+        player::PlaylistRef list;
+        if (in_.catalogue.CreatePlayList(wanted, list) != kDone)
+          return "Error: Unable to add PlayList: " + Quoted(wanted);
+        fields_.PlayList = wanted;
+        wanted.clear();
+        return "Added new PlayList: " + Quoted(fields_.PlayList);
+      },
+      &WebEditorForm::BuildMainPage);
+}
+
+std::string WebEditorForm::RenamePlayList() {
+  return operation(
+      "RenamePlayList",
+      [&]() -> std::string {
+        fields_.Renamed_PlayList = base::TrimBlanks(fields_.Renamed_PlayList);
+        const std::string wanted = fields_.Renamed_PlayList;
+        const std::string edited = fields_.PlayList;
+        if (wanted.empty()) return "Error: A new PlayList name must be entered!";
+        player::PlaylistRef list;
+        if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, list) != kDone)
+          return "Error: Unable to rename PlayList: " + Quoted(edited) + ", PlayList does not exist!";
+        list->name(wanted);
+        if (const auto failure = in_.told())
+          return "Error: Unable to rename PlayList " + Quoted(edited) + ", " + failure->description();
+        std::string key;
+        in_.xref.RemoveNameXref(kPlayListCategory, edited);
+        in_.xref.AddNameXref(kPlayListCategory, wanted, key);
+        fields_.PlayList = wanted;
+        fields_.Renamed_PlayList.clear();
+        return "PlayList " + Quoted(edited) + " Renamed to: " + Quoted(wanted);
+      },
+      &WebEditorForm::BuildMainPage);
+}
+
+std::string WebEditorForm::DeletePlayList() {
+  return operation(
+      "DeletePlayList",
+      [&]() -> std::string {
+        const std::string edited = fields_.PlayList;
+        if (edited.empty()) return {};
+        player::PlaylistRef list;
+        if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, list) != kDone)
+          return "Error: Unable to delete Playlist: " + Quoted(edited) + ", PlayList does not exist!";
+        in_.stale.PlayListsStale = true;
+        in_.form.wmp9().playlistCollection().remove(list);
+        if (const auto failure = in_.told())
+          return "Error: Unable to delete Playlist: " + Quoted(edited) + ", " + failure->description();
+        in_.xref.RemoveNameXref(kPlayListCategory, edited);
+        // The page behind it selects the first list.
+        fields_.PlayList.clear();
+        return "Deleted PlayList: " + Quoted(edited);
+      },
+      &WebEditorForm::BuildMainPage);
+}
+
+std::string WebEditorForm::DeleteFromPlayList() {
+  return operation(
+      "DeleteFromPlayList",
+      [&]() -> std::string {
+        const std::string edited = fields_.PlayList;
+        std::string& wanted = fields_.PlayListItems;
+        if (wanted.empty()) return "Error: An item to be deleted must be selected!";
+        player::PlaylistRef list;
+        if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, list) != kDone)
+          return "Error: Unable to delete, PlayList: " + Quoted(edited) + " does not exist";
+        player::MediaRef item;
+        if (in_.catalogue.GetMediaItem(wanted, list, item) != kDone)
+          return "Error: " + Quoted(wanted) + " does not exist in PlayList: " + Quoted(edited);
+        list->removeItem(item);
+        const std::string what = Quoted(wanted) + ", from PlayList: " + Quoted(edited);
+        if (in_.told()) return "Error: Unable to delete: " + what;
+        wanted.clear();
+        return "Deleted: " + what;
+      },
+      &WebEditorForm::BuildMainPage);
+}
+
+}  // namespace pages

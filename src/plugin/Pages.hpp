@@ -1,0 +1,24 @@
+#pragma once
+#include <string>
+
+#include "pages/WebEditorForm.hpp"
+#include "plugin/Neighbours.hpp"
+
+namespace plugin {
+
+/// The plug-in's pages as their two forms answer. Guests are turned away before they come here.
+class Pages : public WebForms {
+ public:
+  Pages(pages::WebSetupForm& setup, pages::WebEditorForm& editor) : setup_(setup), editor_(editor) {}
+
+  // Loading the editor does nothing: its link is that of the plug-in's own object.
+  void loadSetupForm() override { setup_.Form_Load(); }
+  std::string GenPage(const std::string& link) override { return editor_.GenPage(link); }
+  std::string PagePut(const std::string& data) override { return editor_.MyPagePut(data); }
+
+ private:
+  pages::WebSetupForm& setup_;
+  pages::WebEditorForm& editor_;
+};
+
+}  // namespace plugin

@@ -1,0 +1,127 @@
+#include <optional>
+
+#include "support/PagesHouse.hpp"
+
+using support::PagesHouse;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+namespace {
+
+/// An editor of its own, whose player may tell of failures without raising them.
+class EditorFailures : public PagesHouse {
+ protected:
+  void SetUp() override {
+    PagesHouse::SetUp();
+    item = library.addTrack("River", "Joni", "Blue", "Folk");
+    mine = library.addPlaylist("Mine", {item});
+    journal.clear();
+  }
+  std::string put(const support::Fields& fields) { return editor.MyPagePut(support::Body(fields)); }
+  [[nodiscard]] std::vector<std::string> log() const { return journal.with("WriteLog"); }
+  static std::string Line(const std::string& procedure, const std::string& outcome) {
+    return "WriteLog(\"Error\", \"Media Player Could not complete procedure WebModule/" + procedure +
+           " Error # " + outcome + "\")";
+  }
+
+  support::FakeMediaRef item;
+  support::FakePlaylistRef mine;
+  std::optional<base::Failure> told;
+  pages::WebEditorForm editor{{plugin.catalogue, plugin.nameXref, plugin.form, plugin.stale, plugin.host,
+                               plugin.loggers, *plugin.setupForm, [this] { return told; }}};
+
+  const support::Fields addTitle{{"wmp_page", "Add_Page"}, {"button", "Add Item"}, {"PlayList", "Mine"},
+                                 {"Add_from", "Album"},    {"Albums", "Blue"},     {"Title", "River"}};
+  const support::Fields rename{
+      {"wmp_page", "Main_Page"}, {"button", "Rename"}, {"PlayList", "Mine"}, {"Renamed_PlayList", "Yours"}};
+  const support::Fields deleteList{
+      {"wmp_page", "Main_Page"}, {"button", "Delete List"}, {"PlayList", "Mine"}};
+  const support::Fields deleteItem{
+      {"wmp_page", "Main_Page"}, {"button", "Delete Item"}, {"PlayList", "Mine"}, {"PlayListItems", "River"}};
+};
+
+constexpr const char* kRed = "<SPAN style=\"color: red; font-weight: bold\">";
+
+}  // namespace
+
+TEST_F(EditorFailures, ThatThePlayerRaisesLeaveTheOperationAndItsPage) {
+  mine->refuses = true;
+  EXPECT_EQ(put(addTitle), "");
+  EXPECT_EQ(put(rename), "");
+  EXPECT_EQ(put(deleteItem), "");
+  EXPECT_THAT(log(), ElementsAre(Line("AddTitleToPlayList", "70: Permission denied"),
+                                 Line("RenamePlayList", "70: Permission denied"),
+                                 Line("DeleteFromPlayList", "70: Permission denied")));
+  EXPECT_EQ(editor.fields().PlayList, "Mine");
+  EXPECT_EQ(editor.fields().Renamed_PlayList, "Yours");
+  EXPECT_EQ(editor.fields().PlayListItems, "River");
+  // Nothing was said: the next page has no message.
+  EXPECT_EQ(editor.GenPage("").find("SPAN"), std::string::npos);
+}
+
+TEST_F(EditorFailures, OfARemovalLeaveTheListsMarkedForReading) {
+  library.failing = {"remove"};
+  EXPECT_EQ(put(deleteList), "");
+  EXPECT_THAT(log(), ElementsAre(Line("DeletePlayList", "57: Input or output failed")));
+  EXPECT_TRUE(plugin.stale.PlayListsStale);
+  EXPECT_EQ(library.playlists.size(), 1U);
+}
+
+TEST_F(EditorFailures, ThatThePlayerOnlyTellsOfAreSaidOnThePage) {
+  told = base::Failure(base::number::kNameInUse);
+  EXPECT_THAT(put(addTitle),
+              HasSubstr(std::string(kRed) + "Error: Unable to add: 'River' to PlayList: 'Mine'</SPAN>"));
+  EXPECT_THAT(put(deleteItem), HasSubstr(std::string(kRed) +
+                                         "Error: Unable to delete: 'River', from PlayList: 'Mine'</SPAN>"));
+  EXPECT_EQ(editor.fields().PlayListItems, "River");
+  told = base::Failure(base::number::kPermissionDenied, "Not yours");
+  mine->title = "Mine";
+  EXPECT_THAT(put(rename), HasSubstr(std::string(kRed) + "Error: PlayList 'Mine' does not exist</SPAN>"))
+      << "the page behind it has the last word: this player has renamed after all";
+  EXPECT_EQ(editor.fields().Renamed_PlayList, "Yours");
+}
+
+TEST_F(EditorFailures, OfARenamingAndARemovalAreSaidWithTheirDescription) {
+  told = base::Failure(base::number::kPermissionDenied, "Not yours");
+  library.addPlaylist("Mine");  // another of that name, so that the page behind finds one
+  EXPECT_THAT(put(rename),
+              HasSubstr(std::string(kRed) + "Error: Unable to rename PlayList 'Mine', Not yours</SPAN>"));
+  library.addPlaylist("Mine");
+  EXPECT_THAT(put(deleteList),
+              HasSubstr(std::string(kRed) + "Error: Unable to delete Playlist: 'Mine', Not yours</SPAN>"));
+  EXPECT_EQ(editor.fields().PlayList, "Mine");
+  EXPECT_EQ(plugin.nameXref.LookupNameXref("PlayList", "Yours"), "Yours");
+}
+
+TEST_F(EditorFailures, AGoneListIsNamedInTheWordsOfItsOperation) {
+  // The list comes back between the operation and its page.
+  const auto returning = [&](const support::Fields& fields) {
+    library.playlists.clear();
+    host->answers["WaitEvents"] = [&](base::Args&) {
+      if (library.playlists.size() == 1) library.addPlaylist("Mine");
+      return base::Value();
+    };
+    library.addPlaylist("Another");
+    plugin.stale.PlayListsStale = true;
+    return put(fields);
+  };
+  EXPECT_THAT(returning(rename),
+              HasSubstr("Error: Unable to rename PlayList: 'Mine', PlayList does not exist!</SPAN>"));
+  EXPECT_THAT(returning(deleteList),
+              HasSubstr("Error: Unable to delete Playlist: 'Mine', PlayList does not exist!</SPAN>"));
+  EXPECT_THAT(returning(deleteItem),
+              HasSubstr("Error: Unable to delete, PlayList: 'Mine' does not exist</SPAN>"));
+}
+
+TEST_F(EditorFailures, ALogThatFailsCostsOnlyItsLine) {
+  mine->refuses = true;
+  host->failing = {"WriteLog"};
+  EXPECT_EQ(put(deleteItem), "");
+  EXPECT_EQ(put({{"wmp_page", "Main_Page"}, {"Nonsense", "1"}}), "");
+}
+
+TEST_F(EditorFailures, WithoutAPlayerTheWordsAreThoseOfMissingLists) {
+  wmp9->playlistLibrary = nullptr;
+  EXPECT_THAT(put(deleteList), HasSubstr("Error: PlayList 'Mine' does not exist</SPAN>"));
+  EXPECT_THAT(editor.GenPage(""), HasSubstr("Error: PlayList '' does not exist</SPAN>"));
+}
