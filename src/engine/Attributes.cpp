@@ -137,10 +137,11 @@ std::string ClockText(double seconds) {
 
 std::string SourceUrl(const std::string& path) {
   if (base::IsPlainUtf8(path)) return path;
-  std::string url = "file://";
+  const bool address = IsAddress(path);  // which keeps what it has escaped itself
+  std::string url = address ? "" : "file://";
   for (const char character : path) {
     const auto byte = static_cast<unsigned char>(character);
-    if (byte > 0x20 && byte < 0x7F && character != '%') {
+    if (byte > 0x20 && byte < 0x7F && (address || character != '%')) {
       url += character;
     } else {
       std::array<char, 4> code{};
@@ -152,6 +153,8 @@ std::string SourceUrl(const std::string& path) {
 }
 
 std::string PathOf(const std::string& url) {
+  if (url.empty() || (url.front() != 'f' && url.front() != 'F'))
+    return url;  // asked for every item of a list
   if (base::LowerCase(url.substr(0, 7)) != "file://") return url;
   const auto slash = url.find('/', 7);
   return slash != std::string::npos ? Unescaped(std::string_view(url).substr(slash)) : std::string();

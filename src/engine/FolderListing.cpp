@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "base/Failure.hpp"
+#include "engine/Stamp.hpp"
 #include "engine/TagReader.hpp"
 
 namespace engine {
@@ -22,14 +23,6 @@ struct DirectoryCloser {
   const bool missing = error == ENOENT || error == ENOTDIR;
   throw base::Failure(missing ? base::number::kPathNotFound : base::number::kPermissionDenied,
                       SafeName(path) + ": " + std::strerror(error));
-}
-
-FileStamp Stamp(const struct stat& info) {
-  FileStamp stamp;
-  stamp.modified = static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
-  stamp.size = info.st_size;
-  stamp.inode = info.st_ino;
-  return stamp;
 }
 
 }  // namespace
@@ -70,7 +63,7 @@ FolderListing ListFolder(const std::string& path) {
     if (S_ISDIR(info.st_mode)) {
       listing.folders.push_back({std::move(full), {info.st_dev, info.st_ino}});
     } else if (media && S_ISREG(info.st_mode)) {
-      listing.files.push_back({std::move(full), Stamp(info)});
+      listing.files.push_back({std::move(full), StampFrom(info)});
     }
   }
   const auto byPath = [](const auto& left, const auto& right) { return left.path < right.path; };

@@ -6,6 +6,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/Lists.hpp"
+#include "engine/Stamp.hpp"
 #include "engine/TagReader.hpp"
 
 namespace engine {

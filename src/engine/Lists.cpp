@@ -17,7 +17,7 @@ void CheckMedia(const player::MediaRef& media) {
 
 }  // namespace
 
-void ListPlaylist::check(std::int32_t index, std::size_t limit) const { CheckIndex(index, limit); }
+void ListPlaylist::check(std::int32_t index, std::size_t limit) { CheckIndex(index, limit); }
 
 std::int32_t ListPlaylist::count() const { return static_cast<std::int32_t>(size()); }
 
@@ -39,20 +39,19 @@ std::vector<player::MediaRef>& ListPlaylist::own() {
   return *items_;
 }
 
-void ListPlaylist::appendItem(const player::MediaRef& media) {
-  CheckMedia(media);
-  own().push_back(media);
-}
+void ListPlaylist::appendItem(const player::MediaRef& media) { ListPlaylist::insertItem(count(), media); }
 
 void ListPlaylist::insertItem(std::int32_t index, const player::MediaRef& media) {
   CheckMedia(media);
   check(index, size() + 1);
-  own().insert(own().begin() + index, media);
+  // Each place has an object of its own, so that one of two equal items can be told from the other.
+  const auto* known = dynamic_cast<const EngineMedia*>(media.get());
+  own().insert(own().begin() + index, known != nullptr ? known->copy() : media);
 }
 
-void ListPlaylist::removeItem(const player::MediaRef& media) {
+std::size_t ListPlaylist::placeOf(const player::MediaRef& media) {
   CheckMedia(media);
-  auto& items = own();
+  const auto& items = own();
   auto found = std::find(items.begin(), items.end(), media);
   if (found == items.end()) {
     const std::string source = media->sourceURL();
@@ -61,7 +60,12 @@ void ListPlaylist::removeItem(const player::MediaRef& media) {
   }
   if (found == items.end())
     throw base::Failure(base::number::kInvalidArgument, "The item is not in the playlist");
-  items.erase(found);
+  return static_cast<std::size_t>(found - items.begin());
+}
+
+void ListPlaylist::removeItem(const player::MediaRef& media) {
+  const std::size_t place = placeOf(media);
+  own().erase(own().begin() + static_cast<std::ptrdiff_t>(place));
 }
 
 void ListPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {

@@ -24,18 +24,20 @@ class ListPlaylist : public player::Playlist {
   [[nodiscard]] player::MediaRef item(std::int32_t index) const override;
   void appendItem(const player::MediaRef& media) override;
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
-  /// The first item with the same source.
+  /// This very item, or else the first one with the same source.
   void removeItem(const player::MediaRef& media) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
 
  protected:
   /// The items as a list of its own.
   std::vector<player::MediaRef>& own();
+  /// Where the item stands that `removeItem` would remove.
+  std::size_t placeOf(const player::MediaRef& media);
+  [[nodiscard]] std::size_t size() const { return items_ ? items_->size() : tracks_->size(); }
+  /// Throws 9 unless the index is below the limit.
+  static void check(std::int32_t index, std::size_t limit);
 
  private:
-  [[nodiscard]] std::size_t size() const { return items_ ? items_->size() : tracks_->size(); }
-  void check(std::int32_t index, std::size_t limit) const;
-
   std::string name_;
   ShelfRef shelf_;
   TrackList tracks_;

@@ -1,26 +1,71 @@
 #pragma once
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace engine {
 
-/// A playlist file's content.
-struct M3u {
-  struct Entry {
-    std::string location;  ///< a path or an address
-    std::string title;     ///< "Artist - Title", empty if unknown
-    int seconds = -1;      ///< -1 if unknown
-  };
-  std::string name;  ///< empty if the file does not tell
-  std::vector<Entry> entries;
+/// An item as a playlist file tells it.
+struct M3uItem {
+  std::string location;  ///< a path or an address
+  std::string title;     ///< "Artist - Title", empty if unknown
+  int seconds = -1;      ///< -1 if unknown
 };
 
-/// Reads a playlist's text. `folder` is what relative paths start from.
-M3u ParseM3u(const std::string& text, const std::string& folder);
-std::string FormatM3u(const M3u& list);
+/// A playlist file's text. It is edited by lines, and what an edit does not concern stays as it stands:
+/// remarks, tags of other programs, line ends, an older encoding. The lines before an item are its own and go
+/// where it goes; those before the first item's tags belong to the list.
+class M3uText {
+ public:
+  /// No line that is longer, or holds a code 0, is read; it is kept.
+  static constexpr std::size_t kLongestLine = 65536;
+
+  explicit M3uText(std::string text = {});
+
+  /// Empty if the file does not tell.
+  [[nodiscard]] std::string name() const;
+  /// Throws 5 for a name that is longer than a line may be.
+  void name(const std::string& value);
+
+  [[nodiscard]] std::size_t count() const { return items_.size(); }
+  /// `folder` is what relative paths start from.
+  [[nodiscard]] M3uItem item(std::size_t index, const std::string& folder) const;
+  /// Throws 5 for a location that is longer than a line may be.
+  void insert(std::size_t index, const M3uItem& item);
+  void remove(std::size_t index);
+  void move(std::size_t from, std::size_t to);
+
+  /// The text as it is to be written.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  struct Piece {
+    std::size_t begin = 0;
+    std::size_t size = 0;
+  };
+
+  [[nodiscard]] std::string_view of(const Piece& piece) const {
+    return std::string_view(text_).substr(piece.begin, piece.size);
+  }
+  void readHead(std::string_view head);
+  void add(std::string& text, std::string_view piece) const;
+
+  std::string text_;  ///< what the pieces lie in, those that came later at its end
+  std::string lineEnd_ = "\n";
+  std::string mark_;       ///< the byte order mark, if there is one
+  std::string header_;     ///< the line "#EXTM3U"
+  std::string nameLines_;  ///< the lines that tell the name
+  std::string head_;       ///< other lines of the list
+  std::vector<Piece> items_;
+  Piece tail_;  ///< the lines behind the last item
+};
+
+/// Text of a file: as it is if it is well-formed UTF-8, otherwise read as Latin-1.
+std::string TextOf(std::string_view bytes);
 
 /// A playlist's name as a file name without ending: characters that no file name should hold are written as
-/// a percent sign and two hexadecimal digits.
+/// a percent sign and two hexadecimal digits. `name` is not empty.
 std::string EscapeFileName(const std::string& name);
 std::string UnescapeFileName(const std::string& fileName);
 

@@ -26,6 +26,8 @@ class EngineMedia : public player::Media {
  public:
   /// What the decoder opens: a path or an address.
   [[nodiscard]] virtual std::string location() const = 0;
+  /// The same media as an object of its own.
+  [[nodiscard]] virtual std::shared_ptr<EngineMedia> copy() const = 0;
   [[nodiscard]] std::string durationString() const override { return ClockText(duration()); }
   [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
 };
@@ -36,6 +38,9 @@ class TrackMedia : public EngineMedia {
   TrackMedia(ShelfRef shelf, TrackId id) : shelf_(std::move(shelf)), id_(id) {}
 
   [[nodiscard]] TrackId id() const { return id_; }
+  [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
+    return std::make_shared<TrackMedia>(shelf_, id_);
+  }
   [[nodiscard]] std::string location() const override { return shelf_->table.path(id_); }
   [[nodiscard]] std::string name() const override;
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location()); }
@@ -60,6 +65,9 @@ class LooseMedia : public EngineMedia {
   }
 
   [[nodiscard]] std::string location() const override { return location_; }
+  [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
+    return std::make_shared<LooseMedia>(location_, tags_);
+  }
   [[nodiscard]] std::string name() const override { return tags_.title; }
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location_); }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;

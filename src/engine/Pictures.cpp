@@ -18,6 +18,7 @@
 #include <functional>
 
 #include "base/Failure.hpp"
+#include "engine/Stamp.hpp"
 #include "engine/TagReader.hpp"
 #include "engine/WriteFile.hpp"
 

@@ -13,7 +13,7 @@ using player::PlayState;
 
 constexpr double kScanSpeed = 5.0;
 constexpr base::Milliseconds kReverseStep{250};
-constexpr int kMostFailures = 10;
+constexpr int kToldOneByOne = 100;  // failures in a row, as many as the list of errors holds
 
 }  // namespace
 
@@ -41,7 +41,7 @@ void Playback::assign(const player::PlaylistRef& playlist) {
   entry_ = nextEntry_ = 0;
   putOff_.clear();
   startAt_ = 0;
-  failures_ = 0;
+  forgetFailures();
   queue_.assign(playlist);
   tell(queue_.current() ? player::kReady : player::kUndefined);
 }
@@ -59,6 +59,7 @@ void Playback::refresh(const player::PlaylistRef& playlist) {
 }
 
 void Playback::listChanged() {
+  tried_ = 0;
   queue_.changed();
   if (running() || state_ == player::kPaused || state_ == player::kBuffering) prepareNext();
 }
@@ -80,7 +81,7 @@ void Playback::play() {
     case player::kReady:
     case player::kMediaEnded:
       if (!queue_.current()) break;
-      failures_ = 0;
+      forgetFailures();
       begin();
       break;
     default: break;  // under way already
@@ -108,6 +109,7 @@ void Playback::stop() {
   entry_ = nextEntry_ = 0;
   putOff_.clear();
   startAt_ = 0;
+  tellUntold();
   output_.stop();
   tell(player::kStopped);
 }
@@ -117,7 +119,7 @@ void Playback::moveOn(std::optional<int> index) {
   const bool wasActive = active();
   endScan();
   startAt_ = 0;
-  failures_ = 0;
+  forgetFailures();
   queue_.moveTo(*index);
   if (wasActive) {
     begin();
@@ -240,6 +242,7 @@ void Playback::started(EntryId entry) {
     return;
   }
   if (entry != entry_ || entry == 0) return;
+  tellUntold();
   if (startAt_ > 0) output_.seek(startAt_);
   startAt_ = 0;
   prepareNext();
@@ -254,7 +257,7 @@ void Playback::ended(EntryId entry) {
   }
   if (entry != entry_ || entry == 0) return;
   endScan();
-  failures_ = 0;  // only here: some broken files start well
+  forgetFailures();  // not at its start: some broken files start well
   tell(player::kMediaEnded);
   if (entry != entry_) return;  // whoever was told has chosen something else
   if (nextEntry_ != 0) {
@@ -282,12 +285,11 @@ void Playback::failed(EntryId entry, const std::string& reason) {
   if (entry != entry_ || entry == 0) return;
   endScan();
   nextEntry_ = 0;
-  ++failures_;
-  errors_.add(kCannotPlay, queue_.current()->sourceURL() + ": " + reason);
-  events_.error();
+  noteFailure(*queue_.current(), reason);
   const auto index = queue_.following(queue_.loop());
-  if (!index || failures_ >= std::min(queue_.count(), kMostFailures)) {
+  if (!index || nothingCanBePlayed()) {
     entry_ = 0;
+    tellUntold();
     output_.stop();
     if (!index) queue_.rewind();
     tell(player::kStopped);
@@ -295,6 +297,39 @@ void Playback::failed(EntryId entry, const std::string& reason) {
   }
   queue_.moveTo(*index);
   begin();
+}
+
+void Playback::noteFailure(const player::Media& media, const std::string& reason) {
+  failed_.insert(LocationOf(media));
+  std::string text = media.sourceURL() + ": " + reason;
+  if (++failures_ <= kToldOneByOne) {
+    errors_.add(kCannotPlay, std::move(text));
+    events_.error();
+  } else {
+    lastUntold_ = std::move(text);
+    ++untold_;
+  }
+}
+
+void Playback::tellUntold() {
+  if (untold_ == 0) return;
+  errors_.add(kCannotPlay, std::to_string(untold_) + " more can't be played, the last one: " + lastUntold_);
+  untold_ = 0;
+  events_.error();
+}
+
+void Playback::forgetFailures() {
+  tellUntold();
+  failures_ = tried_ = 0;
+  failed_.clear();
+}
+
+bool Playback::nothingCanBePlayed() {
+  const int count = queue_.count();
+  if (failures_ < count) return false;
+  // A round that was begun in its middle, or shuffled anew, may not have come to every item yet.
+  while (tried_ < count && failed_.contains(LocationOf(*queue_.playlist()->item(tried_)))) ++tried_;
+  return tried_ >= count;
 }
 
 void Playback::stalled(bool value) {

@@ -2,6 +2,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "base/Loop.hpp"
@@ -70,6 +71,13 @@ class Playback : public OutputEvents {
   [[nodiscard]] bool active() const;
   /// Playing or scanning.
   [[nodiscard]] bool running() const;
+  /// Failures are told one by one; of very many in a row the rest is told as one.
+  void noteFailure(const player::Media& media, const std::string& reason);
+  void tellUntold();
+  /// From now on they count anew.
+  void forgetFailures();
+  /// True when every item of the list has failed since something was played.
+  [[nodiscard]] bool nothingCanBePlayed();
 
   Output& output_;
   ErrorList& errors_;
@@ -85,7 +93,11 @@ class Playback : public OutputEvents {
   std::string nextLocation_;
   std::vector<std::function<void()>> putOff_;  ///< ends and starts that wait for a pause to end
   double startAt_ = 0;
-  int failures_ = 0;
+  int failures_ = 0;                        ///< in a row
+  std::unordered_set<std::string> failed_;  ///< the locations they were at
+  int tried_ = 0;                           ///< so many items at the list's beginning are among them
+  int untold_ = 0;
+  std::string lastUntold_;
 };
 
 /// What a state is called.

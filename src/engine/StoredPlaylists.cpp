@@ -1,271 +1,305 @@
 #include "engine/StoredPlaylists.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
 
+#include "base/Attempt.hpp"
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
-#include "engine/M3u.hpp"
+#include "engine/FileError.hpp"
+#include "engine/ReadFile.hpp"
+#include "engine/Stamp.hpp"
 #include "engine/TagReader.hpp"
-#include "engine/WriteFile.hpp"
 
 namespace engine {
-
-/// A playlist with a file behind it. Once it has been removed it is a list like any other.
-class StoredPlaylist : public ListPlaylist {
- public:
-  StoredPlaylist(StoredPlaylists& owner, std::string path, std::string name,
-                 std::vector<player::MediaRef> items)
-      : ListPlaylist(std::move(name), std::move(items)), owner_(&owner), path_(std::move(path)) {}
-
-  using ListPlaylist::name;
-  void name(const std::string& value) override {
-    if (owner_ != nullptr) {
-      owner_->catchUp(*this);
-      owner_->rename(*this, value);
-    }
-    ListPlaylist::name(value);
-    if (owner_ != nullptr) owner_->tellChanged();
-  }
-  void appendItem(const player::MediaRef& media) override {
-    change([&] { ListPlaylist::appendItem(media); });
-  }
-  void insertItem(std::int32_t index, const player::MediaRef& media) override {
-    change([&] { ListPlaylist::insertItem(index, media); });
-  }
-  void removeItem(const player::MediaRef& media) override {
-    change([&] { ListPlaylist::removeItem(media); });
-  }
-  void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override {
-    change([&] { ListPlaylist::moveItem(oldIndex, newIndex); });
-  }
-
-  [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] const FileStamp& stamp() const { return stamp_; }
-  void stamp(const FileStamp& value) { stamp_ = value; }
-  void moved(std::string path) { path_ = std::move(path); }
-  void disown() { owner_ = nullptr; }
-  void adopt(const Library& library) {
-    for (player::MediaRef& item : own()) {
-      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) continue;
-      auto known = library.mediaAt(LocationOf(*item));
-      if (dynamic_cast<const TrackMedia*>(known.get()) != nullptr) item = std::move(known);
-    }
-  }
-  /// Takes what the file says now. True when the name has changed.
-  bool take(const std::string& name, std::vector<player::MediaRef> items) {
-    own() = std::move(items);
-    const bool renamed = name != ListPlaylist::name();
-    ListPlaylist::name(name);
-    return renamed;
-  }
-
- private:
-  /// Changes the items, and the file with them or neither.
-  template <class Change>
-  void change(Change&& apply) {
-    if (owner_ != nullptr) owner_->catchUp(*this);
-    const std::vector<player::MediaRef> before = own();
-    std::forward<Change>(apply)();
-    if (owner_ == nullptr) return;
-    try {
-      owner_->write(*this);
-    } catch (const base::Failure&) {
-      own() = before;
-      throw;
-    }
-    owner_->events_.content();
-  }
-
-  StoredPlaylists* owner_;
-  std::string path_;
-  FileStamp stamp_;
-};
-
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr base::Milliseconds kLookInterval{2000};
+constexpr std::int64_t kLargest = 64LL << 20;  // of a file; half a million items
+constexpr std::size_t kLongestStem = 180;      // bytes of a file's name
 
 bool IsPlaylistFile(const fs::path& path) {
   const std::string ending = base::LowerCase(path.extension().string());
-  return ending == ".m3u8" || ending == ".m3u";
+  return path.filename().native().front() != '.' && (ending == ".m3u8" || ending == ".m3u");
 }
 
-std::vector<std::string> PlaylistFiles(const std::string& folder) {
-  std::vector<std::string> paths;
+void CheckName(const std::string& name) {
+  if (name.empty()) throw base::Failure(base::number::kInvalidArgument, "A playlist needs a name");
+  if (!base::IsPlainUtf8(name)) throw base::Failure(base::number::kInvalidArgument, "The name is no text");
+}
+
+std::string NameOf(const M3uText& text, const std::string& path) {
+  const std::string name = text.name();
+  return !name.empty() ? name : TextOf(UnescapeFileName(fs::path(path).stem().string()));
+}
+
+/// Where the item lies: a list in an older encoding may mean a file whose name is UTF-8.
+std::string PlaceOf(const std::string& location) {
+  if (IsAddress(location) || base::IsPlainUtf8(location)) return location;
   std::error_code ignored;
-  for (fs::directory_iterator entry(folder, ignored), end; entry != end; entry.increment(ignored)) {
-    const bool hidden = entry->path().filename().string().front() == '.';
-    if (!hidden && IsPlaylistFile(entry->path()) && entry->is_regular_file(ignored)) {
-      paths.push_back(entry->path().string());
-    }
-  }
-  std::sort(paths.begin(), paths.end());
-  return paths;
+  const std::string text = TextOf(location);
+  return !fs::exists(location, ignored) && fs::exists(text, ignored) ? text : location;
 }
 
-M3u::Entry EntryOf(const player::Media& media) {
-  M3u::Entry entry;
-  entry.location = LocationOf(media);
-  const std::string artist = media.getItemInfo("Artist");
-  entry.title = artist.empty() ? media.name() : artist + " - " + media.name();
-  if (media.duration() > 0) entry.seconds = static_cast<int>(std::lround(media.duration()));
-  return entry;
-}
-
-player::MediaRef MediaOf(const Library& library, const M3u::Entry& entry) {
-  auto media = library.mediaAt(entry.location);
+player::MediaRef MediaOf(const Library& library, const M3uItem& item) {
+  const std::string location = PlaceOf(item.location);
+  auto media = library.mediaAt(location);
   if (dynamic_cast<const TrackMedia*>(media.get()) != nullptr) return media;
   TrackTags tags;
-  const auto dash = entry.title.find(" - ");
-  if (dash != std::string::npos) tags.artist = entry.title.substr(0, dash);
-  tags.title = dash != std::string::npos ? entry.title.substr(dash + 3) : entry.title;
-  if (tags.title.empty()) tags.title = media->name();
-  if (entry.seconds > 0) tags.milliseconds = static_cast<std::uint32_t>(entry.seconds) * 1000;
-  return std::make_shared<LooseMedia>(entry.location, std::move(tags));
+  tags.title = item.title.empty() ? media->name() : item.title;
+  const auto dash = tags.title.find(" - ");
+  if (dash != std::string::npos && dash > 0 && tags.title != media->name()) {
+    tags.artist = tags.title.substr(0, dash);
+    tags.title.erase(0, dash + 3);
+  }
+  if (item.seconds > 0) tags.milliseconds = static_cast<std::uint32_t>(item.seconds) * 1000;
+  return std::make_shared<LooseMedia>(LocationOf(*media), std::move(tags));
+}
+
+/// As queries write a double quote.
+std::string WithSingleQuotes(const std::string& name) {
+  std::string single;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    single += name[i];
+    if (name.compare(i, 2, "\"\"") == 0) ++i;
+  }
+  return single;
 }
 
 }  // namespace
 
-StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events)
+StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
+                                 WriteCall write)
     : folder_(std::move(folder)),
       library_(library),
       events_(std::move(events)),
+      write_(std::move(write)),
       timer_(loop.makeTimer(kLookInterval, [this] {
-        if (refresh()) tellChanged();
+        base::Attempt step;
+        step([&] { refresh(); });
       })) {
-  refresh();
+  base::Attempt step;
+  step([&] { lookAround(); });
+  step([&] { clearLeftovers(); });
   timer_->enabled(true);
 }
 
 StoredPlaylists::~StoredPlaylists() {
-  for (auto& entry : byPath_) entry.second->disown();
+  for (const auto& entry : byPath_) entry.second->disown();
+  for (const auto& entry : lost_) {
+    if (const auto playlist = entry.second.lock()) playlist->disown();
+  }
 }
 
-void StoredPlaylists::tellChanged() { events_.changed(); }
+void StoredPlaylists::clearLeftovers() const {
+  std::set<std::string> folders{folder_};
+  std::error_code ignored;
+  for (const auto& entry : byPath_) {  // a link's file is written where it lies
+    if (fs::is_symlink(entry.first, ignored))
+      folders.insert(fs::canonical(entry.first, ignored).parent_path().string());
+  }
+  for (const std::string& folder : folders) ClearLeftovers(folder);
+}
 
 void StoredPlaylists::libraryChanged() {
-  for (const auto& entry : byPath_) entry.second->adopt(library_);
+  for (const auto& entry : byPath_) {
+    for (player::MediaRef& item : entry.second->items()) {
+      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) continue;
+      auto known = library_.mediaAt(LocationOf(*item));
+      if (dynamic_cast<const TrackMedia*>(known.get()) != nullptr) item = std::move(known);
+    }
+  }
 }
 
-bool StoredPlaylists::refresh() {
-  bool changed = false;
-  const std::vector<std::string> paths = PlaylistFiles(folder_);
-  const std::set<std::string> present(paths.begin(), paths.end());
+std::optional<std::vector<std::string>> StoredPlaylists::files() {
+  std::vector<std::string> paths;
+  std::error_code failed;
+  std::error_code ignored;
+  for (fs::directory_iterator entry(folder_, failed), end; !failed && entry != end; entry.increment(failed)) {
+    if (IsPlaylistFile(entry->path()) && entry->is_regular_file(ignored)) {
+      paths.push_back(entry->path().string());
+    }
+  }
+  const bool missing = failed.value() == ENOENT || failed.value() == ENOTDIR;
+  if (failed && !missing) {
+    if (!folderTold_) events_.message(SafeName(folder_) + " can't be read: " + failed.message());
+    folderTold_ = true;
+    return std::nullopt;
+  }
+  folderTold_ = false;
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+void StoredPlaylists::lose(const std::vector<std::string>& present) {
   for (auto entry = byPath_.begin(); entry != byPath_.end();) {
-    if (present.contains(entry->first)) {
+    if (std::binary_search(present.begin(), present.end(), entry->first)) {
       ++entry;
       continue;
     }
-    entry->second->disown();
+    lost_[entry->first] = entry->second;
     entry = byPath_.erase(entry);
-    changed = true;
   }
-  for (const std::string& path : paths) {
-    try {
-      const FileStamp stamp = StampOf(path);
-      const auto known = byPath_.find(path);
-      if (known != byPath_.end() && known->second->stamp() == stamp) continue;
-      changed = read(path, stamp) || changed;
-    } catch (const base::Failure&) {  // gone since
-    }
+}
+
+void StoredPlaylists::refresh() {
+  if (lookAround()) events_.changed();
+}
+
+bool StoredPlaylists::lookAround() {
+  const auto paths = files();
+  if (!paths) return false;
+  const std::size_t before = byPath_.size();
+  lose(*paths);
+  bool changed = byPath_.size() != before;
+  std::erase_if(lost_, [](const auto& entry) { return entry.second.expired(); });
+  for (const std::string& path : *paths) {
+    base::Attempt step;
+    step([&] { changed = look(path) || changed; });
   }
   return changed;
 }
 
-bool StoredPlaylists::read(const std::string& path, const FileStamp& stamp) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  if (!file || !(text << file.rdbuf() || stamp.size == 0)) {
-    if (unreadable_[path] != stamp) events_.message("The playlist " + SafeName(path) + " can't be read");
-    unreadable_[path] = stamp;
-    return false;
-  }
-  unreadable_.erase(path);
-  M3u list = ParseM3u(text.str(), fs::path(path).parent_path().string());
-  if (list.name.empty()) list.name = base::RepairUtf8(UnescapeFileName(fs::path(path).stem().string()));
-  std::vector<player::MediaRef> items;
-  items.reserve(list.entries.size());
-  for (const M3u::Entry& entry : list.entries) items.push_back(MediaOf(library_, entry));
-  auto& playlist = byPath_[path];
-  bool changed = true;
-  if (playlist) {
-    changed = playlist->take(list.name, std::move(items));
-    events_.content();
+bool StoredPlaylists::look(const std::string& path) {
+  const FileStamp stamp = StampOf(path);
+  const auto known = byPath_.find(path);
+  if (known != byPath_.end() && known->second->stamp() == stamp) return false;
+  const auto unreadable = unreadable_.find(path);
+  if (unreadable != unreadable_.end() && unreadable->second == stamp) return false;
+  bool changed = false;
+  base::Attempt step;
+  const bool good = step([&] {
+    const FileText file = ReadFile(path, kLargest);
+    changed = read(path, file.stamp, M3uText(file.text));
+  });
+  if (good) {
+    unreadable_.erase(path);
   } else {
-    playlist = std::make_shared<StoredPlaylist>(*this, path, list.name, std::move(items));
+    unreadable_[path] = stamp;
+    events_.message("The playlist " + SafeName(path) + " can't be read: " + step.text());
   }
-  playlist->stamp(stamp);
   return changed;
 }
 
-void StoredPlaylists::write(StoredPlaylist& playlist) {
-  M3u list;
-  list.name = playlist.name();
-  for (std::int32_t i = 0; i < playlist.count(); ++i) list.entries.push_back(EntryOf(*playlist.item(i)));
-  WriteFile(playlist.path(), FormatM3u(list));
-  playlist.stamp(StampOf(playlist.path()));
-}
-
-void StoredPlaylists::catchUp(StoredPlaylist& playlist) {
-  FileStamp stamp;
-  try {
-    stamp = StampOf(playlist.path());
-  } catch (const base::Failure&) {
-    return;  // the file has gone; what is known of it is written anew
+bool StoredPlaylists::read(const std::string& path, const FileStamp& stamp, const M3uText& text) {
+  const std::string folder = fs::path(path).parent_path().string();
+  const std::string name = NameOf(text, path);
+  std::vector<player::MediaRef> items;
+  items.reserve(text.count());
+  for (std::size_t i = 0; i < text.count(); ++i) items.push_back(MediaOf(library_, text.item(i, folder)));
+  const auto known = byPath_.find(path);
+  Stored playlist = known != byPath_.end() ? known->second : found(path, stamp);
+  if (!playlist) {
+    add(path, stamp, name, std::move(items));
+    return true;
   }
-  if (stamp != playlist.stamp() && read(playlist.path(), stamp)) tellChanged();
+  const bool changed = known == byPath_.end() || playlist->name() != name;
+  playlist->take(name, std::move(items));
+  playlist->stored(path, stamp);
+  byPath_[path] = playlist;
+  events_.content();
+  return changed;
 }
 
-std::shared_ptr<StoredPlaylist> StoredPlaylists::named(const std::string& name) const {
+StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const FileStamp& stamp,
+                                             const std::string& name, std::vector<player::MediaRef> items) {
+  PlaylistKeeper& keeper = *this;
+  auto playlist = std::make_shared<StoredPlaylist>(keeper, name, std::move(items));
+  playlist->stored(path, stamp);
+  byPath_[path] = playlist;
+  return playlist;
+}
+
+StoredPlaylists::Stored StoredPlaylists::found(const std::string& path, const FileStamp& stamp) {
+  auto entry = lost_.find(path);
+  if (entry == lost_.end() || entry->second.expired()) {
+    entry = std::find_if(lost_.begin(), lost_.end(), [&](const auto& lost) {
+      const Stored playlist = lost.second.lock();
+      return playlist && playlist->stamp() == stamp;
+    });
+  }
+  if (entry == lost_.end()) return nullptr;
+  Stored playlist = entry->second.lock();
+  lost_.erase(entry);
+  return playlist;
+}
+
+bool StoredPlaylists::holds(const StoredPlaylist& playlist) const {
+  const auto entry = byPath_.find(playlist.path());
+  return entry != byPath_.end() && entry->second.get() == &playlist;
+}
+
+M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
+  if (!holds(playlist)) refresh();
+  if (!holds(playlist)) FailOn(playlist.path(), ENOENT);
+  FileText file = ReadFile(playlist.path(), kLargest);
+  M3uText text(std::move(file.text));
+  const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
+  if (foreign && read(playlist.path(), file.stamp, text)) events_.changed();
+  return text;
+}
+
+void StoredPlaylists::save(StoredPlaylist& playlist, const std::string& text) {
+  if (static_cast<std::int64_t>(text.size()) > kLargest) {
+    throw base::Failure(base::number::kInvalidArgument, "The playlist would be too large");
+  }
+  playlist.stored(playlist.path(), WriteFile(playlist.path(), text, write_));
+}
+
+StoredPlaylists::Stored StoredPlaylists::named(const std::string& name) const {
   for (const auto& entry : byPath_) {
     if (base::SameText(entry.second->name(), name)) return entry.second;
   }
   return nullptr;
 }
 
-std::string StoredPlaylists::freePath(const std::string& name) const {
+std::string StoredPlaylists::freePath(const std::string& name, const std::string& own) const {
   std::string stem = EscapeFileName(name);
-  if (stem.size() > 180) {
-    stem.resize(180);
+  if (stem.size() > kLongestStem) {
+    stem.resize(kLongestStem);
     while (!base::IsPlainUtf8(stem)) stem.pop_back();
   }
-  std::string path = folder_ + '/' + stem + ".m3u8";
+  const std::string ending = own.empty() ? ".m3u8" : fs::path(own).extension().string();
+  std::string path = folder_ + '/' + stem + ending;
   std::error_code ignored;
-  for (int number = 2; fs::exists(path, ignored); ++number) {
-    path = folder_ + '/' + stem + " (" + std::to_string(number) + ").m3u8";
+  const auto taken = [&] {
+    return path != own && (byPath_.contains(path) || fs::exists(fs::symlink_status(path, ignored)));
+  };
+  for (int number = 2; taken(); ++number) {
+    path = folder_ + '/' + stem + " (" + std::to_string(number) + ')' + ending;
   }
   return path;
 }
 
 void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) {
-  if (name.empty()) throw base::Failure(base::number::kInvalidArgument, "A playlist needs a name");
+  CheckName(name);
+  refresh();
+  M3uText text = open(playlist);
   const auto holder = named(name);
   if (holder && holder.get() != &playlist)
     throw base::Failure(base::number::kNameInUse, "The name is in use");
-  M3u list;
-  list.name = name;
-  for (std::int32_t i = 0; i < playlist.count(); ++i) list.entries.push_back(EntryOf(*playlist.item(i)));
+  text.name(name);
+  save(playlist, text.text());
+  playlist.rename(name);
+  // The name inside counts. The file's own follows if it can; until then it is the old one, but there is
+  // never a moment with two files or none.
   const std::string old = playlist.path();
-  const std::string path = freePath(name);
-  WriteFile(path, FormatM3u(list));
-  std::error_code failed;
-  fs::remove(old, failed);
-  auto node = byPath_.extract(old);
-  node.key() = path;
-  byPath_.insert(std::move(node));
-  playlist.moved(path);
-  playlist.stamp(StampOf(path));
+  const std::string path = freePath(name, old);
+  if (path != old && MoveFile(old, path)) {
+    auto node = byPath_.extract(old);
+    node.key() = path;
+    byPath_.insert(std::move(node));
+    playlist.stored(path, playlist.stamp());
+  }
+  events_.changed();
 }
 
 player::PlaylistArrayRef StoredPlaylists::getAll() {
-  if (refresh()) tellChanged();
+  refresh();
   std::vector<std::pair<std::string, player::PlaylistRef>> order;
   for (const auto& entry : byPath_) order.emplace_back(base::LowerCase(entry.second->name()), entry.second);
   std::stable_sort(order.begin(), order.end(),
@@ -277,35 +311,32 @@ player::PlaylistArrayRef StoredPlaylists::getAll() {
 }
 
 player::PlaylistArrayRef StoredPlaylists::getByName(const std::string& name) {
-  if (refresh()) tellChanged();
+  refresh();
   std::vector<player::PlaylistRef> playlists;
   for (const auto& entry : byPath_) {
     if (base::SameText(entry.second->name(), name)) playlists.push_back(entry.second);
   }
-  if (playlists.empty() && name.find("\"\"") != std::string::npos) {
-    std::string single;  // as queries write a double quote
-    for (std::size_t i = 0; i < name.size(); ++i) {
-      single += name[i];
-      if (name.compare(i, 2, "\"\"") == 0) ++i;
-    }
-    return getByName(single);
-  }
+  if (playlists.empty() && name.find("\"\"") != std::string::npos) return getByName(WithSingleQuotes(name));
   return std::make_shared<ListPlaylistArray>(std::move(playlists));
 }
 
 player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
-  if (name.empty()) throw base::Failure(base::number::kInvalidArgument, "A playlist needs a name");
-  if (!base::IsPlainUtf8(name)) throw base::Failure(base::number::kInvalidArgument, "The name is no text");
+  CheckName(name);
+  M3uText text;
+  text.name(name);
   refresh();
   if (named(name)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   std::error_code failed;
   fs::create_directories(folder_, failed);
-  if (failed) throw base::Failure(base::number::kPermissionDenied, folder_ + ": " + failed.message());
-  const std::string path = freePath(name);
-  auto playlist = std::make_shared<StoredPlaylist>(*this, path, name, std::vector<player::MediaRef>());
-  write(*playlist);
-  byPath_[path] = playlist;
-  tellChanged();
+  if (failed) FailOn(folder_, failed.value());
+  std::string path;
+  std::optional<FileStamp> stamp;
+  while (!stamp) {  // until nobody else has taken the path meanwhile
+    path = freePath(name, {});
+    stamp = WriteNewFile(path, text.text(), write_);
+  }
+  auto playlist = add(path, *stamp, name, {});
+  events_.changed();
   return playlist;
 }
 
@@ -316,13 +347,10 @@ void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
   if (found == byPath_.end()) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist is not in the collection");
   }
-  std::error_code failed;
-  if (!fs::remove(found->first, failed) && failed) {
-    throw base::Failure(base::number::kPermissionDenied, SafeName(found->first) + ": " + failed.message());
-  }
+  RemoveFile(found->first);
   found->second->disown();
   byPath_.erase(found);
-  tellChanged();
+  events_.changed();
 }
 
 }  // namespace engine

@@ -2,21 +2,21 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Loop.hpp"
 #include "engine/Library.hpp"
-#include "engine/Lists.hpp"
+#include "engine/StoredPlaylist.hpp"
+#include "engine/WriteFile.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {
 
-class StoredPlaylist;
-
 /// The playlists of a folder, one file each. Every change is on the disk when its call returns; what others
 /// change in the folder is noticed within seconds and at the next question.
-class StoredPlaylists : public player::PlaylistCollection {
+class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeeper {
  public:
   struct Events {
     std::function<void()> changed;  ///< playlists have come, gone, or got another name
@@ -24,7 +24,8 @@ class StoredPlaylists : public player::PlaylistCollection {
     std::function<void(const std::string&)> message;
   };
 
-  StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events);
+  StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
+                  WriteCall write = WriteBytes);
   ~StoredPlaylists() override;
   StoredPlaylists(const StoredPlaylists&) = delete;
   StoredPlaylists& operator=(const StoredPlaylists&) = delete;
@@ -36,29 +37,50 @@ class StoredPlaylists : public player::PlaylistCollection {
 
   player::PlaylistArrayRef getAll() override;
   player::PlaylistArrayRef getByName(const std::string& name) override;
-  /// Throws 5 for an empty name, kNameInUse, 70 where the folder can't be written.
+  /// Throws 5 for a name that is empty, no text or too long, kNameInUse, 70 where the folder can't be
+  /// written, 61 when the disk is full.
   player::PlaylistRef newPlaylist(const std::string& name) override;
+  /// Throws 5 for a playlist of elsewhere, 70 where the folder can't be written.
   void remove(const player::PlaylistRef& playlist) override;
 
  private:
-  friend class StoredPlaylist;
+  using Stored = std::shared_ptr<StoredPlaylist>;
 
-  /// Reads what has changed in the folder. True when playlists have come, gone, or got another name.
-  bool refresh();
-  bool read(const std::string& path, const FileStamp& stamp);
-  void write(StoredPlaylist& playlist);
-  /// Reads the playlist's file again if others have written it since, so that their change is not lost.
-  void catchUp(StoredPlaylist& playlist);
-  void rename(StoredPlaylist& playlist, const std::string& name);
-  [[nodiscard]] std::string freePath(const std::string& name) const;
-  [[nodiscard]] std::shared_ptr<StoredPlaylist> named(const std::string& name) const;
-  void tellChanged();
+  M3uText open(StoredPlaylist& playlist) override;
+  void save(StoredPlaylist& playlist, const std::string& text) override;
+  void tellContent() override { events_.content(); }
+  void rename(StoredPlaylist& playlist, const std::string& name) override;
+
+  /// Reads what has changed in the folder, and tells if playlists have come, gone, or got another name.
+  void refresh();
+  /// The same without telling: true when there is something to tell.
+  bool lookAround();
+  /// The playlist files of the folder; none when it can't be told now.
+  std::optional<std::vector<std::string>> files();
+  /// Files that are no longer among `present` are lost: whoever holds such a playlist can't change it until
+  /// the file is back.
+  void lose(const std::vector<std::string>& present);
+  /// Reads a file if it has changed. True when its playlist has come or got another name.
+  bool look(const std::string& path);
+  bool read(const std::string& path, const FileStamp& stamp, const M3uText& text);
+  Stored add(const std::string& path, const FileStamp& stamp, const std::string& name,
+             std::vector<player::MediaRef> items);
+  /// The playlist that had lain at the path, or in the very file, before it was lost.
+  Stored found(const std::string& path, const FileStamp& stamp);
+  [[nodiscard]] bool holds(const StoredPlaylist& playlist) const;
+  /// A path for a playlist of that name: `own` if that fits, otherwise one where nothing lies.
+  [[nodiscard]] std::string freePath(const std::string& name, const std::string& own) const;
+  [[nodiscard]] Stored named(const std::string& name) const;
+  void clearLeftovers() const;
 
   std::string folder_;
   const Library& library_;
   Events events_;
-  std::map<std::string, std::shared_ptr<StoredPlaylist>> byPath_;
+  WriteCall write_;
+  std::map<std::string, Stored> byPath_;
+  std::map<std::string, std::weak_ptr<StoredPlaylist>> lost_;
   std::map<std::string, FileStamp> unreadable_;
+  bool folderTold_ = false;  ///< that it can't be read
   std::unique_ptr<base::Timer> timer_;
 };
 

@@ -1,7 +1,6 @@
 #include "engine/TagReader.hpp"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <taglib/fileref.h>
 #include <taglib/tag.h>
 #include <taglib/tpropertymap.h>
@@ -120,18 +119,6 @@ TrackTags ReadTags(const std::string& path) {
   tags.track = Number(First(properties, "TRACKNUMBER"));
   tags.disc = Number(First(properties, "DISCNUMBER"));
   return tags;
-}
-
-FileStamp StampOf(const std::string& path) {
-  struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) {
-    throw base::Failure(base::number::kFileNotFound, SafeName(path) + " does not exist");
-  }
-  FileStamp stamp;
-  stamp.modified = static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
-  stamp.size = info.st_size;
-  stamp.inode = info.st_ino;
-  return stamp;
 }
 
 }  // namespace engine

@@ -19,7 +19,4 @@ std::string SafeName(const std::string& path);
 /// can't be read, 5 when there is no media in it.
 TrackTags ReadTags(const std::string& path);
 
-/// The file's stamp. Throws number 53 when there is no such file.
-FileStamp StampOf(const std::string& path);
-
 }  // namespace engine

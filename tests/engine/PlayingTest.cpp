@@ -105,6 +105,25 @@ TEST_F(Playing, AListOfBadFilesStopsEvenInALoop) {
   EXPECT_EQ(told.errors, 3);
 }
 
+TEST_F(Playing, MissingFilesOfAPlaylistAreShownToldAndPassedOver) {
+  std::string text = "#EXTM3U\n";
+  for (int i = 0; i < 15; ++i)
+    text += "#EXTINF:1,Ann - Gone " + std::to_string(i) + "\ngone " + std::to_string(i) + ".flac\n";
+  writeText(folder / "playlists/L.m3u8", text + addTrack("1.flac", "One", "Ann", "Blue", "Jazz", 1) + "\n");
+  startWith(1);
+  auto list = player->playlistCollection().getByName("L")->item(0);
+  ASSERT_EQ(list->count(), 16);
+  EXPECT_EQ(list->item(3)->name(), "Gone 3");
+  ASSERT_TRUE(until([&] { return list->item(15)->getItemInfo("Album") == "Blue"; }));
+  player->currentPlaylist(list);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1));
+  EXPECT_EQ(told.errors, 15);
+  EXPECT_THAT(player->Error().item(0).errorDescription, HasSubstr("gone 14.flac"));
+  EXPECT_EQ(list->count(), 16);
+}
+
 TEST_F(Playing, FilesWithoutAnySoundStopEvenInALoop) {
   for (const char* file : {"1.wav", "2.wav"}) {
     demo::WriteSound(folder / file, demo::Silence(0), demo::FileFormat::kWav);
