@@ -15,6 +15,7 @@
 #include "standin/Options.hpp"
 #include "standin/Playlists.hpp"
 #include "standin/PluginKeeper.hpp"
+#include "standin/RefusedPosts.hpp"
 #include "standin/ScriptRunner.hpp"
 #include "standin/ScriptStore.hpp"
 #include "standin/SettingsFlusher.hpp"
@@ -61,6 +62,7 @@ int serve(const Options& options) {
   shelf.show("/callback", callback);
 
   SettingsFlusher flusher(loop, house);
+  RefusedPosts refused(loop, house.log);
   PluginKeeper plugin(loop, connection, house, callback);
   Library library(loop, connection, plugin);
   Playlists playlists(loop, connection, plugin, house, library);

@@ -53,6 +53,8 @@ class GuardedStream : public httplib::Stream {
   }
 
   ssize_t write(const char* data, std::size_t size) override {
+    // What follows this answer on the connection is the body that it refuses.
+    if (std::string_view(data, size).starts_with("HTTP/1.1 413")) bodyRefused_ = true;
     const Time end = SteadyClock::now() + limits_.answered;
     std::size_t sent = 0;
     while (sent < size) {
@@ -70,8 +72,10 @@ class GuardedStream : public httplib::Stream {
   void get_local_ip_and_port(std::string& ip, int& port) const override { address(&::getsockname, ip, port); }
   [[nodiscard]] socket_t socket() const override { return socket_; }
 
-  /// Waits for the next request on the same connection.
+  /// Waits for the next request on the same connection. After one that was too long nothing on it can be
+  /// understood any more.
   bool next() {
+    if (overflowed_ || bodyRefused_) return false;
     if (used_ == filled_) {
       waits_(true);
       const bool ready = readyBefore(SteadyClock::now() + limits_.idle, socket_, POLLIN);
@@ -83,6 +87,16 @@ class GuardedStream : public httplib::Stream {
     lineLength_ = 0;
     inBody_ = false;
     return true;
+  }
+
+  /// Takes what a peer goes on sending of a body that was refused, so that the answer reaches it: a
+  /// connection closed with bytes unread is reset, and takes the answer along.
+  void drainBody() {
+    if (!bodyRefused_) return;
+    ::shutdown(socket_, SHUT_WR);
+    end_ = SteadyClock::now() + limits_.drained;
+    for (std::size_t taken = 0; taken < limits_.leftOver && fill(); taken += filled_) {
+    }
   }
 
  private:
@@ -110,7 +124,8 @@ class GuardedStream : public httplib::Stream {
         ++lineLength_;
       }
     }
-    return read_ <= (inBody_ ? limits_.request : limits_.head);
+    overflowed_ = read_ > (inBody_ ? limits_.request : limits_.head);
+    return !overflowed_;
   }
 
   template <class Ask>
@@ -139,6 +154,8 @@ class GuardedStream : public httplib::Stream {
   std::size_t read_ = 0;
   std::size_t lineLength_ = 0;
   bool inBody_ = false;
+  bool overflowed_ = false;
+  bool bodyRefused_ = false;
 };
 
 /// Threads for so many connections; one too many takes the place of one that keeps us waiting.
@@ -238,6 +255,7 @@ bool GuardedServer::process_and_close_socket(socket_t socket) {
     if (connections_.ending() || !stream.next()) break;
     good = process_request(stream, left == 1, closed, nullptr);
   }
+  stream.drainBody();
   connections_.remove(entry);
   return good;
 }

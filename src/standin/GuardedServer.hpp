@@ -44,8 +44,10 @@ struct WebLimits {
   std::size_t threads = 96;
   std::size_t head = 64U << 10U;      ///< bytes of a request before its body
   std::size_t request = 4U << 20U;    ///< bytes of a request in all, as sent
+  std::size_t leftOver = 32U << 20U;  ///< bytes of a refused body that are still taken, unread
   std::chrono::seconds whole{20};     ///< for a request to be there in full
   std::chrono::seconds idle{2};       ///< between two requests
+  std::chrono::seconds drained{5};    ///< for the rest of a refused body
   std::chrono::seconds answered{15};  ///< for each piece of an answer to be taken
   int requests = 100;                 ///< on one connection
 };

@@ -7,8 +7,6 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "standin/HouseJson.hpp"
-#include "standin/WebFiles.hpp"
-#include "standin/WebRules.hpp"
 
 namespace standin {
 namespace {
@@ -20,11 +18,6 @@ Number numberOf(const std::string& text) {
   Number value = 0;
   std::from_chars(text.data(), text.data() + text.size(), value);
   return value;
-}
-
-void replaceMark(std::string& page, std::string_view mark, std::string_view text) {
-  const std::size_t at = page.find(mark);
-  if (at != std::string::npos) page.replace(at, mark.size(), text);
 }
 
 }  // namespace
@@ -44,16 +37,6 @@ WebApi::WebApi(House& house, HouseObjects& objects, PluginKeeper& plugin, HouseM
       gate_(gate),
       local_(local),
       htmlFolder_(house.htmlFolder()) {}
-
-std::string WebApi::framed(const std::string& title, const std::string& view, const std::string& content) {
-  const WebFile* file = FindWebFile("index.html");
-  std::string page(file == nullptr ? std::string_view() : file->content);
-  // The content last: what looks like a mark in it is its own.
-  replaceMark(page, "{{title}}", EscapeHtml(title));
-  replaceMark(page, "{{view}}", EscapeHtml(view));
-  replaceMark(page, "{{content}}", content);
-  return page;
-}
 
 std::optional<User> WebApi::visitorHere(const std::string& token) {
   if (std::optional<User> user = house_.users.ofSession(token)) return user;

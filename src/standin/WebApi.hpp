@@ -58,8 +58,6 @@ class WebApi {
   std::optional<User> visitor(const std::string& token);
   [[nodiscard]] const std::filesystem::path& htmlFolder() const { return htmlFolder_; }
   LiveFeed& live() { return house_.live; }
-  /// The server's own page: one of its files, with the text in its place.
-  static std::string framed(const std::string& title, const std::string& view, const std::string& content);
 
  private:
   using Reply = std::function<void(WebAnswer)>;

@@ -8,6 +8,7 @@
 #include "standin/EventStore.hpp"
 #include "standin/Voice.hpp"
 #include "standin/WebApi.hpp"
+#include "standin/WebFrame.hpp"
 
 namespace standin {
 namespace {
@@ -138,7 +139,9 @@ void WebApi::askPage(const PageLink& link, const User& user, const char* operati
           reply(Refusal(502, failure));
           return;
         }
-        reply({.type = "text/html; charset=utf-8", .body = framed(title, view, *text), .pluginPage = true});
+        reply({.type = "text/html; charset=utf-8",
+               .body = Framed(title, view, WithoutActingTags(*text)),
+               .pluginPage = true});
       });
 }
 

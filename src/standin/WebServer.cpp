@@ -1,9 +1,7 @@
 #include "standin/WebServer.hpp"
 
 #include <httplib.h>
-#include <sodium.h>
 
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <utility>
@@ -13,6 +11,7 @@
 #include "standin/GuardedServer.hpp"
 #include "standin/HouseJson.hpp"
 #include "standin/WebFiles.hpp"
+#include "standin/WebFrame.hpp"
 
 namespace standin {
 namespace {
@@ -20,24 +19,6 @@ namespace {
 constexpr std::size_t kLongestPath = 2048;
 constexpr std::size_t kLargestBody = 1U << 20U;
 constexpr std::chrono::seconds kHeartbeat{15};
-
-constexpr const char* kPolicy =
-    "default-src 'self'; base-uri 'none'; object-src 'none'; form-action 'self'; frame-ancestors 'none'";
-
-std::string hashOf(std::string_view script) {
-  std::array<unsigned char, crypto_hash_sha256_BYTES> hash{};
-  crypto_hash_sha256(hash.data(), reinterpret_cast<const unsigned char*>(script.data()), script.size());
-  std::array<char, 64> text{};
-  sodium_bin2base64(text.data(), text.size(), hash.data(), hash.size(), sodium_base64_VARIANT_ORIGINAL);
-  return std::string("'sha256-") + text.data() + "'";
-}
-
-/// The pages of the plug-in set widths in style attributes and send a form when a list changes; that one line
-/// of script is allowed, and no other.
-std::string policyOfPluginPages() {
-  return std::string(kPolicy) + "; style-src 'self' 'unsafe-inline'; script-src 'self' 'unsafe-hashes' " +
-         hashOf("form.submit();");
-}
 
 std::string tokenOf(const httplib::Request& request) {
   return CookieValue(request.get_header_value("Cookie"), "vantorix");
@@ -49,8 +30,8 @@ void give(httplib::Response& response, const WebAnswer& answer) {
   if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
 }
 
-void addRules(httplib::Response& response, const std::string& policy) {
-  response.set_header("Content-Security-Policy", policy);
+void addRules(httplib::Response& response) {
+  response.set_header("Content-Security-Policy", kOwnPolicy);
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("X-Frame-Options", "DENY");
   response.set_header("Referrer-Policy", "same-origin");
@@ -69,6 +50,21 @@ bool stillKnown(WebApi& api, const std::string& token) {
 
 bool wantsPage(const httplib::Request& request) {
   return request.get_header_value("Accept").find("text/html") != std::string::npos;
+}
+
+/// The answer, as a page where one was asked for, under the rules that belong to it.
+void giveFor(const httplib::Request& request, httplib::Response& response, WebAnswer answer) {
+  if (answer.status != 200 && wantsPage(request)) {
+    // The page's own script shows the way to sign in.
+    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
+    answer.body = RefusalPage(answer.status, text, request.path);
+    answer.type = "text/html; charset=utf-8";
+  }
+  if (answer.pluginPage) {
+    response.headers.erase("Content-Security-Policy");
+    response.set_header("Content-Security-Policy", kPluginPolicy);
+  }
+  give(response, answer);
 }
 
 }  // namespace
@@ -90,16 +86,12 @@ WebPort::WebPort(const std::string& address, int port) : server_(std::make_uniqu
 
 WebPort::~WebPort() = default;
 
-WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts)
-    : server_(port.server()),
-      api_(api),
-      gate_(gate),
-      hosts_(std::move(hosts)),
-      pluginPolicy_(policyOfPluginPages()) {
+WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused)
+    : server_(port.server()), api_(api), gate_(gate), hosts_(std::move(hosts)), refused_(refused) {
   server_.set_payload_max_length(kLargestBody);
   server_.set_keep_alive_timeout(2);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-    addRules(response, kPolicy);
+    addRules(response);
     if (request.method == "POST" && request.path.size() <= kLongestPath) {
       return httplib::Server::HandlerResponse::Unhandled;  // its body is read first
     }
@@ -152,7 +144,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   }
   const std::string& path = request.path;
   if (path == "/" || path == "/index.html") {
-    return give(response, {.type = "text/html; charset=utf-8", .body = WebApi::framed("Vantorix", "", "")});
+    return give(response, {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
   const std::string token = tokenOf(request);
   if (path == "/api/live") return stream(token, response);
@@ -169,33 +161,28 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
     }
   }
   WebAnswer answer = api_.get(path, token, [&](const char* name) { return request.get_param_value(name); });
-  if (answer.status != 200 && wantsPage(request)) {
-    // A page for the eye; the page's own script shows the way to sign in.
-    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
-    answer.body = WebApi::framed("Vantorix", "message", "<p class=\"notice\">" + EscapeHtml(text) + "</p>");
-    answer.type = "text/html; charset=utf-8";
-  }
-  if (answer.pluginPage) response.headers.erase("Content-Security-Policy");
-  if (answer.pluginPage) response.set_header("Content-Security-Policy", pluginPolicy_);
-  give(response, answer);
+  giveFor(request, response, std::move(answer));
 }
 
 void WebServer::answerPost(const httplib::Request& request, httplib::Response& response,
                            const std::string& body) {
   const std::string host = request.get_header_value("Host");
-  if (!hosts_.allows(host)) return give(response, Refusal(403, "This server doesn't answer to that name"));
+  if (!hosts_.allows(host)) {
+    refused_.count(PostRefusal::kForeignHost);
+    return giveFor(request, response, Refusal(403, "This server doesn't answer to that name"));
+  }
   if (!SameOrigin(request.get_header_value("Origin"), host)) {
-    return give(response, Refusal(403, "The request doesn't come from a page of this server"));
+    refused_.count(PostRefusal::kOtherOrigin);
+    return giveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
+  }
+  // A form can't send this type: no page's form, whoever has written it, can ask for what scripts ask for.
+  if (request.path.starts_with("/api/") &&
+      !request.get_header_value("Content-Type").starts_with("application/json")) {
+    return give(response, Refusal(415, "The request is no JSON object"));
   }
   WebAnswer answer = api_.post(request.path, tokenOf(request), body, request.remote_addr);
-  if (answer.status != 200 && wantsPage(request)) {
-    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
-    answer.body = WebApi::framed("Vantorix", "message", "<p class=\"notice\">" + EscapeHtml(text) + "</p>");
-    answer.type = "text/html; charset=utf-8";
-  }
-  if (answer.pluginPage) response.headers.erase("Content-Security-Policy");
-  if (answer.pluginPage) response.set_header("Content-Security-Policy", pluginPolicy_);
-  give(response, answer);
+  if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
+  giveFor(request, response, std::move(answer));
 }
 
 void WebServer::stream(const std::string& token, httplib::Response& response) {

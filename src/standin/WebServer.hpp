@@ -3,6 +3,7 @@
 #include <string>
 #include <thread>
 
+#include "standin/RefusedPosts.hpp"
 #include "standin/WebApi.hpp"
 #include "standin/WebRules.hpp"
 
@@ -36,7 +37,7 @@ class WebPort {
 /// Serves the house's pages on threads of its own for as long as it lives.
 class WebServer {
  public:
-  WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts);
+  WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused);
   ~WebServer();
   WebServer(const WebServer&) = delete;
   WebServer& operator=(const WebServer&) = delete;
@@ -52,7 +53,7 @@ class WebServer {
   WebApi& api_;
   LoopGate& gate_;
   AllowedHosts hosts_;
-  std::string pluginPolicy_;
+  RefusedPosts& refused_;
   std::thread thread_;
 };
 

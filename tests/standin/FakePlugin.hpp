@@ -23,7 +23,9 @@ class FakePlugin {
     std::string refusal;                 ///< what InitIO answers
     std::chrono::milliseconds press{0};  ///< how long a button takes
     FakeLibrary library{};               ///< what its script object knows
-    std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init;
+    std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init{};
+    std::function<std::string(const std::string& link)> genPage{};  ///< in place of a line of its own
+    std::function<std::string(const std::string& data)> pagePut{};
   };
 
   explicit FakePlugin(const std::string& address) : FakePlugin(address, Manner()) {}
@@ -165,14 +167,21 @@ class FakePlugin {
                                  {{"lnk", Type::kText}},
                                  Type::kText,
                                  [this](Args& args) {
+                                   if (manner_.genPage) return Value(manner_.genPage(base::ToText(args[0])));
                                    return Value(
                                        "<p>page " + base::ToText(args[0]) + " for " +
                                        base::ToText(host_->call("WEBLoggedInUser")) +
                                        "</p><form method=\"post\"><input class=formtext name=\"a\"></form>");
                                  }},
-                                {"PagePut", kOperation, {{"data", Type::kText}}, Type::kText, [](Args& args) {
-                                   return Value("<p>put " + std::to_string(base::ToText(args[0]).size()) +
-                                                ":" + base::ToText(args[0]).substr(0, 40) + "</p>");
+                                {"PagePut",
+                                 kOperation,
+                                 {{"data", Type::kText}},
+                                 Type::kText,
+                                 [this](Args& args) {
+                                   const std::string data = base::ToText(args[0]);
+                                   if (manner_.pagePut) return Value(manner_.pagePut(data));
+                                   return Value("<p>put " + std::to_string(data.size()) + ":" +
+                                                data.substr(0, 40) + "</p>");
                                  }}});
   }
 

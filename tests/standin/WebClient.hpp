@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/Process.hpp"
+
 namespace support {
 
 /// A browser, as far as headers go.
@@ -52,15 +54,5 @@ class WebClient {
   std::string origin_;
   httplib::Client client_;
 };
-
-/// Asks until the answer is right or the time is over.
-template <class Question>
-bool Eventually(Question question) {
-  for (int i = 0; i < 400; ++i) {
-    if (question()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
-  return false;
-}
 
 }  // namespace support

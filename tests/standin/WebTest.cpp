@@ -96,6 +96,49 @@ TEST_F(Web, AChunkedRequestThatIsTooLargeIsRefused) {
   EXPECT_EQ(raw(request), "HTTP/1.1 413 Payload Too Large");
 }
 
+TEST_F(Web, ABodyThatIsFarTooLargeIsRefusedInAnAnswerThatArrives) {
+  const std::string head = "POST /WMP_Setup HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\n";
+  const std::string body(10U << 20U, 'x');
+  EXPECT_EQ(raw(head + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body),
+            "HTTP/1.1 413 Payload Too Large");
+  std::string chunks;
+  for (int i = 0; i < 160; ++i) chunks += "10000\r\n" + body.substr(0, 65536) + "\r\n";
+  EXPECT_EQ(raw(head + "Transfer-Encoding: chunked\r\n\r\n" + chunks + "0\r\n\r\n"),
+            "HTTP/1.1 413 Payload Too Large");
+  EXPECT_EQ(web.get("/api/state")->status, 200);
+}
+
+TEST_F(Web, APageOfTheServersOwnCanNotMakeAFormAskForWhatScriptsAskFor) {
+  EXPECT_EQ(web.postText("/api/logout", R"({"a":"="})", "text/plain", {{"Origin", web.origin()}}), 415);
+  EXPECT_EQ(
+      web.postText("/api/logout", "a=b", "application/x-www-form-urlencoded", {{"Origin", web.origin()}}),
+      415);
+}
+
+TEST_F(Web, PostsThatAreRefusedAreCountedInTheLog) {
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  WebClient stranger(server.port());
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(stranger.post("/WMP_PListEdit", {{"button", "Delete List"}}), 401);
+    EXPECT_EQ(stranger.postText("/WMP_Setup", "button=Update", "application/x-www-form-urlencoded",
+                                {{"Origin", "http://evil.example"}}),
+              403);
+    EXPECT_EQ(raw("POST /WMP_Setup HTTP/1.1\r\nHost: evil.example\r\nOrigin: http://evil.example\r\n"
+                  "Content-Length: 3\r\nConnection: close\r\n\r\na=b"),
+              "HTTP/1.1 403 Forbidden");
+  }
+  const auto refusals = [&] {
+    std::vector<std::string> found;
+    const json log = web.json("/api/log");
+    for (const json& line : log.at("lines"))
+      if (line.at("text").get<std::string>().find("refused") != std::string::npos)
+        found.push_back(line.at("text").get<std::string>());
+    return found;
+  };
+  EXPECT_TRUE(support::Eventually([&] { return !refusals().empty(); }));
+  EXPECT_EQ(refusals(), std::vector<std::string>{"1 post refused: 1 without session"});
+}
+
 TEST_F(Web, AMalformedRequestIsTheAskersFault) {
   EXPECT_EQ(web.postText("/api/press", "[1]", "application/json", {{"Origin", web.origin()}}), 400);
   EXPECT_EQ(web.postText("/api/press", "{", "application/json", {{"Origin", web.origin()}}), 400);

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
@@ -49,6 +50,10 @@ class Browser {
   Json run(const std::string& script, const Json& arguments = Json::array()) {
     return ask("POST", session_ + "/execute/sync", {{"script", script}, {"args", arguments}});
   }
+  /// Runs a script that hands its value to the function behind its arguments.
+  Json runAsync(const std::string& script, const Json& arguments = Json::array()) {
+    return ask("POST", session_ + "/execute/async", {{"script", script}, {"args", arguments}});
+  }
   /// Waits until the script returns something true.
   bool eventually(const std::string& script, const Json& arguments = Json::array()) {
     return Eventually([&] {
@@ -63,6 +68,28 @@ class Browser {
   void type(const std::string& xpath, const std::string& text) {
     atElement([&] { ask("POST", element(xpath) + "/value", {{"text", text}}); });
   }
+  /// Presses keys one after the other wherever the focus is; each is one character, the special ones by their
+  /// numbers in the protocol.
+  void press(const std::vector<std::string>& keys) {
+    Json actions = Json::array();
+    for (const std::string& key : keys) {
+      actions.push_back({{"type", "keyDown"}, {"value", key}});
+      actions.push_back({{"type", "keyUp"}, {"value", key}});
+    }
+    ask("POST", session_ + "/actions",
+        {{"actions", {{{"type", "key"}, {"id", "keyboard"}, {"actions", actions}}}}});
+  }
+  void reload() { ask("POST", session_ + "/refresh", Json::object()); }
+  void back() { ask("POST", session_ + "/back", Json::object()); }
+  std::string address() { return ask("GET", session_ + "/url", Json::object()).get<std::string>(); }
+  /// Lets the page see a user who likes it dark, or light.
+  void likes(const std::string& scheme) {
+    ask("POST", session_ + "/goog/cdp/execute",
+        {{"cmd", "Emulation.setEmulatedMedia"},
+         {"params", {{"features", {{{"name", "prefers-color-scheme"}, {"value", scheme}}}}}}});
+  }
+  /// A picture of what is seen now, as a PNG in base64.
+  std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }
 
  private:
   /// Does it again when the page has put a new element in the place of the one just found.

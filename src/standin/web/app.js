@@ -1,12 +1,14 @@
 // The frame of every page: navigation, the plug-in's state, live changes.
 import {accountPage, signInPage} from './account.js';
 import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
-import {ask, el, run, toast} from './dom.js';
-import {libraryPage} from './library.js';
+import {ask, el, run, toast, toasts} from './dom.js';
+import {leaveLibrary, libraryChanged, libraryPage} from './library.js';
 import {leaveScripts, scriptChanged, scriptsPage} from './scripts.js';
 import {leaveLog, logLine, logPage, reloadLog} from './log.js';
+import {preparePluginPage} from './pluginpage.js';
 
 const page = document.getElementById('page');
+const splash = el('p', {class: 'quiet'});
 const ownText = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
 const state = {user: null, plugin: null, menu: [], links: [], devices: new Map()};
 let shown = '';
@@ -43,7 +45,7 @@ function showFrame() {
   pill.className = `pill ${style}`;
 
   const banner = document.getElementById('banner');
-  document.getElementById('splash').textContent = state.plugin.splash;
+  splash.textContent = state.plugin.splash;
   const trouble = state.plugin.state === 'failed' || state.plugin.state === 'lost' || state.plugin.stuck;
   banner.hidden = !trouble;
   if (trouble) {
@@ -102,8 +104,9 @@ function showPage() {
   showNav();
   if (view !== 'log') leaveLog();
   if (view !== 'scripts') leaveScripts();
+  if (view !== 'library') leaveLibrary();
   if (view === 'devices') page.replaceChildren(devicesPage(state.devices));
-  else if (view === 'library') libraryPage(page, shown === 'library');
+  else if (view === 'library') libraryPage(page, shown === 'library', state.user);
   else if (view === 'scripts') scriptsPage(page, shown === 'scripts');
   else if (view === 'menu') page.replaceChildren(menuPage());
   else if (view === 'account') accountPage(page, state.user, async () => { if (await loadState()) showPage(); });
@@ -136,9 +139,7 @@ function launched(text) {
     location.assign(target);
     return;
   }
-  const node = el('div', {class: 'toast'}, 'The player opens a page: ', el('a', {href: target, rel: 'noreferrer'}, target));
-  document.getElementById('toasts').append(node);
-  setTimeout(() => node.remove(), 20000);
+  toast(['The player opens a page: ', el('a', {href: target, rel: 'noreferrer'}, target)], '', 20000);
 }
 
 function updateDevices(before) {
@@ -183,11 +184,17 @@ function listen() {
   on('removed', (ref) => { state.devices.delete(ref); deviceRemoved(ref, state.devices); });
   on('log', logLine);
   on('script', scriptChanged);
+  on('playlist', libraryChanged);
   on('frame', reloadSoon);
   on('launch', launched);
   on('reload', async () => { if (await loadState()) showPage(); });
-  addEventListener('pagehide', () => source.close());
+  addEventListener('pagehide', () => source.close(), {once: true});
 }
+
+// A page that comes back as it was left hears of changes again.
+addEventListener('pageshow', (event) => {
+  if (event.persisted && shown !== 'sign-in') listen();
+});
 
 addEventListener('hashchange', () => {
   if (ownText) return;
@@ -195,5 +202,8 @@ addEventListener('hashchange', () => {
   document.getElementById('main').focus({preventScroll: true});
 });
 
+if (ownText) preparePluginPage(document.querySelector('.plugin-page'));
+// Made here, behind all that the server has put into the page: its text may leave tags open.
+document.body.append(toasts, el('footer', {}, splash));
 if (await loadState()) showPage();
 if (shown !== 'sign-in') listen();

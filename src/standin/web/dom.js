@@ -13,11 +13,14 @@ export function el(tag, attributes = {}, ...children) {
   return node;
 }
 
-/** Shows a short message that goes away by itself. */
-export function toast(text, kind = '') {
-  const node = el('div', {class: `toast ${kind}`}, text);
-  document.getElementById('toasts').append(node);
-  setTimeout(() => node.remove(), kind === 'bad' ? 8000 : 4000);
+/** Where they are shown. */
+export const toasts = el('div', {class: 'toasts', role: 'status', 'aria-live': 'polite'});
+
+/** Shows a short message that goes away by itself; `words` are texts and nodes. */
+export function toast(words, kind = '', time = kind === 'bad' ? 8000 : 4000) {
+  const node = el('div', {class: `toast ${kind}`}, ...[words].flat());
+  toasts.append(node);
+  setTimeout(() => node.remove(), time);
 }
 
 /** Asks the server; throws an Error with its own words. */
@@ -34,6 +37,7 @@ export async function ask(path, body) {
   if (!response.ok) {
     const error = new Error(answer.error || `The server answered with ${response.status}`);
     error.status = response.status;
+    error.answer = answer;
     throw error;
   }
   return answer;

@@ -1,0 +1,186 @@
+// Pages of the plug-in. Their text is plain HTML of an older kind; here it gets what its users need today: labels,
+// lists that work from the keyboard, a place that is kept from one page to the next.
+import {el} from './dom.js';
+
+const kPlace = 'plugin-page-place';
+const kPlaceLasts = 60000;  // milliseconds
+const kMoves = ['ArrowDown', 'ArrowUp', 'ArrowLeft', 'ArrowRight', 'Home', 'End', 'PageDown', 'PageUp'];
+
+let numbers = 0;
+let sending = false;
+
+/** Makes the page text in `panel` ready to be used. */
+export function preparePluginPage(panel) {
+  takeStrays(panel);
+  // A page that answers a post would post again when it is loaded anew. Loading it anew is a fresh look instead;
+  // sending the reader on after the post is no way, since a fresh look forgets what was selected.
+  history.replaceState(history.state, '', location.href);
+  for (const heading of panel.querySelectorAll('h3')) heading.setAttribute('aria-level', '1');
+  for (const message of panel.querySelectorAll('form > span[style]')) {
+    const bad = message.style.color === 'red';
+    message.classList.add('message', bad ? 'message-bad' : 'message-good');
+    message.setAttribute('role', bad ? 'alert' : 'status');
+  }
+  for (const control of controls(panel)) label(control);
+  for (const first of panel.querySelectorAll('input[type=radio]')) group(first);
+  for (const list of panel.querySelectorAll('select')) nameEmptyChoice(list);
+  for (const list of panel.querySelectorAll('select[onchange]')) sendOnChange(list);
+  for (const form of panel.querySelectorAll('form')) sendOnce(form);
+  addEventListener('pageshow', () => markSending(panel, false));
+  returnToPlace(panel);
+}
+
+const controls = (panel) =>
+  [...panel.querySelectorAll('input:not([type=hidden]):not([type=submit]), select, textarea')];
+
+/** An end tag too many in the text must not let the rest of it stand outside its panel. */
+function takeStrays(panel) {
+  const main = document.getElementById('main');
+  for (let outer = panel; outer && outer !== main.parentNode; outer = outer.parentNode) {
+    while (outer.nextSibling) panel.append(outer.nextSibling);
+  }
+}
+
+// Labels
+
+/** The words stand before a field and behind a box, as bare text. */
+function label(control) {
+  control.id ||= `field-${++numbers}`;
+  if (control.type === 'checkbox' || control.type === 'radio') labelBehind(control);
+  else labelBefore(control);
+}
+
+function labelBehind(box) {
+  const words = [];
+  for (let node = box.nextSibling; node?.nodeType === Node.TEXT_NODE; node = node.nextSibling) words.push(node);
+  const made = el('label', {class: 'choice'});
+  box.before(made);
+  made.append(box, ...words);
+  if (!made.textContent.trim()) box.setAttribute('aria-label', wordsOf(box.name));
+}
+
+function labelBefore(field) {
+  let node = field.previousSibling;
+  const blank = (each) => each?.nodeName === 'BR' || (each?.nodeType === Node.TEXT_NODE && !each.data.trim());
+  while (blank(node)) node = node.previousSibling;
+  if (node?.nodeType === Node.TEXT_NODE) {
+    node.replaceWith(el('label', {class: 'words', for: field.id}, node.data.trim()));
+  } else if (node?.nodeName === 'INPUT' && node.type === 'submit') {
+    field.setAttribute('aria-label', wordsOf(field.name));  // it stands beside its button
+    field.placeholder = wordsOf(field.name);
+  } else {
+    field.before(el('label', {class: 'words', for: field.id}, wordsOf(field.name)));
+  }
+}
+
+const wordsOf = (name) => name.replaceAll('PlayList', 'Playlist').replaceAll('_', ' ')
+  .replace(/([a-z])([A-Z])/g, (_, end, begin) => `${end} ${begin.toLowerCase()}`) || 'Field';
+
+/** Radio buttons of one name are one question, whose words stand before the first of them. */
+function group(first) {
+  const choice = first.closest('.choice');
+  if (!choice || choice.parentNode.classList.contains('choices')) return;
+  const before = choice.previousSibling;
+  const box = el('span', {class: 'choices', role: 'radiogroup'});
+  choice.before(box);
+  if (before?.nodeType === Node.TEXT_NODE && before.data.trim()) {
+    const words = el('span', {class: 'words', id: `field-${++numbers}`}, before.data.trim());
+    before.remove();
+    box.append(words);
+    box.setAttribute('aria-labelledby', words.id);
+  } else {
+    box.setAttribute('aria-label', wordsOf(first.name));
+  }
+  const same = (node) => node?.classList?.contains('choice') && node.firstElementChild.name === first.name;
+  for (let next = choice; same(next);) {
+    const after = next.nextSibling;
+    box.append(next);
+    next = after;
+  }
+}
+
+function nameEmptyChoice(list) {
+  const first = list.options[0];
+  if (list.size <= 1 && first && !first.value && list.options.length > 1) first.label = 'Choose…';
+}
+
+// Sending
+
+/**
+ * A list that sends its form when it changes. The arrow keys change a closed list with each step; then it waits
+ * until it is left, or for Enter, so that every entry can be reached.
+ */
+function sendOnChange(list) {
+  if (!/^\s*(this\.)?form\.submit\(\);?\s*$/.test(list.getAttribute('onchange'))) return;
+  list.removeAttribute('onchange');
+  const hint = el('span', {class: 'hint quiet', id: `field-${++numbers}`, role: 'status'});
+  list.after(hint);
+  list.setAttribute('aria-describedby', hint.id);
+  let stepping = false;
+  let waits = false;
+  const send = (next) => {
+    if (!waits || sending) return;
+    waits = false;
+    keepPlace(next || list);
+    markSending(list.closest('.plugin-page'), true);
+    HTMLFormElement.prototype.submit.call(list.form);
+  };
+  list.addEventListener('pointerdown', () => { stepping = false; });
+  list.addEventListener('keydown', (event) => {
+    if (event.key === 'Enter' && waits) {
+      event.preventDefault();
+      send();
+    } else if (kMoves.includes(event.key) && !event.altKey || event.key.length === 1 && event.key !== ' ') {
+      stepping = true;
+    } else if (event.key === ' ' || event.altKey) {
+      stepping = false;  // it opens
+    }
+  });
+  list.addEventListener('change', (event) => {
+    if (!event.isTrusted) return;
+    waits = true;
+    if (!stepping) send();
+    else hint.textContent = 'Press Enter to go to this choice';
+  });
+  list.addEventListener('blur', (event) => {
+    // Leaving the window is not leaving the list.
+    if (document.hasFocus()) send(event.relatedTarget);
+  });
+}
+
+/** What is sent twice in a hurry is meant once. */
+function sendOnce(form) {
+  form.addEventListener('submit', (event) => {
+    if (sending) {
+      event.preventDefault();
+      return;
+    }
+    keepPlace(event.submitter);
+    markSending(form.closest('.plugin-page'), true);
+  });
+}
+
+function markSending(panel, value) {
+  sending = value;
+  panel.toggleAttribute('data-sending', value);
+}
+
+// The place on the page
+
+const keyOf = (control) => [control.nodeName, control.name, control.type === 'submit' ? control.value : ''].join('\n');
+
+function keepPlace(control) {
+  const place = {path: location.pathname, time: Date.now(), top: scrollY, key: control?.name ? keyOf(control) : ''};
+  sessionStorage.setItem(kPlace, JSON.stringify(place));
+}
+
+/** The answer to a post is a new page: the reader stays where the post was made. */
+function returnToPlace(panel) {
+  const place = JSON.parse(sessionStorage.getItem(kPlace) || 'null');
+  sessionStorage.removeItem(kPlace);
+  if (place?.path !== location.pathname || Date.now() - place.time > kPlaceLasts) return;
+  scrollTo({top: panel.querySelector('.message') ? 0 : place.top});
+  const control = [...controls(panel), ...panel.querySelectorAll('input[type=submit]')]
+    .find((each) => keyOf(each) === place.key);
+  control?.focus({preventScroll: true});
+}
