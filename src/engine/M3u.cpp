@@ -179,28 +179,27 @@ M3uText::M3uText(std::string text) : text_(std::move(text)) {
 }
 
 void M3uText::readHead(std::string_view head) {
+  bool named = false;  // by the line before
   while (!head.empty()) {
     const std::string_view line = TakeLine(head);
     const std::string_view readable = Readable(line);
-    if (header_.empty() && readable.starts_with(kHeader))
+    const bool tag = readable.starts_with(kNameTag) && nameLines_.empty();
+    const bool exact = named && readable.starts_with(kExactNameTag);
+    if (header_.empty() && readable.starts_with(kHeader)) {
       add(header_, line);
-    else if (IsNameTag(readable))
-      add(nameLines_, line);
-    else
-      add(head_, line);
+    } else {
+      add(tag || exact ? nameLines_ : head_, line);
+    }
+    named = tag;
   }
 }
 
 std::string M3uText::name() const {
-  std::string name;
-  std::string exact;
-  for (std::string_view rest = nameLines_; !rest.empty();) {
-    const std::string_view line = Readable(TakeLine(rest));
-    if (line.starts_with(kExactNameTag))
-      exact = UnescapeFileName(std::string(line.substr(kExactNameTag.size())));
-    else if (name.empty())
-      name = base::TrimBlanks(TextOf(line.substr(std::min(line.size(), kNameTag.size()))));
-  }
+  std::string_view lines = nameLines_;
+  if (lines.empty()) return {};
+  std::string name = base::TrimBlanks(TextOf(Readable(TakeLine(lines)).substr(kNameTag.size())));
+  if (lines.empty()) return name;
+  const std::string exact = UnescapeFileName(std::string(Readable(lines).substr(kExactNameTag.size())));
   // It counts only while no other program has given the list another name.
   const bool fits = base::IsPlainUtf8(exact) && base::TrimBlanks(OneLine(exact)) == name;
   return fits && !exact.empty() ? exact : name;
@@ -210,7 +209,8 @@ void M3uText::name(const std::string& value) {
   const std::string plain = std::string(kNameTag) + OneLine(value);
   CheckLine(plain);
   std::string lines = plain + lineEnd_;
-  if (base::TrimBlanks(OneLine(value)) != value) {
+  const bool another = text_.find(kExactNameTag) != std::string::npos;  // which might be taken for this one's
+  if (another || base::TrimBlanks(OneLine(value)) != value) {
     const std::string exact = std::string(kExactNameTag) +
                               Escaped(value, [](char c) { return !IsControl(c) && c != ' ' && c != '%'; });
     CheckLine(exact);

@@ -1,6 +1,7 @@
 #include "engine/TagReader.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <taglib/fileref.h>
 #include <taglib/tag.h>
 #include <taglib/tpropertymap.h>
