@@ -1,6 +1,10 @@
 #include "pages/WebEditorForm.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/Text.hpp"
+#include "pages/UnknownArgument.hpp"
 
 // The door of the editor: posts, their fields and the operation that each button stands for.
 namespace pages {
@@ -27,14 +31,11 @@ const Argument kArguments[] = {
     {"PlayListItems", &EditorFields::PlayListItems},
 };
 
-/// Puts a posted argument into its field. False for a name that the pages don't have.
-bool TakeArgument(EditorFields& fields, const std::string& name, const std::string& value) {
-  for (const Argument& argument : kArguments) {
-    if (name != argument.name) continue;
-    fields.*argument.field = value;
-    return true;
-  }
-  return name == "ref_page" || name == "Dummy";
+/// The argument of that name, or null.
+const Argument* FindArgument(const std::string& name) {
+  const auto* found = std::find_if(std::begin(kArguments), std::end(kArguments),
+                                   [&](const Argument& argument) { return name == argument.name; });
+  return found == std::end(kArguments) ? nullptr : found;
 }
 
 }  // namespace
@@ -66,16 +67,15 @@ std::string WebEditorForm::MyPagePut(const std::string& data) {
     // A plain search in the body: the class has one door for the posts of both pages.
     if (base::LowerCase(data).find("wmp_page=setup_page") != std::string::npos)
       return in_.setup.MyPagePut(data);
-    page_.GetFormData(data);
-    // A copy: a line in the log may let another post in, which is read into the same place.
-    web::FormArgs args = page_.Args;
-    args.pop_back();  // the slot that stays empty
+    const web::FormArgs args = page_.Posted(data);
+    // First what the host is told, as it may let a further post in meanwhile: from the first field on,
+    // nothing comes between this post and its operation.
+    for (const auto& [name, value] : args)
+      if (FindArgument(name) == nullptr && name != "ref_page" && name != "Dummy")
+        LogUnknownArgument(in_.host, name, value);
     fields_.button = "None";
-    for (const auto& [name, value] : args) {
-      if (!TakeArgument(fields_, name, value))
-        in_.host.WriteLog("Error",
-                          "Media Player Unknown argument submitted to web server: " + name + "=" + value);
-    }
+    for (const auto& [name, value] : args)
+      if (const Argument* argument = FindArgument(name)) fields_.*argument->field = value;
     return dispatch();
   });
 }

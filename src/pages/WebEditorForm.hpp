@@ -85,7 +85,6 @@ class WebEditorForm {
   std::string beginAdding();
   /// The drop list of a source, and whether one is chosen.
   std::string sourceList(const EditorSource& source);
-  std::int32_t sourceItems(const EditorSource& source, player::PlaylistRef& list);
 
   EditorParts in_;
   web::PageForm page_;

@@ -4,7 +4,8 @@
 
 // What the editor's buttons change. An operation's message is shown by the page that it ends in. A failure
 // that the player raises leaves the operation and its page; the words "Unable to" are for one that it tells
-// of without raising it.
+// of without raising it. What was asked for is copied at the start: while the catalogue calls the host, a
+// further post may change the fields.
 namespace pages {
 
 using catalogue::kDone;
@@ -29,22 +30,24 @@ std::string WebEditorForm::AddTitleToPlayList() {
   return operation(
       "AddTitleToPlayList",
       [&]() -> std::string {
-        const std::string edited = fields_.PlayList;
-        if (fields_.Title.empty()) return "Error: A title must be selected before adding!";
+        EditorFields asked = fields_;
+        if (asked.Title.empty()) return "Error: A title must be selected before adding!";
         player::PlaylistRef target;
-        if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, target) != kDone)
-          return "Error: PlayList " + Quoted(edited) + " does not exist";
+        if (in_.catalogue.GetGroupItems(kPlayListCategory, asked.PlayList, target) != kDone)
+          return "Error: PlayList " + Quoted(asked.PlayList) + " does not exist";
         player::PlaylistRef source;
         std::int32_t status = catalogue::kNotFound;
         for (const EditorSource& each : EditorSources())
-          if (fields_.Add_from == each.category) status = sourceItems(each, source);
-        if (status != kDone) return "Error: The " + Quoted(fields_.Add_from) + " cannot be found";
-        // The title is replaced by the library's own, and so stands in the message.
+          if (asked.Add_from == each.category)
+            status = in_.catalogue.GetGroupItems(each.category, asked.*each.chosen, source);
+        if (status != kDone) return "Error: The " + Quoted(asked.Add_from) + " cannot be found";
+        // The title is replaced by the library's own, in the message and on the page as well.
         player::MediaRef item;
-        if (in_.catalogue.GetMediaItem(fields_.Title, source, item) != kDone)
-          return "Error: " + Quoted(fields_.Title) + " cannot be found in the Media Library";
+        status = in_.catalogue.GetMediaItem(asked.Title, source, item);
+        fields_.Title = asked.Title;
+        if (status != kDone) return "Error: " + Quoted(asked.Title) + " cannot be found in the Media Library";
         target->appendItem(item);
-        const std::string what = Quoted(fields_.Title) + " to PlayList: " + Quoted(edited);
+        const std::string what = Quoted(asked.Title) + " to PlayList: " + Quoted(asked.PlayList);
         return in_.told() ? "Error: Unable to add: " + what : "Added: " + what;
       },
       &WebEditorForm::BuildAddPage);
@@ -54,19 +57,19 @@ std::string WebEditorForm::NewWebPlayList() {
   return operation(
       "NewWebPlayList",
       [&]() -> std::string {
-        std::string& wanted = fields_.New_PlayList;
-        wanted = base::TrimBlanks(wanted);
+        std::string wanted = base::TrimBlanks(fields_.New_PlayList);
         // The cross-reference knows the name as typed, the player gets the filtered one.
         std::string key;
         in_.xref.AddNameXref(kPlayListCategory, wanted, key);
         web::FilterString(wanted, "HTML", " ");
+        fields_.New_PlayList = wanted;
         if (wanted.empty()) return "Error: The new PlayList name must be entered!";
         player::PlaylistRef list;
         if (in_.catalogue.CreatePlayList(wanted, list) != kDone)
           return "Error: Unable to add PlayList: " + Quoted(wanted);
         fields_.PlayList = wanted;
-        wanted.clear();
-        return "Added new PlayList: " + Quoted(fields_.PlayList);
+        fields_.New_PlayList.clear();
+        return "Added new PlayList: " + Quoted(wanted);
       },
       &WebEditorForm::BuildMainPage);
 }
@@ -121,18 +124,20 @@ std::string WebEditorForm::DeleteFromPlayList() {
       "DeleteFromPlayList",
       [&]() -> std::string {
         const std::string edited = fields_.PlayList;
-        std::string& wanted = fields_.PlayListItems;
+        std::string wanted = fields_.PlayListItems;
         if (wanted.empty()) return "Error: An item to be deleted must be selected!";
         player::PlaylistRef list;
         if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, list) != kDone)
           return "Error: Unable to delete, PlayList: " + Quoted(edited) + " does not exist";
         player::MediaRef item;
-        if (in_.catalogue.GetMediaItem(wanted, list, item) != kDone)
+        const std::int32_t status = in_.catalogue.GetMediaItem(wanted, list, item);
+        fields_.PlayListItems = wanted;  // the library's own name
+        if (status != kDone)
           return "Error: " + Quoted(wanted) + " does not exist in PlayList: " + Quoted(edited);
         list->removeItem(item);
         const std::string what = Quoted(wanted) + ", from PlayList: " + Quoted(edited);
         if (in_.told()) return "Error: Unable to delete: " + what;
-        wanted.clear();
+        fields_.PlayListItems.clear();
         return "Deleted: " + what;
       },
       &WebEditorForm::BuildMainPage);

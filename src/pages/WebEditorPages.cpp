@@ -51,13 +51,13 @@ std::string WebEditorForm::BuildMainPage() {
     const std::int32_t status = in_.catalogue.GetGroupList(catalogue::kPlayListCategory, lists, "");
     web::SortCollection(lists);
     if (fields_.PlayList.empty() && status == catalogue::kDone) fields_.PlayList = lists->item(1);
+    const std::string edited = fields_.PlayList;
     player::PlaylistRef group;
     base::TextList items;
-    if (in_.catalogue.GetGroupItems(catalogue::kPlayListCategory, fields_.PlayList, group) ==
-        catalogue::kDone)
+    if (in_.catalogue.GetGroupItems(catalogue::kPlayListCategory, edited, group) == catalogue::kDone)
       AddNames(*group, items);
     else
-      page_.Message = "Error: PlayList '" + fields_.PlayList + "' does not exist";
+      page_.Message = "Error: PlayList '" + edited + "' does not exist";
 
     web::StringAccumulator text;
     web::ConcatInit(text);
@@ -125,10 +125,6 @@ std::string WebEditorForm::sourceList(const EditorSource& source) {
                             WithEmptyFirst(*names), kSubmitOnChange);
 }
 
-std::int32_t WebEditorForm::sourceItems(const EditorSource& source, player::PlaylistRef& list) {
-  return in_.catalogue.GetGroupItems(source.category, fields_.*source.chosen, list);
-}
-
 std::int32_t WebEditorForm::GetFileDropList(TextListRef& titles) {
   titles = std::make_shared<base::TextList>();
   std::int32_t status = catalogue::kDone;
@@ -141,7 +137,8 @@ std::int32_t WebEditorForm::GetFileDropList(TextListRef& titles) {
       return;
     }
     player::PlaylistRef list;
-    status = sourceItems(*from, list);
+    const std::string name = fields_.*from->chosen;
+    status = in_.catalogue.GetGroupItems(from->category, name, list);
     // A change of the category forgets what was chosen in the others.
     for (const EditorSource& source : EditorSources())
       if (&source != from) (fields_.*source.chosen).clear();

@@ -2,6 +2,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
+#include "pages/UnknownArgument.hpp"
 #include "web/Concatenate.hpp"
 #include "web/HtmlFields.hpp"
 
@@ -94,16 +95,9 @@ std::string WebSetupForm::BuildSetupPage() {
 
 std::string WebSetupForm::MyPagePut(const std::string& data) {
   return page_.Logged("MyPagePut", [&]() -> std::string {
-    page_.GetFormData(data);
-    // A copy: a line in the log may let another post in, which is read into the same place.
-    web::FormArgs args = page_.Args;
-    args.pop_back();  // the slot that stays empty
     SetupPost post;
-    for (const auto& [name, value] : args) {
-      if (!TakeArgument(post, name, value))
-        in_.host.WriteLog("Error",
-                          "Media Player Unknown argument submitted to web server: " + name + "=" + value);
-    }
+    for (const auto& [name, value] : page_.Posted(data))
+      if (!TakeArgument(post, name, value)) LogUnknownArgument(in_.host, name, value);
     if (base::SameText(post.button, "update")) return UpdateConfig(post);
     if (base::SameText(post.button, "none")) return BuildSetupPage();
     return {};

@@ -111,6 +111,13 @@ void PageForm::GetFormData(const std::string& data) {
   });
 }
 
+FormArgs PageForm::Posted(const std::string& data) {
+  GetFormData(data);
+  FormArgs pairs = Args;
+  if (!pairs.empty()) pairs.pop_back();
+  return pairs;
+}
+
 std::string PageForm::UrlDecode(const std::string& text) {
   return base::Handled([&] { return DecodeUrl(text); },
                        [&](const base::Failure& failure) {

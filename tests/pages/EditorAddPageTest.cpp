@@ -194,12 +194,8 @@ TEST_F(EditorAddPage, ACategoryThatCantBeReadIsOfferedEmpty) {
 }
 
 TEST_F(EditorAddPage, ATitleWithoutANameIsLoggedAndTheOnesBeforeItAreOffered) {
-  class Nameless : public support::FakeMedia {
-   public:
-    Nameless() : FakeMedia("", "", "", "") {}
-    [[nodiscard]] std::string name() const override { throw base::Failure(base::number::kDeviceIo); }
-  };
-  library.addPlaylist("Other", {library.tracks[0], std::make_shared<Nameless>(), library.tracks[1]});
+  library.addPlaylist("Other",
+                      {library.tracks[0], std::make_shared<support::NamelessMedia>(), library.tracks[1]});
   EXPECT_THAT(
       post(
           {{"wmp_page", "Add_Page"}, {"PlayList", "Mine"}, {"Add_from", "PlayList"}, {"PlayLists", "Other"}}),

@@ -138,12 +138,7 @@ TEST_F(EditorMainPage, IsEmptyWhenNoListOfSeveralCanBeRead) {
 }
 
 TEST_F(EditorMainPage, AnItemWithoutANameLeavesALineInTheLogAndAnEmptyAnswer) {
-  class Nameless : public support::FakeMedia {
-   public:
-    Nameless() : FakeMedia("", "", "", "") {}
-    [[nodiscard]] std::string name() const override { throw base::Failure(base::number::kDeviceIo); }
-  };
-  library.addPlaylist("A", {std::make_shared<Nameless>()});
+  library.addPlaylist("A", {std::make_shared<support::NamelessMedia>()});
   EXPECT_EQ(get(), "");
   EXPECT_TRUE(logged("Error",
                      "Media Player Could not complete procedure WebModule/BuildMainPage Error # 57: Input or "

@@ -175,3 +175,34 @@ TEST_F(EditorPosts, APostThatComesWhileTheLogIsWrittenIsAnsweredForItself) {
   EXPECT_EQ(Kind(post("Unknown=1&wmp_page=Main_Page")), "main");
   EXPECT_EQ(Kind(inner), "setup");
 }
+
+TEST_F(EditorPosts, AButtonActsOnceEvenWhenItsPostComesWhileAnotherIsRead) {
+  library.addPlaylist("Yours");
+  bool first = true;
+  host->answers["WriteLog"] = [&](base::Args&) {
+    if (std::exchange(first, false))
+      post({{"wmp_page", "Main_Page"}, {"PlayList", "Mine"}, {"button", "Delete List"}});
+    return base::Value();
+  };
+  EXPECT_EQ(Kind(post("wmp_page=Main_Page&PlayList=Yours&Unknown=1")), "main");
+  EXPECT_EQ(journal.with("library: remove "), std::vector<std::string>{"library: remove Mine"});
+}
+
+TEST_F(EditorPosts, AnItemIsAddedWhereItWasAskedForEvenWhenAnotherPostComesMeanwhile) {
+  library.addPlaylist("Yours");
+  library.addTrack("A/B", "Joni", "Blue", "Folk");
+  bool first = true;
+  // The names that a group registers are stored through the host.
+  host->answers["SaveINISetting"] = [&](base::Args&) {
+    if (std::exchange(first, false)) post({{"wmp_page", "Main_Page"}, {"PlayList", "Yours"}});
+    return base::Value();
+  };
+  post({{"wmp_page", "Add_Page"},
+        {"PlayList", "Mine"},
+        {"Add_from", "Album"},
+        {"Albums", "Blue"},
+        {"Title", "River"},
+        {"button", "Add Item"}});
+  EXPECT_FALSE(first);
+  EXPECT_EQ(journal.with("library: append "), std::vector<std::string>{"library: append River to Mine"});
+}

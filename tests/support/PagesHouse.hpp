@@ -39,6 +39,13 @@ inline std::string Body(const Fields& fields) {
   return body;
 }
 
+/// An item whose name can't be read.
+class NamelessMedia : public FakeMedia {
+ public:
+  NamelessMedia() : FakeMedia("", "", "", "") {}
+  [[nodiscard]] std::string name() const override { throw Failure(base::number::kDeviceIo); }
+};
+
 /// A house that shows its own pages.
 class PagesHouse : public LibraryHouse {
  protected:
