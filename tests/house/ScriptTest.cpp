@@ -41,7 +41,12 @@ TEST_F(Script, ReadsTheLibrary) {
   const Value info = script->invoke("GetMediaInfo", "Album", "Counting", "two");
   EXPECT_THAT(info.record(), ElementsAre(::testing::Pair("Artist", Value("The Testers")),
                                          ::testing::Pair("Album", Value("Counting")),
-                                         ::testing::Pair("Genre", Value("Numbers")), ::testing::_));
+                                         ::testing::Pair("Genre", Value("Numbers")),
+                                         ::testing::Pair("Duration", Value(20.0))));
+  const Value unknown = script->invoke("GetMediaInfo", "Album", "Counting", "Nine");
+  EXPECT_THAT(unknown.record(),
+              ElementsAre(::testing::Pair("Artist", Value("")), ::testing::Pair("Album", Value("")),
+                          ::testing::Pair("Genre", Value("")), ::testing::Pair("Duration", Value(""))));
 }
 
 TEST_F(Script, PlaysATitleByItsKey) {
@@ -58,7 +63,21 @@ TEST_F(Script, KeepsWhatPlaysInThePlaylistOfTheHouse) {
   EXPECT_EQ(script->invoke("AddToPlayList"), Value());
   EXPECT_THAT(texts("GetByCategory", {"PlayList", "Vantorix"}), ElementsAre("Two"));
   EXPECT_THAT(texts("GetCategoryList", {"PlayList"}), ElementsAre("Vantorix"));
+  script->invoke("StopPlayer");
+  ASSERT_TRUE(support::Eventually([&] { return script->get("Title") == Value(""); }));
+  EXPECT_NE(script->invoke("CurrentPlaylist"), Value("Vantorix"));
   EXPECT_EQ(script->invoke("Play", "PlayList", "Vantorix"), Value(std::int32_t{0}));
+  EXPECT_TRUE(support::Eventually([&] { return script->get("Title") == Value("Two"); }));
+  EXPECT_EQ(script->invoke("CurrentPlaylist"), Value("Vantorix"));
+  EXPECT_TRUE(support::Eventually([&] { return base::ToDouble(script->get("CurrentPosition")) > 0; }));
+}
+
+TEST_F(Script, MeetsNoFailureWithAValueThatIsNone) {
+  script->put("Volume", 40);
+  EXPECT_NO_THROW(script->put("Volume", "abc"));
+  EXPECT_NO_THROW(script->invoke("VolumeUp", "x"));
+  EXPECT_EQ(script->get("Volume"), Value(std::int16_t{40}));
+  EXPECT_EQ(texts("GetByCategory", {Value(base::Array{1})}), std::vector<std::string>());
 }
 
 TEST_F(Script, HearsWhyNothingPlays) {

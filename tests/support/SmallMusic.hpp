@@ -17,15 +17,19 @@ class SmallMusic {
     for (int i = 0; i < 3; ++i) add(titles[i], i + 1, seconds);
   }
   void add(const std::string& title, int track, double seconds) const {
-    const std::string path = (folder_.path() / (title + ".flac")).string();
-    engine::demo::WriteSound(path, engine::demo::Tone(220.0 * track, seconds, 8000),
-                             engine::demo::FileFormat::kFlac);
     engine::TrackTags tags;
     tags.title = title;
     tags.artist = "The Testers";
     tags.album = "Counting";
     tags.genre = "Numbers";
     tags.track = track;
+    add(title, seconds, tags);
+  }
+  /// A piece whose file's name tells nothing of its tags.
+  void add(const std::string& file, double seconds, const engine::TrackTags& tags) const {
+    const std::string path = (folder_.path() / (file + ".flac")).string();
+    engine::demo::WriteSound(path, engine::demo::Tone(220.0 * tags.track, seconds, 8000),
+                             engine::demo::FileFormat::kFlac);
     engine::demo::WriteTags(path, tags);
   }
   [[nodiscard]] std::string path() const { return folder_.path().string(); }
