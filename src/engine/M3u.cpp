@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
@@ -183,15 +184,23 @@ void M3uText::readHead(std::string_view head) {
   while (!head.empty()) {
     const std::string_view line = TakeLine(head);
     const std::string_view readable = Readable(line);
+    const bool header = readable.starts_with(kHeader) && !hasHeader_;
     const bool tag = readable.starts_with(kNameTag) && nameLines_.empty();
     const bool exact = named && readable.starts_with(kExactNameTag);
-    if (header_.empty() && readable.starts_with(kHeader)) {
-      add(header_, line);
+    if (nameLines_.empty() && (tag || header)) front_ += std::exchange(rest_, {});
+    if (tag || exact) {
+      add(nameLines_, line);
     } else {
-      add(tag || exact ? nameLines_ : head_, line);
+      add(header && nameLines_.empty() ? front_ : rest_, line);
     }
+    hasHeader_ = hasHeader_ || header;
     named = tag;
   }
+}
+
+void M3uText::needHeader() {
+  if (!hasHeader_) front_.insert(0, std::string(kHeader) + lineEnd_);
+  hasHeader_ = true;
 }
 
 std::string M3uText::name() const {
@@ -217,7 +226,7 @@ void M3uText::name(const std::string& value) {
     lines += exact + lineEnd_;
   }
   nameLines_ = lines;
-  if (header_.empty()) header_ = std::string(kHeader) + lineEnd_;
+  needHeader();
 }
 
 M3uItem M3uText::item(std::size_t index, const std::string& folder) const {
@@ -235,7 +244,7 @@ void M3uText::insert(std::size_t index, const M3uItem& item) {
   const std::string line = LineOf(item.location);
   CheckLine(line);
   if (!IsItem(Readable(line))) throw base::Failure(base::number::kInvalidArgument, "The item has no address");
-  if (header_.empty()) header_ = std::string(kHeader) + lineEnd_;
+  needHeader();
   Piece piece{text_.size(), 0};
   text_ +=
       std::string(kItemTag) + std::to_string(item.seconds) + ',' + OneLine(ShortTitle(item.title)) + lineEnd_;
@@ -260,7 +269,7 @@ void M3uText::add(std::string& text, std::string_view piece) const {
 std::string M3uText::text() const {
   std::string text;
   text.reserve(text_.size() + nameLines_.size() + 64);
-  text += mark_ + header_ + nameLines_ + head_;
+  text += mark_ + front_ + nameLines_ + rest_;
   for (const Piece& piece : items_) add(text, of(piece));
   add(text, of(tail_));
   return text;

@@ -49,14 +49,16 @@ class M3uText {
     return std::string_view(text_).substr(piece.begin, piece.size);
   }
   void readHead(std::string_view head);
+  void needHeader();
   void add(std::string& text, std::string_view piece) const;
 
   std::string text_;  ///< what the pieces lie in, those that came later at its end
   std::string lineEnd_ = "\n";
   std::string mark_;       ///< the byte order mark, if there is one
-  std::string header_;     ///< the line "#EXTM3U"
+  std::string front_;      ///< the list's own lines before its name
   std::string nameLines_;  ///< the lines that tell the name
-  std::string head_;       ///< other lines of the list
+  std::string rest_;       ///< the list's own lines behind it
+  bool hasHeader_ = false;
   std::vector<Piece> items_;
   Piece tail_;  ///< the lines behind the last item
 };

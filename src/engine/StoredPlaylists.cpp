@@ -234,7 +234,9 @@ bool StoredPlaylists::holds(const StoredPlaylist& playlist) const {
 }
 
 M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
-  if (!holds(playlist)) refresh();
+  std::error_code ignored;
+  if (!holds(playlist) || !fs::exists(playlist.path(), ignored))
+    refresh();  // it may have come back, or moved
   if (!holds(playlist)) FailOn(playlist.path(), ENOENT);
   FileText file = ReadFile(playlist.path(), kLargest);
   M3uText text(std::move(file.text));

@@ -109,7 +109,7 @@ TEST(PlaylistText, RemarksAndForeignTagsStayWhereTheyBelong) {
   text.remove(2);
   text.name("M");
   EXPECT_EQ(text.text(),
-            "\xEF\xBB\xBF#EXTM3U url-tvg=\"x\"\r\n#PLAYLIST:M\r\n# my favourites\r\n# since 2019\r\n"
+            "\xEF\xBB\xBF#EXTM3U url-tvg=\"x\"\r\n# my favourites\r\n#PLAYLIST:M\r\n# since 2019\r\n"
             "\r\n# the second\r\n#EXTINF:2 tvg-id=\"a,b\",B\r\nsub\\b.mp3\r\n"
             "#EXTALB:Blue\r\n#EXTINF:1,A\r\n#EXTVLCOPT:start-time=5\r\na.mp3\r\n"
             "#EXTINF:4,New\r\n/new.mp3\r\n# the end\r\n");

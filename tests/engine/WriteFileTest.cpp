@@ -1,0 +1,119 @@
+#include "engine/WriteFile.hpp"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+#include "base/Failure.hpp"
+#include "engine/FileDescriptor.hpp"
+#include "engine/PlaylistFolder.hpp"
+#include "engine/ReadFile.hpp"
+#include "engine/Stamp.hpp"
+#include "support/TempFolder.hpp"
+
+namespace engine::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> Hidden(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string name = entry.path().filename().string();
+    if (name.front() == '.') names.push_back(name);
+  }
+  return names;
+}
+
+class Files : public ::testing::Test {
+ protected:
+  [[nodiscard]] std::string path(const std::string& name) const { return root.path() / name; }
+  [[nodiscard]] mode_t modeOf(const std::string& name) const {
+    struct stat info {};
+    return ::stat(path(name).c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
+  }
+  const support::TempFolder root;
+};
+
+TEST_F(Files, ANewFileHasTheModeThatTheProcessGivesAndAnOldOneKeepsIts) {
+  const mode_t before = ::umask(027);
+  WriteFile(path("a"), "1");
+  ::umask(before);
+  EXPECT_EQ(modeOf("a"), 0640U);
+  ::chmod(path("a").c_str(), 0604);
+  WriteFile(path("a"), "2");
+  EXPECT_EQ(modeOf("a"), 0604U);
+  EXPECT_EQ(FileContent(path("a")), "2");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {
+  const FileStamp written = WriteFile(path("a"), "text");
+  EXPECT_EQ(written, StampOf(path("a")));
+  EXPECT_EQ(ReadFile(path("a"), 4).stamp, StampOf(path("a")));
+  EXPECT_EQ(ReadFile(path("a"), 4).text, "text");
+  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), 3); }), base::number::kDeviceIo);
+}
+
+TEST_F(Files, ANewFileReplacesNothing) {
+  EXPECT_TRUE(WriteNewFile(path("a"), "1").has_value());
+  EXPECT_FALSE(WriteNewFile(path("a"), "2").has_value());
+  EXPECT_EQ(FileContent(path("a")), "1");
+  WriteFile(path("b"), "3");
+  EXPECT_FALSE(MoveFile(path("b"), path("a")));
+  EXPECT_EQ(FileContent(path("a")), "1");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhatAKilledProcessHasLeftIsClearedAndNothingElse) {
+  for (const char* name : {".vantorix-0123456789abcdef.part", ".vantorix-0123456789abcde.part",
+                           ".vantorix-0123456789abcdeX.part", "vantorix-0123456789abcdef.part", "L.m3u8",
+                           "L.m3u8.backup", ".hidden"}) {
+    WriteText(path(name), "x");
+  }
+  const std::string folder = ".vantorix-00000000000000ff.part";
+  const std::string living = ".vantorix-ffffffffffffffff.part";
+  fs::create_directory(path(folder));
+  WriteText(path(living), "x");
+  const FileDescriptor owner(::open(path(living).c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(owner.get(), LOCK_EX), 0);
+  ClearLeftovers(root.path());
+  EXPECT_THAT(Hidden(root.path()),
+              ::testing::UnorderedElementsAre(".vantorix-0123456789abcde.part",
+                                              ".vantorix-0123456789abcdeX.part", ".hidden", folder, living));
+  EXPECT_TRUE(fs::exists(path("vantorix-0123456789abcdef.part")));
+  EXPECT_TRUE(fs::exists(path("L.m3u8.backup")));
+}
+
+TEST_F(Files, AWriterThatIsClearedAtAllTimesStillWrites) {
+  std::atomic<bool> end{false};
+  std::thread clearing([&] {
+    while (!end) ClearLeftovers(root.path());
+  });
+  for (int i = 0; i < 300; ++i) {
+    WriteFile(path("a"), std::to_string(i));
+    EXPECT_EQ(FileContent(path("a")), std::to_string(i));
+  }
+  end = true;
+  clearing.join();
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, AtTheStartThePlaylistFolderIsCleared) {
+  const std::string target = path("elsewhere/real.m3u8");
+  WriteText(target, "#PLAYLIST:Linked\n");
+  WriteText(path("elsewhere/.vantorix-0123456789abcdef.part"), "x");
+  WriteText(path("playlists/.vantorix-0123456789abcdef.part"), "x");
+  fs::create_symlink(target, path("playlists/L.m3u8"));
+  const PlaylistFolder playlists(root.path());
+  EXPECT_TRUE(Hidden(root.path() / "playlists").empty());
+  EXPECT_TRUE(Hidden(root.path() / "elsewhere").empty());
+}
+
+}  // namespace
+}  // namespace engine::testing
