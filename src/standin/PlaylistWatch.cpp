@@ -49,8 +49,8 @@ void Playlists::look() {
 
 void Playlists::lookAtNames(PlayerLists& lists) {
   std::vector<std::string> names;
-  for (const base::Value& each : lists.script().invoke("GetCategoryList", "PlayList").array())
-    names.push_back(base::ToText(each));
+  const base::Value all = lists.script().invoke("GetCategoryList", "PlayList");
+  for (const base::Value& each : all.array()) names.push_back(base::ToText(each));
   const bool first = listed_.empty();
   if (names == listed_) return;
   listed_ = std::move(names);

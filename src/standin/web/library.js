@@ -1,11 +1,14 @@
 // The player's library: categories, their groups, the titles in a group.
-import {ask, el, run, toast} from './dom.js';
+import {ask, el, run} from './dom.js';
 import {longList} from './longlist.js';
+import {addButton, addingBar, leavePlaylists, playlistChanged, playlistPage, playlistTools, playlistsSeen} from './playlist.js';
+import {address, play, playButton, searchKeys, titleButton} from './titles.js';
 
 const kCategories = [['Artist', 'Artists'], ['Album', 'Albums'], ['Genre', 'Genres'], ['PlayList', 'Playlists']];
-const kPause = 200;  // milliseconds without a key before the search starts
 
 let fetched = new Set();  // lists seen since the page was opened: the first look at each is a fresh one
+let shown = null;         // the view on the page: {hash, again}
+let tabWanted = false;    // the page changes because of a key on a tab, which keeps the focus
 
 /** The place is in the address: #library/Album/Blue. */
 function place() {
@@ -18,11 +21,64 @@ function place() {
   return {category: (known || kCategories[1])[0], group: name};
 }
 
-const address = (category, group) => `#library/${category}${group ? '/' + encodeURIComponent(group) : ''}`;
+export function leaveLibrary() {
+  leavePlaylists();
+  shown = null;
+}
 
-export async function libraryPage(page, stayed) {
+/** Something has become of a playlist, here or elsewhere. */
+export function libraryChanged(event) {
+  if (event.lists && shown?.names) shown.again();
+  playlistChanged(event);
+}
+
+export async function libraryPage(page, stayed, user) {
+  if (stayed && shown?.hash === location.hash && page.contains(shown.node)) {
+    shown.again();  // what is under way on the page stays
+    return;
+  }
+  leavePlaylists();
   if (!stayed) fetched = new Set();
   const {category, group} = place();
+  const edit = !user.guest;
+  const body = el('div', {class: 'library-body', role: 'tabpanel', id: 'library-panel', 'aria-labelledby': `tab-${category}`});
+  const node = el('div', {class: 'library'}, el('div', {class: 'page-head'}, el('h1', {}, 'Library')), tabs(category),
+    addingBar(), body);
+  page.replaceChildren(node);
+  if (tabWanted) {
+    tabWanted = false;
+    setTimeout(() => node.querySelector('[role=tab][aria-selected=true]')?.focus());
+  }
+  shown = {hash: location.hash, node, again: () => {}, names: category === 'PlayList' && !group};
+  const view = shown;
+  if (category === 'PlayList' && group) {
+    shown.again = playlistPage(body, group, edit, view);
+    return;
+  }
+  await namesView(body, category, group, edit, view);
+}
+
+function tabs(category) {
+  const all = kCategories.map(([word, text]) => el('a', {href: address(word), role: 'tab', id: `tab-${word}`,
+    'aria-selected': word === category ? 'true' : 'false', 'aria-controls': 'library-panel',
+    tabindex: word === category ? 0 : -1}, text));
+  const node = el('div', {class: 'tabs', role: 'tablist', 'aria-label': 'Categories'}, ...all);
+  node.addEventListener('keydown', (event) => {
+    const at = all.indexOf(event.target);
+    const to = {ArrowRight: at + 1, ArrowLeft: at - 1, Home: 0, End: all.length - 1}[event.key];
+    if (event.key === ' ') {
+      event.preventDefault();
+      event.target.click();
+    }
+    if (at < 0 || to === undefined) return;
+    event.preventDefault();
+    tabWanted = true;
+    location.hash = all[(to + all.length) % all.length].getAttribute('href');
+  });
+  return node;
+}
+
+async function namesView(body, category, group, edit, view) {
   const count = el('p', {class: 'quiet library-count', role: 'status'});
   const what = kCategories.find(([word]) => word === category)[1].toLowerCase();
   let fresh = !fetched.has(location.hash);
@@ -37,84 +93,50 @@ export async function libraryPage(page, stayed) {
     fresh = false;
     return ask(`/api/library?${query}`);
   };
-  const list = longList(group || what, fetchPage, (name) => group ? titleRow(category, group, name)
-    : groupRow(category, name), (total) => {
+  const details = el('div', {class: 'details', role: 'status', hidden: true});
+  const list = longList(group || what, fetchPage, (name, index, at) => group
+    ? titleRow(category, group, name, details, edit && addButton(category, group, {at, title: name}))
+    : groupRow(category, name, edit && category !== 'PlayList' && addButton(category, name)), (total) => {
     const words = group ? (total === 1 ? 'title' : 'titles') : (total === 1 ? what.slice(0, -1) : what);
     count.textContent = total ? `${total.toLocaleString()} ${words}`
       : search.value.trim() ? 'Nothing found' : `No ${words} here`;
   });
-  const load = async () => {
+  const attempt = async (work) => {
     try {
-      await list.load();
+      await work();
     } catch (error) {
       count.textContent = error.message;
     }
   };
-  let timer = 0;
-  search.addEventListener('input', () => {
-    clearTimeout(timer);
-    timer = setTimeout(load, kPause);
-  });
-  search.addEventListener('keydown', (event) => {
-    if (event.key !== 'ArrowDown') return;
-    event.preventDefault();
-    list.focusFirst();
-  });
-  const again = el('button', {type: 'button', onclick: () => { fresh = true; run(again, load); }}, 'Refresh');
-
-  const tabs = el('nav', {class: 'tabs', 'aria-label': 'Categories'}, ...kCategories.map(([word, text]) =>
-    el('a', {href: address(word), 'aria-current': word === category ? 'page' : undefined}, text)));
-  page.replaceChildren(el('div', {class: 'library'},
-    el('div', {class: 'page-head'}, el('h1', {}, 'Library'), again), tabs,
-    group ? groupHead(category, group) : null,
-    el('div', {class: 'library-search'}, search, count), list.node));
+  searchKeys(search, list, () => attempt(list.load));
+  view.again = () => {
+    fresh = true;
+    attempt(list.refresh);
+  };
+  const again = el('button', {type: 'button', onclick: () => { fresh = true; run(again, list.load); }}, 'Refresh');
+  body.replaceChildren(...[
+    group ? groupHead(category, group, edit) : null,
+    !group && category === 'PlayList' ? playlistTools(edit, view) : null,
+    el('div', {class: 'library-search'}, search, count), details, list.node].filter(Boolean));
+  view.node.querySelector('.page-head').append(again);
+  if (view.names) playlistsSeen();
   count.textContent = 'Loading…';
-  await load();
+  await attempt(list.load);
 }
 
-function play(button, category, name, title) {
-  return run(button, async () => {
-    await ask('/api/play', {category, name, title});
-    toast(`Playing ${title || name}`);
-  }).then(() => button.focus({preventScroll: true}));
-}
-
-function groupHead(category, group) {
+function groupHead(category, group, edit) {
   const all = el('button', {type: 'button', class: 'primary', onclick: () => play(all, category, group, '')}, 'Play all');
   return el('div', {class: 'group-head'},
-    el('a', {href: address(category), class: 'back', 'aria-label': 'Back to the list'}, '‹'), el('h2', {}, group), all);
+    el('a', {href: address(category), class: 'back', 'aria-label': 'Back to the list'}, '‹'), el('h2', {}, group),
+    el('div', {class: 'tools'}, edit ? addButton(category, group, null, 'Add all') : null, all));
 }
 
-function playButton(category, name, title) {
-  const button = el('button', {type: 'button', class: 'round', 'aria-label': `Play ${title || name}`, title: 'Play',
-    onclick: () => play(button, category, name, title)}, el('span', {'aria-hidden': 'true'}, '▶'));
-  return button;
-}
-
-function groupRow(category, name) {
+function groupRow(category, name, add) {
   return [el('button', {type: 'button', class: 'row-main', title: name,
     onclick: () => { location.hash = address(category, name); }}, el('span', {class: 'row-name'}, name)),
-  playButton(category, name, '')];
+  add || '', playButton(category, name, '')];
 }
 
-/** The title itself tells more of it when it is chosen. */
-function titleRow(category, group, title) {
-  const facts = el('span', {class: 'row-facts', 'aria-live': 'polite'});
-  const main = el('button', {type: 'button', class: 'row-main', title, onclick: async () => {
-    if (facts.textContent) return;
-    try {
-      const told = await ask(`/api/media?${new URLSearchParams({category, name: group, title})}`);
-      facts.textContent = [told.artist, told.album, told.genre, length(told.seconds)].filter(Boolean).join(' · ')
-        || 'Nothing more is known';
-    } catch (error) {
-      toast(error.message, 'bad');
-    }
-  }}, el('span', {class: 'row-name'}, title), facts);
-  return [main, playButton(category, group, title)];
-}
-
-function length(seconds) {
-  if (seconds === undefined) return '';
-  const whole = Math.round(seconds);
-  return `${Math.floor(whole / 60)}:${String(whole % 60).padStart(2, '0')}`;
+function titleRow(category, group, title, details, add) {
+  return [titleButton(category, group, title, details), add || '', playButton(category, group, title)];
 }

@@ -120,6 +120,7 @@ export function longList(label, fetchPage, makeRow, onTotal) {
     total = count;
     names.length = places.length = total;
     space.style.height = `${total * kRow}px`;
+    node.style.setProperty('--content', `${total * kRow}px`);
     if (active >= total) activate(Math.max(0, total - 1));
     onTotal(total);
   }

@@ -7,10 +7,10 @@ const kEdge = 56;        // pixels from the list's edges in which it scrolls
 const kFastest = 18;     // pixels a frame
 
 /**
- * `allowed()` tells whether rows may be moved now; `onMove(from, to)` is told where one has been put; `say(text)`
- * speaks to who can't see. Answers {active, end}: whether a row is on its way, and what puts it back.
+ * `allowed()` tells whether rows may be moved now; `onMove(from, to, byKey)` is told where one has been put,
+ * `onSettled()` that none is on its way any longer; `say(text)` speaks to who can't see. Ends with `signal`.
  */
-export function reorder(list, {allowed, onMove, onSettled, say, nameOf}) {
+export function reorder(list, {allowed, onMove, onSettled, say, nameOf, signal}) {
   let press = null;  // a pointer that is down and may become a drag
   let drag = null;   // {from, to, y, grip} or {from, to, byKey: true}
   let frame = 0;
@@ -84,7 +84,7 @@ export function reorder(list, {allowed, onMove, onSettled, say, nameOf}) {
       begin();
       drag.y = event.clientY;
     }
-  });
+  }, {signal});
   addEventListener('pointerup', (event) => {
     if (!press || event.pointerId !== press.id) return;
     if (drag && !drag.byKey) {
@@ -93,8 +93,13 @@ export function reorder(list, {allowed, onMove, onSettled, say, nameOf}) {
       step();
     }
     settle(true);
-  });
-  addEventListener('pointercancel', (event) => { if (press && event.pointerId === press.id) settle(false); });
+  }, {signal});
+  addEventListener('pointercancel', (event) => { if (press && event.pointerId === press.id) settle(false); }, {signal});
+  addEventListener('keydown', (event) => {
+    if (event.key !== 'Escape' || !drag) return;
+    event.preventDefault();
+    settle(false);
+  }, {signal, capture: true});
   // A finger that carries a row must not scroll the list.
   list.node.addEventListener('touchmove', (event) => { if (drag) event.preventDefault(); }, {passive: false});
   list.node.addEventListener('contextmenu', (event) => { if (press || drag) event.preventDefault(); });
@@ -115,11 +120,6 @@ export function reorder(list, {allowed, onMove, onSettled, say, nameOf}) {
 
   list.node.addEventListener('keydown', (event) => {
     const row = event.target.closest('.long-row');
-    if (event.key === 'Escape' && drag) {
-      event.preventDefault();
-      settle(false);
-      return;
-    }
     if (!row || !allowed()) return;
     const index = Number(row.dataset.index);
     const by = target(event.key);
