@@ -1,5 +1,7 @@
 #include "web/PageForm.hpp"
 
+#include <utility>
+
 #include "base/Text.hpp"
 #include "web/Concatenate.hpp"
 #include "web/HtmlFields.hpp"
@@ -113,7 +115,7 @@ void PageForm::GetFormData(const std::string& data) {
 
 FormArgs PageForm::Posted(const std::string& data) {
   GetFormData(data);
-  FormArgs pairs = Args;
+  FormArgs pairs = std::exchange(Args, {});
   if (!pairs.empty()) pairs.pop_back();
   return pairs;
 }

@@ -44,7 +44,8 @@ class PageForm {
   /// Makes `Args` anew from the body of a post, once the whole body is read: a line in the log may let
   /// another post in meanwhile.
   void GetFormData(const std::string& data);
-  /// Reads a post and answers its pairs: a copy, which stays as it is when a further post is read.
+  /// Reads a post and hands its pairs over, without the empty slot: they stay as they are when a further post
+  /// is read.
   FormArgs Posted(const std::string& data);
   /// The decoded text; a text that can't be decoded as it came.
   std::string UrlDecode(const std::string& text);
