@@ -32,7 +32,9 @@ class Browser {
       options["mobileEmulation"] = {
           {"deviceMetrics", {{"width", width}, {"height", height}, {"pixelRatio", 2}}}};
     const Json session =
-        ask("POST", "/session", {{"capabilities", {{"alwaysMatch", {{"goog:chromeOptions", options}}}}}});
+        ask("POST", "/session",
+            {{"capabilities",
+              {{"alwaysMatch", {{"goog:chromeOptions", options}, {"timeouts", {{"script", 80000}}}}}}}});
     session_ = "/session/" + session["sessionId"].get<std::string>();
   }
   ~Browser() {

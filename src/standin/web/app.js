@@ -73,7 +73,10 @@ function showNav() {
   for (const each of state.links) links.push(link('/' + encodeURIComponent(each.link), each.text, each.link));
   links.push(link('/#log', 'Log', 'log'));
   links.push(link('/#account', state.user.guest ? 'Guest' : 'Account', 'account'));
-  document.getElementById('nav').replaceChildren(...links);
+  const nav = document.getElementById('nav');
+  nav.replaceChildren(...links);
+  const current = nav.querySelector('[aria-current]');
+  if (current) nav.scrollLeft = current.offsetLeft - (nav.clientWidth - current.offsetWidth) / 2;
 }
 
 function currentView() {

@@ -349,7 +349,7 @@ export function addButton(category, group, title, words) {
     await ask('/api/playlist/add', {name, category, group, ...(title ? {titles: [title]} : {})});
     toast(`Added ${what} to ${name}`);
   };
-  const button = el('button', {type: 'button', class: words ? '' : 'round add', 'aria-label': `Add ${what} to a playlist`,
+  const button = el('button', {type: 'button', class: words ? '' : 'round add', 'aria-label': words ? `${words}: ${what}` : `Add ${what} to a playlist`,
     title: 'Add to a playlist', onclick: async () => {
       if (target) run(button, () => add(target)).then(() => button.focus({preventScroll: true}));
       else await choose(`Add ${what}`, add);

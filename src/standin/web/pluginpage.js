@@ -66,11 +66,21 @@ function labelBefore(field) {
   if (node?.nodeType === Node.TEXT_NODE) {
     node.replaceWith(el('label', {class: 'words', for: field.id}, node.data.trim()));
   } else if (node?.nodeName === 'INPUT' && node.type === 'submit') {
-    field.setAttribute('aria-label', wordsOf(field.name));  // it stands beside its button
-    field.placeholder = wordsOf(field.name);
+    besideItsButton(field, node);
   } else {
     field.before(el('label', {class: 'words', for: field.id}, wordsOf(field.name)));
   }
+}
+
+/** Enter in such a field means its button, not the first one of the form. */
+function besideItsButton(field, button) {
+  field.setAttribute('aria-label', wordsOf(field.name));
+  field.placeholder = wordsOf(field.name);
+  field.addEventListener('keydown', (event) => {
+    if (event.key !== 'Enter' || event.isComposing) return;
+    event.preventDefault();
+    button.click();
+  });
 }
 
 const wordsOf = (name) => name.replaceAll('PlayList', 'Playlist').replaceAll('_', ' ')
@@ -136,8 +146,7 @@ function sendOnChange(list) {
       stepping = false;  // it opens
     }
   });
-  list.addEventListener('change', (event) => {
-    if (!event.isTrusted) return;
+  list.addEventListener('change', () => {
     waits = true;
     if (!stepping) send();
     else hint.textContent = 'Press Enter to go to this choice';

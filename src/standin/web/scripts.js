@@ -24,7 +24,7 @@ export async function scriptsPage(page, stayed) {
   const lines = el('pre', {class: 'lines', 'aria-hidden': 'true'}, '1');
   const text = el('textarea', {id: 'script-text', class: 'code', spellcheck: 'false', wrap: 'off', autocapitalize: 'off',
     'aria-label': 'Text of the script', rows: 16});
-  const output = el('pre', {class: 'output', tabindex: 0, 'aria-label': 'Output'});
+  const output = el('pre', {class: 'output', tabindex: 0, role: 'log', 'aria-label': 'Output'});
   const state = el('span', {class: 'pill', role: 'status'});
   const error = el('button', {type: 'button', class: 'script-error', hidden: true, onclick: () => goTo(view.line)});
   const button = (words, style, work) => {
