@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "FakePlaylists.hpp"
 #include "base/Failure.hpp"
 #include "support/BusPeer.hpp"
 
@@ -18,6 +19,7 @@ struct FakeLibrary {
   std::map<std::string, std::vector<std::string>> categories;  ///< the groups of "Album", "Genre" ...
   std::map<std::string, std::vector<std::string>> groups;      ///< the titles of "Album/Blue" ...
   std::chrono::milliseconds slowness{0};                       ///< of a category's list
+  std::shared_ptr<FakePlaylists> playlists{};                  ///< behind the raw player; none without it
 };
 
 /// The public script object as far as the tests need it; `note` writes down what it is asked to play.
@@ -40,6 +42,8 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
                      [library, texts, note](Args& args) {
                        const std::string category = base::ToText(args[0]);
                        note("GetCategoryList " + category);
+                       if (category == "PlayList" && library.playlists)
+                         return texts(library.playlists->lists());
                        std::this_thread::sleep_for(library.slowness);
                        const auto found = library.categories.find(category);
                        return found == library.categories.end() ? texts({}) : texts(found->second);
@@ -51,6 +55,8 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
                      [library, texts, note](Args& args) {
                        const std::string group = base::ToText(args[0]) + "/" + base::ToText(args[1]);
                        note("GetByCategory " + group);
+                       if (library.playlists && base::ToText(args[0]) == "PlayList")
+                         return texts(library.playlists->names(base::ToText(args[1])));
                        const auto found = library.groups.find(group);
                        return found == library.groups.end() ? texts({}) : texts(found->second);
                      }});
@@ -78,6 +84,11 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
   members.push_back({"Fail", MemberKind::kOperation, {}, Type::kNone, [](Args&) -> Value {
                        throw base::Failure(35601, "Element not found");
                      }});
+  if (library.playlists) {
+    const base::ObjectRef player = library.playlists->player();
+    members.push_back(
+        {"WMPObject", MemberKind::kReadField, {}, Type::kObject, [player](Args&) { return Value(player); }});
+  }
   members.push_back({"Title", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("River"); }});
   members.push_back({"artist", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("Joni"); }});
   members.push_back({"Album", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("Blue"); }});

@@ -1,0 +1,275 @@
+#pragma once
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "support/BusPeer.hpp"
+
+namespace support {
+
+/// A player's stored playlists as its raw player hands them out, open to the test as to any other program
+/// that changes them. May be used from any thread.
+class FakePlaylists {
+ public:
+  struct Title {
+    std::string name;
+    std::string source;
+  };
+  using Names = std::vector<std::string>;
+
+  /// What the library has; an "add" of anything else fails.
+  std::vector<Title> library;
+  /// Changes that the player refuses from now on.
+  void refuse(bool value) {
+    locked([&] { refuses_ = value; });
+  }
+
+  void put(const std::string& list, const std::vector<Title>& titles) {
+    locked([&] { found(list)->titles = titles; });
+  }
+  void drop(const std::string& list) {
+    locked([&] { std::erase_if(lists_, [&](const auto& each) { return each->name == list; }); });
+  }
+  [[nodiscard]] bool has(const std::string& list) {
+    bool known = false;
+    locked([&] {
+      known = std::any_of(lists_.begin(), lists_.end(), [&](const auto& each) { return each->name == list; });
+    });
+    return known;
+  }
+  [[nodiscard]] Names names(const std::string& list) {
+    Names names;
+    locked([&] {
+      for (const Title& title : found(list)->titles) names.push_back(title.name);
+    });
+    return names;
+  }
+  [[nodiscard]] Names sources(const std::string& list) {
+    Names sources;
+    locked([&] {
+      for (const Title& title : found(list)->titles) sources.push_back(title.source);
+    });
+    return sources;
+  }
+  [[nodiscard]] Names lists() {
+    Names names;
+    locked([&] {
+      for (const auto& each : lists_) names.push_back(each->name);
+    });
+    return names;
+  }
+  /// The calls that the raw player has answered.
+  [[nodiscard]] int asked() {
+    int count = 0;
+    locked([&] { count = asked_; });
+    return count;
+  }
+
+  /// The raw player.
+  base::ObjectRef player() {
+    const auto lists = object(
+        "PlaylistCollection",
+        {operation("getAll", {}, [this](base::Args&) { return array(lists_); }),
+         operation("getByName", {text("name")},
+                   [this](base::Args& args) { return array(matching(base::ToText(args[0]))); }),
+         operation("newPlaylist", {text("name")},
+                   [this](base::Args& args) { return make(base::ToText(args[0])); }),
+         operation("remove", {reference("playlist")}, [this](base::Args& args) { return remove(args[0]); })});
+    const auto media = object(
+        "MediaCollection",
+        {operation("add", {text("url")}, [this](base::Args& args) { return add(base::ToText(args[0])); }),
+         operation("getByAttribute", {text("attribute"), text("value")},
+                   [this](base::Args& args) { return group(base::ToText(args[1])); }),
+         operation("getAttributeStringCollection", {text("attribute"), text("mediaType")},
+                   [this](base::Args&) { return array({}); })});
+    return object("WMP9", {field("playlistCollection", [lists] { return base::Value(lists); }),
+                           field("mediaCollection", [media] { return base::Value(media); })});
+  }
+
+ private:
+  using Value = base::Value;
+  struct List {
+    std::string name;
+    std::vector<Title> titles;
+  };
+  using ListRef = std::shared_ptr<List>;
+
+  /// An object that remembers what it stands for.
+  template <class Kept>
+  class Shown : public TableOf {
+   public:
+    Shown(Kept kept, std::string name, std::vector<base::Member> members)
+        : TableOf(std::move(name), std::move(members)), kept(std::move(kept)) {}
+    Kept kept;
+  };
+
+  template <class Work>
+  void locked(Work&& work) {
+    const std::lock_guard lock(mutex_);
+    std::forward<Work>(work)();
+  }
+  static base::Param text(const char* name) { return {name, base::Type::kText}; }
+  static base::Param number(const char* name) { return {name, base::Type::kInt32}; }
+  static base::Param reference(const char* name) { return {name, base::Type::kObject}; }
+  template <class Answer>
+  base::Member operation(const char* name, std::vector<base::Param> params, Answer answer) {
+    return {name, base::MemberKind::kOperation, std::move(params), base::Type::kAny,
+            [this, answer](base::Args& args) {
+              const std::lock_guard lock(mutex_);
+              ++asked_;
+              return Value(answer(args));
+            }};
+  }
+  template <class Read>
+  base::Member field(const char* name, Read read) {
+    return {name, base::MemberKind::kReadField, {}, base::Type::kAny, [this, read](base::Args&) {
+              const std::lock_guard lock(mutex_);
+              ++asked_;
+              return Value(read());
+            }};
+  }
+  static base::ObjectRef object(const std::string& name, std::vector<base::Member> members) {
+    return std::make_shared<TableOf>(name, std::move(members));
+  }
+  template <class Kept>
+  static const Kept& behind(const Value& value) {
+    const auto* shown = dynamic_cast<const Shown<Kept>*>(base::ToObject(value).get());
+    if (shown == nullptr) throw base::Failure(base::number::kTypeMismatch);
+    return shown->kept;
+  }
+
+  ListRef found(const std::string& name) {
+    for (const ListRef& each : lists_)
+      if (base::SameText(each->name, name)) return each;
+    lists_.push_back(std::make_shared<List>(List{name, {}}));
+    return lists_.back();
+  }
+  std::vector<ListRef> matching(const std::string& name) {
+    std::vector<ListRef> all;
+    std::copy_if(lists_.begin(), lists_.end(), std::back_inserter(all),
+                 [&](const ListRef& each) { return base::SameText(each->name, name); });
+    return all;
+  }
+  void mayChange() const {
+    if (refuses_) throw base::Failure(base::number::kPermissionDenied, "The disc is read-only");
+  }
+
+  Value array(const std::vector<ListRef>& lists) {
+    return object("PlaylistArray",
+                  {field("count", [count = lists.size()] { return static_cast<std::int32_t>(count); }),
+                   operation("item", {number("index")}, [this, lists](base::Args& args) {
+                     return show(lists.at(static_cast<std::size_t>(base::ToInt32(args[0]))));
+                   })});
+  }
+  Value make(const std::string& name) {
+    mayChange();
+    if (!matching(name).empty()) throw base::Failure(base::number::kNameInUse, "The name is in use");
+    lists_.push_back(std::make_shared<List>(List{name, {}}));
+    return show(lists_.back());
+  }
+  Value remove(const Value& list) {
+    mayChange();
+    std::erase(lists_, behind<ListRef>(list));
+    return {};
+  }
+  Value add(const std::string& source) {
+    const auto known = std::find_if(library.begin(), library.end(),
+                                    [&](const Title& each) { return each.source == source; });
+    if (known == library.end()) throw base::Failure(base::number::kFileNotFound, source + " can't be found");
+    return show(*known);
+  }
+  /// Titles of a group are those whose source begins with its name.
+  Value group(const std::string& name) {
+    auto list = std::make_shared<List>(List{name, {}});
+    std::copy_if(library.begin(), library.end(), std::back_inserter(list->titles),
+                 [&](const Title& each) { return each.source.starts_with(name + "/"); });
+    return show(list);
+  }
+  Value show(const Title& title) {
+    return base::ObjectRef(std::make_shared<Shown<Title>>(
+        title, "Media",
+        std::vector<base::Member>{field("name", [name = title.name] { return name; }),
+                                  field("sourceURL", [source = title.source] { return source; })}));
+  }
+  Value show(const ListRef& list) {
+    const auto place = [list](const Value& value, std::size_t end) {
+      const auto at = base::ToInt32(value);
+      if (at < 0 || static_cast<std::size_t>(at) >= end) throw base::Failure(base::number::kIndex);
+      return list->titles.begin() + at;
+    };
+    base::Member name = field("name", [list] { return list->name; });
+    name.kind = base::MemberKind::kField;
+    name.writer = [this, list](const Value& value) {
+      const std::lock_guard lock(mutex_);
+      mayChange();
+      list->name = base::ToText(value);
+    };
+    std::vector<base::Member> members{
+        std::move(name), field("count", [list] { return static_cast<std::int32_t>(list->titles.size()); })};
+    members.push_back(operation("item", {number("index")}, [this, list, place](base::Args& args) {
+      return showItem(*place(args[0], list->titles.size()), base::ToInt32(args[0]));
+    }));
+    members.push_back(operation("appendItem", {reference("media")}, [this, list](base::Args& args) {
+      mayChange();
+      list->titles.push_back(titleBehind(args[0]));
+      return Value();
+    }));
+    members.push_back(
+        operation("insertItem", {number("index"), reference("media")}, [this, list, place](base::Args& args) {
+          mayChange();
+          list->titles.insert(place(args[0], list->titles.size() + 1), titleBehind(args[1]));
+          return Value();
+        }));
+    members.push_back(operation("removeItem", {reference("media")}, [this, list](base::Args& args) {
+      mayChange();
+      // The very item handed over, as long as it is where it was.
+      const auto& [title, at] = behind<Item>(args[0]);
+      auto here = list->titles.begin() + at;
+      if (static_cast<std::size_t>(at) >= list->titles.size() || here->source != title.source)
+        here = std::find_if(list->titles.begin(), list->titles.end(),
+                            [&, wanted = title.source](const Title& each) { return each.source == wanted; });
+      if (here == list->titles.end())
+        throw base::Failure(base::number::kInvalidArgument, "The item is not in the playlist");
+      list->titles.erase(here);
+      return Value();
+    }));
+    members.push_back(operation("moveItem", {number("oldIndex"), number("newIndex")},
+                                [this, list, place](base::Args& args) {
+                                  mayChange();
+                                  place(args[1], list->titles.size());
+                                  const auto from = place(args[0], list->titles.size());
+                                  const Title title = *from;
+                                  list->titles.erase(from);
+                                  list->titles.insert(list->titles.begin() + base::ToInt32(args[1]), title);
+                                  return Value();
+                                }));
+    return base::ObjectRef(std::make_shared<Shown<ListRef>>(list, "Playlist", std::move(members)));
+  }
+  struct Item {
+    Title title;
+    std::int32_t at = 0;
+  };
+  Value showItem(const Title& title, std::int32_t at) {
+    return base::ObjectRef(std::make_shared<Shown<Item>>(
+        Item{title, at}, "Media",
+        std::vector<base::Member>{field("name", [name = title.name] { return name; }),
+                                  field("sourceURL", [source = title.source] { return source; })}));
+  }
+  static Title titleBehind(const Value& value) {
+    if (const auto* item = dynamic_cast<const Shown<Item>*>(base::ToObject(value).get()))
+      return item->kept.title;
+    return behind<Title>(value);
+  }
+
+  std::mutex mutex_;
+  std::vector<ListRef> lists_;
+  bool refuses_ = false;
+  int asked_ = 0;
+};
+
+}  // namespace support
