@@ -1,5 +1,6 @@
 #include "base/Text.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <locale>
 
@@ -66,6 +67,9 @@ void Append(std::string& out, char32_t code) {
   }
 }
 
+bool IsPlain(char c) { return static_cast<unsigned char>(c) < 0x80; }
+char LowerPlain(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+
 const std::ctype<wchar_t>& Folding() {
   static const std::locale utf8("C.UTF-8");
   return std::use_facet<std::ctype<wchar_t>>(utf8);
@@ -74,13 +78,13 @@ const std::ctype<wchar_t>& Folding() {
 }  // namespace
 
 std::string LowerCase(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if (byte < 0x80) {
-      out += static_cast<char>(byte >= 'A' && byte <= 'Z' ? byte + 32 : byte);
-      ++at;
+  // Most texts are plain from end to end.
+  const auto* plainEnd = std::find_if_not(text.begin(), text.end(), IsPlain);
+  std::string out(text.begin(), plainEnd);
+  std::transform(out.begin(), out.end(), out.begin(), LowerPlain);
+  for (auto at = static_cast<std::size_t>(plainEnd - text.begin()); at < text.size();) {
+    if (IsPlain(text[at])) {
+      out += LowerPlain(text[at++]);
       continue;
     }
     const std::size_t start = at;

@@ -13,27 +13,29 @@ bool BelongsToKey(char c) {
 }  // namespace
 
 bool MakeMediaKey(std::string_view name, std::string& key) {
-  key.clear();
-  key.reserve(name.size());
+  key.resize(name.size());
+  auto end = key.begin();
   char previous = ' ';  // so that no blank comes first
   for (const char c : name) {
     const char kept = BelongsToKey(c) ? c : ' ';
-    if (kept != ' ' || previous != ' ') key += kept;
+    if (kept != ' ' || previous != ' ') *end++ = kept;
     previous = kept;
   }
+  key.erase(end, key.end());
   if (!key.empty() && key.back() == ' ') key.pop_back();
   return key == name;
 }
 
 std::string HexEncodeName(std::string_view text) {
   static constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string encoded;
-  encoded.reserve(text.size() * 2);
+  std::string encoded(text.size() * 2, '\0');
+  auto end = encoded.begin();
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
-    if (code >= 16) encoded += kDigits[code / 16];
-    encoded += kDigits[code % 16];
+    if (code >= 16) *end++ = kDigits[code / 16];
+    *end++ = kDigits[code % 16];
   }
+  encoded.erase(end, encoded.end());
   return encoded;
 }
 

@@ -23,7 +23,10 @@ constexpr Section kSections[] = {
 constexpr const char* kOldSection = "Media";
 
 std::string EntryOf(const std::string& category, const std::string& key) {
-  return base::LowerCase(category + ":" + key);
+  std::string entry;
+  entry.reserve(category.size() + 1 + key.size());
+  entry.append(category).append(1, ':').append(key);
+  return base::LowerCase(entry);
 }
 
 std::string WithQuotesDoubled(const std::string& name) {
