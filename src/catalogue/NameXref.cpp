@@ -42,28 +42,43 @@ std::string WithQuotesDoubled(const std::string& name) {
 }  // namespace
 
 bool NameXref::AddNameXref(const std::string& category, const std::string& name, std::string& key) {
-  if (MakeMediaKey(name, key) || key.empty()) return true;
-  std::string& entry = names_[EntryOf(category, key)];
-  if (entry == name) return true;
-  // Names that share a key overwrite each other in turn.
-  entry = name;
   Attempt step;
+  bool changed = false;
+  step([&] { changed = !MakeMediaKey(name, key); });
+  if (!changed || key.empty()) return true;
+  bool known = false;
+  const bool added = step([&] {
+    std::string& entry = names_[EntryOf(category, key)];
+    known = entry == name;
+    // Names that share a key overwrite each other in turn.
+    if (!known) entry = name;
+  });
+  if (known || !added) return added;
   step([&] { host_.SaveINISetting(category, key, HexEncodeName(name), plugin::kSettingsFile); });
   return true;
 }
 
 std::string NameXref::LookupNameXref(const std::string& category, const std::string& name) const {
-  std::string key;
-  MakeMediaKey(name, key);
-  const auto found = names_.find(EntryOf(category, key));
-  return found == names_.end() || found->second.empty() ? name : WithQuotesDoubled(found->second);
+  std::string known;
+  Attempt step;
+  step([&] {
+    std::string key;
+    MakeMediaKey(name, key);
+    const auto found = names_.find(EntryOf(category, key));
+    if (found != names_.end()) known = WithQuotesDoubled(found->second);
+  });
+  return known.empty() ? name : known;
 }
 
 bool NameXref::RemoveNameXref(const std::string& category, const std::string& name) {
-  std::string key;
-  MakeMediaKey(name, key);
-  if (names_.erase(EntryOf(category, key)) == 0) return false;
   Attempt step;
+  std::string key;
+  bool existed = false;
+  step([&] {
+    MakeMediaKey(name, key);
+    existed = names_.erase(EntryOf(category, key)) > 0;
+  });
+  if (!existed) return false;
   // The file keeps the key with an empty value, which loads as no name.
   step([&] { host_.SaveINISetting(category, key, "", plugin::kSettingsFile); });
   return true;

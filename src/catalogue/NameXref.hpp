@@ -16,7 +16,8 @@ class NameXref {
   NameXref(plugin::HostServices& host, plugin::Loggers& loggers, Progress& progress)
       : host_(host), loggers_(loggers), progress_(progress) {}
 
-  /// Registers a name, the newest spelling of its key. `key` gets the media key. True.
+  /// Registers a name, the newest spelling of its key. `key` gets the media key. False only when the
+  /// name could not be added to the table, for want of memory.
   bool AddNameXref(const std::string& category, const std::string& name, std::string& key);
   /// The library name with each double quote doubled, as the player's queries want it; `name` as given, and
   /// undoubled, where none is known.

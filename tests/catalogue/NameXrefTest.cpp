@@ -1,5 +1,6 @@
 #include "catalogue/MediaKey.hpp"
 #include "support/LibraryHouse.hpp"
+#include "support/ShortOfMemory.hpp"
 
 using support::LibraryHouse;
 using ::testing::ElementsAre;
@@ -96,6 +97,21 @@ TEST_F(NameXref, AFailedSaveLeavesTheEntryInMemory) {
   host->failing = {"SaveINISetting"};
   add("Album", "Blue!");
   EXPECT_EQ(lookup("Album", "Blue"), "Blue!");
+}
+
+TEST_F(NameXref, ANameThatTheTableHasNoRoomForIsNotAdded) {
+  constexpr std::size_t kLarge = 1U << 16U;
+  const std::string name = std::string(kLarge, 'x') + "!";
+  std::string key;
+  {
+    const support::ShortOfMemory machine(name.size() + 2);  // room for the key, none for the entry's
+    EXPECT_FALSE(xref.AddNameXref("Album", name, key));
+    EXPECT_EQ(xref.size(), 0U);
+    EXPECT_FALSE(xref.RemoveNameXref("Album", key));
+  }
+  EXPECT_THAT(journal.lines(), IsEmpty());
+  EXPECT_TRUE(xref.AddNameXref("Album", name, key));
+  EXPECT_EQ(lookup("Album", key), name);
 }
 
 TEST_F(NameXref, AfterALoadOnlyTheGenresAreInMemory) {

@@ -126,6 +126,36 @@ TEST_F(ProgBar, AWalkAllowedOnItsWayBeginsItsSecondThere) {
   EXPECT_TRUE(view.isVisible);
 }
 
+TEST_F(ProgBar, AReadingThatPassesMidnightOnlyDelaysTheWindow) {
+  struct Clock : base::DayClock {
+    float now = 86399;
+    [[nodiscard]] float seconds() const override { return now; }
+  } clock;
+  ui::ProgBar late(view, plugin.host, plugin.state, platform, loop, clock);
+  late.Disp_ProgBar("walk");
+  clock.now = 30;
+  late.Update_ProgBar(0.5F);
+  EXPECT_FALSE(view.isVisible);
+  EXPECT_EQ(view.percent, 50);
+  late.Hide_ProgBar("walk");
+  late.Disp_ProgBar("walk");
+  clock.now = 31.5F;
+  late.Update_ProgBar(0.1F);
+  EXPECT_TRUE(view.isVisible) << "the next walk begins a second of its own";
+}
+
+TEST_F(ProgBar, AWalkThatHasLastedShowsTheWindowAtItsNextBeginning) {
+  bar.Disp_ProgBar("outer");
+  pass(900);
+  bar.Disp_ProgBar("inner");
+  EXPECT_FALSE(view.isVisible);
+  bar.Hide_ProgBar("inner");
+  EXPECT_GT(bar.ProgressStart(), 0) << "the outer walk goes on";
+  pass(200);
+  bar.Disp_ProgBar("inner");
+  EXPECT_TRUE(view.isVisible);
+}
+
 TEST_F(ProgBar, AHostThatFailsLeavesTheWindow) {
   host->failing = {"forcefront"};
   bar.Disp_ProgBar("walk");

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "ShortOfMemory.hpp"
 #include "support/FakeHost.hpp"
 #include "support/House.hpp"
+#include "support/ShortOfMemory.hpp"
 #include "web/HtmlFields.hpp"
 
 using ::testing::ElementsAre;

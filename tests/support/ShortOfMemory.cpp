@@ -1,4 +1,4 @@
-#include "ShortOfMemory.hpp"
+#include "support/ShortOfMemory.hpp"
 
 #include <atomic>
 #include <cstdlib>
