@@ -35,6 +35,15 @@ TEST_F(AddMedia, AMissingPlaylistIsMade) {
   EXPECT_TRUE(plugin.stale.PlayListsStale);
 }
 
+TEST_F(AddMedia, APlaylistThatCantBeReadIsMadeAnew) {
+  plugin.playTarget.PlayTargetMedia = track;
+  library.failing = {"getPlaylistByName"};
+  EXPECT_EQ(add(), base::Value());
+  EXPECT_TRUE(journal.has("library: newPlaylist Vantorix"));
+  EXPECT_THAT(mine->members, IsEmpty());
+  EXPECT_THAT(library.playlists.back()->members, ElementsAre(player::MediaRef(track)));
+}
+
 TEST_F(AddMedia, WithoutAPlaylistNothingIsAdded) {
   plugin.playTarget.PlayTargetMedia = track;
   library.makesPlaylists = false;

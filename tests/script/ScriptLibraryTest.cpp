@@ -72,6 +72,54 @@ TEST_F(ScriptLibrary, ListsAreRefreshedUnderTheSystemsOwnSpelling) {
   EXPECT_THAT(journal.lines(), IsEmpty());
 }
 
+TEST_F(ScriptLibrary, ARefreshThatFailsIsARefreshAllTheSame) {
+  struct Failing : plugin::MediaEvents {
+    void UpdateMediaEvents(const std::string& /*category*/) override {
+      throw base::Failure(base::number::kDeviceIo);
+    }
+  } failing;
+  script::ScriptClass other{{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
+                             plugin.catalogue, plugin.ownLibrary, failing}};
+  EXPECT_EQ(other.invoke("RefreshLists", "Artist"), Value(true));
+}
+
+TEST_F(ScriptLibrary, AListThatCantBeReadIsAnEmptyCollection) {
+  EXPECT_EQ(call("GetCategoryList", "PlayList"), Value(base::Array())) << "there is none";
+  library.addPlaylist("Road Trip");
+  library.failing = {"getAttributeStringCollection", "getAllPlaylists"};
+  EXPECT_EQ(call("GetCategoryList", "Album"), Value(base::Array()));
+  EXPECT_EQ(call("GetCategoryList", "PlayList"), Value(base::Array()));
+}
+
+TEST_F(ScriptLibrary, AnItemThatCantBeReadIsLeftOut) {
+  struct Unreadable : support::FakeMedia {
+    using FakeMedia::FakeMedia;
+    [[nodiscard]] std::string name() const override { throw base::Failure(base::number::kDeviceIo); }
+    [[nodiscard]] std::string getItemInfo(const std::string& /*attribute*/) const override {
+      throw base::Failure(base::number::kDeviceIo);
+    }
+  };
+  const auto broken = std::make_shared<Unreadable>("x", "x", "x", "x");
+  library.addPlaylist("Gaps", {one, nullptr, broken, two});
+  EXPECT_THAT(Texts(call("GetByCategory", "PlayList", "Gaps")), ElementsAre("Track One", "Track Two"));
+  EXPECT_THAT(Texts(call("GetAlbumsByCategory", "PlayList", "Gaps")), ElementsAre("Blue"));
+}
+
+TEST_F(ScriptLibrary, WhatCantBeReadOfAnItemIsAnEmptyText) {
+  struct HalfReadable : support::FakeMedia {
+    using FakeMedia::FakeMedia;
+    [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override {
+      if (attribute == "Album") throw base::Failure(base::number::kDeviceIo);
+      return FakeMedia::getItemInfo(attribute);
+    }
+    [[nodiscard]] double duration() const override { throw base::Failure(base::number::kDeviceIo); }
+  };
+  library.addPlaylist("Half", {std::make_shared<HalfReadable>("Carey", "Joni Mitchell", "Blue", "Folk")});
+  EXPECT_THAT(call("GetMediaInfo", "PlayList", "Half", "Carey").record(),
+              ElementsAre(Pair("Artist", Value("Joni Mitchell")), Pair("Album", Value("")),
+                          Pair("Genre", Value("Folk")), Pair("Duration", Value(""))));
+}
+
 TEST_F(ScriptLibrary, EachAlbumOccursOnceInTheOrderOfItsFirstAppearance) {
   for (const char* album : {"B", "B", "", "A", "B", "a", "C"}) addAlbum(album);
   EXPECT_THAT(Texts(call("GetAlbumsByCategory", "artist", "Various")), ElementsAre("B", "A", "C"));
