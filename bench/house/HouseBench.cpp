@@ -8,20 +8,16 @@
 #include <fstream>
 #include <mutex>
 
+#include "Times.hpp"
 #include "catalogue/MediaKey.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double Milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
-
-double Percentile(std::vector<double> values, double share) {
-  std::sort(values.begin(), values.end());
-  return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
-}
+using bench::Clock;
+using bench::Milliseconds;
+using bench::Percentile;
 
 /// The house's live stream, read in a thread of its own.
 class LiveStream {
