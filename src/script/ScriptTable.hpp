@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -93,7 +94,7 @@ class Slots {
     member.convertsItself = true;
     return member;
   }
-  static auto Converter(std::vector<base::Param> params) {
+  static std::function<void(base::Args&)> Converter(std::vector<base::Param> params) {
     return [params = std::move(params)](base::Args& args) { base::ConvertArguments(params, args); };
   }
   template <class Answer>
