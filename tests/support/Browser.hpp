@@ -81,6 +81,8 @@ class Browser {
     ask("POST", session_ + "/actions",
         {{"actions", {{{"type", "key"}, {"id", "keyboard"}, {"actions", actions}}}}});
   }
+  /// Moves pointers and presses keys as the protocol's own list of sources says.
+  void perform(const Json& sources) { ask("POST", session_ + "/actions", {{"actions", sources}}); }
   void reload() { ask("POST", session_ + "/refresh", Json::object()); }
   void back() { ask("POST", session_ + "/back", Json::object()); }
   std::string address() { return ask("GET", session_ + "/url", Json::object()).get<std::string>(); }

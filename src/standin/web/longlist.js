@@ -185,7 +185,8 @@ export function longList(label, fetchPage, makeRow, onTotal) {
     show();
   }
 
-  /** Fetches what is in sight anew; the place, the focus and what stays the same are kept. */
+  /** Fetches what is in sight anew; the place, the focus and what stays the same are kept. False when the list has
+   * been changed meanwhile, so that what came is too old. */
   async function refresh() {
     const mine = ++turn;
     pending.clear();
@@ -194,11 +195,12 @@ export function longList(label, fetchPage, makeRow, onTotal) {
     const offset = number * kPage;
     const count = (Math.floor(Math.max(first, last - 1) / kPage) - number + 1) * kPage;
     const answer = await fetchPage(offset, count);
-    if (mine !== turn) return;
+    if (mine !== turn) return false;
     names = [];
     places = [];
     take(answer, offset);
     show();
+    return true;
   }
 
   /** The name in a row, fetched if need be; nothing beyond the ends. */
@@ -212,6 +214,8 @@ export function longList(label, fetchPage, makeRow, onTotal) {
   }
 
   function refill() {
+    turn++;  // what is on its way is older than this
+    pending.clear();
     for (const [index, made] of rows) {
       made.shownName = undefined;
       fill(made, index);

@@ -146,7 +146,7 @@ export function playlistPage(body, name, edit, view) {
     if (fresh) query.set('fresh', '1');
     fresh = false;
     const answer = await ask(`/api/playlist?${query}`);
-    if (offset === 0 || answer.version > me.version) me.version = Math.max(me.version, answer.version);
+    me.fetched = answer.version;
     if (me.name !== answer.name) rename(answer.name);
     showTurns(buttons, answer);
     return answer;
@@ -174,7 +174,9 @@ export function playlistPage(body, name, edit, view) {
     }
     me.late = false;
     try {
-      await list.refresh();
+      if (await list.refresh()) me.version = me.fetched;
+      else me.late = true;
+      if (me.late && !me.inFlight && open === me) setTimeout(refresh);
     } catch (error) {
       if (error.status === 404) me.gone();
       else count.textContent = error.message;
@@ -238,22 +240,23 @@ export function playlistPage(body, name, edit, view) {
     toast([`${text} `, back], '', 5000);
   }
 
-  async function turn(action) {
-    await sequence;
-    try {
-      const answer = await ask(`/api/playlist/${action}`, {name: me.name});
-      stuck.hidden = true;
-      say(sentence(answer.said));
-      if (!answer.total && answer.total !== 0) return;  // the list is no longer there
-      showTurns(buttons, answer);
-      if (answer.name !== me.name) rename(answer.name);
-      me.version = answer.version;
-      await refresh();
-    } catch (error) {
-      if (error.answer?.stuck) stuckNotice(stuck, error, action, turn);
-      else toast(error.message, 'bad');
-      say(error.message);
-    }
+  function turn(action) {
+    sequence = sequence.then(async () => {
+      try {
+        const answer = await ask(`/api/playlist/${action}`, {name: me.name});
+        stuck.hidden = true;
+        say(sentence(answer.said));
+        if (!answer.total && answer.total !== 0) return;  // the list is no longer there
+        showTurns(buttons, answer);
+        if (answer.name !== me.name) rename(answer.name);
+        await refresh();
+      } catch (error) {
+        if (error.answer?.stuck) stuckNotice(stuck, error, action, turn);
+        else toast(error.message, 'bad');
+        say(error.message);
+      }
+    });
+    return sequence;
   }
 
   const buttons = turnButtons(turn);
@@ -307,7 +310,15 @@ export function playlistPage(body, name, edit, view) {
       toast(`Deleted ${gone}`);
       location.hash = address('PlayList');
     })}, 'Delete')) : null;
-  searchKeys(search, list, () => list.load().catch((error) => { count.textContent = error.message; }));
+  const load = async () => {
+    try {
+      await list.load();
+      me.version = me.fetched;
+    } catch (error) {
+      count.textContent = error.message;
+    }
+  };
+  searchKeys(search, list, load);
   body.replaceChildren(...[
     el('div', {class: 'group-head'}, el('a', {href: address('PlayList'), class: 'back', 'aria-label': 'Back to the list'}, '‹'),
       title, all),
@@ -316,7 +327,7 @@ export function playlistPage(body, name, edit, view) {
     list.node, said].filter(Boolean));
   if (edit) turnKeys(controller, turn);
   count.textContent = 'Loading…';
-  list.load().catch((error) => { count.textContent = error.message; });
+  load();
   const tellWatch = watch(() => {
     const {first, last} = list.range();
     return {name: me.name, from: first, rows: last - first};

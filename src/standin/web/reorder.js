@@ -24,7 +24,6 @@ export function reorder(list, {allowed, onMove, onSettled, say, nameOf, signal})
     try {
       list.node.setPointerCapture(id);
     } catch { /* the pointer has gone already */ }
-    navigator.vibrate?.(15);
     step();
   }
 
@@ -89,6 +88,7 @@ export function reorder(list, {allowed, onMove, onSettled, say, nameOf, signal})
     if (!press || event.pointerId !== press.id) return;
     if (drag && !drag.byKey) {
       silent = true;
+      setTimeout(() => { silent = false; });
       drag.y = event.clientY;
       step();
     }
