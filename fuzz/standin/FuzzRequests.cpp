@@ -1,5 +1,6 @@
-// What a stranger can put into a request: host names, origins, cookies, paths, spoken text. Nothing may fail,
-// and no path may lead out of the folder.
+// What a stranger can put into a request: host names, origins, cookies, paths, spoken text, names in a page.
+// Nothing may fail, no path may lead out of the folder, and no tag that acts by itself may get into the
+// frame.
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -7,7 +8,22 @@
 
 #include "standin/DeviceStore.hpp"
 #include "standin/VoicePattern.hpp"
+#include "standin/WebFrame.hpp"
 #include "standin/WebRules.hpp"
+
+namespace {
+
+void checkActingTags(const std::string& text) {
+  const std::string shown = standin::WithoutActingTags(text);
+  std::string folded = shown;
+  // As browsers read tags: Latin letters alone have a case.
+  for (char& c : folded)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  if (folded.find("<meta") != std::string::npos || folded.find("<link") != std::string::npos) std::abort();
+  if (shown.size() < text.size() || (shown.size() - text.size()) % 3 != 0) std::abort();
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::filesystem::path root = std::filesystem::canonical("/usr/share");
@@ -23,6 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (standin::SameOrigin(half, rest) && half.size() <= rest.size()) std::abort();
   standin::CookieValue(text, "vantorix");
   if (standin::EscapeHtml(text).find_first_of("<>\"'") != std::string::npos) std::abort();
+
+  checkActingTags(text);
+  checkActingTags("<Meta" + half + "<lInk " + rest);
 
   if (const auto found = standin::FileBelow(root, text)) {
     if (!found->string().starts_with(root.string() + "/")) std::abort();

@@ -81,9 +81,9 @@ std::string WithoutActingTags(std::string_view text) {
 std::string RefusalPage(int status, const std::string& text, const std::string& path) {
   std::string content = "<h1>" + headline(status) + "</h1>\n<p>" + EscapeHtml(text) + "</p>\n";
   if (status != 401) {
-    content += "<p class=\"ways\">";
-    if (status != 404) content += "<a class=\"way\" href=\"" + address(path) + "\">Try the page again</a> ";
-    content += "<a class=\"way\" href=\"/#devices\">To the devices</a></p>\n";
+    content += R"(<p class="ways">)";
+    if (status != 404) content += R"(<a class="way" href=")" + address(path) + R"(">Try the page again</a> )";
+    content += R"(<a class="way" href="/#devices">To the devices</a></p>)";
   }
   return Framed("Vantorix", "message", content);
 }

@@ -34,6 +34,7 @@ void addRules(httplib::Response& response) {
   response.set_header("Content-Security-Policy", kOwnPolicy);
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("X-Frame-Options", "DENY");
+  response.set_header("X-DNS-Prefetch-Control", "off");
   response.set_header("Referrer-Policy", "same-origin");
   response.set_header("Cross-Origin-Resource-Policy", "same-origin");
   response.set_header("Cache-Control", "no-cache");
