@@ -136,3 +136,26 @@ TEST_F(NamesInTheHouse, OfNewPlaylistsComeBackAsTheyWereGivenOrAreRefused) {
     EXPECT_EQ(script->invoke("AddToPlayList", "", "", "", name), kRefused) << name.substr(0, 10);
   EXPECT_THAT(names("PlayList"), ::testing::UnorderedElementsAreArray(good));
 }
+
+TEST_F(NamesInTheHouse, GoThroughTheShellToo) {
+  const auto shell = [this](const std::vector<std::string>& operation) {
+    std::vector<std::string> words{BIN_FOLDER "/vxcall", "--bus", house.busAddress(), "scriptclass"};
+    words.insert(words.end(), operation.begin(), operation.end());
+    support::Process call(words);
+    EXPECT_EQ(call.wait(), 0) << operation.front();
+    return call.output();
+  };
+  EXPECT_EQ(shell({"GetByCategory", "Album", "tab\there"}), "one\x01two\x1Fthree\n");
+  EXPECT_EQ(shell({"GetByCategory", "album", "streichquartett nr 13"}), "")
+      << "no key before the list is read";
+  EXPECT_NE(shell({"GetCategoryList", "ALBUM"}).find("Streichquartett Nr. 13\n"), std::string::npos);
+  EXPECT_EQ(shell({"GetByCategory", "album", "streichquartett nr 13"}), "Große Fuge\n");
+  const std::string large = huge.substr(0, 100'000);  // as long as a shell lets a word be
+  for (const std::string& name : {std::string(), std::string("ill\xFF\xC3"), large}) {
+    EXPECT_EQ(shell({"GetByCategory", "Album", name}), "");
+    EXPECT_EQ(shell({"Play", "PlayList", name}), "-1\n");
+    EXPECT_EQ(shell({"AddToPlayList", "", "", "", name}), "") << "nothing plays";
+  }
+  EXPECT_EQ(shell({"Play", "Album", "tab\there", "ONE\x01TWO\x1FTHREE"}), "0\n");
+  EXPECT_TRUE(house.textBecomes("Title", "one\x01two\x1Fthree"));
+}
