@@ -128,7 +128,9 @@ class Player : public player::WMP9 {
                   [this] { libraryScanned(); }}),
         playlists_(loop, config.playlistFolder, library_,
                    {[this] { post_([this] { events_.PlaylistCollectionChange(); }); },
-                    [this] { playback_.listChanged(); }, [this](const std::string& line) { message(line); }}),
+                    [this] { playback_.listChanged(); }, [this](const std::string& line) { message(line); },
+                    // At once: who has renamed a playlist asks for the names on the same turn.
+                    [this] { events_.PlaylistCollectionChange(); }}),
         drives_(config.cdDevices, config.findCdDrives) {
     output_.listener(playback_);
     playback_.preset(library_.getAll());

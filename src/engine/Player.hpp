@@ -9,7 +9,8 @@
 
 namespace engine {
 
-/// Makes the player. Its events come on the loop's thread, each on a turn of its own. Lines for people about
+/// Makes the player. Its events come on the loop's thread, each on a turn of its own, but for
+/// the change of a playlist by a call, which is told before the call ends. Lines for people about
 /// the library (files that can't be read, folders that are missing) go to `log`, or without one to the
 /// Warning event. Throws number 429 when there is no decoder.
 std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,

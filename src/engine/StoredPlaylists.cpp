@@ -297,7 +297,7 @@ void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) 
     byPath_.insert(std::move(node));
     playlist.stored(path, playlist.stamp());
   }
-  events_.changed();
+  events_.changedByCall();
 }
 
 player::PlaylistArrayRef StoredPlaylists::getAll() {
@@ -338,7 +338,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
     stamp = WriteNewFile(path, text.text(), write_);
   }
   auto playlist = add(path, *stamp, name, {});
-  events_.changed();
+  events_.changedByCall();
   return playlist;
 }
 
@@ -352,7 +352,7 @@ void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
   RemoveFile(found->first);
   found->second->disown();
   byPath_.erase(found);
-  events_.changed();
+  events_.changedByCall();
 }
 
 }  // namespace engine

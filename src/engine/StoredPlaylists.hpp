@@ -22,6 +22,9 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
     std::function<void()> changed;  ///< playlists have come, gone, or got another name
     std::function<void()> content;  ///< a playlist's items have changed
     std::function<void(const std::string&)> message;
+    /// The same as `changed` for what a call here has done. It is told as the call's last step, so that it
+    /// may call back.
+    std::function<void()> changedByCall = changed;
   };
 
   StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,

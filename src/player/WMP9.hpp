@@ -192,7 +192,8 @@ class WMP9 : public Modelled {
   virtual PlaylistCollection& playlistCollection() = 0;
 };
 
-/// What the player reports. Always called on the loop's thread, on a turn of its own.
+/// What the player reports. Always called on the loop's thread, on a turn of its own; only a
+/// change of the playlists may be told inside the call that has made it.
 class WMP9Events {
  public:
   WMP9Events() = default;
