@@ -76,6 +76,7 @@ void GetGroupItemsMediaLibrary(benchmark::State& state) {
 }
 BENCHMARK(GetGroupItemsMediaLibrary)->Apply(Sizes);
 
+/// `ratio` is to forgetting the table again.
 void AddNameXref(benchmark::State& state) {
   BenchLibrary library(static_cast<std::size_t>(state.range(0)));
   BenchHouse house(library);
