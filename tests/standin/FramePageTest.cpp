@@ -192,6 +192,25 @@ TEST_F(FramePage, AGuestsPostIsRefusedInTheFrame) {
   EXPECT_TRUE(browser.eventually("return document.querySelector('.plugin-page form') !== null"));
 }
 
+TEST_F(FramePage, WhoHasToSignInFirstGetsThePageThen) {
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  browser.click("//input[@value='Refresh']");
+  browser.type("//input[@name='password']", "s3cret");
+  browser.click("//button[text()='Sign in']");
+  EXPECT_TRUE(
+      browser.eventually("return document.querySelector('.plugin-page form [name=PlayList]') !== null"));
+  EXPECT_EQ(browser.run("return location.pathname"), kAddress);
+  EXPECT_THAT(posts(), IsEmpty());
+}
+
+TEST_F(FramePage, AFormThatIsSentTwiceInAHurryIsPostedOnce) {
+  browser.run(
+      "const button = document.querySelector('[value=Refresh]'); for (let i = 0; i < 5; i++) button.click()");
+  ASSERT_TRUE(browser.eventually("return document.querySelector('.message') !== null"));
+  browser.runAsync("setTimeout(arguments[0], 300)");
+  EXPECT_EQ(posts().size(), 1U);
+}
+
 TEST_F(FramePage, HasNoBarriersInLightOrDark) {
   for (const char* scheme : {"light", "dark"}) {
     browser.likes(scheme);
