@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "FakeVoice.hpp"
+#include "standin/EspeakVoice.hpp"
 #include "standin/Speech.hpp"
 #include "support/BusPeer.hpp"
 #include "support/TempFolder.hpp"
@@ -135,3 +136,16 @@ TEST_F(HouseSpeech, WhatTakesTooLongIsCutShort) {
 }
 
 }  // namespace
+
+TEST(EspeakVoice, OnAMachineWithoutSoundSaysSoAndLeavesItAloneForAWhile) {
+  standin::EspeakVoice voice;
+  try {
+    voice.say("a");  // a machine with sound has said it
+  } catch (const base::Failure& failure) {
+    EXPECT_EQ(failure.number(), base::number::kDeviceIo);
+    const auto from = std::chrono::steady_clock::now();
+    EXPECT_THROW(voice.say("b"), base::Failure);
+    EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::milliseconds(100));
+  }
+  voice.hush();
+}

@@ -243,5 +243,6 @@ export function longList(label, fetchPage, makeRow, onTotal) {
   }
 
   return {node, load, refresh, nameAt, move, remove, arrange, bringIntoView, focusRow, range,
-    focusFirst: () => focusRow(0, 0), total: () => total, rowAt: (index) => rows.get(index)};
+    focusFirst: () => focusRow(0, 0), total: () => total,
+    known: (index) => names[index], rowAt: (index) => rows.get(index)};
 }

@@ -155,7 +155,7 @@ export function playlistPage(body, name, edit, view) {
     count.textContent = total ? `${total.toLocaleString()} ${total === 1 ? 'title' : 'titles'}`
       : search.value.trim() ? 'Nothing found' : 'This playlist is empty';
   });
-  const nameOf = (index) => list.rowAt(index)?.querySelector('.row-name')?.textContent || 'The title';
+  const nameOf = (index) => list.known(index) ?? 'The title';
 
   function row(item, index, at) {
     const filtered = Boolean(search.value.trim());
