@@ -1,5 +1,6 @@
 #include "vxcall/Arguments.hpp"
 
+#include <algorithm>
 #include <array>
 
 #include "base/Failure.hpp"
@@ -15,7 +16,8 @@ const char* const kUsage = R"(Calls any object on the bus of the house.
   vxcall [--bus ADDRESS] TARGET --list
   vxcall --help | --version
 
-TARGET    vxif, scriptclass (the plug-in), host, callback (the server), or bus.name:/path
+TARGET    vxif, scriptclass (the plug-in), host, callback (the server), or bus.name:/path; behind dots the
+          fields or operations without arguments that lead on: scriptclass.WMPObject.settings
 ARGUMENT  as the operation declares it; or with its kind in front:
           s:text  b:true  n:5 (16 bits)  i:5 (32 bits)  d:1.5  e: (empty)  o:/path or o:bus.name:/path
 
@@ -47,15 +49,28 @@ bool SplitTarget(const std::string& text, std::string& name, std::string& path) 
   return true;
 }
 
+/// Cuts the steps behind the first dot off a path or a short name, neither of which holds one.
+std::string CutSteps(const std::string& text, std::vector<std::string>& steps) {
+  steps = base::Split(text, '.');
+  std::string first = steps.empty() ? std::string() : steps.front();
+  if (!steps.empty()) steps.erase(steps.begin());
+  return first;
+}
+
 void ReadTarget(const std::string& word, Request& request) {
-  for (const auto& alias : kAliases) {
-    if (!base::SameText(word, alias.word)) continue;
-    request.name = alias.name;
-    request.path = alias.path;
-    return;
-  }
-  if (!SplitTarget(word, request.name, request.path) || request.name.empty())
+  const std::string first = CutSteps(word, request.steps);
+  const auto alias = std::find_if(kAliases.begin(), kAliases.end(),
+                                  [&](const Alias& each) { return base::SameText(first, each.word); });
+  if (alias != kAliases.end()) {
+    request.name = alias->name;
+    request.path = alias->path;
+  } else if (SplitTarget(word, request.name, request.path) && !request.name.empty()) {
+    request.path = CutSteps(request.path, request.steps);
+  } else {
     throw UsageError("'" + word + "' is no target");
+  }
+  if (std::find(request.steps.begin(), request.steps.end(), "") != request.steps.end())
+    throw UsageError("'" + word + "' has a dot with nothing behind it");
 }
 
 Action ActionOf(const std::string& word) {

@@ -21,6 +21,7 @@ struct Request {
   std::string bus;   ///< empty: the house's bus
   std::string name;  ///< of the target
   std::string path;
+  std::vector<std::string> steps{};  ///< from the object at that path to the target itself
   std::string member;
   std::vector<std::string> arguments{};
 };

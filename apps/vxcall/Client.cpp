@@ -8,14 +8,29 @@ namespace vxcall {
 
 namespace {
 
-bus::NodeInfo DescriptionOf(bus::Connection& connection, const Request& request) {
+bus::NodeInfo DescriptionOf(bus::Connection& connection, const std::string& name, const std::string& path) {
   try {
-    return bus::ParseNode(connection.introspect(request.name, request.path));
+    return bus::ParseNode(connection.introspect(name, path));
   } catch (const base::Failure& failure) {
-    if (failure.number() == base::number::kNoSuchMember)
-      throw Unreachable(request.name + " has no object " + request.path);
-    throw Unreachable(request.name + " doesn't answer: " + failure.description());
+    if (failure.number() == base::number::kNoSuchMember) throw Unreachable(name + " has no object " + path);
+    throw Unreachable(name + " doesn't answer: " + failure.description());
   }
+}
+
+/// An object, and what it says of itself.
+struct Target {
+  base::ObjectRef object;
+  bus::NodeInfo node;
+};
+
+/// The object behind a field, or behind an operation that takes nothing. Throws number 91 where nothing is.
+Target StepTo(bus::Connection& connection, const Target& from, const std::string& step) {
+  const base::Value next =
+      from.node.findMethod(step) != nullptr ? from.object->invoke(step) : from.object->get(step);
+  const base::ObjectRef object = base::ToObject(next);
+  if (!object) throw base::Failure(base::number::kObjectMissing, step + " is nothing");
+  return {object,
+          DescriptionOf(connection, bus::Connection::peerOf(*object), bus::Connection::pathOf(*object))};
 }
 
 /// The declared types of the operation's arguments, as far as they are known.
@@ -45,26 +60,28 @@ void Call(const Request& request, base::Object& target, const bus::MethodInfo* m
 }  // namespace
 
 void Perform(bus::Connection& connection, const Request& request, std::ostream& out) {
-  base::ObjectRef target;
+  Target target;
   try {
-    target = connection.proxy(request.name, request.path);
+    target.object = connection.proxy(request.name, request.path);
   } catch (const base::Failure& failure) {
     throw UsageError(failure.description());
   }
   if (!connection.hasOwner(request.name)) throw Unreachable(request.name + " isn't running");
-  const bus::NodeInfo node = DescriptionOf(connection, request);
+  target.node = DescriptionOf(connection, request.name, request.path);
+  for (const std::string& step : request.steps) target = StepTo(connection, target, step);
   const ObjectMaker objects = [&](const std::string& name, const std::string& path) {
     return connection.proxy(name.empty() ? request.name : name, path);
   };
   switch (request.action) {
-    case Action::kGet: return PrintValue(out, target->get(request.member));
+    case Action::kGet: return PrintValue(out, target.object->get(request.member));
     case Action::kPut: {
-      const auto* field = node.findProperty(request.member);
+      const auto* field = target.node.findProperty(request.member);
       const std::string type = field == nullptr ? "" : field->type;
-      return target->put(request.member, ParseValue(request.arguments.front(), type, objects));
+      return target.object->put(request.member, ParseValue(request.arguments.front(), type, objects));
     }
-    case Action::kList: return PrintMembers(out, node);
-    case Action::kCall: return Call(request, *target, node.findMethod(request.member), objects, out);
+    case Action::kList: return PrintMembers(out, target.node);
+    case Action::kCall:
+      return Call(request, *target.object, target.node.findMethod(request.member), objects, out);
     case Action::kHelp:
     case Action::kVersion: return;
   }

@@ -63,6 +63,21 @@ class Vxcall : public testing::Test {
                         }};
 
  private:
+  base::ObjectRef player() {
+    const Member say{"Say", MemberKind::kOperation, {}, Type::kText, [](Args&) { return "deep"; }};
+    const auto inner = std::make_shared<support::TableOf>("Inner", std::vector<Member>{say});
+    return std::make_shared<support::TableOf>(
+        "Player", std::vector<Member>{{"volume",
+                                       MemberKind::kField,
+                                       {},
+                                       Type::kInt16,
+                                       [](Args&) { return std::int16_t{1}; },
+                                       [this](const Value& value) { seen = value; }},
+                                      {"inner", MemberKind::kOperation, {}, Type::kObject, [inner](Args&) {
+                                         return inner;
+                                       }}});
+  }
+
   std::vector<Member> members() {
     return {
         {"Play",
@@ -116,6 +131,8 @@ class Vxcall : public testing::Test {
          {},
          Type::kObject,
          [](Args&) { return std::make_shared<support::TableOf>("Part", std::vector<Member>{}); }},
+        {"Player", MemberKind::kReadField, {}, Type::kObject, [this](Args&) { return player(); }},
+        {"Gone", MemberKind::kReadField, {}, Type::kObject, [](Args&) { return base::ObjectRef(); }},
         {"Volume",
          MemberKind::kField,
          {},
@@ -144,6 +161,24 @@ TEST_F(Vxcall, InOutArgumentsFollowTheResult) { EXPECT_EQ("counted\n8\n", run("h
 
 TEST_F(Vxcall, AnObjectIsPrintedAsNameAndPath) {
   EXPECT_EQ("(" + peer.uniqueName() + " /objects/1)\n", run("host Self").out);
+}
+
+TEST_F(Vxcall, AnObjectBehindFieldsIsReachedInOneCall) {
+  EXPECT_EQ("1\n", run("host.Player --get volume").out);
+  EXPECT_EQ("", run("host.Player --put volume 7").err);
+  EXPECT_EQ(base::ToInt16(seenNow()), 7);
+  EXPECT_EQ("deep\n", run("org.vantorix.Host:/host.Player.inner Say").out);
+  EXPECT_THAT(run("host.Player --list").out, HasSubstr("volume: int16"));
+}
+
+TEST_F(Vxcall, AWayThatEndsEarlySaysWhere) {
+  const Outcome gone = run("host.Gone --get volume");
+  EXPECT_EQ(1, gone.code);
+  EXPECT_THAT(gone.err, HasSubstr("Gone is nothing"));
+  EXPECT_EQ(1, run("host.Nowhere --get volume").code);
+  EXPECT_EQ(1, run("host.Version --get volume").code);
+  EXPECT_EQ(2, run("host..Player --get volume").code);
+  EXPECT_EQ(2, run("host. --get volume").code);
 }
 
 TEST_F(Vxcall, ArgumentsTakeTheKindOfTheirPrefix) {

@@ -96,3 +96,16 @@ TEST_F(Script, ReachesThePlayersOwnObjects) {
   mine->invoke("appendItem", base::ToObject(group->invoke("item", 0)));
   EXPECT_EQ(mine->get("count"), Value(std::int32_t{1}));
 }
+
+TEST_F(Script, ReachesThemFromAShellToo) {
+  const auto shell = [this](const std::vector<std::string>& rest) {
+    std::vector<std::string> words{BIN_FOLDER "/vxcall", "--bus", house.busAddress()};
+    words.insert(words.end(), rest.begin(), rest.end());
+    support::Process call(words);
+    EXPECT_EQ(call.wait(), 0) << call.output();
+    return call.output();
+  };
+  EXPECT_EQ(shell({"scriptclass.WMPObject.settings", "--put", "volume", "37"}), "");
+  EXPECT_EQ(shell({"scriptclass.WMPObject.settings", "--get", "volume"}), "37\n");
+  EXPECT_EQ(shell({"scriptclass.WMPObject.mediaCollection.getAll", "--get", "count"}), "4\n");
+}
