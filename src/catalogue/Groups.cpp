@@ -78,15 +78,14 @@ std::int32_t MediaCatalogue::GetMediaItem(std::string& title, player::PlaylistRe
     const std::string wanted = base::LowerCase(title);
     std::int32_t count = 0;
     step([&] { count = list->count(); });
-    player::MediaRef found;
-    for (std::int32_t i = 0; i < count && !found; ++i) {
+    for (std::int32_t i = 0; i < count && !item; ++i) {
       step([&] {
         const player::MediaRef member = list->item(i);
-        if (base::LowerCase(Existing(member).name()) == wanted) found = member;
+        if (base::LowerCase(Existing(member).name()) == wanted) item = member;
       });
     }
+    // The item is handed out all the same: not everybody asks for the status.
     if (step.failed()) return step.number();
-    item = found;
   }
   if (!item) return kNotFound;
   const player::MediaRef kept = item;

@@ -144,6 +144,7 @@ TEST_F(Groups, AnItemsTitleIsEnteredAndAFailureIsTheStatus) {
   library.failing.clear();
   list = library.addPlaylist("Gaps", {nullptr, all});
   EXPECT_EQ(media("All I Want"), base::number::kObjectMissing);
+  EXPECT_EQ(item, all) << "found all the same, behind the member that can't be read";
   EXPECT_THAT(progress.calls, ElementsAre("show GetMediaItem", "hide GetMediaItem", "show GetMediaItem",
                                           "hide GetMediaItem", "show GetMediaItem", "hide GetMediaItem"));
 }

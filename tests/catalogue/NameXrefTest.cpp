@@ -196,6 +196,8 @@ TEST_F(NameXref, ALoadTellsItsWayOnlyWhenDebugged) {
 TEST_F(NameXref, AHostThatFailsLeavesAnEmptyTable) {
   host->failing = {"GetINISection", "WaitEvents", "WriteLog", "ClearINISection"};
   plugin.state.DebugMessages = true;
+  add("Album", "Blue!");
+  ASSERT_EQ(xref.size(), 1U);
   xref.LoadNameTable();
   EXPECT_EQ(xref.size(), 0U);
 }
