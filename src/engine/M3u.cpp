@@ -272,6 +272,7 @@ std::string M3uText::text() const {
   text += mark_ + front_ + nameLines_ + rest_;
   for (const Piece& piece : items_) add(text, of(piece));
   add(text, of(tail_));
+  if (mark_.empty() && text.starts_with(kMark)) text.insert(0, kMark);  // not to be taken for one
   return text;
 }
 

@@ -143,6 +143,12 @@ TEST(PlaylistText, ALengthThatIsNoneIsUnknown) {
   EXPECT_EQ(M3uText("#EXTINF: 12.7 ,T\n/a\n").item(0, "/").seconds, 12);
 }
 
+TEST(PlaylistText, AnItemThatBeginsLikeAByteOrderMarkStaysWhole) {
+  M3uText text("/a.mp3\n\xEF\xBB\xBFmark.mp3\n");
+  text.remove(0);
+  EXPECT_THAT(Locations(M3uText(text.text())), ElementsAre("/folder/\xEF\xBB\xBFmark.mp3"));
+}
+
 TEST(PlaylistText, LinesThatCanBeNoItemAreKeptUnread) {
   const std::string nonsense = std::string("\0binary\n", 8) + std::string(5 << 20, 'x') + "\n/good.mp3\n";
   M3uText text(nonsense);
