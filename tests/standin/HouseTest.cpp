@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 
 #include "base/Failure.hpp"
 #include "standin/House.hpp"
+#include "support/KilledWhile.hpp"
 #include "support/TempFolder.hpp"
 
 namespace standin {
@@ -137,30 +135,17 @@ TEST(House, AKillLosesNoDeviceChangeThatWasAcknowledged) {
   std::int32_t ref = House(folder.path()).devices.create("Counter").ref;
   int lowest = 0;
   for (int round = 0; round < 30; ++round) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe(ends.data()), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      House house(folder.path());
-      for (int i = lowest + 1;; ++i) {
-        house.devices.putValue(ref, i);
-        if (write(ends[1], &i, sizeof i) != sizeof i) _exit(1);
-      }
-    }
-    close(ends[1]);
-    int acknowledged = lowest;
-    for (int told = 0; told < 2 + round % 9; ++told) {
-      ASSERT_EQ(read(ends[0], &acknowledged, sizeof acknowledged), static_cast<ssize_t>(sizeof acknowledged));
-    }
-    kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
-    while (read(ends[0], &acknowledged, sizeof acknowledged) == sizeof acknowledged) {
-    }
-    close(ends[0]);
+    const auto acknowledged =
+        support::KilledWhile(2 + round % 9, [&](const support::Acknowledge& acknowledge) {
+          House house(folder.path());
+          for (int i = lowest + 1;; ++i) {
+            house.devices.putValue(ref, i);
+            acknowledge(i);
+          }
+        });
+    ASSERT_TRUE(acknowledged.has_value());
     House house(folder.path());
-    ASSERT_GE(house.devices.byRef(ref)->value, acknowledged);
+    ASSERT_GE(house.devices.byRef(ref)->value, *acknowledged);
     lowest = house.devices.byRef(ref)->value;
   }
 }

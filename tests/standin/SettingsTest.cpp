@@ -10,6 +10,7 @@
 #include "base/Failure.hpp"
 #include "standin/FileTools.hpp"
 #include "standin/SettingsStore.hpp"
+#include "support/KilledWhile.hpp"
 #include "support/TempFolder.hpp"
 
 namespace standin {
@@ -205,32 +206,19 @@ TEST(Settings, AKillAtAnyMomentLosesNothingAcknowledged) {
   const support::TempFolder folder;
   int lowest = 0;
   for (int round = 0; round < 100; ++round) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe(ends.data()), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      SettingsStore store(folder.path());
-      for (int i = lowest + 1;; ++i) {
-        store.save(kFile, "Settings", "Count", std::to_string(i));
-        if (i % 7 == 0) store.flush();
-        if (write(ends[1], &i, sizeof i) != sizeof i) _exit(1);
-      }
-    }
-    close(ends[1]);
-    int acknowledged = lowest;
-    for (int told = 0; told < 3 + round % 20; ++told) {
-      ASSERT_EQ(read(ends[0], &acknowledged, sizeof acknowledged), static_cast<ssize_t>(sizeof acknowledged));
-    }
-    kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
-    while (read(ends[0], &acknowledged, sizeof acknowledged) == sizeof acknowledged) {
-    }
-    close(ends[0]);
+    const auto acknowledged =
+        support::KilledWhile(3 + round % 20, [&](const support::Acknowledge& acknowledge) {
+          SettingsStore store(folder.path());
+          for (int i = lowest + 1;; ++i) {
+            store.save(kFile, "Settings", "Count", std::to_string(i));
+            if (i % 7 == 0) store.flush();
+            acknowledge(i);
+          }
+        });
+    ASSERT_TRUE(acknowledged.has_value());
     const auto stored = SettingsStore(folder.path()).get(kFile, "Settings", "Count");
     ASSERT_TRUE(stored.has_value());
-    ASSERT_GE(std::stoi(*stored), acknowledged);
+    ASSERT_GE(std::stoi(*stored), *acknowledged);
     lowest = std::stoi(*stored);
   }
 }
