@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 
 #include "base/Failure.hpp"
@@ -25,8 +24,10 @@ FileText ReadFile(const std::string& path, std::int64_t most) {
     throw base::Failure(base::number::kDeviceIo, base::RepairUtf8(path) + why);
   };
   if (!S_ISREG(info.st_mode)) refuse(" is no file");
+  const std::string tooLarge = " is larger than " + std::to_string(most >> 20) + " MiB";
+  if (info.st_size > most) refuse(tooLarge);
   FileText content{{}, StampFrom(info)};
-  content.text.resize(static_cast<std::size_t>(std::min<std::int64_t>(info.st_size, most)) + 1);
+  content.text.resize(static_cast<std::size_t>(info.st_size) + 1);
   std::size_t size = 0;
   while (size < content.text.size()) {
     const ssize_t got = ::read(file.get(), content.text.data() + size, content.text.size() - size);
@@ -35,9 +36,7 @@ FileText ReadFile(const std::string& path, std::int64_t most) {
     if (got == 0) break;
     size += static_cast<std::size_t>(got);
   }
-  if (static_cast<std::int64_t>(size) > most || info.st_size > most) {
-    refuse(" is larger than " + std::to_string(most >> 20) + " MiB");
-  }
+  if (static_cast<std::int64_t>(size) > most) refuse(tooLarge);  // it has grown
   content.text.resize(size);
   return content;
 }

@@ -54,6 +54,7 @@ class StoredPlaylist : public ListPlaylist {
     path_ = std::move(path);
     stamp_ = stamp;
   }
+  [[nodiscard]] bool keptBy(const PlaylistKeeper& keeper) const { return keeper_ == &keeper; }
   /// No file is behind it from now on.
   void disown() { keeper_ = nullptr; }
   /// Takes what the file says now. Items that have stayed are the same objects as before.

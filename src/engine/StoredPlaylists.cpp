@@ -91,7 +91,7 @@ StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Lib
 StoredPlaylists::~StoredPlaylists() {
   for (const auto& entry : byPath_) entry.second->disown();
   for (const auto& entry : lost_) {
-    if (const auto playlist = entry.second.lock()) playlist->disown();
+    if (const auto playlist = entry.lock()) playlist->disown();
   }
 }
 
@@ -141,68 +141,80 @@ void StoredPlaylists::lose(const std::vector<std::string>& present) {
       ++entry;
       continue;
     }
-    lost_[entry->first] = entry->second;
+    lost_.push_back(entry->second);
     entry = byPath_.erase(entry);
   }
 }
 
-void StoredPlaylists::refresh() {
-  if (lookAround()) events_.changed();
+void StoredPlaylists::refresh() { tell(lookAround()); }
+
+void StoredPlaylists::tell(const Changes& changes) {
+  base::Attempt step;
+  if (changes.content) step([&] { events_.content(); });
+  if (changes.names) step([&] { events_.changed(); });
 }
 
-bool StoredPlaylists::lookAround() {
+StoredPlaylists::Changes StoredPlaylists::lookAround() {
+  Changes changes;
   const auto paths = files();
-  if (!paths) return false;
+  if (!paths) return changes;
   const std::size_t before = byPath_.size();
   lose(*paths);
-  bool changed = byPath_.size() != before;
-  std::erase_if(lost_, [](const auto& entry) { return entry.second.expired(); });
+  changes.names = byPath_.size() != before;
+  std::erase_if(lost_, [](const auto& entry) { return entry.expired(); });
+  std::erase_if(unreadable_, [&](const auto& entry) {
+    return !std::binary_search(paths->begin(), paths->end(), entry.first);
+  });
   for (const std::string& path : *paths) {
     base::Attempt step;
-    step([&] { changed = look(path) || changed; });
+    step([&] { look(path, changes); });
   }
-  return changed;
+  return changes;
 }
 
-bool StoredPlaylists::look(const std::string& path) {
+void StoredPlaylists::look(const std::string& path, Changes& changes) {
   const FileStamp stamp = StampOf(path);
   const auto known = byPath_.find(path);
-  if (known != byPath_.end() && known->second->stamp() == stamp) return false;
-  const auto unreadable = unreadable_.find(path);
-  if (unreadable != unreadable_.end() && unreadable->second == stamp) return false;
-  bool changed = false;
+  if (known != byPath_.end() && known->second->stamp() == stamp) return;
+  // Tried at every look: what stood in the way, the file's rights or a shortage, may be gone without a trace
+  // in its stamp.
   base::Attempt step;
   const bool good = step([&] {
     const FileText file = ReadFile(path, kLargest);
-    changed = read(path, file.stamp, M3uText(file.text));
+    read(path, file.stamp, M3uText(file.text), changes);
   });
   if (good) {
     unreadable_.erase(path);
-  } else {
-    unreadable_[path] = stamp;
-    events_.message("The playlist " + SafeName(path) + " can't be read: " + step.text());
+    return;
   }
-  return changed;
+  const auto told = unreadable_.find(path);
+  if (told != unreadable_.end() && told->second == stamp) return;
+  unreadable_[path] = stamp;
+  events_.message("The playlist " + SafeName(path) + " can't be read: " + step.text());
 }
 
-bool StoredPlaylists::read(const std::string& path, const FileStamp& stamp, const M3uText& text) {
+void StoredPlaylists::read(const std::string& path, const FileStamp& stamp, const M3uText& text,
+                           Changes& changes) {
   const std::string folder = fs::path(path).parent_path().string();
   const std::string name = NameOf(text, path);
   std::vector<player::MediaRef> items;
   items.reserve(text.count());
   for (std::size_t i = 0; i < text.count(); ++i) items.push_back(MediaOf(library_, text.item(i, folder)));
   const auto known = byPath_.find(path);
-  Stored playlist = known != byPath_.end() ? known->second : found(path, stamp);
-  if (!playlist) {
+  const bool isKnown = known != byPath_.end();
+  Stored playlist = found(path, stamp, isKnown);
+  if (playlist && isKnown) lost_.push_back(known->second);  // its file was replaced by the other's
+  if (!playlist && !isKnown) {
     add(path, stamp, name, std::move(items));
-    return true;
+    changes.names = true;
+    return;
   }
-  const bool changed = known == byPath_.end() || playlist->name() != name;
+  changes.names = changes.names || playlist || known->second->name() != name;
+  changes.content = true;
+  if (!playlist) playlist = known->second;
   playlist->take(name, std::move(items));
   playlist->stored(path, stamp);
   byPath_[path] = playlist;
-  events_.content();
-  return changed;
 }
 
 StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const FileStamp& stamp,
@@ -214,17 +226,25 @@ StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const File
   return playlist;
 }
 
-StoredPlaylists::Stored StoredPlaylists::found(const std::string& path, const FileStamp& stamp) {
-  auto entry = lost_.find(path);
-  if (entry == lost_.end() || entry->second.expired()) {
-    entry = std::find_if(lost_.begin(), lost_.end(), [&](const auto& lost) {
-      const Stored playlist = lost.second.lock();
-      return playlist && playlist->stamp() == stamp;
-    });
+StoredPlaylists::Stored StoredPlaylists::found(const std::string& path, const FileStamp& stamp,
+                                               bool veryFileOnly) {
+  const auto fit = [&](const StoredPlaylist& lost) {
+    const bool veryFile = lost.stamp() == stamp;
+    const bool there = lost.path() == path;
+    return veryFileOnly && !veryFile ? 0 : (veryFile ? 2 : 0) + (there ? 1 : 0);
+  };
+  int best = 0;
+  auto place = lost_.end();
+  for (auto entry = lost_.begin(); entry != lost_.end(); ++entry) {
+    const Stored playlist = entry->lock();
+    const int now = playlist ? fit(*playlist) : 0;
+    if (now == 0 || now < best) continue;  // of several, the last one that was there
+    best = now;
+    place = entry;
   }
-  if (entry == lost_.end()) return nullptr;
-  Stored playlist = entry->second.lock();
-  lost_.erase(entry);
+  if (place == lost_.end()) return nullptr;
+  Stored playlist = place->lock();
+  lost_.erase(place);
   return playlist;
 }
 
@@ -241,7 +261,11 @@ M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
   FileText file = ReadFile(playlist.path(), kLargest);
   M3uText text(std::move(file.text));
   const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
-  if (foreign && read(playlist.path(), file.stamp, text)) events_.changed();
+  if (foreign) {
+    Changes changes;
+    read(playlist.path(), file.stamp, text, changes);
+    tell(changes);
+  }
   return text;
 }
 
@@ -252,11 +276,10 @@ void StoredPlaylists::save(StoredPlaylist& playlist, const std::string& text) {
   playlist.stored(playlist.path(), WriteFile(playlist.path(), text, write_));
 }
 
-StoredPlaylists::Stored StoredPlaylists::named(const std::string& name) const {
-  for (const auto& entry : byPath_) {
-    if (base::SameText(entry.second->name(), name)) return entry.second;
-  }
-  return nullptr;
+bool StoredPlaylists::taken(const std::string& name, const StoredPlaylist* own) const {
+  return std::any_of(byPath_.begin(), byPath_.end(), [&](const auto& entry) {
+    return entry.second.get() != own && base::SameText(entry.second->name(), name);
+  });
 }
 
 std::string StoredPlaylists::freePath(const std::string& name, const std::string& own) const {
@@ -281,9 +304,7 @@ void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) 
   CheckName(name);
   refresh();
   M3uText text = open(playlist);
-  const auto holder = named(name);
-  if (holder && holder.get() != &playlist)
-    throw base::Failure(base::number::kNameInUse, "The name is in use");
+  if (taken(name, &playlist)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   text.name(name);
   save(playlist, text.text());
   playlist.rename(name);
@@ -327,7 +348,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
   M3uText text;
   text.name(name);
   refresh();
-  if (named(name)) throw base::Failure(base::number::kNameInUse, "The name is in use");
+  if (taken(name, nullptr)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   std::error_code failed;
   fs::create_directories(folder_, failed);
   if (failed) FailOn(folder_, failed.value());
@@ -344,14 +365,15 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
 
 void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
   if (!playlist) throw base::Failure(base::number::kObjectMissing);
-  const auto found = std::find_if(byPath_.begin(), byPath_.end(),
-                                  [&](const auto& entry) { return entry.second == playlist; });
-  if (found == byPath_.end()) {
+  const auto stored = std::dynamic_pointer_cast<StoredPlaylist>(playlist);
+  if (!stored || !stored->keptBy(*this)) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist is not in the collection");
   }
-  RemoveFile(found->first);
-  found->second->disown();
-  byPath_.erase(found);
+  refresh();  // its file may lie elsewhere by now, and another one at its path
+  if (!holds(*stored)) FailOn(stored->path(), ENOENT);
+  RemoveFile(stored->path());
+  byPath_.erase(stored->path());
+  stored->disown();
   events_.changedByCall();
 }
 

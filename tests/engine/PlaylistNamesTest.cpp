@@ -111,6 +111,21 @@ TEST(PlaylistNames, SeveralOfOneNameAreFoundInTheOrderOfTheirFiles) {
   EXPECT_EQ(FailureOf([&] { playlists.lists.newPlaylist("same"); }), base::number::kNameInUse);
 }
 
+TEST(PlaylistNames, ANameThatAnotherHasTooIsRefusedWhicheverFileComesFirst) {
+  const support::TempFolder root;
+  PlaylistFolder playlists(root.path());
+  WriteText(playlists.path("a.m3u8"), "#PLAYLIST:Same\n");
+  WriteText(playlists.path("b.m3u8"), "#PLAYLIST:same\n");
+  const auto both = playlists.lists.getByName("Same");
+  ASSERT_EQ(both->count(), 2);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(FailureOf([&] { both->item(i)->name("SAME"); }), base::number::kNameInUse) << i;
+  }
+  both->item(0)->name("Mine");
+  both->item(1)->name("SAME");
+  EXPECT_THAT(playlists.names(), ElementsAre("Mine", "SAME"));
+}
+
 TEST(PlaylistNames, AFileInTheWayIsNeitherReplacedNorTouched) {
   const support::TempFolder root;
   PlaylistFolder playlists(root.path());
