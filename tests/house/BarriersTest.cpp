@@ -77,6 +77,16 @@ TEST_P(EveryPage, HasNoSeriousBarriers) {
     user.open(path);
     expectNone(user, path, sign);
   }
+  user.open("/nothing/here");
+  user.open("/#library/Album/Counting");
+  user.browser.click("//button[text()='Add all']");
+  expectNone(user, "a dialog", "dialog[open] button");
+  user.open("/nothing/here");
+  user.open("/#scripts");
+  user.browser.type("//textarea", "error('a line that fails')");
+  user.browser.click("//button[text()='Run now']");
+  expectNone(user, "a script that fails", ".script-error:not([hidden])");
+
   tell(user, "/api/password", R"({"password":"s3cret"})");
   tell(user, "/api/logout", "{}");
   user.browser.open(house.url() + "/");
