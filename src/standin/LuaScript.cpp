@@ -92,7 +92,8 @@ std::string nameAt(lua_State* lua, int index) {
 
 base::Args argumentsFrom(lua_State* lua, const Run& run, int first) {
   base::Args args;
-  for (int i = first; i <= lua_gettop(lua); ++i) args.push_back(ReadLua(lua, i, run.objects));
+  std::size_t left = kMostRead;
+  for (int i = first; i <= lua_gettop(lua); ++i) args.push_back(ReadLua(lua, i, run.objects, left));
   return args;
 }
 
@@ -112,7 +113,8 @@ int houseGet(lua_State* lua) {
 
 int housePut(lua_State* lua) {
   return answer(lua, [](lua_State* from, Run& run) {
-    run.house.put(objectAt(from, run, 1), nameAt(from, 2), ReadLua(from, 3, run.objects));
+    std::size_t left = kMostRead;
+    run.house.put(objectAt(from, run, 1), nameAt(from, 2), ReadLua(from, 3, run.objects, left));
   });
 }
 

@@ -9,6 +9,12 @@ namespace standin {
 namespace {
 
 constexpr int kDeepest = 16;
+constexpr std::size_t kOneValue = 64;  // bytes, roughly
+
+void take(std::size_t& left, std::size_t bytes) {
+  if (bytes > left) throw base::Failure(base::number::kOverflow, "The value is too large");
+  left -= bytes;
+}
 
 base::Value numberAt(lua_State* lua, int index) {
   if (lua_isinteger(lua, index) != 0) {
@@ -21,14 +27,15 @@ base::Value numberAt(lua_State* lua, int index) {
   return static_cast<double>(lua_tonumber(lua, index));
 }
 
-std::string textAt(lua_State* lua, int index) {
+std::string textAt(lua_State* lua, int index, std::size_t& left) {
   std::size_t size = 0;
   const char* text = lua_tolstring(lua, index, &size);  // of a string: no conversion, no new memory
+  take(left, size);
   return {text, size};
 }
 
 /// A list when it has a first element or nothing at all, otherwise a record.
-base::Value tableAt(lua_State* lua, int index, const void* objects, int depth) {
+base::Value tableAt(lua_State* lua, int index, const void* objects, std::size_t& left, int depth) {
   if (depth >= kDeepest || lua_checkstack(lua, 4) == 0) {
     throw base::Failure(base::number::kTypeMismatch, "The table is nested too deeply");
   }
@@ -37,7 +44,7 @@ base::Value tableAt(lua_State* lua, int index, const void* objects, int depth) {
   const lua_Unsigned count = lua_rawlen(lua, table);
   for (lua_Unsigned i = 1; i <= count; ++i) {
     lua_rawgeti(lua, table, static_cast<lua_Integer>(i));
-    list.push_back(ReadLua(lua, -1, objects, depth + 1));
+    list.push_back(ReadLua(lua, -1, objects, left, depth + 1));
     lua_pop(lua, 1);
   }
   if (count > 0) return list;
@@ -47,7 +54,7 @@ base::Value tableAt(lua_State* lua, int index, const void* objects, int depth) {
     if (lua_type(lua, -2) != LUA_TSTRING) {
       throw base::Failure(base::number::kTypeMismatch, "A table's keys are 1, 2, 3 … or texts");
     }
-    record.emplace_back(textAt(lua, -2), ReadLua(lua, -1, objects, depth + 1));
+    record.emplace_back(textAt(lua, -2, left), ReadLua(lua, -1, objects, left, depth + 1));
     lua_pop(lua, 1);
   }
   if (record.empty()) return list;
@@ -63,14 +70,15 @@ std::int32_t LuaObjectAt(lua_State* lua, int index, const void* objects) {
   return own ? *static_cast<const std::int32_t*>(lua_touserdata(lua, index)) : 0;
 }
 
-base::Value ReadLua(lua_State* lua, int index, const void* objects, int depth) {
+base::Value ReadLua(lua_State* lua, int index, const void* objects, std::size_t& left, int depth) {
+  take(left, kOneValue);
   switch (lua_type(lua, index)) {
     case LUA_TNONE:
     case LUA_TNIL: return {};
     case LUA_TBOOLEAN: return lua_toboolean(lua, index) != 0;
     case LUA_TNUMBER: return numberAt(lua, index);
-    case LUA_TSTRING: return textAt(lua, index);
-    case LUA_TTABLE: return tableAt(lua, index, objects, depth);
+    case LUA_TSTRING: return textAt(lua, index, left);
+    case LUA_TTABLE: return tableAt(lua, index, objects, left, depth);
     default: break;
   }
   const std::int32_t handle = LuaObjectAt(lua, index, objects);

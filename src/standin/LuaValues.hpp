@@ -5,9 +5,14 @@
 
 namespace standin {
 
+/// What the values of one call may take, in bytes: a table that holds another many times is as large as all
+/// of them together once it has been read.
+inline constexpr std::size_t kMostRead = std::size_t{64} << 20U;
+
 /// The value at a place of the stack. Raises no Lua error. Throws number 13 for what has no counterpart,
-/// such as a function. `objects` is the identity of the metatable that objects have.
-base::Value ReadLua(lua_State* lua, int index, const void* objects, int depth = 0);
+/// such as a function, and 6 when it takes more than `left`, which is lowered by what it takes. `objects` is
+/// the identity of the metatable that objects have.
+base::Value ReadLua(lua_State* lua, int index, const void* objects, std::size_t& left, int depth = 0);
 
 /// Pushes a value; objects must be handles. Throws nothing, may raise a Lua error, and keeps nothing on the
 /// stack of C++ that would have to be destroyed. The metatable of objects is in the registry under

@@ -18,7 +18,12 @@ constexpr std::int32_t kMostRows = 60;
 
 void Playlists::watch(const std::string& page, const std::string& name, std::int32_t from,
                       std::int32_t rows) {
-  if (!watchers_.contains(page) && watchers_.size() >= kMostWatchers) return;
+  if (!watchers_.contains(page) && watchers_.size() >= kMostWatchers) {
+    // The one that has been silent for longest.
+    watchers_.erase(std::min_element(
+        watchers_.begin(), watchers_.end(),
+        [](const auto& left, const auto& right) { return left.second.until < right.second.until; }));
+  }
   watchers_[page] = {name, std::max(from, 0), std::clamp(rows, 0, kMostRows), loop_.now() + kLease};
   if (!timer_->enabled()) timer_->enabled(true);
 }

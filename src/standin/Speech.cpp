@@ -1,6 +1,7 @@
 #include "standin/Speech.hpp"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -10,18 +11,20 @@ namespace {
 
 constexpr std::int16_t kAudioEvents = 8;
 constexpr std::size_t kMostWaiting = 100;
+constexpr base::Milliseconds kHushAgain = std::chrono::milliseconds(200);
 
 }  // namespace
 
 Speech::Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice, base::Milliseconds longest)
     : loop_(loop), house_(house), voice_(voice), longest_(longest), cut_(loop.makeTimer(longest, [this] {
-        cut_->enabled(false);
-        voice_.hush();
+        if (saying_) voice_.hush();
+        cut_->interval(kHushAgain);
       })) {}
 
 Speech::~Speech() {
   if (!thread_.joinable()) return;
-  voice_.hush();
+  // A word in time: the voice may only be about to begin, and would not have heard the first.
+  for (; saying_; std::this_thread::sleep_for(std::chrono::milliseconds(10))) voice_.hush();
   thread_.join();
 }
 
@@ -36,7 +39,7 @@ void Speech::speak(const std::string& text, bool wait) {
   if (!wait || telling_) return;
   const base::Milliseconds end = loop_.now() + longest_;
   loop_.whileOpen([&] {
-    while (!order->over && loop_.now() < end)
+    while (!order->over && loop_.now() < end && !loop_.quitting())
       loop_.turn(std::min(end - loop_.now(), base::Milliseconds(500)));
   });
 }
@@ -50,22 +53,32 @@ void Speech::beginSoon() {
 
 void Speech::begin() {
   tellSinks(true);
+  cut_->interval(longest_);
   cut_->enabled(true);
-  thread_ = std::thread([this, text = orders_.front()->text] {
-    std::string failure;
-    try {
-      voice_.say(text);
-    } catch (...) {
-      failure = base::CurrentFailure().description();
-    }
-    loop_.post([this, failure, alive = std::weak_ptr(alive_)] {
-      if (alive.lock()) said(failure);
-    });
+  saying_ = true;
+  try {
+    thread_ = std::thread([this, text = orders_.front()->text] { say(text); });
+  } catch (const std::system_error& failure) {  // the machine has no thread to spare
+    saying_ = false;
+    said(failure.what());
+  }
+}
+
+void Speech::say(const std::string& text) {
+  std::string failure;
+  try {
+    voice_.say(text);
+  } catch (...) {
+    failure = base::CurrentFailure().description();
+  }
+  saying_ = false;
+  loop_.post([this, failure, alive = std::weak_ptr(alive_)] {
+    if (alive.lock()) said(failure);
   });
 }
 
 void Speech::said(const std::string& failure) {
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
   cut_->enabled(false);
   if (!failure.empty() && failure != toldFailure_) {
     house_.log.write("Info", "Speech is written to the log only: " + failure);

@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <chrono>
 #include <deque>
 #include <memory>
@@ -36,6 +37,7 @@ class Speech {
   };
   void beginSoon();
   void begin();
+  void say(const std::string& text);  ///< on the thread
   void said(const std::string& failure);
   void tellSinks(bool started);
 
@@ -48,6 +50,7 @@ class Speech {
   bool telling_ = false;  ///< the events are being told
   std::string toldFailure_;
   std::thread thread_;
+  std::atomic<bool> saying_ = false;  ///< the thread is at a text
   std::unique_ptr<base::Timer> cut_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

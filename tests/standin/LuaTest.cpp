@@ -195,4 +195,19 @@ TEST(ScriptStore, DeletedExamplesStayAway) {
   EXPECT_TRUE(standin::ScriptStore(folder.path() / "scripts").names().empty());
 }
 
+// A small table can stand for more than any memory holds.
+TEST_F(Script, WhatIsHandedOverHasALimitHoweverSmallItIsInTheScript) {
+  house.answers["Take"] = Value();
+  EXPECT_NE(
+      errorOf("local t = {} for i = 1, 12 do t = {t, t, t, t, t, t, t, t, t, t} end scriptclass.Take(t)")
+          .find("The value is too large"),
+      std::string::npos);
+  EXPECT_NE(errorOf("local s, t = string.rep('x', 1000000), {} for i = 1, 200 do t[i] = s end "
+                    "scriptclass.Take(table.unpack(t))")
+                .find("The value is too large"),
+            std::string::npos);
+  house.begun = std::chrono::steady_clock::now();
+  EXPECT_EQ(errorOf("local t = {} for i = 1, 10000 do t[i] = 'title' end scriptclass.Take(t, t)"), "");
+}
+
 }  // namespace

@@ -1,7 +1,9 @@
 // The house speaks, and the player hears of it.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
+#include <thread>
 
 #include "FakeVoice.hpp"
 #include "standin/EspeakVoice.hpp"
@@ -133,6 +135,43 @@ TEST_F(HouseSpeech, WhatTakesTooLongIsCutShort) {
   house.eventSinks = {EventSink{8, listener("player")}};
   impatient.speak("On and on", false);
   EXPECT_TRUE(turnUntilEvents(2));
+}
+
+/// Hears no call to end before it has begun, as a voice that is still being made ready.
+class LateVoice : public support::FakeVoice {
+ public:
+  void say(const std::string& text) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    begun = true;
+    FakeVoice::say(text);
+  }
+  void hush() override {
+    if (begun) FakeVoice::hush();
+  }
+  std::atomic<bool> begun = false;
+};
+
+TEST_F(HouseSpeech, EndsAtOnceAlsoWhenTheVoiceHasOnlyJustBegun) {
+  LateVoice late;
+  late.time = std::chrono::hours(1);
+  {
+    standin::Speech brief(loop, house, late);
+    brief.speak("On and on", false);
+    loop.turn(base::Milliseconds(0));
+    loop.turn(base::Milliseconds(0));
+  }
+  EXPECT_EQ(late.said(), Lines{"On and on"});
+}
+
+TEST_F(HouseSpeech, WhoWaitsForItIsLetGoWhenTheServerEnds) {
+  voice.time = std::chrono::hours(1);
+  loop.post([this] {
+    loop.post([this] { loop.quit(0); });
+    speech.speak("On and on", true);
+  });
+  const auto from = std::chrono::steady_clock::now();
+  loop.run();
+  EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::seconds(30));
 }
 
 }  // namespace
