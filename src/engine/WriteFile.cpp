@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <random>
 #include <string_view>
+#include <vector>
 
 #include "base/Failure.hpp"
 #include "engine/FileDescriptor.hpp"
@@ -116,9 +117,16 @@ class TemporaryFile {
 
  private:
   void keepOwnerAndMode() const {
-    // Only the superuser can give a file away; if it can't be, it is the writer's from now on.
-    [[maybe_unused]] const int given = ::fchown(file_.get(), old_.st_uid, old_.st_gid);
-    if (::fchmod(file_.get(), old_.st_mode & 0777U) != 0) FailOn(path_, errno);
+    // Only the superuser can give a file away; if it can't be, it is the writer's from now on. Its group
+    // stays if the writer is one of it; if not, what it was allowed is not allowed the writer's own group.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    mode_t mode = old_.st_mode & 0777U;
+    struct stat now {};
+    if (::fchown(file_.get(), old_.st_uid, old_.st_gid) != 0 &&
+        ::fchown(file_.get(), kSameOwner, old_.st_gid) != 0 &&
+        (::fstat(file_.get(), &now) != 0 || now.st_gid != old_.st_gid))
+      mode &= ~static_cast<mode_t>(S_IRWXG);
+    if (::fchmod(file_.get(), mode) != 0) FailOn(path_, errno);
   }
 
   std::string path_;
@@ -157,6 +165,18 @@ bool MoveFile(const std::string& from, const std::string& to) {
   if (!RenameToFree(from, to)) return false;
   SyncFolder(FolderOf(to));
   return true;
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code failed;
+  std::vector<std::string> into;
+  for (fs::path made = folder; !made.empty() && !fs::exists(made, failed); made = made.parent_path()) {
+    into.push_back(FolderOf(made.string()));
+    if (made == made.parent_path()) break;
+  }
+  fs::create_directories(folder, failed);
+  if (failed) FailOn(folder, failed.value());
+  for (const std::string& parent : into) SyncFolder(parent);
 }
 
 void RemoveFile(const std::string& path) {

@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
@@ -14,6 +16,8 @@
 #include "engine/PlaylistFolder.hpp"
 #include "engine/ReadFile.hpp"
 #include "engine/Stamp.hpp"
+#include "engine/SyncSpy.hpp"
+#include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
 
 namespace engine::testing {
@@ -50,6 +54,42 @@ TEST_F(Files, ANewFileHasTheModeThatTheProcessGivesAndAnOldOneKeepsIts) {
   EXPECT_EQ(modeOf("a"), 0604U);
   EXPECT_EQ(FileContent(path("a")), "2");
   EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhatAGroupWasAllowedIsAllowedNoOther) {
+  constexpr gid_t kGroup = 54321;
+  constexpr uid_t kNobody = 65534;
+  const bool superuser = ::geteuid() == 0;
+  fs::permissions(root.path(), fs::perms::all);
+  for (const bool member : {false, true}) {
+    WriteText(path("a"), "1");
+    ASSERT_EQ(::chown(path("a").c_str(), static_cast<uid_t>(-1), superuser ? kGroup : ::getegid()), 0);
+    ASSERT_EQ(::chmod(path("a").c_str(), 0664), 0);
+    EXPECT_TRUE(support::InChild([&] {
+      if (superuser) {
+        ASSERT_EQ(::setgroups(member ? 1 : 0, &kGroup), 0);
+        ASSERT_EQ(::setresgid(kNobody, kNobody, kNobody), 0);
+        ASSERT_EQ(::setresuid(kNobody, kNobody, kNobody), 0);
+      }
+      WriteFile(path("a"), "2");
+    }));
+    struct stat info {};
+    ASSERT_EQ(::stat(path("a").c_str(), &info), 0);
+    EXPECT_EQ(FileContent(path("a")), "2");
+    if (superuser) {
+      EXPECT_EQ(info.st_gid, member ? kGroup : kNobody);
+    }
+    EXPECT_EQ(info.st_mode & 07777U, member || !superuser ? 0664U : 0604U);
+  }
+}
+
+TEST_F(Files, AFolderThatIsMadeIsOnTheDiskWithThoseItLiesIn) {
+  SyncSpy spy;
+  MakeFolder(path("a/b/c"));
+  EXPECT_TRUE(fs::is_directory(path("a/b/c")));
+  EXPECT_THAT(spy.take(), ::testing::UnorderedElementsAre(root.path().string(), path("a"), path("a/b")));
+  MakeFolder(path("a/b/c"));
+  EXPECT_THAT(spy.take(), ::testing::IsEmpty());
 }
 
 TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {
