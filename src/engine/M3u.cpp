@@ -31,6 +31,7 @@ bool IsControl(char character) {
 std::string OneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
   std::replace(text.begin(), text.end(), '\r', ' ');
+  std::replace(text.begin(), text.end(), '\0', ' ');
   return text;
 }
 
@@ -247,7 +248,7 @@ void M3uText::insert(std::size_t index, const M3uItem& item) {
   needHeader();
   Piece piece{text_.size(), 0};
   text_ +=
-      std::string(kItemTag) + std::to_string(item.seconds) + ',' + OneLine(ShortTitle(item.title)) + lineEnd_;
+      std::string(kItemTag) + std::to_string(item.seconds) + ',' + ShortTitle(OneLine(item.title)) + lineEnd_;
   text_ += line + lineEnd_;
   piece.size = text_.size() - piece.begin;
   items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), piece);

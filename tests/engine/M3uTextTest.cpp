@@ -48,6 +48,17 @@ TEST(PlaylistText, AnAddressIsOneLineWhateverIsInIt) {
               ElementsAre("http://x/a%0Ahttp://x/b%0D%0A", "http://x/c%20%20", "http://x/caf%E9"));
 }
 
+TEST(PlaylistText, ATitleIsOneReadableLineWhateverIsInIt) {
+  M3uText text;
+  text.insert(0, {"/a.mp3", std::string("A\0B\nC", 5), 7});
+  text.insert(1, {"/b.mp3", std::string(1, '\0') + Repeated("x", 5000), 8});
+  const M3uText read(text.text());
+  EXPECT_EQ(read.item(0, "/").title, "A B C");
+  EXPECT_EQ(read.item(0, "/").seconds, 7);
+  EXPECT_EQ(read.item(1, "/").title, Repeated("x", 4095));
+  EXPECT_EQ(read.item(1, "/").seconds, 8);
+}
+
 TEST(PlaylistText, WhatHasNoPlaceIsNoItem) {
   M3uText text;
   EXPECT_EQ(FailureOf([&] { text.insert(0, {"", "T", 1}); }), base::number::kInvalidArgument);
