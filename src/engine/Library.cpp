@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "base/Attempt.hpp"
 #include "base/Failure.hpp"
 #include "engine/Lists.hpp"
 #include "engine/Stamp.hpp"
@@ -48,7 +49,8 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
       changeTimer_(loop.makeTimer(kChangeDelay,
                                   [this] {
                                     changeTimer_->enabled(false);
-                                    events_.changed();
+                                    base::Attempt step;
+                                    step([&] { events_.changed(); });
                                   })),
       post_(loop) {
   auto store = std::make_unique<LibraryStore>(

@@ -9,6 +9,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/Fixtures.hpp"
+#include "engine/Library.hpp"
 #include "engine/demo/Cover.hpp"
 
 namespace engine::testing {
@@ -390,6 +391,21 @@ TEST_F(LibraryOfMusic, ANameThatIsNoTextIsPlayableAll) {
   player->controls().play();
   ASSERT_TRUE(untilState(player::kStopped));
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1));
+}
+
+TEST_F(LibraryOfMusic, AListenersFailureEndsNothing) {
+  int told = 0;
+  Library library(loop, config,
+                  {[&] {
+                     ++told;
+                     throw std::runtime_error("listening");
+                   },
+                   [](const std::string&) {}, [] {}});
+  addTrack("a.flac", "A", "Ann", "Blue", "Jazz");
+  EXPECT_NO_THROW(EXPECT_TRUE(until([&] { return told == 1; })));
+  addTrack("b.flac", "B", "Ann", "Blue", "Jazz");
+  EXPECT_NO_THROW(EXPECT_TRUE(until([&] { return told == 2; })));
+  EXPECT_EQ(library.getAll()->count(), 2);
 }
 
 TEST_F(LibraryOfMusic, AGroupIsACopyThatCanBeChangedAlone) {
