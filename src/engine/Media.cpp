@@ -1,5 +1,7 @@
 #include "engine/Media.hpp"
 
+#include <filesystem>
+
 #include "base/Text.hpp"
 
 namespace engine {
@@ -31,6 +33,13 @@ player::Picture LooseMedia::getItemInfoByType(const std::string& /*attribute*/,
                                               const std::string& /*language*/, std::int32_t /*index*/) const {
   return {};
 }
+
+std::string PlainLocation(const std::string& location) {
+  if (location.find("/.") == std::string::npos || IsAddress(location)) return location;
+  return std::filesystem::path(location).lexically_normal().string();
+}
+
+std::string SourceOf(const player::Media& media) { return PlainLocation(LocationOf(media)); }
 
 std::string LocationOf(const player::Media& media) {
   const auto* own = dynamic_cast<const EngineMedia*>(&media);

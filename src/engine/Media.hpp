@@ -80,6 +80,12 @@ class LooseMedia : public EngineMedia {
   TrackTags tags_;
 };
 
+/// A path without "." and ".." steps; an address as it is.
+std::string PlainLocation(const std::string& location);
+
+/// What tells media from each other: where it lies, however its path is written.
+std::string SourceOf(const player::Media& media);
+
 /// What the decoder is to open for any media.
 std::string LocationOf(const player::Media& media);
 

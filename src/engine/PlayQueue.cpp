@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <deque>
+#include <functional>
 #include <unordered_map>
 
 #include "engine/Media.hpp"
@@ -10,11 +11,9 @@
 namespace engine {
 namespace {
 
-/// Short for tracks of the library, of which there may be very many.
-std::string KeyOf(const player::Media& media) {
-  const auto* track = dynamic_cast<const TrackMedia*>(&media);
-  return track != nullptr ? '#' + std::to_string(track->id()) : media.sourceURL();
-}
+/// The same for an item before and after the library has got to know it. A number, as there may be very many;
+/// two that share one by chance would only be taken for twins.
+std::size_t KeyOf(const player::Media& media) { return std::hash<std::string>{}(SourceOf(media)); }
 
 }  // namespace
 
@@ -38,6 +37,10 @@ void PlayQueue::rewind() {
   current_ = knownCount_ > 0 ? playlist_->item(index_) : nullptr;
 }
 
+void PlayQueue::takeUp() {
+  if (!current_ && count() > 0) rewind();
+}
+
 void PlayQueue::replace(player::PlaylistRef playlist) {
   playlist_ = std::move(playlist);
   stale_ = true;
@@ -56,9 +59,9 @@ void PlayQueue::moveTo(int index) {
 }
 
 void PlayQueue::moveTo(const player::MediaRef& media, int index) {
-  const std::string source = media->sourceURL();
+  const std::string source = SourceOf(*media);
   const auto next = following(true);  // among several of the same, the one that was meant
-  const int place = next && playlist_->item(*next)->sourceURL() == source ? *next : placeOf(source, index);
+  const int place = next && SourceOf(*playlist_->item(*next)) == source ? *next : placeOf(source, index);
   if (place >= 0) {
     moveTo(place);
     return;
@@ -71,7 +74,7 @@ void PlayQueue::moveTo(const player::MediaRef& media, int index) {
 int PlayQueue::placeOf(const std::string& source, int near) const {
   const int now = count();
   const auto stands = [&](int place) {
-    return place >= 0 && place < now && playlist_->item(place)->sourceURL() == source;
+    return place >= 0 && place < now && SourceOf(*playlist_->item(place)) == source;
   };
   const int furthest = std::max(std::abs(near), std::abs(now - near));
   for (int away = 0; away <= furthest; ++away) {
@@ -81,18 +84,18 @@ int PlayQueue::placeOf(const std::string& source, int near) const {
   return -1;
 }
 
-std::vector<std::string> PlayQueue::keys() const {
+std::vector<std::size_t> PlayQueue::keys() const {
   const int now = count();
-  std::vector<std::string> all;
+  std::vector<std::size_t> all;
   all.reserve(static_cast<std::size_t>(now));
   for (int place = 0; place < now; ++place) all.push_back(KeyOf(*playlist_->item(place)));
   return all;
 }
 
 void PlayQueue::renumber() {
-  std::vector<std::string> now = keys();
+  std::vector<std::size_t> now = keys();
   if (now == keys_) return;
-  std::unordered_map<std::string, std::deque<int>> places;  // several for an item that is in it twice
+  std::unordered_map<std::size_t, std::deque<int>> places;  // several for an item that is in it twice
   for (std::size_t place = 0; place < now.size(); ++place) {
     places[now[place]].push_back(static_cast<int>(place));
   }
@@ -113,9 +116,9 @@ void PlayQueue::catchUp() {
     knownCount_ = now;
     return;
   }
-  const std::string source = current_->sourceURL();
+  const std::string source = SourceOf(*current_);
   const auto stands = [&](int place) {
-    return place >= 0 && place < now && playlist_->item(place)->sourceURL() == source;
+    return place >= 0 && place < now && SourceOf(*playlist_->item(place)) == source;
   };
   if (!stale_ && now == knownCount_ && (gone_ || stands(index_))) return;
   stale_ = false;

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +32,8 @@ class PlayQueue {
   void moveTo(const player::MediaRef& media, int index);
   /// To where the playlist begins, with shuffle to a new round.
   void rewind();
+  /// The same for a playlist that was empty and has got items since.
+  void takeUp();
   /// The place after the current one. At the end: the beginning if `wrap`, else none.
   std::optional<int> following(bool wrap);
   std::optional<int> preceding(bool wrap);
@@ -48,7 +51,7 @@ class PlayQueue {
   /// Keeps the round of the shuffle on the items that it was made of.
   void renumber();
   /// What tells the playlist's items from each other, in their order.
-  [[nodiscard]] std::vector<std::string> keys() const;
+  [[nodiscard]] std::vector<std::size_t> keys() const;
 
   player::PlaylistRef playlist_;
   player::MediaRef current_;
@@ -59,7 +62,7 @@ class PlayQueue {
   bool loop_ = false;
   bool shuffle_ = false;
   ShuffleOrder order_;             ///< only kept up while shuffled
-  std::vector<std::string> keys_;  ///< of the items that the order's numbers stand for
+  std::vector<std::size_t> keys_;  ///< of the items that the order's numbers stand for
 };
 
 }  // namespace engine

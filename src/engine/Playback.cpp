@@ -53,7 +53,6 @@ void Playback::preset(const player::PlaylistRef& playlist) {
 
 void Playback::refresh(const player::PlaylistRef& playlist) {
   queue_.replace(playlist);
-  if (state_ == player::kUndefined && queue_.current()) state_ = player::kStopped;
   if (!active() && !queue_.current()) state_ = player::kUndefined;
   listChanged();
 }
@@ -61,6 +60,8 @@ void Playback::refresh(const player::PlaylistRef& playlist) {
 void Playback::listChanged() {
   tried_ = 0;
   queue_.changed();
+  queue_.takeUp();
+  if (state_ == player::kUndefined && queue_.current()) state_ = player::kStopped;
   if (running() || state_ == player::kPaused || state_ == player::kBuffering) prepareNext();
 }
 
@@ -80,6 +81,7 @@ void Playback::play() {
     case player::kStopped:
     case player::kReady:
     case player::kMediaEnded:
+      queue_.takeUp();  // not every list tells that it was filled
       if (!queue_.current()) break;
       forgetFailures();
       begin();

@@ -1,6 +1,8 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -57,16 +59,29 @@ class StoredPlaylist : public ListPlaylist {
   [[nodiscard]] bool keptBy(const PlaylistKeeper& keeper) const { return keeper_ == &keeper; }
   /// No file is behind it from now on.
   void disown() { keeper_ = nullptr; }
-  /// Takes what the file says now. Items that have stayed are the same objects as before.
+  /// Takes what the file says now. Items that have stayed are the same objects as before, and whoever holds
+  /// one whose title or length is another now still means it.
   void take(const std::string& name, std::vector<player::MediaRef> items);
   void rename(const std::string& name) { ListPlaylist::name(name); }
-  /// The items, to be replaced by others at the same location only.
-  std::vector<player::MediaRef>& items() { return own(); }
+  const std::vector<player::MediaRef>& items() { return own(); }
+  /// Puts what `newer` answers, another object for the same location or nothing, in the place of each item.
+  void renew(const std::function<player::MediaRef(const player::MediaRef&)>& newer);
 
  private:
+  struct Swap {
+    std::weak_ptr<player::Media> held;
+    player::MediaRef now;
+  };
+
+  void forgetSwaps();
+  void noteSwap(const player::MediaRef& before, const player::MediaRef& now);
+  /// The list's own item that a held one has become.
+  [[nodiscard]] player::MediaRef standsFor(player::MediaRef media) const;
+
   PlaylistKeeper* keeper_;
   std::string path_;
   FileStamp stamp_;
+  std::unordered_map<const player::Media*, Swap> swaps_;  ///< of items that are held somewhere
 };
 
 /// An item as it is written to a file.

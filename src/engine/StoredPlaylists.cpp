@@ -45,10 +45,25 @@ std::string PlaceOf(const std::string& location) {
   return !fs::exists(location, ignored) && fs::exists(text, ignored) ? text : location;
 }
 
-player::MediaRef MediaOf(const Library& library, const M3uItem& item) {
-  const std::string location = PlaceOf(item.location);
+bool IsTrack(const player::MediaRef& media) {
+  return dynamic_cast<const TrackMedia*>(media.get()) != nullptr;
+}
+
+/// The media at a location, which most players write from the playlist's folder on ("../Artist/x.flac"): the
+/// library's own if it has it, otherwise loose at the location as it is written.
+player::MediaRef MediaAt(const Library& library, const std::string& location) {
   auto media = library.mediaAt(location);
-  if (dynamic_cast<const TrackMedia*>(media.get()) != nullptr) return media;
+  if (IsTrack(media)) return media;
+  const std::string written = LocationOf(*media);
+  const std::string plain = PlainLocation(written);
+  if (plain == written) return media;
+  auto known = library.mediaAt(plain);
+  return IsTrack(known) ? known : media;
+}
+
+player::MediaRef MediaOf(const Library& library, const M3uItem& item) {
+  auto media = MediaAt(library, PlaceOf(item.location));
+  if (IsTrack(media)) return media;
   TrackTags tags;
   tags.title = item.title.empty() ? media->name() : item.title;
   const auto dash = tags.title.find(" - ");
@@ -107,11 +122,11 @@ void StoredPlaylists::clearLeftovers() const {
 
 void StoredPlaylists::libraryChanged() {
   for (const auto& entry : byPath_) {
-    for (player::MediaRef& item : entry.second->items()) {
-      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) continue;
-      auto known = library_.mediaAt(LocationOf(*item));
-      if (dynamic_cast<const TrackMedia*>(known.get()) != nullptr) item = std::move(known);
-    }
+    entry.second->renew([this](const player::MediaRef& item) -> player::MediaRef {
+      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) return nullptr;
+      auto known = MediaAt(library_, LocationOf(*item));
+      return IsTrack(known) ? known : nullptr;
+    });
   }
 }
 
@@ -349,9 +364,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
   text.name(name);
   refresh();
   if (taken(name, nullptr)) throw base::Failure(base::number::kNameInUse, "The name is in use");
-  std::error_code failed;
-  fs::create_directories(folder_, failed);
-  if (failed) FailOn(folder_, failed.value());
+  MakeFolder(folder_);
   std::string path;
   std::optional<FileStamp> stamp;
   while (!stamp) {  // until nobody else has taken the path meanwhile

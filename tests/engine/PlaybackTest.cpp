@@ -487,6 +487,66 @@ TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGrowsAndIsSorted) {
   EXPECT_THAT(heard, UnorderedElementsAre("a", "b", "c", "d", "k", "m", "p", "s", "v"));
 }
 
+TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGetsToKnowTheItems) {
+  const auto shelf = std::make_shared<Shelf>(std::string());
+  const auto items = list({"/a", "/b", "/m/../c", "/d", "/e", "/./f", "/g", "/h"});
+  playback.shuffle(true);
+  playback.assign(items);
+  playback.play();
+  playback.started(output.now);
+  std::vector<std::string> heard;
+  while (playback.state() == player::kPlaying) {
+    const std::string source = playback.queue().current()->sourceURL();
+    heard.push_back(source.substr(source.size() - 1));
+    ASSERT_LE(heard.size(), 8U);
+    for (std::int32_t i = 0; heard.size() == 4 && i < items->count(); ++i) {
+      const auto loose = items->item(i);
+      const std::string source = loose->sourceURL();
+      shelf->table.put("/" + source.substr(source.size() - 1), {});
+      items->insertItem(i, std::make_shared<TrackMedia>(shelf, static_cast<TrackId>(i)));
+      items->removeItem(loose);
+    }
+    playback.listChanged();
+    end();
+  }
+  EXPECT_THAT(heard, UnorderedElementsAre("a", "b", "c", "d", "e", "f", "g", "h"));
+}
+
+TEST_F(PlaybackStates, AnItemThatTheLibraryGetsToKnowGoesOnToTheNext) {
+  const auto shelf = std::make_shared<Shelf>(std::string());
+  const auto items = list({"/m/../a", "/b"});
+  playback.assign(items);
+  playback.play();
+  playback.started(output.now);
+  shelf->table.put("/a", {});
+  const auto loose = items->item(0);
+  items->insertItem(0, std::make_shared<TrackMedia>(shelf, 0));
+  items->removeItem(loose);
+  playback.listChanged();
+  EXPECT_EQ(output.appended, "/b");
+}
+
+TEST_F(PlaybackStates, AListThatWasEmptyPlaysOnceItIsFilled) {
+  for (const bool told : {true, false}) {
+    const auto items = list({});
+    playback.assign(items);
+    playback.play();
+    EXPECT_EQ(playback.state(), player::kUndefined);
+    items->appendItem(media("/a"));
+    items->appendItem(media("/b"));
+    if (told) {
+      playback.listChanged();
+      EXPECT_EQ(playback.state(), player::kStopped);
+      EXPECT_EQ(playback.queue().current()->name(), "a");
+    }
+    output.loaded.clear();
+    playback.play();
+    EXPECT_THAT(output.loaded, ElementsAre("/a"));
+    playback.started(output.now);
+    EXPECT_EQ(output.appended, "/b");
+  }
+}
+
 TEST_F(PlaybackStates, AGrowingListKeepsWhatPlays) {
   playing({"/b"});
   playback.refresh(list({"/a", "/b", "/c"}));

@@ -108,17 +108,19 @@ TEST_F(Playlists, ThePlayerTellsOfNewAndForeignOnes) {
   begin();
   playlists().newPlaylist("L");
   ASSERT_TRUE(until([&] { return told.playlistChanges == 1; }));
-  writeText(
-      folder / "playlists/from outside.m3u",
-      "\xEF\xBB\xBF#EXTM3U\r\n#EXTINF:12,Bob - Far\r\n../music/1.flac\r\n\r\nhttp://127.0.0.1/x.mp3\r\n");
+  writeText(folder / "playlists/from outside.m3u",
+            "\xEF\xBB\xBF#EXTM3U\r\n../music/1.flac\r\n#EXTINF:12,Bob - Far\r\n../music/gone.flac\r\n\r\n"
+            "http://127.0.0.1/x.mp3\r\n");
   ASSERT_TRUE(until([&] { return told.playlistChanges == 2; }));
   EXPECT_THAT(all(), ElementsAre("from outside", "L"));
   const auto foreign = playlists().getByName("from outside")->item(0);
-  EXPECT_THAT(Addresses(*foreign),
-              ElementsAre(folder / "playlists/../music/1.flac", "http://127.0.0.1/x.mp3"));
-  EXPECT_EQ(foreign->item(0)->name(), "Far");
-  EXPECT_EQ(foreign->item(0)->getItemInfo("Artist"), "Bob");
-  EXPECT_EQ(foreign->item(0)->duration(), 12);
+  EXPECT_THAT(Addresses(*foreign), ElementsAre(music("1.flac"), folder / "playlists/../music/gone.flac",
+                                               "http://127.0.0.1/x.mp3"));
+  EXPECT_EQ(foreign->item(0)->name(), "One");
+  EXPECT_EQ(foreign->item(0)->getItemInfo("Artist"), "Ann");
+  EXPECT_EQ(foreign->item(1)->name(), "Far");
+  EXPECT_EQ(foreign->item(1)->getItemInfo("Artist"), "Bob");
+  EXPECT_EQ(foreign->item(1)->duration(), 12);
   fs::remove(folder / "playlists/from outside.m3u");
   ASSERT_TRUE(until([&] { return told.playlistChanges == 3; }));
   EXPECT_THAT(all(), ElementsAre("L"));
@@ -132,6 +134,34 @@ TEST_F(Playlists, ItemsAreTheLibrarysOnceItKnowsThem) {
   EXPECT_TRUE(until([&] { return list->item(0)->getItemInfo("Album") == "Blue"; }));
   EXPECT_EQ(list->item(0)->name(), "One");
   EXPECT_EQ(list->item(0)->getItemInfo("Artist"), "Ann");
+}
+
+TEST_F(Playlists, APathFromThePlaylistsFolderIsTheLibrarysTrackAndStaysAsItIsWritten) {
+  writeText(folder / "playlists/L.m3u8", "../music/1.flac\n");
+  start();
+  auto list = playlists().getByName("L")->item(0);
+  EXPECT_THAT(Addresses(*list), ElementsAre(folder / "playlists/../music/1.flac"));
+  addTrack("1.flac", "One", "Ann", "Blue", "Jazz", 1);
+  EXPECT_TRUE(until([&] { return list->item(0)->getItemInfo("Album") == "Blue"; }));
+  EXPECT_THAT(Addresses(*list), ElementsAre(music("1.flac")));
+  writeText(folder / "playlists/L.m3u8", "./../music/1.flac\n../music/1.flac\n");
+  list->moveItem(1, 0);
+  EXPECT_THAT(Addresses(*list), ElementsAre(music("1.flac"), music("1.flac")));
+  EXPECT_EQ(content("L.m3u8"), "../music/1.flac\n./../music/1.flac\n");
+}
+
+TEST_F(Playlists, AHeldTwinIsFoundWhenTheLibraryHasGotToKnowIt) {
+  addTrack("1.flac", "One", "Ann", "Blue", "Jazz", 1);
+  writeText(folder / "playlists/L.m3u8", "../music/1.flac\nhttp://x/2\n../music/1.flac\n");
+  start();
+  auto list = playlists().getByName("L")->item(0);
+  ASSERT_EQ(list->count(), 3);
+  ASSERT_EQ(list->item(2)->getItemInfo("Album"), "");
+  const auto held = list->item(2);
+  ASSERT_TRUE(until([&] { return list->item(2)->getItemInfo("Album") == "Blue"; }));
+  list->removeItem(held);
+  EXPECT_THAT(Addresses(*list), ElementsAre(music("1.flac"), "http://x/2"));
+  EXPECT_EQ(content("L.m3u8"), "../music/1.flac\nhttp://x/2\n");
 }
 
 TEST_F(Playlists, AForeignChangeIsSeenAtTheNextQuestion) {
