@@ -2,6 +2,8 @@
 #include <mpv/client.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -90,6 +92,32 @@ TEST_F(ForeignPlaylists, WhatOtherPlayersWriteIsRead) {
   ASSERT_NE(two, nullptr);
   EXPECT_THAT(Addresses(*two), ElementsAre(playlists.path("../music/c.mp3")));
   EXPECT_EQ(two->item(0)->name(), "Two");
+}
+
+TEST_F(ForeignPlaylists, AListThatAnotherProgramHasMadeIsReadAndKeepsItsTags) {
+  fs::create_directories(playlists.folder);
+  const std::string make =
+      "ffmpeg -loglevel error -nostdin -f lavfi -i sine=duration=3 -f hls -hls_time 1 "
+      "-hls_list_size 0 '" +
+      playlists.path("made.m3u8") + "'";
+  ASSERT_EQ(std::system(make.c_str()), 0);
+  std::vector<std::string> segments;
+  for (const auto& file : fs::directory_iterator(playlists.folder)) {
+    if (file.path().extension() == ".ts") segments.push_back(file.path().string());
+  }
+  std::sort(segments.begin(), segments.end());
+  ASSERT_GE(segments.size(), 2U);
+  const std::string before = playlists.content("made.m3u8");
+  ASSERT_THAT(before, HasSubstr("#EXT-X-ENDLIST"));
+  const auto list = playlists.named("made");
+  ASSERT_NE(list, nullptr);
+  EXPECT_EQ(Addresses(*list), segments);
+  EXPECT_EQ(list->item(0)->name(), "made0");
+  EXPECT_EQ(list->item(0)->duration(), 1);
+  list->appendItem(playlists.media("http://x/new"));
+  const std::string now = playlists.content("made.m3u8");
+  const std::size_t end = before.find("#EXT-X-ENDLIST");
+  EXPECT_EQ(now, before.substr(0, end) + "#EXTINF:-1,new\nhttp://x/new\n" + before.substr(end));
 }
 
 TEST_F(ForeignPlaylists, AnEditKeepsRemarksTagsLineEndsAndTheOlderEncoding) {
@@ -218,6 +246,48 @@ TEST_F(ForeignPlaylists, ItemsThatStayedAreTheSameObjectsAfterAForeignEdit) {
   WriteText(playlists.path("L.m3u8"), text);
   list->removeItem(last);
   EXPECT_THAT(Addresses(*list), ElementsAre("http://x/new", "http://x/1", "http://x/2"));
+}
+
+TEST_F(ForeignPlaylists, ATwinInTheMiddleIsStillItselfAfterForeignEditsOnBothSidesOfIt) {
+  auto list = playlists.make("L", {"http://x/1", "http://x/2", "http://x/1", "http://x/3", "http://x/1"});
+  const auto middle = list->item(2);
+  WriteText(playlists.path("L.m3u8"),
+            "#PLAYLIST:L\nhttp://x/new\nhttp://x/1\nhttp://x/2\nhttp://x/1\nhttp://x/3\nhttp://x/1\n"
+            "http://x/end\n");
+  list->removeItem(middle);
+  const std::vector<std::string> left{"http://x/new", "http://x/1", "http://x/2",
+                                      "http://x/3",   "http://x/1", "http://x/end"};
+  EXPECT_EQ(Addresses(*list), left);
+  EXPECT_EQ(Addresses(*PlaylistFolder(root.path()).named("L")), left);
+}
+
+TEST_F(ForeignPlaylists, AHeldTwinIsFoundUnderItsNewTitles) {
+  auto list = playlists.make("L", {"http://x/1", "http://x/1", "http://x/1"});
+  const auto held = list->item(1);
+  for (const std::string round : {"first", "second"}) {
+    std::string text = "#PLAYLIST:L\n";
+    for (const char* title : {"A ", "B ", "C "}) text += "#EXTINF:5," + (title + round) + "\nhttp://x/1\n";
+    WriteText(playlists.path("L.m3u8"), text);
+    EXPECT_EQ(playlists.named("L")->item(1)->name(), "B " + round);
+  }
+  list->removeItem(held);
+  ASSERT_EQ(list->count(), 2);
+  EXPECT_EQ(list->item(0)->name(), "A second");
+  EXPECT_EQ(list->item(1)->name(), "C second");
+}
+
+TEST_F(ForeignPlaylists, WhatAFileCantTellOfAnItemStaysKnown) {
+  TrackTags tags;
+  tags.title = "One";
+  tags.artist = "Ann";
+  tags.album = "Blue";
+  auto list = playlists.make("L", {});
+  list->appendItem(std::make_shared<LooseMedia>("/elsewhere/1.mp3", tags));
+  const auto item = list->item(0);
+  WriteText(playlists.path("L.m3u8"), playlists.content("L.m3u8") + "http://x/new\n");
+  ASSERT_EQ(playlists.named("L")->count(), 2);
+  EXPECT_EQ(list->item(0), item);
+  EXPECT_EQ(list->item(0)->getItemInfo("Album"), "Blue");
 }
 
 TEST_F(ForeignPlaylists, AnItemsTitleIsTheSameAfterARestart) {

@@ -7,6 +7,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/PlaylistFolder.hpp"
+#include "engine/SyncSpy.hpp"
 #include "support/InChild.hpp"
 #include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
@@ -59,6 +60,59 @@ std::vector<std::string> FilesIn(const std::string& folder) {
   std::vector<std::string> files;
   for (const auto& file : fs::directory_iterator(folder)) files.push_back(file.path().filename().string());
   return files;
+}
+
+TEST(PlaylistWrites, EveryEditIsOneFileAndOnTheDiskWhenItEnds) {
+  const support::TempFolder root;
+  int files = 0;
+  PlaylistFolder playlists(root.path(), [&](int file, const void* bytes, std::size_t size) {
+    ++files;
+    return WriteBytes(file, bytes, size);  // which takes so little at once
+  });
+  const std::string folder = playlists.folder;
+  const auto ours = [&](std::vector<std::string> synced) {  // the library writes, too
+    std::erase_if(synced, [&](const std::string& path) {
+      return !path.starts_with(root.path().string() + "/playlists");
+    });
+    for (std::string& path : synced) {
+      if (path.ends_with(".part")) path = "file";
+    }
+    return synced;
+  };
+  SyncSpy spy;
+  auto list = playlists.lists.newPlaylist("L");
+  EXPECT_EQ(files, 1);
+  EXPECT_THAT(ours(spy.take()), ElementsAre("file", folder));
+  const std::vector<std::function<void()>> edits{
+      [&] { list->appendItem(playlists.media("http://x/1")); },
+      [&] { list->insertItem(0, playlists.media("http://x/2")); },
+      [&] { list->moveItem(0, 1); },
+      [&] { list->removeItem(list->item(1)); },
+      [&] { list->name("l"); },
+  };
+  for (std::size_t i = 0; i < edits.size(); ++i) {
+    files = 0;
+    edits[i]();
+    EXPECT_EQ(files, 1) << "edit " << i;
+    const auto synced = ours(spy.take());
+    if (i + 1 < edits.size()) {
+      EXPECT_THAT(synced, ElementsAre("file", folder)) << "edit " << i;
+    } else {
+      EXPECT_THAT(synced, ElementsAre("file", folder, folder)) << "the file's own name follows";
+    }
+  }
+  files = 0;
+  playlists.lists.remove(list);
+  EXPECT_EQ(files, 0);
+  EXPECT_THAT(ours(spy.take()), ElementsAre(folder));
+}
+
+TEST(PlaylistWrites, TheFirstPlaylistsFolderIsOnTheDiskWithIt) {
+  const support::TempFolder root;
+  PlaylistFolder playlists(root.path());
+  SyncSpy spy;
+  playlists.lists.newPlaylist("L");
+  EXPECT_THAT(spy.take(), ::testing::IsSupersetOf({root.path().string(), playlists.folder}));
 }
 
 TEST(PlaylistFailures, AFullDiskIsToldAndLosesNothing) {

@@ -70,10 +70,18 @@ State Stored(PlaylistFolder& playlists) {
   return state;
 }
 
+/// True if a file has been left there half written, or whole but not yet in its place.
+bool HoldsPart(const fs::path& folder) {
+  const fs::directory_iterator files(folder);
+  return std::any_of(begin(files), end(files),
+                     [](const auto& file) { return file.path().extension() == ".part"; });
+}
+
 TEST(PlaylistKills, AKillLosesNoEditThatWasAcknowledgedAndBreaksNoFile) {
   const support::TempFolder root;
   PlaylistFolder(root.path()).make("start", After(0).items);
   int done = 0;
+  int within = 0;  // kills that fell inside an edit
   std::mt19937 chance(20261121);
   for (int round = 0; round < 100; ++round) {
     const int count = static_cast<int>(chance() % 12) + 1;
@@ -86,6 +94,7 @@ TEST(PlaylistKills, AKillLosesNoEditThatWasAcknowledgedAndBreaksNoFile) {
       }
     });
     ASSERT_TRUE(last.has_value()) << "round " << round;
+    const bool leftover = HoldsPart(root.path() / "playlists");
     PlaylistFolder playlists(root.path());
     const State stored = Stored(playlists);
     // The one edit that was under way may be there or not, but only as a whole.
@@ -97,9 +106,12 @@ TEST(PlaylistKills, AKillLosesNoEditThatWasAcknowledgedAndBreaksNoFile) {
     for (const auto& file : fs::directory_iterator(playlists.folder)) {
       EXPECT_EQ(file.path().extension(), ".m3u8") << file.path();
     }
+    within += under || leftover ? 1 : 0;
     done = under ? *last + 1 : *last;
   }
   EXPECT_GT(done, 100);
+  EXPECT_GT(within, 0);
+  RecordProperty("kills_within_an_edit", within);
 }
 
 }  // namespace
