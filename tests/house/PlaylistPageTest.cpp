@@ -121,6 +121,31 @@ TEST_F(PlaylistInABrowser, TitlesAreMovedAndRemovedByKeysAlone) {
   EXPECT_TRUE(user.shows({"Two", "Three", "Four", "Five"})) << testing::PrintToString(user.titles());
 }
 
+TEST_F(PlaylistInABrowser, OfTwoAlikeTheVeryOneIsTaken) {
+  addTitle("One");
+  addTitle("Two");
+  ASSERT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five", "One", "Two"}));
+  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 5}, {"title", "One"}}), 200);
+  EXPECT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five", "Two"}));
+  EXPECT_EQ(post("undo", {{"name", "Mine"}}), 200);
+  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 0}, {"title", "One"}}), 200);
+  EXPECT_EQ(stored(), (Names{"Two", "Three", "Four", "Five", "One", "Two"}));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(post("undo", {{"name", "Mine"}}), 200);
+  EXPECT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five"}));
+}
+
+TEST_F(PlaylistInABrowser, ADeletedListComesBackAfterARestart) {
+  EXPECT_EQ(post("delete", {{"name", "Mine"}}), 200);
+  EXPECT_EQ(file(), "");
+  house.server().kill();
+  ASSERT_TRUE(house.startReady());
+  ListUser user(house, 360);
+  user.open("PlayList");
+  user.browser.click("//button[@data-turn='undo' and not(@disabled)]");
+  EXPECT_TRUE(user.shows({"Mine"}));
+  EXPECT_TRUE(isStored({"One", "Two", "Three", "Four", "Five"}));
+}
+
 TEST_F(PlaylistInABrowser, WhatWasDoneIsUndoneAfterARestart) {
   {
     ListUser user(house, 1280);
