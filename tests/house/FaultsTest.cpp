@@ -88,7 +88,7 @@ TEST(AMusicFolder, WithAFileThatIsNoMusicPlaysTheRest) {
 
 TEST(AMusicFolder, ThatVanishesWhilePlayingIsToldAndTheHouseGoesOn) {
   support::TempFolder gone;
-  const support::SmallMusic music(2);
+  const support::SmallMusic music(4);  // the second piece may be open already, the third is not
   support::RealHouse house({.music = music.path()});
   ASSERT_TRUE(house.startReady());
   house.press("Status", "Restart");
@@ -96,7 +96,7 @@ TEST(AMusicFolder, ThatVanishesWhilePlayingIsToldAndTheHouseGoesOn) {
   std::filesystem::rename(music.path(), gone.path() / "moved");
   EXPECT_TRUE(
       support::Eventually([&] { return house.text("Status") == "Stopped"; }, std::chrono::seconds(60)));
-  EXPECT_TRUE(house.logHas("Media Player Internal Error# ") || house.logHas("music folder"));
+  EXPECT_TRUE(house.logHas("Media Player Internal Error# ")) << house.log();
   EXPECT_EQ(house.pluginState(), "ready");
   std::filesystem::rename(gone.path() / "moved", music.path());
   house.press("Status", "Restart");

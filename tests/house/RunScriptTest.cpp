@@ -2,8 +2,12 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <csignal>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
+#include "bus/Connection.hpp"
+#include "bus/PollLoop.hpp"
 #include "support/Process.hpp"
 #include "support/SmallMusic.hpp"
 
@@ -27,6 +31,14 @@ class RunScript : public ::testing::Test {
     const std::string before = "Vantorix is at http://127.0.0.1:";
     const std::string& said = house.outputWith("/\n");
     return std::stoi(said.substr(said.find(before) + before.size()));
+  }
+  /// The server's process, as the house's bus knows it.
+  [[nodiscard]] pid_t serverOf() const {
+    bus::PollLoop loop;
+    bus::Connection connection(loop, "unix:path=" + (folder.path() / "vantorix" / "bus").string());
+    const auto process = connection.processOf("org.vantorix.Host");
+    if (process == 0) throw std::runtime_error("no server on the bus");
+    return static_cast<pid_t>(process);
   }
   static bool becomesReady(int port) {
     return support::Eventually([&] {
@@ -66,7 +78,7 @@ TEST_F(RunScript, ClearsAwayWhatAPulledPlugHasLeft) {
     ASSERT_TRUE(becomesReady(portOf(*house)));
     // The server goes first; the script, which waits for it, is killed with the rest of its work undone.
     house->signal(SIGSTOP);
-    support::Process({"pkill", "-KILL", "-f", (folder.path() / "data").string() + "/vantorix/server"}).wait();
+    ASSERT_EQ(::kill(serverOf(), SIGKILL), 0);
     house->kill();
   }
   const auto house = run(music.path());
