@@ -11,8 +11,6 @@
 namespace standin {
 namespace {
 
-constexpr std::int32_t kRestoredAtOnce = 100;
-
 /// The titles after the step, or after its undoing.
 std::vector<std::string> after(std::vector<std::string> names, const PlaylistStep& step, bool undone) {
   const auto place = [&](std::int32_t at) {
@@ -111,8 +109,12 @@ void Playlists::tellSteps(Outcome& outcome, const std::string& list) {
   const auto words = [](const std::optional<PlaylistHistory::Entry>& entry) {
     return entry ? WordsOf(entry->step) : std::string();
   };
-  outcome.undo = words(list.empty() ? history_.toUndoOfAll() : history_.toUndo(list));
-  outcome.redo = words(list.empty() ? history_.toRedoOfAll() : history_.toRedo(list));
+  try {
+    outcome.undo = words(list.empty() ? history_.toUndoOfAll() : history_.toUndo(list));
+    outcome.redo = words(list.empty() ? history_.toRedoOfAll() : history_.toRedo(list));
+  } catch (const base::Failure& failure) {  // the list is there all the same
+    house_.log.write("Warning", "The playlists' history can't be read: " + failure.description());
+  }
 }
 
 Playlists::Kept* Playlists::kept(const std::string& name) {
@@ -355,56 +357,6 @@ void Playlists::turn(const std::string& name, Turn turn, Done done) {
         Outcome told = outcome;
         tellSteps(told, name);
         done(told);
-      });
-}
-
-void Playlists::restoreSome(const std::shared_ptr<Restoring>& restoring) {
-  const std::string& name = restoring->entry.step.oldName;
-  const auto more = std::make_shared<bool>(false);
-  ask(
-      [this, restoring, more, name](PlayerLists& lists, Outcome& outcome) {
-        outcome.name = name;
-        const bool first = restoring->restore.done() < 0;
-        try {
-          if (first) history_.turning(restoring->entry.id, true);
-          *more = restoring->restore.goOn(lists, kRestoredAtOnce);
-        } catch (const base::Failure& failure) {
-          outcome.stuck = true;
-          if (failure.number() == base::number::kHostGone) {
-            settled_ = false;
-          } else if (restoring->restore.done() < 0 &&
-                     restoring->entry.state != PlaylistHistory::State::kUndoing) {
-            history_.turned(restoring->entry, false);  // nothing has been done
-          }
-          throw base::Failure(failure.number(), "Undoing " + WordsOf(restoring->entry.step) +
-                                                    " isn’t possible: " + failure.description());
-        }
-        if (*more) return;
-        history_.turned(restoring->entry, true);
-        forget(name);
-        outcome.said = WordsOf(restoring->entry.step) + " is undone";
-        if (const std::int32_t missing = restoring->restore.missing(); missing > 0)
-          outcome.said += "; " + std::to_string(missing) + " titles are no longer there";
-      },
-      [this, restoring, more, name](const Outcome& outcome) {
-        Outcome told = outcome;
-        const bool goesOn = outcome.failure == 0 && *more;
-        if (goesOn) {
-          told.restored = restoring->restore.done();
-          told.restoring = restoring->restore.total();
-        } else {
-          restoring_.erase(base::LowerCase(restoring->entry.list));
-        }
-        tellSteps(told, {});
-        nlohmann::json event{{"name", name}, {"restored", restoring->restore.done()}};
-        event["of"] = restoring->restore.total();
-        if (outcome.failure != 0) event["failed"] = outcome.error;
-        if (!goesOn) event["over"] = true;
-        house_.live.tell("playlist", Dump(event));
-        if (!goesOn) tellCollection();
-        // The first to hear of it is who has asked; a long way back is told on the live feed.
-        if (const Done done = std::exchange(restoring->done, nullptr)) done(told);
-        if (goesOn) restoreSome(restoring);
       });
 }
 

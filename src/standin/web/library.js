@@ -1,7 +1,8 @@
 // The player's library: categories, their groups, the titles in a group.
+import {addButton, addingBar} from './adding.js';
 import {ask, el, run} from './dom.js';
 import {longList} from './longlist.js';
-import {addButton, addingBar, leavePlaylists, playlistChanged, playlistPage, playlistTools, playlistsSeen} from './playlist.js';
+import {leavePlaylists, playlistChanged, playlistPage, playlistTools, playlistsSeen} from './playlist.js';
 import {address, play, playButton, searchKeys, titleButton} from './titles.js';
 
 const kCategories = [['Artist', 'Artists'], ['Album', 'Albums'], ['Genre', 'Genres'], ['PlayList', 'Playlists']];

@@ -1,4 +1,5 @@
 // Playlists: their titles are moved, added and removed, lists made, renamed and deleted, and all of it undone.
+import {askName, renamedTarget, gatherFor} from './adding.js';
 import {ask, el, run, toast} from './dom.js';
 import {longList} from './longlist.js';
 import {reorder} from './reorder.js';
@@ -9,7 +10,6 @@ const kPageId = Math.random().toString(36).slice(2) + Date.now().toString(36);
 
 let open = null;      // the page of one list, while it is shown
 let collection = null;  // the tools of the list of lists, while they are shown
-let target = '';      // the list that titles are added to, while some are being gathered
 let watchTimer = 0;
 
 export function leavePlaylists() {
@@ -268,7 +268,7 @@ export function playlistPage(body, name, edit, view) {
   });
 
   function rename(now) {
-    if (target === me.name) target = now;
+    renamedTarget(me.name, now);
     me.name = now;
     title.textContent = now;
     history.replaceState(null, '', address('PlayList', now));
@@ -296,7 +296,7 @@ export function playlistPage(body, name, edit, view) {
 
   const all = el('button', {type: 'button', class: 'primary', onclick: () => play(all, 'PlayList', me.name, '')}, 'Play all');
   const tools = edit ? el('div', {class: 'tools playlist-tools'},
-    el('button', {type: 'button', onclick: () => { target = me.name; location.hash = address('Album'); }}, 'Add titles'),
+    el('button', {type: 'button', onclick: () => { gatherFor(me.name); location.hash = address('Album'); }}, 'Add titles'),
     buttons.undo, buttons.redo,
     el('button', {type: 'button', onclick: () => askName('Rename playlist', me.name,
       (to) => ask('/api/playlist/rename', {name: me.name, to}).then((answer) => {
@@ -338,98 +338,4 @@ export function playlistPage(body, name, edit, view) {
     scrolled = setTimeout(() => { if (open === me) tellWatch(); }, 400);
   }, {passive: true});
   return me.again;
-}
-
-// Adding from the library.
-
-/** While titles are gathered for a list, this says for which. */
-export function addingBar() {
-  if (!target) return '';
-  return el('div', {class: 'adding', role: 'status'}, el('span', {}, 'Adding to ', el('strong', {}, target)),
-    el('button', {type: 'button', class: 'primary', onclick: () => {
-      const list = target;
-      target = '';
-      location.hash = address('PlayList', list);
-    }}, 'Done'));
-}
-
-/** Adds one title, or the whole group without one. */
-export function addButton(category, group, title, words) {
-  const what = title?.title || group;
-  const add = async (name) => {
-    await ask('/api/playlist/add', {name, category, group, ...(title ? {titles: [title]} : {})});
-    toast(`Added ${what} to ${name}`);
-  };
-  const button = el('button', {type: 'button', class: words ? '' : 'round add', 'aria-label': words ? `${words}: ${what}` : `Add ${what} to a playlist`,
-    title: 'Add to a playlist', onclick: async () => {
-      if (target) run(button, () => add(target)).then(() => button.focus({preventScroll: true}));
-      else await choose(`Add ${what}`, add);
-    }}, words || el('span', {'aria-hidden': 'true'}, '+'));
-  return button;
-}
-
-function dialog(heading, ...content) {
-  const close = el('button', {type: 'button', class: 'round plain', 'aria-label': 'Close', onclick: () => node.close()}, '✕');
-  const node = el('dialog', {class: 'box', 'aria-label': heading}, el('div', {class: 'box-head'}, el('h2', {}, heading), close),
-    ...content);
-  node.addEventListener('close', () => node.remove());
-  document.body.append(node);
-  node.showModal();
-  return node;
-}
-
-async function choose(heading, add) {
-  const names = el('ul', {class: 'box-list', 'aria-label': 'Playlists'});
-  const problem = el('p', {class: 'problem', role: 'alert', hidden: true});
-  const input = el('input', {'aria-label': 'Name of a new playlist', placeholder: 'New playlist', maxlength: 300, autocomplete: 'off'});
-  const attempt = async (work) => {
-    try {
-      await work();
-      box.close();
-    } catch (error) {
-      problem.textContent = error.message;
-      problem.hidden = false;
-    }
-  };
-  const form = el('form', {class: 'row box-new', onsubmit: (event) => {
-    event.preventDefault();
-    attempt(async () => {
-      const made = await ask('/api/playlist/create', {name: input.value});
-      await add(made.name);
-    });
-  }}, input, el('button', {class: 'primary'}, 'Create and add'));
-  const box = dialog(heading, names, form, problem);
-  try {
-    const answer = await ask('/api/library?category=PlayList&limit=500');
-    names.append(...answer.names.map((name) => el('li', {}, el('button', {type: 'button', class: 'menu-item',
-      onclick: () => attempt(() => add(name))}, name))));
-    (names.querySelector('button') || input).focus();
-  } catch (error) {
-    problem.textContent = error.message;
-    problem.hidden = false;
-  }
-}
-
-/** Asks for a name until `use` takes it; answers what that answers, or nothing. */
-function askName(heading, initial, use) {
-  return new Promise((resolve) => {
-    const input = el('input', {'aria-label': 'Name', maxlength: 300, autocomplete: 'off', value: initial, required: true});
-    const problem = el('p', {class: 'problem', role: 'alert', hidden: true});
-    const done = el('button', {class: 'primary'}, 'Save');
-    const box = dialog(heading, el('form', {class: 'row box-new', onsubmit: async (event) => {
-      event.preventDefault();
-      done.disabled = true;
-      try {
-        const answer = await use(input.value);
-        resolve(answer);
-        box.close();
-      } catch (error) {
-        problem.textContent = error.message;
-        problem.hidden = false;
-      }
-      done.disabled = false;
-    }}, input, done), problem);
-    box.addEventListener('close', () => resolve(null));
-    input.select();
-  });
 }
