@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <utility>
 
 #include "base/Failure.hpp"
 #include "engine/Stamp.hpp"
@@ -80,6 +81,8 @@ std::string EmbeddedPicture(const std::string& path) {
   if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(file)) return FromMp4(mp4->tag());
   return {};
 }
+
+Pictures::Pictures(std::string folder) : folder_(std::move(folder)) { ClearLeftovers(folder_); }
 
 std::string Pictures::urlOf(const std::string& path) {
   std::string key;

@@ -7,8 +7,8 @@ namespace engine {
 /// The pictures inside media files, taken out into a folder when they are first asked for.
 class Pictures {
  public:
-  /// `folder` is made when it is first needed.
-  explicit Pictures(std::string folder) : folder_(std::move(folder)) {}
+  /// `folder` is made when it is first needed. What a killed process has left half-written in it is cleared.
+  explicit Pictures(std::string folder);
 
   /// A "file:" address of the picture inside the file, empty when there is none or it can't be kept.
   std::string urlOf(const std::string& path);

@@ -13,6 +13,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/FileDescriptor.hpp"
+#include "engine/Pictures.hpp"
 #include "engine/PlaylistFolder.hpp"
 #include "engine/ReadFile.hpp"
 #include "engine/Stamp.hpp"
@@ -142,6 +143,14 @@ TEST_F(Files, AWriterThatIsClearedAtAllTimesStillWrites) {
   end = true;
   clearing.join();
   EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, AtTheStartThePicturesFolderIsCleared) {
+  WriteText(path("pictures/.vantorix-0123456789abcdef.part"), "x");
+  WriteText(path("pictures/kept.jpg"), "x");
+  const Pictures pictures(path("pictures"));
+  EXPECT_TRUE(Hidden(root.path() / "pictures").empty());
+  EXPECT_TRUE(fs::exists(path("pictures/kept.jpg")));
 }
 
 TEST_F(Files, AtTheStartThePlaylistFolderIsCleared) {
