@@ -19,8 +19,8 @@ struct EditorParts {
   plugin::HostServices& host;
   plugin::Loggers& loggers;
   WebSetupForm& setup;
-  /// A failure of the change just made that the player tells of without raising it. The engine raises every
-  /// failure; a player that is reached by name may answer one instead.
+  /// A failure of the change just made that the player tells of without raising it: for a player that is
+  /// reached by name. None is so today, and the engine raises every failure.
   std::function<std::optional<base::Failure>()> told = [] { return std::nullopt; };
 };
 
@@ -53,7 +53,7 @@ const std::array<EditorSource, 4>& EditorSources();
 
 /// The playlist editor on the web: a page that shows one playlist, and a page that adds titles to it. Every
 /// change is made on the player at once. No operation throws: a failure ends it with a line in the log and an
-/// empty answer.
+/// empty answer. While one waits for the host, a further post may come in; each is answered for itself.
 class WebEditorForm {
  public:
   explicit WebEditorForm(const EditorParts& parts);
@@ -83,8 +83,8 @@ class WebEditorForm {
                         std::string (WebEditorForm::*page)());
   std::string dispatch();
   std::string beginAdding();
-  /// The drop list of a source, and whether one is chosen.
-  std::string sourceList(const EditorSource& source);
+  /// The drop list of a source.
+  std::string sourceList(const EditorSource& source, const std::string& chosen);
 
   EditorParts in_;
   web::PageForm page_;

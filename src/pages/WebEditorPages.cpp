@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "base/Text.hpp"
 #include "pages/WebEditorForm.hpp"
 #include "web/Concatenate.hpp"
@@ -37,6 +39,18 @@ base::TextList WithEmptyFirst(const base::TextList& list) {
   return longer;
 }
 
+/// The source that is chosen from, or null. A change of the category forgets what was chosen in the others.
+const EditorSource* ForgetOthers(EditorFields& fields) {
+  const auto& sources = EditorSources();
+  const auto* from = std::find_if(sources.begin(), sources.end(), [&](const EditorSource& source) {
+    return fields.Add_from == source.category;
+  });
+  if (from == sources.end()) return nullptr;
+  for (const EditorSource& source : sources)
+    if (&source != from) (fields.*source.chosen).clear();
+  return from;
+}
+
 /// A button that makes a change, beside the text field with the name that it takes.
 std::string ButtonWithName(const char* button, const char* field) {
   return "<p>" + web::FormSubmit("button", button, "") + "&nbsp" + web::FormText("", field, "", "") + "</p>" +
@@ -62,9 +76,8 @@ std::string WebEditorForm::BuildMainPage() {
     web::StringAccumulator text;
     web::ConcatInit(text);
     ConcatAdd(text, page_.PageHeader("Edit PlayList", "Main_Page"));
-    ConcatAdd(text,
-              page_.FormDropDown(catalogue::kPlayListCategory, "PlayList", "Selected PlayList", kOneRow,
-                                 fields_.PlayList, *lists, std::string(kSubmitOnChange) + " " + kWidth));
+    ConcatAdd(text, page_.FormDropDown(catalogue::kPlayListCategory, "PlayList", "Selected PlayList", kOneRow,
+                                       edited, *lists, std::string(kSubmitOnChange) + " " + kWidth));
     ConcatAdd(text, std::string("<br>") + kLineEnd);
     ConcatAdd(text, page_.FormDropDown(catalogue::kPlayListCategory, "PlayListItems", "", kItemRows, "",
                                        items, kWidth));
@@ -82,6 +95,9 @@ std::string WebEditorForm::BuildMainPage() {
 
 std::string WebEditorForm::BuildAddPage() {
   return page_.Logged("BuildAddPage", [&] {
+    // The page of this post: while the lists are read, another may change the fields.
+    EditorFields shown = fields_;
+    ForgetOthers(shown);
     web::StringAccumulator text;
     web::ConcatInit(text);
     ConcatAdd(text, page_.PageHeader("Add to PlayList", "Add_Page"));
@@ -90,23 +106,23 @@ std::string WebEditorForm::BuildAddPage() {
     if (GetFileDropList(found) == catalogue::kDone) titles = WithEmptyFirst(*found);
     base::TextList categories;
     for (const EditorSource& source : EditorSources()) categories.add(source.category);
-    ConcatAdd(text, web::FormHidden("PlayList", fields_.PlayList));
-    ConcatAdd(text, web::FormText("Add to PlayList", "Dummy", fields_.PlayList, "DISABLED"));
+    ConcatAdd(text, web::FormHidden("PlayList", shown.PlayList));
+    ConcatAdd(text, web::FormText("Add to PlayList", "Dummy", shown.PlayList, "DISABLED"));
     ConcatAdd(text, "<br><br>");
-    ConcatAdd(text, page_.FormDropDown("", "Add_from", "Add from", kOneRow, fields_.Add_from, categories,
+    ConcatAdd(text, page_.FormDropDown("", "Add_from", "Add from", kOneRow, shown.Add_from, categories,
                                        kSubmitOnChange));
     bool chosen = false;
-    const std::string category = fields_.Add_from.empty() ? "Album" : fields_.Add_from;
+    const std::string category = shown.Add_from.empty() ? "Album" : shown.Add_from;
     for (const EditorSource& source : EditorSources()) {
       if (category != source.category) continue;
       ConcatAdd(text, "<br><br>");
-      ConcatAdd(text, sourceList(source));
-      chosen = !(fields_.*source.chosen).empty();
+      ConcatAdd(text, sourceList(source, shown.*source.chosen));
+      chosen = !(shown.*source.chosen).empty();
     }
     const char* greyed = chosen ? "" : "Disabled";
     ConcatAdd(text, "<br><br>");
     ConcatAdd(text,
-              page_.FormDropDown(fields_.Add_from, "Title", "Title", kOneRow, fields_.Title, titles, greyed));
+              page_.FormDropDown(shown.Add_from, "Title", "Title", kOneRow, shown.Title, titles, greyed));
     ConcatAdd(text, "<br><br>");
     ConcatAdd(text, web::FormSubmit("button", "Refresh", ""));
     ConcatAdd(text, web::FormSubmit("button", "Add Item", greyed));
@@ -116,12 +132,12 @@ std::string WebEditorForm::BuildAddPage() {
   });
 }
 
-std::string WebEditorForm::sourceList(const EditorSource& source) {
+std::string WebEditorForm::sourceList(const EditorSource& source, const std::string& chosen) {
   TextListRef names;
   in_.catalogue.GetGroupList(source.category, names, "");
   // The sorted list is a new one: the empty text must not get into the catalogue's own.
   web::SortCollection(names);
-  return page_.FormDropDown(source.category, source.label, source.label, kOneRow, fields_.*source.chosen,
+  return page_.FormDropDown(source.category, source.label, source.label, kOneRow, chosen,
                             WithEmptyFirst(*names), kSubmitOnChange);
 }
 
@@ -129,9 +145,7 @@ std::int32_t WebEditorForm::GetFileDropList(TextListRef& titles) {
   titles = std::make_shared<base::TextList>();
   std::int32_t status = catalogue::kDone;
   page_.Logged("GetFileDropList", [&] {
-    const EditorSource* from = nullptr;
-    for (const EditorSource& source : EditorSources())
-      if (fields_.Add_from == source.category) from = &source;
+    const EditorSource* from = ForgetOthers(fields_);
     if (from == nullptr) {
       status = catalogue::kNotFound;
       return;
@@ -139,9 +153,6 @@ std::int32_t WebEditorForm::GetFileDropList(TextListRef& titles) {
     player::PlaylistRef list;
     const std::string name = fields_.*from->chosen;
     status = in_.catalogue.GetGroupItems(from->category, name, list);
-    // A change of the category forgets what was chosen in the others.
-    for (const EditorSource& source : EditorSources())
-      if (&source != from) (fields_.*source.chosen).clear();
     if (status != catalogue::kDone) return;
     AddNames(*list, *titles);
     if (titles->empty())

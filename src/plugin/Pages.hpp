@@ -12,13 +12,18 @@ class Pages : public WebForms {
   Pages(pages::WebSetupForm& setup, pages::WebEditorForm& editor) : setup_(setup), editor_(editor) {}
 
   // Loading the editor does nothing: its link is that of the plug-in's own object.
-  void loadSetupForm() override { setup_.Form_Load(); }
+  void loadSetupForm() override {
+    if (setupLoaded_) return;
+    setup_.Form_Load();
+    setupLoaded_ = true;
+  }
   std::string GenPage(const std::string& link) override { return editor_.GenPage(link); }
   std::string PagePut(const std::string& data) override { return editor_.MyPagePut(data); }
 
  private:
   pages::WebSetupForm& setup_;
   pages::WebEditorForm& editor_;
+  bool setupLoaded_ = false;  ///< a form is loaded once, however often the plug-in is started
 };
 
 }  // namespace plugin

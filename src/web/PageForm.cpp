@@ -53,7 +53,8 @@ FailureLog SetupPageLog(plugin::HostServices& host, const std::string& formName)
 
 FailureLog EditorPageLog(plugin::Loggers& loggers) {
   return [&loggers](const base::Failure& failure, const std::string& procedure) {
-    loggers.LogModuleError(failure.number(), failure.description(), "WebModule", procedure);
+    base::Attempt step;
+    step([&] { loggers.LogModuleError(failure.number(), failure.description(), "WebModule", procedure); });
   };
 }
 
@@ -120,11 +121,11 @@ FormArgs PageForm::Posted(const std::string& data) {
   return pairs;
 }
 
-std::string PageForm::UrlDecode(const std::string& text) {
+std::string PageForm::UrlDecode(std::string text) {
   return base::Handled([&] { return DecodeUrl(text); },
                        [&](const base::Failure& failure) {
                          log_(failure, "UrlDecode");
-                         return text;
+                         return std::move(text);
                        });
 }
 

@@ -20,8 +20,9 @@ using FailureLog = std::function<void(const base::Failure& failure, const std::s
 FailureLog SetupPageLog(plugin::HostServices& host, const std::string& formName);
 FailureLog EditorPageLog(plugin::Loggers& loggers);
 
-/// What both pages have in common: the message that is shown once, the fields of the last post, and the
-/// builders that log their failures. None of the operations throws.
+/// What both pages have in common: the message that is shown once, the reading of posts, and the
+/// builders that log their failures. None of the operations throws, also not for want of memory, as long as
+/// there is enough for the words of the failure itself.
 class PageForm {
  public:
   /// `link` is the page's own, "WMP_Setup" or "WMP_PListEdit".
@@ -29,7 +30,7 @@ class PageForm {
 
   /// What an operation has to say; the next page shows it and empties it.
   std::string Message;
-  /// The last post.
+  /// What `GetFormData` has read. `Posted` takes it away.
   FormArgs Args;
 
   /// A drop list. The options are the items through the filter for HTML, and so is what comes back: a media
@@ -48,7 +49,7 @@ class PageForm {
   /// is read.
   FormArgs Posted(const std::string& data);
   /// The decoded text; a text that can't be decoded as it came.
-  std::string UrlDecode(const std::string& text);
+  std::string UrlDecode(std::string text);
 
   /// Runs an operation of the page. A failure ends it with a line in the log under the operation's name, and
   /// the answer is the empty one of its type.

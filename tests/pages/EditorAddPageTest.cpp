@@ -185,6 +185,43 @@ TEST_F(EditorAddPage, LeavesTheCataloguesListsAsTheyAre) {
   base::TextListRef genres;
   plugin.catalogue.GetGroupList("Genre", genres, "");
   EXPECT_THAT(std::vector<std::string>(genres->begin(), genres->end()), ElementsAre("Folk", "Blues"));
+  library.addPlaylist("abba");
+  get();
+  post({{"wmp_page", "Add_Page"}, {"Add_from", "PlayList"}});
+  base::TextListRef lists;
+  plugin.catalogue.GetGroupList("PlayList", lists, "");
+  EXPECT_THAT(std::vector<std::string>(lists->begin(), lists->end()), ElementsAre("Mine", "abba"));
+  EXPECT_EQ(journal.count("library: getAllPlaylists"), 1U) << "it is the list that the pages were given";
+}
+
+TEST_F(EditorAddPage, ShowsWhatItsPostHasChosenWhenAnotherPostComesMeanwhile) {
+  library.addPlaylist("Yours");
+  library.addTrack("A/B", "Joni", "Blue", "Jazz");
+  bool first = true;
+  // The name of a title is stored through the host.
+  host->answers["SaveINISetting"] = [&](base::Args&) {
+    if (std::exchange(first, false))
+      post({{"wmp_page", "Add_Page"},
+            {"PlayList", "Yours"},
+            {"Add_from", "Genre"},
+            {"Albums", "abba Gold"},
+            {"Genres", "Folk"},
+            {"Title", "Carey"}});
+    return base::Value();
+  };
+  EXPECT_EQ(
+      post({{"wmp_page", "Add_Page"},
+            {"PlayList", "Mine"},
+            {"Add_from", "Album"},
+            {"Albums", "Blue"},
+            {"Title", "River"}}),
+      Whole("", "Album", Source("Albums", support::Options({"abba Gold", "Blue"}, "Blue")),
+            "<option value=\"\"></option>\n" + support::Options({"A/B", "Carey", "River"}, "River"), true));
+  // The other post has set the fields, and forgotten the album itself.
+  EXPECT_EQ(fields().PlayList, "Yours");
+  EXPECT_EQ(fields().Genres, "Folk");
+  EXPECT_EQ(fields().Albums, "");
+  EXPECT_EQ(fields().Title, "Carey");
 }
 
 TEST_F(EditorAddPage, ACategoryThatCantBeReadIsOfferedEmpty) {

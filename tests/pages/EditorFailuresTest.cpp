@@ -75,7 +75,6 @@ TEST_F(EditorFailures, ThatThePlayerOnlyTellsOfAreSaidOnThePage) {
                                          "Error: Unable to delete: 'River', from PlayList: 'Mine'</SPAN>"));
   EXPECT_EQ(editor.fields().PlayListItems, "River");
   told = base::Failure(base::number::kPermissionDenied, "Not yours");
-  mine->title = "Mine";
   EXPECT_THAT(put(rename), HasSubstr(std::string(kRed) + "Error: PlayList 'Mine' does not exist</SPAN>"))
       << "the page behind it has the last word: this player has renamed after all";
   EXPECT_EQ(editor.fields().Renamed_PlayList, "Yours");
@@ -113,11 +112,19 @@ TEST_F(EditorFailures, AGoneListIsNamedInTheWordsOfItsOperation) {
               HasSubstr("Error: Unable to delete, PlayList: 'Mine' does not exist</SPAN>"));
 }
 
-TEST_F(EditorFailures, ALogThatFailsCostsOnlyItsLine) {
+TEST_F(EditorFailures, ALogThatFailsEndsThePostThatNeededIt) {
+  host->failing = {"WriteLog"};
+  EXPECT_EQ(put({{"wmp_page", "Main_Page"}, {"PlayList", "Mine"}, {"Nonsense", "1"}}), "");
+  EXPECT_EQ(editor.fields().PlayList, "") << "none of its fields is taken";
+  EXPECT_EQ(put({{"wmp_page", "Main_Page"}, {"PlayList", "Mine"}}),
+            support::MainPage("", support::Options({"Mine"}, "Mine"), support::Options({"River"})));
+}
+
+TEST_F(EditorFailures, AFailureThatCantBeLoggedIsAnEmptyAnswerAllTheSame) {
   mine->refuses = true;
   host->failing = {"WriteLog"};
   EXPECT_EQ(put(deleteItem), "");
-  EXPECT_EQ(put({{"wmp_page", "Main_Page"}, {"Nonsense", "1"}}), "");
+  EXPECT_THAT(log(), ElementsAre(Line("DeleteFromPlayList", "70: Permission denied")));
 }
 
 TEST_F(EditorFailures, WithoutAPlayerTheWordsAreThoseOfMissingLists) {

@@ -1,6 +1,10 @@
 #include "support/PagesHouse.hpp"
 
+using support::Bold;
+using support::MainPage;
+using support::Options;
 using support::PagesHouse;
+using support::Red;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -139,6 +143,8 @@ TEST_F(NewList, OfBlanksNeedsAName) {
   for (const char* name : {"", "   "}) {
     EXPECT_EQ(main("New List", {{"PlayList", "Mine"}, {"New_PlayList", name}}),
               "red Error: The new PlayList name must be entered!");
+    EXPECT_EQ(lastPage, MainPage(Red("Error: The new PlayList name must be entered!"),
+                                 Options({"Mine", "Other"}, "Mine"), Options({"Carey"})));
   }
   EXPECT_TRUE(journal.with("library: newPlaylist").empty());
 }
@@ -147,6 +153,8 @@ TEST_F(NewList, IsStoredUnderItsFilteredNameAndKnownAsTyped) {
   // The name as typed is what the key leads to, which is not how the player has it.
   EXPECT_EQ(main("New List", {{"PlayList", "Mine"}, {"New_PlayList", "A&B"}}),
             "red Error: PlayList 'A B' does not exist");
+  EXPECT_EQ(lastPage, MainPage(Red("Error: PlayList 'A B' does not exist"),
+                               Options({"A B", "Mine", "Other"}, "A B"), ""));
   EXPECT_THAT(names(), ElementsAre("Mine", "Other", "A B"));
   EXPECT_EQ(known("A B"), "A&B");
   EXPECT_EQ(fields().PlayList, "A B");
@@ -171,6 +179,19 @@ TEST_F(Rename, GivesThePlayListItsNewName) {
   EXPECT_EQ(fields().Renamed_PlayList, "");
   EXPECT_EQ(known("Yours"), "Yours!");
   EXPECT_THAT(lastPage, HasSubstr("Edit PlayList<hr noshade>"));
+}
+
+TEST_F(Rename, EndsInThePageOfTheRenamedList) {
+  library.playlists = {other, std::make_shared<support::TellingPlaylist>(
+                                  journal, "Quiet", std::vector<player::MediaRef>{carey},
+                                  [this] { wmp9->events().PlaylistCollectionChange(); })};
+  EXPECT_EQ(get(), MainPage("", Options({"Other", "Quiet"}, "Other"), Options({"River"})));
+  main("Rename", {{"PlayList", "Quiet"}, {"Renamed_PlayList", "Evening"}});
+  EXPECT_EQ(lastPage, MainPage(Bold("PlayList 'Quiet' Renamed to: 'Evening'"),
+                               Options({"Evening", "Other"}, "Evening"), Options({"Carey"})));
+  // What the page selects is what its buttons act on.
+  EXPECT_EQ(main("Delete List", {{"PlayList", "Evening"}}), "bold Deleted PlayList: 'Evening'");
+  EXPECT_THAT(names(), ElementsAre("Other"));
 }
 
 TEST_F(Rename, ForgetsTheOldNameFirst) {
@@ -249,8 +270,16 @@ TEST_F(DeleteItem, OfAPlayListThatHasGoneSaysSoOnThePage) {
 }
 
 TEST_F(EditorOperations, AMessageIsShownOnceAndByTheNextPageOfWhicheverUser) {
-  main("Delete Item", {{"PlayList", "Mine"}, {"PlayListItems", "Carey"}});
-  EXPECT_EQ(Said(get()), "");
+  other->members.push_back(std::make_shared<support::NamelessMedia>());
+  // The list goes, but the page behind it fails before it says so.
+  EXPECT_EQ(main("Delete List", {{"PlayList", "Mine"}}), "an empty page");
+  EXPECT_THAT(names(), ElementsAre("Other"));
+  other->members.pop_back();
+  host->webUser = "ann";
+  const std::string lists = Options({"Other"}, "Other");
+  const std::string items = Options({"River"});
+  EXPECT_EQ(get(), MainPage(Bold("Deleted PlayList: 'Mine'"), lists, items));
+  EXPECT_EQ(get(), MainPage("", lists, items));
 }
 
 TEST_F(EditorOperations, NamesThatAreMarkupStandInMessagesAsTheyAre) {

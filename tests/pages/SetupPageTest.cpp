@@ -1,6 +1,8 @@
 #include "support/PagesHouse.hpp"
 
 using base::Value;
+using support::kSetupFoot;
+using support::kSetupHead;
 using support::Page;
 using support::PagesHouse;
 using ::testing::ElementsAre;
@@ -23,24 +25,13 @@ class SetupPage : public PagesHouse {
   }
 };
 
-constexpr const char* kHead = R"(<form method="post">
-<p><h3>Media Player Setup<hr noshade></h3></p>
-<input type="hidden" name="ref_page" value="WMP_Setup">
-<input type="hidden" name="wmp_page" value="Setup_Page">
-)";
-constexpr const char* kFoot = R"(</p>
-<p><input type="submit" class="formbutton" name="button" value="Update" >
-</p>
-<BR clear=all><hr noshade></form>
-)";
-
 }  // namespace
 
 TEST_F(SetupPage, ShowsWhatIsStoredAfterAFirstStart) {
   EXPECT_EQ(
       page(),
       Page(
-          std::string(kHead) +
+          std::string(kSetupHead) +
           R"(<p>While Speaking:<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="No Action">No Action<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="Pause"CHECKED>Pause<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="Mute">Mute<br>
 <input type="CheckBox" name="AlwaysOnTop" value="TRUE"  CHECKED>Player Controls stay Always On Top<br>
 <input type="CheckBox" name="RecreateDevices" value="TRUE" DISABLED CHECKED>Recreate All Devices at next startup<br>
@@ -53,7 +44,7 @@ TEST_F(SetupPage, ShowsWhatIsStoredAfterAFirstStart) {
 <input type="CheckBox" name="RefreshActions" value="TRUE"  CHECKED>Always Refresh Media Player Event Actions (Slow with large media libraries)<br>
 <input type="CheckBox" name="VRCategoryRequired" value="TRUE" >Require Category for Voice Recognition<br>
 <input type="CheckBox" name="DebugMessages" value="TRUE" >Verbose Logging (debugging)<br>
-)" + kFoot));
+)" + kSetupFoot));
 }
 
 TEST_F(SetupPage, ShowsEveryBoxOffWhenEveryOptionIs) {
@@ -62,7 +53,7 @@ TEST_F(SetupPage, ShowsEveryBoxOffWhenEveryOptionIs) {
   EXPECT_EQ(
       page(),
       Page(
-          std::string(kHead) +
+          std::string(kSetupHead) +
           R"(<p>While Speaking:<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="No Action">No Action<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="Pause">Pause<INPUT TYPE=Radio NAME="WhileSpeaking" VALUE="Mute"CHECKED>Mute<br>
 <input type="CheckBox" name="AlwaysOnTop" value="TRUE" >Player Controls stay Always On Top<br>
 <input type="CheckBox" name="RecreateDevices" value="TRUE" >Recreate All Devices at next startup<br>
@@ -75,7 +66,7 @@ TEST_F(SetupPage, ShowsEveryBoxOffWhenEveryOptionIs) {
 <input type="CheckBox" name="RefreshActions" value="TRUE" >Always Refresh Media Player Event Actions (Slow with large media libraries)<br>
 <input type="CheckBox" name="VRCategoryRequired" value="TRUE" >Require Category for Voice Recognition<br>
 <input type="CheckBox" name="DebugMessages" value="TRUE" >Verbose Logging (debugging)<br>
-)" + kFoot));
+)" + kSetupFoot));
 }
 
 TEST_F(SetupPage, TicksEachBoxByItsOwnOption) {
@@ -142,7 +133,9 @@ TEST_F(SetupPage, TurnsGuestsAway) {
   }
   for (const char* name : {"GUESTS", "", "admin", " guest"}) {
     host->webUser = name;
-    EXPECT_THAT(page(), HasSubstr("Media Player Setup"));
+    std::set<std::string> ticked = support::kTickedAtFirst;
+    ticked.insert("RecreateDevices");
+    EXPECT_EQ(page(), support::WholeSetupPage("Pause", ticked));
   }
 }
 
@@ -189,6 +182,23 @@ TEST_F(SetupLink, IsRegisteredByStartUpBehindTheEditorsOwn) {
   EXPECT_THAT(links, ElementsAre(plugin.vxif(), plugin.setupForm));
   EXPECT_THAT(texts, ElementsAre("WMP_PListEdit, PlayList Editor, Vantorix Media Player",
                                  "WMP_Setup, Player Setup, Vantorix Media Player"));
+}
+
+TEST_F(SetupLink, IsRegisteredOnceHoweverOftenTheStartBegins) {
+  std::vector<base::ObjectRef> links;
+  bool refuses = true;
+  host->answers["RegisterLink"] = [&](base::Args& args) -> Value {
+    const base::ObjectRef link = base::ToObject(args.at(0));
+    if (refuses && link == plugin.setupForm) throw base::Failure(base::number::kDeviceIo);
+    links.push_back(link);
+    return {};
+  };
+  connect();
+  EXPECT_EQ(initIO(), "Input or output failed");
+  refuses = false;
+  ASSERT_EQ(initIO(), "");  // the form is not loaded yet
+  ASSERT_EQ(initIO(), "");  // it is, and the plug-in is not ready yet
+  EXPECT_THAT(links, ElementsAre(plugin.vxif(), plugin.vxif(), plugin.setupForm, plugin.vxif()));
 }
 
 TEST_F(SetupLink, ThatCantBeRegisteredFailsTheStart) {

@@ -3,10 +3,10 @@
 using base::Value;
 using support::Body;
 using support::PagesHouse;
+using support::WholeSetupPage;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 namespace {
 
@@ -82,12 +82,12 @@ TEST_F(SetupPost, WithAllBoxesUntickedTurnsEveryOptionOff) {
           "\"ShowCoverArt\", False, \"vxif_WMP.ini\")", "\"ShowVisualizations\", False, \"vxif_WMP.ini\")",
           "\"VRCategoryRequired\", False, \"vxif_WMP.ini\")", "\"DebugMessages\", False, \"vxif_WMP.ini\")"));
   EXPECT_TRUE(journal.has("HideTrayIcon"));
-  EXPECT_THAT(answer, Not(HasSubstr(" CHECKED")));
+  EXPECT_EQ(answer, WholeSetupPage("No Action", {}));
 }
 
 TEST_F(SetupPost, WithoutAChoiceSetsPause) {
   plugin.state.WhileSpeaking = "Mute";
-  post({{"wmp_page", "Setup_Page"}, {"button", "Update"}});
+  EXPECT_EQ(post({{"wmp_page", "Setup_Page"}, {"button", "Update"}}), WholeSetupPage("Pause", {}));
   EXPECT_EQ(plugin.state.WhileSpeaking, "Pause");
   EXPECT_EQ(host->settings["whilespeaking"], "Pause");
 }
@@ -133,7 +133,9 @@ TEST_F(SetupPost, VerboseLoggingActsAtOnce) {
 }
 
 TEST_F(SetupPost, TakesNamesPagesButtonsAndBooleansInAnyCase) {
-  post("WMP_PAGE=SETUP_PAGE&BUTTON=UPDATE&WHILESPEAKING=Mute&alwaysontop=true&vrcategoryrequired=1");
+  EXPECT_EQ(
+      post("WMP_PAGE=SETUP_PAGE&BUTTON=UPDATE&WHILESPEAKING=Mute&alwaysontop=true&vrcategoryrequired=1"),
+      WholeSetupPage("Mute", {"AlwaysOnTop", "VRCategoryRequired"}));
   EXPECT_EQ(plugin.state.WhileSpeaking, "Mute");
   EXPECT_TRUE(plugin.state.AlwaysOnTop);
   EXPECT_TRUE(plugin.state.VRCategoryRequired);
@@ -148,13 +150,13 @@ TEST_F(SetupPost, AnUnknownFieldIsLoggedAndDoesntStopTheUpdate) {
       ElementsAre("WriteLog(\"Error\", \"Media Player Unknown argument submitted to web server: Colour=light "
                   "blue\")"));
   EXPECT_TRUE(journal.has("ShowTrayIcon"));
-  EXPECT_EQ(answer, page());
+  EXPECT_EQ(answer, WholeSetupPage("Pause", {"TrayIcon"}));
 }
 
 TEST_F(SetupPost, WithTheButtonMissingShowsThePageAndChangesNothing) {
   for (const char* body : {"wmp_page=setup_page", "wmp_page=setup_page&button=None",
                            "wmp_page=setup_page&TrayIcon=TRUE&button=none"}) {
-    EXPECT_EQ(post(body), page());
+    EXPECT_EQ(post(body), WholeSetupPage("Pause", support::kTickedAtFirst));
     EXPECT_THAT(saved(), IsEmpty());
   }
   EXPECT_EQ(post("wmp_page=setup_page&button=Delete"), "");
@@ -221,4 +223,36 @@ TEST_F(SetupPost, ABrokenPercentCodeIsLoggedAndTakenAsItCame) {
   EXPECT_TRUE(
       logged("Error",
              "Media Player: Could not complete procedure WebSetupForm/UrlDecode Error # 13: Type mismatch"));
+}
+
+TEST_F(SetupPost, OfTenThousandPairsIsRead) {
+  std::string body = "wmp_page=setup_page";
+  for (int i = 0; i < 5000; ++i)
+    body += "&WhileSpeaking=w" + std::to_string(i) + "&u" + std::to_string(i) + "=1";
+  EXPECT_EQ(post(body + "&WhileSpeaking=Mute&TrayIcon=TRUE&button=Update"),
+            WholeSetupPage("Mute", {"TrayIcon"}));
+  const std::vector<std::string> unknown = journal.with("WriteLog");
+  ASSERT_EQ(unknown.size(), 5000U);
+  EXPECT_EQ(unknown.back(),
+            "WriteLog(\"Error\", \"Media Player Unknown argument submitted to web server: u4999=1\")");
+}
+
+TEST_F(SetupPost, ACharacterOfCodeZeroIsOneAmongOthers) {
+  const std::string zero("Mute\0", 5);
+  const std::string update = "wmp_page=setup_page&button=Update&WhileSpeaking=";
+  for (const std::string& value : {std::string("Mute%00"), zero}) {
+    // No choice of that name is there to be shown.
+    EXPECT_EQ(post(update + value), WholeSetupPage("", {}));
+    EXPECT_EQ(plugin.state.WhileSpeaking, zero);
+    EXPECT_EQ(host->settings["whilespeaking"], zero);
+    plugin.state.WhileSpeaking = "Pause";
+  }
+}
+
+TEST_F(SetupPost, WithoutAnyPairShowsThePageAndChangesNothing) {
+  for (const std::string& body : std::vector<std::string>{"", "nonsense", "&&&", "%", std::string(3, '\0')}) {
+    EXPECT_EQ(base::ToText(plugin.setupForm->invoke("PagePut", body)),
+              WholeSetupPage("Pause", support::kTickedAtFirst));
+    EXPECT_THAT(journal.lines(), IsEmpty());
+  }
 }

@@ -144,15 +144,19 @@ TEST_F(PageForm, AnOperationThatFailsIsLoggedUnderItsNameAndAnswersNothing) {
   const base::TextList items{large};
   const std::string body = large + "=1";
   std::string answers;
+  std::string decoded = large;
   {
     const support::ShortOfMemory machine(kLarge);
     answers += page.FormDropDown("", "l", "", 1, "", items, "");
     answers += page.HTML_Attr(large, {"bold"});
     answers += page.PageHeader(large, "p");
     page.GetFormData(body);
+    decoded = page.UrlDecode(std::move(decoded));
   }
   EXPECT_EQ(answers, "");
-  EXPECT_THAT(failures, ElementsAre("FormDropDown 51", "HTML_Attr 51", "PageHeader 51", "GetFormData 51"));
+  EXPECT_EQ(decoded, large);
+  EXPECT_THAT(failures, ElementsAre("FormDropDown 51", "HTML_Attr 51", "PageHeader 51", "GetFormData 51",
+                                    "UrlDecode 51"));
 }
 
 TEST_F(PageForm, TheEditorsPageHasItsOwnLink) {
