@@ -1,5 +1,5 @@
 #pragma once
-#include "BenchLibrary.hpp"
+#include "catalogue/BenchLibrary.hpp"
 #include "pages/WebEditorForm.hpp"
 #include "player/WindowlessPopup.hpp"
 
