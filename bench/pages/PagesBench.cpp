@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "BenchPages.hpp"
-#include "Ratio.hpp"
+#include "catalogue/Ratio.hpp"
 
 // The pages' texts, as posts are answered: `ratio` to a plain copy of the page's bytes, or of the post's
 // where the post is the longer text.
