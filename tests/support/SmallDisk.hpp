@@ -15,11 +15,14 @@ namespace support {
 /// process of its own (`InChild`), before it has started threads. False where mounting is not allowed.
 inline bool MountSmallDisk(const std::string& folder, std::size_t bytes) {
   const uid_t user = ::geteuid();
+  const gid_t group = ::getegid();
   if (user == 0) {
     if (::unshare(CLONE_NEWNS) != 0) return false;
   } else {
     if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+    std::ofstream("/proc/self/setgroups") << "deny";
     std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+    std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
   }
   if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
   const std::string size = "size=" + std::to_string(bytes);
