@@ -134,6 +134,18 @@ TEST_F(PlaylistInABrowser, OfTwoAlikeTheVeryOneIsTaken) {
   EXPECT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five"}));
 }
 
+TEST_F(PlaylistInABrowser, TitlesThatASearchHasFoundAreRemovedWhereTheyAre) {
+  ListUser user(house, 1280);
+  user.openList("Mine");
+  user.browser.type("//input[@id='library-search']", "o");
+  EXPECT_TRUE(user.shows({"One", "Two", "Four"}));
+  EXPECT_EQ(user.browser.run("return document.querySelectorAll('.handle').length"), 0);
+  user.browser.click("//button[@aria-label='Remove One']");
+  user.browser.click("//button[@aria-label='Remove Four']");
+  EXPECT_TRUE(isStored({"Two", "Three", "Five"}));
+  EXPECT_TRUE(user.shows({"Two"}));
+}
+
 TEST_F(PlaylistInABrowser, ADeletedListComesBackAfterARestart) {
   EXPECT_EQ(post("delete", {{"name", "Mine"}}), 200);
   EXPECT_EQ(file(), "");

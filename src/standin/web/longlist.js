@@ -231,7 +231,8 @@ export function longList(label, fetchPage, makeRow, onTotal) {
   }
   function remove(at) {
     names.splice(at, 1);
-    places = names.map((name, index) => index);
+    const [gone] = places.splice(at, 1);
+    places = places.map((place) => place > gone ? place - 1 : place);
     setTotal(total - 1);
     refill();
   }

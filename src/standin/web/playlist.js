@@ -226,8 +226,9 @@ export function playlistPage(body, name, edit, view) {
   }
 
   function remove(index, at, item) {
+    const place = [...list.rowAt(index)?.querySelectorAll('button') ?? []].indexOf(document.activeElement);
     list.remove(index);
-    if (list.total()) list.focusRow(Math.min(index, list.total() - 1), 4);
+    if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(place, 0));
     send('remove', async () => ({at, title: item}), `${item} removed`);
     toastUndo(`Removed ${item}`);
   }
