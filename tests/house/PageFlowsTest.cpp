@@ -107,9 +107,9 @@ TEST_P(PagesAtAnyWidth, APlaylistIsMadeFilledChangedAndDeleted) {
   user.enter("Renamed_PlayList", "Night");
   user.press("Rename");
   EXPECT_EQ(user.message(), "PlayList 'Evening' Renamed to: 'Night'");
-  // The page that tells of it shows the lists as they were known before.
-  user.open("/WMP_PListEdit");
   EXPECT_EQ(user.entries("PlayList"), "Night|Zenith");
+  EXPECT_EQ(user.value("PlayList"), "Night");
+  EXPECT_EQ(user.entries("PlayListItems"), "One|Three|One");
   user.press("Delete List");
   EXPECT_EQ(user.message(), "Deleted PlayList: 'Night'");
   EXPECT_EQ(user.messageStyle(), "bold");
@@ -234,6 +234,7 @@ TEST_F(HostileMusic, RunsNothingInAnyFieldOfTheEditor) {
   user.enter("Renamed_PlayList", kEvil);
   user.press("Rename");
   expectQuiet(user, "renamed");
+  EXPECT_THAT(user.message(), HasSubstr("Renamed to: '"));
   user.open("/WMP_PListEdit");
   expectQuiet(user, "main page");
   user.press("Add Item");

@@ -100,6 +100,20 @@ TEST_F(PagesOnTheBus, ChangeThePlayersOwnPlayLists) {
               HasSubstr("Error: PlayList '' does not exist"));
 }
 
+TEST_F(PagesOnTheBus, ShowARenamedPlayListUnderItsNewName) {
+  const char* editor = "/WMP_PListEdit";
+  for (const char* name : {"Another", "Quiet"})
+    post(editor, {{"wmp_page", "Main_Page"}, {"New_PlayList", name}, {"button", "New List"}});
+  EXPECT_THAT(post(editor, {{"wmp_page", "Main_Page"},
+                            {"PlayList", "Quiet"},
+                            {"Renamed_PlayList", "Evening"},
+                            {"button", "Rename"}}),
+              HasSubstr("<option value=\"Another\">Another</option>\r\n"
+                        "<option selected value=\"Evening\">Evening</option>\r\n</select>"));
+  EXPECT_THAT(post(editor, {{"wmp_page", "Main_Page"}, {"PlayList", "Evening"}, {"button", "Delete List"}}),
+              HasSubstr("<option selected value=\"Another\">Another</option>\r\n</select>"));
+}
+
 TEST_F(PagesOnTheBus, AnswerByName) {
   EXPECT_THAT(base::ToText(vxif->invoke("GenPage", "WMP_PListEdit")), HasSubstr("Edit PlayList<hr noshade>"));
   EXPECT_THAT(put("wmp_page=Setup_Page"), HasSubstr("Media Player Setup<hr noshade>"));
