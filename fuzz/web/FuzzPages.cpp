@@ -1,9 +1,13 @@
 // Posts to both pages, one a line, with the state kept between them: every one is answered with a page of a
 // bounded size or with nothing. A line that begins with "!" meets a host that fails, one with "?" a player
-// that refuses changes, and one with ">" comes in while the next one waits for the host.
+// that refuses changes, and one with ">" comes in while the next one waits for the host. A letter behind the
+// mark stands for the beginning of a post that reaches an operation ("a" to "n"), or asks for both pages
+// ("o").
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
+#include <functional>
+#include <iterator>
 #include <string>
 
 #include "base/Text.hpp"
@@ -17,6 +21,24 @@ namespace {
 void Require(bool holds) {
   if (!holds) std::abort();
 }
+
+/// The beginnings of posts, each up to the value of its last field: one for each button of the pages.
+const char* const kStems[] = {
+    "wmp_page=Main_Page&button=Add+Item&PlayList=",
+    "wmp_page=Main_Page&button=Refresh&PlayList=",
+    "wmp_page=Main_Page&PlayList=",
+    "wmp_page=Main_Page&button=New+List&New_PlayList=",
+    "wmp_page=Main_Page&button=Rename&PlayList=Mine&Renamed_PlayList=",
+    "wmp_page=Main_Page&button=Delete+List&PlayList=",
+    "wmp_page=Main_Page&button=Delete+Item&PlayList=Mine&PlayListItems=",
+    "wmp_page=Add_Page&button=Refresh&PlayList=Mine&Add_from=Album&Albums=",
+    "wmp_page=Add_Page&PlayList=Mine&Artists=Joni+Co&Genres=Folk&PlayLists=Mine&Add_from=",
+    "wmp_page=Add_Page&button=Add+Item&PlayList=Mine&Add_from=Album&Albums=Blue&Title=",
+    "wmp_page=Add_Page&button=Add+Item&PlayList=Mine&Title=River&Add_from=PlayList&PlayLists=",
+    "wmp_page=Add_Page&button=Return&PlayList=",
+    "wmp_page=Setup_Page&button=Update&CoverArt=TRUE&WhileSpeaking=",
+    "wmp_page=Setup_Page&TrayIcon=TRUE&WhileSpeaking=",
+};
 
 class FuzzHost : public base::Object {
  public:
@@ -66,7 +88,7 @@ class PostedPages {
       if (between.empty() || depth > 2) return;
       const std::string body = between.front();
       between.pop_front();
-      put(body);
+      send(body);
     };
   }
 
@@ -77,25 +99,48 @@ class PostedPages {
       between.push_back(body);
       return;
     }
+    works = mark != '!' && mark != '?';
     host->fails = mark == '!';
     for (const auto& list : library.playlists) list->refuses = mark == '?';
-    put(body);
+    send(body);
     journal.clear();
   }
 
  private:
-  void put(const std::string& body) {
+  void send(const std::string& body) {
     ++depth;
+    const std::size_t stem = body.empty() ? std::size(kStems) : static_cast<std::size_t>(body.front() - 'a');
+    if (stem < std::size(kStems))
+      reach(kStems[stem], body.substr(1));
+    else if (stem == std::size(kStems) && !body.empty())
+      get();
+    else
+      put(body);
+    --depth;
+  }
+  /// While the host and the player do their part, a button always gets a page.
+  void reach(const std::string& begin, const std::string& value) {
+    const bool isPlain = value.find('=') == std::string::npos;  // which adds no field
+    if (works && isPlain) Require(!plugin.editorForm.MyPagePut(begin + value).empty());
+    posted += begin.size() + value.size();
+    put(begin + value);
+  }
+  void put(const std::string& body) {
     posted += body.size();
+    check(plugin.editorForm.MyPagePut(body));
+    check(plugin.setupForm->MyPagePut(body));
+  }
+  void get() {
+    check(plugin.editorForm.GenPage(""));
+    check(plugin.setupForm->GenPage(""));
+  }
+  void check(const std::string& page) const {
     // Beside the frame, a page holds what was posted, a few times over.
     constexpr std::size_t kFrame = 16384;
     constexpr std::size_t kTimes = 64;
-    for (const std::string& page : {plugin.editorForm.MyPagePut(body), plugin.setupForm->MyPagePut(body)}) {
-      Require(page.size() <= kFrame + kTimes * posted);
-      Require(page.empty() || page.rfind("<form method=\"post\">\r\n", 0) == 0);
-      Require(page.empty() || page.size() - page.rfind("</form>\r\n") == 9);
-    }
-    --depth;
+    Require(page.size() <= kFrame + kTimes * posted);
+    Require(page.empty() || page.rfind("<form method=\"post\">\r\n", 0) == 0);
+    Require(page.empty() || page.size() - page.rfind("</form>\r\n") == 9);
   }
 
   support::Journal journal;
@@ -107,6 +152,7 @@ class PostedPages {
   std::deque<std::string> between;
   std::size_t posted = 0;
   int depth = 0;
+  bool works = true;  ///< host and player
   plugin::Plugin plugin{{loop,
                          neighbours,
                          [this](player::WMP9Events& events) -> std::unique_ptr<player::WMP9> {
