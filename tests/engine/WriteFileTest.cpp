@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <sstream>
 #include <thread>
 
 #include "base/Failure.hpp"
@@ -99,6 +100,26 @@ TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {
   EXPECT_EQ(ReadFile(path("a"), 4).stamp, StampOf(path("a")));
   EXPECT_EQ(ReadFile(path("a"), 4).text, "text");
   EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), 3); }), base::number::kDeviceIo);
+}
+
+TEST_F(Files, OneThatIsTooLargeIsNotRead) {
+  constexpr std::int64_t kMost = 8 << 20;
+  WriteText(path("a"), "");
+  fs::resize_file(path("a"), kMost + 1);
+  const auto readSoFar = [] {  // by this process, as the system counts it
+    std::istringstream lines(FileContent("/proc/self/io"));
+    std::string name;
+    std::int64_t bytes = -1;
+    lines >> name >> bytes;
+    return name == "rchar:" ? bytes : -1;
+  };
+  const std::int64_t before = readSoFar();
+  ASSERT_GE(before, 0);
+  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), kMost); }), base::number::kDeviceIo);
+  EXPECT_LT(readSoFar() - before, kMost / 2);
+  fs::resize_file(path("a"), kMost);
+  EXPECT_EQ(ReadFile(path("a"), kMost).text.size(), static_cast<std::size_t>(kMost));
+  EXPECT_GE(readSoFar() - before, kMost);
 }
 
 TEST_F(Files, ANewFileReplacesNothing) {
