@@ -182,6 +182,20 @@ TEST_F(PageLogs, TheTwoPagesDifferInTheirSecondWord) {
                                            "WebModule/UrlDecode Error # 13: Type mismatch\")"));
 }
 
+TEST_F(PageLogs, WordsThatThereIsNoMemoryForAreLeftOut) {
+  constexpr std::size_t kLarge = 1U << 16U;
+  const base::Failure failure(13, std::string(kLarge, 'x'));
+  const auto setup = web::SetupPageLog(plugin.host, "WebSetupForm");
+  const auto editor = web::EditorPageLog(plugin.loggers);
+  journal.clear();
+  {
+    const support::ShortOfMemory machine(kLarge);
+    EXPECT_NO_THROW(setup(failure, "UrlDecode"));
+    EXPECT_NO_THROW(editor(failure, "UrlDecode"));
+  }
+  EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
 TEST_F(PageLogs, AFailingLogIsSwallowed) {
   host->failing = {"WriteLog"};
   EXPECT_NO_THROW(web::SetupPageLog(plugin.host, "WebSetupForm")(base::Failure(13), "x"));
