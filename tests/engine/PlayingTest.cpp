@@ -1,9 +1,16 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "base/Failure.hpp"
 #include "engine/ErrorList.hpp"
@@ -313,6 +320,44 @@ TEST_F(Playing, PauseHoldsThePositionAndPlayGoesOn) {
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 2, 3, 4, 5, 3, 1));
 }
 
+/// The end of a pipe that sound is written to as fast as it is read: not before `flow`, so that a short track
+/// lasts as long as it does for a listener.
+class HeardThroughAPipe {
+ public:
+  HeardThroughAPipe(const std::filesystem::path& pipe, const std::filesystem::path& file) {
+    EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    reader_ = std::thread([this, pipe, file] {
+      const int end = open(pipe.c_str(), O_RDONLY | O_CLOEXEC);
+      fcntl(end, F_SETPIPE_SZ, 4096);
+      flows_.wait(false);
+      std::ofstream heard(file, std::ios::binary);
+      std::array<char, 4096> bytes{};
+      for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;)
+        heard.write(bytes.data(), count);
+      close(end);
+    });
+  }
+  ~HeardThroughAPipe() {
+    flow();
+    if (reader_.joinable()) reader_.join();
+  }
+  HeardThroughAPipe(const HeardThroughAPipe&) = delete;
+  HeardThroughAPipe& operator=(const HeardThroughAPipe&) = delete;
+  HeardThroughAPipe(HeardThroughAPipe&&) = delete;
+  HeardThroughAPipe& operator=(HeardThroughAPipe&&) = delete;
+
+  void flow() {
+    flows_ = true;
+    flows_.notify_all();
+  }
+  /// Returns when all has been heard.
+  void end() { reader_.join(); }
+
+ private:
+  std::atomic<bool> flows_ = false;
+  std::thread reader_;
+};
+
 TEST_F(Playing, AnAlbumHasNoGapBetweenItsTracks) {
   const demo::Sound whole = demo::Tone(441, 1.0);
   demo::Sound first = whole;
@@ -321,13 +366,17 @@ TEST_F(Playing, AnAlbumHasNoGapBetweenItsTracks) {
   second.samples.erase(second.samples.begin(), second.samples.begin() + 22050 + 37);
   demo::WriteSound(music("1.wav"), first, demo::FileFormat::kWav);
   demo::WriteSound(music("2.wav"), second, demo::FileFormat::kWav);
-  config.audioOutput = "pcm:" + (folder / "heard.wav");
+  HeardThroughAPipe listener(folder / "pipe", folder / "heard.wav");
+  config.audioOutput = "pcm:" + (folder / "pipe");
   startWith(2);
   player->settings().volume(100);
   player->currentPlaylist(player->mediaCollection().getAll());
   player->controls().play();
+  ASSERT_TRUE(untilState(player::kPlaying));
+  listener.flow();
   ASSERT_TRUE(untilState(player::kStopped));
-  player.reset();  // closes the file
+  player.reset();  // closes the pipe
+  listener.end();
 
   const demo::Sound heard = demo::ReadSound(folder / "heard.wav");
   ASSERT_EQ(heard.rate, whole.rate);
