@@ -211,7 +211,12 @@ void PluginKeeper::runCommands() {
     std::string failure;
     busySince_ = loop_.now();
     call(next.command, failure);
-    next.done(failure);
+    try {
+      next.done(failure);
+    } catch (...) {  // whoever has asked; the others still wait for their turn
+      house_.log.write("Error",
+                       "What a command has answered is lost: " + base::CurrentFailure().description());
+    }
   }
   busy_ = false;
 }
