@@ -53,8 +53,11 @@ class GuardedStream : public httplib::Stream {
   }
 
   ssize_t write(const char* data, std::size_t size) override {
-    // What follows this answer on the connection is the body that it refuses.
-    if (std::string_view(data, size).starts_with("HTTP/1.1 413")) bodyRefused_ = true;
+    // What follows such an answer on the connection may be the body that it refuses.
+    const std::string_view text(data, size);
+    if (text.starts_with("HTTP/1.1 4") && text.find("\r\nConnection: close\r\n") != std::string_view::npos) {
+      bodyRefused_ = true;
+    }
     const Time end = SteadyClock::now() + limits_.answered;
     std::size_t sent = 0;
     while (sent < size) {

@@ -21,8 +21,8 @@ struct WebAnswer {
   int status = 200;
   std::string type = "application/json";
   std::string body = "{}";
-  std::string cookie{};     ///< content of a Set-Cookie header, if any
-  bool pluginPage = false;  ///< a page with text of the plug-in's
+  std::string cookie{};  ///< content of a Set-Cookie header, if any
+  std::string policy{};  ///< a Content-Security-Policy in place of the server's usual one, if any
 };
 
 /// The house's scripts, kept and run.

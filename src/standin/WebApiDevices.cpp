@@ -139,9 +139,10 @@ void WebApi::askPage(const PageLink& link, const User& user, const char* operati
           reply(Refusal(502, failure));
           return;
         }
+        const std::string nonce = NewNonce();
         reply({.type = "text/html; charset=utf-8",
-               .body = Framed(title, view, WithoutActingTags(*text)),
-               .pluginPage = true});
+               .body = Framed(title, view, WithoutActingTags(*text), nonce),
+               .policy = PluginPolicy(nonce)});
       });
 }
 

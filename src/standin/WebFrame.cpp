@@ -1,5 +1,7 @@
 #include "standin/WebFrame.hpp"
 
+#include <sodium.h>
+
 #include <algorithm>
 #include <array>
 
@@ -50,9 +52,25 @@ std::string headline(int status) {
 
 }  // namespace
 
-std::string Framed(const std::string& title, const std::string& view, std::string_view content) {
+std::string NewNonce() {
+  std::array<unsigned char, 16> bytes{};
+  randombytes_buf(bytes.data(), bytes.size());
+  std::string text(bytes.size() * 2 + 1, '\0');
+  sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
+  text.pop_back();
+  return text;
+}
+
+std::string PluginPolicy(const std::string& nonce) {
+  return std::string(kOwnPolicy) + "; script-src 'nonce-" + nonce +
+         "'; frame-src 'none'; media-src 'none'; style-src-elem 'self'; style-src-attr 'unsafe-inline'";
+}
+
+std::string Framed(const std::string& title, const std::string& view, std::string_view content,
+                   const std::string& nonce) {
   const WebFile* file = FindWebFile("index.html");
   std::string page(file == nullptr ? std::string_view() : file->content);
+  replaceMark(page, "{{nonce}}", nonce);
   // The content last: what looks like a mark in it is its own.
   replaceMark(page, "{{title}}", EscapeHtml(title));
   replaceMark(page, "{{view}}", EscapeHtml(view));
@@ -61,7 +79,7 @@ std::string Framed(const std::string& title, const std::string& view, std::strin
 }
 
 std::string WithoutActingTags(std::string_view text) {
-  static constexpr std::array<std::string_view, 2> kActing{"meta", "link"};
+  static constexpr std::array<std::string_view, 5> kActing{"meta", "link", "html", "body", "template"};
   std::string out;
   out.reserve(text.size());
   while (!text.empty()) {

@@ -69,6 +69,16 @@ bool SameOrigin(std::string_view origin, std::string_view hostHeader) {
   return false;
 }
 
+bool MayLoadData(const LoadReason& reason) {
+  return reason.site.empty() || reason.site == "same-origin" || reason.site == "none" ||
+         reason.mode == "navigate";
+}
+
+bool MayLoadPage(const LoadReason& reason) {
+  const bool shown = reason.dest.empty() || reason.dest == "document";
+  return shown && reason.purpose.find("prefetch") == std::string::npos && MayLoadData(reason);
+}
+
 std::string CookieValue(std::string_view header, std::string_view name) {
   while (!header.empty()) {
     const std::size_t end = std::min(header.find(';'), header.size());

@@ -27,6 +27,19 @@ std::optional<std::string> HostName(std::string_view hostHeader);
 bool IsLoopback(const std::string& host);
 /// True when a request's Origin header says that it comes from a page of the host it goes to.
 bool SameOrigin(std::string_view origin, std::string_view hostHeader);
+/// What a browser tells about why it asks (Sec-Fetch-Site, -Mode, -Dest, and Sec-Purpose); empty texts where
+/// it tells nothing, as other programs do.
+struct LoadReason {
+  std::string site{};
+  std::string mode{};
+  std::string dest{};
+  std::string purpose{};
+};
+/// False when a page of another server has its reader's browser load what scripts ask for.
+bool MayLoadData(const LoadReason& reason);
+/// False unless the page is to be shown to the reader: a page that is loaded as a picture, say, or ahead of
+/// time, would be made for nobody, and what was selected on it forgotten.
+bool MayLoadPage(const LoadReason& reason);
 /// A cookie out of a Cookie header, empty when it isn't there.
 std::string CookieValue(std::string_view header, std::string_view name);
 /// The file that a decoded request path means below `root`: backslashes are slashes, and there is no way out

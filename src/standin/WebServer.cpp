@@ -30,6 +30,12 @@ void give(httplib::Response& response, const WebAnswer& answer) {
   if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
 }
 
+/// With it the connection ends: what is left of the body can't be told from the next request.
+void refuseUnread(httplib::Response& response, int status, const std::string& text) {
+  give(response, Refusal(status, text));
+  response.set_header("Connection", "close");
+}
+
 void addRules(httplib::Response& response) {
   response.set_header("Content-Security-Policy", kOwnPolicy);
   response.set_header("X-Content-Type-Options", "nosniff");
@@ -61,9 +67,9 @@ void giveFor(const httplib::Request& request, httplib::Response& response, WebAn
     answer.body = RefusalPage(answer.status, text, request.path);
     answer.type = "text/html; charset=utf-8";
   }
-  if (answer.pluginPage) {
+  if (!answer.policy.empty()) {
     response.headers.erase("Content-Security-Policy");
-    response.set_header("Content-Security-Policy", kPluginPolicy);
+    response.set_header("Content-Security-Policy", answer.policy);
   }
   give(response, answer);
 }
@@ -93,11 +99,12 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
   server_.set_keep_alive_timeout(2);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
     addRules(response);
-    if (request.method == "POST" && request.path.size() <= kLongestPath) {
+    if (request.path.size() > kLongestPath) {
+      refuseUnread(response, 414, "The address is too long");
+    } else if (request.method == "POST") {
       return httplib::Server::HandlerResponse::Unhandled;  // its body is read first
-    }
-    if (request.method != "GET" && request.method != "HEAD") {
-      give(response, Refusal(405, "Only GET and POST are answered"));
+    } else if (request.method != "GET" && request.method != "HEAD") {
+      refuseUnread(response, 405, "Only GET and POST are answered");
     } else {
       answerGet(request, response);
     }
@@ -106,13 +113,22 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
   server_.Post("[\\s\\S]*", [this](const httplib::Request& request, httplib::Response& response,
                                    const httplib::ContentReader& reader) {
     std::string body;
-    const bool whole = reader([&](const char* data, std::size_t size) {
-      if (body.size() + size > kLargestBody) return false;
-      body.append(data, size);
-      return true;
-    });
-    if (!whole) {
-      give(response, Refusal(413, "The request is too large"));
+    bool tooLarge = false;
+    const auto take = [&](const char* data, std::size_t size) {
+      tooLarge = body.size() + size > kLargestBody;
+      if (!tooLarge) body.append(data, size);
+      return !tooLarge;
+    };
+    // No page of this server sends a body in parts: nothing of it is kept but its size.
+    const bool parts = request.is_multipart_form_data();
+    const bool whole =
+        parts ? reader([](const httplib::MultipartFormData&) { return true; }, take) : reader(take);
+    if (!whole && (tooLarge || response.status == 413)) {
+      refuseUnread(response, 413, "The request is too large");
+    } else if (!whole) {
+      refuseUnread(response, 400, "The request was not understood");
+    } else if (parts) {
+      give(response, Refusal(415, "A body in parts is not understood"));
     } else {
       answerPost(request, response, body);
     }
@@ -120,8 +136,8 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
   server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (response.body.empty()) {
       const int status = response.status;
-      give(response,
-           Refusal(status, status == 413 ? "The request is too large" : "The request was not understood"));
+      if (status == 413) return refuseUnread(response, status, "The request is too large");
+      give(response, Refusal(status, "The request was not understood"));
     }
   });
   server_.set_exception_handler(
@@ -139,7 +155,6 @@ WebServer::~WebServer() {
 }
 
 void WebServer::answerGet(const httplib::Request& request, httplib::Response& response) {
-  if (request.path.size() > kLongestPath) return give(response, Refusal(414, "The address is too long"));
   if (!hosts_.allows(request.get_header_value("Host"))) {
     return give(response, Refusal(403, "This server doesn't answer to that name"));
   }
@@ -148,6 +163,13 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
     return give(response, {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
   const std::string token = tokenOf(request);
+  const LoadReason reason{.site = request.get_header_value("Sec-Fetch-Site"),
+                          .mode = request.get_header_value("Sec-Fetch-Mode"),
+                          .dest = request.get_header_value("Sec-Fetch-Dest"),
+                          .purpose = request.get_header_value("Sec-Purpose")};
+  if (path.starts_with("/api/") && !MayLoadData(reason)) {
+    return give(response, Refusal(403, "The request doesn't come from a page of this server"));
+  }
   if (path == "/api/live") return stream(token, response);
   if (const WebFile* file = path.starts_with("/api/") ? nullptr : FindWebFile(path.substr(1));
       file != nullptr && file->name != "index.html") {
@@ -160,6 +182,9 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
       if (content)
         return give(response, {.type = std::string(MediaTypeOf(found->string())), .body = *content});
     }
+  }
+  if (!path.starts_with("/api/") && !MayLoadPage(reason)) {
+    return give(response, Refusal(403, "A page is not loaded as a part of another one"));
   }
   WebAnswer answer = api_.get(path, token, [&](const char* name) { return request.get_param_value(name); });
   giveFor(request, response, std::move(answer));

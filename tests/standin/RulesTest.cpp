@@ -41,6 +41,27 @@ TEST(WebRules, AnOriginMustBeTheHostItself) {
   EXPECT_FALSE(SameOrigin("", "localhost:8080"));
 }
 
+TEST(WebRules, DataIsLoadedByItsOwnPagesByReadersAndByOtherPrograms) {
+  EXPECT_TRUE(MayLoadData({}));
+  EXPECT_TRUE(MayLoadData({.site = "same-origin", .mode = "cors", .dest = "empty"}));
+  EXPECT_TRUE(MayLoadData({.site = "none", .mode = "navigate", .dest = "document"}));
+  EXPECT_TRUE(MayLoadData({.site = "cross-site", .mode = "navigate", .dest = "document"}));
+  EXPECT_FALSE(MayLoadData({.site = "cross-site", .mode = "no-cors", .dest = "image"}));
+  EXPECT_FALSE(MayLoadData({.site = "same-site", .mode = "no-cors", .dest = "image"}));
+  EXPECT_FALSE(MayLoadData({.site = "cross-site", .mode = "cors", .dest = "empty"}));
+}
+
+TEST(WebRules, APageIsLoadedToBeShownAndForNothingElse) {
+  EXPECT_TRUE(MayLoadPage({}));
+  EXPECT_TRUE(MayLoadPage({.site = "none", .mode = "navigate", .dest = "document"}));
+  EXPECT_TRUE(MayLoadPage({.site = "cross-site", .mode = "navigate", .dest = "document"}));
+  EXPECT_FALSE(MayLoadPage({.site = "same-origin", .mode = "no-cors", .dest = "image"}));
+  EXPECT_FALSE(MayLoadPage({.site = "cross-site", .mode = "navigate", .dest = "iframe"}));
+  EXPECT_FALSE(MayLoadPage({.site = "cross-site", .mode = "no-cors", .dest = "empty"}));
+  EXPECT_FALSE(MayLoadPage(
+      {.site = "cross-site", .mode = "navigate", .dest = "document", .purpose = "prefetch;prerender"}));
+}
+
 TEST(WebRules, ACookieIsFoundByItsWholeName) {
   EXPECT_EQ(CookieValue("a=1; vantorix=abc; b=2", "vantorix"), "abc");
   EXPECT_EQ(CookieValue("xvantorix=abc", "vantorix"), "");

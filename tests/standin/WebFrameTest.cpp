@@ -29,6 +29,9 @@ TEST(WebFrame, ShowsTagsThatActByThemselvesAsText) {
   EXPECT_EQ(WithoutActingTags("<LiNk rel=preconnect href=//evil.example>"),
             "&lt;LiNk rel=preconnect href=//evil.example>");
   EXPECT_EQ(WithoutActingTags("<meta"), "&lt;meta");
+  EXPECT_EQ(WithoutActingTags("<Body hidden><HTML hidden></body>"),
+            "&lt;Body hidden>&lt;HTML hidden></body>");
+  EXPECT_EQ(WithoutActingTags("<template shadowrootmode=open>"), "&lt;template shadowrootmode=open>");
 }
 
 TEST(WebFrame, APageTextStandsInTheFrameAsItIs) {
@@ -49,11 +52,21 @@ TEST(WebFrame, ARefusalTellsWhatIsWrongAndWhereToGo) {
 }
 
 TEST(WebFrame, NoScriptInAPageTextIsAllowed) {
-  EXPECT_THAT(standin::kPluginPolicy, HasSubstr("default-src 'self';"));
-  EXPECT_THAT(standin::kPluginPolicy, Not(HasSubstr("script-src")));
-  EXPECT_THAT(standin::kPluginPolicy, Not(HasSubstr("unsafe-hashes")));
-  EXPECT_THAT(standin::kPluginPolicy, HasSubstr("form-action 'self'"));
-  EXPECT_THAT(standin::kPluginPolicy, HasSubstr("base-uri 'none'"));
+  const std::string policy = standin::PluginPolicy("abc");
+  EXPECT_THAT(policy, HasSubstr("default-src 'self';"));
+  EXPECT_THAT(policy, HasSubstr("script-src 'nonce-abc';"));
+  EXPECT_THAT(policy, Not(HasSubstr("unsafe-hashes")));
+  EXPECT_THAT(policy, HasSubstr("form-action 'self'"));
+  EXPECT_THAT(policy, HasSubstr("base-uri 'none'"));
+}
+
+TEST(WebFrame, OnlyTheFramesOwnScriptCarriesTheNonce) {
+  const std::string nonce = standin::NewNonce();
+  EXPECT_EQ(nonce.size(), 32U);
+  EXPECT_NE(nonce, standin::NewNonce());
+  const std::string page = standin::Framed("Title", "view", "{{nonce}}", nonce);
+  EXPECT_THAT(page, HasSubstr("src=\"/app.js\" nonce=\"" + nonce + "\""));
+  EXPECT_EQ(page.find(nonce), page.rfind(nonce));
 }
 
 }  // namespace

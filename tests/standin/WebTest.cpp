@@ -108,6 +108,49 @@ TEST_F(Web, ABodyThatIsFarTooLargeIsRefusedInAnAnswerThatArrives) {
   EXPECT_EQ(web.get("/api/state")->status, 200);
 }
 
+TEST_F(Web, ABodyThatIsNotUnderstoodIsTheAskersFault) {
+  const std::string head = "POST /WMP_Setup HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\n";
+  const std::string part = "--b\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nvalue\r\n";
+  const auto answered = [&](const std::string& headers, const std::string& body) {
+    return raw(head + headers + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+  };
+  const std::string inParts = "Content-Type: multipart/form-data; boundary=b\r\n";
+  EXPECT_EQ(answered(inParts, part + "--b--\r\n"), "HTTP/1.1 415 Unsupported Media Type");
+  EXPECT_EQ(answered(inParts, part), "HTTP/1.1 400 Bad Request");
+  EXPECT_EQ(answered(inParts, "no parts at all"), "HTTP/1.1 400 Bad Request");
+  EXPECT_EQ(answered("Content-Type: multipart/form-data\r\n", "a"), "HTTP/1.1 400 Bad Request");
+  EXPECT_EQ(answered("Content-Encoding: gzip\r\n", "this was never packed"), "HTTP/1.1 400 Bad Request");
+  EXPECT_EQ(raw("POST /" + std::string(3000, 'a') +
+                " HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\nContent-Length: 3\r\n\r\na=b"),
+            "HTTP/1.1 414 URI Too Long");
+}
+
+TEST_F(Web, WhatIsLeftOfARefusedBodyIsNoRequest) {
+  const std::string inner = "GET /api/state HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n";
+  for (const std::string& start : {std::string("PUT /x"), "POST /" + std::string(3000, 'a')}) {
+    const auto open = connected(start + " HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\n" +
+                                "Content-Length: " + std::to_string(inner.size()) + "\r\n\r\n" + inner);
+    ASSERT_TRUE(open);
+    std::string answer;
+    std::array<char, 4096> part{};
+    for (ssize_t got = 0; (got = read(open->get(), part.data(), part.size())) > 0;)
+      answer.append(part.data(), static_cast<std::size_t>(got));
+    EXPECT_TRUE(answer.starts_with("HTTP/1.1 4")) << answer;
+    EXPECT_EQ(answer.find("HTTP/1.1", 1), std::string::npos) << answer;
+  }
+}
+
+TEST_F(Web, WhatPagesOfOtherServersLoadIsRefused) {
+  for (const char* path : {"/api/state", "/api/live", "/api/log"}) {
+    const auto answer = web.get(path, {{"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Mode", "no-cors"}});
+    ASSERT_TRUE(answer) << path;
+    EXPECT_EQ(answer->status, 403) << path;
+  }
+  EXPECT_EQ(web.get("/api/state", {{"Sec-Fetch-Site", "same-origin"}, {"Sec-Fetch-Mode", "cors"}})->status,
+            200);
+  EXPECT_EQ(web.get("/api/state")->status, 200);
+}
+
 TEST_F(Web, APageOfTheServersOwnCanNotMakeAFormAskForWhatScriptsAskFor) {
   EXPECT_EQ(web.postText("/api/logout", R"({"a":"="})", "text/plain", {{"Origin", web.origin()}}), 415);
   EXPECT_EQ(
@@ -127,16 +170,26 @@ TEST_F(Web, PostsThatAreRefusedAreCountedInTheLog) {
                   "Content-Length: 3\r\nConnection: close\r\n\r\na=b"),
               "HTTP/1.1 403 Forbidden");
   }
-  const auto refusals = [&] {
+  const auto refusals = [](WebClient& client) {
     std::vector<std::string> found;
-    const json log = web.json("/api/log");
+    const json log = client.json("/api/log");
     for (const json& line : log.at("lines"))
       if (line.at("text").get<std::string>().find("refused") != std::string::npos)
         found.push_back(line.at("text").get<std::string>());
     return found;
   };
-  EXPECT_TRUE(support::Eventually([&] { return !refusals().empty(); }));
-  EXPECT_EQ(refusals(), std::vector<std::string>{"1 post refused: 1 without session"});
+  EXPECT_TRUE(support::Eventually([&] { return !refusals(web).empty(); }));
+  EXPECT_EQ(refusals(web), std::vector<std::string>{"1 post refused: 1 without session"});
+  // All others are one line, written at the latest when the server ends.
+  EXPECT_EQ(server.end(), 0);
+  const ServerProcess next(bus.address(), data);
+  WebClient later(next.port());
+  later.cookie = web.cookie;
+  EXPECT_EQ(
+      refusals(later),
+      (std::vector<std::string>{
+          "1 post refused: 1 without session",
+          "59 posts refused: 20 from another origin, 20 with a foreign host name, 19 without session"}));
 }
 
 TEST_F(Web, AMalformedRequestIsTheAskersFault) {

@@ -1,4 +1,5 @@
 // The frame of every page: navigation, the plug-in's state, live changes.
+import './ownnames.js';  // first of all
 import {accountPage, signInPage} from './account.js';
 import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
 import {ask, el, run, toast, toasts} from './dom.js';
@@ -137,7 +138,8 @@ function launched(text) {
   }
   if (!['http:', 'https:'].includes(url.protocol)) return;
   const own = ['127.0.0.1', 'localhost', location.hostname].includes(url.hostname);
-  const target = own ? url.pathname + url.search : url.href;
+  // With the origin in front: a path of two slashes would name another server.
+  const target = own ? location.origin + url.pathname + url.search : url.href;
   if (own && Date.now() - menuUsed < 5000) {
     location.assign(target);
     return;

@@ -12,26 +12,29 @@ let sending = false;
 /** Makes the page text in `panel` ready to be used. */
 export function preparePluginPage(panel) {
   takeStrays(panel);
+  takeOrphans(panel);
   // A page that answers a post would post again when it is loaded anew. Loading it anew is a fresh look instead;
   // sending the reader on after the post is no way, since a fresh look forgets what was selected.
   history.replaceState(history.state, '', location.href);
-  for (const heading of panel.querySelectorAll('h3')) heading.setAttribute('aria-level', '1');
-  for (const message of panel.querySelectorAll('form > span[style]')) {
+  for (const heading of all(panel, 'h3')) heading.setAttribute('aria-level', '1');
+  for (const message of all(panel, 'form > span[style]')) {
     const bad = message.style.color === 'red';
     message.classList.add('message', bad ? 'message-bad' : 'message-good');
     message.setAttribute('role', bad ? 'alert' : 'status');
   }
   for (const control of controls(panel)) label(control);
-  for (const first of panel.querySelectorAll('input[type=radio]')) group(first);
-  for (const list of panel.querySelectorAll('select')) nameEmptyChoice(list);
-  for (const list of panel.querySelectorAll('select[onchange]')) sendOnChange(list);
-  for (const form of panel.querySelectorAll('form')) sendOnce(form);
+  for (const first of all(panel, 'input[type=radio]')) group(first);
+  for (const list of all(panel, 'select')) nameEmptyChoice(list);
+  for (const list of all(panel, 'select[onchange]')) sendOnChange(list);
+  for (const form of all(panel, 'form')) sendOnce(form);
   addEventListener('pageshow', () => markSending(panel, false));
   returnToPlace(panel);
 }
 
-const controls = (panel) =>
-  [...panel.querySelectorAll('input:not([type=hidden]):not([type=submit]), select, textarea')];
+/** In a drawing or a formula the same tags are no fields. */
+const all = (panel, selector) => [...panel.querySelectorAll(selector)].filter((each) => each instanceof HTMLElement);
+
+const controls = (panel) => all(panel, 'input:not([type=hidden]):not([type=submit]), select, textarea');
 
 /** An end tag too many in the text must not let the rest of it stand outside its panel. */
 function takeStrays(panel) {
@@ -41,11 +44,27 @@ function takeStrays(panel) {
   }
 }
 
+/** Nor may it part the fields behind it from their form, which is the first. */
+function takeOrphans(panel) {
+  const [form] = all(panel, 'form');
+  const orphans = all(panel, 'button, input, select, textarea').filter((each) => !each.form);
+  if (!form || !orphans.length) return;
+  form.id = freshId();
+  for (const each of orphans) each.setAttribute('form', form.id);
+}
+
+/** An id that nothing in the text has taken. */
+function freshId() {
+  let id;
+  do id = `field-${++numbers}`; while (document.getElementById(id));
+  return id;
+}
+
 // Labels
 
 /** The words stand before a field and behind a box, as bare text. */
 function label(control) {
-  control.id ||= `field-${++numbers}`;
+  if (!control.id || document.getElementById(control.id) !== control) control.id = freshId();
   if (control.type === 'checkbox' || control.type === 'radio') labelBehind(control);
   else labelBefore(control);
 }
@@ -94,14 +113,14 @@ function group(first) {
   const box = el('span', {class: 'choices', role: 'radiogroup'});
   choice.before(box);
   if (before?.nodeType === Node.TEXT_NODE && before.data.trim()) {
-    const words = el('span', {class: 'words', id: `field-${++numbers}`}, before.data.trim());
+    const words = el('span', {class: 'words', id: freshId()}, before.data.trim());
     before.remove();
     box.append(words);
     box.setAttribute('aria-labelledby', words.id);
   } else {
     box.setAttribute('aria-label', wordsOf(first.name));
   }
-  const same = (node) => node?.classList?.contains('choice') && node.firstElementChild.name === first.name;
+  const same = (node) => node?.classList?.contains('choice') && node.firstElementChild?.name === first.name;
   for (let next = choice; same(next);) {
     const after = next.nextSibling;
     box.append(next);
@@ -123,9 +142,11 @@ function nameEmptyChoice(list) {
 function sendOnChange(list) {
   if (!/^\s*(this\.)?form\.submit\(\);?\s*$/.test(list.getAttribute('onchange'))) return;
   list.removeAttribute('onchange');
-  const hint = el('span', {class: 'hint quiet', id: `field-${++numbers}`, role: 'status'});
+  const hint = el('span', {class: 'hint quiet', id: freshId(), role: 'status'});
   list.after(hint);
   list.setAttribute('aria-describedby', hint.id);
+  const entries = [...list.options];
+  const shown = (entries.find((each) => each.defaultSelected) || entries[0])?.value;
   let stepping = false;
   let waits = false;
   const send = (next) => {
@@ -147,9 +168,9 @@ function sendOnChange(list) {
     }
   });
   list.addEventListener('change', () => {
-    waits = true;
+    waits = !stepping || list.value !== shown;  // back where it was, there is nowhere to go
     if (!stepping) send();
-    else hint.textContent = 'Press Enter to go to this choice';
+    else hint.textContent = waits ? 'Press Enter to go to this choice' : '';
   });
   list.addEventListener('blur', (event) => {
     // Leaving the window is not leaving the list.
