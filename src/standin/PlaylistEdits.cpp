@@ -305,7 +305,18 @@ void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
   }
 }
 
+std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  const std::optional<PlayerList> found = lists.find(list);
+  const std::int32_t added = found ? found->count() - step.count : 0;
+  if (added <= 0 || static_cast<std::size_t>(added) > step.items.size()) return 0;
+  for (std::int32_t i = 0; i < added; ++i) {
+    if (found->sourceAt(step.to.at + i) != step.items[static_cast<std::size_t>(i)].source) return 0;
+  }
+  return static_cast<std::size_t>(added);
+}
+
 bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  if (step.kind == StepKind::kAdd) return AddedOf(lists, step, list) == step.items.size();
   if (step.kind == StepKind::kRename) {
     const std::optional<PlayerList> found = lists.find(step.newName);
     return found && found->name() == step.newName;
@@ -316,16 +327,9 @@ bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& li
     return !found || found->count() < static_cast<std::int32_t>(step.items.size());
   if (!found) return false;
   const std::int32_t count = found->count();
-  const auto size = static_cast<std::int32_t>(step.items.size());
   if (step.kind == StepKind::kRemove) return count == step.count - 1;
-  if (step.kind == StepKind::kMove) {
-    return step.to.at < count && found->sourceAt(step.to.at) == step.items.front().source &&
-           placeIn(Reduced(*found, step.to.at), step.to.at) == step.to;
-  }
-  bool there = count == step.count + size;
-  for (std::int32_t i = 0; there && i < size; ++i)
-    there = found->sourceAt(step.to.at + i) == step.items[static_cast<std::size_t>(i)].source;
-  return there;
+  return step.to.at < count && found->sourceAt(step.to.at) == step.items.front().source &&
+         placeIn(Reduced(*found, step.to.at), step.to.at) == step.to;
 }
 
 PlayerList PlaylistRestore::open(PlayerLists& lists) {

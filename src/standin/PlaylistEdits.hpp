@@ -46,7 +46,11 @@ void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list);
 /// All but the undoing of a deletion, which takes its time; see PlaylistRestore.
 void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
-/// Whether the step's effect is there, as far as that can be told after the process that took it has ended.
+/// How many of an addition's titles are there, from the first on, when nothing else of the list has changed;
+/// none otherwise.
+std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
+/// Whether the step's effect is there, as far as that can be told after the process that took it has ended;
+/// of an addition, all of it.
 bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 
 /// The undoing of a deletion, some titles at a time. One that was interrupted is taken up where it ended.

@@ -1,5 +1,6 @@
 #include "standin/PlaylistHistory.hpp"
 
+#include "base/Failure.hpp"
 #include "base/Text.hpp"
 
 namespace standin {
@@ -93,10 +94,11 @@ void PlaylistHistory::turning(std::int64_t id, bool undo) {
 }
 
 void PlaylistHistory::turned(const Entry& entry, bool undone) {
+  const std::string data = TextOf(entry.step);
   Transaction whole(database_);
-  Statement(database_,
-            std::string("UPDATE playlist_step SET state = ?, turn = ") + kNextTurn + " WHERE id = ?")
-      .with(numberOf(undone ? State::kUndone : State::kDone), entry.id)
+  Statement(database_, std::string("UPDATE playlist_step SET state = ?, size = ?, data = ?, turn = ") +
+                           kNextTurn + " WHERE id = ?")
+      .with(numberOf(undone ? State::kUndone : State::kDone), sizeOf(data), data, entry.id)
       .run();
   Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
   if (find.with(entry.id).step()) {
@@ -148,8 +150,16 @@ std::optional<PlaylistHistory::Entry> PlaylistHistory::toRedoOfAll() {
 
 std::vector<PlaylistHistory::Entry> PlaylistHistory::unsettled() {
   std::vector<Entry> entries;
+  std::vector<std::int64_t> unreadable;
   Statement rows(database_, std::string(kColumns) + "WHERE s.state > 1 ORDER BY s.id");
-  while (rows.step()) entries.push_back(entryOf(rows));
+  while (rows.step()) {
+    try {
+      entries.push_back(entryOf(rows));
+    } catch (const base::Failure&) {
+      unreadable.push_back(rows.integer(0));
+    }
+  }
+  for (const std::int64_t id : unreadable) drop(id);
   return entries;
 }
 

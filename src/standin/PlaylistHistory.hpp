@@ -36,7 +36,7 @@ class PlaylistHistory {
   void finish(std::int64_t id, const PlaylistStep& step);
   /// A step that is about to be undone or redone.
   void turning(std::int64_t id, bool undo);
-  /// It is undone now, or done.
+  /// It is undone now, or done, in the form given.
   void turned(const Entry& entry, bool undone);
   /// Forgets the step.
   void drop(std::int64_t id);
@@ -48,7 +48,7 @@ class PlaylistHistory {
   /// The same of the collection: creations, deletions and renames of any list, the latest first.
   std::optional<Entry> toUndoOfAll();
   std::optional<Entry> toRedoOfAll();
-  /// Steps that were on their way when a process ended.
+  /// Steps that were on their way when a process ended. Those that can't be read any longer are forgotten.
   std::vector<Entry> unsettled();
 
  private:

@@ -54,7 +54,12 @@ void Playlists::restoreSome(const std::shared_ptr<Restoring>& restoring) {
         nlohmann::json event{{"name", name}, {"restored", restoring->restore.done()}};
         event["of"] = restoring->restore.total();
         if (outcome.failure != 0) event["failed"] = outcome.error;
-        if (!goesOn) event["over"] = true;
+        if (!goesOn) {
+          event["over"] = true;
+          event["missing"] = restoring->restore.missing();
+          // Who has asked was answered long ago.
+          if (!restoring->done && outcome.failure == 0) event["said"] = outcome.said;
+        }
         house_.live.tell("playlist", Dump(event));
         if (!goesOn) tellCollection();
         // The first to hear of it is who has asked; a long way back is told on the live feed.

@@ -13,6 +13,7 @@ namespace {
 constexpr base::Milliseconds kLease = std::chrono::seconds(15);
 constexpr std::size_t kMostWatchers = 64;
 constexpr std::int32_t kMostRows = 60;
+constexpr std::int32_t kLastRow = 10000000;  // far beyond any list, far below where numbers end
 
 }  // namespace
 
@@ -24,7 +25,9 @@ void Playlists::watch(const std::string& page, const std::string& name, std::int
         watchers_.begin(), watchers_.end(),
         [](const auto& left, const auto& right) { return left.second.until < right.second.until; }));
   }
-  watchers_[page] = {name, std::max(from, 0), std::clamp(rows, 0, kMostRows), loop_.now() + kLease};
+  watchers_[page] = {name, std::clamp(from, 0, kLastRow), std::clamp(rows, 0, kMostRows),
+                     loop_.now() + kLease};
+  kept(name);  // in use
   if (!timer_->enabled()) timer_->enabled(true);
 }
 
@@ -32,7 +35,7 @@ void Playlists::look() {
   std::erase_if(watchers_, [this](const auto& each) { return each.second.until < loop_.now(); });
   if (watchers_.empty()) {
     timer_->enabled(false);
-    listed_.clear();
+    listed_.reset();
     return;
   }
   if (looking_ || plugin_.state() != PluginState::kReady) return;
@@ -42,10 +45,15 @@ void Playlists::look() {
         std::set<std::string> names;
         for (const auto& [page, watcher] : watchers_) names.insert(watcher.name);
         for (const std::string& name : names) {
-          if (name.empty()) {
-            lookAtNames(lists);
-          } else {
-            lookAt(lists, name);
+          try {
+            if (name.empty()) {
+              lookAtNames(lists);
+            } else {
+              lookAt(lists, name);
+            }
+          } catch (const base::Failure& failure) {
+            // One list that can't be read hides no change of the others.
+            if (failure.number() == base::number::kHostGone) throw;
           }
         }
       },
@@ -56,8 +64,8 @@ void Playlists::lookAtNames(PlayerLists& lists) {
   std::vector<std::string> names;
   const base::Value all = lists.script().invoke("GetCategoryList", "PlayList");
   for (const base::Value& each : all.array()) names.push_back(base::ToText(each));
-  const bool first = listed_.empty();
   if (names == listed_) return;
+  const bool first = !listed_;
   listed_ = std::move(names);
   if (!first) tellCollection();
 }

@@ -75,7 +75,8 @@ void Playlists::ask(Work work, Done done) {
         } catch (...) {
           const base::Failure failure = base::CurrentFailure();
           outcome->failure = failure.number();
-          outcome->error = failure.description();
+          const bool gone = failure.number() == base::number::kHostGone;
+          outcome->error = gone ? "The plug-in has gone" : failure.description();
         }
       },
       [outcome, done = std::move(done)](const std::string& failure) {
@@ -85,24 +86,6 @@ void Playlists::ask(Work work, Done done) {
         }
         done(*outcome);
       });
-}
-
-// Steps that were under way when the server last ended: what is there tells how far they came.
-void Playlists::settle(PlayerLists& lists) {
-  if (settled_) return;
-  for (const PlaylistHistory::Entry& entry : history_.unsettled()) {
-    const bool taken = IsTaken(lists, entry.step, entry.list);
-    if (entry.state == PlaylistHistory::State::kBeginning) {
-      if (taken) {
-        history_.finish(entry.id, entry.step);
-      } else {
-        history_.drop(entry.id);
-      }
-    } else if (!taken || entry.step.kind != StepKind::kDelete) {
-      history_.turned(entry, !taken);
-    }
-  }
-  settled_ = true;
 }
 
 void Playlists::tellSteps(Outcome& outcome, const std::string& list) {
@@ -120,14 +103,23 @@ void Playlists::tellSteps(Outcome& outcome, const std::string& list) {
 Playlists::Kept* Playlists::kept(const std::string& name) {
   const auto found = std::find_if(kept_.begin(), kept_.end(),
                                   [&](const Kept& each) { return base::SameText(each.name, name); });
-  return found == kept_.end() ? nullptr : &*found;
+  if (found == kept_.end()) return nullptr;
+  kept_.splice(kept_.begin(), kept_, found);
+  return &kept_.front();
+}
+
+bool Playlists::watched(const std::string& name) const {
+  return std::any_of(watchers_.begin(), watchers_.end(),
+                     [&](const auto& each) { return base::SameText(each.second.name, name); });
 }
 
 Playlists::Kept& Playlists::keep(const std::string& name, std::vector<std::string> names) {
   Kept* known = kept(name);
   if (known == nullptr) {
+    std::size_t idle = 0;
+    for (auto each = kept_.begin(); each != kept_.end();)
+      each = !watched(each->name) && ++idle >= kListsKept ? kept_.erase(each) : std::next(each);
     kept_.push_front({name, nullptr, 0, {}});
-    if (kept_.size() > kListsKept) kept_.pop_back();
     known = &kept_.front();
   }
   known->seen = loop_.now();
@@ -243,6 +235,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
           // Whether a call that was never answered was carried out is seen when the player is back.
           if (failure->number() == base::number::kHostGone) {
             settled_ = false;
+            forget(known);
             throw;
           }
           if (!some) {
@@ -303,6 +296,7 @@ void Playlists::turnEntry(PlayerLists& lists, Outcome& outcome, const PlaylistHi
     outcome.stuck = failure.number() != base::number::kHostGone;
     if (!outcome.stuck) {
       settled_ = false;
+      forget(entry.list);
     } else if (!resumed) {
       history_.turned(entry, !undo);
     }

@@ -61,7 +61,7 @@ class Playlists {
  private:
   static constexpr base::Milliseconds kLookInterval = std::chrono::milliseconds(1200);
   static constexpr base::Milliseconds kGood = std::chrono::seconds(4);  ///< unless somebody watches it
-  static constexpr std::size_t kListsKept = 12;
+  static constexpr std::size_t kListsKept = 12;  ///< besides those that somebody watches
 
   struct Kept {
     std::string name;
@@ -84,8 +84,11 @@ class Playlists {
 
   void ask(Work work, Done done);
   void settle(PlayerLists& lists);
+  void settle(PlayerLists& lists, PlaylistHistory::Entry entry);
   void tellSteps(Outcome& outcome, const std::string& list);
+  /// The list as it is kept; it is the one used last now. Null for one that isn't.
   Kept* kept(const std::string& name);
+  [[nodiscard]] bool watched(const std::string& name) const;
   Kept& keep(const std::string& name, std::vector<std::string> names);
   void forget(const std::string& name);
   void follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list);
@@ -107,8 +110,8 @@ class Playlists {
   PlaylistHistory history_;
   std::list<Kept> kept_;  ///< the one used last in front
   std::map<std::string, Watcher> watchers_;
-  std::set<std::string> restoring_;  ///< names of lists on their way back, folded
-  std::vector<std::string> listed_;  ///< all lists' names, as they were last seen
+  std::set<std::string> restoring_;                 ///< names of lists on their way back, folded
+  std::optional<std::vector<std::string>> listed_;  ///< all lists' names, once they have been seen
   std::int64_t lastVersion_;
   bool settled_ = false;
   bool looking_ = false;

@@ -29,6 +29,16 @@ class FakePlaylists {
     locked([&] { refuses_ = value; });
   }
 
+  /// Changes from now on that the player makes before its process is gone, as far as its callers can tell.
+  void dieAfter(int changes) {
+    locked([&] { changesLeft_ = changes; });
+  }
+  void comeBack() { dieAfter(-1); }
+  /// The list's length can't be read, or can again.
+  void spoil(const std::string& list, bool value) {
+    locked([&] { found(list)->spoilt = value; });
+  }
+
   void put(const std::string& list, const std::vector<Title>& titles) {
     locked([&] { found(list)->titles = titles; });
   }
@@ -96,6 +106,7 @@ class FakePlaylists {
   struct List {
     std::string name;
     std::vector<Title> titles;
+    bool spoilt = false;
   };
   using ListRef = std::shared_ptr<List>;
 
@@ -155,8 +166,10 @@ class FakePlaylists {
                  [&](const ListRef& each) { return base::SameText(each->name, name); });
     return all;
   }
-  void mayChange() const {
+  void mayChange() {
     if (refuses_) throw base::Failure(base::number::kPermissionDenied, "The disc is read-only");
+    if (changesLeft_ == 0) throw base::Failure(base::number::kHostGone, "Message recipient disconnected");
+    if (changesLeft_ > 0) --changesLeft_;
   }
 
   Value array(const std::vector<ListRef>& lists) {
@@ -209,8 +222,12 @@ class FakePlaylists {
       mayChange();
       list->name = base::ToText(value);
     };
-    std::vector<base::Member> members{
-        std::move(name), field("count", [list] { return static_cast<std::int32_t>(list->titles.size()); })};
+    std::vector<base::Member> members{std::move(name), field("count", [list] {
+                                        if (list->spoilt)
+                                          throw base::Failure(base::number::kDeviceIo,
+                                                              "The list can't be read");
+                                        return static_cast<std::int32_t>(list->titles.size());
+                                      })};
     members.push_back(operation("item", {number("index")}, [this, list, place](base::Args& args) {
       return showItem(*place(args[0], list->titles.size()), base::ToInt32(args[0]));
     }));
@@ -269,6 +286,7 @@ class FakePlaylists {
   std::mutex mutex_;
   std::vector<ListRef> lists_;
   bool refuses_ = false;
+  int changesLeft_ = -1;  ///< no end of them
   int asked_ = 0;
 };
 

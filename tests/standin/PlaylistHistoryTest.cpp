@@ -157,6 +157,27 @@ TEST_F(History, AStepUnderWayIsKnownAfterAKill) {
   EXPECT_EQ(undo("Mine"), "adding “One”");
 }
 
+TEST_F(History, AStepUnderWayThatCannotBeReadHidesNoOther) {
+  history.begin("Mine", adding("One"));
+  database.run("UPDATE playlist_step SET data = '{}'");
+  history.begin("Mine", adding("Two"));
+  const auto entries = history.unsettled();
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(WordsOf(entries[0].step), "adding “Two”");
+  EXPECT_EQ(count("playlist_step"), 1);
+}
+
+TEST_F(History, AStepThatHasComeHalfWayIsKeptAsFarAsItCame) {
+  PlaylistStep step = adding("One");
+  step.items.push_back({"Two", "/music/Two"});
+  take("Mine", step);
+  auto entry = *history.toUndo("Mine");
+  history.turning(entry.id, true);
+  entry.step.items.resize(1);
+  history.turned(entry, false);
+  EXPECT_EQ(undo("Mine"), "adding “One”");
+}
+
 TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
   const support::TempFolder folder;
   {

@@ -2,79 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "FakePlugin.hpp"
-#include "ServerProcess.hpp"
-#include "WebClient.hpp"
-#include "support/BusDaemon.hpp"
-#include "support/Process.hpp"
-#include "support/TempFolder.hpp"
+#include "PlaylistHouse.hpp"
 
 namespace {
 
 using nlohmann::json;
 using support::Eventually;
 using support::FakePlaylists;
-using support::FakePlugin;
-using support::ServerProcess;
-using support::WebClient;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 
-std::string encoded(const std::string& text) { return httplib::detail::encode_query_param(text); }
-
-class PlaylistPages : public testing::Test {
- protected:
-  PlaylistPages() {
-    for (const char* name : {"A", "B", "C", "D", "E"})
-      lists->library.push_back({name, std::string("Blue/") + name});
-    lists->put("Mine", {at("A"), at("B"), at("C"), at("D")});
-    start();
-  }
-  FakePlaylists::Title at(const std::string& name) { return {name, "Blue/" + name}; }
-  void start() {
-    server.emplace(bus.address(), folder.path() / "data");
-    web.emplace(server->port());
-    ASSERT_TRUE(Eventually([&] {
-      const json state = web->json("/api/state");
-      return state.is_object() && state.value("/plugin/state"_json_pointer, "") == "ready";
-    }));
-  }
-  void pullThePlug() {
-    server->end(SIGKILL);
-    start();
-  }
-  FakePlugin::Manner manner() {
-    FakePlugin::Manner manner;
-    manner.library.playlists = lists;
-    return manner;
-  }
-  json show(const std::string& name = "Mine", bool fresh = false) {
-    return web->json("/api/playlist?limit=100&group=" + encoded(name) + (fresh ? "&fresh=1" : ""));
-  }
-  int act(const std::string& action, json body) {
-    if (!body.contains("name")) body["name"] = "Mine";
-    const int status = web->post("/api/playlist/" + action, body);
-    last = json::parse(web->last);
-    return status;
-  }
-  int move(int from, int to, const std::string& title, const json& before, const json& after) {
-    return act("move", {{"from", from}, {"to", to}, {"title", title}, {"before", before}, {"after", after}});
-  }
-  int remove(int place, const std::string& title) { return act("remove", {{"at", place}, {"title", title}}); }
-  int turn(const std::string& action, const std::string& name = "Mine") {
-    return act(action, {{"name", name}});
-  }
-  FakePlaylists::Names mine() { return lists->names("Mine"); }
-
-  support::BusDaemon bus;
-  support::TempFolder folder;
-  std::shared_ptr<FakePlaylists> lists = std::make_shared<FakePlaylists>();
-  FakePlugin plugin{bus.address(), manner()};
-  std::optional<ServerProcess> server;
-  std::optional<WebClient> web;
-  json last;
-};
+class PlaylistPages : public support::PlaylistHouse {};
 
 }  // namespace
 
@@ -277,27 +216,6 @@ TEST_F(PlaylistPages, PostsThatAreNoneAreRefused) {
   EXPECT_EQ(act("add", {{"category", "Album"}, {"group", "Blue"}, {"titles", json::array()}}), 400);
   EXPECT_EQ(act("create", {{"name", std::string(1300, 'x')}}), 400);
   EXPECT_THAT(mine(), SizeIs(4));
-}
-
-TEST_F(PlaylistPages, AreOnlyAskedForWhileSomebodyLooks) {
-  show();
-  const auto version = show().at("version");
-  const auto look = [&] {
-    EXPECT_EQ(web->post("/api/playlist/watch", {{"page", "p"}, {"name", "Mine"}, {"from", 0}, {"rows", 20}}),
-              200);
-  };
-  look();
-  lists->put("Mine", {at("A"), at("C"), at("B"), at("D")});
-  EXPECT_TRUE(Eventually([&] { return show().at("version") > version; }, std::chrono::seconds(5)));
-  EXPECT_EQ(show().at("names"), json({"A", "C", "B", "D"}));
-  // Another reader asks for nothing: the lease of the page ends by itself, and with it the looks.
-  EXPECT_TRUE(Eventually(
-      [&] {
-        const int before = lists->asked();
-        std::this_thread::sleep_for(std::chrono::seconds(3));
-        return lists->asked() == before;
-      },
-      std::chrono::seconds(30)));
 }
 
 TEST_F(PlaylistPages, AListOfTheSameKeyIsNotTakenForAnother) {

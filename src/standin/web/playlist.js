@@ -49,8 +49,9 @@ export function playlistChanged(event) {
   else if (event.version > open.version) open.changedElsewhere();
 }
 
-function progress({name, restored, of, over, failed}) {
+function progress({name, restored, of, over, failed, said, missing}) {
   if (failed) toast(failed, 'bad');
+  else if (said) toast(sentence(said), missing ? 'bad' : '');
   const text = over ? '' : `“${name}” is coming back: ${restored.toLocaleString()} of ${of.toLocaleString()}`;
   for (const node of document.querySelectorAll('.restoring')) node.textContent = text;
 }
@@ -229,8 +230,8 @@ export function playlistPage(body, name, edit, view) {
     const place = [...list.rowAt(index)?.querySelectorAll('button') ?? []].indexOf(document.activeElement);
     list.remove(index);
     if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(place, 0));
-    send('remove', async () => ({at, title: item}), `${item} removed`);
-    toastUndo(`Removed ${item}`);
+    send('remove', async () => ({at, title: item}));
+    toastUndo(`Removed ${item}`);  // which is read out as well
   }
 
   function toastUndo(text) {
@@ -271,6 +272,7 @@ export function playlistPage(body, name, edit, view) {
   function rename(now) {
     renamedTarget(me.name, now);
     me.name = now;
+    if (open !== me) return;  // a late answer: the address belongs to another page
     title.textContent = now;
     history.replaceState(null, '', address('PlayList', now));
     view.hash = location.hash;
