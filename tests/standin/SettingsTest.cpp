@@ -10,7 +10,10 @@
 #include "base/Failure.hpp"
 #include "standin/FileTools.hpp"
 #include "standin/SettingsStore.hpp"
+#include "support/FailureNumber.hpp"
+#include "support/InChild.hpp"
 #include "support/KilledWhile.hpp"
+#include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
 
 namespace standin {
@@ -278,6 +281,53 @@ TEST(Settings, AFullDiskIsAFailureThatLeavesTheOldFileWhole) {
   SettingsStore store(folder.path());
   EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
   EXPECT_EQ(store.get(kFile, "Settings", "Key0"), std::string(100, 'x'));
+}
+
+TEST(Settings, ADiskWithoutRoomTakesNothingAndLosesNothing) {
+  const support::TempFolder root;
+  EXPECT_TRUE(support::InChild([&] {
+    const std::filesystem::path disk = root.path() / "settings";
+    std::filesystem::create_directory(disk);
+    const bool mounted = support::MountSmallDisk(disk, 256 * 1024);
+    SettingsStore store(disk);
+    store.save(kFile, "Settings", "Volume", "42");
+    store.flush();
+    const std::optional<std::string> before = ReadFile(disk / kFile);
+    store.save(kFile, "Settings", "Bass", "1");  // the journal has its first block
+    if (mounted) {
+      support::FillUp(disk / "filler");
+    } else {  // a limit on a file's size stands for the disk
+      signal(SIGXFSZ, SIG_IGN);
+      const rlimit most{8192, 8192};
+      setrlimit(RLIMIT_FSIZE, &most);
+    }
+    // What is left of the journal's last block takes a few.
+    const std::string value(100, 'x');
+    int taken = 0;
+    const auto save = [&] { store.save(kFile, "Settings", "Key" + std::to_string(taken), value); };
+    int refusal = 0;
+    while (taken < 200 && refusal == 0) {
+      refusal = support::FailureNumberOf(save);
+      if (refusal == 0) ++taken;
+    }
+    EXPECT_EQ(refusal, base::number::kDiskFull);
+    EXPECT_GT(taken, 0);
+    EXPECT_EQ(store.get(kFile, "Settings", "Key" + std::to_string(taken)), std::nullopt);
+    EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
+    if (mounted) {
+      EXPECT_EQ(support::FailureNumberOf([&] { store.flush(); }), base::number::kDiskFull);
+      EXPECT_EQ(ReadFile(disk / kFile), before);
+    }
+    std::filesystem::remove(disk / "filler");
+    SettingsStore next(disk);  // as after a start: room has been made
+    EXPECT_EQ(next.get(kFile, "Settings", "Volume"), "42");
+    EXPECT_EQ(next.get(kFile, "Settings", "Bass"), "1");
+    for (int i = 0; i < taken; ++i)
+      EXPECT_EQ(next.get(kFile, "Settings", "Key" + std::to_string(i)), value) << i;
+    next.save(kFile, "Settings", "Volume", "43");
+    next.flush();
+    EXPECT_NE(ReadFile(disk / kFile)->find("Volume=43\n"), std::string::npos);
+  }));
 }
 
 TEST(Settings, AFileThatCantBeReplacedStaysWholeAndTheJournalKeepsTheChanges) {
