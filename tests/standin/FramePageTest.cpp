@@ -399,6 +399,7 @@ TEST_F(HostileNames, RunNothingAndLoadNothingFromElsewhere) {
                           ".join()"),
               "main,toasts,footer")
         << name;
+    EXPECT_EQ(browser.run("return document.querySelectorAll('footer').length"), 1) << name;
     EXPECT_EQ(browser.run("const nav = document.querySelector('#nav a').getBoundingClientRect();"
                           "return document.elementFromPoint(nav.x + 5, nav.y + 5).closest('nav') !== null"),
               true)
