@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <memory>
 #include <thread>
 
 #include "base/Failure.hpp"
@@ -63,10 +64,8 @@ std::string LoopWaits::fetch(const std::string& host, const std::string& page, i
     }
     loop_.post([] {});  // wakes the loop
   });
-  struct Stop {
-    std::atomic<bool>& stop;
-    ~Stop() { stop = true; }
-  } const stopAtEnd{stop};
+  const std::unique_ptr<std::atomic<bool>, void (*)(std::atomic<bool>*)> stopAtEnd(
+      &stop, [](std::atomic<bool>* flag) { *flag = true; });
   loop_.whileOpen([&] {
     while (!loop_.quitting() && result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       loop_.turn(base::Milliseconds(200));

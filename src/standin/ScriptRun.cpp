@@ -28,7 +28,7 @@ base::Value ScriptRun::ask(std::int32_t object, Work work) {
     waiting_ = true;
   }
   const LoopGate::Outcome outcome =
-      gate_.run([known = objects_, object, reply, work = std::move(work)](std::function<void()> done) {
+      gate_.run([known = objects_, object, reply, work = std::move(work)](const std::function<void()>& done) {
         const auto objects = known.lock();
         if (!objects) return done();
         ScriptObjects& its = *objects;
