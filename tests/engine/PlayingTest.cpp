@@ -1,15 +1,17 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <thread>
 
 #include "base/Failure.hpp"
@@ -320,25 +322,30 @@ TEST_F(Playing, PauseHoldsThePositionAndPlayGoesOn) {
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 2, 3, 4, 5, 3, 1));
 }
 
-/// The end of a pipe that sound is written to as fast as it is read: not before `flow`, so that a short track
-/// lasts as long as it does for a listener.
+/// Hears what is written to a pipe: slower than it sounds until `flow`, so that a short track lasts as long
+/// as it does for a listener, then as fast as it comes.
 class HeardThroughAPipe {
  public:
   HeardThroughAPipe(const std::filesystem::path& pipe, const std::filesystem::path& file) {
     EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    reader_ = std::thread([this, pipe, file] {
-      const int end = open(pipe.c_str(), O_RDONLY | O_CLOEXEC);
-      fcntl(end, F_SETPIPE_SZ, 4096);
-      flows_.wait(false);
+    // Small before anybody writes: a pipe as it comes holds more than the first track.
+    const int end = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_EQ(fcntl(end, F_SETPIPE_SZ, 4096), 4096);
+    EXPECT_EQ(fcntl(end, F_SETFL, 0), 0);
+    reader_ = std::thread([end, file, flows = flows_.get_future()] {
       std::ofstream heard(file, std::ios::binary);
-      std::array<char, 4096> bytes{};
-      for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;)
+      std::array<char, 1024> bytes{};
+      pollfd written{end, POLLIN, 0};
+      poll(&written, 1, 30'000);  // until there is a writer
+      for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;) {
         heard.write(bytes.data(), count);
+        flows.wait_for(std::chrono::milliseconds(40));
+      }
       close(end);
     });
   }
   ~HeardThroughAPipe() {
-    flow();
+    if (!flowing_) flow();
     if (reader_.joinable()) reader_.join();
   }
   HeardThroughAPipe(const HeardThroughAPipe&) = delete;
@@ -347,14 +354,15 @@ class HeardThroughAPipe {
   HeardThroughAPipe& operator=(HeardThroughAPipe&&) = delete;
 
   void flow() {
-    flows_ = true;
-    flows_.notify_all();
+    flowing_ = true;
+    flows_.set_value();
   }
   /// Returns when all has been heard.
   void end() { reader_.join(); }
 
  private:
-  std::atomic<bool> flows_ = false;
+  bool flowing_ = false;
+  std::promise<void> flows_;
   std::thread reader_;
 };
 
