@@ -326,10 +326,13 @@ TEST_F(FramePage, IsMadeForAReaderWhoComesFromElsewhereAndNotForAPictureThere) {
 }
 
 TEST_F(FramePage, APageThatThePlayerOpensIsLookedForHereOnly) {
-  plugin.withHost([](base::Object&, base::Object& host) {
-    host.invoke("Launch", "http://127.0.0.1:8080//evil.example/page?x");
-  });
-  ASSERT_TRUE(browser.eventually("return document.querySelector('.toast a') !== null"));
+  // A page that doesn't listen yet misses it, and nothing on it tells when it does.
+  ASSERT_TRUE(support::Eventually([&] {
+    plugin.withHost([](base::Object&, base::Object& host) {
+      host.invoke("Launch", "http://127.0.0.1:8080//evil.example/page?x");
+    });
+    return browser.run("return document.querySelector('.toast a') !== null") == true;
+  }));
   EXPECT_EQ(browser.run("return document.querySelector('.toast a').href"), url("//evil.example/page?x"));
 }
 
