@@ -251,6 +251,7 @@ export function playlistPage(body, name, edit, view) {
         if (!answer.total && answer.total !== 0) return;  // the list is no longer there
         showTurns(buttons, answer);
         if (answer.name !== me.name) rename(answer.name);
+        fresh = true;  // as the player has it, whatever was kept of it before
         await refresh();
       } catch (error) {
         if (error.answer?.stuck) stuckNotice(stuck, error, action, turn);
