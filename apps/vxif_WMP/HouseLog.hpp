@@ -3,7 +3,7 @@
 #include <string>
 
 #include "base/Attempt.hpp"
-#include "plugin/HostServices.hpp"
+#include "plugin/host/HostServices.hpp"
 
 /// Where the plug-in says what there is no window for: in the house's log, and on the standard error stream
 /// as long as there is no house.

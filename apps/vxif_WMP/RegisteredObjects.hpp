@@ -5,7 +5,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/Neighbours.hpp"
 #include "script/ScriptClass.hpp"
 
 /// The public objects that can be created by name. Each is made once and kept to the end of the process.

@@ -8,7 +8,7 @@
 #include "desktop/MsgFormWindow.hpp"
 #include "desktop/ProgBarWindow.hpp"
 #include "desktop/QtWindows.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/Neighbours.hpp"
 #include "ui/WindowlessMsgForm.hpp"
 #include "ui/myMsgForm.hpp"
 

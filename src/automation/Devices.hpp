@@ -3,10 +3,10 @@
 #include <string>
 
 #include "base/Platform.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
-#include "plugin/PluginState.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
+#include "plugin/host/PluginState.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace automation {
 

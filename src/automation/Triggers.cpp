@@ -3,7 +3,7 @@
 #include <string>
 
 #include "base/Attempt.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace automation {
 

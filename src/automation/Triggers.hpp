@@ -1,7 +1,7 @@
 #pragma once
 #include "player/TriggerSink.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
 
 namespace automation {
 

@@ -12,8 +12,8 @@
 #include "player/PlayTarget.hpp"
 #include "player/StaleMarks.hpp"
 #include "player/WMPPlayer.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
 
 namespace catalogue {
 

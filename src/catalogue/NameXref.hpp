@@ -3,8 +3,8 @@
 #include <unordered_map>
 
 #include "catalogue/Progress.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
 
 namespace catalogue {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "plugin/HostServices.hpp"
+#include "plugin/host/HostServices.hpp"
 
 namespace pages {
 

@@ -4,8 +4,8 @@
 #include "base/Members.hpp"
 #include "pages/WebSetupOptions.hpp"
 #include "player/WMPCalls.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Neighbours.hpp"
 #include "web/PageForm.hpp"
 
 namespace pages {

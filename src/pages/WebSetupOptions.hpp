@@ -2,8 +2,8 @@
 #include <array>
 #include <string>
 
-#include "plugin/PluginState.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/PluginState.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace pages {
 

@@ -4,8 +4,8 @@
 #include "base/Platform.hpp"
 #include "player/PopupView.hpp"
 #include "player/WMPCalls.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace player {
 

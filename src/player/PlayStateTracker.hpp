@@ -6,7 +6,7 @@
 #include "base/Loop.hpp"
 #include "player/MediaStatus.hpp"
 #include "player/TriggerSink.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/Loggers.hpp"
 
 namespace player {
 

@@ -6,8 +6,8 @@
 #include "player/StateQueue.hpp"
 #include "player/WMP9.hpp"
 #include "player/WMPCalls.hpp"
-#include "plugin/Loggers.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/Loggers.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace player {
 

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "base/Loop.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
 
 namespace player {
 

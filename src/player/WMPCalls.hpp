@@ -6,9 +6,9 @@
 #include "player/PopupView.hpp"
 #include "player/StateQueue.hpp"
 #include "player/WMPPlayer.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/PluginState.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/PluginState.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace player {
 

@@ -5,8 +5,8 @@
 #include "player/LibraryLookup.hpp"
 #include "player/PlayTarget.hpp"
 #include "player/WMPPlayer.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace player {
 

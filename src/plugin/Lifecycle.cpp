@@ -2,7 +2,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
-#include "plugin/Dispatch.hpp"
+#include "plugin/commands/Dispatch.hpp"
 
 // The foreground half of start-up, the timer between the halves, and the stop. The background half is in
 // InitHW.cpp.

@@ -9,11 +9,11 @@
 #include "player/PlayStateTracker.hpp"
 #include "player/PlayerEvents.hpp"
 #include "player/StaleMarks.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Loggers.hpp"
-#include "plugin/Neighbours.hpp"
-#include "plugin/PluginState.hpp"
-#include "plugin/Settings.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Loggers.hpp"
+#include "plugin/host/Neighbours.hpp"
+#include "plugin/host/PluginState.hpp"
+#include "plugin/host/Settings.hpp"
 
 namespace plugin {
 

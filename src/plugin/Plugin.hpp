@@ -7,11 +7,11 @@
 #include "catalogue/MediaCatalogue.hpp"
 #include "player/PlayStateTracker.hpp"
 #include "player/PlayerEvents.hpp"
-#include "plugin/Dispatch.hpp"
-#include "plugin/Library.hpp"
 #include "plugin/Lifecycle.hpp"
-#include "plugin/Pages.hpp"
 #include "plugin/Vxif.hpp"
+#include "plugin/adapters/LibraryAdapter.hpp"
+#include "plugin/adapters/PagesAdapter.hpp"
+#include "plugin/commands/Dispatch.hpp"
 #include "ui/ProgBar.hpp"
 
 namespace plugin {
@@ -51,7 +51,7 @@ class Plugin {
   player::PlayTarget playTarget;
   catalogue::MediaCatalogue catalogue;
   player::PlayRequests playRequests;
-  Library ownLibrary;
+  LibraryAdapter ownLibrary;
   LibraryCalls& library;
   player::MediaStatus mediaStatus;
   player::PlayerEvents playerEvents;
@@ -61,7 +61,7 @@ class Plugin {
   automation::Devices devices;
   std::shared_ptr<pages::WebSetupForm> setupForm;  // shared with the host, which asks it for its page
   pages::WebEditorForm editorForm;
-  Pages ownPages;
+  PagesAdapter ownPages;
   WebForms& web;
   Lifecycle lifecycle;
   Dispatch dispatch;

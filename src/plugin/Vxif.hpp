@@ -1,7 +1,7 @@
 #pragma once
 #include "base/Members.hpp"
-#include "plugin/Dispatch.hpp"
 #include "plugin/Lifecycle.hpp"
+#include "plugin/commands/Dispatch.hpp"
 
 namespace plugin {
 

@@ -5,9 +5,9 @@
 #include "catalogue/MediaCatalogue.hpp"
 #include "player/PlayStateTracker.hpp"
 #include "player/WMPCalls.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Neighbours.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Neighbours.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace script {
 

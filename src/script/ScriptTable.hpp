@@ -6,7 +6,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Members.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace script {
 

@@ -6,8 +6,8 @@
 #include "base/Loop.hpp"
 #include "base/Platform.hpp"
 #include "catalogue/Progress.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/PluginState.hpp"
 #include "ui/ProgBarView.hpp"
 
 namespace ui {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/Loop.hpp"
-#include "plugin/HostServices.hpp"
+#include "plugin/host/HostServices.hpp"
 #include "ui/MsgFormView.hpp"
 
 namespace ui {

@@ -7,7 +7,7 @@
 #include "base/Attempt.hpp"
 #include "base/Collection.hpp"
 #include "base/Failure.hpp"
-#include "plugin/Loggers.hpp"
+#include "plugin/host/Loggers.hpp"
 #include "web/FormData.hpp"
 
 namespace web {

@@ -1,6 +1,6 @@
 #include "base/Attempt.hpp"
-#include "plugin/Dispatch.hpp"
 #include "plugin/Lifecycle.hpp"
+#include "plugin/commands/Dispatch.hpp"
 
 // The background half of start-up: settings, devices, modes, window, menu, voice events.
 namespace plugin {

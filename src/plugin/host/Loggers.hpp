@@ -3,8 +3,8 @@
 #include <string>
 
 #include "base/Platform.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace plugin {
 

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "player/WMPCalls.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Neighbours.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Neighbours.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace plugin {
 

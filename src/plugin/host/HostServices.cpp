@@ -1,4 +1,4 @@
-#include "plugin/HostServices.hpp"
+#include "plugin/host/HostServices.hpp"
 
 using base::Deref;
 using base::ObjectRef;

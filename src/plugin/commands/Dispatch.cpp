@@ -1,10 +1,10 @@
-#include "plugin/Dispatch.hpp"
+#include "plugin/commands/Dispatch.hpp"
 
 #include <map>
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
-#include "plugin/VoiceTable.hpp"
+#include "plugin/commands/VoiceTable.hpp"
 
 namespace plugin {
 

@@ -1,7 +1,7 @@
-#include "plugin/Settings.hpp"
+#include "plugin/host/Settings.hpp"
 
 #include "base/Attempt.hpp"
-#include "plugin/PluginState.hpp"
+#include "plugin/host/PluginState.hpp"
 
 namespace plugin {
 

@@ -4,14 +4,15 @@
 #include "catalogue/MediaCatalogue.hpp"
 #include "catalogue/NameXref.hpp"
 #include "player/WMPPlay.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/Neighbours.hpp"
 
 namespace plugin {
 
 /// The library's calls as the modules behind them answer.
-class Library : public LibraryCalls {
+class LibraryAdapter : public LibraryCalls {
  public:
-  Library(player::PlayRequests& requests, catalogue::MediaCatalogue& catalogue, catalogue::NameXref& xref)
+  LibraryAdapter(player::PlayRequests& requests, catalogue::MediaCatalogue& catalogue,
+                 catalogue::NameXref& xref)
       : requests_(requests), catalogue_(catalogue), xref_(xref) {}
 
   std::int32_t WMPPlay(const std::string& category, const std::string& name,

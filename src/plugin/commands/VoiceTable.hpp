@@ -2,8 +2,8 @@
 #include <string>
 
 #include "player/WMPCalls.hpp"
-#include "plugin/HostServices.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/HostServices.hpp"
+#include "plugin/host/Neighbours.hpp"
 
 namespace plugin {
 

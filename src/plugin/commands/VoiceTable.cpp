@@ -1,4 +1,4 @@
-#include "plugin/VoiceTable.hpp"
+#include "plugin/commands/VoiceTable.hpp"
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"

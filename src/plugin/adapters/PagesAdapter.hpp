@@ -2,14 +2,14 @@
 #include <string>
 
 #include "pages/WebEditorForm.hpp"
-#include "plugin/Neighbours.hpp"
+#include "plugin/host/Neighbours.hpp"
 
 namespace plugin {
 
 /// The plug-in's pages as their two forms answer. Guests are turned away before they come here.
-class Pages : public WebForms {
+class PagesAdapter : public WebForms {
  public:
-  Pages(pages::WebSetupForm& setup, pages::WebEditorForm& editor) : setup_(setup), editor_(editor) {}
+  PagesAdapter(pages::WebSetupForm& setup, pages::WebEditorForm& editor) : setup_(setup), editor_(editor) {}
 
   // Loading the editor does nothing: its link is that of the plug-in's own object.
   void loadSetupForm() override {

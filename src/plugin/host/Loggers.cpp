@@ -1,4 +1,4 @@
-#include "plugin/Loggers.hpp"
+#include "plugin/host/Loggers.hpp"
 
 #include "base/Attempt.hpp"
 
