@@ -1,7 +1,7 @@
 #include <exception>
 #include <iostream>
 
-#include "engine/demo/DemoLibrary.hpp"
+#include "demo/DemoLibrary.hpp"
 
 /// vantorix-demo-library FOLDER: makes a small library of our own music, once.
 int main(int argc, char** argv) {

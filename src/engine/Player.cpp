@@ -6,15 +6,15 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
-#include "engine/CdDrives.hpp"
-#include "engine/ErrorList.hpp"
-#include "engine/Library.hpp"
-#include "engine/Lists.hpp"
-#include "engine/MpvOutput.hpp"
-#include "engine/Network.hpp"
-#include "engine/Playback.hpp"
-#include "engine/Poster.hpp"
-#include "engine/StoredPlaylists.hpp"
+#include "engine/common/Poster.hpp"
+#include "engine/library/Library.hpp"
+#include "engine/library/Lists.hpp"
+#include "engine/machine/CdDrives.hpp"
+#include "engine/machine/Network.hpp"
+#include "engine/playback/ErrorList.hpp"
+#include "engine/playback/MpvOutput.hpp"
+#include "engine/playback/Playback.hpp"
+#include "engine/playlists/StoredPlaylists.hpp"
 
 namespace engine {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/Loop.hpp"
-#include "engine/Config.hpp"
+#include "engine/common/Config.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {

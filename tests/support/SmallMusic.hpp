@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <string>
 
-#include "engine/demo/Sound.hpp"
-#include "engine/demo/Tags.hpp"
+#include "demo/Sound.hpp"
+#include "demo/Tags.hpp"
 #include "support/TempFolder.hpp"
 
 namespace support {

@@ -1,0 +1,198 @@
+#include "engine/files/WriteFile.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <string_view>
+#include <vector>
+
+#include "base/Failure.hpp"
+#include "engine/files/FileDescriptor.hpp"
+#include "engine/files/FileError.hpp"
+#include "engine/files/Stamp.hpp"
+
+namespace engine {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kBegin = ".vantorix-";
+constexpr std::string_view kEnd = ".part";
+constexpr std::size_t kDigits = 16;
+
+std::string TemporaryName() {
+  std::random_device random;
+  std::array<char, kDigits + 1> digits{};
+  std::snprintf(digits.data(), digits.size(), "%08x%08x", random(), random());
+  return std::string(kBegin) + digits.data() + std::string(kEnd);
+}
+
+bool IsTemporaryName(std::string_view name) {
+  return name.size() == kBegin.size() + kDigits + kEnd.size() && name.starts_with(kBegin) &&
+         name.ends_with(kEnd) &&
+         name.substr(kBegin.size(), kDigits).find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::string folder = fs::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+/// A name's coming or going lasts only once its folder is on the disk. Some file systems don't know this, and
+/// by then it can't be taken back.
+void SyncFolder(const std::string& folder) {
+  const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (descriptor.get() >= 0) ::fsync(descriptor.get());
+}
+
+/// rename(2) that replaces nothing.
+bool RenameToFree(const std::string& from, const std::string& to) {
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  struct stat info {};  // a file system that can't do both at once
+  if (::lstat(to.c_str(), &info) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return ::rename(from.c_str(), to.c_str()) == 0;
+}
+
+/// A temporary file in the folder of its final place; removed again unless it has been put there. It is
+/// locked while it lives, which tells it from one that a killed process has left.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& path) : path_(path) {
+    struct stat info {};
+    replaces_ = ::stat(path.c_str(), &old_) == 0;
+    do {
+      name_ = FolderOf(path) + '/' + TemporaryName();
+      file_ = FileDescriptor(::open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC,
+                                    replaces_ ? S_IRUSR | S_IWUSR : 0666));  // the process's mask applies
+      if (file_.get() < 0 && errno != EEXIST) FailOn(path_, errno);
+      if (file_.get() < 0) continue;
+      ::flock(file_.get(), LOCK_EX);
+      ::fstat(file_.get(), &info);
+    } while (info.st_nlink == 0);  // taken for a leftover before it was locked
+  }
+  ~TemporaryFile() {
+    if (!kept_) ::unlink(name_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  TemporaryFile(TemporaryFile&&) = delete;
+  TemporaryFile& operator=(TemporaryFile&&) = delete;
+
+  FileStamp write(std::string_view content, const WriteCall& write) {
+    while (!content.empty()) {
+      const ssize_t written = write(file_.get(), content.data(), content.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) FailOn(path_, errno);
+      content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (replaces_) keepOwnerAndMode();
+    struct stat info {};
+    if (::fsync(file_.get()) != 0 || ::fstat(file_.get(), &info) != 0) FailOn(path_, errno);
+    return StampFrom(info);
+  }
+
+  void replace() {
+    if (::rename(name_.c_str(), path_.c_str()) != 0) FailOn(path_, errno);
+    kept_ = true;
+    SyncFolder(FolderOf(path_));
+  }
+  /// False if the name is taken.
+  bool take() {
+    kept_ = RenameToFree(name_, path_);
+    if (!kept_ && errno != EEXIST) FailOn(path_, errno);
+    if (kept_) SyncFolder(FolderOf(path_));
+    return kept_;
+  }
+
+ private:
+  void keepOwnerAndMode() const {
+    // Only the superuser can give a file away; if it can't be, it is the writer's from now on. Its group
+    // stays if the writer is one of it; if not, what it was allowed is not allowed the writer's own group.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    mode_t mode = old_.st_mode & 0777U;
+    struct stat now {};
+    if (::fchown(file_.get(), old_.st_uid, old_.st_gid) != 0 &&
+        ::fchown(file_.get(), kSameOwner, old_.st_gid) != 0 &&
+        (::fstat(file_.get(), &now) != 0 || now.st_gid != old_.st_gid))
+      mode &= ~static_cast<mode_t>(S_IRWXG);
+    if (::fchmod(file_.get(), mode) != 0) FailOn(path_, errno);
+  }
+
+  std::string path_;
+  std::string name_;
+  FileDescriptor file_;
+  struct stat old_ {};
+  bool replaces_ = false;
+  bool kept_ = false;
+};
+
+}  // namespace
+
+ssize_t WriteBytes(int file, const void* bytes, std::size_t size) { return ::write(file, bytes, size); }
+
+FileStamp WriteFile(const std::string& path, const std::string& content, const WriteCall& write) {
+  std::error_code failed;
+  const bool link = fs::is_symlink(path, failed);
+  const std::string target = link ? fs::canonical(path, failed).string() : path;
+  if (failed && link) FailOn(path, failed.value());
+  TemporaryFile file(target);
+  const FileStamp stamp = file.write(content, write);
+  file.replace();
+  return stamp;
+}
+
+std::optional<FileStamp> WriteNewFile(const std::string& path, const std::string& content,
+                                      const WriteCall& write) {
+  struct stat info {};
+  if (::lstat(path.c_str(), &info) == 0) return std::nullopt;
+  TemporaryFile file(path);
+  const FileStamp stamp = file.write(content, write);
+  return file.take() ? std::optional<FileStamp>(stamp) : std::nullopt;
+}
+
+bool MoveFile(const std::string& from, const std::string& to) {
+  if (!RenameToFree(from, to)) return false;
+  SyncFolder(FolderOf(to));
+  return true;
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code failed;
+  std::vector<std::string> into;
+  for (fs::path made = folder; !made.empty() && !fs::exists(made, failed); made = made.parent_path()) {
+    into.push_back(FolderOf(made.string()));
+    if (made == made.parent_path()) break;
+  }
+  fs::create_directories(folder, failed);
+  if (failed) FailOn(folder, failed.value());
+  for (const std::string& parent : into) SyncFolder(parent);
+}
+
+void RemoveFile(const std::string& path) {
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT) FailOn(path, errno);
+  SyncFolder(FolderOf(path));
+}
+
+void ClearLeftovers(const std::string& folder) {
+  std::error_code ignored;
+  for (fs::directory_iterator entry(folder, ignored), end; entry != end; entry.increment(ignored)) {
+    if (!IsTemporaryName(entry->path().filename().string())) continue;
+    const FileDescriptor file(::open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    struct stat info {};
+    if (file.get() < 0 || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) continue;
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlink(entry->path().c_str());
+  }
+}
+
+}  // namespace engine

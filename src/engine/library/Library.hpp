@@ -1,0 +1,53 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "base/Loop.hpp"
+#include "engine/common/Config.hpp"
+#include "engine/common/Poster.hpp"
+#include "engine/library/Media.hpp"
+#include "engine/scan/LibraryStore.hpp"
+#include "engine/scan/Scanner.hpp"
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// The library on the loop's thread: what the index knew is there at once, what the scanner finds follows.
+class Library : public player::MediaCollection {
+ public:
+  /// Told on the loop's thread.
+  struct Events {
+    std::function<void()> changed;                    ///< some time after changes, many of them at once
+    std::function<void(const std::string&)> message;  ///< a line for people
+    std::function<void()> scanned;                    ///< a scan of all folders has ended
+  };
+
+  Library(base::Loop& loop, const Config& config, Events events);
+
+  [[nodiscard]] const ShelfRef& shelf() const { return shelf_; }
+  /// The media at a path or address: the library's own if it has it, otherwise loose with what can be learnt
+  /// without opening it.
+  [[nodiscard]] player::MediaRef mediaAt(const std::string& url) const;
+
+  player::MediaRef add(const std::string& url) override;
+  player::PlaylistRef getAll() override;
+  player::PlaylistRef getByName(const std::string& name) override;
+  player::PlaylistRef getByAttribute(const std::string& attribute, const std::string& value) override;
+  player::StringCollectionRef getAttributeStringCollection(const std::string& attribute,
+                                                           const std::string& mediaType) override;
+
+ private:
+  void take(const LibraryChange& change);
+  /// The table's track at a path, if it is in the library.
+  [[nodiscard]] player::MediaRef known(const std::string& path) const;
+  void noteChange();
+
+  ShelfRef shelf_;
+  Events events_;
+  std::unique_ptr<base::Timer> changeTimer_;
+  Poster post_;
+  std::unique_ptr<Scanner> scanner_;  // last: its thread posts
+};
+
+}  // namespace engine

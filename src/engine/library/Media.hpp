@@ -1,0 +1,92 @@
+#pragma once
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "engine/library/Attributes.hpp"
+#include "engine/library/Pictures.hpp"
+#include "engine/library/TrackIndex.hpp"
+#include "engine/library/TrackTable.hpp"
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// What media of the library look things up in. It lives as long as anything made from it.
+struct Shelf {
+  explicit Shelf(const std::string& pictureFolder) : index(table), pictures(pictureFolder) {}
+
+  TrackTable table;
+  TrackIndex index;
+  Pictures pictures;
+};
+using ShelfRef = std::shared_ptr<Shelf>;
+
+/// Media that the engine can play.
+class EngineMedia : public player::Media {
+ public:
+  /// What the decoder opens: a path or an address.
+  [[nodiscard]] virtual std::string location() const = 0;
+  /// The same media as an object of its own.
+  [[nodiscard]] virtual std::shared_ptr<EngineMedia> copy() const = 0;
+  [[nodiscard]] std::string durationString() const override { return ClockText(duration()); }
+  [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
+};
+
+/// A track of the library: a number, looked up when asked.
+class TrackMedia : public EngineMedia {
+ public:
+  TrackMedia(ShelfRef shelf, TrackId id) : shelf_(std::move(shelf)), id_(id) {}
+
+  [[nodiscard]] TrackId id() const { return id_; }
+  [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
+    return std::make_shared<TrackMedia>(shelf_, id_);
+  }
+  [[nodiscard]] std::string location() const override { return shelf_->table.path(id_); }
+  [[nodiscard]] std::string name() const override;
+  [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location()); }
+  [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
+  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const override;
+  [[nodiscard]] double duration() const override { return shelf_->table.row(id_).milliseconds / 1000.0; }
+
+ private:
+  ShelfRef shelf_;
+  TrackId id_;
+};
+
+/// Media outside the library: an address, a file from elsewhere, a track of a disc.
+class LooseMedia : public EngineMedia {
+ public:
+  LooseMedia(std::string location, TrackTags tags) : location_(std::move(location)), tags_(std::move(tags)) {}
+
+  /// Told by the decoder once it knows.
+  void duration(double seconds) {
+    tags_.milliseconds = static_cast<std::uint32_t>(std::lround(seconds * 1000));
+  }
+
+  [[nodiscard]] std::string location() const override { return location_; }
+  [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
+    return std::make_shared<LooseMedia>(location_, tags_);
+  }
+  [[nodiscard]] std::string name() const override { return tags_.title; }
+  [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location_); }
+  [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
+  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const override;
+  [[nodiscard]] double duration() const override { return tags_.milliseconds / 1000.0; }
+
+ private:
+  std::string location_;
+  TrackTags tags_;
+};
+
+/// A path without "." and ".." steps; an address as it is.
+std::string PlainLocation(const std::string& location);
+
+/// What tells media from each other: where it lies, however its path is written.
+std::string SourceOf(const player::Media& media);
+
+/// What the decoder is to open for any media.
+std::string LocationOf(const player::Media& media);
+
+}  // namespace engine

@@ -1,0 +1,57 @@
+#include "engine/playback/MpvHandle.hpp"
+
+#include <mpv/client.h>
+
+#include <clocale>
+
+#include "base/Failure.hpp"
+
+namespace engine {
+
+void MpvHandle::Destroyer::operator()(mpv_handle* handle) const {
+  mpv_set_wakeup_callback(handle, nullptr, nullptr);
+  mpv_terminate_destroy(handle);
+}
+
+MpvHandle::MpvHandle(const MpvOptions& options) {
+  std::setlocale(LC_NUMERIC, "C");  // it refuses to be created otherwise
+  handle_.reset(mpv_create());
+  if (!handle_) throw base::Failure(base::number::kCannotCreate, "The decoder can't be created");
+  for (const auto& [name, value] : options) {
+    const int result = mpv_set_option_string(handle_.get(), name.c_str(), value.c_str());
+    if (result < 0) {
+      std::string text = "The decoder does not take the option ";
+      text.append(name).append("=").append(value).append(": ").append(mpv_error_string(result));
+      throw base::Failure(base::number::kCannotCreate, text);
+    }
+  }
+  const int result = mpv_initialize(handle_.get());
+  if (result < 0) {
+    throw base::Failure(base::number::kCannotCreate,
+                        std::string("The decoder can't be started: ") + mpv_error_string(result));
+  }
+}
+
+void MpvHandle::command(std::uint64_t tag, const std::vector<std::string>& words) {
+  std::vector<const char*> arguments;
+  arguments.reserve(words.size() + 1);
+  for (const std::string& word : words) arguments.push_back(word.c_str());
+  arguments.push_back(nullptr);
+  mpv_command_async(handle_.get(), tag, arguments.data());
+}
+
+void MpvHandle::set(const char* property, const std::string& value) {
+  const char* text = value.c_str();
+  mpv_set_property_async(handle_.get(), 0, property, MPV_FORMAT_STRING, static_cast<void*>(&text));
+}
+
+void MpvHandle::set(const char* property, double value) {
+  mpv_set_property_async(handle_.get(), 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+void MpvHandle::set(const char* property, bool value) {
+  int flag = value ? 1 : 0;
+  mpv_set_property_async(handle_.get(), 0, property, MPV_FORMAT_FLAG, &flag);
+}
+
+}  // namespace engine

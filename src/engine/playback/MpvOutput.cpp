@@ -1,0 +1,287 @@
+#include "engine/playback/MpvOutput.hpp"
+
+#include <mpv/client.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "engine/library/Attributes.hpp"
+
+namespace engine {
+namespace {
+
+constexpr std::uint64_t kHeardSince = 1ULL << 62U;  // the tag of a question; entries are small numbers
+constexpr double kLongestHold = 2.0;
+
+MpvOptions Options(const Config& config) {
+  MpvOptions options{
+      {"config", "no"},
+      {"terminal", "no"},
+      {"load-scripts", "no"},
+      {"vid", "no"},
+      {"sid", "no"},
+      {"audio-display", "no"},
+      {"idle", "yes"},
+      {"gapless-audio", "yes"},
+      {"prefetch-playlist", "yes"},
+      {"ytdl", "no"},
+      {"input-default-bindings", "no"},
+      {"input-vo-keyboard", "no"},
+      {"audio-client-name", "Media Player"},
+      {"autoload-files", "no"},
+      {"audio-fallback-to-null", "yes"},
+      {"keep-open", "no"},
+      {"resume-playback", "no"},
+  };
+  const std::string& output = config.audioOutput;
+  if (output.rfind("pcm:", 0) == 0) {
+    options.emplace_back("ao", "pcm");
+    options.emplace_back("ao-pcm-file", output.substr(4));
+  } else if (output.empty()) {
+    options.emplace_back("ao", "pipewire,pulse,alsa,null");
+  } else {
+    options.emplace_back("ao", output == "null" ? output : output + ",null");
+  }
+  if (config.untimed) options.emplace_back("ao-null-untimed", "yes");
+  return options;
+}
+
+/// A path can't be taken for an option or a protocol.
+std::string Openable(const std::string& location) {
+  return IsAddress(location) || location.rfind('/', 0) == 0 ? location : "./" + location;
+}
+
+}  // namespace
+
+MpvOutput::MpvOutput(base::Loop& loop, const Config& config, std::function<void(const std::string&)> message)
+    : message_(std::move(message)),
+      wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
+      heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
+      post_(loop),
+      mpv_(Options(config)) {
+  mpv_observe_property(mpv_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
+  mpv_observe_property(mpv_.get(), 0, "duration", MPV_FORMAT_DOUBLE);
+  mpv_observe_property(mpv_.get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
+  if (wantsDevice_) mpv_observe_property(mpv_.get(), 0, "current-ao", MPV_FORMAT_STRING);
+  mpv_set_wakeup_callback(
+      mpv_.get(),
+      [](void* context) {
+        auto* self = static_cast<MpvOutput*>(context);
+        if (!self->woken_.exchange(true)) self->post_([self] { self->drain(); });
+      },
+      this);
+}
+
+MpvOutput::~MpvOutput() = default;
+
+void MpvOutput::forget() {
+  files_.clear();
+  locations_.clear();
+  dropped_.clear();
+  held_ = startedMeanwhile_ = 0;
+  heardTimer_->enabled(false);
+  position_ = duration_ = 0;
+}
+
+void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
+  locations_[entry] = location;
+  const auto mark = location.rfind('#');
+  if (location.rfind("cdda://", 0) != 0 || mark == std::string::npos) {
+    mpv_.command(entry, {"loadfile", Openable(location), how});
+    return;
+  }
+  const std::string track = location.substr(mark + 1);  // the decoder takes a disc for one file
+  mpv_.command(entry, {"loadfile", location.substr(0, mark), how, "cdda-span=" + track + "-" + track});
+}
+
+void MpvOutput::load(EntryId entry, const std::string& location) {
+  forget();
+  mpv_.set("speed", 1.0);
+  pause(false);
+  addFile(entry, location, "replace");
+}
+
+void MpvOutput::append(EntryId entry, const std::string& location) {
+  addFile(entry, location, "append-play");
+}
+
+bool MpvOutput::dropNext() {
+  if (held_ != 0) return false;  // the decoder is on the next one while the end of the last still sounds
+  const EntryId now = entryOf(playing_);
+  for (const auto& location : locations_) {
+    if (location.first != now) dropped_.insert(location.first);
+  }
+  std::erase_if(locations_, [&](const auto& location) { return location.first != now; });
+  mpv_.command(0, {"playlist-clear"});
+  return true;
+}
+
+void MpvOutput::stop() {
+  forget();
+  mpv_.command(0, {"stop"});
+}
+
+void MpvOutput::pause(bool value) {
+  mpv_.set("pause", value);
+  if (value == paused_) return;
+  paused_ = value;
+  heardTimer_->enabled(false);
+  if (!paused_ && held_ != 0 && startedMeanwhile_ != 0) askHeard();
+}
+
+void MpvOutput::seek(double seconds) {
+  position_ = seconds;
+  mpv_.command(0, {"seek", std::to_string(seconds), "absolute+exact"});
+}
+
+void MpvOutput::speed(double factor) { mpv_.set("speed", factor); }
+void MpvOutput::volume(std::int32_t percent) { mpv_.set("volume", static_cast<double>(percent)); }
+void MpvOutput::mute(bool value) { mpv_.set("mute", value); }
+
+EntryId MpvOutput::entryOf(FileId file) const {
+  const auto found = files_.find(file);
+  return found != files_.end() ? found->second : 0;
+}
+
+void MpvOutput::drain() {
+  woken_ = false;
+  while (true) {
+    const mpv_event* event = mpv_wait_event(mpv_.get(), 0);
+    if (event->event_id == MPV_EVENT_NONE) return;
+    handle(*event);
+  }
+}
+
+void MpvOutput::handle(const mpv_event& event) {
+  switch (event.event_id) {
+    case MPV_EVENT_COMMAND_REPLY:
+      if (event.reply_userdata != 0) fileGiven(event);
+      break;
+    case MPV_EVENT_START_FILE:
+      fileStarted(static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id);
+      break;
+    case MPV_EVENT_PLAYBACK_RESTART: audible(); break;
+    case MPV_EVENT_END_FILE: fileEnded(*static_cast<const mpv_event_end_file*>(event.data)); break;
+    case MPV_EVENT_IDLE: tellHeld(); break;
+    case MPV_EVENT_PROPERTY_CHANGE: propertyTold(*static_cast<const mpv_event_property*>(event.data)); break;
+    case MPV_EVENT_GET_PROPERTY_REPLY:
+      if (event.reply_userdata == kHeardSince) heardTold(event);
+      break;
+    default: break;
+  }
+}
+
+void MpvOutput::fileStarted(FileId file) {
+  playing_ = file;
+  opening_ = true;
+  duration_ = 0;
+  const EntryId entry = entryOf(file);
+  // It was dropped at the moment at which the decoder went on to it.
+  if (dropped_.contains(entry)) mpv_.command(0, {"playlist-next", "force"});
+  if (entry != 0) dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
+}
+
+void MpvOutput::askHeard() {
+  mpv_get_property_async(mpv_.get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
+}
+
+void MpvOutput::heardTold(const mpv_event& event) {
+  if (held_ == 0 || paused_) return;  // asked again when it is no longer paused
+  const auto* property = static_cast<const mpv_event_property*>(event.data);
+  const bool known = event.error >= 0 && property->format == MPV_FORMAT_DOUBLE;
+  const double heard = known ? *static_cast<const double*>(property->data) : 0.0;
+  // The place of what is heard lies before the new file's start for as long as the old one sounds on.
+  if (heard >= -0.005) {
+    tellHeld();
+    return;
+  }
+  const double left = std::min(-heard, kLongestHold);
+  heardTimer_->interval(base::Milliseconds(static_cast<int>(left * 1000)));
+  heardTimer_->enabled(true);
+}
+
+void MpvOutput::fileGiven(const mpv_event& event) {
+  const EntryId entry = event.reply_userdata;
+  if (!locations_.contains(entry) && !dropped_.contains(entry)) return;
+  if (event.error < 0) {
+    if (dropped_.erase(entry) != 0) return;
+    events_->failed(entry, mpv_error_string(event.error));
+    return;
+  }
+  const auto* command = static_cast<const mpv_event_command*>(event.data);
+  if (command == nullptr || command->result.format != MPV_FORMAT_NODE_MAP) return;
+  const mpv_node_list& fields = *command->result.u.list;
+  for (int i = 0; i < fields.num; ++i) {
+    if (std::string_view(fields.keys[i]) == "playlist_entry_id") files_[fields.values[i].u.int64] = entry;
+  }
+}
+
+void MpvOutput::audible() {
+  if (!opening_) return;  // a seek has ended
+  opening_ = false;
+  const EntryId entry = entryOf(playing_);
+  if (entry == 0 || dropped_.contains(entry)) return;
+  if (held_ == 0 || held_ == entry) {
+    tellStarted(entry);
+    return;
+  }
+  startedMeanwhile_ = entry;
+  askHeard();
+}
+
+void MpvOutput::tellStarted(EntryId entry) {
+  events_->started(entry);
+  if (duration_ > 0) events_->lengthKnown(entry, duration_);
+}
+
+void MpvOutput::tellHeld() {
+  heardTimer_->enabled(false);
+  const EntryId ended = std::exchange(held_, 0);
+  const EntryId started = std::exchange(startedMeanwhile_, 0);
+  if (ended != 0) events_->ended(ended);
+  if (started != 0 && locations_.contains(started)) tellStarted(started);
+}
+
+void MpvOutput::fileEnded(const mpv_event_end_file& end) {
+  const EntryId entry = entryOf(end.playlist_entry_id);
+  files_.erase(end.playlist_entry_id);
+  const bool silent = std::exchange(opening_, false);
+  if (entry == 0 || dropped_.contains(entry)) return;
+  if (end.reason == MPV_END_FILE_REASON_REDIRECT) {
+    for (int i = 0; i < end.playlist_insert_num_entries; ++i) files_[end.playlist_insert_id + i] = entry;
+    return;
+  }
+  if (end.reason != MPV_END_FILE_REASON_EOF && end.reason != MPV_END_FILE_REASON_ERROR) return;
+  const bool more =
+      std::any_of(files_.begin(), files_.end(), [&](const auto& file) { return file.second == entry; });
+  if (more) return;  // an address that led to several
+  if (held_ != 0) tellHeld();
+  if (!locations_.contains(entry)) return;
+  if (end.reason == MPV_END_FILE_REASON_ERROR || silent) {
+    locations_.erase(entry);
+    events_->failed(entry,
+                    silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error));
+    return;
+  }
+  held_ = entry;
+}
+
+void MpvOutput::propertyTold(const mpv_event_property& property) {
+  const std::string_view name = property.name;
+  if (name == "paused-for-cache" && property.format == MPV_FORMAT_FLAG) {
+    events_->stalled(*static_cast<const int*>(property.data) != 0);
+  }
+  if (name == "current-ao" && property.format == MPV_FORMAT_STRING) {
+    const bool silence = std::string_view(*static_cast<char* const*>(property.data)) == "null";
+    if (silence && !inSilence_) message_("No sound device can be used: playing in silence");
+    inSilence_ = silence;
+  }
+  if (property.format != MPV_FORMAT_DOUBLE) return;
+  const double value = *static_cast<const double*>(property.data);
+  if (name == "time-pos") position_ = std::max(0.0, value);
+  if (name != "duration") return;
+  duration_ = value;
+  if (!opening_ && held_ == 0) events_->lengthKnown(entryOf(playing_), value);
+}
+
+}  // namespace engine

@@ -1,0 +1,86 @@
+#pragma once
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "base/Loop.hpp"
+#include "engine/common/Config.hpp"
+#include "engine/common/Poster.hpp"
+#include "engine/playback/MpvHandle.hpp"
+#include "engine/playback/Output.hpp"
+
+struct mpv_event;
+struct mpv_event_end_file;
+struct mpv_event_property;
+
+namespace engine {
+
+/// The output through libmpv. Its threads only wake the loop; all of its events are handled there.
+class MpvOutput : public Output {
+ public:
+  /// `message` gets lines for people, on the loop's thread. Throws number 429 when there is no decoder.
+  MpvOutput(base::Loop& loop, const Config& config, std::function<void(const std::string&)> message);
+  ~MpvOutput() override;
+  MpvOutput(const MpvOutput&) = delete;
+  MpvOutput& operator=(const MpvOutput&) = delete;
+  MpvOutput(MpvOutput&&) = delete;
+  MpvOutput& operator=(MpvOutput&&) = delete;
+
+  /// Set once, before anything is played.
+  void listener(OutputEvents& events) { events_ = &events; }
+
+  void load(EntryId entry, const std::string& location) override;
+  void append(EntryId entry, const std::string& location) override;
+  bool dropNext() override;
+  void stop() override;
+  void pause(bool value) override;
+  void seek(double seconds) override;
+  [[nodiscard]] double position() const override { return position_; }
+  void speed(double factor) override;
+  void volume(std::int32_t percent) override;
+  void mute(bool value) override;
+
+ private:
+  using FileId = std::int64_t;
+
+  void drain();
+  void handle(const mpv_event& event);
+  void fileGiven(const mpv_event& event);
+  void fileEnded(const mpv_event_end_file& end);
+  void fileStarted(FileId file);
+  void audible();
+  /// Asks how much of the held sound is still to be heard.
+  void askHeard();
+  void heardTold(const mpv_event& event);
+  void propertyTold(const mpv_event_property& property);
+  /// The sound of what had ended has been heard to its end: tells so, and what has started meanwhile.
+  void tellHeld();
+  void tellStarted(EntryId entry);
+  [[nodiscard]] EntryId entryOf(FileId file) const;
+  void forget();
+  void addFile(EntryId entry, const std::string& location, const char* how);
+
+  OutputEvents* events_ = nullptr;
+  std::function<void(const std::string&)> message_;
+  bool wantsDevice_;  ///< silence is not what was asked for
+  bool inSilence_ = false;
+  std::unique_ptr<base::Timer> heardTimer_;
+  std::map<FileId, EntryId> files_;  ///< what the decoder's own list holds of ours
+  std::map<EntryId, std::string> locations_;
+  FileId playing_ = 0;
+  bool opening_ = false;  ///< the file that plays can't be heard yet
+  EntryId held_ = 0;      ///< decoded to its end, still being heard
+  EntryId startedMeanwhile_ = 0;
+  bool paused_ = false;
+  std::set<EntryId> dropped_;  ///< what may still be begun, as the decoder was about to when it was dropped
+  double position_ = 0;
+  double duration_ = 0;
+  std::atomic<bool> woken_{false};
+  Poster post_;
+  MpvHandle mpv_;  // last: its threads call `woken_` and `post_`
+};
+
+}  // namespace engine

@@ -1,0 +1,99 @@
+#pragma once
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Loop.hpp"
+#include "engine/files/WriteFile.hpp"
+#include "engine/library/Library.hpp"
+#include "engine/playlists/StoredPlaylist.hpp"
+#include "player/WMP9.hpp"
+
+namespace engine {
+
+/// The playlists of a folder, one file each. Every change is on the disk when its call returns; what others
+/// change in the folder is noticed within seconds and at the next question.
+class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeeper {
+ public:
+  struct Events {
+    std::function<void()> changed;  ///< playlists have come, gone, or got another name
+    std::function<void()> content;  ///< a playlist's items have changed
+    std::function<void(const std::string&)> message;
+    /// The same as `changed` for what a call here has done. It is told as the call's last step, so that it
+    /// may call back.
+    std::function<void()> changedByCall = changed;
+  };
+
+  StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
+                  WriteCall write = WriteBytes);
+  ~StoredPlaylists() override;
+  StoredPlaylists(const StoredPlaylists&) = delete;
+  StoredPlaylists& operator=(const StoredPlaylists&) = delete;
+  StoredPlaylists(StoredPlaylists&&) = delete;
+  StoredPlaylists& operator=(StoredPlaylists&&) = delete;
+
+  /// Items that the library has got to know since are its own from now on.
+  void libraryChanged();
+
+  player::PlaylistArrayRef getAll() override;
+  player::PlaylistArrayRef getByName(const std::string& name) override;
+  /// Throws 5 for a name that is empty, no text or too long, kNameInUse, 70 where the folder can't be
+  /// written, 61 when the disk is full.
+  player::PlaylistRef newPlaylist(const std::string& name) override;
+  /// Throws 5 for a playlist of elsewhere, 53 for one whose file has gone, 70 where the folder can't be
+  /// written.
+  void remove(const player::PlaylistRef& playlist) override;
+
+ private:
+  using Stored = std::shared_ptr<StoredPlaylist>;
+  /// What a look has found.
+  struct Changes {
+    bool names = false;    ///< playlists have come, gone, or got another name
+    bool content = false;  ///< the items of one that was known
+  };
+
+  M3uText open(StoredPlaylist& playlist) override;
+  void save(StoredPlaylist& playlist, const std::string& text) override;
+  void tellContent() override { events_.content(); }
+  void rename(StoredPlaylist& playlist, const std::string& name) override;
+
+  /// Reads what has changed in the folder, and tells it.
+  void refresh();
+  /// The same without telling.
+  Changes lookAround();
+  void tell(const Changes& changes);
+  /// The playlist files of the folder; none when it can't be told now.
+  std::optional<std::vector<std::string>> files();
+  /// Files that are no longer among `present` are lost: whoever holds such a playlist can't change it until
+  /// the file is back.
+  void lose(const std::vector<std::string>& present);
+  /// Reads a file if it has changed. Notes what was found.
+  void look(const std::string& path, Changes& changes);
+  void read(const std::string& path, const FileStamp& stamp, const M3uText& text, Changes& changes);
+  Stored add(const std::string& path, const FileStamp& stamp, const std::string& name,
+             std::vector<player::MediaRef> items);
+  /// The lost playlist that is found again: the one that had lain in the very file, or else, if that is not
+  /// asked for, the last one at the path.
+  Stored found(const std::string& path, const FileStamp& stamp, bool veryFileOnly);
+  [[nodiscard]] bool holds(const StoredPlaylist& playlist) const;
+  /// A path for a playlist of that name: `own` if that fits, otherwise one where nothing lies.
+  [[nodiscard]] std::string freePath(const std::string& name, const std::string& own) const;
+  /// True if any playlist but `own` has the name.
+  [[nodiscard]] bool taken(const std::string& name, const StoredPlaylist* own) const;
+  void clearLeftovers() const;
+
+  std::string folder_;
+  const Library& library_;
+  Events events_;
+  WriteCall write_;
+  std::map<std::string, Stored> byPath_;
+  std::vector<std::weak_ptr<StoredPlaylist>> lost_;  ///< in their order; several may have had one path
+  std::map<std::string, FileStamp> unreadable_;      ///< that have been told as such
+  bool folderTold_ = false;                          ///< that it can't be read
+  std::unique_ptr<base::Timer> timer_;
+};
+
+}  // namespace engine

@@ -1,0 +1,125 @@
+#include "engine/scan/LibraryStore.hpp"
+
+#include <filesystem>
+
+namespace engine {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kVersion = 1;
+
+constexpr const char* kColumns =
+    "CREATE TABLE IF NOT EXISTS tracks (path TEXT PRIMARY KEY, modified INTEGER, size INTEGER, inode INTEGER,"
+    " kind INTEGER, title TEXT, artist TEXT, albumartist TEXT, album TEXT, genre TEXT, collection TEXT,"
+    " disc_id TEXT, year INTEGER, track INTEGER, disc INTEGER, milliseconds INTEGER, added INTEGER)"
+    " WITHOUT ROWID";
+
+/// Moves a damaged index away. Answers where it lies now.
+std::string MoveAside(const std::string& path) {
+  std::string aside = path + ".damaged";
+  for (int number = 2; fs::exists(aside); ++number) aside = path + ".damaged" + std::to_string(number);
+  fs::rename(path, aside);
+  std::error_code ignored;
+  fs::remove(path + "-wal", ignored);
+  fs::remove(path + "-shm", ignored);
+  return aside;
+}
+
+}  // namespace
+
+LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
+  const std::string path = folder + "/library.db";
+  std::error_code ignored;
+  fs::create_directories(folder, ignored);
+  try {
+    try {
+      open(path);
+    } catch (const DamagedDatabase&) {
+      close();
+      const std::string aside = MoveAside(path);
+      open(path);
+      log("The library's index was damaged; it was moved to " + aside + " and is built anew");
+    }
+  } catch (const std::exception& failure) {
+    close();
+    log("The library's index can't be kept in " + folder + ": " + failure.what());
+    open(":memory:");
+  }
+}
+
+void LibraryStore::close() {
+  records_.clear();
+  put_.reset();
+  remove_.reset();
+  database_.reset();
+}
+
+void LibraryStore::open(const std::string& path) {
+  database_ = std::make_unique<Database>(path);
+  database_->run("PRAGMA journal_mode=WAL");
+  database_->run("PRAGMA synchronous=NORMAL");
+  {
+    Statement version(database_->handle(), "PRAGMA user_version");
+    const bool found = version.step();
+    const std::int64_t known = found ? version.number(0) : 0;
+    while (version.step()) {
+    }
+    if (known != 0 && known != kVersion) database_->run("DROP TABLE IF EXISTS tracks");
+  }
+  database_->run(kColumns);
+  database_->run(("PRAGMA user_version=" + std::to_string(kVersion)).c_str());
+  put_.emplace(database_->handle(),
+               "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+  remove_.emplace(database_->handle(), "DELETE FROM tracks WHERE path = ?");
+  records_ = readAll();
+}
+
+std::vector<FileRecord> LibraryStore::readAll() {
+  std::vector<FileRecord> records;
+  Statement rows(database_->handle(), "SELECT * FROM tracks ORDER BY path");
+  while (rows.step()) {
+    FileRecord& record = records.emplace_back();
+    record.path = rows.text(0);
+    record.stamp.modified = rows.number(1);
+    record.stamp.size = rows.number(2);
+    record.stamp.inode = static_cast<std::uint64_t>(rows.number(3));
+    TrackTags& tags = record.tags;
+    tags.kind = static_cast<MediaKind>(rows.number(4));
+    tags.title = rows.text(5);
+    tags.artist = rows.text(6);
+    tags.albumArtist = rows.text(7);
+    tags.album = rows.text(8);
+    tags.genre = rows.text(9);
+    tags.collectionId = rows.text(10);
+    tags.discId = rows.text(11);
+    tags.year = static_cast<std::uint16_t>(rows.number(12));
+    tags.track = static_cast<std::uint16_t>(rows.number(13));
+    tags.disc = static_cast<std::uint16_t>(rows.number(14));
+    tags.milliseconds = static_cast<std::uint32_t>(rows.number(15));
+    record.added = rows.number(16) != 0;
+  }
+  return records;
+}
+
+void LibraryStore::apply(const std::vector<FileRecord>& changed, const std::vector<std::string>& removed) {
+  Transaction transaction(*database_);
+  for (const FileRecord& record : changed) {
+    const TrackTags& tags = record.tags;
+    put_->bind(1, record.path).bind(2, record.stamp.modified).bind(3, record.stamp.size);
+    put_->bind(4, static_cast<std::int64_t>(record.stamp.inode));
+    put_->bind(5, static_cast<std::int64_t>(tags.kind)).bind(6, tags.title).bind(7, tags.artist);
+    put_->bind(8, tags.albumArtist).bind(9, tags.album).bind(10, tags.genre).bind(11, tags.collectionId);
+    put_->bind(12, tags.discId).bind(13, std::int64_t{tags.year}).bind(14, std::int64_t{tags.track});
+    put_->bind(15, std::int64_t{tags.disc}).bind(16, std::int64_t{tags.milliseconds});
+    put_->bind(17, std::int64_t{record.added ? 1 : 0});
+    put_->step();
+  }
+  for (const std::string& path : removed) {
+    remove_->bind(1, path);
+    remove_->step();
+  }
+  transaction.commit();
+}
+
+}  // namespace engine

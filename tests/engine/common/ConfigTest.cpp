@@ -1,0 +1,61 @@
+#include "engine/common/Config.hpp"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "base/Failure.hpp"
+#include "engine/common/Fixtures.hpp"
+
+namespace engine::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(PlayerConfig, AMissingFileLeavesTheDefaults) {
+  const TempFolder folder;
+  const Config config = LoadConfig(folder / "none.ini");
+  EXPECT_EQ(config.musicFolders.size(), 1U);
+  EXPECT_EQ(config.audioOutput, "");
+  EXPECT_EQ(config.tagWorkers, 2);
+  EXPECT_EQ(config.mediaAccessRights, "full");
+  EXPECT_THAT(config.metadataAddress, IsEmpty());
+  EXPECT_TRUE(config.findCdDrives);
+}
+
+TEST(PlayerConfig, AFileIsReadOverThem) {
+  const TempFolder folder;
+  std::ofstream(folder / "player.ini") << "# music\n[Library]\nfolder = /srv/music/\nfolder=/srv/more\n"
+                                          "access=read\n[audio]\nOutput=null\r\n; addresses\n[network]\n"
+                                          "metadata=http://127.0.0.1:81\ncover = http://127.0.0.1/cover/\n"
+                                          "[cd]\ndrive=/dev/sr1\n";
+  const Config config = LoadConfig(folder / "player.ini");
+  EXPECT_THAT(config.musicFolders, ElementsAre("/srv/music", "/srv/more"));
+  EXPECT_EQ(config.playlistFolder, "/srv/music/Playlists");
+  EXPECT_EQ(config.audioOutput, "null");
+  EXPECT_EQ(config.metadataAddress, "http://127.0.0.1:81");
+  EXPECT_EQ(config.coverAddress, "http://127.0.0.1/cover/");
+  EXPECT_THAT(config.cdDevices, ElementsAre("/dev/sr1"));
+  EXPECT_FALSE(config.findCdDrives);
+  EXPECT_EQ(config.mediaAccessRights, "read");
+}
+
+TEST(PlayerConfig, ALineThatIsNotUnderstoodIsNamed) {
+  const TempFolder folder;
+  for (const char* bad : {"volume=3", "[sound]", "[audio", "nonsense", "folder="}) {
+    std::ofstream(folder / "player.ini") << "[library]\n\n" << bad << '\n';
+    try {
+      LoadConfig(folder / "player.ini");
+      FAIL() << bad;
+    } catch (const base::Failure& failure) {
+      EXPECT_EQ(failure.number(), base::number::kInvalidArgument);
+      EXPECT_THAT(failure.description(), HasSubstr("line 3"));
+      EXPECT_THAT(failure.description(), HasSubstr(bad));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace engine::testing

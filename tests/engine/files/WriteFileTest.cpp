@@ -1,0 +1,189 @@
+#include "engine/files/WriteFile.hpp"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <grp.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <sstream>
+#include <thread>
+
+#include "base/Failure.hpp"
+#include "engine/files/FileDescriptor.hpp"
+#include "engine/files/ReadFile.hpp"
+#include "engine/files/Stamp.hpp"
+#include "engine/files/SyncSpy.hpp"
+#include "engine/library/Pictures.hpp"
+#include "engine/playlists/PlaylistFolder.hpp"
+#include "support/InChild.hpp"
+#include "support/TempFolder.hpp"
+
+namespace engine::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> Hidden(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string name = entry.path().filename().string();
+    if (name.front() == '.') names.push_back(name);
+  }
+  return names;
+}
+
+class Files : public ::testing::Test {
+ protected:
+  [[nodiscard]] std::string path(const std::string& name) const { return root.path() / name; }
+  [[nodiscard]] mode_t modeOf(const std::string& name) const {
+    struct stat info {};
+    return ::stat(path(name).c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
+  }
+  const support::TempFolder root;
+};
+
+TEST_F(Files, ANewFileHasTheModeThatTheProcessGivesAndAnOldOneKeepsIts) {
+  const mode_t before = ::umask(027);
+  WriteFile(path("a"), "1");
+  ::umask(before);
+  EXPECT_EQ(modeOf("a"), 0640U);
+  ::chmod(path("a").c_str(), 0604);
+  WriteFile(path("a"), "2");
+  EXPECT_EQ(modeOf("a"), 0604U);
+  EXPECT_EQ(FileContent(path("a")), "2");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhatAGroupWasAllowedIsAllowedNoOther) {
+  constexpr gid_t kGroup = 54321;
+  constexpr uid_t kNobody = 65534;
+  const bool superuser = ::geteuid() == 0;
+  fs::permissions(root.path(), fs::perms::all);
+  for (const bool member : {false, true}) {
+    WriteText(path("a"), "1");
+    ASSERT_EQ(::chown(path("a").c_str(), static_cast<uid_t>(-1), superuser ? kGroup : ::getegid()), 0);
+    ASSERT_EQ(::chmod(path("a").c_str(), 0664), 0);
+    EXPECT_TRUE(support::InChild([&] {
+      if (superuser) {
+        ASSERT_EQ(::setgroups(member ? 1 : 0, &kGroup), 0);
+        ASSERT_EQ(::setresgid(kNobody, kNobody, kNobody), 0);
+        ASSERT_EQ(::setresuid(kNobody, kNobody, kNobody), 0);
+      }
+      WriteFile(path("a"), "2");
+    }));
+    struct stat info {};
+    ASSERT_EQ(::stat(path("a").c_str(), &info), 0);
+    EXPECT_EQ(FileContent(path("a")), "2");
+    if (superuser) {
+      EXPECT_EQ(info.st_gid, member ? kGroup : kNobody);
+    }
+    EXPECT_EQ(info.st_mode & 07777U, member || !superuser ? 0664U : 0604U);
+  }
+}
+
+TEST_F(Files, AFolderThatIsMadeIsOnTheDiskWithThoseItLiesIn) {
+  SyncSpy spy;
+  MakeFolder(path("a/b/c"));
+  EXPECT_TRUE(fs::is_directory(path("a/b/c")));
+  EXPECT_THAT(spy.take(), ::testing::UnorderedElementsAre(root.path().string(), path("a"), path("a/b")));
+  MakeFolder(path("a/b/c"));
+  EXPECT_THAT(spy.take(), ::testing::IsEmpty());
+}
+
+TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {
+  const FileStamp written = WriteFile(path("a"), "text");
+  EXPECT_EQ(written, StampOf(path("a")));
+  EXPECT_EQ(ReadFile(path("a"), 4).stamp, StampOf(path("a")));
+  EXPECT_EQ(ReadFile(path("a"), 4).text, "text");
+  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), 3); }), base::number::kDeviceIo);
+}
+
+TEST_F(Files, OneThatIsTooLargeIsNotRead) {
+  constexpr std::int64_t kMost = 8 << 20;
+  WriteText(path("a"), "");
+  fs::resize_file(path("a"), kMost + 1);
+  const auto readSoFar = [] {  // by this process, as the system counts it
+    std::istringstream lines(FileContent("/proc/self/io"));
+    std::string name;
+    std::int64_t bytes = -1;
+    lines >> name >> bytes;
+    return name == "rchar:" ? bytes : -1;
+  };
+  const std::int64_t before = readSoFar();
+  ASSERT_GE(before, 0);
+  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), kMost); }), base::number::kDeviceIo);
+  EXPECT_LT(readSoFar() - before, kMost / 2);
+  fs::resize_file(path("a"), kMost);
+  EXPECT_EQ(ReadFile(path("a"), kMost).text.size(), static_cast<std::size_t>(kMost));
+  EXPECT_GE(readSoFar() - before, kMost);
+}
+
+TEST_F(Files, ANewFileReplacesNothing) {
+  EXPECT_TRUE(WriteNewFile(path("a"), "1").has_value());
+  EXPECT_FALSE(WriteNewFile(path("a"), "2").has_value());
+  EXPECT_EQ(FileContent(path("a")), "1");
+  WriteFile(path("b"), "3");
+  EXPECT_FALSE(MoveFile(path("b"), path("a")));
+  EXPECT_EQ(FileContent(path("a")), "1");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhatAKilledProcessHasLeftIsClearedAndNothingElse) {
+  for (const char* name : {".vantorix-0123456789abcdef.part", ".vantorix-0123456789abcde.part",
+                           ".vantorix-0123456789abcdeX.part", "vantorix-0123456789abcdef.part", "L.m3u8",
+                           "L.m3u8.backup", ".hidden"}) {
+    WriteText(path(name), "x");
+  }
+  const std::string folder = ".vantorix-00000000000000ff.part";
+  const std::string living = ".vantorix-ffffffffffffffff.part";
+  fs::create_directory(path(folder));
+  WriteText(path(living), "x");
+  const FileDescriptor owner(::open(path(living).c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(owner.get(), LOCK_EX), 0);
+  ClearLeftovers(root.path());
+  EXPECT_THAT(Hidden(root.path()),
+              ::testing::UnorderedElementsAre(".vantorix-0123456789abcde.part",
+                                              ".vantorix-0123456789abcdeX.part", ".hidden", folder, living));
+  EXPECT_TRUE(fs::exists(path("vantorix-0123456789abcdef.part")));
+  EXPECT_TRUE(fs::exists(path("L.m3u8.backup")));
+}
+
+TEST_F(Files, AWriterThatIsClearedAtAllTimesStillWrites) {
+  std::atomic<bool> end{false};
+  std::thread clearing([&] {
+    while (!end) ClearLeftovers(root.path());
+  });
+  for (int i = 0; i < 300; ++i) {
+    WriteFile(path("a"), std::to_string(i));
+    EXPECT_EQ(FileContent(path("a")), std::to_string(i));
+  }
+  end = true;
+  clearing.join();
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, AtTheStartThePicturesFolderIsCleared) {
+  WriteText(path("pictures/.vantorix-0123456789abcdef.part"), "x");
+  WriteText(path("pictures/kept.jpg"), "x");
+  const Pictures pictures(path("pictures"));
+  EXPECT_TRUE(Hidden(root.path() / "pictures").empty());
+  EXPECT_TRUE(fs::exists(path("pictures/kept.jpg")));
+}
+
+TEST_F(Files, AtTheStartThePlaylistFolderIsCleared) {
+  const std::string target = path("elsewhere/real.m3u8");
+  WriteText(target, "#PLAYLIST:Linked\n");
+  WriteText(path("elsewhere/.vantorix-0123456789abcdef.part"), "x");
+  WriteText(path("playlists/.vantorix-0123456789abcdef.part"), "x");
+  fs::create_symlink(target, path("playlists/L.m3u8"));
+  const PlaylistFolder playlists(root.path());
+  EXPECT_TRUE(Hidden(root.path() / "playlists").empty());
+  EXPECT_TRUE(Hidden(root.path() / "elsewhere").empty());
+}
+
+}  // namespace
+}  // namespace engine::testing
