@@ -43,7 +43,7 @@ ctest --preset asan -j "$jobs" --progress "${pattern[@]}"
 
 step "Fuzz targets, briefly"
 cmake --preset fuzz >/dev/null
-targets=$(sed -n 's/^vantorix_fuzz(\([a-z_0-9]*\).*/\1/p' fuzz/*/CMakeLists.txt)
+targets=$(sed -n 's/^vantorix_fuzz(\([a-z_0-9]*\).*/\1/p' $(git ls-files "fuzz/**/CMakeLists.txt"))
 # shellcheck disable=SC2086
 cmake --build --preset fuzz --target $targets -- --quiet
 for target in $targets; do

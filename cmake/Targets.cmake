@@ -6,6 +6,11 @@ target_compile_options(vantorix_options INTERFACE -Wall -Wextra -Werror
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_include_directories(vantorix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_definitions(vantorix_options INTERFACE VANTORIX_VERSION="${PROJECT_VERSION}")
+# The system's own linker takes several times as long for programs with sanitizers.
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM)
+  target_link_options(vantorix_options INTERFACE -fuse-ld=lld)
+endif()
 if(VANTORIX_SANITIZE)
   target_compile_options(vantorix_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

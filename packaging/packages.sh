@@ -13,7 +13,7 @@ RUN_PACKAGES=(dbus-daemon)
 # What the tests and checks take on top.
 TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  clang libclang-rt-14-dev clang-format clang-tidy
+  clang lld libclang-rt-14-dev clang-format clang-tidy
   chromium chromium-driver python3 ffmpeg
   xvfb xdotool x11-utils imagemagick
 )

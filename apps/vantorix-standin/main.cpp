@@ -6,21 +6,21 @@
 #include <memory>
 
 #include "base/Failure.hpp"
-#include "standin/EspeakVoice.hpp"
-#include "standin/FileTools.hpp"
-#include "standin/HostObject.hpp"
-#include "standin/HouseObjects.hpp"
-#include "standin/Library.hpp"
-#include "standin/LoopGate.hpp"
 #include "standin/Options.hpp"
-#include "standin/Playlists.hpp"
-#include "standin/PluginKeeper.hpp"
-#include "standin/RefusedPosts.hpp"
-#include "standin/ScriptRunner.hpp"
-#include "standin/ScriptStore.hpp"
-#include "standin/SettingsFlusher.hpp"
-#include "standin/Shelf.hpp"
-#include "standin/WebServer.hpp"
+#include "standin/hostobjects/HostObject.hpp"
+#include "standin/hostobjects/HouseObjects.hpp"
+#include "standin/hostobjects/Shelf.hpp"
+#include "standin/house/LoopGate.hpp"
+#include "standin/house/SettingsFlusher.hpp"
+#include "standin/http/RefusedPosts.hpp"
+#include "standin/http/WebServer.hpp"
+#include "standin/player/PlayerLibrary.hpp"
+#include "standin/player/PluginKeeper.hpp"
+#include "standin/playlists/Playlists.hpp"
+#include "standin/scripts/ScriptRunner.hpp"
+#include "standin/scripts/ScriptStore.hpp"
+#include "standin/storage/FileTools.hpp"
+#include "standin/voice/EspeakVoice.hpp"
 
 namespace {
 
@@ -64,7 +64,7 @@ int serve(const Options& options) {
   SettingsFlusher flusher(loop, house);
   RefusedPosts refused(loop, house.log);
   PluginKeeper plugin(loop, connection, house, callback);
-  Library library(loop, connection, plugin);
+  PlayerLibrary library(loop, connection, plugin);
   Playlists playlists(loop, connection, plugin, house, library);
   ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "HouseLog.hpp"
+#include "PluginLog.hpp"
 #include "desktop/BoxWindow.hpp"
 #include "desktop/MsgFormWindow.hpp"
 #include "desktop/ProgBarWindow.hpp"
@@ -16,7 +16,7 @@
 /// the house's log.
 class UserDesktop : public plugin::Desktop {
  public:
-  UserDesktop(bus::PollLoop& loop, const HouseLog& log)
+  UserDesktop(bus::PollLoop& loop, const PluginLog& log)
       : loop_(loop),
         log_(log),
         windows_(desktop::QtWindows::open(loop)),
@@ -49,7 +49,7 @@ class UserDesktop : public plugin::Desktop {
 
  private:
   bus::PollLoop& loop_;
-  const HouseLog& log_;
+  const PluginLog& log_;
   std::unique_ptr<desktop::QtWindows> windows_;
   ui::WindowlessMsgForm unseenMessage_;
   std::optional<desktop::MsgFormWindow> messageWindow_;

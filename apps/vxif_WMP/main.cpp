@@ -4,7 +4,7 @@
 #include <exception>
 #include <string>
 
-#include "HouseLog.hpp"
+#include "PluginLog.hpp"
 #include "RegisteredObjects.hpp"
 #include "UserDesktop.hpp"
 #include "UserPlatform.hpp"
@@ -54,7 +54,7 @@ int Serve() {
   const auto onTerminate = loop.onSignal(SIGTERM, [&] {
     if (owner != nullptr) owner->lifecycle.ShutdownIO();
   });
-  HouseLog log;
+  PluginLog log;
   UserDesktop desktop(loop, log);
   platform::PosixPlatform machine;
   UserPlatform platform(machine, [&](base::BoxKind kind, const std::string& title, const std::string& text) {

@@ -1,0 +1,49 @@
+#pragma once
+#include <chrono>
+#include <string>
+
+#include "bus/PollLoop.hpp"
+#include "standin/voice/Speech.hpp"
+
+namespace standin {
+
+/// The host operations that take their time and let everything else go on meanwhile.
+class HostWaits {
+ public:
+  HostWaits() = default;
+  HostWaits(const HostWaits&) = delete;
+  HostWaits& operator=(const HostWaits&) = delete;
+  HostWaits(HostWaits&&) = delete;
+  HostWaits& operator=(HostWaits&&) = delete;
+  virtual ~HostWaits() = default;
+
+  /// Handles what is pending and returns.
+  virtual void pendingEvents() = 0;
+  /// Throws number 51 when far too many waits are pending.
+  virtual void seconds(int count) = 0;
+  /// Has the text said; with `wait` it returns when it has been heard.
+  virtual void speak(const std::string& text, bool wait) = 0;
+  /// A page by HTTP; throws as `FetchUrl` does, and as `seconds`.
+  virtual std::string fetch(const std::string& host, const std::string& page, int port) = 0;
+};
+
+/// On the server's loop. A wait ends early when the loop is asked to quit. One that begins within another
+/// ends before it, as each has its place on the stack; how many may is limited.
+class LoopWaits : public HostWaits {
+ public:
+  LoopWaits(bus::PollLoop& loop, Speech& speech,
+            std::chrono::milliseconds fetchLimit = std::chrono::seconds(20))
+      : loop_(loop), speech_(speech), fetchLimit_(fetchLimit) {}
+  void pendingEvents() override;
+  void seconds(int count) override;
+  void speak(const std::string& text, bool wait) override { speech_.speak(text, wait); }
+  std::string fetch(const std::string& host, const std::string& page, int port) override;
+
+ private:
+  bus::PollLoop& loop_;
+  Speech& speech_;
+  std::chrono::milliseconds fetchLimit_;
+  int pending_ = 0;
+};
+
+}  // namespace standin

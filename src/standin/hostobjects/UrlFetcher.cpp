@@ -1,0 +1,79 @@
+#include "standin/hostobjects/UrlFetcher.hpp"
+
+#include <curl/curl.h>
+
+#include <memory>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kMostBytes = 32U << 20U;
+
+std::size_t collect(char* data, std::size_t size, std::size_t count, void* into) {
+  auto& body = *static_cast<std::string*>(into);
+  if (body.size() + size * count > kMostBytes) return 0;
+  body.append(data, size * count);
+  return size * count;
+}
+
+int lookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  return static_cast<const std::atomic<bool>*>(stop)->load() ? 1 : 0;
+}
+
+}  // namespace
+
+std::string FetchUrl(const std::string& host, const std::string& page, int port,
+                     std::chrono::milliseconds limit, const std::atomic<bool>* stop) {
+  std::string path = page;
+  if (path.empty() || path.front() != '/') path.insert(path.begin(), '/');
+  for (std::size_t blank = path.find(' '); blank != std::string::npos; blank = path.find(' ')) {
+    path.replace(blank, 1, "%20");
+  }
+  const std::string url = "http://" + host + ":" + std::to_string(port) + path;
+
+  const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), &curl_easy_cleanup);
+  if (!handle) throw base::Failure(base::number::kInternal, "No memory for a web request");
+  std::string body;
+  CURL* const curl = handle.get();
+  curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+  curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(curl, CURLOPT_MAXREDIRS, 5L);
+  curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);
+  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, static_cast<long>(limit.count()));
+  curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limit.count() / 2));
+  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &collect);
+  curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
+  curl_easy_setopt(curl, CURLOPT_USERAGENT, "Vantorix");
+  if (stop != nullptr) {
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &lookForStop);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, stop);
+  }
+  const CURLcode code = curl_easy_perform(curl);
+  if (code != CURLE_OK) {
+    throw base::Failure(base::number::kDeviceIo, "No page from " + host + ": " + curl_easy_strerror(code));
+  }
+  return body;
+}
+
+std::string StripTags(const std::string& html) {
+  std::string out;
+  bool inTag = false;
+  for (const char c : html) {
+    if (c == '<') {
+      inTag = true;
+    } else if (c == '>' && inTag) {
+      inTag = false;
+    } else if (!inTag) {
+      out += c;
+    }
+  }
+  return out;
+}
+
+}  // namespace standin

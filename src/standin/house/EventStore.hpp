@@ -1,0 +1,65 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standin/storage/Database.hpp"
+
+namespace standin {
+
+/// The device function that stands for a voice command.
+inline constexpr std::int16_t kFuncVoice = 13;
+
+/// A device in an event's list, with what is to be done with it.
+struct EventDevice {
+  std::int64_t id = 0;
+  std::int32_t devid = 0;
+  std::int16_t func = 0;
+};
+
+struct Event {
+  std::int32_t id = 0;
+  std::string name;
+  std::string vcmd;  ///< voice command pattern
+  std::int32_t misc = 0;
+  std::int32_t misc2 = 0;
+  std::int16_t absTime = 0;
+  std::string group;
+  std::vector<EventDevice> devices;
+};
+
+/// The events of the house, in memory and in the database. Every change is stored when its call returns.
+/// An event's index is its number, which it keeps for its life.
+class EventStore {
+ public:
+  explicit EventStore(Database& database);
+
+  [[nodiscard]] const std::map<std::int32_t, Event>& all() const { return events_; }
+  [[nodiscard]] const Event* byId(std::int32_t id) const;
+  /// Without regard to case.
+  [[nodiscard]] const Event* byName(std::string_view name) const;
+
+  const Event& create(const std::string& name);
+  void put(std::int32_t id, std::string Event::*field, const std::string& value);
+  void put(std::int32_t id, std::int32_t Event::*field, std::int32_t value);
+  void putAbsTime(std::int32_t id, std::int16_t value);
+
+  std::int64_t addDevice(std::int32_t id, std::int32_t devid, std::int16_t func);
+  /// By position from 1; throws number 9 outside the list.
+  [[nodiscard]] const EventDevice& device(std::int32_t id, std::int32_t position);
+  void removeDevice(std::int32_t id, std::int32_t position);
+  void putDevice(std::int32_t id, const EventDevice& device);
+
+ private:
+  Event& need(std::int32_t id);
+  void update(std::int32_t id, const char* column, const std::string& value);
+  void update(std::int32_t id, const char* column, std::int64_t value);
+
+  Database& database_;
+  std::map<std::int32_t, Event> events_;
+};
+
+}  // namespace standin

@@ -1,0 +1,73 @@
+#include "standin/house/House.hpp"
+
+#include <algorithm>
+#include <array>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "standin/house/HouseJson.hpp"
+#include "standin/pages/WebFiles.hpp"
+#include "standin/storage/FileTools.hpp"
+#include "standin/storage/Schema.hpp"
+
+namespace standin {
+namespace {
+
+Database& prepared(Database& database) {
+  PrepareSchema(database);
+  return database;
+}
+
+}  // namespace
+
+House::House(const std::filesystem::path& dataFolder)
+    : folder((MakeFolder(dataFolder), std::filesystem::canonical(dataFolder))),
+      settings(folder / "config"),
+      database(folder / "house.db"),
+      devices(prepared(database)),
+      events(database),
+      log(database),
+      users(database) {
+  devices.onChange = [this](const Device& device) { live.tell("device", Dump(DeviceJson(device))); };
+  devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
+  log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };
+  seedPictures();
+  try {
+    for (const std::string& note : settings.notes()) log.write("Warning", note);
+  } catch (const base::Failure&) {  // a full disk; the house is there all the same
+  }
+}
+
+void House::seedPictures() const {
+  const std::filesystem::path pictures = htmlFolder() / "images" / "Media Player";
+  MakeFolder(pictures);
+  const std::filesystem::path icon = pictures / "WMP_Icon.gif";
+  const WebFile* own = FindWebFile("WMP_Icon.gif");
+  if (own != nullptr && !std::filesystem::exists(icon)) ReplaceFile(icon, own->content);
+}
+
+const PageLink* House::linkOf(const std::string& path) const {
+  const auto found = std::find_if(links.begin(), links.end(),
+                                  [&](const PageLink& link) { return base::SameText(link.link, path); });
+  return found == links.end() ? nullptr : &*found;
+}
+
+void House::addLink(PageLink link) {
+  const auto found = std::find_if(links.begin(), links.end(),
+                                  [&](const PageLink& each) { return base::SameText(each.link, link.link); });
+  if (found == links.end()) {
+    links.push_back(std::move(link));
+  } else {
+    *found = std::move(link);
+  }
+  live.tell("frame", "{}");
+}
+
+void House::forgetPlugin() {
+  menu.clear();
+  links.clear();
+  eventSinks.clear();
+  live.tell("frame", "{}");
+}
+
+}  // namespace standin

@@ -1,0 +1,54 @@
+#pragma once
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "standin/house/DeviceStore.hpp"
+#include "standin/house/EventStore.hpp"
+#include "standin/house/HouseLog.hpp"
+#include "standin/house/LiveFeed.hpp"
+#include "standin/house/Menu.hpp"
+#include "standin/house/Users.hpp"
+#include "standin/settings/SettingsStore.hpp"
+#include "standin/storage/Database.hpp"
+
+namespace standin {
+
+/// Everything that belongs to the host, in one place and on one thread. It tells the live feed of every
+/// change of a device, the menu, the links and the log.
+class House {
+ public:
+  /// Opens or makes the house in the data folder. Throws as files and databases do.
+  explicit House(const std::filesystem::path& folder);
+
+  const std::filesystem::path folder;
+  SettingsStore settings;
+  Database database;
+  DeviceStore devices;
+  EventStore events;
+  HouseLog log;
+  Users users;
+  LiveFeed live;
+  Menu menu;
+  std::vector<PageLink> links;
+  std::vector<EventSink> eventSinks;
+
+  std::string version = "1.7.0";  ///< what the host says of itself
+  int webPort = 0;
+  std::string lastVoiceCommand;
+  std::string webUser;  ///< of the page request that the plug-in is answering now
+  std::string splash;   ///< the last line of the start-up screen
+
+  [[nodiscard]] std::filesystem::path htmlFolder() const { return folder / "html"; }
+  /// Null when no page has that link; without regard to case.
+  [[nodiscard]] const PageLink* linkOf(const std::string& path) const;
+  /// Adds the page, in place of one with the same link.
+  void addLink(PageLink link);
+  /// Forgets what a plug-in has registered: menu, links, event calls.
+  void forgetPlugin();
+
+ private:
+  void seedPictures() const;
+};
+
+}  // namespace standin

@@ -1,0 +1,48 @@
+#include "standin/house/HouseJson.hpp"
+
+#include <algorithm>
+
+namespace standin {
+namespace {
+
+constexpr std::int16_t kCanBeSwitched = 8;  // a flag of `misc`
+
+/// The name of the selected value, empty when none is.
+std::string selectedName(const Device& device) {
+  const std::string sought = std::to_string(device.value);
+  for (const ValueEntry& entry : SplitValues(device.values)) {
+    if (entry.value == sought) return entry.name == " " ? std::string() : entry.name;
+  }
+  return {};
+}
+
+}  // namespace
+
+nlohmann::json DeviceJson(const Device& device) {
+  nlohmann::json buttons = nlohmann::json::array();
+  for (const DeviceButton& button : device.buttons) buttons.push_back(button.caption);
+  const bool hasValues = !device.values.empty();
+  return {{"ref", device.ref},
+          {"name", device.name},
+          {"location", device.location},
+          {"address", device.address()},
+          {"type", device.devType},
+          {"status", device.status},
+          {"switchable", (device.misc & kCanBeSwitched) != 0},
+          {"value", device.value},
+          {"valueName", hasValues ? selectedName(device) : std::string()},
+          {"values", hasValues ? 1 + std::count(device.values.begin(), device.values.end(), '\1') : 0},
+          {"text", device.text},
+          {"changed", device.changed},
+          {"buttons", std::move(buttons)}};
+}
+
+nlohmann::json LogJson(const LogLine& line) {
+  return {{"id", line.id}, {"time", line.time}, {"type", line.type}, {"text", line.text}};
+}
+
+std::string Dump(const nlohmann::json& json) {
+  return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace standin

@@ -1,0 +1,69 @@
+#include "standin/house/HouseLog.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestLine = 8192;
+constexpr std::int64_t kTrimEvery = 256;
+
+/// At most `kLongestLine` bytes, cut between characters.
+std::string bounded(const std::string& text) {
+  if (text.size() <= kLongestLine) return text;
+  std::size_t cut = kLongestLine;
+  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
+  return text.substr(0, cut) + "…";
+}
+
+}  // namespace
+
+HouseLog::HouseLog(Database& database, std::int64_t limit)
+    : database_(database),
+      insert_(database, "INSERT INTO log (time, type, text) VALUES (?, ?, ?)"),
+      limit_(limit) {}
+
+void HouseLog::write(const std::string& type, const std::string& text) {
+  LogLine line;
+  line.time = std::chrono::duration_cast<std::chrono::milliseconds>(
+                  std::chrono::system_clock::now().time_since_epoch())
+                  .count();
+  line.type = type;
+  line.text = bounded(text);
+  try {
+    insert_.with(line.time, line.type, line.text).run();
+    line.id = database_.lastId();
+    if (line.id % std::min(kTrimEvery, limit_) == 0) {
+      Statement(database_, "DELETE FROM log WHERE id <= ?").with(line.id - limit_).run();
+    }
+  } catch (const base::Failure& failure) {
+    // A house whose disk is full goes on; who can't log has lost its host.
+    std::cerr << "A log line could not be stored: " << failure.what() << "\n"
+              << line.type << ": " << line.text << "\n";
+  }
+  if (onLine) onLine(line);
+}
+
+std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type, std::int64_t before) {
+  std::vector<LogLine> lines;
+  Statement rows(database_,
+                 "SELECT id, time, type, text FROM log WHERE (?1 = '' OR type = ?1) AND (?2 = 0 OR id < ?2) "
+                 "ORDER BY id DESC LIMIT ?3");
+  rows.with(type, before, static_cast<std::int64_t>(count));
+  while (rows.step()) lines.push_back({rows.integer(0), rows.integer(1), rows.text(2), rows.text(3)});
+  std::reverse(lines.begin(), lines.end());
+  return lines;
+}
+
+std::vector<std::string> HouseLog::types() {
+  std::vector<std::string> types;
+  Statement rows(database_, "SELECT DISTINCT type FROM log ORDER BY type");
+  while (rows.step()) types.push_back(rows.text(0));
+  return types;
+}
+
+}  // namespace standin

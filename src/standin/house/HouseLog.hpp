@@ -1,0 +1,39 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "standin/storage/Database.hpp"
+
+namespace standin {
+
+struct LogLine {
+  std::int64_t id = 0;
+  std::int64_t time = 0;  ///< milliseconds since 1970
+  std::string type;
+  std::string text;
+};
+
+/// The house's log, bounded: the oldest lines go when there are more than `limit`.
+class HouseLog {
+ public:
+  explicit HouseLog(Database& database, std::int64_t limit = 20000);
+
+  /// Never fails: a line that can't be stored goes to the standard error stream and has the number 0.
+  void write(const std::string& type, const std::string& text);
+  /// The newest lines of a type (of all types when it is empty) before a line (0: from the end), oldest
+  /// first.
+  std::vector<LogLine> newest(std::size_t count, const std::string& type = {}, std::int64_t before = 0);
+  /// The types that occur.
+  std::vector<std::string> types();
+
+  std::function<void(const LogLine&)> onLine;
+
+ private:
+  Database& database_;
+  Statement insert_;
+  std::int64_t limit_;
+};
+
+}  // namespace standin

@@ -1,0 +1,130 @@
+#include "standin/house/Users.hpp"
+
+#include <sodium.h>
+
+#include <array>
+#include <ctime>
+#include <utility>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::int64_t kSessionSeconds = 30LL * 24 * 3600;
+constexpr std::int64_t kGuestSeconds = 24LL * 3600;
+constexpr std::int32_t kMostSessions = 50;  // of one user
+constexpr std::size_t kTokenBytes = 32;
+constexpr std::size_t kLongestPassword = 1024;
+
+void needSodium() {
+  if (sodium_init() < 0) throw base::Failure(base::number::kInternal, "No source of random numbers");
+}
+
+template <std::size_t N>
+std::string hex(const std::array<unsigned char, N>& bytes) {
+  std::string text(N * 2 + 1, '\0');
+  sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
+  text.pop_back();
+  return text;
+}
+
+std::string storedForm(const std::string& token) {
+  std::array<unsigned char, crypto_generichash_BYTES> hash{};
+  crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()),
+                     token.size(), nullptr, 0);
+  return hex(hash);
+}
+
+/// From a row of name, guest and hash.
+User userOf(const Statement& row) {
+  const std::string hash = row.text(2);
+  return {.name = row.text(0),
+          .guest = row.integer(1) != 0,
+          .hasPassword = !hash.empty() && hash != kBarred && hash != kAdmitted,
+          .barred = hash == kBarred,
+          .admitted = hash == kAdmitted};
+}
+
+}  // namespace
+
+std::string HashPassword(const std::string& password) {
+  needSodium();
+  if (password.empty() || password.size() > kLongestPassword) {
+    throw base::Failure(base::number::kInvalidArgument, "A password has 1 to 1024 characters");
+  }
+  std::array<char, crypto_pwhash_STRBYTES> hash{};
+  if (crypto_pwhash_str(hash.data(), password.data(), password.size(), crypto_pwhash_OPSLIMIT_INTERACTIVE,
+                        crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0) {
+    throw base::Failure(base::number::kInternal, "Not enough memory to hash a password");
+  }
+  return hash.data();
+}
+
+bool PasswordFits(const std::string& hash, const std::string& password) {
+  needSodium();
+  if (hash.empty() || password.size() > kLongestPassword) return false;
+  return crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
+}
+
+Users::Users(Database& database, Clock clock)
+    : database_(database), clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })) {
+  needSodium();
+  Statement add(database_, "INSERT OR IGNORE INTO user (name, hash, guest) VALUES (?, '', ?)");
+  add.with(kFirstUser, false).run();
+  add.with(kGuest, true).run();
+  Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+}
+
+std::optional<User> Users::find(const std::string& name) {
+  Statement row(database_, "SELECT name, guest, hash FROM user WHERE name = ?");
+  if (!row.with(name).step()) return std::nullopt;
+  return userOf(row);
+}
+
+std::string Users::hashOf(const std::string& name) {
+  Statement row(database_, "SELECT hash FROM user WHERE name = ?");
+  return row.with(name).step() ? row.text(0) : std::string();
+}
+
+void Users::setHash(const std::string& name, const std::string& hash) {
+  Transaction whole(database_);
+  Statement(database_, "UPDATE user SET hash = ? WHERE name = ?").with(hash, name).run();
+  Statement(database_, "DELETE FROM session WHERE user = ?").with(name).run();
+  whole.commit();
+}
+
+std::string Users::begin(const std::string& name) {
+  std::array<unsigned char, kTokenBytes> bytes{};
+  randombytes_buf(bytes.data(), bytes.size());
+  std::string token = hex(bytes);
+  const std::optional<User> user = find(name);
+  const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
+  Transaction whole(database_);
+  Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  Statement(database_,
+            "DELETE FROM session WHERE user = ?1 AND token NOT IN "
+            "(SELECT token FROM session WHERE user = ?1 ORDER BY expires DESC, rowid DESC LIMIT ?2)")
+      .with(name, kMostSessions - 1)
+      .run();
+  Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
+      .with(storedForm(token), name, clock_() + lasting)
+      .run();
+  whole.commit();
+  return token;
+}
+
+std::optional<User> Users::ofSession(const std::string& token) {
+  if (token.size() != kTokenBytes * 2) return std::nullopt;
+  Statement row(database_,
+                "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
+                "WHERE token = ? AND expires > ?");
+  if (!row.with(storedForm(token), clock_()).step()) return std::nullopt;
+  return userOf(row);
+}
+
+void Users::end(const std::string& token) {
+  Statement(database_, "DELETE FROM session WHERE token = ?").with(storedForm(token)).run();
+}
+
+}  // namespace standin

@@ -1,0 +1,109 @@
+#include "standin/http/WebFrame.hpp"
+
+#include <sodium.h>
+
+#include <algorithm>
+#include <array>
+
+#include "base/Text.hpp"
+#include "standin/http/WebRules.hpp"
+#include "standin/pages/WebFiles.hpp"
+
+namespace standin {
+namespace {
+
+void replaceMark(std::string& page, std::string_view mark, std::string_view text) {
+  const std::size_t at = page.find(mark);
+  if (at != std::string::npos) page.replace(at, mark.size(), text);
+}
+
+bool isPlain(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '_' ||
+         c == '.' || c == '/';
+}
+
+/// The path as an address; always one of this server's.
+std::string address(const std::string& path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string out = "/";
+  for (const char c : path.substr(std::min(path.find_first_not_of('/'), path.size()))) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (isPlain(c)) {
+      out += c;
+    } else {
+      out += '%';
+      out += kDigits[byte >> 4U];
+      out += kDigits[byte & 15U];
+    }
+  }
+  return out;
+}
+
+std::string headline(int status) {
+  switch (status) {
+    case 401: return "Please sign in";
+    case 403: return "This is not allowed";
+    case 404: return "There is nothing here";
+    case 502:
+    case 504: return "The player gave no page";
+    default: return "This did not work";
+  }
+}
+
+}  // namespace
+
+std::string NewNonce() {
+  std::array<unsigned char, 16> bytes{};
+  randombytes_buf(bytes.data(), bytes.size());
+  std::string text(bytes.size() * 2 + 1, '\0');
+  sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
+  text.pop_back();
+  return text;
+}
+
+std::string PluginPolicy(const std::string& nonce) {
+  return std::string(kOwnPolicy) + "; script-src 'nonce-" + nonce +
+         "'; frame-src 'none'; media-src 'none'; style-src-elem 'self'; style-src-attr 'unsafe-inline'";
+}
+
+std::string Framed(const std::string& title, const std::string& view, std::string_view content,
+                   const std::string& nonce) {
+  const WebFile* file = FindWebFile("index.html");
+  std::string page(file == nullptr ? std::string_view() : file->content);
+  replaceMark(page, "{{nonce}}", nonce);
+  // The content last: what looks like a mark in it is its own.
+  replaceMark(page, "{{title}}", EscapeHtml(title));
+  replaceMark(page, "{{view}}", EscapeHtml(view));
+  replaceMark(page, "{{content}}", content);
+  return page;
+}
+
+std::string WithoutActingTags(std::string_view text) {
+  static constexpr std::array<std::string_view, 5> kActing{"meta", "link", "html", "body", "template"};
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t open = std::min(text.find('<'), text.size());
+    out.append(text.substr(0, open));
+    text.remove_prefix(open);
+    if (text.empty()) break;
+    const bool acts = std::any_of(kActing.begin(), kActing.end(), [&](std::string_view name) {
+      return base::SameText(text.substr(1, name.size()), name);
+    });
+    out += acts ? "&lt;" : "<";
+    text.remove_prefix(1);
+  }
+  return out;
+}
+
+std::string RefusalPage(int status, const std::string& text, const std::string& path) {
+  std::string content = "<h1>" + headline(status) + "</h1>\n<p>" + EscapeHtml(text) + "</p>\n";
+  if (status != 401) {
+    content += R"(<p class="ways">)";
+    if (status != 404) content += R"(<a class="way" href=")" + address(path) + R"(">Try the page again</a> )";
+    content += R"(<a class="way" href="/#devices">To the devices</a></p>)";
+  }
+  return Framed("Vantorix", "message", content);
+}
+
+}  // namespace standin

@@ -1,0 +1,243 @@
+#include "standin/http/WebServer.hpp"
+
+#include <httplib.h>
+
+#include <atomic>
+#include <chrono>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "standin/house/HouseJson.hpp"
+#include "standin/http/GuardedServer.hpp"
+#include "standin/http/WebFrame.hpp"
+#include "standin/pages/WebFiles.hpp"
+#include "standin/storage/FileTools.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestPath = 2048;
+constexpr std::size_t kLargestBody = 1U << 20U;
+constexpr std::chrono::seconds kHeartbeat{15};
+
+std::string tokenOf(const httplib::Request& request) {
+  return CookieValue(request.get_header_value("Cookie"), "vantorix");
+}
+
+void give(httplib::Response& response, const WebAnswer& answer) {
+  response.status = answer.status;
+  response.set_content(answer.body, answer.type);
+  if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
+}
+
+/// With it the connection ends: what is left of the body can't be told from the next request.
+void refuseUnread(httplib::Response& response, int status, const std::string& text) {
+  give(response, Refusal(status, text));
+  response.set_header("Connection", "close");
+}
+
+void addRules(httplib::Response& response) {
+  response.set_header("Content-Security-Policy", kOwnPolicy);
+  response.set_header("X-Content-Type-Options", "nosniff");
+  response.set_header("X-Frame-Options", "DENY");
+  response.set_header("X-DNS-Prefetch-Control", "off");
+  response.set_header("Referrer-Policy", "same-origin");
+  response.set_header("Cross-Origin-Resource-Policy", "same-origin");
+  response.set_header("Cache-Control", "no-cache");
+}
+
+/// False when the user has signed out meanwhile, or can't be asked for: nothing may leave a stream's thread.
+bool stillKnown(WebApi& api, const std::string& token) {
+  try {
+    return api.visitor(token).has_value();
+  } catch (...) {
+    return false;
+  }
+}
+
+bool wantsPage(const httplib::Request& request) {
+  return request.get_header_value("Accept").find("text/html") != std::string::npos;
+}
+
+/// The answer, as a page where one was asked for, under the rules that belong to it.
+void giveFor(const httplib::Request& request, httplib::Response& response, WebAnswer answer) {
+  if (answer.status != 200 && wantsPage(request)) {
+    // The page's own script shows the way to sign in.
+    const std::string text = nlohmann::json::parse(answer.body).value("error", "");
+    answer.body = RefusalPage(answer.status, text, request.path);
+    answer.type = "text/html; charset=utf-8";
+  }
+  if (!answer.policy.empty()) {
+    response.headers.erase("Content-Security-Policy");
+    response.set_header("Content-Security-Policy", answer.policy);
+  }
+  give(response, answer);
+}
+
+}  // namespace
+
+WebPort::WebPort(const std::string& address, int port) : server_(std::make_unique<GuardedServer>()) {
+  // Without this the port could be shared with another server.
+  server_->set_socket_options([](socket_t socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
+  server_->set_tcp_nodelay(true);
+  port_ = port == 0 ? server_->bind_to_any_port(address) : server_->bind_to_port(address, port) ? port : -1;
+  if (port_ <= 0) {
+    throw base::Failure(
+        base::number::kPermissionDenied,
+        "Can't listen on " + address + " port " + std::to_string(port) + ": it is in use or not allowed");
+  }
+}
+
+WebPort::~WebPort() = default;
+
+WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused)
+    : server_(port.server()), api_(api), gate_(gate), hosts_(std::move(hosts)), refused_(refused) {
+  server_.set_payload_max_length(kLargestBody);
+  server_.set_keep_alive_timeout(2);
+  server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    addRules(response);
+    if (request.path.size() > kLongestPath) {
+      refuseUnread(response, 414, "The address is too long");
+    } else if (request.method == "POST") {
+      return httplib::Server::HandlerResponse::Unhandled;  // its body is read first
+    } else if (request.method != "GET" && request.method != "HEAD") {
+      refuseUnread(response, 405, "Only GET and POST are answered");
+    } else {
+      answerGet(request, response);
+    }
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  server_.Post("[\\s\\S]*", [this](const httplib::Request& request, httplib::Response& response,
+                                   const httplib::ContentReader& reader) {
+    std::string body;
+    bool tooLarge = false;
+    const auto take = [&](const char* data, std::size_t size) {
+      tooLarge = body.size() + size > kLargestBody;
+      if (!tooLarge) body.append(data, size);
+      return !tooLarge;
+    };
+    // No page of this server sends a body in parts: nothing of it is kept but its size.
+    const bool parts = request.is_multipart_form_data();
+    const bool whole =
+        parts ? reader([](const httplib::MultipartFormData&) { return true; }, take) : reader(take);
+    if (!whole && (tooLarge || response.status == 413)) {
+      refuseUnread(response, 413, "The request is too large");
+    } else if (!whole) {
+      refuseUnread(response, 400, "The request was not understood");
+    } else if (parts) {
+      give(response, Refusal(415, "A body in parts is not understood"));
+    } else {
+      answerPost(request, response, body);
+    }
+  });
+  server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
+    if (response.body.empty()) {
+      const int status = response.status;
+      if (status == 413) return refuseUnread(response, status, "The request is too large");
+      give(response, Refusal(status, "The request was not understood"));
+    }
+  });
+  server_.set_exception_handler(
+      [](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
+        give(response, Refusal(500, "The server could not answer"));
+      });
+  thread_ = std::thread([this] { server_.listen_after_bind(); });
+}
+
+WebServer::~WebServer() {
+  api_.live().close();
+  gate_.close();
+  server_.stopNow();
+  thread_.join();
+}
+
+void WebServer::answerGet(const httplib::Request& request, httplib::Response& response) {
+  if (!hosts_.allows(request.get_header_value("Host"))) {
+    return give(response, Refusal(403, "This server doesn't answer to that name"));
+  }
+  const std::string& path = request.path;
+  if (path == "/" || path == "/index.html") {
+    return give(response, {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
+  }
+  const std::string token = tokenOf(request);
+  const LoadReason reason{.site = request.get_header_value("Sec-Fetch-Site"),
+                          .mode = request.get_header_value("Sec-Fetch-Mode"),
+                          .dest = request.get_header_value("Sec-Fetch-Dest"),
+                          .purpose = request.get_header_value("Sec-Purpose")};
+  if (path.starts_with("/api/") && !MayLoadData(reason)) {
+    return give(response, Refusal(403, "The request doesn't come from a page of this server"));
+  }
+  if (path == "/api/live") return stream(token, response);
+  if (const WebFile* file = path.starts_with("/api/") ? nullptr : FindWebFile(path.substr(1));
+      file != nullptr && file->name != "index.html") {
+    return give(response, {.type = std::string(MediaTypeOf(file->name)), .body = std::string(file->content)});
+  }
+  if (!path.starts_with("/api/")) {
+    if (const auto found = FileBelow(api_.htmlFolder(), path)) {
+      if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
+      const auto content = ReadFile(*found);
+      if (content)
+        return give(response, {.type = std::string(MediaTypeOf(found->string())), .body = *content});
+    }
+  }
+  if (!path.starts_with("/api/") && !MayLoadPage(reason)) {
+    return give(response, Refusal(403, "A page is not loaded as a part of another one"));
+  }
+  WebAnswer answer = api_.get(path, token, [&](const char* name) { return request.get_param_value(name); });
+  giveFor(request, response, std::move(answer));
+}
+
+void WebServer::answerPost(const httplib::Request& request, httplib::Response& response,
+                           const std::string& body) {
+  const std::string host = request.get_header_value("Host");
+  if (!hosts_.allows(host)) {
+    refused_.count(PostRefusal::kForeignHost);
+    return giveFor(request, response, Refusal(403, "This server doesn't answer to that name"));
+  }
+  if (!SameOrigin(request.get_header_value("Origin"), host)) {
+    refused_.count(PostRefusal::kOtherOrigin);
+    return giveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
+  }
+  // A form can't send this type: no page's form, whoever has written it, can ask for what scripts ask for.
+  if (request.path.starts_with("/api/") &&
+      !request.get_header_value("Content-Type").starts_with("application/json")) {
+    return give(response, Refusal(415, "The request is no JSON object"));
+  }
+  WebAnswer answer = api_.post(request.path, tokenOf(request), body, request.remote_addr);
+  if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
+  giveFor(request, response, std::move(answer));
+}
+
+void WebServer::stream(const std::string& token, httplib::Response& response) {
+  if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
+  const auto reader = std::make_shared<LiveFeed::Reader>(api_.live());
+  if (!reader->admitted()) return give(response, Refusal(503, "Too many pages are open"));
+  using SteadyClock = std::chrono::steady_clock;
+  struct Progress {
+    bool begun = false;
+    SteadyClock::time_point checked = SteadyClock::now();
+  };
+  const auto progress = std::make_shared<Progress>();
+  response.set_chunked_content_provider(
+      "text/event-stream", [this, token, reader, progress](std::size_t, httplib::DataSink& sink) {
+        std::string text = "retry: 1000\n\n";
+        if (progress->begun) {
+          text = reader->wait(kHeartbeat);
+          if (SteadyClock::now() - progress->checked >= kHeartbeat) {
+            progress->checked = SteadyClock::now();
+            if (!stillKnown(api_, token)) text.clear();
+          }
+        }
+        progress->begun = true;
+        if (text.empty()) {
+          sink.done();
+          return true;
+        }
+        return sink.write(text.data(), text.size());
+      });
+}
+
+}  // namespace standin

@@ -1,0 +1,60 @@
+#pragma once
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "standin/http/RefusedPosts.hpp"
+#include "standin/http/WebApi.hpp"
+#include "standin/http/WebRules.hpp"
+
+namespace httplib {
+struct Request;
+struct Response;
+}  // namespace httplib
+
+namespace standin {
+
+class GuardedServer;
+
+/// The web's port, taken before anything else is touched. Throws number 70 when it is in use.
+class WebPort {
+ public:
+  WebPort(const std::string& address, int port);
+  ~WebPort();
+  WebPort(const WebPort&) = delete;
+  WebPort& operator=(const WebPort&) = delete;
+  WebPort(WebPort&&) = delete;
+  WebPort& operator=(WebPort&&) = delete;
+
+  [[nodiscard]] int port() const { return port_; }
+  [[nodiscard]] GuardedServer& server() { return *server_; }
+
+ private:
+  std::unique_ptr<GuardedServer> server_;
+  int port_ = 0;
+};
+
+/// Serves the house's pages on threads of its own for as long as it lives.
+class WebServer {
+ public:
+  WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused);
+  ~WebServer();
+  WebServer(const WebServer&) = delete;
+  WebServer& operator=(const WebServer&) = delete;
+  WebServer(WebServer&&) = delete;
+  WebServer& operator=(WebServer&&) = delete;
+
+ private:
+  void answerGet(const httplib::Request& request, httplib::Response& response);
+  void answerPost(const httplib::Request& request, httplib::Response& response, const std::string& body);
+  void stream(const std::string& token, httplib::Response& response);
+
+  GuardedServer& server_;
+  WebApi& api_;
+  LoopGate& gate_;
+  AllowedHosts hosts_;
+  RefusedPosts& refused_;
+  std::thread thread_;
+};
+
+}  // namespace standin

@@ -1,0 +1,16 @@
+# Writes a header with the bytes of the given files:
+#   cmake -DOUTPUT=file -DFILES=a|b|c -P EmbedFiles.cmake
+string(REPLACE "|" ";" FILES "${FILES}")
+set(arrays "")
+set(list "")
+set(number 0)
+foreach(file IN LISTS FILES)
+  file(READ "${file}" bytes HEX)
+  string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
+  file(SIZE "${file}" size)
+  get_filename_component(name "${file}" NAME)
+  string(APPEND arrays "inline constexpr char kBytes${number}[] = {${bytes}};\n")
+  string(APPEND list "    {\"${name}\", std::string_view(kBytes${number}, ${size})},\n")
+  math(EXPR number "${number} + 1")
+endforeach()
+file(WRITE "${OUTPUT}" "#pragma once\n#include <string_view>\n\n#include \"standin/pages/WebFiles.hpp\"\n\nnamespace standin {\n\n${arrays}\ninline constexpr WebFile kWebFiles[] = {\n${list}};\n\n}  // namespace standin\n")

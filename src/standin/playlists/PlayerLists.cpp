@@ -1,0 +1,163 @@
+#include "standin/playlists/PlayerLists.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+/// The letters and digits of a name, as the plug-in's keys have them.
+std::string keyOf(const std::string& name) {
+  std::string key;
+  for (const char c : base::LowerCase(name)) {
+    const bool kept = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z');
+    if (kept || (!key.empty() && key.back() != ' ')) key += kept ? c : ' ';
+  }
+  if (!key.empty() && key.back() == ' ') key.pop_back();
+  return key;
+}
+
+std::string withSingleBlanks(const std::string& name) {
+  std::string out;
+  for (const char c : name)
+    if (c != ' ' || out.empty() || out.back() != ' ') out += c;
+  return out;
+}
+
+std::int32_t countOf(const base::ObjectRef& object) {
+  return base::ToInt32(base::Deref(object).get("count"));
+}
+
+base::ObjectRef itemOf(const base::ObjectRef& object, std::int32_t at) {
+  return base::ToObject(base::Deref(object).invoke("item", at));
+}
+
+std::string textOf(const base::ObjectRef& object, const char* field) {
+  return base::ToText(base::Deref(object).get(field));
+}
+
+std::vector<std::string> textsOf(const base::Value& value) {
+  std::vector<std::string> texts;
+  if (!value.is<std::shared_ptr<const base::Array>>()) return texts;
+  for (const base::Value& each : value.array()) texts.push_back(base::ToText(each));
+  return texts;
+}
+
+}  // namespace
+
+std::string PlayerList::name() const { return textOf(object_, "name"); }
+std::int32_t PlayerList::count() const { return countOf(object_); }
+base::ObjectRef PlayerList::mediaAt(std::int32_t at) const { return itemOf(object_, at); }
+std::string PlayerList::nameAt(std::int32_t at) const { return textOf(mediaAt(at), "name"); }
+std::string PlayerList::sourceAt(std::int32_t at) const { return textOf(mediaAt(at), "sourceURL"); }
+
+ListedItem PlayerList::at(std::int32_t at) const {
+  const base::ObjectRef media = mediaAt(at);
+  return {textOf(media, "name"), textOf(media, "sourceURL")};
+}
+
+void PlayerList::insert(std::int32_t at, const base::ObjectRef& media) {
+  if (at == count()) {
+    object_->invoke("appendItem", media);
+  } else {
+    object_->invoke("insertItem", at, media);
+  }
+}
+
+void PlayerList::removeAt(std::int32_t at) { object_->invoke("removeItem", mediaAt(at)); }
+void PlayerList::move(std::int32_t from, std::int32_t to) { object_->invoke("moveItem", from, to); }
+void PlayerList::rename(const std::string& name) { object_->put("name", base::Value(name)); }
+
+PlayerLists::PlayerLists(base::ObjectRef script) : script_(std::move(script)) {
+  player_ = base::ToObject(script_->get("WMPObject"));
+  // Before its library is open the player hands out nothing.
+  if (!player_) throw base::Failure(base::number::kObjectMissing, "The player isn't ready yet");
+}
+
+base::ObjectRef PlayerLists::playlists() {
+  if (!playlists_) playlists_ = base::ToObject(player_->get("playlistCollection"));
+  base::Deref(playlists_);
+  return playlists_;
+}
+
+base::ObjectRef PlayerLists::media() {
+  if (!media_) media_ = base::ToObject(player_->get("mediaCollection"));
+  base::Deref(media_);
+  return media_;
+}
+
+std::optional<PlayerList> PlayerLists::find(const std::string& name) {
+  const base::ObjectRef found = base::ToObject(playlists()->invoke("getByName", name));
+  const std::int32_t count = countOf(found);
+  for (std::int32_t i = 0; i < count; ++i) {
+    PlayerList list(itemOf(found, i));
+    if (count == 1 || list.name() == name) return list;
+  }
+  if (count > 0) return PlayerList(itemOf(found, 0));
+  if (name.find(' ') == std::string::npos) return std::nullopt;
+  const base::ObjectRef all = base::ToObject(playlists()->call("getAll"));
+  for (std::int32_t i = 0, end = countOf(all); i < end; ++i) {
+    PlayerList list(itemOf(all, i));
+    if (withSingleBlanks(list.name()) == name) return list;
+  }
+  return std::nullopt;
+}
+
+PlayerList PlayerLists::make(const std::string& name) {
+  PlayerList made(base::ToObject(playlists()->invoke("newPlaylist", name)));
+  base::Deref(made.object());
+  return made;
+}
+
+void PlayerLists::remove(const PlayerList& list) { playlists()->invoke("remove", list.object()); }
+
+// The plug-in finds a group by the key of its name, so that of two lists with one key it may mean the other.
+bool PlayerLists::sharesKey(const std::string& name) {
+  const std::string key = keyOf(name);
+  const std::vector<std::string> all = textsOf(script_->invoke("GetCategoryList", "PlayList"));
+  return std::count_if(all.begin(), all.end(), [&](const std::string& each) { return keyOf(each) == key; }) !=
+         1;
+}
+
+std::vector<std::string> PlayerLists::names(const PlayerList& list) {
+  const std::string name = list.name();
+  const std::int32_t count = list.count();
+  if (!sharesKey(name)) {
+    std::vector<std::string> all = textsOf(script_->invoke("GetByCategory", "PlayList", name));
+    const auto same = [&](std::int32_t at) { return all[static_cast<std::size_t>(at)] == list.nameAt(at); };
+    if (static_cast<std::int32_t>(all.size()) == count &&
+        (count == 0 || (same(0) && same(count / 2) && same(count - 1)))) {
+      return all;
+    }
+  }
+  std::vector<std::string> walked;
+  for (std::int32_t i = 0; i < count; ++i) walked.push_back(list.nameAt(i));
+  return walked;
+}
+
+std::optional<PlayerList> PlayerLists::group(const std::string& category, const std::string& name) {
+  if (base::SameText(category, "PlayList")) return find(name);
+  const auto groupOf = [&](const std::string& value) {
+    return PlayerList(base::ToObject(media()->invoke("getByAttribute", category, value)));
+  };
+  if (PlayerList found = groupOf(name); found.object() && found.count() > 0) return found;
+  if (name.find(' ') == std::string::npos) return std::nullopt;
+  const base::ObjectRef values =
+      base::ToObject(media()->invoke("getAttributeStringCollection", category, "Audio"));
+  for (std::int32_t i = 0, end = countOf(values); i < end; ++i) {
+    const std::string value = base::ToText(values->invoke("item", i));
+    if (value != name && withSingleBlanks(value) == name) return groupOf(value);
+  }
+  return std::nullopt;
+}
+
+base::ObjectRef PlayerLists::mediaOf(const std::string& source) {
+  const base::ObjectRef found = base::ToObject(media()->invoke("add", source));
+  base::Deref(found);
+  return found;
+}
+
+}  // namespace standin

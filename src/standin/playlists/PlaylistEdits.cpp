@@ -1,0 +1,373 @@
+#include "standin/playlists/PlaylistEdits.hpp"
+
+#include <algorithm>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+using base::Failure;
+
+constexpr std::size_t kMostAdded = 500;
+
+[[noreturn]] void collided(const std::string& why) {
+  throw Failure(base::number::kChangedMeanwhile, why + ". Nothing was changed");
+}
+
+std::string quoted(const std::string& name) { return "“" + name + "”"; }
+
+/// The list as it would be without the title at one place.
+class Reduced {
+ public:
+  Reduced(const PlayerList& list, std::int32_t without)
+      : list_(list), without_(without), count_(list.count() - 1) {}
+  [[nodiscard]] std::int32_t count() const { return count_; }
+  [[nodiscard]] std::string sourceAt(std::int32_t at) const {
+    return list_.sourceAt(at < without_ ? at : at + 1);
+  }
+
+ private:
+  const PlayerList& list_;
+  std::int32_t without_;
+  std::int32_t count_;
+};
+
+/// `List` has count() and sourceAt().
+template <class List>
+std::string sourceOrNone(const List& list, std::int32_t at, std::int32_t count) {
+  return at < 0 || at >= count ? std::string() : list.sourceAt(at);
+}
+
+template <class List>
+ListPlace placeIn(const List& list, std::int32_t at) {
+  const std::int32_t count = list.count();
+  return {at, sourceOrNone(list, at - 1, count), sourceOrNone(list, at, count)};
+}
+
+/// Something put there would have the same neighbour as before, on one side at least.
+template <class List>
+bool fits(const List& list, const ListPlace& place) {
+  const std::int32_t count = list.count();
+  if (place.at > count) return false;
+  return sourceOrNone(list, place.at - 1, count) == place.before ||
+         sourceOrNone(list, place.at, count) == place.after;
+}
+
+std::size_t onlyPlaceOf(const std::vector<std::string>& names, const std::string& title) {
+  const auto found = std::find(names.begin(), names.end(), title);
+  if (found == names.end()) collided(quoted(title) + " is no longer in the list");
+  if (std::find(found + 1, names.end(), title) != names.end())
+    collided("The list has changed meanwhile, and there are several " + quoted(title));
+  return static_cast<std::size_t>(found - names.begin());
+}
+
+std::int32_t placeNow(PlayerLists& lists, const PlayerList& list, std::int32_t at, const std::string& title) {
+  if (at >= 0 && at < list.count() && list.nameAt(at) == title) return at;
+  return static_cast<std::int32_t>(onlyPlaceOf(lists.names(list), title));
+}
+
+/// The place between the titles that the user has seen on either side; `names` are without the title itself.
+std::size_t targetNow(const std::vector<std::string>& names, const MoveOrder& order) {
+  const auto before = [&](std::size_t at) { return at == 0 ? !order.before : names[at - 1] == order.before; };
+  const auto after = [&](std::size_t at) {
+    return at == names.size() ? !order.after : names[at] == order.after;
+  };
+  std::vector<std::size_t> both;
+  std::vector<std::size_t> one;
+  for (std::size_t at = 0; at <= names.size(); ++at) {
+    const int sides = (before(at) ? 1 : 0) + (after(at) ? 1 : 0);
+    if (sides == 2) both.push_back(at);
+    if (sides == 1) one.push_back(at);
+  }
+  const std::vector<std::size_t>& known = both.empty() ? one : both;
+  const auto wanted = static_cast<std::size_t>(std::max(order.to, 0));
+  if (std::find(known.begin(), known.end(), wanted) != known.end()) return wanted;
+  if (known.size() == 1) return known.front();
+  collided("The list has changed meanwhile, and " + quoted(order.title) + " has no clear place in it");
+}
+
+void takeOut(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
+  const auto size = static_cast<std::int32_t>(items.size());
+  if (place.at + size > list.count()) collided(quoted(items.back().name) + " is no longer where it was put");
+  for (std::int32_t i = 0; i < size; ++i) {
+    const ListedItem& item = items[static_cast<std::size_t>(i)];
+    if (list.sourceAt(place.at + i) != item.source)
+      collided(quoted(item.name) + " is no longer where it was put");
+  }
+  for (std::int32_t i = size; i > 0; --i) list.removeAt(place.at + i - 1);
+}
+
+/// Puts all of them in or none. Where not even that can be kept, `items` are those that are there now.
+void putIn(PlayerLists& lists, PlayerList list, std::int32_t at, std::vector<ListedItem>& items,
+           std::vector<base::ObjectRef> media = {}) {
+  std::size_t done = 0;
+  try {
+    if (media.size() != items.size()) {
+      media.clear();
+      for (const ListedItem& item : items) media.push_back(lists.mediaOf(item.source));
+    }
+    for (; done < items.size(); ++done) list.insert(at + static_cast<std::int32_t>(done), media[done]);
+  } catch (const Failure& failure) {
+    if (failure.number() == base::number::kHostGone) throw;
+    try {
+      for (; done > 0; --done) list.removeAt(at + static_cast<std::int32_t>(done) - 1);
+    } catch (const Failure&) {  // the failure told is the first
+    }
+    items.resize(done);
+    throw;
+  }
+}
+
+PlayerList existing(PlayerLists& lists, const std::string& name) {
+  std::optional<PlayerList> list = lists.find(name);
+  if (!list) throw Failure(base::number::kElementNotFound, "There is no playlist " + quoted(name));
+  return *list;
+}
+
+void putBack(PlayerLists& lists, PlayerList list, const ListPlace& place, std::vector<ListedItem> items) {
+  if (!fits(list, place)) collided("The list has changed since around place " + std::to_string(place.at + 1));
+  putIn(lists, list, place.at, items);
+}
+
+void moveBack(PlayerList list, const ListedItem& item, std::int32_t from, const ListPlace& to) {
+  if (from >= list.count() || list.sourceAt(from) != item.source)
+    collided(quoted(item.name) + " is no longer where it was moved to");
+  if (!fits(Reduced(list, from), to))
+    collided("The list has changed since around place " + std::to_string(to.at + 1));
+  list.move(from, to.at);
+}
+
+void renameTo(PlayerLists& lists, const std::string& from, const std::string& to) {
+  std::optional<PlayerList> list = lists.find(from);
+  if (!list || list->name() != from) collided("There is no playlist " + quoted(from) + " any longer");
+  if (!base::SameText(from, to) && lists.find(to)) collided("There is another playlist named " + quoted(to));
+  list->rename(to);
+}
+
+void removeAsItWas(PlayerLists& lists, const PlaylistStep& step) {
+  const PlayerList list = existing(lists, step.oldName);
+  const auto count = static_cast<std::int32_t>(step.items.size());
+  bool same = list.count() == count;
+  for (std::int32_t i = 0; same && i < count; ++i)
+    same = list.sourceAt(i) == step.items[static_cast<std::size_t>(i)].source;
+  if (!same) collided(quoted(step.oldName) + " holds other titles now");
+  lists.remove(list);
+}
+
+}  // namespace
+
+PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrder& order) {
+  PlaylistStep step;
+  step.kind = StepKind::kMove;
+  step.count = list.count();
+  std::int32_t from = order.from;
+  std::int32_t to = order.to;
+  const auto nameAround = [&](std::int32_t at) -> std::optional<std::string> {  // without the title itself
+    if (at < 0 || at >= step.count - 1) return std::nullopt;
+    return list.nameAt(at < from ? at : at + 1);
+  };
+  const bool asSeen = from >= 0 && from < step.count && to >= 0 && to < step.count &&
+                      list.nameAt(from) == order.title && nameAround(to - 1) == order.before &&
+                      nameAround(to) == order.after;
+  if (!asSeen) {
+    std::vector<std::string> names = lists.names(list);
+    const auto seen = static_cast<std::size_t>(std::max(from, 0));
+    const std::size_t found =
+        seen < names.size() && names[seen] == order.title ? seen : onlyPlaceOf(names, order.title);
+    names.erase(names.begin() + static_cast<std::ptrdiff_t>(found));
+    from = static_cast<std::int32_t>(found);
+    to = static_cast<std::int32_t>(targetNow(names, order));
+  }
+  step.items = {list.at(from)};
+  const Reduced reduced(list, from);
+  step.from = placeIn(reduced, from);
+  step.to = placeIn(reduced, to);
+  return step;
+}
+
+PlaylistStep PlanRemove(PlayerLists& lists, const PlayerList& list, std::int32_t at,
+                        const std::string& title) {
+  PlaylistStep step;
+  step.kind = StepKind::kRemove;
+  step.count = list.count();
+  const std::int32_t from = placeNow(lists, list, at, title);
+  step.items = {list.at(from)};
+  step.from = placeIn(Reduced(list, from), from);
+  return step;
+}
+
+PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
+                     std::int32_t to) {
+  PlaylistStep step;
+  step.kind = StepKind::kAdd;
+  step.count = list.count();
+  const std::int32_t count = group.count();
+  const auto take = [&](std::int32_t at) {
+    const base::ObjectRef media = group.mediaAt(at);
+    step.items.push_back({base::ToText(media->get("name")), base::ToText(media->get("sourceURL"))});
+    step.media.push_back(media);
+  };
+  const std::size_t wanted = choice.all ? static_cast<std::size_t>(count) : choice.titles.size();
+  if (wanted > kMostAdded) {
+    throw Failure(base::number::kInvalidArgument,
+                  "At most " + std::to_string(kMostAdded) + " titles can be added at once");
+  }
+  if (wanted == 0) throw Failure(base::number::kInvalidArgument, "There is nothing to add");
+  if (choice.all) {
+    for (std::int32_t i = 0; i < count; ++i) take(i);
+  }
+  for (const TitleChoice::One& one : choice.all ? std::vector<TitleChoice::One>() : choice.titles) {
+    std::int32_t at = one.at;
+    if (at < 0 || at >= count || group.nameAt(at) != one.title) {
+      for (at = 0; at < count && group.nameAt(at) != one.title;) ++at;
+    }
+    if (at == count)
+      throw Failure(base::number::kElementNotFound, quoted(one.title) + " is no longer in the library");
+    take(at);
+  }
+  step.to = placeIn(list, std::clamp(to, 0, step.count));
+  return step;
+}
+
+PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::string& name) {
+  PlaylistStep step;
+  step.kind = StepKind::kRename;
+  step.oldName = list.name();
+  step.newName = name;
+  if (!base::SameText(step.oldName, name) && lists.find(name))
+    throw Failure(base::number::kNameInUse, "There is already a playlist named " + quoted(name));
+  return step;
+}
+
+PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name) {
+  PlaylistStep step;
+  step.kind = StepKind::kCreate;
+  step.newName = name;
+  if (lists.find(name))
+    throw Failure(base::number::kNameInUse, "There is already a playlist named " + quoted(name));
+  return step;
+}
+
+PlaylistStep PlanDelete(const PlayerList& list) {
+  PlaylistStep step;
+  step.kind = StepKind::kDelete;
+  step.oldName = list.name();
+  step.count = list.count();
+  for (std::int32_t i = 0; i < step.count; ++i) step.items.push_back({{}, list.sourceAt(i)});
+  return step;
+}
+
+void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list) {
+  switch (step.kind) {
+    case StepKind::kAdd: putIn(lists, existing(lists, list), step.to.at, step.items, step.media); return;
+    case StepKind::kRemove: existing(lists, list).removeAt(step.from.at); return;
+    case StepKind::kMove: existing(lists, list).move(step.from.at, step.to.at); return;
+    case StepKind::kRename: existing(lists, list).rename(step.newName); return;
+    case StepKind::kCreate: lists.make(step.newName); return;
+    case StepKind::kDelete: lists.remove(existing(lists, list)); return;
+  }
+}
+
+void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  switch (step.kind) {
+    case StepKind::kAdd: takeOut(existing(lists, list), step.to, step.items); return;
+    case StepKind::kRemove: putBack(lists, existing(lists, list), step.from, step.items); return;
+    case StepKind::kMove: moveBack(existing(lists, list), step.items.front(), step.to.at, step.from); return;
+    case StepKind::kRename: renameTo(lists, step.newName, step.oldName); return;
+    case StepKind::kCreate: {
+      const PlayerList made = existing(lists, step.newName);
+      if (made.count() > 0) collided(quoted(step.newName) + " holds titles now");
+      lists.remove(made);
+      return;
+    }
+    case StepKind::kDelete: {
+      PlaylistRestore restore(step, false);
+      while (restore.goOn(lists, restore.total())) {
+      }
+      return;
+    }
+  }
+}
+
+void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  switch (step.kind) {
+    case StepKind::kAdd: putBack(lists, existing(lists, list), step.to, step.items); return;
+    case StepKind::kRemove: takeOut(existing(lists, list), step.from, step.items); return;
+    case StepKind::kMove: moveBack(existing(lists, list), step.items.front(), step.from.at, step.to); return;
+    case StepKind::kRename: renameTo(lists, step.oldName, step.newName); return;
+    case StepKind::kCreate:
+      if (lists.find(step.newName)) collided("There is another playlist named " + quoted(step.newName));
+      lists.make(step.newName);
+      return;
+    case StepKind::kDelete: removeAsItWas(lists, step); return;
+  }
+}
+
+std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  const std::optional<PlayerList> found = lists.find(list);
+  const std::int32_t added = found ? found->count() - step.count : 0;
+  if (added <= 0 || static_cast<std::size_t>(added) > step.items.size()) return 0;
+  for (std::int32_t i = 0; i < added; ++i) {
+    if (found->sourceAt(step.to.at + i) != step.items[static_cast<std::size_t>(i)].source) return 0;
+  }
+  return static_cast<std::size_t>(added);
+}
+
+bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
+  if (step.kind == StepKind::kAdd) return AddedOf(lists, step, list) == step.items.size();
+  if (step.kind == StepKind::kRename) {
+    const std::optional<PlayerList> found = lists.find(step.newName);
+    return found && found->name() == step.newName;
+  }
+  if (step.kind == StepKind::kCreate) return lists.find(step.newName).has_value();
+  const std::optional<PlayerList> found = lists.find(list);
+  if (step.kind == StepKind::kDelete)
+    return !found || found->count() < static_cast<std::int32_t>(step.items.size());
+  if (!found) return false;
+  const std::int32_t count = found->count();
+  if (step.kind == StepKind::kRemove) return count == step.count - 1;
+  return step.to.at < count && found->sourceAt(step.to.at) == step.items.front().source &&
+         placeIn(Reduced(*found, step.to.at), step.to.at) == step.to;
+}
+
+PlayerList PlaylistRestore::open(PlayerLists& lists) {
+  std::optional<PlayerList> list = lists.find(step_.oldName);
+  if (done_ >= 0) {
+    if (!list || list->count() != done_) collided("Somebody else has changed " + quoted(step_.oldName));
+    return *list;
+  }
+  if (!list) {
+    PlayerList made = lists.make(step_.oldName);
+    done_ = 0;
+    return made;
+  }
+  const std::int32_t count = list->count();
+  bool begun = resumed_ && count < total();
+  for (std::int32_t i = 0; begun && i < count; ++i)
+    begun = list->sourceAt(i) == step_.items[static_cast<std::size_t>(i)].source;
+  if (!begun) collided("There is another playlist named " + quoted(step_.oldName));
+  done_ = count;
+  return *list;
+}
+
+bool PlaylistRestore::goOn(PlayerLists& lists, std::int32_t most) {
+  PlayerList list = open(lists);
+  for (; most > 0 && done_ + missing_ < total(); --most) {
+    const std::string& source = step_.items[static_cast<std::size_t>(done_ + missing_)].source;
+    base::ObjectRef media;
+    try {
+      media = lists.mediaOf(source);
+    } catch (const Failure& failure) {
+      if (failure.number() == base::number::kHostGone) throw;
+      ++missing_;  // the file has gone; the others are worth having
+      continue;
+    }
+    list.insert(done_, media);
+    ++done_;
+  }
+  return done_ + missing_ < total();
+}
+
+}  // namespace standin

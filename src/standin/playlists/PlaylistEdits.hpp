@@ -1,0 +1,75 @@
+#pragma once
+#include <optional>
+#include <string>
+
+#include "standin/playlists/PlaylistStep.hpp"
+
+namespace standin {
+
+/// Where a user wants a title to go, as his page showed the list: if the list has changed since, the title
+/// and the place are found again by what stood there, as long as that leaves no doubt.
+struct MoveOrder {
+  std::int32_t from = 0;
+  std::int32_t to = 0;
+  std::string title;
+  std::optional<std::string> before;  ///< the titles on either side afterwards; nothing at an end
+  std::optional<std::string> after;
+};
+
+/// Which of a group's titles: all of them, or those at these places, with the names they are known by.
+struct TitleChoice {
+  struct One {
+    std::int32_t at = 0;
+    std::string title;
+  };
+  bool all = false;
+  std::vector<One> titles;
+};
+
+// The changes of a list, each as a step that knows how to be undone. `Plan…` reads what is there and changes
+// nothing; `Take` does it; `Undo` and `Redo` first compare what is there with what the step has left behind
+// and throw number 3197 (kChangedMeanwhile), without having changed anything, where somebody else's change is
+// in the way.
+
+PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrder& order);
+PlaylistStep PlanRemove(PlayerLists& lists, const PlayerList& list, std::int32_t at,
+                        const std::string& title);
+/// `to` may be beyond the end.
+PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
+                     std::int32_t to);
+PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::string& name);
+PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name);
+PlaylistStep PlanDelete(const PlayerList& list);
+
+/// What fails midway leaves in `step` what has been done.
+void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list);
+/// All but the undoing of a deletion, which takes its time; see PlaylistRestore.
+void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
+void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
+/// How many of an addition's titles are there, from the first on, when nothing else of the list has changed;
+/// none otherwise.
+std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
+/// Whether the step's effect is there, as far as that can be told after the process that took it has ended;
+/// of an addition, all of it.
+bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
+
+/// The undoing of a deletion, some titles at a time. One that was interrupted is taken up where it ended.
+class PlaylistRestore {
+ public:
+  /// `resumed`: a list of that name may be what an undoing that was interrupted has left.
+  PlaylistRestore(const PlaylistStep& step, bool resumed) : step_(step), resumed_(resumed) {}
+  /// Puts back up to `most` titles; false when there are no more. Throws as `Undo`.
+  bool goOn(PlayerLists& lists, std::int32_t most);
+  [[nodiscard]] std::int32_t done() const { return done_; }
+  [[nodiscard]] std::int32_t missing() const { return missing_; }  ///< titles that are no longer there
+  [[nodiscard]] std::int32_t total() const { return static_cast<std::int32_t>(step_.items.size()); }
+
+ private:
+  PlayerList open(PlayerLists& lists);
+  PlaylistStep step_;
+  bool resumed_;
+  std::int32_t done_ = -1;  ///< before the first look
+  std::int32_t missing_ = 0;
+};
+
+}  // namespace standin

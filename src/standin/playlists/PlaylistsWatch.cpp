@@ -1,0 +1,104 @@
+// What others change in the playlists that pages show.
+#include <algorithm>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "standin/house/HouseJson.hpp"
+#include "standin/playlists/Playlists.hpp"
+
+namespace standin {
+namespace {
+
+constexpr base::Milliseconds kLease = std::chrono::seconds(15);
+constexpr std::size_t kMostWatchers = 64;
+constexpr std::int32_t kMostRows = 60;
+constexpr std::int32_t kLastRow = 10000000;  // far beyond any list, far below where numbers end
+
+}  // namespace
+
+void Playlists::watch(const std::string& page, const std::string& name, std::int32_t from,
+                      std::int32_t rows) {
+  if (!watchers_.contains(page) && watchers_.size() >= kMostWatchers) {
+    // The one that has been silent for longest.
+    watchers_.erase(std::min_element(
+        watchers_.begin(), watchers_.end(),
+        [](const auto& left, const auto& right) { return left.second.until < right.second.until; }));
+  }
+  watchers_[page] = {name, std::clamp(from, 0, kLastRow), std::clamp(rows, 0, kMostRows),
+                     loop_.now() + kLease};
+  kept(name);  // in use
+  if (!timer_->enabled()) timer_->enabled(true);
+}
+
+void Playlists::look() {
+  std::erase_if(watchers_, [this](const auto& each) { return each.second.until < loop_.now(); });
+  if (watchers_.empty()) {
+    timer_->enabled(false);
+    listed_.reset();
+    return;
+  }
+  if (looking_ || plugin_.state() != PluginPhase::kReady) return;
+  looking_ = true;
+  ask(
+      [this](PlayerLists& lists, Outcome&) {
+        std::set<std::string> names;
+        for (const auto& [page, watcher] : watchers_) names.insert(watcher.name);
+        for (const std::string& name : names) {
+          try {
+            if (name.empty()) {
+              lookAtNames(lists);
+            } else {
+              lookAt(lists, name);
+            }
+          } catch (const base::Failure& failure) {
+            // One list that can't be read hides no change of the others.
+            if (failure.number() == base::number::kHostGone) throw;
+          }
+        }
+      },
+      [this](const Outcome&) { looking_ = false; });
+}
+
+void Playlists::lookAtNames(PlayerLists& lists) {
+  std::vector<std::string> names;
+  const base::Value all = lists.script().invoke("GetCategoryList", "PlayList");
+  for (const base::Value& each : all.array()) names.push_back(base::ToText(each));
+  if (names == listed_) return;
+  const bool first = !listed_;
+  listed_ = std::move(names);
+  if (!first) tellCollection();
+}
+
+void Playlists::lookAt(PlayerLists& lists, const std::string& name) {
+  const Kept* known = kept(name);
+  if (known == nullptr || restoring_.contains(base::LowerCase(name))) return;
+  const std::string spelling = known->name;
+  const std::shared_ptr<const NameList> names = known->names;
+  const std::optional<PlayerList> list = lists.find(spelling);
+  if (!list) {
+    forget(spelling);
+    house_.live.tell("playlist", Dump({{"name", spelling}, {"gone", true}}));
+    tellCollection();
+    return;
+  }
+  bool same = list->count() == static_cast<std::int32_t>(names->size());
+  // Only the rows in sight: each is a call to the player.
+  std::set<std::int32_t> rows;
+  for (const auto& [page, watcher] : watchers_) {
+    if (!base::SameText(watcher.name, name)) continue;
+    for (std::int32_t i = 0; i < watcher.rows; ++i) rows.insert(watcher.from + i);
+  }
+  for (const std::int32_t row : rows) {
+    if (!same || row >= static_cast<std::int32_t>(names->size())) break;
+    same = list->nameAt(row) == names->all()[static_cast<std::size_t>(row)];
+  }
+  if (!same) {
+    std::vector<std::string> now = lists.names(*list);
+    tellChanged(keep(list->name(), std::move(now)));
+  } else if (Kept* still = kept(name)) {
+    still->seen = loop_.now();
+  }
+}
+
+}  // namespace standin

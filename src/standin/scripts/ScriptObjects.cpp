@@ -1,0 +1,122 @@
+#include "standin/scripts/ScriptObjects.hpp"
+
+#include <memory>
+#include <optional>
+
+#include "base/Members.hpp"
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kMostObjects = 100000;
+
+/// The value with every object in it replaced.
+template <class Change>
+base::Value changed(const base::Value& value, const Change& change) {
+  if (value.is<base::ObjectRef>()) return change(base::ToObject(value));
+  if (value.is<std::shared_ptr<const base::Array>>()) {
+    base::Array list;
+    for (const base::Value& each : value.array()) list.push_back(changed(each, change));
+    return list;
+  }
+  if (value.is<std::shared_ptr<const base::Record>>()) {
+    base::Record record;
+    for (const auto& [key, each] : value.record()) record.emplace_back(key, changed(each, change));
+    return record;
+  }
+  return value;
+}
+
+/// The names of the properties in an introspection text.
+std::set<std::string> fieldsIn(const std::string& text) {
+  static constexpr std::string_view kMark = "<property name=\"";
+  std::set<std::string> fields;
+  for (std::size_t at = text.find(kMark); at != std::string::npos; at = text.find(kMark, at)) {
+    at += kMark.size();
+    fields.insert(base::LowerCase(text.substr(at, text.find('"', at) - at)));
+  }
+  return fields;
+}
+
+}  // namespace
+
+ScriptObjects::ScriptObjects(bus::PollLoop& loop, bus::Connection& connection, PluginKeeper& plugin,
+                             base::ObjectRef host, const PluginKeeper::Address& address)
+    : loop_(loop), connection_(connection), plugin_(plugin) {
+  objects_[kScriptClassHandle] = connection.proxy(address.name, "/scriptclass");
+  objects_[kVxifHandle] = connection.proxy(address.name, address.path);
+  objects_[kHostHandle] = std::move(host);
+}
+
+base::Value ScriptObjects::unwrapped(const base::Value& value) const {
+  return changed(value, [this](const base::ObjectRef& object) -> base::Value {
+    const auto* handle = dynamic_cast<const ScriptHandle*>(object.get());
+    if (handle == nullptr) return object;
+    const auto found = objects_.find(handle->id());
+    return found == objects_.end() ? base::ObjectRef() : found->second;
+  });
+}
+
+base::Args ScriptObjects::unwrappedAll(const base::Args& args) const {
+  base::Args out;
+  for (const base::Value& each : args) out.push_back(unwrapped(each));
+  return out;
+}
+
+base::Value ScriptObjects::wrapped(const base::Value& value) {
+  return changed(value, [this](const base::ObjectRef& object) -> base::Value {
+    if (!object) return {};
+    if (objects_.size() >= kMostObjects) {
+      throw base::Failure(base::number::kOverflow, "The script holds too many objects");
+    }
+    const std::int32_t id = objects_.rbegin()->first + 1;
+    objects_[id] = object;
+    return std::make_shared<ScriptHandle>(id);
+  });
+}
+
+void ScriptObjects::with(std::int32_t handle, Work work, Done done) {
+  const auto found = objects_.find(handle);
+  if (found == objects_.end()) {
+    const base::Failure missing(base::number::kObjectMissing);
+    done({}, &missing);
+    return;
+  }
+  struct Answer {
+    base::Value result;
+    std::optional<base::Failure> failure;
+  };
+  const auto answer = std::make_shared<Answer>();
+  const auto attempt = [this, answer, object = found->second, work = std::move(work)] {
+    try {
+      answer->result = wrapped(work(*object));
+    } catch (...) {
+      answer->failure = base::CurrentFailure();
+    }
+  };
+  const auto finish = [answer, done = std::move(done)](const std::string& failure) {
+    if (!failure.empty()) answer->failure = base::Failure(base::number::kHostGone, failure);
+    done(answer->result, answer->failure ? &*answer->failure : nullptr);
+  };
+  if (bus::Connection::peerOf(*found->second).empty()) {
+    loop_.whileOpen(attempt);
+    finish({});
+  } else {
+    plugin_.command([attempt](base::Object&) { attempt(); }, finish);
+  }
+}
+
+bool ScriptObjects::isField(base::Object& object, std::int32_t handle, const std::string& name) {
+  if (const base::MemberTable* table = object.members()) {
+    const base::Member* member = table->find(name);
+    return member != nullptr && member->kind != base::MemberKind::kOperation;
+  }
+  if (!fields_.contains(handle)) {
+    fields_[handle] =
+        fieldsIn(connection_.introspect(bus::Connection::peerOf(object), bus::Connection::pathOf(object)));
+  }
+  return fields_[handle].contains(base::LowerCase(name));
+}
+
+}  // namespace standin

@@ -1,0 +1,222 @@
+#include "standin/settings/IniText.hpp"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+/// The mark that some editors put at the front of a file.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool plainText(std::string_view text) {
+  if (text.empty()) return true;
+  return !text.starts_with(kByteOrderMark) && !isBlank(text.front()) && !isBlank(text.back()) &&
+         text.front() != '"' && std::none_of(text.begin(), text.end(), isControl);
+}
+
+bool plainKey(std::string_view text) {
+  return !text.empty() && plainText(text) && text.find('=') == std::string_view::npos &&
+         std::string_view("[;#").find(text.front()) == std::string_view::npos;
+}
+
+std::string quoted(std::string_view text) {
+  static constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string out = "\"";
+  for (const char c : text) {
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      default:
+        if (isControl(c)) {
+          const auto code = static_cast<unsigned char>(c);
+          out += "\\x";
+          out += kDigits[code >> 4U];
+          out += kDigits[code & 15U];
+        } else {
+          out += c;
+        }
+    }
+  }
+  return out + "\"";
+}
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+/// Reads a quoted text at the front of `text` and moves behind it; nothing when it isn't closed.
+std::optional<std::string> takeQuoted(std::string_view& text) {
+  std::string out;
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '"') {
+      text.remove_prefix(i + 1);
+      return out;
+    }
+    if (c != '\\' || i + 1 >= text.size()) {
+      out += c;
+      continue;
+    }
+    const char next = text[++i];
+    if (next == 'n') {
+      out += '\n';
+    } else if (next == 'r') {
+      out += '\r';
+    } else if (next == 't') {
+      out += '\t';
+    } else if (next == '"' || next == '\\') {
+      out += next;
+    } else if (next == 'x' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0 &&
+               hexDigit(text[i + 2]) >= 0) {
+      out += static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
+      i += 2;
+    } else {
+      out += '\\';
+      out += next;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The text that stands for a value: in quotes as a whole, or as it is.
+std::string meant(std::string_view text) {
+  text = trimmed(text);
+  if (!text.empty() && text.front() == '"') {
+    std::string_view rest = text;
+    std::optional<std::string> inner = takeQuoted(rest);
+    if (inner && rest.empty()) return *std::move(inner);
+  }
+  return std::string(text);
+}
+
+std::optional<std::pair<std::string, std::string>> keyAndValue(std::string_view line) {
+  if (line.front() == '"') {
+    std::string_view rest = line;
+    std::optional<std::string> key = takeQuoted(rest);
+    rest = trimmed(rest);
+    if (key && !rest.empty() && rest.front() == '=') return std::pair(*std::move(key), meant(rest.substr(1)));
+  }
+  const std::size_t equals = line.find('=');
+  if (equals == std::string_view::npos) return std::nullopt;
+  return std::pair(std::string(trimmed(line.substr(0, equals))), meant(line.substr(equals + 1)));
+}
+
+}  // namespace
+
+IniFile::Section& IniFile::need(std::string_view name) {
+  std::string folded = base::LowerCase(name);
+  if (const auto found = byName_.find(folded); found != byName_.end()) return *found->second;
+  // Lines without a heading can only stand first.
+  const auto place = name.empty() ? sections_.begin() : sections_.end();
+  const auto made = sections_.insert(place, Section{std::string(name), {}, {}});
+  byName_.emplace(std::move(folded), made);
+  return *made;
+}
+
+const IniFile::Section* IniFile::look(std::string_view name) const {
+  const auto found = byName_.find(base::LowerCase(name));
+  return found == byName_.end() ? nullptr : &*found->second;
+}
+
+IniFile IniFile::parse(std::string_view text) {
+  IniFile file;
+  std::string section;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view raw = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    std::string_view line = trimmed(raw);
+    while (!line.empty() && line.back() == '\r') line = trimmed(line.substr(0, line.size() - 1));
+    while (line.starts_with(kByteOrderMark)) line = trimmed(line.substr(kByteOrderMark.size()));
+    if (line.empty()) continue;
+    if (line.front() == '[' && line.back() == ']' && line.size() > 1) {
+      section = meant(line.substr(1, line.size() - 2));
+      file.need(section);
+      continue;
+    }
+    const bool remark = line.front() == ';' || line.front() == '#' || line.front() == '[';
+    auto entry = remark ? std::nullopt : keyAndValue(line);
+    if (!entry) {
+      file.need(section).lines.push_back({std::string(line), {}, true});
+    } else if (file.find(section, entry->first) == nullptr) {
+      file.set(section, entry->first, std::move(entry->second));
+    }
+  }
+  return file;
+}
+
+std::string IniFile::format() const {
+  std::string out;
+  for (const Section& section : sections_) {
+    if (!section.name.empty()) {
+      if (!out.empty()) out += '\n';
+      out += '[' + (plainText(section.name) ? section.name : quoted(section.name)) + "]\n";
+    }
+    for (const Line& line : section.lines) {
+      if (line.remark) {
+        out += line.key;
+      } else {
+        out += plainKey(line.key) ? line.key : quoted(line.key);
+        out += '=';
+        out += plainText(line.value) ? line.value : quoted(line.value);
+      }
+      out += '\n';
+    }
+  }
+  return out;
+}
+
+const std::string* IniFile::find(std::string_view section, std::string_view key) const {
+  const Section* in = look(section);
+  if (in == nullptr) return nullptr;
+  const auto found = in->byKey.find(base::LowerCase(key));
+  return found == in->byKey.end() ? nullptr : &in->lines[found->second].value;
+}
+
+void IniFile::set(std::string_view section, std::string_view key, std::string value) {
+  Section& in = need(section);
+  const auto [found, fresh] = in.byKey.try_emplace(base::LowerCase(key), in.lines.size());
+  if (fresh) {
+    in.lines.push_back({std::string(key), std::move(value), false});
+  } else {
+    in.lines[found->second].value = std::move(value);
+  }
+}
+
+void IniFile::clear(std::string_view section) {
+  const auto found = byName_.find(base::LowerCase(section));
+  if (found == byName_.end()) return;
+  sections_.erase(found->second);
+  byName_.erase(found);
+}
+
+std::vector<std::string> IniFile::entries(std::string_view section) const {
+  std::vector<std::string> out;
+  const Section* in = look(section);
+  if (in == nullptr) return out;
+  for (const Line& line : in->lines) {
+    if (!line.remark) out.push_back(line.key + "=" + line.value);
+  }
+  return out;
+}
+
+}  // namespace standin

@@ -1,0 +1,116 @@
+#include "standin/settings/SettingsJournal.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <utility>
+
+namespace standin {
+namespace {
+
+std::string escaped(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (const char c : text) {
+    switch (c) {
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\t': out += "\\t"; break;
+      default: out += c;
+    }
+  }
+  return out;
+}
+
+std::string unescaped(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      out += text[i];
+      continue;
+    }
+    const char next = text[++i];
+    out += next == 'n' ? '\n' : next == 't' ? '\t' : next;
+  }
+  return out;
+}
+
+std::string checkSum(std::string_view text) {
+  std::uint64_t sum = 14695981039346656037ULL;  // FNV-1a
+  for (const char c : text) sum = (sum ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+  std::string out(16, '0');
+  for (std::size_t i = 0; i < out.size(); ++i) out[15 - i] = "0123456789abcdef"[(sum >> (4 * i)) & 15U];
+  return out;
+}
+
+}  // namespace
+
+SettingsJournal::SettingsJournal(std::filesystem::path path)
+    : path_(std::move(path)), file_(::open(path_.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0600)) {
+  if (!file_.valid()) throw FileFailure(errno, "Can't write " + path_.string());
+  size_ = static_cast<std::size_t>(std::max<off_t>(0, ::lseek(file_.get(), 0, SEEK_END)));
+}
+
+std::string SettingsJournal::lineOf(const SettingChange& change) {
+  std::string line = change.kind == SettingChange::Kind::kSet ? "set" : "clear";
+  for (const std::string* field : {&change.file, &change.section, &change.key, &change.value}) {
+    line += '\t' + escaped(*field);
+  }
+  return line + '\t' + checkSum(line) + '\n';
+}
+
+bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
+  const std::size_t last = line.rfind('\t');
+  if (last == std::string_view::npos || line.substr(last + 1) != checkSum(line.substr(0, last))) return false;
+  line = line.substr(0, last);
+  std::array<std::string_view, 5> fields;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const std::size_t end = line.find('\t');
+    if ((end == std::string_view::npos) != (i + 1 == fields.size())) return false;
+    fields[i] = line.substr(0, end);
+    if (end != std::string_view::npos) line.remove_prefix(end + 1);
+  }
+  if (fields[0] != "set" && fields[0] != "clear") return false;
+  change.kind = fields[0] == "set" ? SettingChange::Kind::kSet : SettingChange::Kind::kClear;
+  change.file = unescaped(fields[1]);
+  change.section = unescaped(fields[2]);
+  change.key = unescaped(fields[3]);
+  change.value = unescaped(fields[4]);
+  return true;
+}
+
+void SettingsJournal::replay(const std::function<void(const SettingChange&)>& apply) const {
+  const std::optional<std::string> content = ReadFile(path_);
+  std::string_view rest = content ? std::string_view(*content) : std::string_view();
+  while (!rest.empty()) {
+    const std::size_t end = rest.find('\n');
+    if (end == std::string_view::npos) return;
+    SettingChange change;
+    if (readLine(rest.substr(0, end), change)) apply(change);
+    rest.remove_prefix(end + 1);
+  }
+}
+
+void SettingsJournal::append(const SettingChange& change) {
+  const std::string line = lineOf(change);
+  try {
+    WriteAll(file_.get(), line, path_.string());
+  } catch (...) {
+    // Half a line would swallow the next one.
+    if (::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0) WriteAll(file_.get(), "\n", path_.string());
+    throw;
+  }
+  size_ += line.size();
+}
+
+void SettingsJournal::empty() {
+  if (::ftruncate(file_.get(), 0) != 0) throw FileFailure(errno, "Can't write " + path_.string());
+  size_ = 0;
+}
+
+}  // namespace standin

@@ -1,0 +1,47 @@
+#pragma once
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "standin/storage/FileTools.hpp"
+
+namespace standin {
+
+/// One change of a setting, as the journal keeps it.
+struct SettingChange {
+  enum class Kind { kSet, kClear };
+  Kind kind = Kind::kSet;
+  std::string file;
+  std::string section;
+  std::string key;
+  std::string value;
+};
+
+/// The changes that the settings files don't hold yet, one line each with a check sum, so that a line cut
+/// short by the end of the process is told from a whole one. One `write` a change.
+class SettingsJournal {
+ public:
+  /// Opens or creates it. Throws as files do.
+  explicit SettingsJournal(std::filesystem::path path);
+
+  /// Gives every whole change to `apply` in order; what is torn is passed over.
+  void replay(const std::function<void(const SettingChange&)>& apply) const;
+  /// Has the change in the file when it returns; throws, 61 for a full disk, and leaves no trace of it.
+  void append(const SettingChange& change);
+  /// Forgets all changes, as the files hold them now.
+  void empty();
+  [[nodiscard]] std::size_t size() const { return size_; }
+
+  static std::string lineOf(const SettingChange& change);
+  /// False when the line (without its end) is not whole.
+  static bool readLine(std::string_view line, SettingChange& change);
+
+ private:
+  std::filesystem::path path_;
+  Descriptor file_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace standin

@@ -1,0 +1,123 @@
+#include "standin/settings/SettingsStore.hpp"
+
+#include <utility>
+
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+constexpr const char* kJournal = "settings.journal";
+
+bool plainFileName(const std::string& name) {
+  const std::string folded = base::LowerCase(name);
+  return !name.empty() && name.size() < 200 && name.front() != '.' &&
+         name.find_first_of(std::string_view("/\\:\0", 4)) == std::string::npos &&
+         // The store's own: a file renamed over the journal would take all changes with it.
+         folded != kJournal && !folded.ends_with(".new") && !folded.ends_with(".edited");
+}
+
+}  // namespace
+
+SettingsStore::SettingsStore(const std::filesystem::path& folder)
+    : folder_((MakeFolder(folder), folder)), journal_(folder / kJournal) {
+  if (!pending()) return;
+  journal_.replay([this](const SettingChange& change) {
+    try {
+      apply(change);
+    } catch (const base::Failure& failure) {
+      notes_.push_back("A change in the journal is passed over: " + failure.description());
+    }
+  });
+  try {
+    keepEdited();
+    flush();
+  } catch (const base::Failure& failure) {
+    notes_.push_back("The settings stay in the journal: " + failure.description());
+  }
+}
+
+void SettingsStore::keepEdited() {
+  const auto journalTime = std::filesystem::last_write_time(folder_ / kJournal);
+  for (const auto& [name, loaded] : files_) {
+    std::error_code none;
+    const auto time = std::filesystem::last_write_time(loaded.path, none);
+    if (none || !loaded.changed || time <= journalTime) continue;
+    const std::string text = ReadFile(loaded.path).value_or(std::string());
+    if (text == loaded.content.format()) continue;
+    const std::filesystem::path copy = loaded.path.string() + ".edited";
+    ReplaceFile(copy, text);
+    notes_.push_back(loaded.path.filename().string() +
+                     " was edited while changes of the server's waited for it; they have been brought in, "
+                     "and the edited file is kept as " +
+                     copy.filename().string());
+  }
+}
+
+SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
+  const std::string folded = base::LowerCase(file);
+  if (const auto found = files_.find(folded); found != files_.end()) return found->second;
+  if (!plainFileName(file)) {
+    throw base::Failure(base::number::kInvalidArgument, "\"" + file + "\" is no name of a settings file");
+  }
+  std::filesystem::path path = folder_ / file;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    if (base::LowerCase(entry.path().filename().string()) == folded) path = entry.path();
+  }
+  const std::optional<std::string> text = ReadFile(path);
+  return files_.emplace(folded, Loaded{path, IniFile::parse(text.value_or(std::string())), false})
+      .first->second;
+}
+
+void SettingsStore::apply(const SettingChange& change) {
+  Loaded& loaded = open(change.file);
+  if (change.kind == SettingChange::Kind::kSet) {
+    loaded.content.set(change.section, change.key, change.value);
+  } else {
+    loaded.content.clear(change.section);
+  }
+  loaded.changed = true;
+}
+
+std::optional<std::string> SettingsStore::get(const std::string& file, const std::string& section,
+                                              const std::string& key) {
+  const std::string* found = open(file).content.find(section, key);
+  return found == nullptr ? std::nullopt : std::optional(*found);
+}
+
+void SettingsStore::save(const std::string& file, const std::string& section, const std::string& key,
+                         const std::string& value) {
+  const std::string* stored = open(file).content.find(section, key);
+  if (stored != nullptr && *stored == value) return;
+  const SettingChange change{SettingChange::Kind::kSet, file, section, key, value};
+  journal_.append(change);
+  apply(change);
+}
+
+std::string SettingsStore::section(const std::string& file, const std::string& section) {
+  std::string out;
+  bool first = true;
+  for (const std::string& entry : open(file).content.entries(section)) {
+    if (!std::exchange(first, false)) out += '\0';
+    out += entry;
+  }
+  return out;
+}
+
+void SettingsStore::clear(const std::string& file, const std::string& section) {
+  open(file);
+  const SettingChange change{SettingChange::Kind::kClear, file, section, {}, {}};
+  journal_.append(change);
+  apply(change);
+}
+
+void SettingsStore::flush() {
+  for (auto& [name, loaded] : files_) {
+    if (!loaded.changed) continue;
+    ReplaceFile(loaded.path, loaded.content.format());
+    loaded.changed = false;
+  }
+  journal_.empty();
+}
+
+}  // namespace standin

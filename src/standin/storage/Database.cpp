@@ -1,0 +1,101 @@
+#include "standin/storage/Database.hpp"
+
+#include <sqlite3.h>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+[[noreturn]] void fail(sqlite3* handle, const std::string& doing) {
+  const int code = handle == nullptr ? SQLITE_NOMEM : sqlite3_errcode(handle);
+  const std::string text = handle == nullptr ? "out of memory" : sqlite3_errmsg(handle);
+  throw base::Failure(code == SQLITE_FULL ? base::number::kDiskFull : base::number::kDeviceIo,
+                      "The house's database: " + doing + ": " + text);
+}
+
+}  // namespace
+
+void Database::Close::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+
+Database::Database(const std::filesystem::path& path) {
+  sqlite3* handle = nullptr;
+  const int code = sqlite3_open_v2(path.c_str(), &handle,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+  handle_.reset(handle);
+  if (code != SQLITE_OK) fail(handle, "opening " + path.string());
+  sqlite3_busy_timeout(handle, 5000);
+  run("PRAGMA journal_mode=WAL");
+  run("PRAGMA synchronous=NORMAL");
+  run("PRAGMA foreign_keys=ON");
+}
+
+void Database::run(const std::string& sql) {
+  if (sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+    fail(handle_.get(), sql.substr(0, 60));
+  }
+}
+
+std::int64_t Database::lastId() const { return sqlite3_last_insert_rowid(handle_.get()); }
+
+Statement::Statement(Database& database, std::string_view sql) : database_(database) {
+  sqlite3_stmt* statement = nullptr;
+  if (sqlite3_prepare_v3(database.handle(), sql.data(), static_cast<int>(sql.size()),
+                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK) {
+    fail(database.handle(), std::string(sql));
+  }
+  statement_.reset(statement);
+}
+
+void Statement::reset() {
+  sqlite3_reset(statement_.get());
+  sqlite3_clear_bindings(statement_.get());
+}
+
+void Statement::bind(int place, std::int64_t value) { sqlite3_bind_int64(statement_.get(), place, value); }
+
+void Statement::bind(int place, std::string_view value) {
+  sqlite3_bind_text(statement_.get(), place, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
+}
+
+bool Statement::step() {
+  const int code = sqlite3_step(statement_.get());
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) {
+    sqlite3_reset(statement_.get());
+    fail(database_.handle(), sqlite3_sql(statement_.get()));
+  }
+  sqlite3_reset(statement_.get());
+  return false;
+}
+
+void Statement::run() {
+  while (step()) {
+  }
+}
+
+std::int64_t Statement::integer(int column) const { return sqlite3_column_int64(statement_.get(), column); }
+
+std::string Statement::text(int column) const {
+  const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+  const int size = sqlite3_column_bytes(statement_.get(), column);
+  return data == nullptr ? std::string() : std::string(data, static_cast<std::size_t>(size));
+}
+
+Transaction::Transaction(Database& database) : database_(database) { database_.run("BEGIN IMMEDIATE"); }
+
+Transaction::~Transaction() {
+  if (!open_) return;
+  try {
+    database_.run("ROLLBACK");
+  } catch (...) {  // SQLite has rolled back by itself
+  }
+}
+
+void Transaction::commit() {
+  database_.run("COMMIT");
+  open_ = false;
+}
+
+}  // namespace standin

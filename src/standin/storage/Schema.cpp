@@ -1,0 +1,60 @@
+#include "standin/storage/Schema.hpp"
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr int kSchemaVersion = 2;
+
+constexpr const char* kTables = R"(
+CREATE TABLE device (ref INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, location TEXT NOT NULL,
+  hc TEXT NOT NULL, dc TEXT NOT NULL, interface TEXT NOT NULL, dev_type TEXT NOT NULL, iotype INTEGER NOT NULL,
+  status INTEGER NOT NULL, misc INTEGER NOT NULL, value INTEGER NOT NULL, text TEXT NOT NULL,
+  changed INTEGER NOT NULL);
+CREATE TABLE device_values (ref INTEGER PRIMARY KEY REFERENCES device ON DELETE CASCADE, list TEXT NOT NULL);
+CREATE TABLE device_button (id INTEGER PRIMARY KEY, ref INTEGER NOT NULL REFERENCES device ON DELETE CASCADE,
+  interface TEXT NOT NULL, caption TEXT NOT NULL);
+CREATE INDEX device_button_ref ON device_button (ref);
+CREATE TABLE event (id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, vcmd TEXT NOT NULL,
+  misc INTEGER NOT NULL, misc2 INTEGER NOT NULL, abs_time INTEGER NOT NULL, grp TEXT NOT NULL);
+CREATE TABLE event_device (id INTEGER PRIMARY KEY AUTOINCREMENT,
+  event INTEGER NOT NULL REFERENCES event ON DELETE CASCADE, devid INTEGER NOT NULL, func INTEGER NOT NULL);
+CREATE INDEX event_device_event ON event_device (event);
+CREATE TABLE user (name TEXT PRIMARY KEY COLLATE NOCASE, hash TEXT NOT NULL, guest INTEGER NOT NULL);
+CREATE TABLE session (token TEXT PRIMARY KEY, user TEXT NOT NULL COLLATE NOCASE
+  REFERENCES user ON DELETE CASCADE, expires INTEGER NOT NULL);
+CREATE TABLE log (id INTEGER PRIMARY KEY AUTOINCREMENT, time INTEGER NOT NULL, type TEXT NOT NULL,
+  text TEXT NOT NULL);
+)";
+
+/// Since version 2: what has been done to the player's playlists.
+constexpr const char* kPlaylistTables = R"(
+CREATE TABLE playlist (id INTEGER PRIMARY KEY, name TEXT NOT NULL, folded TEXT NOT NULL, gone INTEGER NOT NULL);
+CREATE INDEX playlist_folded ON playlist (folded);
+CREATE TABLE playlist_step (id INTEGER PRIMARY KEY AUTOINCREMENT,
+  list INTEGER NOT NULL REFERENCES playlist ON DELETE CASCADE, state INTEGER NOT NULL,
+  collection INTEGER NOT NULL, turn INTEGER NOT NULL, size INTEGER NOT NULL, data TEXT NOT NULL);
+CREATE INDEX playlist_step_list ON playlist_step (list);
+CREATE INDEX playlist_step_turn ON playlist_step (turn);
+)";
+
+}  // namespace
+
+void PrepareSchema(Database& database) {
+  Statement ask(database, "PRAGMA user_version");
+  ask.step();
+  const auto version = static_cast<int>(ask.integer(0));
+  ask.with();
+  if (version == kSchemaVersion) return;
+  if (version > kSchemaVersion) {
+    throw base::Failure(base::number::kDeviceIo, "The house's database was written by a newer server");
+  }
+  Transaction whole(database);
+  if (version < 1) database.run(kTables);
+  if (version < 2) database.run(kPlaylistTables);
+  database.run("PRAGMA user_version = " + std::to_string(kSchemaVersion));
+  whole.commit();
+}
+
+}  // namespace standin

@@ -1,0 +1,52 @@
+#include "standin/voice/EspeakVoice.hpp"
+
+#include <espeak-ng/espeak_ng.h>
+#include <espeak-ng/speak_lib.h>
+
+#include <atomic>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+int onSound(short* /*samples*/, int /*count*/, espeak_EVENT* events) {
+  const auto* hushed = static_cast<const std::atomic<bool>*>(events->user_data);
+  return hushed != nullptr && *hushed ? 1 : 0;
+}
+
+void check(espeak_ng_STATUS status, const char* what) {
+  if (status == ENS_OK) return;
+  throw base::Failure(base::number::kDeviceIo, std::string("There is no ") + what);
+}
+
+}  // namespace
+
+EspeakVoice::~EspeakVoice() {
+  if (prepared_) espeak_Terminate();
+}
+
+void EspeakVoice::prepare() {
+  if (prepared_) return;
+  espeak_ng_InitializePath(nullptr);
+  check(espeak_ng_Initialize(nullptr), "voice data");
+  prepared_ = true;
+  espeak_SetSynthCallback(onSound);
+  espeak_SetVoiceByName("en");
+}
+
+void EspeakVoice::say(const std::string& text) {
+  using Clock = std::chrono::steady_clock;
+  if (Clock::now() < notBefore_) throw base::Failure(base::number::kDeviceIo, "There is no sound device");
+  notBefore_ = Clock::now() + std::chrono::minutes(1);
+  prepare();
+  const auto mode = static_cast<espeak_ng_OUTPUT_MODE>(ENOUTPUT_MODE_SYNCHRONOUS | ENOUTPUT_MODE_SPEAK_AUDIO);
+  check(espeak_ng_InitializeOutput(mode, 0, nullptr), "sound device");
+  hushed_ = false;
+  const auto status = espeak_ng_Synthesize(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
+                                           espeakCHARS_UTF8, nullptr, &hushed_);
+  check(status, "sound device");
+  notBefore_ = {};
+}
+
+}  // namespace standin

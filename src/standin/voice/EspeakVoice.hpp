@@ -1,0 +1,30 @@
+#pragma once
+#include <atomic>
+#include <chrono>
+
+#include "standin/voice/VoiceOutput.hpp"
+
+namespace standin {
+
+/// A synthetic voice on the machine's sound. There may be one in a process. It is made ready at its first
+/// text; after a failure the machine's sound is left alone for a minute.
+class EspeakVoice : public VoiceOutput {
+ public:
+  EspeakVoice() = default;
+  ~EspeakVoice() override;
+  EspeakVoice(const EspeakVoice&) = delete;
+  EspeakVoice& operator=(const EspeakVoice&) = delete;
+  EspeakVoice(EspeakVoice&&) = delete;
+  EspeakVoice& operator=(EspeakVoice&&) = delete;
+
+  void say(const std::string& text) override;
+  void hush() override { hushed_ = true; }
+
+ private:
+  void prepare();
+  bool prepared_ = false;
+  std::chrono::steady_clock::time_point notBefore_{};  ///< after a failure
+  std::atomic<bool> hushed_ = false;
+};
+
+}  // namespace standin

@@ -1,0 +1,112 @@
+#include "standin/voice/Speech.hpp"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::int16_t kAudioEvents = 8;
+constexpr std::size_t kMostWaiting = 100;
+constexpr base::Milliseconds kHushAgain = std::chrono::milliseconds(200);
+
+}  // namespace
+
+Speech::Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice, base::Milliseconds longest)
+    : loop_(loop), house_(house), voice_(voice), longest_(longest), cut_(loop.makeTimer(longest, [this] {
+        if (saying_) voice_.hush();
+        cut_->interval(kHushAgain);
+      })) {}
+
+Speech::~Speech() {
+  if (!thread_.joinable()) return;
+  // A word in time: the voice may only be about to begin, and would not have heard the first.
+  for (; saying_; std::this_thread::sleep_for(std::chrono::milliseconds(10))) voice_.hush();
+  thread_.join();
+}
+
+void Speech::speak(const std::string& text, bool wait) {
+  house_.log.write("Speech", text);
+  // More than anybody would listen to: the log has it.
+  if (text.empty() || orders_.size() >= kMostWaiting) return;
+  const auto order = std::make_shared<Order>(Order{text});
+  orders_.push_back(order);
+  if (!busy_) beginSoon();
+  // Asked for while a listener is being told, it could only be said after the listener has answered.
+  if (!wait || telling_) return;
+  const base::Milliseconds end = loop_.now() + longest_;
+  loop_.whileOpen([&] {
+    while (!order->over && loop_.now() < end && !loop_.quitting())
+      loop_.turn(std::min(end - loop_.now(), base::Milliseconds(500)));
+  });
+}
+
+void Speech::beginSoon() {
+  busy_ = true;
+  loop_.post([this, alive = std::weak_ptr(alive_)] {
+    if (alive.lock()) begin();
+  });
+}
+
+void Speech::begin() {
+  tellSinks(true);
+  cut_->interval(longest_);
+  cut_->enabled(true);
+  saying_ = true;
+  try {
+    thread_ = std::thread([this, text = orders_.front()->text] { say(text); });
+  } catch (const std::system_error& failure) {  // the machine has no thread to spare
+    saying_ = false;
+    said(failure.what());
+  }
+}
+
+void Speech::say(const std::string& text) {
+  std::string failure;
+  try {
+    voice_.say(text);
+  } catch (...) {
+    failure = base::CurrentFailure().description();
+  }
+  saying_ = false;
+  loop_.post([this, failure, alive = std::weak_ptr(alive_)] {
+    if (alive.lock()) said(failure);
+  });
+}
+
+void Speech::said(const std::string& failure) {
+  if (thread_.joinable()) thread_.join();
+  cut_->enabled(false);
+  if (!failure.empty() && failure != toldFailure_) {
+    house_.log.write("Info", "Speech is written to the log only: " + failure);
+  }
+  toldFailure_ = failure;
+  tellSinks(false);
+  orders_.front()->over = true;
+  orders_.pop_front();
+  busy_ = false;
+  if (!orders_.empty()) beginSoon();
+}
+
+void Speech::tellSinks(bool started) {
+  telling_ = true;
+  const std::vector<EventSink> sinks = house_.eventSinks;  // they may change while one is told
+  for (const EventSink& sink : sinks) {
+    if ((sink.mask & kAudioEvents) == 0 || !sink.object) continue;
+    try {
+      loop_.whileOpen([&] {
+        sink.object->invoke("VXEvent", base::Array{base::Value(kAudioEvents), base::Value(started)});
+      });
+    } catch (...) {
+      house_.log.write("Warning",
+                       "A listener to audio events is dropped: " + base::CurrentFailure().description());
+      std::erase_if(house_.eventSinks, [&](const EventSink& each) { return each.object == sink.object; });
+    }
+  }
+  telling_ = false;
+}
+
+}  // namespace standin

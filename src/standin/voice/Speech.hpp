@@ -1,0 +1,58 @@
+#pragma once
+#include <atomic>
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "bus/PollLoop.hpp"
+#include "standin/house/House.hpp"
+#include "standin/voice/VoiceOutput.hpp"
+
+namespace standin {
+
+/// The house's speech: one text after the other, with an audio event before and after each to whoever has
+/// asked for them, so that a player can make room. All use is on the loop's thread.
+class Speech {
+ public:
+  Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice)
+      : Speech(loop, house, voice, std::chrono::minutes(2)) {}
+  /// `longest`: what takes more time than that is cut short.
+  Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice, base::Milliseconds longest);
+  ~Speech();
+  Speech(const Speech&) = delete;
+  Speech& operator=(const Speech&) = delete;
+  Speech(Speech&&) = delete;
+  Speech& operator=(Speech&&) = delete;
+
+  /// Writes the text to the log and says it when those before it have been said. With `wait` it returns
+  /// after that; everything else goes on meanwhile.
+  void speak(const std::string& text, bool wait);
+
+ private:
+  struct Order {
+    std::string text;
+    bool over = false;
+  };
+  void beginSoon();
+  void begin();
+  void say(const std::string& text);  ///< on the thread
+  void said(const std::string& failure);
+  void tellSinks(bool started);
+
+  bus::PollLoop& loop_;
+  House& house_;
+  VoiceOutput& voice_;
+  base::Milliseconds longest_;
+  std::deque<std::shared_ptr<Order>> orders_;
+  bool busy_ = false;     ///< a text is being said, or its events are being told
+  bool telling_ = false;  ///< the events are being told
+  std::string toldFailure_;
+  std::thread thread_;
+  std::atomic<bool> saying_ = false;  ///< the thread is at a text
+  std::unique_ptr<base::Timer> cut_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace standin

@@ -1,0 +1,78 @@
+#pragma once
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "standin/fakes/FakePlugin.hpp"
+#include "standin/fakes/ServerProcess.hpp"
+#include "standin/fakes/WebClient.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/Process.hpp"
+#include "support/TempFolder.hpp"
+
+namespace support {
+
+/// A server whose plug-in has one playlist, "Mine" with four titles, and an album of five.
+class PlaylistHouse : public testing::Test {
+ protected:
+  using json = nlohmann::json;
+  PlaylistHouse() {
+    for (const char* name : {"A", "B", "C", "D", "E"})
+      lists->library.push_back({name, std::string("Blue/") + name});
+    lists->put("Mine", {at("A"), at("B"), at("C"), at("D")});
+    start();
+  }
+  FakePlaylists::Title at(const std::string& name) { return {name, "Blue/" + name}; }
+  void start() {
+    server.emplace(bus.address(), folder.path() / "data");
+    web.emplace(server->port());
+    ASSERT_TRUE(Eventually([&] {
+      const json state = web->json("/api/state");
+      return state.is_object() && state.value("/plugin/state"_json_pointer, "") == "ready";
+    }));
+  }
+  void pullThePlug() {
+    server->end(SIGKILL);
+    start();
+  }
+  FakePlugin::Manner manner() {
+    FakePlugin::Manner manner;
+    manner.library.playlists = lists;
+    return manner;
+  }
+  json show(const std::string& name = "Mine", bool fresh = false) {
+    return web->json("/api/playlist?limit=100&group=" + httplib::detail::encode_query_param(name) +
+                     (fresh ? "&fresh=1" : ""));
+  }
+  int act(const std::string& action, json body) {
+    if (!body.contains("name")) body["name"] = "Mine";
+    const int status = web->post("/api/playlist/" + action, body);
+    last = json::parse(web->last);
+    return status;
+  }
+  int move(int from, int to, const std::string& title, const json& before, const json& after) {
+    return act("move", {{"from", from}, {"to", to}, {"title", title}, {"before", before}, {"after", after}});
+  }
+  int remove(int place, const std::string& title) { return act("remove", {{"at", place}, {"title", title}}); }
+  int turn(const std::string& action, const std::string& name = "Mine") {
+    return act(action, {{"name", name}});
+  }
+  void watch(const std::string& name, const std::string& page, std::int32_t from = 0) {
+    EXPECT_EQ(
+        web->post("/api/playlist/watch", {{"page", page}, {"name", name}, {"from", from}, {"rows", 60}}),
+        200);
+  }
+  FakePlaylists::Names mine() { return lists->names("Mine"); }
+
+  support::BusDaemon bus;
+  support::TempFolder folder;
+  std::shared_ptr<FakePlaylists> lists = std::make_shared<FakePlaylists>();
+  FakePlugin plugin{bus.address(), manner()};
+  std::optional<ServerProcess> server;
+  std::optional<WebClient> web;
+  json last;
+};
+
+}  // namespace support

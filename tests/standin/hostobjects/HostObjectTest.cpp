@@ -1,0 +1,344 @@
+#include "standin/fakes/FakeVoice.hpp"
+#include "standin/hostobjects/HostObject.hpp"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <map>
+#include <thread>
+
+#include "base/Failure.hpp"
+#include "standin/hostobjects/EventObject.hpp"
+#include "support/BusPeer.hpp"
+#include "support/TempFolder.hpp"
+
+namespace standin {
+namespace {
+
+using base::Type;
+using base::Value;
+
+/// Remembers what it shows.
+class MapShelf : public Shelf {
+ public:
+  void show(const std::string& path, base::ObjectRef object) override { objects[path] = std::move(object); }
+  void hide(const std::string& path) override { objects.erase(path); }
+  std::map<std::string, base::ObjectRef> objects;
+};
+
+class Host : public testing::Test {
+ protected:
+  Value call(const std::string& name, base::Args args = {}) { return host->call(name, args); }
+  std::string text(const std::string& name, base::Args args = {}) {
+    return base::ToText(host->call(name, args));
+  }
+  /// A device like the plug-in makes it.
+  base::ObjectRef makeDevice(const std::string& name, std::int16_t code) {
+    const Value key = call("NewDevice", {name});
+    const base::ObjectRef device = base::ToObject(call("GetDevice", {key}));
+    device->put("location", "Media Player");
+    device->put("hc", "Q");
+    device->put("dc", code);
+    device->put("interface", "Media Player");
+    device->put("Status", std::int16_t{17});
+    device->put("misc", std::int16_t{16});
+    device->put("dev_type_string", "Media Player");
+    device->put("iotype", std::int16_t{3});
+    return device;
+  }
+
+  support::TempFolder folder;
+  bus::PollLoop loop;
+  MapShelf shelf;
+  House house{folder.path()};
+  HouseObjects objects{house, shelf};
+  support::FakeVoice voice;
+  Speech speech{loop, house, voice};
+  LoopWaits waits{loop, speech};
+  std::shared_ptr<SystemObject> system = std::make_shared<SystemObject>(house);
+  std::shared_ptr<HostObject> host = std::make_shared<HostObject>(house, objects, waits, system);
+  std::shared_ptr<CallbackObject> callback = std::make_shared<CallbackObject>(house, host);
+};
+
+struct Expected {
+  std::string name;
+  std::vector<Type> arguments;
+  Type result;
+};
+
+void expectTable(const base::MemberTable& table, const std::vector<Expected>& expected) {
+  for (const Expected& each : expected) {
+    const base::Member* member = table.find(each.name);
+    ASSERT_NE(member, nullptr) << each.name;
+    EXPECT_EQ(member->name, each.name);
+    EXPECT_EQ(member->result, each.result) << each.name;
+    std::vector<Type> types;
+    for (const base::Param& param : member->params) types.push_back(param.type);
+    EXPECT_EQ(types, each.arguments) << each.name;
+  }
+}
+
+TEST_F(Host, HasEveryOperationUnderItsOwnName) {
+  const auto kText = Type::kText;
+  expectTable(*callback->members(), {{"GetVXIface", {}, Type::kObject},
+                                     {"writesplash", {kText}, Type::kNone},
+                                     {"registermenu", {kText, kText}, Type::kNone},
+                                     {"checktrigger", {kText}, Type::kBoolean},
+                                     {"forcefront", {Type::kInt32}, Type::kNone},
+                                     {"GetNextFreeIOCode", {}, Type::kInt16}});
+  expectTable(*host->members(), {{"Version", {}, kText},
+                                 {"System", {}, Type::kObject},
+                                 {"GetAppPath", {}, kText},
+                                 {"Launch", {kText}, Type::kNone},
+                                 {"WEBLoggedInUser", {}, kText},
+                                 {"RegisterEventCB", {Type::kInt16, Type::kObject}, Type::kNone},
+                                 {"RegisterLink", {Type::kObject}, Type::kNone},
+                                 {"WriteLog", {kText, kText, kText}, Type::kNone},
+                                 {"Speak", {kText, Type::kBoolean}, Type::kNone},
+                                 {"WaitEvents", {}, Type::kNone},
+                                 {"WaitSecs", {Type::kInt16}, Type::kNone},
+                                 {"GetUrl", {kText, kText, Type::kBoolean, Type::kInt32}, kText},
+                                 {"GetINISetting", {kText, kText, Type::kAny, kText}, Type::kAny},
+                                 {"SaveINISetting", {kText, kText, kText, kText}, Type::kNone},
+                                 {"GetINISection", {kText, kText}, kText},
+                                 {"ClearINISection", {kText, kText}, Type::kNone},
+                                 {"DeviceCount", {}, Type::kInt32},
+                                 {"GetDevice", {Type::kAny}, Type::kObject},
+                                 {"GetDeviceEx", {kText}, Type::kObject},
+                                 {"GetDeviceCode", {kText}, kText},
+                                 {"NewDevice", {kText}, kText},
+                                 {"DeleteIODevices", {kText}, Type::kNone},
+                                 {"DeviceButtonAdd", {kText, kText, kText}, Type::kNone},
+                                 {"DeviceValuesAdd", {kText, kText, Type::kBoolean}, Type::kNone},
+                                 {"SetDeviceStatus", {kText, Type::kInt16}, Type::kNone},
+                                 {"SetDeviceString", {kText, kText, Type::kBoolean}, Type::kNone},
+                                 {"SetDeviceStringByName", {kText, kText, Type::kBoolean}, Type::kNone},
+                                 {"SetDeviceValueByName", {kText, Type::kInt32}, Type::kNone},
+                                 {"GetEvent", {Type::kInt32}, Type::kObject},
+                                 {"GetEventEx", {kText}, Type::kObject},
+                                 {"NewEvent", {kText}, Type::kInt32},
+                                 {"NewDevFunc", {}, Type::kObject}});
+  EXPECT_EQ(host->members()->list().size(), 32U);
+  EXPECT_EQ(callback->members()->list().size(), 6U);
+}
+
+TEST_F(Host, ADeviceHasEveryFieldWithItsType) {
+  const base::ObjectRef device = makeDevice("Status", 1);
+  EXPECT_EQ(device->get("location"), Value("Media Player"));
+  EXPECT_EQ(device->get("hc"), Value("Q"));
+  EXPECT_EQ(device->get("dc"), Value("1"));
+  EXPECT_EQ(device->get("interface"), Value("Media Player"));
+  EXPECT_EQ(device->get("iotype"), Value(std::int16_t{3}));
+  EXPECT_EQ(device->get("Status"), Value(std::int16_t{17}));
+  EXPECT_EQ(device->get("misc"), Value(std::int16_t{16}));
+  EXPECT_EQ(device->get("dev_type_string"), Value("Media Player"));
+  EXPECT_EQ(device->get("Values"), Value(""));
+  EXPECT_TRUE(device->get("ref").is<std::int32_t>());
+  EXPECT_EQ(support::FailureNumberOf([&] { device->put("ref", 5); }), base::number::kNoSuchMember);
+  EXPECT_EQ(support::FailureNumberOf([&] { device->put("iotype", 40000); }), base::number::kOverflow);
+}
+
+TEST_F(Host, ADeviceIsFoundByPositionKeyNameAndCode) {
+  makeDevice("Status", 1);
+  const base::ObjectRef title = makeDevice("Title", 2);
+  EXPECT_EQ(base::ToInt32(call("DeviceCount")), 2);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {std::int32_t{2}})), title);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {std::int16_t{2}})), title);
+  EXPECT_EQ(base::ToObject(call("GetDeviceEx", {"MEDIA player title"})), title);
+  EXPECT_EQ(text("GetDeviceCode", {"media player Title"}), "Q2");
+  EXPECT_EQ(text("GetDeviceCode", {"Media Player Nothing"}), "");
+  EXPECT_EQ(base::ToObject(call("GetDeviceEx", {"Media Player Nothing"})), nullptr);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {std::int32_t{3}})), nullptr);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {std::int32_t{0}})), nullptr);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {"#99"})), nullptr);
+}
+
+TEST_F(Host, AKeyStaysRightWhenPositionsMove) {
+  call("NewDevice", {"Other"});
+  const Value key = call("NewDevice", {"Mine"});
+  house.devices.remove(house.devices.byPosition(1)->ref);
+  EXPECT_EQ(base::ToObject(call("GetDevice", {key}))->get("name"), Value("Mine"));
+  EXPECT_EQ(base::ToObject(call("GetDevice", {std::int32_t{1}}))->get("name"), Value("Mine"));
+}
+
+TEST_F(Host, ADeletedDevicesFieldsAreMissing) {
+  const base::ObjectRef device = makeDevice("Status", 1);
+  const std::string path = "/host/devices/" + base::ToText(device->get("ref"));
+  EXPECT_TRUE(shelf.objects.contains(path));
+  call("DeleteIODevices", {"Media Player"});
+  EXPECT_EQ(base::ToInt32(call("DeviceCount")), 0);
+  EXPECT_FALSE(shelf.objects.contains(path));
+  EXPECT_EQ(support::FailureNumberOf([&] { device->get("hc"); }), base::number::kObjectMissing);
+  EXPECT_EQ(support::FailureNumberOf([&] { device->put("hc", "R"); }), base::number::kObjectMissing);
+}
+
+TEST_F(Host, DeviceStringsStatusValuesAndButtonsAreSetByCodeAndByName) {
+  const base::ObjectRef object = makeDevice("Mute", 9);
+  const std::int32_t ref = base::ToInt32(object->get("ref"));
+  call("SetDeviceString", {"q9", "<b>one</b>"});
+  EXPECT_EQ(house.devices.byRef(ref)->text, "<b>one</b>");
+  call("SetDeviceStringByName", {"media player mute", "two", true});
+  EXPECT_EQ(house.devices.byRef(ref)->text, "two");
+  call("SetDeviceStatus", {"Q9", std::int16_t{2}});
+  EXPECT_EQ(house.devices.byRef(ref)->status, kStatusOn);
+  call("SetDeviceValueByName", {"Media Player Mute", std::int32_t{70000}});
+  EXPECT_EQ(house.devices.byRef(ref)->value, 70000);
+  call("DeviceButtonAdd", {"Q9", "Media Player", "Mute toggle"});
+  EXPECT_EQ(house.devices.byRef(ref)->buttons.at(0).caption, "Mute toggle");
+  call("DeviceValuesAdd", {"Q9",
+                           " \x02"
+                           "0\x01"
+                           "Blue\x02"
+                           "1",
+                           true});
+  EXPECT_EQ(object->get("Values"), Value(" \x02"
+                                         "0\x01"
+                                         "Blue\x02"
+                                         "1"));
+  object->put("Values", "");
+  EXPECT_EQ(object->get("Values"), Value(""));
+}
+
+TEST_F(Host, WhatNamesNoDeviceIsIgnored) {
+  call("SetDeviceString", {"Z1", "x"});
+  call("SetDeviceStringByName", {"No such device", "x", true});
+  call("SetDeviceStatus", {"Z1", std::int16_t{2}});
+  call("DeviceButtonAdd", {"Z1", "Media Player", "x"});
+  EXPECT_EQ(base::ToInt32(call("DeviceCount")), 0);
+}
+
+TEST_F(Host, SettingsGoByCaseAndKeepTheDefaultsTypeWhenAbsent) {
+  EXPECT_EQ(call("GetINISetting", {"Settings", "TrayIcon", true, "vxif_WMP.ini"}), Value(true));
+  EXPECT_EQ(call("GetINISetting", {"Settings", "Volume", std::int16_t{50}, "vxif_WMP.ini"}),
+            Value(std::int16_t{50}));
+  call("SaveINISetting", {"Settings", "TrayIcon", false, "vxif_WMP.ini"});
+  call("SaveINISetting", {"Settings", "Top", 12.5F, "vxif_WMP.ini"});
+  EXPECT_EQ(call("GetINISetting", {"settings", "TRAYICON", true, "vxif_WMP.ini"}), Value("False"));
+  EXPECT_EQ(text("GetINISection", {"Settings", "vxif_WMP.ini"}), std::string("TrayIcon=False\0Top=12.5", 23));
+  call("ClearINISection", {"Settings", "vxif_WMP.ini"});
+  EXPECT_EQ(call("GetINISetting", {"Settings", "Top", "none", "vxif_WMP.ini"}), Value("none"));
+}
+
+TEST_F(Host, WithoutAFileTheServersOwnSettingsAnswer) {
+  house.webPort = 8123;
+  EXPECT_EQ(call("GetINISetting", {"Settings", "svrport", "80"}), Value("8123"));
+  EXPECT_EQ(call("GetINISetting", {"Settings", "other", "80"}), Value("80"));
+}
+
+TEST_F(Host, EventsAreMadeFoundAndGivenDevices) {
+  EXPECT_EQ(base::ToObject(call("GetEventEx", {"Album VR"})), nullptr);
+  const std::int32_t index = base::ToInt32(call("NewEvent", {"Album VR"}));
+  const base::ObjectRef event = base::ToObject(call("GetEvent", {index}));
+  ASSERT_NE(event, nullptr);
+  EXPECT_EQ(base::ToObject(call("GetEventEx", {"ALBUM vr"})), event);
+  EXPECT_EQ(base::ToObject(call("GetEvent", {index + 1})), nullptr);
+  event->put("vcmd", "Play Album (Blue)");
+  event->put("misc", 8 | 64 | 16384);
+  event->put("misc2", 1);
+  event->put("ev_abs_time", std::int16_t{7});
+  event->put("Group", "Media Player");
+  EXPECT_EQ(base::ToInt32(event->get("misc")), 8 | 64 | 16384);
+
+  const base::ObjectRef list = base::ToObject(event->get("ev_devices"));
+  for (std::int32_t devid = 1; devid <= 3; ++devid) {
+    const base::ObjectRef entry = base::ToObject(call("NewDevFunc"));
+    entry->put("devid", devid);
+    entry->put("func", std::int16_t{13});
+    list->invoke("Add", entry);
+  }
+  EXPECT_EQ(base::ToInt32(list->get("Count")), 3);
+  EXPECT_EQ(base::ToInt32(list->call("Count")), 3);
+  list->invoke("Remove", 2);
+  EXPECT_EQ(base::ToInt32(base::Deref(list->invoke("item", 2)).get("devid")), 3);
+  EXPECT_EQ(support::FailureNumberOf([&] { list->invoke("item", 3); }), base::number::kIndex);
+  base::Deref(list->invoke("item", 1)).put("devid", 11);
+  EXPECT_EQ(house.events.byId(index)->devices[0].devid, 11);
+  EXPECT_EQ(support::FailureNumberOf([&] { list->invoke("Add", base::ObjectRef()); }),
+            base::number::kObjectMissing);
+}
+
+TEST_F(Host, ALogLineOfThreeArgumentsIsJoined) {
+  call("WriteLog", {"Error", "Media Player", " Internal Error# 5: no sound"});
+  call("WriteLog", {"Info", "plain"});
+  const auto lines = house.log.newest(2);
+  EXPECT_EQ(lines.at(0).type, "Error");
+  EXPECT_EQ(lines.at(0).text, "Media Player Internal Error# 5: no sound");
+  EXPECT_EQ(lines.at(1).text, "plain");
+}
+
+TEST_F(Host, TriggersAndSpeechAreLines) {
+  EXPECT_EQ(callback->invoke("checktrigger",
+                             "Media Player\x02"
+                             "10"),
+            Value(false));
+  call("Speak", {"Good morning", true});
+  const auto lines = house.log.newest(2);
+  EXPECT_EQ(lines.at(0).type, "Trigger");
+  EXPECT_EQ(lines.at(0).text, "Media Player | 10");
+  EXPECT_EQ(lines.at(1).type, "Speech");
+}
+
+TEST_F(Host, SaysWhatItIs) {
+  EXPECT_EQ(text("Version"), "1.7.0");
+  EXPECT_EQ(text("GetAppPath"), std::filesystem::canonical(folder.path()).string());
+  house.lastVoiceCommand = "play blue";
+  EXPECT_EQ(base::Deref(call("System")).get("LastVoiceCommand"), Value("play blue"));
+  EXPECT_EQ(base::ToObject(callback->call("GetVXIface")), host);
+  EXPECT_EQ(callback->call("GetNextFreeIOCode"), Value(std::int16_t{'Q'}));
+}
+
+TEST_F(Host, WaitSecsTurnsTheLoopWhileItLasts) {
+  int ticks = 0;
+  const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { ++ticks; });
+  timer->enabled(true);
+  const auto begin = loop.now();
+  call("WaitSecs", {std::int16_t{1}});
+  EXPECT_GE(loop.now() - begin, std::chrono::milliseconds(1000));
+  EXPECT_GE(ticks, 3);
+}
+
+TEST_F(Host, WaitSecsEndsWhenTheLoopIsAskedToQuit) {
+  const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { loop.quit(0); });
+  timer->enabled(true);
+  const auto begin = loop.now();
+  call("WaitSecs", {std::int16_t{3600}});
+  EXPECT_LT(loop.now() - begin, std::chrono::seconds(60));
+  EXPECT_EQ(loop.run(), 0);
+}
+
+TEST_F(Host, WaitsWithinWaitsAreLimited) {
+  int depth = 0;
+  std::int32_t failure = 0;
+  std::function<void()> wait = [&] {
+    ++depth;
+    loop.post(wait);
+    failure = std::max(failure, support::FailureNumberOf([&] { call("WaitSecs", {std::int16_t{1}}); }));
+    if (failure != 0) loop.quit(0);
+  };
+  wait();
+  EXPECT_EQ(failure, base::number::kInternal);
+  EXPECT_EQ(depth, 51);
+}
+
+TEST_F(Host, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
+  httplib::Server web;
+  const std::string body("a\0\xFF<b>c</b>", 11);
+  web.Get("/cover/x y", [&](const httplib::Request&, httplib::Response& response) {
+    response.set_content(body, "image/jpeg");
+  });
+  const int port = web.bind_to_any_port("127.0.0.1");
+  std::thread thread([&] { web.listen_after_bind(); });
+  EXPECT_EQ(text("GetUrl", {"127.0.0.1", "/cover/x y", false, port}), body);
+  EXPECT_EQ(text("GetUrl", {"127.0.0.1", "cover/x y", true, port}), std::string("a\0\xFF"
+                                                                                "c",
+                                                                                4));
+  EXPECT_EQ(support::FailureNumberOf([&] {
+              call("GetUrl", {"127.0.0.1", "/none", false, port});
+            }),
+            base::number::kDeviceIo);
+  web.stop();
+  thread.join();
+}
+
+}  // namespace
+}  // namespace standin

@@ -1,0 +1,87 @@
+// Steps that the loss of the plug-in, or of what they need, has cut short.
+#include <gmock/gmock.h>
+
+#include "standin/fakes/LivePage.hpp"
+#include "standin/fakes/PlaylistHouse.hpp"
+
+namespace {
+
+using support::FakePlaylists;
+using support::LivePage;
+using testing::ElementsAre;
+
+class PlaylistLosses : public support::PlaylistHouse {
+ protected:
+  int addAll() { return act("add", {{"category", "Album"}, {"group", "Blue"}, {"to", 1}}); }
+};
+
+}  // namespace
+
+TEST_F(PlaylistLosses, WhatAnAdditionHasLeftIsUndone) {
+  lists->dieAfter(2);
+  EXPECT_EQ(addAll(), 502);
+  EXPECT_EQ(last.at("error"), "The plug-in has gone");
+  lists->comeBack();
+  EXPECT_EQ(show().at("names"), nlohmann::json({"A", "A", "B", "B", "C", "D"}));
+  EXPECT_EQ(show().at("undo"), "adding 2 titles");
+  EXPECT_EQ(turn("undo"), 200) << last;
+  EXPECT_THAT(mine(), ElementsAre("A", "B", "C", "D"));
+}
+
+TEST_F(PlaylistLosses, AnAdditionThatHasNotBegunIsNoStep) {
+  lists->dieAfter(0);
+  EXPECT_EQ(addAll(), 502);
+  lists->comeBack();
+  EXPECT_EQ(show().at("undo"), nullptr);
+  EXPECT_THAT(mine(), ElementsAre("A", "B", "C", "D"));
+}
+
+TEST_F(PlaylistLosses, WhatAnUndoingHasLeftIsUndoneAndNothingIsDoubled) {
+  EXPECT_EQ(addAll(), 200);
+  lists->dieAfter(3);
+  EXPECT_EQ(turn("undo"), 502);
+  EXPECT_EQ(last.at("error"), "The plug-in has gone");
+  lists->comeBack();
+  EXPECT_EQ(show().at("undo"), "adding 2 titles");
+  EXPECT_EQ(show().at("redo"), nullptr);
+  EXPECT_THAT(mine(), ElementsAre("A", "A", "B", "B", "C", "D"));
+  EXPECT_EQ(turn("undo"), 200) << last;
+  EXPECT_THAT(mine(), ElementsAre("A", "B", "C", "D"));
+  EXPECT_EQ(turn("redo"), 200) << last;
+  EXPECT_THAT(mine(), ElementsAre("A", "A", "B", "B", "C", "D"));
+}
+
+TEST_F(PlaylistLosses, WhatARedoingHasLeftIsUndone) {
+  EXPECT_EQ(addAll(), 200);
+  EXPECT_EQ(turn("undo"), 200);
+  lists->dieAfter(4);
+  EXPECT_EQ(turn("redo"), 502);
+  lists->comeBack();
+  EXPECT_EQ(show().at("undo"), "adding 4 titles");
+  EXPECT_EQ(turn("undo"), 200) << last;
+  EXPECT_THAT(mine(), ElementsAre("A", "B", "C", "D"));
+}
+
+TEST_F(PlaylistLosses, AStepThatCannotBeCheckedKeepsNobodyFromOtherLists) {
+  lists->put("Yours", {at("E")});
+  lists->dieAfter(2);
+  EXPECT_EQ(addAll(), 502);
+  lists->comeBack();
+  lists->spoil("Mine", true);
+  EXPECT_EQ(show("Yours").at("names"), nlohmann::json({"E"}));
+  EXPECT_EQ(act("rename", {{"name", "Yours"}, {"to", "Ours"}}), 200) << last;
+}
+
+TEST_F(PlaylistLosses, ALongReturnTellsAtItsEndWhatCouldNotComeBack) {
+  std::vector<FakePlaylists::Title> titles;
+  for (int i = 0; i < 250; ++i) titles.push_back({std::to_string(i), "Long/" + std::to_string(i)});
+  lists->library.insert(lists->library.end(), titles.begin(), titles.end());
+  lists->put("Long", titles);
+  EXPECT_EQ(turn("delete", "Long"), 200);
+  std::erase_if(lists->library, [](const auto& title) { return title.source.starts_with("Long/2"); });
+  LivePage page(server->port());
+  EXPECT_EQ(turn("undo", ""), 200);
+  EXPECT_TRUE(page.hears("deleting “Long” is undone; 61 titles are no longer there"));
+  EXPECT_TRUE(page.hears(R"("missing":61)"));
+  EXPECT_EQ(lists->names("Long").size(), 189U);
+}

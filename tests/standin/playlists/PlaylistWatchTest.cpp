@@ -1,0 +1,101 @@
+// What pages that show a playlist hear of others' changes.
+#include <gmock/gmock.h>
+
+#include <limits>
+
+#include "standin/fakes/LivePage.hpp"
+#include "standin/fakes/PlaylistHouse.hpp"
+
+namespace {
+
+using nlohmann::json;
+using support::Eventually;
+using support::LivePage;
+
+constexpr const char* kOfMine = R"("name":"Mine")";
+
+class PlaylistWatchers : public support::PlaylistHouse {
+ protected:
+  void changeMine() { lists->put("Mine", {at("A"), at("C"), at("B"), at("D")}); }
+  /// How often the plug-in has been asked for the names of all lists.
+  int looksAtNames() {
+    const auto calls = plugin.calls();
+    return static_cast<int>(std::count(calls.begin(), calls.end(), "GetCategoryList PlayList"));
+  }
+};
+
+}  // namespace
+
+TEST_F(PlaylistWatchers, HearOfAChangeAndNobodyIsAskedWithoutThem) {
+  LivePage page(server->port());
+  show();
+  watch("Mine", "p");
+  changeMine();
+  EXPECT_TRUE(page.hears(kOfMine));
+  EXPECT_EQ(show().at("names"), json({"A", "C", "B", "D"}));
+  // Another reader asks for nothing: the lease of the page ends by itself, and with it the looks.
+  EXPECT_TRUE(Eventually(
+      [&] {
+        const int before = lists->asked();
+        std::this_thread::sleep_for(std::chrono::seconds(3));
+        return lists->asked() == before;
+      },
+      std::chrono::seconds(30)));
+}
+
+TEST_F(PlaylistWatchers, OfRowsBeyondAllNumbersSilenceNobody) {
+  lists->put("A", {at("A")});
+  LivePage page(server->port());
+  show("A");
+  show();
+  watch("A", "p", std::numeric_limits<std::int32_t>::max());
+  watch("A", "q", std::numeric_limits<std::int32_t>::min());
+  watch("Mine", "r");
+  changeMine();
+  EXPECT_TRUE(page.hears(kOfMine));
+}
+
+TEST_F(PlaylistWatchers, HearOfTheirListWhenAnotherCannotBeRead) {
+  lists->put("A", {at("A")});
+  LivePage page(server->port());
+  show("A");
+  show();
+  lists->spoil("A", true);
+  watch("A", "p");
+  watch("Mine", "q");
+  changeMine();
+  EXPECT_TRUE(page.hears(kOfMine));
+}
+
+TEST_F(PlaylistWatchers, AreNotForgottenForListsThatOthersShow) {
+  LivePage page(server->port());
+  show();
+  watch("Mine", "p");
+  for (int i = 0; i < 15; ++i) {
+    const std::string other = "List " + std::to_string(i);
+    lists->put(other, {at("E")});
+    show(other);
+  }
+  changeMine();
+  EXPECT_TRUE(page.hears(kOfMine));
+}
+
+TEST_F(PlaylistWatchers, TheListShownLastIsKeptLongest) {
+  const json version = show().at("version");
+  for (int i = 0; i < 13; ++i) {
+    const std::string other = "List " + std::to_string(i);
+    lists->put(other, {at("E")});
+    show(other);
+    EXPECT_EQ(show().at("version"), version);
+  }
+}
+
+TEST_F(PlaylistWatchers, HearOfTheVeryFirstList) {
+  lists->drop("Mine");
+  LivePage page(server->port());
+  watch("", "p");
+  ASSERT_TRUE(Eventually([&] { return looksAtNames() >= 2; }));  // the first has been answered
+  EXPECT_FALSE(page.hears(R"("lists":true)", std::chrono::milliseconds(0)));
+  lists->put("New", {at("E")});
+  EXPECT_TRUE(page.hears(R"("lists":true)"));
+}

@@ -1,0 +1,190 @@
+// The house speaks, and the player hears of it.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "standin/fakes/FakeVoice.hpp"
+#include "standin/voice/EspeakVoice.hpp"
+#include "standin/voice/Speech.hpp"
+#include "support/BusPeer.hpp"
+#include "support/TempFolder.hpp"
+
+namespace {
+
+using base::Args;
+using base::MemberKind;
+using base::Type;
+using base::Value;
+using standin::EventSink;
+using Lines = std::vector<std::string>;
+
+class HouseSpeech : public testing::Test {
+ protected:
+  /// A listener that writes down the events and what had been said by then.
+  base::ObjectRef listener(const std::string& name, std::function<void()> besides = {}) {
+    return std::make_shared<support::TableOf>(
+        "vxif", std::vector<base::Member>{{"VXEvent",
+                                           MemberKind::kOperation,
+                                           {{"parms", Type::kArray}},
+                                           Type::kNone,
+                                           [=, this](Args& args) {
+                                             const base::Array& event = args[0].array();
+                                             EXPECT_EQ(event.size(), 2U);
+                                             EXPECT_EQ(event[0], Value(std::int16_t{8}));
+                                             events.push_back(
+                                                 name + (event[1] == Value(true) ? " started" : " stopped") +
+                                                 " after " + std::to_string(voice.said().size()));
+                                             if (besides) besides();
+                                             return Value();
+                                           }}});
+  }
+  Lines logged() {
+    Lines lines;
+    for (const auto& line : house.log.newest(50, "", 0)) lines.push_back(line.type + " " + line.text);
+    return lines;
+  }
+  bool turnUntilEvents(std::size_t count) {
+    return support::TurnUntil(loop, [&] { return events.size() >= count; });
+  }
+
+  support::TempFolder folder;
+  bus::PollLoop loop;
+  standin::House house{folder.path()};
+  support::FakeVoice voice;
+  Lines events;
+  standin::Speech speech{loop, house, voice};
+};
+
+TEST_F(HouseSpeech, IsBracketedByAudioEvents) {
+  house.eventSinks = {EventSink{8, listener("player")}, EventSink{4, listener("other")},
+                      EventSink{12, listener("both")}};
+  speech.speak("Good morning", true);
+  EXPECT_EQ(voice.said(), Lines{"Good morning"});
+  EXPECT_EQ(events, (Lines{"player started after 0", "both started after 0", "player stopped after 1",
+                           "both stopped after 1"}));
+  EXPECT_EQ(logged(), Lines{"Speech Good morning"});
+}
+
+TEST_F(HouseSpeech, WithoutWaitingGoesOnByItself) {
+  house.eventSinks = {EventSink{8, listener("player")}};
+  speech.speak("One", false);
+  EXPECT_TRUE(events.empty());
+  ASSERT_TRUE(turnUntilEvents(2));
+  EXPECT_EQ(events, (Lines{"player started after 0", "player stopped after 1"}));
+}
+
+TEST_F(HouseSpeech, TakesTextsInTheirOrder) {
+  house.eventSinks = {EventSink{8, listener("player")}};
+  speech.speak("One", false);
+  speech.speak("Two", false);
+  speech.speak("Three", true);
+  EXPECT_EQ(voice.said(), (Lines{"One", "Two", "Three"}));
+  EXPECT_EQ(events, (Lines{"player started after 0", "player stopped after 1", "player started after 1",
+                           "player stopped after 2", "player started after 2", "player stopped after 3"}));
+}
+
+TEST_F(HouseSpeech, TheHouseGoesOnWhileItSpeaks) {
+  voice.time = std::chrono::milliseconds(300);
+  bool ticked = false;
+  bool before = false;
+  const auto timer = loop.makeTimer(base::Milliseconds(50), [&] { ticked = true; });
+  timer->enabled(true);
+  house.eventSinks = {EventSink{8, listener("player", [&] { before = ticked; })}};
+  speech.speak("A long text", true);
+  EXPECT_TRUE(before);  // when the second event was told
+}
+
+TEST_F(HouseSpeech, WithoutASoundDeviceIsWrittenDown) {
+  voice.device = false;
+  house.eventSinks = {EventSink{8, listener("player")}};
+  speech.speak("One", true);
+  speech.speak("Two", true);
+  EXPECT_EQ(events.size(), 4U);  // the player goes on in any case
+  const Lines lines = logged();
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "Speech One"), 1);
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "Speech Two"), 1);
+  EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                       "Info Speech is written to the log only: There is no sound device"),
+            1);
+}
+
+TEST_F(HouseSpeech, AListenerThatFailsIsDropped) {
+  house.eventSinks = {EventSink{8, listener("bad", [] { throw base::Failure(base::number::kHostGone); })},
+                      EventSink{8, listener("good")}};
+  speech.speak("One", true);
+  ASSERT_EQ(house.eventSinks.size(), 1U);
+  EXPECT_EQ(events, (Lines{"bad started after 0", "good started after 0", "good stopped after 1"}));
+}
+
+TEST_F(HouseSpeech, AListenerMaySpeak) {
+  int asked = 0;
+  house.eventSinks = {EventSink{8, listener("player", [&] {
+                                  if (asked++ == 0) speech.speak("Two", true);
+                                })}};
+  speech.speak("One", true);
+  ASSERT_TRUE(turnUntilEvents(4));
+  EXPECT_EQ(voice.said(), (Lines{"One", "Two"}));
+}
+
+TEST_F(HouseSpeech, WhatTakesTooLongIsCutShort) {
+  support::FakeVoice endless;
+  endless.time = std::chrono::hours(1);
+  standin::Speech impatient(loop, house, endless, base::Milliseconds(100));
+  house.eventSinks = {EventSink{8, listener("player")}};
+  impatient.speak("On and on", false);
+  EXPECT_TRUE(turnUntilEvents(2));
+}
+
+/// Hears no call to end before it has begun, as a voice that is still being made ready.
+class LateVoice : public support::FakeVoice {
+ public:
+  void say(const std::string& text) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    begun = true;
+    FakeVoice::say(text);
+  }
+  void hush() override {
+    if (begun) FakeVoice::hush();
+  }
+  std::atomic<bool> begun = false;
+};
+
+TEST_F(HouseSpeech, EndsAtOnceAlsoWhenTheVoiceHasOnlyJustBegun) {
+  LateVoice late;
+  late.time = std::chrono::hours(1);
+  {
+    standin::Speech brief(loop, house, late);
+    brief.speak("On and on", false);
+    loop.turn(base::Milliseconds(0));
+    loop.turn(base::Milliseconds(0));
+  }
+  EXPECT_EQ(late.said(), Lines{"On and on"});
+}
+
+TEST_F(HouseSpeech, WhoWaitsForItIsLetGoWhenTheServerEnds) {
+  voice.time = std::chrono::hours(1);
+  loop.post([this] {
+    loop.post([this] { loop.quit(0); });
+    speech.speak("On and on", true);
+  });
+  const auto from = std::chrono::steady_clock::now();
+  loop.run();
+  EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::seconds(30));
+}
+
+}  // namespace
+
+TEST(EspeakVoice, OnAMachineWithoutSoundSaysSoAndLeavesItAloneForAWhile) {
+  standin::EspeakVoice voice;
+  try {
+    voice.say("a");  // a machine with sound has said it
+  } catch (const base::Failure& failure) {
+    EXPECT_EQ(failure.number(), base::number::kDeviceIo);
+    const auto from = std::chrono::steady_clock::now();
+    EXPECT_THROW(voice.say("b"), base::Failure);
+    EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::milliseconds(100));
+  }
+  voice.hush();
+}
