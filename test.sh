@@ -14,14 +14,6 @@ step "Packages"
 install_packages "${BUILD_PACKAGES[@]}" "${RUN_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
 jobs=$(nproc)
 
-step "Accessibility rules"
-command -v npm >/dev/null || install_packages npm
-# What is installed already is left alone.
-if ! cmp -s tests/axe/package-lock.json tests/axe/node_modules/.installed; then
-  npm ci --prefix tests/axe --no-audit --no-fund --loglevel=error
-  cp tests/axe/package-lock.json tests/axe/node_modules/.installed
-fi
-
 step "Includes form a tree"
 python3 tools/check-includes.py
 

@@ -71,7 +71,6 @@ endfunction()
 # vantorix_add_folders(): every folder below this one that has a list of its own.
 function(vantorix_add_folders)
   file(GLOB_RECURSE lists CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt)
-  list(FILTER lists EXCLUDE REGEX "/node_modules/")
   list(REMOVE_ITEM lists ${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt)
   foreach(list IN LISTS lists)
     get_filename_component(folder ${list} DIRECTORY)

@@ -8,6 +8,8 @@ BUILD_PACKAGES=(
   liblua5.4-dev libespeak-ng-dev
   qt6-base-dev libglib2.0-dev libxcb1-dev
 )
+# Installs what the pages import. It may have come another way than as a package.
+command -v npm >/dev/null || BUILD_PACKAGES+=(npm)
 # What running them takes beyond the libraries that come with those.
 RUN_PACKAGES=(dbus-daemon)
 # What the tests and checks take on top.

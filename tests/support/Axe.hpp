@@ -16,7 +16,7 @@ inline std::vector<std::string> Barriers(Browser& browser) {
   const std::string rules((std::istreambuf_iterator<char>(file)), {});
   if (rules.empty()) {
     throw std::runtime_error(std::string("The rules are missing: ") + AXE_FILE +
-                             " (\"npm ci --prefix tests/axe\" installs them)");
+                             " (\"npm ci --prefix src/standin/pages\" installs them)");
   }
   const Browser::Json found = browser.runAsync(
       rules +

@@ -1,14 +1,17 @@
-# Writes a header with the bytes of the given files:
-#   cmake -DOUTPUT=file -DFILES=a|b|c -P EmbedFiles.cmake
+# Writes a header with the bytes of the given files, each under its name:
+#   cmake -DOUTPUT=file -DFILES=name=path|name=path -P EmbedFiles.cmake
 string(REPLACE "|" ";" FILES "${FILES}")
 set(arrays "")
 set(list "")
 set(number 0)
-foreach(file IN LISTS FILES)
+foreach(pair IN LISTS FILES)
+  string(FIND "${pair}" "=" middle)
+  string(SUBSTRING "${pair}" 0 ${middle} name)
+  math(EXPR middle "${middle} + 1")
+  string(SUBSTRING "${pair}" ${middle} -1 file)
   file(READ "${file}" bytes HEX)
   string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
   file(SIZE "${file}" size)
-  get_filename_component(name "${file}" NAME)
   string(APPEND arrays "inline constexpr char kBytes${number}[] = {${bytes}};\n")
   string(APPEND list "    {\"${name}\", std::string_view(kBytes${number}, ${size})},\n")
   math(EXPR number "${number} + 1")

@@ -3,7 +3,8 @@
 
 namespace standin {
 
-/// A file of the server's own pages, built into the program.
+/// A file of the server's own pages, built into the program. The name is its path below the pages' folder;
+/// what they import of others has names that begin with "lib/".
 struct WebFile {
   std::string_view name;
   std::string_view content;

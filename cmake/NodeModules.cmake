@@ -1,0 +1,42 @@
+# Installs the packages of a lock file where they are not there yet; nothing is asked of the network otherwise.
+#   cmake -DFOLDER=folder -DSTAMP=file -P NodeModules.cmake
+cmake_minimum_required(VERSION 3.25)
+
+# Whether each package of the lock stands there in the version that it names.
+function(is_installed result)
+  set(${result} FALSE PARENT_SCOPE)
+  file(READ "${FOLDER}/package-lock.json" lock)
+  string(JSON last LENGTH "${lock}" packages)
+  math(EXPR last "${last} - 1")
+  foreach(index RANGE ${last})
+    string(JSON place MEMBER "${lock}" packages ${index})
+    if(place STREQUAL "")
+      continue()  # the folder's own entry
+    endif()
+    if(NOT EXISTS "${FOLDER}/${place}/package.json")
+      return()
+    endif()
+    string(JSON wanted GET "${lock}" packages "${place}" version)
+    file(READ "${FOLDER}/${place}/package.json" package)
+    string(JSON version GET "${package}" version)
+    if(NOT version STREQUAL wanted)
+      return()
+    endif()
+  endforeach()
+  set(${result} TRUE PARENT_SCOPE)
+endfunction()
+
+is_installed(there)
+if(NOT there)
+  find_program(NPM npm)
+  if(NOT NPM)
+    message(FATAL_ERROR "npm is missing; it installs what ${FOLDER}/package-lock.json names")
+  endif()
+  execute_process(COMMAND ${NPM} ci --ignore-scripts --no-audit --no-fund --loglevel=error
+    WORKING_DIRECTORY ${FOLDER} COMMAND_ERROR_IS_FATAL ANY)
+  is_installed(there)
+  if(NOT there)
+    message(FATAL_ERROR "npm has not installed what ${FOLDER}/package-lock.json names")
+  endif()
+endif()
+file(TOUCH "${STAMP}")
