@@ -1,12 +1,12 @@
 // The frame of every page: navigation, the plug-in's state, live changes.
-import './ownnames.js';  // first of all
-import {accountPage, signInPage} from './account.js';
-import {deviceChanged, deviceRemoved, devicesPage} from './devices.js';
-import {ask, el, run, toast, toasts} from './dom.js';
-import {leaveLibrary, libraryChanged, libraryPage} from './library.js';
-import {leaveScripts, scriptChanged, scriptsPage} from './scripts.js';
-import {leaveLog, logLine, logPage, reloadLog} from './log.js';
-import {preparePluginPage} from './pluginpage.js';
+import './plugin/ownnames.js';  // first of all
+import {accountPage, signInPage} from './views/account.js';
+import {deviceChanged, deviceRemoved, devicesPage} from './views/devices.js';
+import {ask, el, run, toast, toasts} from './kit/dom.js';
+import {leaveLibrary, libraryChanged, libraryPage} from './library/library.js';
+import {leaveScripts, scriptChanged, scriptsPage} from './views/scripts.js';
+import {leaveLog, logLine, logPage, reloadLog} from './views/log.js';
+import {preparePluginPage} from './plugin/pluginpage.js';
 
 const page = document.getElementById('page');
 const splash = el('p', {class: 'quiet'});

@@ -1,7 +1,7 @@
 // The player's library: categories, their groups, the titles in a group.
 import {addButton, addingBar} from './adding.js';
-import {ask, el, run} from './dom.js';
-import {longList} from './longlist.js';
+import {ask, el, run} from '../kit/dom.js';
+import {longList} from '../kit/longlist.js';
 import {leavePlaylists, playlistChanged, playlistPage, playlistTools, playlistsSeen} from './playlist.js';
 import {address, play, playButton, searchKeys, titleButton} from './titles.js';
 

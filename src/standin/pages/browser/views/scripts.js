@@ -1,5 +1,5 @@
 // The house's scripts: a list, an editor, and what a run has to say.
-import {ask, el, run, toast} from './dom.js';
+import {ask, el, run, toast} from '../kit/dom.js';
 
 const kLookAgain = 400;  // milliseconds between looks at a script that runs
 const kNew = '-- The house is reached by name: scriptclass, vxif, host.\nprint(scriptclass.PlayerStatus)\n';

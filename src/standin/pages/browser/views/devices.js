@@ -1,5 +1,5 @@
 // The devices: one card each, changed in place when the house says so.
-import {ask, el, run, statusNodes, toast} from './dom.js';
+import {ask, el, run, statusNodes, toast} from '../kit/dom.js';
 import {nowPlaying, showNowPlaying} from './nowplaying.js';
 
 const kOn = 2;

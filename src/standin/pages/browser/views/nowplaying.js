@@ -1,5 +1,5 @@
 // What plays now, at a glance: put together from the devices that the player keeps.
-import {el, statusNodes} from './dom.js';
+import {el, statusNodes} from '../kit/dom.js';
 
 const kParts = ['Status', 'Title', 'Artist', 'Album', 'Genre', 'Length'];
 const kCover = /WMPCoverSmall/i;

@@ -1,8 +1,8 @@
 // Playlists: their titles are moved, added and removed, lists made, renamed and deleted, and all of it undone.
 import {askName, renamedTarget, gatherFor} from './adding.js';
-import {ask, el, run, toast} from './dom.js';
-import {longList} from './longlist.js';
-import {reorder} from './reorder.js';
+import {ask, el, run, toast} from '../kit/dom.js';
+import {longList} from '../kit/longlist.js';
+import {reorder} from '../kit/reorder.js';
 import {address, play, playButton, searchKeys, titleButton} from './titles.js';
 
 const kWatch = 5000;  // milliseconds between two words to the server that this page looks at a list

@@ -1,5 +1,5 @@
 // The log: newest last, by type, live.
-import {ask, el, toast} from './dom.js';
+import {ask, el, toast} from '../kit/dom.js';
 
 const kMostShown = 2000;
 let type = '';

@@ -1,5 +1,5 @@
 // What the library's lists have in common: addresses, search, playing, and what a title tells of itself.
-import {ask, el, run, toast} from './dom.js';
+import {ask, el, run, toast} from '../kit/dom.js';
 
 const kPause = 200;  // milliseconds without a key before the search starts
 

@@ -1,5 +1,5 @@
 // Adding titles of the library to playlists, and the dialogs that this takes.
-import {ask, el, run, toast} from './dom.js';
+import {ask, el, run, toast} from '../kit/dom.js';
 import {address} from './titles.js';
 
 let target = '';  // the list that titles are added to, while some are being gathered

@@ -1,6 +1,6 @@
 // Pages of the plug-in. Their text is plain HTML of an older kind; here it gets what its users need today: labels,
 // lists that work from the keyboard, a place that is kept from one page to the next.
-import {el} from './dom.js';
+import {el} from '../kit/dom.js';
 
 const kPlace = 'plugin-page-place';
 const kPlaceLasts = 60000;  // milliseconds

@@ -1,5 +1,5 @@
 // Signing in and out, the owner's password, and what guests need.
-import {ask, el, run, toast} from './dom.js';
+import {ask, el, run, toast} from '../kit/dom.js';
 
 const field = (label, name, autocomplete) => el('label', {class: 'field'}, label,
   el('input', {type: 'password', name, autocomplete, maxlength: 1024}));
