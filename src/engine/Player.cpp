@@ -113,7 +113,9 @@ class Player : public player::WMP9 {
       : events_(events),
         log_(std::move(log)),
         post_(loop),
-        output_(loop, config, [this](const std::string& line) { message(line); }),
+        output_(
+            loop, config, [this](const std::string& device) { return drives_.has(device); },
+            [this](const std::string& line) { message(line); }),
         playback_(
             loop, output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
             {[this](player::PlayState state) { post_([this, state] { events_.PlayStateChange(state); }); },

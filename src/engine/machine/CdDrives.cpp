@@ -4,6 +4,7 @@
 #include <cdio/cdtext.h>
 #include <cdio/device.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -117,6 +118,11 @@ CdDrives::CdDrives(const std::vector<std::string>& devices, bool find) {
 std::shared_ptr<player::Cdrom> CdDrives::item(std::int32_t index) {
   if (index < 0 || index >= count()) throw base::Failure(base::number::kIndex);
   return drives_[static_cast<std::size_t>(index)];
+}
+
+bool CdDrives::has(const std::string& device) const {
+  return std::any_of(drives_.begin(), drives_.end(),
+                     [&](const auto& drive) { return drive->driveSpecifier() == device; });
 }
 
 }  // namespace engine

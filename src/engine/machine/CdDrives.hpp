@@ -15,6 +15,8 @@ class CdDrives : public player::CdromCollection {
 
   [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(drives_.size()); }
   std::shared_ptr<player::Cdrom> item(std::int32_t index) override;
+  /// Whether one of them is this device.
+  [[nodiscard]] bool has(const std::string& device) const;
 
  private:
   std::vector<std::shared_ptr<player::Cdrom>> drives_;

@@ -5,19 +5,40 @@
 #include <algorithm>
 #include <string_view>
 
-#include "engine/library/Attributes.hpp"
-
 namespace engine {
 namespace {
 
 constexpr std::uint64_t kHeardSince = 1ULL << 62U;  // the tag of a question; entries are small numbers
 constexpr double kLongestHold = 2.0;
+constexpr const char* kOpensNothing = "refused://";  // no kind of address that the decoder knows
+
+/// What the libraries below the decoder may speak, whatever a stream or a list of streams asks them for.
+constexpr std::string_view kProtocols = "http,https,httpproxy,tls,tcp,crypto,data,mmsh,mmst";
+
+/// The limits as the value of a list of options, whose own commas must not end it.
+std::string ProtocolLimit() {
+  return "protocol_whitelist=%" + std::to_string(kProtocols.size()) + "%" + std::string(kProtocols);
+}
 
 MpvOptions Options(const Config& config) {
   MpvOptions options{
       {"config", "no"},
       {"terminal", "no"},
       {"load-scripts", "no"},
+      {"load-auto-profiles", "no"},
+      {"load-stats-overlay", "no"},
+      {"load-osd-console", "no"},
+      {"osc", "no"},
+      {"input-ipc-server", ""},
+      {"use-filedir-conf", "no"},
+      {"load-unsafe-playlists", "no"},
+      {"access-references", "no"},
+      {"ordered-chapters", "no"},
+      {"audio-file-auto", "no"},
+      {"sub-auto", "no"},
+      {"cover-art-auto", "no"},
+      {"demuxer-lavf-o", ProtocolLimit()},
+      {"stream-lavf-o", ProtocolLimit()},
       {"vid", "no"},
       {"sid", "no"},
       {"audio-display", "no"},
@@ -46,15 +67,12 @@ MpvOptions Options(const Config& config) {
   return options;
 }
 
-/// A path can't be taken for an option or a protocol.
-std::string Openable(const std::string& location) {
-  return IsAddress(location) || location.rfind('/', 0) == 0 ? location : "./" + location;
-}
-
 }  // namespace
 
-MpvOutput::MpvOutput(base::Loop& loop, const Config& config, std::function<void(const std::string&)> message)
-    : message_(std::move(message)),
+MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
+                     std::function<void(const std::string&)> message)
+    : isDrive_(std::move(isDrive)),
+      message_(std::move(message)),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       post_(loop),
@@ -76,7 +94,7 @@ MpvOutput::~MpvOutput() = default;
 
 void MpvOutput::forget() {
   files_.clear();
-  locations_.clear();
+  entries_.clear();
   dropped_.clear();
   held_ = startedMeanwhile_ = 0;
   heardTimer_->enabled(false);
@@ -84,14 +102,15 @@ void MpvOutput::forget() {
 }
 
 void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
-  locations_[entry] = location;
-  const auto mark = location.rfind('#');
-  if (location.rfind("cdda://", 0) != 0 || mark == std::string::npos) {
-    mpv_.command(entry, {"loadfile", Openable(location), how});
-    return;
-  }
-  const std::string track = location.substr(mark + 1);  // the decoder takes a disc for one file
-  mpv_.command(entry, {"loadfile", location.substr(0, mark), how, "cdda-span=" + track + "-" + track});
+  DecoderAddress address = AddressFor(location, isDrive_);
+  // The decoder comes to a refused item in its turn, as to any other that can't be played.
+  if (!address.refusal.empty()) address.address = kOpensNothing;
+  entries_[entry] = std::move(address.refusal);
+  // Of a file on disk nothing else is opened; of a station a list of addresses may be all that it sends.
+  mpv_.set("access-references", address.followed);
+  std::vector<std::string> words{"loadfile", address.address, how};
+  if (!address.options.empty()) words.push_back(address.options);
+  mpv_.command(entry, words);
 }
 
 void MpvOutput::load(EntryId entry, const std::string& location) {
@@ -108,10 +127,10 @@ void MpvOutput::append(EntryId entry, const std::string& location) {
 bool MpvOutput::dropNext() {
   if (held_ != 0) return false;  // the decoder is on the next one while the end of the last still sounds
   const EntryId now = entryOf(playing_);
-  for (const auto& location : locations_) {
-    if (location.first != now) dropped_.insert(location.first);
+  for (const auto& known : entries_) {
+    if (known.first != now) dropped_.insert(known.first);
   }
-  std::erase_if(locations_, [&](const auto& location) { return location.first != now; });
+  std::erase_if(entries_, [&](const auto& known) { return known.first != now; });
   mpv_.command(0, {"playlist-clear"});
   return true;
 }
@@ -202,7 +221,7 @@ void MpvOutput::heardTold(const mpv_event& event) {
 
 void MpvOutput::fileGiven(const mpv_event& event) {
   const EntryId entry = event.reply_userdata;
-  if (!locations_.contains(entry) && !dropped_.contains(entry)) return;
+  if (!entries_.contains(entry) && !dropped_.contains(entry)) return;
   if (event.error < 0) {
     if (dropped_.erase(entry) != 0) return;
     events_->failed(entry, mpv_error_string(event.error));
@@ -239,7 +258,7 @@ void MpvOutput::tellHeld() {
   const EntryId ended = std::exchange(held_, 0);
   const EntryId started = std::exchange(startedMeanwhile_, 0);
   if (ended != 0) events_->ended(ended);
-  if (started != 0 && locations_.contains(started)) tellStarted(started);
+  if (started != 0 && entries_.contains(started)) tellStarted(started);
 }
 
 void MpvOutput::fileEnded(const mpv_event_end_file& end) {
@@ -256,11 +275,13 @@ void MpvOutput::fileEnded(const mpv_event_end_file& end) {
       std::any_of(files_.begin(), files_.end(), [&](const auto& file) { return file.second == entry; });
   if (more) return;  // an address that led to several
   if (held_ != 0) tellHeld();
-  if (!locations_.contains(entry)) return;
+  if (!entries_.contains(entry)) return;
   if (end.reason == MPV_END_FILE_REASON_ERROR || silent) {
-    locations_.erase(entry);
-    events_->failed(entry,
-                    silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error));
+    std::string reason = entries_.extract(entry).mapped();
+    if (reason.empty()) {
+      reason = silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error);
+    }
+    events_->failed(entry, reason);
     return;
   }
   held_ = entry;

@@ -9,6 +9,7 @@
 #include "base/Loop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/common/Poster.hpp"
+#include "engine/playback/DecoderAddress.hpp"
 #include "engine/playback/MpvHandle.hpp"
 #include "engine/playback/Output.hpp"
 
@@ -22,7 +23,8 @@ namespace engine {
 class MpvOutput : public Output {
  public:
   /// `message` gets lines for people, on the loop's thread. Throws number 429 when there is no decoder.
-  MpvOutput(base::Loop& loop, const Config& config, std::function<void(const std::string&)> message);
+  MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
+            std::function<void(const std::string&)> message);
   ~MpvOutput() override;
   MpvOutput(const MpvOutput&) = delete;
   MpvOutput& operator=(const MpvOutput&) = delete;
@@ -64,12 +66,13 @@ class MpvOutput : public Output {
   void addFile(EntryId entry, const std::string& location, const char* how);
 
   OutputEvents* events_ = nullptr;
+  IsDrive isDrive_;
   std::function<void(const std::string&)> message_;
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;
   std::unique_ptr<base::Timer> heardTimer_;
-  std::map<FileId, EntryId> files_;  ///< what the decoder's own list holds of ours
-  std::map<EntryId, std::string> locations_;
+  std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
+  std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
   FileId playing_ = 0;
   bool opening_ = false;  ///< the file that plays can't be heard yet
   EntryId held_ = 0;      ///< decoded to its end, still being heard

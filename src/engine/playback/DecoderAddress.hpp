@@ -1,0 +1,23 @@
+#pragma once
+#include <functional>
+#include <string>
+
+namespace engine {
+
+/// What the decoder is given for one item. The decoder knows many more kinds of address than the player has
+/// media for, among them open descriptors of this very process; so only what is known to be media comes this
+/// way.
+struct DecoderAddress {
+  std::string address;    ///< empty when the item is refused
+  std::string options;    ///< the decoder's, for this item alone
+  std::string refusal;    ///< why it is refused, as people read it
+  bool followed = false;  ///< it may lead on to other addresses, as a station's does
+};
+
+/// Whether the player has a drive of that name.
+using IsDrive = std::function<bool(const std::string& device)>;
+
+/// Allowed are paths, "file:", "http:", "https:" and the "mms:" kinds, and tracks of the player's own drives.
+DecoderAddress AddressFor(const std::string& location, const IsDrive& isDrive);
+
+}  // namespace engine
