@@ -43,8 +43,9 @@ MAY_INCLUDE = {
     "standin/player": "base bus standin/house",
     "standin/playlists": "base standin/house standin/player standin/storage",
     "standin/scripts": "base bus standin/house standin/player standin/storage",
-    "standin/http": "base standin/hostobjects standin/house standin/pages standin/player standin/playlists "
-                    "standin/scripts standin/storage standin/voice",
+    "standin/routes": "base standin/hostobjects standin/house standin/player standin/playlists standin/scripts "
+                      "standin/voice",
+    "standin/http": "base standin/house standin/pages standin/player standin/routes standin/storage",
     "standin": "base",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)

@@ -12,11 +12,13 @@
 #include "standin/hostobjects/Shelf.hpp"
 #include "standin/house/LoopGate.hpp"
 #include "standin/house/SettingsFlusher.hpp"
+#include "standin/http/PageRoutes.hpp"
 #include "standin/http/RefusedPosts.hpp"
 #include "standin/http/WebServer.hpp"
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
+#include "standin/routes/Routes.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
 #include "standin/storage/FileTools.hpp"
@@ -79,8 +81,17 @@ int serve(const Options& options) {
     limits.computing = std::chrono::seconds(options.scriptSeconds);
     ScriptRunner runner(loop, connection, house, plugin, host, limits);
     LoopGate gate(loop, std::chrono::seconds(30));
-    WebApi api(house, objects, plugin, {library, playlists}, {scripts, runner}, gate, local);
-    const WebServer web(port, api, gate, AllowedHosts(!local, options.allowedHosts), refused);
+    Visitors visitors(house.users, local);
+    WebApi api(visitors, gate,
+               Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
+                       LibraryRoutes(library), PlaylistRoutes(playlists), ScriptRoutes(scripts, runner),
+                       UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
+    const WebServer web(port, {.api = api,
+                               .gate = gate,
+                               .live = house.live,
+                               .refused = refused,
+                               .hosts = AllowedHosts(!local, options.allowedHosts),
+                               .htmlFolder = house.htmlFolder()});
     const std::string name =
         options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
     std::cout << "Vantorix is at http://" << name << ":" << port.port() << "/" << std::endl;

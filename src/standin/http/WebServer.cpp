@@ -17,7 +17,6 @@ namespace standin {
 namespace {
 
 constexpr std::size_t kLongestPath = 2048;
-constexpr std::size_t kLargestBody = 1U << 20U;
 constexpr std::chrono::seconds kHeartbeat{15};
 
 std::string tokenOf(const httplib::Request& request) {
@@ -93,9 +92,15 @@ WebPort::WebPort(const std::string& address, int port) : server_(std::make_uniqu
 
 WebPort::~WebPort() = default;
 
-WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused)
-    : server_(port.server()), api_(api), gate_(gate), hosts_(std::move(hosts)), refused_(refused) {
-  server_.set_payload_max_length(kLargestBody);
+WebServer::WebServer(WebPort& port, const Parts& parts)
+    : server_(port.server()),
+      api_(parts.api),
+      gate_(parts.gate),
+      live_(parts.live),
+      refused_(parts.refused),
+      hosts_(parts.hosts),
+      htmlFolder_(parts.htmlFolder) {
+  server_.set_payload_max_length(Route::kLargestBody);
   server_.set_keep_alive_timeout(2);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
     addRules(response);
@@ -112,10 +117,12 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
   });
   server_.Post("[\\s\\S]*", [this](const httplib::Request& request, httplib::Response& response,
                                    const httplib::ContentReader& reader) {
+    const Route* route = api_.find(Method::kPost, request.path);
+    const std::size_t limit = route == nullptr ? Route::kUsualBody : route->limit;
     std::string body;
     bool tooLarge = false;
     const auto take = [&](const char* data, std::size_t size) {
-      tooLarge = body.size() + size > kLargestBody;
+      tooLarge = body.size() + size > limit;
       if (!tooLarge) body.append(data, size);
       return !tooLarge;
     };
@@ -130,7 +137,7 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
     } else if (parts) {
       give(response, Refusal(415, "A body in parts is not understood"));
     } else {
-      answerPost(request, response, body);
+      answerPost(request, response, route, std::move(body));
     }
   });
   server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
@@ -148,7 +155,7 @@ WebServer::WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts ho
 }
 
 WebServer::~WebServer() {
-  api_.live().close();
+  live_.close();
   gate_.close();
   server_.stopNow();
   thread_.join();
@@ -170,13 +177,12 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (path.starts_with("/api/") && !MayLoadData(reason)) {
     return give(response, Refusal(403, "The request doesn't come from a page of this server"));
   }
-  if (path == "/api/live") return stream(token, response);
   if (const WebFile* file = path.starts_with("/api/") ? nullptr : FindWebFile(path.substr(1));
       file != nullptr && file->name != "index.html") {
     return give(response, {.type = std::string(MediaTypeOf(file->name)), .body = std::string(file->content)});
   }
   if (!path.starts_with("/api/")) {
-    if (const auto found = FileBelow(api_.htmlFolder(), path)) {
+    if (const auto found = FileBelow(htmlFolder_, path)) {
       if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
       const auto content = ReadFile(*found);
       if (content)
@@ -186,12 +192,16 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (!path.starts_with("/api/") && !MayLoadPage(reason)) {
     return give(response, Refusal(403, "A page is not loaded as a part of another one"));
   }
-  WebAnswer answer = api_.get(path, token, [&](const char* name) { return request.get_param_value(name); });
-  giveFor(request, response, std::move(answer));
+  const Route* route = api_.find(Method::kGet, path);
+  if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
+  if (std::holds_alternative<Live>(route->handler)) return stream(*route, token, response);
+  WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = request.remote_addr};
+  for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
+  giveFor(request, response, api_.answer(*route, std::move(call)));
 }
 
-void WebServer::answerPost(const httplib::Request& request, httplib::Response& response,
-                           const std::string& body) {
+void WebServer::answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
+                           std::string body) {
   const std::string host = request.get_header_value("Host");
   if (!hosts_.allows(host)) {
     refused_.count(PostRefusal::kForeignHost);
@@ -206,14 +216,19 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
       !request.get_header_value("Content-Type").starts_with("application/json")) {
     return give(response, Refusal(415, "The request is no JSON object"));
   }
-  WebAnswer answer = api_.post(request.path, tokenOf(request), body, request.remote_addr);
+  if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
+  WebAnswer answer = api_.answer(*route, {.method = Method::kPost,
+                                          .path = request.path,
+                                          .body = std::move(body),
+                                          .token = tokenOf(request),
+                                          .peer = request.remote_addr});
   if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
   giveFor(request, response, std::move(answer));
 }
 
-void WebServer::stream(const std::string& token, httplib::Response& response) {
-  if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
-  const auto reader = std::make_shared<LiveFeed::Reader>(api_.live());
+void WebServer::stream(const Route& route, const std::string& token, httplib::Response& response) {
+  if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return give(response, *refused);
+  const auto reader = std::make_shared<LiveFeed::Reader>(live_);
   if (!reader->admitted()) return give(response, Refusal(503, "Too many pages are open"));
   using SteadyClock = std::chrono::steady_clock;
   struct Progress {

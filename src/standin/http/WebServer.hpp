@@ -1,8 +1,10 @@
 #pragma once
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
 
+#include "standin/house/LiveFeed.hpp"
 #include "standin/http/RefusedPosts.hpp"
 #include "standin/http/WebApi.hpp"
 #include "standin/http/WebRules.hpp"
@@ -37,7 +39,15 @@ class WebPort {
 /// Serves the house's pages on threads of its own for as long as it lives.
 class WebServer {
  public:
-  WebServer(WebPort& port, WebApi& api, LoopGate& gate, AllowedHosts hosts, RefusedPosts& refused);
+  struct Parts {
+    WebApi& api;
+    LoopGate& gate;
+    LiveFeed& live;
+    RefusedPosts& refused;
+    AllowedHosts hosts;
+    std::filesystem::path htmlFolder;  ///< of the house's own files
+  };
+  WebServer(WebPort& port, const Parts& parts);
   ~WebServer();
   WebServer(const WebServer&) = delete;
   WebServer& operator=(const WebServer&) = delete;
@@ -46,14 +56,18 @@ class WebServer {
 
  private:
   void answerGet(const httplib::Request& request, httplib::Response& response);
-  void answerPost(const httplib::Request& request, httplib::Response& response, const std::string& body);
-  void stream(const std::string& token, httplib::Response& response);
+  /// `route` is null where there is none.
+  void answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
+                  std::string body);
+  void stream(const Route& route, const std::string& token, httplib::Response& response);
 
   GuardedServer& server_;
   WebApi& api_;
   LoopGate& gate_;
-  AllowedHosts hosts_;
+  LiveFeed& live_;
   RefusedPosts& refused_;
+  AllowedHosts hosts_;
+  std::filesystem::path htmlFolder_;
   std::thread thread_;
 };
 

@@ -9,8 +9,8 @@
 #include "standin/Options.hpp"
 #include "standin/house/LiveFeed.hpp"
 #include "standin/house/LoopGate.hpp"
-#include "standin/http/LoginLimit.hpp"
 #include "standin/http/WebRules.hpp"
+#include "standin/routes/LoginLimit.hpp"
 #include "standin/voice/VoicePattern.hpp"
 #include "support/TempFolder.hpp"
 

@@ -1,0 +1,202 @@
+// What the pages ask of the player's playlists. Guests look and change nothing.
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "standin/routes/Routes.hpp"
+
+namespace standin {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::size_t kLargestPage = 500;
+constexpr std::size_t kLongestName = 1200;  // bytes: 300 characters of any kind
+constexpr std::size_t kLongestPageId = 40;
+
+int statusOf(std::int32_t failure) {
+  switch (failure) {
+    case base::number::kElementNotFound: return 404;
+    case base::number::kInvalidArgument: return 400;
+    case base::number::kChangedMeanwhile:
+    case base::number::kNameInUse: return 409;
+    case base::number::kDiskFull: return 507;
+    default: return 502;
+  }
+}
+
+Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+/// The state of a list, without its titles.
+Json jsonOf(const Playlists::Outcome& outcome, const User& user) {
+  Json json{{"name", outcome.name},
+            {"version", outcome.version},
+            {"undo", textOrNull(outcome.undo)},
+            {"redo", textOrNull(outcome.redo)},
+            {"said", outcome.said},
+            {"edit", !user.guest}};
+  if (outcome.names) json["total"] = outcome.names->size();
+  if (outcome.restoring > 0) json["restoring"] = {outcome.restored, outcome.restoring};
+  return json;
+}
+
+WebAnswer refusalOf(const Playlists::Outcome& outcome, const User& user) {
+  Json json = jsonOf(outcome, user);
+  json["error"] = outcome.error;
+  json["stuck"] = outcome.stuck;
+  WebAnswer answer = Told(json);
+  answer.status = statusOf(outcome.failure);
+  return answer;
+}
+
+/// One line, without blanks around it.
+std::string nameIn(const Json& json, const char* field) {
+  auto name = json.at(field).get<std::string>();
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, ' ');
+  return base::TrimBlanks(name);
+}
+
+std::optional<std::string> neighbour(const Json& json, const char* field) {
+  return json.at(field).is_null() ? std::nullopt : std::optional(json.at(field).get<std::string>());
+}
+
+Playlists::Plan moving(const Json& json) {
+  MoveOrder order;
+  order.from = json.at("from").get<std::int32_t>();
+  order.to = json.at("to").get<std::int32_t>();
+  order.title = json.at("title").get<std::string>();
+  order.before = neighbour(json, "before");
+  order.after = neighbour(json, "after");
+  return [order](PlayerLists& lists, const PlayerList& list) { return PlanMove(lists, list, order); };
+}
+
+Playlists::Plan removing(const Json& json) {
+  const auto at = json.at("at").get<std::int32_t>();
+  const auto title = json.at("title").get<std::string>();
+  return
+      [at, title](PlayerLists& lists, const PlayerList& list) { return PlanRemove(lists, list, at, title); };
+}
+
+Playlists::Plan adding(const Json& json) {
+  constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::max();
+  const auto category = json.at("category").get<std::string>();
+  const auto group = json.at("group").get<std::string>();
+  TitleChoice choice;
+  choice.all = !json.contains("titles");
+  if (!choice.all) {
+    for (const Json& each : json.at("titles"))
+      choice.titles.push_back({each.at("at").get<std::int32_t>(), each.at("title").get<std::string>()});
+  }
+  const auto to = json.value("to", kEnd);
+  return [category, group, choice, to](PlayerLists& lists, const PlayerList& list) {
+    const std::optional<PlayerList> from = lists.group(category, group);
+    if (!from) throw base::Failure(base::number::kElementNotFound, "The player can't find “" + group + "”");
+    return PlanAdd(list, *from, choice, to);
+  };
+}
+
+Playlists::Plan deleting(const Json&) {
+  return [](PlayerLists&, const PlayerList& list) { return PlanDelete(list); };
+}
+
+/// Tells the asker what has become of a change.
+Playlists::Done answering(const WebCall& call, const Reply& reply) {
+  return [user = call.user, reply](const Playlists::Outcome& outcome) {
+    reply(outcome.failure != 0 ? refusalOf(outcome, user) : Told(jsonOf(outcome, user)));
+  };
+}
+
+void show(Playlists& playlists, const WebCall& call, const Reply& reply) {
+  const auto offset = call.number<std::size_t>("offset");
+  const auto limit = std::min(call.number<std::size_t>("limit"), kLargestPage);
+  playlists.show(call.parameter("group"), call.parameter("fresh") == "1",
+                 [sought = call.parameter("q"), offset, limit, user = call.user,
+                  reply](const Playlists::Outcome& outcome) {
+                   if (outcome.failure != 0 || !outcome.names) return reply(refusalOf(outcome, user));
+                   NameList::Page page = outcome.names->page(sought, offset, limit);
+                   Json json = jsonOf(outcome, user);
+                   json["names"] = std::move(page.names);
+                   json["places"] = std::move(page.places);
+                   json["offset"] = offset;
+                   json["total"] = page.total;
+                   json["all"] = outcome.names->size();
+                   reply(Told(json));
+                 });
+}
+
+WebAnswer watch(Playlists& playlists, const WebCall& call) {
+  const auto page = call.json.at("page").get<std::string>().substr(0, kLongestPageId);
+  const auto name = call.json.at("name").get<std::string>();
+  const auto from = call.json.at("from").get<std::int32_t>();
+  const auto rows = call.json.at("rows").get<std::int32_t>();
+  if (name.size() > kLongestName) return Refusal(400, "The name is too long");
+  playlists.watch(page, name, from, rows);
+  return {};
+}
+
+/// A refusal of a name for a list; nothing when it is good.
+std::optional<WebAnswer> wrongName(const std::string& name) {
+  if (name.empty()) return Refusal(400, "A playlist needs a name");
+  if (name.size() > kLongestName) return Refusal(400, "The name is too long");
+  return std::nullopt;
+}
+
+void create(Playlists& playlists, const WebCall& call, const Reply& reply) {
+  const std::string name = nameIn(call.json, "name");
+  if (const auto wrong = wrongName(name)) return reply(*wrong);
+  playlists.create(name, answering(call, reply));
+}
+
+void rename(Playlists& playlists, const WebCall& call, const Reply& reply) {
+  const std::string to = nameIn(call.json, "to");
+  if (const auto wrong = wrongName(to)) return reply(*wrong);
+  playlists.change(
+      call.json.value("name", std::string()),
+      [to](PlayerLists& lists, const PlayerList& list) { return PlanRename(lists, list, to); },
+      answering(call, reply));
+}
+
+}  // namespace
+
+Routes PlaylistRoutes(Playlists& playlists) {
+  const auto with = [&playlists](auto handle) {
+    return Later{
+        [&playlists, handle](const WebCall& call, const Reply& reply) { handle(playlists, call, reply); }};
+  };
+  const auto planned = [&playlists](Playlists::Plan (*plan)(const Json&)) {
+    return Later{[&playlists, plan](const WebCall& call, const Reply& reply) {
+      playlists.change(call.json.value("name", std::string()), plan(call.json), answering(call, reply));
+    }};
+  };
+  const auto turned = [&playlists](Playlists::Turn turn) {
+    return Later{[&playlists, turn](const WebCall& call, const Reply& reply) {
+      playlists.turn(call.json.value("name", std::string()), turn, answering(call, reply));
+    }};
+  };
+  const auto change = [](const std::string& action, const Later& handler) {
+    return Route{Method::kPost, "/api/playlist/" + action,       Role::kOwner,
+                 handler,       "Guests can't change playlists", Route::kLargestBody};
+  };
+  const auto collection = [](Playlists& all, const WebCall& call, const Reply& reply) {
+    all.collection(answering(call, reply));
+  };
+  return {{Method::kGet, "/api/playlist", Role::kGuest, with(show)},
+          {Method::kGet, "/api/playlists", Role::kGuest, with(collection)},
+          {Method::kPost, "/api/playlist/watch", Role::kGuest,
+           Now{[&playlists](const WebCall& call) { return watch(playlists, call); }}},
+          change("create", with(create)),
+          change("rename", with(rename)),
+          change("move", planned(moving)),
+          change("add", planned(adding)),
+          change("remove", planned(removing)),
+          change("delete", planned(deleting)),
+          change("undo", turned(Playlists::Turn::kUndo)),
+          change("redo", turned(Playlists::Turn::kRedo)),
+          change("skip-undo", turned(Playlists::Turn::kSkipUndo)),
+          change("skip-redo", turned(Playlists::Turn::kSkipRedo))};
+}
+
+}  // namespace standin

@@ -1,0 +1,30 @@
+#pragma once
+#include "standin/hostobjects/HouseObjects.hpp"
+#include "standin/house/House.hpp"
+#include "standin/player/PlayerLibrary.hpp"
+#include "standin/player/PluginKeeper.hpp"
+#include "standin/playlists/Playlists.hpp"
+#include "standin/routes/Route.hpp"
+#include "standin/routes/Visitors.hpp"
+#include "standin/scripts/ScriptRunner.hpp"
+#include "standin/scripts/ScriptStore.hpp"
+
+namespace standin {
+
+// What the web may be asked for, area by area. The handlers use what they are given here for as long as the
+// table lives.
+
+/// The house's state, its log, the values of a device, the start of its plug-in.
+Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
+/// Buttons, devices, menu and voice.
+Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin);
+/// The player's music.
+Routes LibraryRoutes(PlayerLibrary& library);
+/// The player's playlists.
+Routes PlaylistRoutes(Playlists& playlists);
+/// The house's scripts.
+Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner);
+/// Signing in and out, the owner's password, and what guests need.
+Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate);
+
+}  // namespace standin

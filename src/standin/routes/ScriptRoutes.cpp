@@ -1,0 +1,83 @@
+// What the pages ask of the house's scripts. They are nothing for guests.
+#include <optional>
+
+#include "standin/routes/Routes.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestScript = std::size_t{256} << 10U;
+
+WebAnswer badName() {
+  return Refusal(400, "A script's name has up to 50 letters, digits, blanks, “-” and “_”");
+}
+
+WebAnswer read(const ScriptStore& store, const WebCall& call) {
+  const std::string name = call.parameter("name");
+  const std::optional<std::string> text = store.read(name);
+  if (!text) return Refusal(404, "There is no such script");
+  return Told({{"name", name}, {"text", *text}});
+}
+
+WebAnswer save(ScriptStore& store, const WebCall& call) {
+  const auto name = call.json.at("name").get<std::string>();
+  const auto text = call.json.at("text").get<std::string>();
+  if (!ScriptStore::isName(name)) return badName();
+  if (text.size() > kLongestScript) return Refusal(413, "The script is too long");
+  store.write(name, text);
+  return {};
+}
+
+WebAnswer run(const ScriptStore& store, ScriptRunner& runner, const WebCall& call) {
+  const auto name = call.json.at("name").get<std::string>();
+  if (!ScriptStore::isName(name)) return badName();
+  const std::optional<std::string> text =
+      call.json.contains("text") ? std::optional(call.json.at("text").get<std::string>()) : store.read(name);
+  if (!text) return Refusal(404, "There is no such script");
+  if (text->size() > kLongestScript) return Refusal(413, "The script is too long");
+  if (!runner.start(name, *text)) return Refusal(409, "A script is running; stop it first");
+  return Told({{"run", runner.number()}});
+}
+
+WebAnswer reportOf(const ScriptRunner& runner, std::size_t from) {
+  const std::optional<ScriptRun::Report> report = runner.report(from);
+  if (!report) return Told({{"run", 0}, {"running", false}});
+  return Told({{"run", runner.number()},
+               {"name", report->name},
+               {"running", report->running},
+               {"output", report->output},
+               {"next", report->next},
+               {"error", report->outcome.error},
+               {"line", report->outcome.line}});
+}
+
+}  // namespace
+
+Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner) {
+  const auto owners = [](Method method, const char* path, auto answer) {
+    return Route{method, path, Role::kOwner, Now{answer}, "Guests can't use scripts", Route::kLargestBody};
+  };
+  return {
+      owners(Method::kGet, "/api/scripts",
+             [&](const WebCall&) {
+               return Told({{"scripts", store.names()}});
+             }),
+      owners(Method::kGet, "/api/script", [&](const WebCall& call) { return read(store, call); }),
+      owners(Method::kPost, "/api/script", [&](const WebCall& call) { return save(store, call); }),
+      owners(Method::kPost, "/api/script/delete",
+             [&](const WebCall& call) {
+               return store.remove(call.json.at("name").get<std::string>())
+                          ? WebAnswer()
+                          : Refusal(404, "There is no such script");
+             }),
+      owners(Method::kPost, "/api/script/run", [&](const WebCall& call) { return run(store, runner, call); }),
+      owners(Method::kPost, "/api/script/stop",
+             [&](const WebCall&) {
+               runner.stop();
+               return WebAnswer();
+             }),
+      owners(Method::kGet, "/api/script/run",
+             [&](const WebCall& call) { return reportOf(runner, call.number<std::size_t>("from")); })};
+}
+
+}  // namespace standin

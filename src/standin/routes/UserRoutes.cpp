@@ -1,0 +1,160 @@
+// Signing in and out, the owner's password, and what guests need. Passwords are hashed on the web's threads,
+// one at a time.
+#include <chrono>
+#include <memory>
+#include <mutex>
+
+#include "standin/routes/LoginLimit.hpp"
+#include "standin/routes/Routes.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestPassword = 1024;
+constexpr int kDone = 200;
+
+std::string sessionCookie(const std::string& token) {
+  return "vantorix=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=2592000";
+}
+
+std::string noCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
+
+WebAnswer tooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
+WebAnswer wrongLogin() { return Refusal(403, "The name or the password is wrong"); }
+
+std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
+
+/// The commands of this area, and what they share.
+class Commands {
+ public:
+  Commands(House& house, Visitors& visitors, LoopGate& gate)
+      : house_(house), visitors_(visitors), gate_(gate) {}
+
+  WebAnswer login(const WebCall& call) {
+    const auto name = call.json.at("name").get<std::string>();
+    const auto password = call.json.value("password", std::string());
+    if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+    struct Known {
+      std::optional<User> user;
+      std::string hash;
+      bool letIn = false;
+    };
+    const auto known = std::make_shared<Known>();
+    WebAnswer asked = onLoop([this, name, known] {
+      known->user = house_.users.find(name);
+      known->hash = house_.users.hashOf(name);
+      known->letIn = known->user && (!known->user->guest || visitors_.letsIn(*known->user));
+    });
+    if (asked.status != kDone) return asked;
+    if (!known->user) {
+      limits_.failed(name, call.peer, now());
+      return wrongLogin();
+    }
+    if (!known->letIn) return Refusal(403, "Guests are not let in here");
+    const User& user = *known->user;
+    // Without a password the owner needs no session, and the guest gets one for the asking.
+    if (!user.hasPassword && !user.guest) return {.cookie = noCookie()};
+    if (user.hasPassword) {
+      const std::lock_guard one(hashing_);
+      if (!limits_.mayTry(name, call.peer, now())) return tooMany();  // others have guessed meanwhile
+      if (!PasswordFits(known->hash, password)) {
+        limits_.failed(name, call.peer, now());
+        return wrongLogin();
+      }
+      limits_.succeeded(name, call.peer);
+    }
+    const auto token = std::make_shared<std::string>();
+    asked = onLoop([this, name = user.name, token] { *token = house_.users.begin(name); });
+    if (asked.status == kDone) asked.cookie = sessionCookie(*token);
+    return asked;
+  }
+
+  WebAnswer logout(const WebCall& call) {
+    house_.users.end(call.token);
+    return {.cookie = noCookie()};
+  }
+
+  WebAnswer setPassword(const WebCall& call) {
+    const auto old = call.json.value("old", std::string());
+    const auto wanted = call.json.at("password").get<std::string>();
+    const std::string& name = call.user.name;
+    if (wanted.size() > kLongestPassword) return Refusal(400, "The password is too long");
+    if (wanted.empty() && !visitors_.local())
+      return Refusal(403, "A server that others can reach needs a password");
+    if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+    const auto hash = std::make_shared<std::string>();
+    WebAnswer asked = onLoop([this, name, hash] { *hash = house_.users.hashOf(name); });
+    if (asked.status != kDone) return asked;
+    std::string made;
+    {
+      const std::lock_guard one(hashing_);
+      if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+      if (!hash->empty() && !PasswordFits(*hash, old)) {
+        limits_.failed(name, call.peer, now());
+        return Refusal(403, "The old password is wrong");
+      }
+      if (!wanted.empty()) made = HashPassword(wanted);
+    }
+    limits_.succeeded(name, call.peer);
+    const auto fresh = std::make_shared<std::string>();
+    asked = onLoop([this, name, made, fresh] {
+      house_.users.setHash(name, made);
+      if (!made.empty()) *fresh = house_.users.begin(name);
+      house_.log.write(
+          "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
+    });
+    if (asked.status == kDone) asked.cookie = made.empty() ? noCookie() : sessionCookie(*fresh);
+    return asked;
+  }
+
+  WebAnswer setGuests(const WebCall& call) {
+    const auto rule = call.json.at("guests").get<std::string>();
+    const auto password = call.json.value("password", std::string());
+    std::string stored = rule == "open" ? kAdmitted : kBarred;
+    if (rule == "password") {
+      if (password.empty() || password.size() > kLongestPassword)
+        return Refusal(400, "A password has 1 to 1024 characters");
+      const std::lock_guard one(hashing_);
+      stored = HashPassword(password);
+    } else if (rule != "open" && rule != "off") {
+      return Refusal(400, "Guests are let in as open, password or off");
+    }
+    return onLoop([this, stored] {
+      house_.users.setHash(kGuest, stored);
+      house_.log.write("Info", stored == kBarred     ? "Guests are no longer let in"
+                               : stored == kAdmitted ? "Guests are let in"
+                                                     : "Guests are let in with a password");
+    });
+  }
+
+ private:
+  WebAnswer onLoop(std::function<void()> work) {
+    return AskLoop(gate_, [work = std::move(work)](const Reply& reply) {
+      work();
+      reply({});
+    });
+  }
+
+  House& house_;
+  Visitors& visitors_;
+  LoopGate& gate_;
+  LoginLimits limits_;
+  std::mutex hashing_;  // one at a time: each takes 64 MiB
+};
+
+}  // namespace
+
+Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate) {
+  const auto all = std::make_shared<Commands>(house, visitors, gate);
+  return {{Method::kPost, "/api/login", Role::kAnyone,
+           Aside{[all](const WebCall& call) { return all->login(call); }}},
+          {Method::kPost, "/api/logout", Role::kAnyone,
+           Now{[all](const WebCall& call) { return all->logout(call); }}},
+          {Method::kPost, "/api/password", Role::kOwner,
+           Aside{[all](const WebCall& call) { return all->setPassword(call); }}, "Guests have no password"},
+          {Method::kPost, "/api/guests", Role::kOwner,
+           Aside{[all](const WebCall& call) { return all->setGuests(call); }},
+           "Guests can't change who is let in"}};
+}
+
+}  // namespace standin

@@ -1,0 +1,80 @@
+#pragma once
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "standin/fakes/WebClient.hpp"
+#include "standin/hostobjects/HostObject.hpp"
+#include "standin/http/PageRoutes.hpp"
+#include "standin/http/WebServer.hpp"
+#include "standin/routes/Routes.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/TempFolder.hpp"
+
+namespace support {
+
+/// The server's web in the test's own process, with a house without a plug-in behind it. The loop runs on a
+/// thread of its own; what a test does with the house it does in `onLoop`.
+class WebHouse {
+ public:
+  WebHouse() {
+    thread_ = std::thread([this] { loop_.run(); });
+  }
+  ~WebHouse() {
+    web_.reset();
+    loop_.post([this] { loop_.quit(0); });
+    thread_.join();
+  }
+  WebHouse(const WebHouse&) = delete;
+  WebHouse& operator=(const WebHouse&) = delete;
+  WebHouse(WebHouse&&) = delete;
+  WebHouse& operator=(WebHouse&&) = delete;
+
+  void onLoop(const std::function<void(standin::House&)>& work) {
+    gate_.runNow([&] { work(house_); });
+  }
+  /// The cookie of a new session.
+  std::string sessionOf(const std::string& user) {
+    std::string token;
+    onLoop([&](standin::House& house) { token = house.users.begin(user); });
+    return "vantorix=" + token;
+  }
+  [[nodiscard]] int port() const { return port_.port(); }
+  [[nodiscard]] const standin::Routes& routes() const { return api_.routes(); }
+
+ private:
+  BusDaemon bus_;
+  TempFolder folder_;
+  bus::PollLoop loop_;
+  bus::Connection connection_{loop_, bus_.address()};
+  standin::WebPort port_{"127.0.0.1", 0};
+  standin::House house_{folder_.path() / "data"};
+  standin::BusShelf shelf_{connection_};
+  standin::HouseObjects objects_{house_, shelf_};
+  standin::PluginKeeper plugin_{loop_, connection_, house_, nullptr};
+  standin::PlayerLibrary library_{loop_, connection_, plugin_};
+  standin::Playlists playlists_{loop_, connection_, plugin_, house_, library_};
+  standin::ScriptStore scripts_{folder_.path() / "scripts"};
+  standin::ScriptRunner runner_{loop_, connection_, house_, plugin_, nullptr, {}};
+  standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
+  standin::Visitors visitors_{house_.users, false};
+  standin::RefusedPosts refused_{loop_, house_.log};
+  standin::WebApi api_{
+      visitors_, gate_,
+      standin::Joined({standin::HouseRoutes(house_, plugin_, visitors_),
+                       standin::DeviceRoutes(house_, objects_, plugin_), standin::LibraryRoutes(library_),
+                       standin::PlaylistRoutes(playlists_), standin::ScriptRoutes(scripts_, runner_),
+                       standin::UserRoutes(house_, visitors_, gate_), standin::PageRoutes(house_, plugin_)})};
+  std::optional<standin::WebServer> web_{std::in_place, port_,
+                                         standin::WebServer::Parts{.api = api_,
+                                                                   .gate = gate_,
+                                                                   .live = house_.live,
+                                                                   .refused = refused_,
+                                                                   .hosts = {false, {}},
+                                                                   .htmlFolder = house_.htmlFolder()}};
+  std::thread thread_;
+};
+
+}  // namespace support
