@@ -1,5 +1,9 @@
 #include "player/ByNameLibrary.hpp"
 
+#include <algorithm>
+
+#include "base/Attempt.hpp"
+#include "base/Text.hpp"
 #include "player/ByNameTable.hpp"
 
 namespace player {
@@ -17,6 +21,42 @@ base::ObjectRef ShowDrive(const std::shared_ptr<Cdrom>& drive) {
                      {ReadField("driveSpecifier", Type::kText, [drive] { return drive->driveSpecifier(); }),
                       ReadField("playlist", Type::kObject, [drive] { return ShowByName(drive->playlist()); }),
                       Command("eject", {}, [drive](Args&) { drive->eject(); })});
+}
+
+/// A field of an item, or else its attribute of that name; empty where it can't be read.
+std::string TextOf(const Media& media, const std::string& field) {
+  std::string text;
+  base::Attempt step;
+  step([&] {
+    if (base::SameText(field, "name")) {
+      text = media.name();
+    } else if (base::SameText(field, "sourceURL")) {
+      text = media.sourceURL();
+    } else {
+      text = media.getItemInfo(field);
+    }
+  });
+  return text;
+}
+
+// A call over the bus costs more than a hundred items: whoever shows a list of thousands reads it so.
+base::Array ReadItems(const Playlist& playlist, const Value& fields, std::int32_t from, std::int32_t count) {
+  constexpr std::size_t kEnoughBytes = std::size_t{4} << 20U;
+  if (from < 0 || count < 0) throw base::Failure(base::number::kInvalidArgument);
+  std::vector<std::string> names;
+  for (const Value& each : fields.array()) names.push_back(base::ToText(each));
+  base::Array texts;
+  std::size_t bytes = 0;
+  const std::int32_t end = from + std::min(count, std::max(0, playlist.count() - from));
+  for (std::int32_t i = from; i < end && bytes < kEnoughBytes; ++i) {
+    const MediaRef media = playlist.item(i);
+    for (const std::string& name : names) {
+      std::string text = media ? TextOf(*media, name) : std::string();
+      bytes += text.size();
+      texts.emplace_back(std::move(text));
+    }
+  }
+  return texts;
 }
 
 }  // namespace
@@ -50,6 +90,12 @@ base::ObjectRef ShowByName(const PlaylistRef& playlist) {
        ReadField("count", Type::kInt32, [playlist] { return playlist->count(); }),
        Operation("item", {Number("index")}, Type::kObject,
                  [playlist](Args& args) { return ShowByName(playlist->item(NumberAt(args, 0))); }),
+       // Of this system's own: the texts of these fields and attributes for at most `count` items, one item
+       // behind the other; fewer items when their texts are long.
+       Operation("readItems", {{"fields", Type::kTextList}, Number("from"), Number("count")}, Type::kTextList,
+                 [playlist](Args& args) {
+                   return ReadItems(*playlist, args[0], NumberAt(args, 1), NumberAt(args, 2));
+                 }),
        Command("appendItem", {Object("media")},
                [playlist](Args& args) { playlist->appendItem(MediaBehind(args[0])); }),
        Command("insertItem", {Number("index"), Object("media")},

@@ -69,6 +69,29 @@ TEST_F(PlayerByName, APlaylistIsRenamedByItsField) {
   EXPECT_EQ(library.playlists[0]->title, "New");
 }
 
+TEST_F(PlayerByName, ManyItemsAreReadAtOnce) {
+  const auto all = base::ToObject(part("mediaCollection")->invoke("getAll"));
+  const auto read = [&](std::int32_t from, std::int32_t count) {
+    return all->invoke("readItems", base::Array{"name", "Artist", "sourceurl", "nothing"}, from, count);
+  };
+  const Value second(base::Array{"Track Two", Item(all, 1)->invoke("getItemInfo", "Artist"),
+                                 Item(all, 1)->get("sourceURL"), ""});
+  EXPECT_EQ(read(1, 1), second);
+  EXPECT_EQ(read(1, 100), second) << "as many as there are";
+  EXPECT_EQ(read(0, 2).array().size(), 8U);
+  EXPECT_EQ(read(0, 2).array()[0], Value("Track One"));
+  EXPECT_EQ(read(2, 5), Value(base::Array()));
+  EXPECT_EQ(read(2000, 5), Value(base::Array()));
+  EXPECT_THROW(read(-1, 1), base::Failure);
+}
+
+TEST_F(PlayerByName, LongTextsAreReadInPieces) {
+  one->title = std::string(std::size_t{5} << 20U, 'x');
+  const auto all = base::ToObject(part("mediaCollection")->invoke("getAll"));
+  EXPECT_EQ(all->invoke("readItems", base::Array{"name"}, 0, 2).array().size(), 1U);
+  EXPECT_EQ(all->invoke("readItems", base::Array{"name"}, 1, 1), Value(base::Array{"Track Two"}));
+}
+
 TEST_F(PlayerByName, NothingStaysNothing) {
   EXPECT_EQ(wmp().get("currentMedia"), Value(base::ObjectRef()));
   wmp9->media = one;

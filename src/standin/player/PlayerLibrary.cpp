@@ -38,25 +38,6 @@ MediaFacts factsOf(const base::Value& value) {
 
 }  // namespace
 
-NameList::NameList(std::vector<std::string> names) : names_(std::move(names)) {
-  folded_.reserve(names_.size());
-  for (const std::string& name : names_) folded_.push_back(base::LowerCase(name));
-}
-
-NameList::Page NameList::page(const std::string& sought, std::size_t offset, std::size_t limit) const {
-  Page page;
-  const std::string folded = base::LowerCase(sought);
-  for (std::size_t i = 0; i < names_.size(); ++i) {
-    if (!folded.empty() && folded_[i].find(folded) == std::string::npos) continue;
-    if (page.total >= offset && page.names.size() < limit) {
-      page.names.push_back(names_[i]);
-      page.places.push_back(i);
-    }
-    ++page.total;
-  }
-  return page;
-}
-
 PlayerLibrary::PlayerLibrary(bus::PollLoop& loop, bus::Connection& connection, PluginKeeper& plugin,
                              PluginKeeper::Address address)
     : loop_(loop), connection_(connection), plugin_(plugin), address_(std::move(address)) {}

@@ -7,29 +7,10 @@
 #include <vector>
 
 #include "bus/Connection.hpp"
+#include "standin/player/NameList.hpp"
 #include "standin/player/PluginKeeper.hpp"
 
 namespace standin {
-
-/// The names of one list of the player's library, searchable without regard to case.
-class NameList {
- public:
-  explicit NameList(std::vector<std::string> names);
-
-  struct Page {
-    std::vector<std::string> names;
-    std::vector<std::size_t> places;  ///< of these names in the whole list
-    std::size_t total = 0;            ///< of all names that fit
-  };
-  /// The names that hold `sought`, from `offset` on, at most `limit`.
-  [[nodiscard]] Page page(const std::string& sought, std::size_t offset, std::size_t limit) const;
-  [[nodiscard]] std::size_t size() const { return names_.size(); }
-  [[nodiscard]] const std::vector<std::string>& all() const { return names_; }
-
- private:
-  std::vector<std::string> names_;
-  std::vector<std::string> folded_;
-};
 
 /// What the player says of one title; a negative duration where it doesn't know.
 struct MediaFacts {

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/playlists/PlayerLists.hpp"
+#include "standin/player/PlayerLists.hpp"
 
 namespace standin {
 

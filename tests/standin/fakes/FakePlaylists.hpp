@@ -1,5 +1,6 @@
 #pragma once
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,11 +20,14 @@ class FakePlaylists {
   struct Title {
     std::string name;
     std::string source;
+    std::map<std::string, std::string> facts{};  ///< by attribute
   };
   using Names = std::vector<std::string>;
 
   /// What the library has; an "add" of anything else fails.
   std::vector<Title> library;
+  /// What a category's groups hold, "Album/Blue"; of others, the titles whose source begins with the name.
+  std::map<std::string, std::vector<Title>> groups;
   /// Changes that the player refuses from now on.
   void refuse(bool value) {
     locked([&] { refuses_ = value; });
@@ -73,6 +77,14 @@ class FakePlaylists {
     });
     return names;
   }
+  /// The sources of the list that was played last.
+  [[nodiscard]] Names played() {
+    Names sources;
+    locked([&] {
+      for (const Title& title : played_) sources.push_back(title.source);
+    });
+    return sources;
+  }
   /// The calls that the raw player has answered.
   [[nodiscard]] int asked() {
     int count = 0;
@@ -93,12 +105,22 @@ class FakePlaylists {
     const auto media = object(
         "MediaCollection",
         {operation("add", {text("url")}, [this](base::Args& args) { return add(base::ToText(args[0])); }),
+         operation("getAll", {}, [this](base::Args&) { return temporary("", library); }),
          operation("getByAttribute", {text("attribute"), text("value")},
-                   [this](base::Args& args) { return group(base::ToText(args[1])); }),
+                   [this](base::Args& args) { return group(base::ToText(args[0]), base::ToText(args[1])); }),
          operation("getAttributeStringCollection", {text("attribute"), text("mediaType")},
                    [this](base::Args&) { return array({}); })});
-    return object("WMP9", {field("playlistCollection", [lists] { return base::Value(lists); }),
-                           field("mediaCollection", [media] { return base::Value(media); })});
+    const auto controls = object("Controls", {operation("play", {}, [](base::Args&) { return Value(); })});
+    base::Member current = field("currentPlaylist", [] { return Value(base::ObjectRef()); });
+    current.kind = base::MemberKind::kField;
+    current.writer = [this](const Value& value) {
+      const std::lock_guard lock(mutex_);
+      played_ = behind<ListRef>(value)->titles;
+    };
+    return object("WMP9",
+                  {field("playlistCollection", [lists] { return base::Value(lists); }),
+                   field("mediaCollection", [media] { return base::Value(media); }),
+                   field("controls", [controls] { return base::Value(controls); }), std::move(current)});
   }
 
  private:
@@ -196,8 +218,12 @@ class FakePlaylists {
     if (known == library.end()) throw base::Failure(base::number::kFileNotFound, source + " can't be found");
     return show(*known);
   }
-  /// Titles of a group are those whose source begins with its name.
-  Value group(const std::string& name) {
+  Value temporary(const std::string& name, const std::vector<Title>& titles) {
+    return show(std::make_shared<List>(List{name, titles}));
+  }
+  Value group(const std::string& attribute, const std::string& name) {
+    if (const auto known = groups.find(attribute + "/" + name); known != groups.end())
+      return temporary(name, known->second);
     auto list = std::make_shared<List>(List{name, {}});
     std::copy_if(library.begin(), library.end(), std::back_inserter(list->titles),
                  [&](const Title& each) { return each.source.starts_with(name + "/"); });
@@ -231,6 +257,18 @@ class FakePlaylists {
     members.push_back(operation("item", {number("index")}, [this, list, place](base::Args& args) {
       return showItem(*place(args[0], list->titles.size()), base::ToInt32(args[0]));
     }));
+    members.push_back(operation(
+        "readItems", {{"fields", base::Type::kTextList}, number("from"), number("count")},
+        [list](base::Args& args) {
+          base::Array texts;
+          const auto from = static_cast<std::size_t>(base::ToInt32(args[1]));
+          const auto end =
+              std::min(list->titles.size(), from + static_cast<std::size_t>(base::ToInt32(args[2])));
+          for (std::size_t i = from; i < end; ++i)
+            for (const Value& field : args[0].array())
+              texts.emplace_back(textOf(list->titles[i], base::ToText(field)));
+          return Value(texts);
+        }));
     members.push_back(operation("appendItem", {reference("media")}, [this, list](base::Args& args) {
       mayChange();
       list->titles.push_back(titleBehind(args[0]));
@@ -267,6 +305,12 @@ class FakePlaylists {
                                 }));
     return base::ObjectRef(std::make_shared<Shown<ListRef>>(list, "Playlist", std::move(members)));
   }
+  static std::string textOf(const Title& title, const std::string& field) {
+    if (field == "name") return title.name;
+    if (field == "sourceURL") return title.source;
+    const auto found = title.facts.find(field);
+    return found == title.facts.end() ? std::string() : found->second;
+  }
   struct Item {
     Title title;
     std::int32_t at = 0;
@@ -285,6 +329,7 @@ class FakePlaylists {
 
   std::mutex mutex_;
   std::vector<ListRef> lists_;
+  std::vector<Title> played_;
   bool refuses_ = false;
   int changesLeft_ = -1;  ///< no end of them
   int asked_ = 0;

@@ -18,9 +18,28 @@ namespace support {
 struct FakeLibrary {
   std::map<std::string, std::vector<std::string>> categories;  ///< the groups of "Album", "Genre" ...
   std::map<std::string, std::vector<std::string>> groups;      ///< the titles of "Album/Blue" ...
+  std::map<std::string, std::vector<std::string>> albums{};    ///< of "Artist/Joni" ...
   std::chrono::milliseconds slowness{0};                       ///< of a category's list
   std::shared_ptr<FakePlaylists> playlists{};                  ///< behind the raw player; none without it
 };
+
+/// A raw player that has the same titles as the script object.
+inline std::shared_ptr<FakePlaylists> RawPlayerOf(const FakeLibrary& library) {
+  auto raw = library.playlists ? library.playlists : std::make_shared<FakePlaylists>();
+  for (const auto& [group, names] : library.groups) {
+    if (raw->groups.count(group) != 0) continue;
+    const std::string album = group.substr(group.find('/') + 1);
+    for (const std::string& name : names)
+      raw->groups[group].push_back({name,
+                                    album + "/" + name,
+                                    {{"Artist", "Joni"},
+                                     {"WM/AlbumArtist", "Joni"},
+                                     {"Album", album},
+                                     {"Genre", "Folk"},
+                                     {"Duration", "214.5"}}});
+  }
+  return raw;
+}
 
 /// The public script object as far as the tests need it; `note` writes down what it is asked to play.
 inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
@@ -78,17 +97,27 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
        [library, note](Args& args) {
          const std::string group = base::ToText(args[0]) + "/" + base::ToText(args[1]);
          note("Play " + group + "/" + base::ToText(args[2]));
-         const bool known = library.groups.find(group) != library.groups.end();
+         const bool known = group == "URL/" || library.groups.find(group) != library.groups.end();
          return Value(std::int32_t{known ? 0 : -1});
        }});
   members.push_back({"Fail", MemberKind::kOperation, {}, Type::kNone, [](Args&) -> Value {
                        throw base::Failure(35601, "Element not found");
                      }});
-  if (library.playlists) {
-    const base::ObjectRef player = library.playlists->player();
-    members.push_back(
-        {"WMPObject", MemberKind::kReadField, {}, Type::kObject, [player](Args&) { return Value(player); }});
-  }
+  const auto raw = RawPlayerOf(library);
+  members.push_back(
+      {"WMPObject", MemberKind::kReadField, {}, Type::kObject, [raw, player = raw->player()](Args&) {
+         return Value(player);
+       }});
+  members.push_back({"GetAlbumsByCategory",
+                     MemberKind::kOperation,
+                     {{"CatType", Type::kText}, {"CategoryName", Type::kText}},
+                     Type::kTextList,
+                     [library, texts, note](Args& args) {
+                       const std::string group = base::ToText(args[0]) + "/" + base::ToText(args[1]);
+                       note("GetAlbumsByCategory " + group);
+                       const auto found = library.albums.find(group);
+                       return found == library.albums.end() ? texts({}) : texts(found->second);
+                     }});
   members.push_back({"Title", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("River"); }});
   members.push_back({"artist", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("Joni"); }});
   members.push_back({"Album", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("Blue"); }});

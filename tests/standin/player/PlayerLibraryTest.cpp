@@ -6,7 +6,6 @@
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
-#include "standin/player/PlayerLibrary.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/TempFolder.hpp"
 
@@ -17,8 +16,6 @@ using support::Eventually;
 using support::FakePlugin;
 using support::ServerProcess;
 using support::WebClient;
-
-using Names = std::vector<std::string>;
 
 class LibraryPage : public testing::Test {
  protected:
@@ -115,15 +112,6 @@ TEST(LibraryWithoutAPlayer, AsksForPatience) {
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->status, 502);
   EXPECT_EQ(json::parse(answer->body).at("error"), "The plug-in isn't running");
-}
-
-TEST(NameList, FindsAmongManyNames) {
-  Names names;
-  for (int i = 0; i < 100000; ++i) names.push_back("Album " + std::to_string(i));
-  const standin::NameList list(std::move(names));
-  const auto page = list.page("aLBUM 9999", 5, 3);
-  EXPECT_EQ(page.total, 11U);  // 9999 and 99990 to 99999
-  EXPECT_EQ(page.names, (Names{"Album 99994", "Album 99995", "Album 99996"}));
 }
 
 }  // namespace

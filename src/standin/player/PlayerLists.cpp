@@ -1,6 +1,7 @@
-#include "standin/playlists/PlayerLists.hpp"
+#include "standin/player/PlayerLists.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -39,6 +40,16 @@ std::string textOf(const base::ObjectRef& object, const char* field) {
   return base::ToText(base::Deref(object).get(field));
 }
 
+/// As a page shows the name: in one that is no UTF-8 the odd bytes have become a sign.
+bool isShownAs(const std::string& name, const std::string& shown) {
+  return name == shown || withSingleBlanks(name) == shown || base::RepairUtf8(name) == shown;
+}
+
+bool mayBeShownAsAnother(const std::string& name) {
+  constexpr std::string_view kOddByte = "\uFFFD";
+  return name.find(' ') != std::string::npos || name.find(kOddByte) != std::string::npos;
+}
+
 std::vector<std::string> textsOf(const base::Value& value) {
   std::vector<std::string> texts;
   if (!value.is<std::shared_ptr<const base::Array>>()) return texts;
@@ -57,6 +68,47 @@ std::string PlayerList::sourceAt(std::int32_t at) const { return textOf(mediaAt(
 ListedItem PlayerList::at(std::int32_t at) const {
   const base::ObjectRef media = mediaAt(at);
   return {textOf(media, "name"), textOf(media, "sourceURL")};
+}
+
+std::vector<Title> PlayerList::titles(std::int32_t from, std::int32_t count) const {
+  constexpr std::int32_t kAtOnce = 2000;
+  const base::Array fields{"name",  "sourceURL", "Artist",         "WM/AlbumArtist",
+                           "Album", "Genre",     "WM/TrackNumber", "Duration"};
+  std::vector<Title> titles;
+  while (count > 0) {
+    const base::Value answer = object_->invoke("readItems", fields, from, std::min(count, kAtOnce));
+    const base::Array& texts = answer.array();
+    const auto read = static_cast<std::int32_t>(texts.size() / fields.size());
+    for (std::size_t i = 0; i + fields.size() <= texts.size(); i += fields.size()) {
+      const auto text = [&](std::size_t field) { return base::ToText(texts[i + field]); };
+      titles.push_back({text(0), text(1), text(2), text(3), text(4), text(5),
+                        static_cast<std::int32_t>(std::clamp(base::NumericPrefix(text(6)), 0.0, 1e6)),
+                        base::NumericPrefix(text(7))});
+    }
+    if (read == 0) break;
+    from += read;
+    count -= read;
+  }
+  return titles;
+}
+
+std::int32_t PlayerList::placeOf(const TitleAddress& title) const {
+  const auto isIt = [&](const Title& each) { return MarkOf(each.name, each.source) == title.mark; };
+  if (title.at >= 0) {
+    const std::vector<Title> here = titles(title.at, 1);
+    if (!here.empty() && isIt(here.front())) return title.at;
+  }
+  const auto away = [&](std::int32_t at) { return std::abs(std::int64_t{at} - title.at); };
+  const std::vector<Title> all = titles(0, count());
+  std::optional<std::int32_t> nearest;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const auto at = static_cast<std::int32_t>(i);
+    if (isIt(all[i]) && (!nearest || away(at) < away(*nearest))) nearest = at;
+  }
+  if (!nearest)
+    throw base::Failure(base::number::kChangedMeanwhile,
+                        "“" + title.name + "” is no longer there: the list has changed");
+  return *nearest;
 }
 
 void PlayerList::insert(std::int32_t at, const base::ObjectRef& media) {
@@ -97,11 +149,11 @@ std::optional<PlayerList> PlayerLists::find(const std::string& name) {
     if (count == 1 || list.name() == name) return list;
   }
   if (count > 0) return PlayerList(itemOf(found, 0));
-  if (name.find(' ') == std::string::npos) return std::nullopt;
+  if (!mayBeShownAsAnother(name)) return std::nullopt;
   const base::ObjectRef all = base::ToObject(playlists()->call("getAll"));
   for (std::int32_t i = 0, end = countOf(all); i < end; ++i) {
     PlayerList list(itemOf(all, i));
-    if (withSingleBlanks(list.name()) == name) return list;
+    if (isShownAs(list.name(), name)) return list;
   }
   return std::nullopt;
 }
@@ -115,9 +167,9 @@ PlayerList PlayerLists::make(const std::string& name) {
 void PlayerLists::remove(const PlayerList& list) { playlists()->invoke("remove", list.object()); }
 
 // The plug-in finds a group by the key of its name, so that of two lists with one key it may mean the other.
-bool PlayerLists::sharesKey(const std::string& name) {
+bool PlayerLists::sharesKey(const std::string& category, const std::string& name) {
   const std::string key = keyOf(name);
-  const std::vector<std::string> all = textsOf(script_->invoke("GetCategoryList", "PlayList"));
+  const std::vector<std::string> all = textsOf(script_->invoke("GetCategoryList", category));
   return std::count_if(all.begin(), all.end(), [&](const std::string& each) { return keyOf(each) == key; }) !=
          1;
 }
@@ -125,7 +177,7 @@ bool PlayerLists::sharesKey(const std::string& name) {
 std::vector<std::string> PlayerLists::names(const PlayerList& list) {
   const std::string name = list.name();
   const std::int32_t count = list.count();
-  if (!sharesKey(name)) {
+  if (!sharesKey("PlayList", name)) {
     std::vector<std::string> all = textsOf(script_->invoke("GetByCategory", "PlayList", name));
     const auto same = [&](std::int32_t at) { return all[static_cast<std::size_t>(at)] == list.nameAt(at); };
     if (static_cast<std::int32_t>(all.size()) == count &&
@@ -140,18 +192,24 @@ std::vector<std::string> PlayerLists::names(const PlayerList& list) {
 
 std::optional<PlayerList> PlayerLists::group(const std::string& category, const std::string& name) {
   if (base::SameText(category, "PlayList")) return find(name);
+  if (base::SameText(category, "Media Library")) return PlayerList(base::ToObject(media()->call("getAll")));
   const auto groupOf = [&](const std::string& value) {
     return PlayerList(base::ToObject(media()->invoke("getByAttribute", category, value)));
   };
   if (PlayerList found = groupOf(name); found.object() && found.count() > 0) return found;
-  if (name.find(' ') == std::string::npos) return std::nullopt;
+  if (!mayBeShownAsAnother(name)) return std::nullopt;
   const base::ObjectRef values =
       base::ToObject(media()->invoke("getAttributeStringCollection", category, "Audio"));
   for (std::int32_t i = 0, end = countOf(values); i < end; ++i) {
     const std::string value = base::ToText(values->invoke("item", i));
-    if (value != name && withSingleBlanks(value) == name) return groupOf(value);
+    if (value != name && isShownAs(value, name)) return groupOf(value);
   }
   return std::nullopt;
+}
+
+void PlayerLists::play(const PlayerList& list) {
+  player_->put("currentPlaylist", list.object());
+  base::Deref(player_->get("controls")).call("play");
 }
 
 base::ObjectRef PlayerLists::mediaOf(const std::string& source) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/Object.hpp"
+#include "standin/player/Title.hpp"
 
 namespace standin {
 
@@ -26,6 +27,11 @@ class PlayerList {
   [[nodiscard]] std::string sourceAt(std::int32_t at) const;
   [[nodiscard]] ListedItem at(std::int32_t at) const;
   [[nodiscard]] base::ObjectRef mediaAt(std::int32_t at) const;
+  /// The titles from one place on, at most so many; one call for a great many of them.
+  [[nodiscard]] std::vector<Title> titles(std::int32_t from, std::int32_t count) const;
+  /// Where the title is now: where it was seen, or else at the nearest place with its name and source. Throws
+  /// number 3197 where it is no longer in the list.
+  [[nodiscard]] std::int32_t placeOf(const TitleAddress& title) const;
   /// `at` may be the count, for the end.
   void insert(std::int32_t at, const base::ObjectRef& media);
   void removeAt(std::int32_t at);
@@ -52,14 +58,18 @@ class PlayerLists {
   void remove(const PlayerList& list);
   /// All titles of a playlist, read at one go where that is sure to tell the same.
   std::vector<std::string> names(const PlayerList& list);
-  /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name.
+  /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name, or all of "Media Library".
   std::optional<PlayerList> group(const std::string& category, const std::string& name);
   /// The media of that source.
   base::ObjectRef mediaOf(const std::string& source);
+  /// Plays the titles of a list, which may be one of no name.
+  void play(const PlayerList& list);
+  /// Whether the plug-in, which knows names by their letters and digits alone, may take the name for
+  /// another's.
+  bool sharesKey(const std::string& category, const std::string& name);
   [[nodiscard]] base::Object& script() const { return *script_; }
 
  private:
-  bool sharesKey(const std::string& name);
   base::ObjectRef playlists();
   base::ObjectRef media();
 

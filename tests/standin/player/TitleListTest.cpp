@@ -1,0 +1,77 @@
+// How a group's titles are shown: which of them, in what order, under which heads.
+#include "standin/player/TitleList.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using standin::IsBy;
+using standin::MarkOf;
+using standin::Title;
+using standin::TitleList;
+using Lines = std::vector<std::string>;
+
+Title title(const std::string& name, const std::string& artist, std::int32_t track = 0,
+            const std::string& albumArtist = {}) {
+  return {name,   "/music/" + artist + "/" + name,
+          artist, albumArtist.empty() ? artist : albumArtist,
+          "Hits", "Pop",
+          track,  0};
+}
+
+/// Titles by name, heads in brackets.
+Lines shown(const TitleList& list, const TitleList::Choice& choice) {
+  Lines lines;
+  for (const TitleList::Row& row : list.rows(choice)) {
+    const bool head = row.place == TitleList::Row::kHead;
+    lines.push_back(head ? "[" + row.artist + "]" : list.all().at(static_cast<std::size_t>(row.place)).name);
+  }
+  return lines;
+}
+
+TEST(TitleList, ShowsAlbumsOfOneNameUnderTheirArtists) {
+  const TitleList list({title("Innuendo", "Queen", 1), title("Zoo Station", "U2", 1), title("One", "U2", 3),
+                        title("Radio", "Queen", 3)});
+  EXPECT_EQ(shown(list, {.byAlbumArtist = true}),
+            (Lines{"[Queen]", "Innuendo", "Radio", "[U2]", "Zoo Station", "One"}));
+  EXPECT_EQ(shown(list, {}), (Lines{"Innuendo", "Zoo Station", "One", "Radio"})) << "in the list's own order";
+}
+
+TEST(TitleList, ShowsOneAlbumWithoutHeads) {
+  const TitleList own({title("A", "Joni", 1), title("B", "Joni", 2)});
+  EXPECT_EQ(shown(own, {.byAlbumArtist = true}), (Lines{"A", "B"}));
+  const TitleList various({title("A", "Joni", 1, "Various"), title("B", "Björk", 1, "Various")});
+  EXPECT_EQ(shown(various, {.byAlbumArtist = true}), (Lines{"A", "B"}));
+}
+
+TEST(TitleList, TakesACompilationWithoutAnAlbumArtistForOneAlbum) {
+  const TitleList list({title("A", "Joni", 1), title("B", "Björk", 2), title("C", "Queen", 3)});
+  EXPECT_EQ(shown(list, {.byAlbumArtist = true}), (Lines{"A", "B", "C"}));
+  const TitleList unnumbered({title("A", "Joni"), title("B", "Björk")});
+  EXPECT_EQ(shown(unnumbered, {.byAlbumArtist = true}), (Lines{"[Björk]", "B", "[Joni]", "A"}));
+}
+
+TEST(TitleList, FindsTheWordsOfTitleArtistAndAlbumTogether) {
+  const TitleList list({title("Suzanne", "Leonard Cohen"), title("Suzanne", "Nina Simone")});
+  EXPECT_EQ(list.rows({.sought = "cohen SUZANNE hits"}).size(), 1U);
+  EXPECT_EQ(list.rows({.sought = "cohen SUZANNE hits"})[0].place, 0);
+  EXPECT_EQ(list.rows({.sought = "suzanne"}).size(), 2U);
+  EXPECT_TRUE(list.rows({.sought = "dylan"}).empty());
+}
+
+TEST(TitleList, ShowsWhatAnArtistHasInIt) {
+  const TitleList list({title("A", "Queen", 1), title("B", "U2", 1), title("C", "Guest", 2, "Queen")});
+  EXPECT_EQ(shown(list, {.by = "QUEEN", .byAlbumArtist = true}), (Lines{"[Queen]", "A", "C"}));
+  EXPECT_EQ(shown(list, {.by = "Guest"}), Lines{"C"});
+  EXPECT_TRUE(IsBy(title("B", "U2"), "u2"));
+  EXPECT_FALSE(IsBy(title("B", "U2"), ""));
+}
+
+TEST(TitleMark, TellsEqualNamesApartAndShowsNoSource) {
+  EXPECT_EQ(MarkOf("Intro", "/a"), MarkOf("Intro", "/a"));
+  EXPECT_NE(MarkOf("Intro", "/a"), MarkOf("Intro", "/b"));
+  EXPECT_NE(MarkOf("Intro/", "a"), MarkOf("Intro", "/a"));
+  EXPECT_EQ(MarkOf("", "").size(), 16U);
+}
+
+}  // namespace
