@@ -1,6 +1,7 @@
 #include "standin/http/WebRules.hpp"
 
 #include <arpa/inet.h>
+#include <sodium.h>
 
 #include <algorithm>
 #include <array>
@@ -116,6 +117,20 @@ std::optional<std::filesystem::path> FileBelow(const std::filesystem::path& root
   if (rootEnd != realRoot.end()) return std::nullopt;
   if (!std::filesystem::is_regular_file(real, error) || error) return std::nullopt;
   return real;
+}
+
+std::string ContentMark(std::string_view content) {
+  std::array<unsigned char, 16> hash{};
+  crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(content.data()),
+                     content.size(), nullptr, 0);
+  std::array<char, hash.size() * 2 + 1> text{};
+  sodium_bin2hex(text.data(), text.size(), hash.data(), hash.size());
+  // A weak one: the same content may be sent packed or not.
+  return std::string("W/\"") + text.data() + "\"";
+}
+
+bool HasMark(std::string_view header, std::string_view mark) {
+  return header == "*" || header.find(mark) != std::string_view::npos;
 }
 
 std::string EscapeHtml(std::string_view text) {

@@ -46,6 +46,10 @@ std::string CookieValue(std::string_view header, std::string_view name);
 /// of `root`. Nothing when there is no such file.
 std::optional<std::filesystem::path> FileBelow(const std::filesystem::path& root,
                                                std::string_view requestPath);
+/// A mark of the content, as an ETag header: as good as never the same for another one.
+std::string ContentMark(std::string_view content);
+/// Whether an If-None-Match header names that mark.
+bool HasMark(std::string_view header, std::string_view mark);
 /// The text with the characters of markup replaced.
 std::string EscapeHtml(std::string_view text);
 

@@ -42,7 +42,31 @@ void addRules(httplib::Response& response) {
   response.set_header("X-DNS-Prefetch-Control", "off");
   response.set_header("Referrer-Policy", "same-origin");
   response.set_header("Cross-Origin-Resource-Policy", "same-origin");
-  response.set_header("Cache-Control", "no-cache");
+  response.set_header("Cache-Control", "private, no-cache");
+}
+
+void put(httplib::Response& response, const char* header, const std::string& value) {
+  response.headers.erase(header);
+  response.set_header(header, value);
+}
+
+/// The answer, unless the browser has kept the same one from before: then it is only told so.
+void giveIfNew(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
+  const std::string mark = ContentMark(answer.body);
+  put(response, "ETag", mark);
+  if (HasMark(request.get_header_value("If-None-Match"), mark)) {
+    response.status = 304;
+  } else {
+    give(response, answer);
+  }
+}
+
+/// A file of the server's own pages. Under the address with their hash it is the same for ever.
+void giveAsset(const httplib::Request& request, httplib::Response& response, const WebFile& file,
+               bool forEver) {
+  if (forEver) put(response, "Cache-Control", "public, max-age=31536000, immutable");
+  giveIfNew(request, response,
+            {.type = std::string(MediaTypeOf(file.name)), .body = std::string(file.content)});
 }
 
 /// False when the user has signed out meanwhile, or can't be asked for: nothing may leave a stream's thread.
@@ -66,10 +90,10 @@ void giveFor(const httplib::Request& request, httplib::Response& response, WebAn
     answer.body = RefusalPage(answer.status, text, request.path);
     answer.type = "text/html; charset=utf-8";
   }
-  if (!answer.policy.empty()) {
-    response.headers.erase("Content-Security-Policy");
-    response.set_header("Content-Security-Policy", answer.policy);
-  }
+  if (!answer.policy.empty()) put(response, "Content-Security-Policy", answer.policy);
+  // A page with a policy of its own is made for this one time.
+  const bool keeps = request.method != "POST" && answer.status == 200 && answer.policy.empty();
+  if (keeps) return giveIfNew(request, response, answer);
   give(response, answer);
 }
 
@@ -167,7 +191,8 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   }
   const std::string& path = request.path;
   if (path == "/" || path == "/index.html") {
-    return give(response, {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
+    return giveIfNew(request, response,
+                     {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
   const std::string token = tokenOf(request);
   const LoadReason reason{.site = request.get_header_value("Sec-Fetch-Site"),
@@ -177,16 +202,18 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (path.starts_with("/api/") && !MayLoadData(reason)) {
     return give(response, Refusal(403, "The request doesn't come from a page of this server"));
   }
-  if (const WebFile* file = path.starts_with("/api/") ? nullptr : FindWebFile(path.substr(1));
-      file != nullptr && file->name != "index.html") {
-    return give(response, {.type = std::string(MediaTypeOf(file->name)), .body = std::string(file->content)});
+  const bool asset = path.starts_with(AssetsAddress()) && path.find('/', 1) == AssetsAddress().size();
+  const std::string_view name = std::string_view(path).substr(asset ? AssetsAddress().size() + 1 : 1);
+  if (const WebFile* file = FindWebFile(name); file != nullptr && name != "index.html") {
+    return giveAsset(request, response, *file, asset);
   }
   if (!path.starts_with("/api/")) {
     if (const auto found = FileBelow(htmlFolder_, path)) {
       if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
       const auto content = ReadFile(*found);
       if (content)
-        return give(response, {.type = std::string(MediaTypeOf(found->string())), .body = *content});
+        return giveIfNew(request, response,
+                         {.type = std::string(MediaTypeOf(found->string())), .body = *content});
     }
   }
   if (!path.starts_with("/api/") && !MayLoadPage(reason)) {

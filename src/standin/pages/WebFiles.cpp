@@ -16,6 +16,8 @@ const WebFile* FindWebFile(std::string_view name) {
   return found == std::end(kWebFiles) ? nullptr : found;
 }
 
+std::string_view AssetsAddress() { return kAssetsAddress; }
+
 std::string_view MediaTypeOf(std::string_view name) {
   static constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kTypes{{
       {"html", "text/html; charset=utf-8"},

@@ -226,6 +226,41 @@ TEST_F(Web, EveryAnswerCarriesItsRules) {
   }
 }
 
+TEST_F(Web, WhatThePagesLoadIsKeptForGoodAndIsNeverStale) {
+  const auto document = web.get("/");
+  const auto begin = document->body.find("/v-");
+  ASSERT_NE(begin, std::string::npos) << document->body;
+  const std::string address = document->body.substr(begin, document->body.find('/', begin + 1) - begin);
+  EXPECT_EQ(document->body.find("{{assets}}"), std::string::npos);
+  const auto script = web.get(address + "/app.js");
+  EXPECT_EQ(script->status, 200);
+  EXPECT_EQ(script->get_header_value("Content-Type"), "text/javascript; charset=utf-8");
+  EXPECT_EQ(script->get_header_value("Cache-Control"), "public, max-age=31536000, immutable");
+  EXPECT_EQ(script->get_header_value_count("Cache-Control"), 1U);
+  // An address of another build, or a bare one, promises nothing.
+  EXPECT_EQ(web.get("/v-0000000000000000/app.js")->status, 404);
+  EXPECT_EQ(web.get(address + "/index.html")->status, 404);
+  EXPECT_EQ(web.get(address + "0/app.js")->status, 404);
+  EXPECT_EQ(web.get("/app.js")->get_header_value("Cache-Control"), "private, no-cache");
+}
+
+TEST_F(Web, WhatABrowserHasAlreadyIsNotSentAgain) {
+  std::ofstream(data / "html/note.txt") << "hello";
+  for (const char* path : {"/", "/app.js", "/note.txt", "/api/state", "/api/scripts"}) {
+    const auto first = web.get(path);
+    ASSERT_EQ(first->status, 200) << path;
+    EXPECT_EQ(first->get_header_value("Cache-Control"), "private, no-cache") << path;
+    const std::string mark = first->get_header_value("ETag");
+    const auto again = web.get(path, {{"If-None-Match", mark}});
+    EXPECT_EQ(again->status, 304) << path;
+    EXPECT_EQ(again->body, "") << path;
+    EXPECT_EQ(web.get(path, {{"If-None-Match", "W/\"another\""}})->body, first->body) << path;
+  }
+  const std::string mark = web.get("/note.txt")->get_header_value("ETag");
+  std::ofstream(data / "html/note.txt") << "hallo";
+  EXPECT_EQ(web.get("/note.txt", {{"If-None-Match", mark}})->body, "hallo");
+}
+
 TEST_F(Web, WithAPasswordOnlyTheOwnerGetsIn) {
   EXPECT_EQ(web.get("/api/state")->status, 200);  // nobody needs one yet
   EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
