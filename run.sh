@@ -76,8 +76,9 @@ for _ in $(seq 100); do
 done
 
 server=
+# shellcheck disable=SC2317 # the trap calls it
 stop() {
-  [ -n "$server" ] && kill -TERM "$server" 2>/dev/null || true
+  if [ -n "$server" ]; then kill -TERM "$server" 2>/dev/null || true; fi
 }
 trap stop INT TERM HUP
 "$bin/vantorix-standin" --bus "$VANTORIX_BUS" --data "$data/server" "$@" &

@@ -1,49 +1,130 @@
 #!/usr/bin/env bash
-# Builds everything with sanitizers and runs every check and test. Installs what is missing first.
+# Builds everything and runs every check and test. Installs what is missing first.
 #
-#   ./test.sh            all
+#   ./test.sh            all; clang-tidy looks at what changed
+#   ./test.sh --whole    the same, and clang-tidy looks at every file
 #   ./test.sh NAME...    only the tests whose names match one of the patterns
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=packaging/packages.sh
 source packaging/packages.sh
 
-step() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
-
-step "Packages"
-install_packages "${BUILD_PACKAGES[@]}" "${RUN_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+tidy=()
+if [ "${1:-}" = --whole ]; then
+  tidy=(--all)
+  shift
+fi
 jobs=$(nproc)
-
-step "Includes form a tree"
-python3 tools/check-includes.py
-
-step "Format"
-git ls-files '*.cpp' '*.hpp' | xargs clang-format --dry-run -Werror
-
-step "Build with sanitizers"
+begin=$(date +%s)
 # What another checkout has compiled already is taken from there.
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
-cmake --preset asan >/dev/null
-cmake --build --preset asan -- --quiet
+
+steps=()
+finish_step() {
+  [ ${#steps[@]} -eq 0 ] || steps[-1]+=": $((SECONDS - step_begin)) s"
+}
+step() {
+  finish_step
+  step_begin=$SECONDS
+  steps+=("$1")
+  printf '\n== %s (%s s)\n' "$1" "$SECONDS"
+}
+
+# build PRESET [OPTION...] [-- TARGET...]: configures and builds; everything unless targets are named.
+build() {
+  local preset=$1 options=()
+  shift
+  while [ $# -gt 0 ] && [ "$1" != -- ]; do
+    options+=("$1")
+    shift
+  done
+  [ $# -eq 0 ] || shift
+  cmake --preset "$preset" "${options[@]}" >/dev/null
+  cmake --build --preset "$preset" --target "${@:-all}" -- --quiet
+}
+
+# sources PATTERN: our files of that name. No history is asked, as an unpacked archive has none.
+sources() {
+  find apps bench fuzz src tests -name node_modules -prune -o -type f -name "$1" -print
+}
+
+# at_once COMMAND...: runs the command for each line of the input, as many at once as there are processors, and
+# shows what a failing one has said.
+at_once() {
+  # shellcheck disable=SC2016 # the inner shell expands them
+  xargs -r -P "$jobs" -I '{}' bash -c '
+    if ! said=$("$@" 2>&1); then
+      printf "%s\n%s\n" "$*" "$said"
+      exit 1
+    fi' at_once "$@"
+}
+
+run_fuzz_target() {
+  local target=$1
+  "build/fuzz/bin/$target" -max_total_time=8 -max_len=4096 -verbosity=0 -print_final_stats=0
+}
+
+run_benchmark() {
+  local program=$1 words=()
+  # The library's benchmarks stop at once and leave the large sizes out; our own programs know what brief means.
+  if nm -C "$program" | grep -q 'benchmark::RunSpecifiedBenchmarks'; then
+    words=(--benchmark_min_time=0.001 --benchmark_filter=-'/10000+(/|$)')
+  fi
+  VANTORIX_BENCH_BRIEF=1 timeout 300 "$program" "${words[@]}"
+}
+export -f run_fuzz_target run_benchmark
+
+step "Packages"
+wanted=("${BUILD_PACKAGES[@]}" "${RUN_PACKAGES[@]}" "${TEST_PACKAGES[@]}")
+# Only who has a history needs what reads it.
+if [ -e .git ]; then wanted+=(git); fi
+install_packages "${wanted[@]}"
+
+if [ $# -eq 0 ]; then
+  step "Includes form a tree"
+  python3 tools/check-includes.py
+
+  step "Format"
+  { sources '*.cpp'; sources '*.hpp'; } | xargs clang-format --dry-run -Werror
+
+  step "Shell scripts"
+  shellcheck -x run.sh test.sh .ci/run packaging/*.sh tools/*.sh
+fi
+
+step "Build with sanitizers"
+build asan
 
 step "Tests"
 pattern=()
 if [ $# -gt 0 ]; then pattern=(-R "$(IFS='|'; echo "$*")"); fi
 export ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1
-ctest --preset asan -j "$jobs" --progress "${pattern[@]}"
-[ $# -gt 0 ] && exit 0
+# Many wait for processes of their own, so there is room for more than one a processor.
+ctest --preset asan -j $((jobs + 1)) --progress --output-junit tests.xml "${pattern[@]}"
+if [ $# -gt 0 ]; then exit 0; fi
+
+step "Build of the fuzz targets"
+# shellcheck disable=SC2046
+mapfile -t targets < <(sed -n 's/^vantorix_fuzz(\([a-z_0-9]*\).*/\1/p' $(find fuzz -name CMakeLists.txt))
+build fuzz -- "${targets[@]}"
 
 step "Fuzz targets, briefly"
-cmake --preset fuzz >/dev/null
-targets=$(sed -n 's/^vantorix_fuzz(\([a-z_0-9]*\).*/\1/p' $(git ls-files "fuzz/**/CMakeLists.txt"))
-# shellcheck disable=SC2086
-cmake --build --preset fuzz --target $targets -- --quiet
-for target in $targets; do
-  echo "$target"
-  if ! "build/fuzz/bin/$target" -max_total_time=8 -max_len=4096 -verbosity=0 -print_final_stats=0 2>build/fuzz/$target.log; then
-    cat "build/fuzz/$target.log"
-    exit 1
-  fi
-done
+printf '%s\n' "${targets[@]}" | at_once bash -c 'run_fuzz_target {}'
 
-step "Done"
+step "Release build"
+build release -DVANTORIX_WERROR=ON
+
+step "Benchmarks: build"
+build bench
+
+step "Benchmarks, briefly"
+find build/bench/bin -name 'bench_*' -type f | at_once bash -c 'run_benchmark {}'
+
+step "clang-tidy"
+build tidy -- page_files
+python3 tools/tidy.py build/tidy "${tidy[@]}"
+
+step "What took longest"
+python3 tools/longest.py "$begin" build/*/.ninja_log build/asan/tests.xml
+finish_step
+printf '  %s\n' "${steps[@]}"
+printf '\n== Done (%s s)\n' "$SECONDS"

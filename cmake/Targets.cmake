@@ -2,7 +2,7 @@
 
 add_library(vantorix_options INTERFACE)
 # g++ 12 sees overlaps in inlined string sums that are none (GCC bug 105651).
-target_compile_options(vantorix_options INTERFACE -Wall -Wextra -Werror
+target_compile_options(vantorix_options INTERFACE -Wall -Wextra $<$<BOOL:${VANTORIX_WERROR}>:-Werror>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_include_directories(vantorix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_definitions(vantorix_options INTERFACE VANTORIX_VERSION="${PROJECT_VERSION}")
@@ -35,22 +35,18 @@ function(vantorix_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 endfunction()
 
-# vantorix_test(name SOURCES file... LINKS target... [SERIAL]): a GoogleTest program whose cases CTest lists
-# one by one. SERIAL for tests of real time, which must not share the processor.
+# vantorix_test(name SOURCES file... LINKS target... [TIMEOUT seconds]): a GoogleTest program whose cases CTest
+# lists one by one and runs side by side: each makes its own folders, bus, screen and ports.
 function(vantorix_test name)
-  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE vantorix_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  set(serial FALSE)
-  if(ARG_SERIAL)
-    set(serial TRUE)
-  endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${serial})
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
 # vantorix_bench(name SOURCES file... LINKS target...): a Google Benchmark program in bin/.

@@ -1,8 +1,9 @@
-# The Debian packages that the house needs, in one place.
+# The Debian packages that the house needs, in one place. For scripts that take it in with "source".
+# shellcheck shell=bash disable=SC2034
 
 # What building the programs takes.
 BUILD_PACKAGES=(
-  g++ cmake ninja-build pkg-config ccache
+  ca-certificates g++ cmake ninja-build pkg-config ccache
   libsystemd-dev libexpat1-dev libmpv-dev libtag1-dev libsqlite3-dev libcdio-dev libsndfile1-dev zlib1g-dev
   libcpp-httplib-dev libcurl4-openssl-dev libsodium-dev nlohmann-json3-dev
   liblua5.4-dev libespeak-ng-dev libutf8proc-dev
@@ -15,7 +16,7 @@ RUN_PACKAGES=(dbus-daemon)
 # What the tests and checks take on top.
 TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  clang lld libclang-rt-14-dev clang-format clang-tidy
+  clang lld libclang-rt-14-dev clang-format clang-tidy shellcheck
   chromium chromium-driver python3 ffmpeg
   xvfb xdotool x11-utils imagemagick
 )

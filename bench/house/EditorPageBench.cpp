@@ -5,6 +5,7 @@
 #include <fstream>
 #include <thread>
 
+#include "Brief.hpp"
 #include "Times.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
@@ -14,8 +15,8 @@ namespace {
 using bench::Clock;
 using bench::Milliseconds;
 
-constexpr int kPlaylists = 10'000;
-constexpr int kItems = 10'000;
+const int kPlaylists = bench::Amount(10'000, 50);
+const int kItems = bench::Amount(10'000, 50);
 constexpr const char* kForm = "application/x-www-form-urlencoded";
 constexpr const char* kLook = "wmp_page=Main_Page&PlayList=A+long+one&button=Refresh";
 
@@ -72,12 +73,13 @@ void Print(const char* what, int clients, const Load& load) {
 }
 
 int Measure(support::RealHouse& house) {
-  constexpr int kRounds = 100;
+  const int kRounds = bench::Amount(100, 4);
   httplib::Client client("127.0.0.1", house.port());
   client.set_read_timeout(60);
   const auto page = client.Post("/WMP_PListEdit", {{"Origin", house.url()}}, kLook, kForm);
-  if (!page || page->status != 200 || page->body.find("Title 9999 of a band") == std::string::npos ||
-      page->body.find("Playlist 9999 of an evening") == std::string::npos) {
+  if (!page || page->status != 200 ||
+      page->body.find("Title " + std::to_string(kItems - 1) + " of a band") == std::string::npos ||
+      page->body.find("Playlist " + std::to_string(kPlaylists - 1) + " of an evening") == std::string::npos) {
     std::fprintf(stderr, "The page is not the one to be measured\n");
     return 1;
   }

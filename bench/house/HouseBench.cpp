@@ -8,6 +8,7 @@
 #include <fstream>
 #include <mutex>
 
+#include "Brief.hpp"
 #include "Times.hpp"
 #include "catalogue/MediaKey.hpp"
 #include "support/RealHouse.hpp"
@@ -62,7 +63,7 @@ class LiveStream {
 };
 
 void MeasureLatency(support::RealHouse& house) {
-  constexpr int kPresses = 200;
+  const int kPresses = bench::Amount(200, 4);
   LiveStream live(house.port());
   house.press("Mute", "Mute toggle");
   live.waitFor(">Muted");
@@ -91,13 +92,13 @@ void MeasureLatency(support::RealHouse& house) {
 }
 
 void MeasureSaves(support::RealHouse& house) {
-  constexpr int kSaves = 50'000;
-  constexpr int kSlice = 1'000;
+  const int kSaves = bench::Amount(50'000, 200);
+  const int kSlice = bench::Amount(1'000, 100);
   bus::PollLoop loop;
   bus::Connection connection(loop, house.busAddress());
   const auto host = connection.proxy("org.vantorix.Host", "/host");
   // A bare call beside each slice shows what the machine was doing meanwhile.
-  const auto timed = [](auto&& call) {
+  const auto timed = [kSlice](auto&& call) {
     const auto begin = Clock::now();
     for (int k = 0; k < kSlice; ++k) call(k);
     return Milliseconds(Clock::now() - begin);
@@ -142,7 +143,7 @@ Use UseOf(long process) {
 }
 
 void MeasureIdle(support::RealHouse& house) {
-  constexpr int kSeconds = 10;
+  const int kSeconds = bench::Amount(10, 1);
   bus::PollLoop loop;
   bus::Connection connection(loop, house.busAddress());
   const long server = house.server().id();
@@ -204,7 +205,7 @@ Start MeasureStartWith(const std::string& music, int names) {
 }
 
 void MeasureStart(const std::string& music) {
-  constexpr int kNames = 50'000;
+  const int kNames = bench::Amount(50'000, 200);
   const Start bare = MeasureStartWith(music, 0);
   const Start full = MeasureStartWith(music, kNames);
   std::printf("start without stored names: %.2f s to ready, %.0f %% of it LoadNameTable\n", bare.seconds,

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "Brief.hpp"
 #include "bus/PollLoop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/library/Library.hpp"
@@ -26,7 +27,7 @@ const std::string kMusic = "/nowhere/vantorix/music";
 int TrackCount() {
   const char* text = std::getenv("VANTORIX_BENCH_TRACKS");
   const int count = text != nullptr ? std::atoi(text) : 0;
-  return count > 0 ? count : 100000;
+  return count > 0 ? count : bench::Amount(100000, 500);
 }
 
 double Resident() {

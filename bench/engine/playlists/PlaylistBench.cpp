@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "Brief.hpp"
 #include "bus/PollLoop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/library/Library.hpp"
@@ -26,7 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kRounds = 15;
+const int kRounds = bench::Amount(15, 1);
 
 double Seconds(const std::function<void()>& work) {
   const auto start = Clock::now();
@@ -134,6 +135,7 @@ int main() {
   bool good = true;
   Costs before;
   for (const int count : {1000, 10000, 100000}) {
+    if (bench::Brief() && count > 1000) break;
     const fs::path folder = fs::path(name) / std::to_string(count);
     fs::create_directories(folder);
     const Costs costs = Measure(folder, count);

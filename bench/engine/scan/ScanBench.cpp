@@ -15,6 +15,7 @@
 #include <mutex>
 #include <string>
 
+#include "Brief.hpp"
 #include "demo/Cover.hpp"
 #include "demo/Sound.hpp"
 #include "demo/Tags.hpp"
@@ -42,7 +43,7 @@ double PeakMegabytes() {
 int FileCount() {
   const char* text = std::getenv("VANTORIX_BENCH_FILES");
   const int count = text != nullptr ? std::atoi(text) : 0;
-  return count > 0 ? count : 20000;
+  return count > 0 ? count : bench::Amount(20000, 100);
 }
 
 /// Tagged files of music with a cover, ten to an album, three albums to an artist.
@@ -71,7 +72,7 @@ void MakeFiles(const fs::path& root, int count) {
 
 /// The least that a scan has to do: walk the folders and read the beginning of each file.
 int ReadBeginnings(const fs::path& root) {
-  std::array<char, 64 * 1024> buffer{};
+  std::array<char, 65536> buffer{};
   int count = 0;
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     if (!entry.is_regular_file()) continue;
@@ -179,7 +180,7 @@ int main() {
     std::printf("first question by album: %.1f ms; each after it: %.2f us\n", build * 1e3, ask * 1e3);
     std::printf("peak memory: %.1f MB after one library, %.1f MB with all three in memory\n", before,
                 PeakMegabytes());
-    good = good && rescan.seconds < withTwo.seconds / 10;
+    good = good && (bench::Brief() || rescan.seconds < withTwo.seconds / 10);
   }
   fs::remove_all(folder);
   if (!good) std::printf("NOT as wanted\n");
