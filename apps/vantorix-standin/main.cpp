@@ -6,6 +6,8 @@
 #include <memory>
 
 #include "base/Failure.hpp"
+#include "files/FolderLock.hpp"
+#include "files/WriteFile.hpp"
 #include "standin/Options.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
@@ -21,7 +23,6 @@
 #include "standin/routes/Routes.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
-#include "standin/storage/FileTools.hpp"
 #include "standin/voice/EspeakVoice.hpp"
 
 namespace {
@@ -39,8 +40,8 @@ int serve(const Options& options) {
   const bool local = IsLoopback(options.listen) &&
                      std::all_of(options.allowedHosts.begin(), options.allowedHosts.end(), &IsLoopback);
 
-  MakeFolder(options.data);
-  const FolderLock lock(options.data);
+  files::MakeFolder(options.data);
+  const files::FolderLock lock(options.data);
   House house(options.data);
   if (!local && house.users.hashOf(kFirstUser).empty()) {
     throw base::Failure(

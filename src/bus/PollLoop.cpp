@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "base/Failure.hpp"
-#include "bus/Descriptor.hpp"
+#include "files/Descriptor.hpp"
 
 namespace bus {
 
@@ -107,12 +107,12 @@ class PollWatch : public PollLoop::Watch {
 
 class SignalWatch : public PollLoop::Watch {
  public:
-  SignalWatch(Descriptor descriptor, std::unique_ptr<PollLoop::Watch> watch)
+  SignalWatch(files::Descriptor descriptor, std::unique_ptr<PollLoop::Watch> watch)
       : descriptor_(std::move(descriptor)), watch_(std::move(watch)) {}
   void events(short value) override { watch_->events(value); }
 
  private:
-  Descriptor descriptor_;
+  files::Descriptor descriptor_;
   std::unique_ptr<PollLoop::Watch> watch_;
 };
 
@@ -139,7 +139,7 @@ struct PollLoop::State {
     short events = 0;
   };
 
-  Descriptor wake{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  files::Descriptor wake{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::vector<std::shared_ptr<TimerEntry>> timers;
   std::vector<std::shared_ptr<WatchEntry>> watches;
   std::mutex mutex;
@@ -294,7 +294,7 @@ std::unique_ptr<PollLoop::Watch> PollLoop::onSignal(int signal, std::function<vo
   ::sigemptyset(&set);
   ::sigaddset(&set, signal);
   ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
-  Descriptor descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+  files::Descriptor descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   if (descriptor.get() < 0) throw base::Failure(base::number::kDeviceIo);
   const int number = descriptor.get();
   auto inner = watch(number, POLLIN, [number, event = std::move(event)](short) {

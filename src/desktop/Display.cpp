@@ -11,7 +11,7 @@
 #include <cstring>
 #include <utility>
 
-#include "bus/Descriptor.hpp"
+#include "files/Descriptor.hpp"
 
 namespace desktop {
 
@@ -30,7 +30,7 @@ bool WaylandAnswers() {
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) return false;
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-  const bus::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const files::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   return socket.get() >= 0 &&
          ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }

@@ -9,27 +9,16 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 
-#include "base/Failure.hpp"
+#include "files/Descriptor.hpp"
+#include "files/FileError.hpp"
 
 namespace platform {
 
 using base::Failure;
 
-namespace {
-
-[[noreturn]] void FailWithErrno(const std::string& what) {
-  const int error = errno;
-  std::int32_t number = base::number::kDeviceIo;
-  if (error == EACCES || error == EPERM || error == EROFS) number = base::number::kPermissionDenied;
-  if (error == ENOENT || error == ENOTDIR) number = base::number::kPathNotFound;
-  if (error == ENOSPC || error == EDQUOT) number = base::number::kDiskFull;
-  throw Failure(number, what + ": " + std::strerror(error));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 std::string NativePath(const std::string& path) {
   std::string native = path;
@@ -39,7 +28,7 @@ std::string NativePath(const std::string& path) {
 
 std::int32_t PosixPlatform::osMajorVersion() {
   utsname system{};
-  if (uname(&system) != 0) FailWithErrno("uname");
+  if (uname(&system) != 0) files::FailOn("uname", errno);
   return static_cast<std::int32_t>(std::strtol(system.release, nullptr, 10));
 }
 
@@ -50,7 +39,7 @@ void PosixPlatform::setPriorityClass(std::int32_t priorityClass) {
   // The system counts each thread as a process here; a thread made later takes after its maker.
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     const auto thread = static_cast<id_t>(std::strtoul(task.path().filename().c_str(), nullptr, 10));
-    if (setpriority(PRIO_PROCESS, thread, nice) != 0 && errno != ESRCH) FailWithErrno("priority");
+    if (setpriority(PRIO_PROCESS, thread, nice) != 0 && errno != ESRCH) files::FailOn("priority", errno);
   }
 }
 
@@ -63,9 +52,8 @@ void PosixPlatform::messageBox(base::BoxKind kind, const std::string& title, con
 
 void PosixPlatform::emptyFile(const std::string& path) {
   const std::string native = NativePath(path);
-  const int file = open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (file < 0) FailWithErrno(native);
-  close(file);
+  const files::Descriptor file(open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  if (!file.valid()) files::FailOn(native, errno);
 }
 
 }  // namespace platform

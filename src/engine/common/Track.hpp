@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <string>
 
+#include "files/Stamp.hpp"
+
 namespace engine {
 
 /// The place of a track in the track table; it stays valid, and its texts readable, after the track has left
@@ -32,19 +34,10 @@ struct TrackTags {
   bool operator==(const TrackTags&) const = default;
 };
 
-/// What tells a changed file from an unchanged one.
-struct FileStamp {
-  std::int64_t modified = 0;  ///< nanoseconds
-  std::int64_t size = 0;
-  std::uint64_t inode = 0;
-
-  bool operator==(const FileStamp&) const = default;
-};
-
 /// A file as the library remembers it.
 struct FileRecord {
   std::string path;
-  FileStamp stamp;
+  files::FileStamp stamp;
   TrackTags tags;
   bool added = false;  ///< by hand, not found below a music folder
 };

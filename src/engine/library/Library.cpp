@@ -6,9 +6,9 @@
 
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
-#include "engine/files/Stamp.hpp"
 #include "engine/library/Lists.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "files/Stamp.hpp"
 
 namespace engine {
 namespace {
@@ -114,7 +114,7 @@ player::MediaRef Library::add(const std::string& url) {
     record.tags = TagsOfAddress(record.path);
   } else {
     record.path = std::filesystem::absolute(record.path).lexically_normal().string();
-    record.stamp = StampOf(record.path);
+    record.stamp = files::StampOf(record.path);
     record.tags = ReadTags(record.path);
     if (record.tags.kind == MediaKind::kNone) {
       throw base::Failure(base::number::kInvalidArgument, SafeName(record.path) + " holds no music");

@@ -19,9 +19,9 @@
 #include <utility>
 
 #include "base/Failure.hpp"
-#include "engine/files/Stamp.hpp"
-#include "engine/files/WriteFile.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "files/Stamp.hpp"
+#include "files/WriteFile.hpp"
 
 namespace engine {
 namespace {
@@ -82,12 +82,12 @@ std::string EmbeddedPicture(const std::string& path) {
   return {};
 }
 
-Pictures::Pictures(std::string folder) : folder_(std::move(folder)) { ClearLeftovers(folder_); }
+Pictures::Pictures(std::string folder) : folder_(std::move(folder)) { files::ClearLeftovers(folder_); }
 
 std::string Pictures::urlOf(const std::string& path) {
   std::string key;
   try {
-    const FileStamp stamp = StampOf(path);
+    const files::FileStamp stamp = files::StampOf(path);
     key = path + '\n' + std::to_string(stamp.modified) + ' ' + std::to_string(stamp.size);
   } catch (const base::Failure&) {
     return {};
@@ -106,7 +106,7 @@ std::string Pictures::urlOf(const std::string& path) {
   try {
     if (!std::filesystem::exists(file, ignored)) {
       std::filesystem::create_directories(folder_);
-      WriteFile(file, picture);
+      files::WriteFile(file, picture);
     }
   } catch (const std::exception&) {
     return {};  // without a place for it there is no picture

@@ -50,9 +50,9 @@ class StoredPlaylist : public ListPlaylist {
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
 
   [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] const FileStamp& stamp() const { return stamp_; }
+  [[nodiscard]] const files::FileStamp& stamp() const { return stamp_; }
   /// Where the file lies now, and what it is like.
-  void stored(std::string path, const FileStamp& stamp) {
+  void stored(std::string path, const files::FileStamp& stamp) {
     path_ = std::move(path);
     stamp_ = stamp;
   }
@@ -80,7 +80,7 @@ class StoredPlaylist : public ListPlaylist {
 
   PlaylistKeeper* keeper_;
   std::string path_;
-  FileStamp stamp_;
+  files::FileStamp stamp_;
   std::unordered_map<const player::Media*, Swap> swaps_;  ///< of items that are held somewhere
 };
 

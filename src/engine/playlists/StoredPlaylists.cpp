@@ -8,10 +8,10 @@
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
-#include "engine/files/FileError.hpp"
-#include "engine/files/ReadFile.hpp"
-#include "engine/files/Stamp.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "files/FileError.hpp"
+#include "files/ReadFile.hpp"
+#include "files/Stamp.hpp"
 
 namespace engine {
 namespace {
@@ -88,7 +88,7 @@ std::string WithSingleQuotes(const std::string& name) {
 }  // namespace
 
 StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
-                                 WriteCall write)
+                                 files::WriteCall write)
     : folder_(std::move(folder)),
       library_(library),
       events_(std::move(events)),
@@ -117,7 +117,7 @@ void StoredPlaylists::clearLeftovers() const {
     if (fs::is_symlink(entry.first, ignored))
       folders.insert(fs::canonical(entry.first, ignored).parent_path().string());
   }
-  for (const std::string& folder : folders) ClearLeftovers(folder);
+  for (const std::string& folder : folders) files::ClearLeftovers(folder);
 }
 
 void StoredPlaylists::libraryChanged() {
@@ -188,14 +188,14 @@ StoredPlaylists::Changes StoredPlaylists::lookAround() {
 }
 
 void StoredPlaylists::look(const std::string& path, Changes& changes) {
-  const FileStamp stamp = StampOf(path);
+  const files::FileStamp stamp = files::StampOf(path);
   const auto known = byPath_.find(path);
   if (known != byPath_.end() && known->second->stamp() == stamp) return;
   // Tried at every look: what stood in the way, the file's rights or a shortage, may be gone without a trace
   // in its stamp.
   base::Attempt step;
   const bool good = step([&] {
-    const FileText file = ReadFile(path, kLargest);
+    const files::FileText file = files::ReadFile(path, kLargest);
     read(path, file.stamp, M3uText(file.text), changes);
   });
   if (good) {
@@ -208,7 +208,7 @@ void StoredPlaylists::look(const std::string& path, Changes& changes) {
   events_.message("The playlist " + SafeName(path) + " can't be read: " + step.text());
 }
 
-void StoredPlaylists::read(const std::string& path, const FileStamp& stamp, const M3uText& text,
+void StoredPlaylists::read(const std::string& path, const files::FileStamp& stamp, const M3uText& text,
                            Changes& changes) {
   const std::string folder = fs::path(path).parent_path().string();
   const std::string name = NameOf(text, path);
@@ -232,7 +232,7 @@ void StoredPlaylists::read(const std::string& path, const FileStamp& stamp, cons
   byPath_[path] = playlist;
 }
 
-StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const FileStamp& stamp,
+StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const files::FileStamp& stamp,
                                              const std::string& name, std::vector<player::MediaRef> items) {
   PlaylistKeeper& keeper = *this;
   auto playlist = std::make_shared<StoredPlaylist>(keeper, name, std::move(items));
@@ -241,7 +241,7 @@ StoredPlaylists::Stored StoredPlaylists::add(const std::string& path, const File
   return playlist;
 }
 
-StoredPlaylists::Stored StoredPlaylists::found(const std::string& path, const FileStamp& stamp,
+StoredPlaylists::Stored StoredPlaylists::found(const std::string& path, const files::FileStamp& stamp,
                                                bool veryFileOnly) {
   const auto fit = [&](const StoredPlaylist& lost) {
     const bool veryFile = lost.stamp() == stamp;
@@ -272,8 +272,8 @@ M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
   std::error_code ignored;
   if (!holds(playlist) || !fs::exists(playlist.path(), ignored))
     refresh();  // it may have come back, or moved
-  if (!holds(playlist)) FailOn(playlist.path(), ENOENT);
-  FileText file = ReadFile(playlist.path(), kLargest);
+  if (!holds(playlist)) files::FailOn(playlist.path(), ENOENT);
+  files::FileText file = files::ReadFile(playlist.path(), kLargest);
   M3uText text(std::move(file.text));
   const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
   if (foreign) {
@@ -288,7 +288,7 @@ void StoredPlaylists::save(StoredPlaylist& playlist, const std::string& text) {
   if (static_cast<std::int64_t>(text.size()) > kLargest) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist would be too large");
   }
-  playlist.stored(playlist.path(), WriteFile(playlist.path(), text, write_));
+  playlist.stored(playlist.path(), files::WriteFile(playlist.path(), text, {.write = write_}));
 }
 
 bool StoredPlaylists::taken(const std::string& name, const StoredPlaylist* own) const {
@@ -327,7 +327,7 @@ void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) 
   // never a moment with two files or none.
   const std::string old = playlist.path();
   const std::string path = freePath(name, old);
-  if (path != old && MoveFile(old, path)) {
+  if (path != old && files::MoveFile(old, path)) {
     auto node = byPath_.extract(old);
     node.key() = path;
     byPath_.insert(std::move(node));
@@ -364,12 +364,12 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
   text.name(name);
   refresh();
   if (taken(name, nullptr)) throw base::Failure(base::number::kNameInUse, "The name is in use");
-  MakeFolder(folder_);
+  files::MakeFolder(folder_);
   std::string path;
-  std::optional<FileStamp> stamp;
+  std::optional<files::FileStamp> stamp;
   while (!stamp) {  // until nobody else has taken the path meanwhile
     path = freePath(name, {});
-    stamp = WriteNewFile(path, text.text(), write_);
+    stamp = files::WriteNewFile(path, text.text(), {.write = write_});
   }
   auto playlist = add(path, *stamp, name, {});
   events_.changedByCall();
@@ -383,8 +383,8 @@ void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist is not in the collection");
   }
   refresh();  // its file may lie elsewhere by now, and another one at its path
-  if (!holds(*stored)) FailOn(stored->path(), ENOENT);
-  RemoveFile(stored->path());
+  if (!holds(*stored)) files::FailOn(stored->path(), ENOENT);
+  files::RemoveFile(stored->path());
   byPath_.erase(stored->path());
   stored->disown();
   events_.changedByCall();

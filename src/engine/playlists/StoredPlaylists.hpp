@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "base/Loop.hpp"
-#include "engine/files/WriteFile.hpp"
 #include "engine/library/Library.hpp"
 #include "engine/playlists/StoredPlaylist.hpp"
+#include "files/WriteFile.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {
@@ -28,7 +28,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   };
 
   StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
-                  WriteCall write = WriteBytes);
+                  files::WriteCall write = files::WriteBytes);
   ~StoredPlaylists() override;
   StoredPlaylists(const StoredPlaylists&) = delete;
   StoredPlaylists& operator=(const StoredPlaylists&) = delete;
@@ -72,12 +72,12 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   void lose(const std::vector<std::string>& present);
   /// Reads a file if it has changed. Notes what was found.
   void look(const std::string& path, Changes& changes);
-  void read(const std::string& path, const FileStamp& stamp, const M3uText& text, Changes& changes);
-  Stored add(const std::string& path, const FileStamp& stamp, const std::string& name,
+  void read(const std::string& path, const files::FileStamp& stamp, const M3uText& text, Changes& changes);
+  Stored add(const std::string& path, const files::FileStamp& stamp, const std::string& name,
              std::vector<player::MediaRef> items);
   /// The lost playlist that is found again: the one that had lain in the very file, or else, if that is not
   /// asked for, the last one at the path.
-  Stored found(const std::string& path, const FileStamp& stamp, bool veryFileOnly);
+  Stored found(const std::string& path, const files::FileStamp& stamp, bool veryFileOnly);
   [[nodiscard]] bool holds(const StoredPlaylist& playlist) const;
   /// A path for a playlist of that name: `own` if that fits, otherwise one where nothing lies.
   [[nodiscard]] std::string freePath(const std::string& name, const std::string& own) const;
@@ -88,11 +88,11 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   std::string folder_;
   const Library& library_;
   Events events_;
-  WriteCall write_;
+  files::WriteCall write_;
   std::map<std::string, Stored> byPath_;
-  std::vector<std::weak_ptr<StoredPlaylist>> lost_;  ///< in their order; several may have had one path
-  std::map<std::string, FileStamp> unreadable_;      ///< that have been told as such
-  bool folderTold_ = false;                          ///< that it can't be read
+  std::vector<std::weak_ptr<StoredPlaylist>> lost_;     ///< in their order; several may have had one path
+  std::map<std::string, files::FileStamp> unreadable_;  ///< that have been told as such
+  bool folderTold_ = false;                             ///< that it can't be read
   std::unique_ptr<base::Timer> timer_;
 };
 

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <memory>
 
-#include "base/Failure.hpp"
-#include "engine/files/Stamp.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "files/FileError.hpp"
+#include "files/Stamp.hpp"
 
 namespace engine {
 namespace {
@@ -19,11 +18,8 @@ struct DirectoryCloser {
   void operator()(DIR* directory) const { ::closedir(directory); }
 };
 
-[[noreturn]] void Fail(const std::string& path, int error) {
-  const bool missing = error == ENOENT || error == ENOTDIR;
-  throw base::Failure(missing ? base::number::kPathNotFound : base::number::kPermissionDenied,
-                      SafeName(path) + ": " + std::strerror(error));
-}
+/// What is missing is a folder.
+[[noreturn]] void Fail(const std::string& path, int error) { files::FailOn(path + '/', error); }
 
 }  // namespace
 
@@ -63,7 +59,7 @@ FolderListing ListFolder(const std::string& path) {
     if (S_ISDIR(info.st_mode)) {
       listing.folders.push_back({std::move(full), {info.st_dev, info.st_ino}});
     } else if (media && S_ISREG(info.st_mode)) {
-      listing.files.push_back({std::move(full), StampFrom(info)});
+      listing.files.push_back({std::move(full), files::StampFrom(info)});
     }
   }
   const auto byPath = [](const auto& left, const auto& right) { return left.path < right.path; };

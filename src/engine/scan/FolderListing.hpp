@@ -13,7 +13,7 @@ using FolderIdentity = std::pair<std::uint64_t, std::uint64_t>;
 
 struct ListedFile {
   std::string path;
-  FileStamp stamp;
+  files::FileStamp stamp;
 };
 
 struct ListedFolder {

@@ -35,7 +35,7 @@ LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
   try {
     try {
       open(path);
-    } catch (const DamagedDatabase&) {
+    } catch (const database::Damaged&) {
       close();
       const std::string aside = MoveAside(path);
       open(path);
@@ -56,36 +56,33 @@ void LibraryStore::close() {
 }
 
 void LibraryStore::open(const std::string& path) {
-  database_ = std::make_unique<Database>(path);
-  database_->run("PRAGMA journal_mode=WAL");
-  database_->run("PRAGMA synchronous=NORMAL");
+  database_ = std::make_unique<database::Database>(path, "The library's index");
   {
-    Statement version(database_->handle(), "PRAGMA user_version");
+    database::Statement version(*database_, "PRAGMA user_version");
     const bool found = version.step();
-    const std::int64_t known = found ? version.number(0) : 0;
+    const std::int64_t known = found ? version.integer(0) : 0;
     while (version.step()) {
     }
     if (known != 0 && known != kVersion) database_->run("DROP TABLE IF EXISTS tracks");
   }
   database_->run(kColumns);
-  database_->run(("PRAGMA user_version=" + std::to_string(kVersion)).c_str());
-  put_.emplace(database_->handle(),
-               "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
-  remove_.emplace(database_->handle(), "DELETE FROM tracks WHERE path = ?");
+  database_->run("PRAGMA user_version=" + std::to_string(kVersion));
+  put_.emplace(*database_, "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+  remove_.emplace(*database_, "DELETE FROM tracks WHERE path = ?");
   records_ = readAll();
 }
 
 std::vector<FileRecord> LibraryStore::readAll() {
   std::vector<FileRecord> records;
-  Statement rows(database_->handle(), "SELECT * FROM tracks ORDER BY path");
+  database::Statement rows(*database_, "SELECT * FROM tracks ORDER BY path");
   while (rows.step()) {
     FileRecord& record = records.emplace_back();
     record.path = rows.text(0);
-    record.stamp.modified = rows.number(1);
-    record.stamp.size = rows.number(2);
-    record.stamp.inode = static_cast<std::uint64_t>(rows.number(3));
+    record.stamp.modified = rows.integer(1);
+    record.stamp.size = rows.integer(2);
+    record.stamp.inode = static_cast<std::uint64_t>(rows.integer(3));
     TrackTags& tags = record.tags;
-    tags.kind = static_cast<MediaKind>(rows.number(4));
+    tags.kind = static_cast<MediaKind>(rows.integer(4));
     tags.title = rows.text(5);
     tags.artist = rows.text(6);
     tags.albumArtist = rows.text(7);
@@ -93,32 +90,26 @@ std::vector<FileRecord> LibraryStore::readAll() {
     tags.genre = rows.text(9);
     tags.collectionId = rows.text(10);
     tags.discId = rows.text(11);
-    tags.year = static_cast<std::uint16_t>(rows.number(12));
-    tags.track = static_cast<std::uint16_t>(rows.number(13));
-    tags.disc = static_cast<std::uint16_t>(rows.number(14));
-    tags.milliseconds = static_cast<std::uint32_t>(rows.number(15));
-    record.added = rows.number(16) != 0;
+    tags.year = static_cast<std::uint16_t>(rows.integer(12));
+    tags.track = static_cast<std::uint16_t>(rows.integer(13));
+    tags.disc = static_cast<std::uint16_t>(rows.integer(14));
+    tags.milliseconds = static_cast<std::uint32_t>(rows.integer(15));
+    record.added = rows.integer(16) != 0;
   }
   return records;
 }
 
 void LibraryStore::apply(const std::vector<FileRecord>& changed, const std::vector<std::string>& removed) {
-  Transaction transaction(*database_);
+  database::Transaction transaction(*database_);
   for (const FileRecord& record : changed) {
     const TrackTags& tags = record.tags;
-    put_->bind(1, record.path).bind(2, record.stamp.modified).bind(3, record.stamp.size);
-    put_->bind(4, static_cast<std::int64_t>(record.stamp.inode));
-    put_->bind(5, static_cast<std::int64_t>(tags.kind)).bind(6, tags.title).bind(7, tags.artist);
-    put_->bind(8, tags.albumArtist).bind(9, tags.album).bind(10, tags.genre).bind(11, tags.collectionId);
-    put_->bind(12, tags.discId).bind(13, std::int64_t{tags.year}).bind(14, std::int64_t{tags.track});
-    put_->bind(15, std::int64_t{tags.disc}).bind(16, std::int64_t{tags.milliseconds});
-    put_->bind(17, std::int64_t{record.added ? 1 : 0});
-    put_->step();
+    const files::FileStamp& stamp = record.stamp;
+    put_->with(record.path, stamp.modified, stamp.size, stamp.inode, static_cast<std::int32_t>(tags.kind),
+               tags.title, tags.artist, tags.albumArtist, tags.album, tags.genre, tags.collectionId,
+               tags.discId, tags.year, tags.track, tags.disc, tags.milliseconds, record.added)
+        .run();
   }
-  for (const std::string& path : removed) {
-    remove_->bind(1, path);
-    remove_->step();
-  }
+  for (const std::string& path : removed) remove_->with(path).run();
   transaction.commit();
 }
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "database/Database.hpp"
 #include "engine/common/Track.hpp"
-#include "engine/scan/Sqlite.hpp"
 
 namespace engine {
 
@@ -32,9 +32,9 @@ class LibraryStore {
   std::vector<FileRecord> readAll();
 
   std::vector<FileRecord> records_;
-  std::unique_ptr<Database> database_;
-  std::optional<Statement> put_;
-  std::optional<Statement> remove_;
+  std::unique_ptr<database::Database> database_;
+  std::optional<database::Statement> put_;
+  std::optional<database::Statement> remove_;
 };
 
 }  // namespace engine

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "engine/files/FileDescriptor.hpp"
+#include "files/Descriptor.hpp"
 
 namespace engine {
 
@@ -25,7 +25,7 @@ class LibraryWatch {
   bool read(std::set<std::string>& changed);
 
  private:
-  FileDescriptor inotify_;
+  files::Descriptor inotify_;
   std::unordered_map<int, std::string> byWatch_;
   std::map<std::string, int> byFolder_;
 };

@@ -24,7 +24,7 @@ bool IsBelow(const std::string& path, const std::string& folder) {
          path.compare(0, folder.size(), folder) == 0;
 }
 
-void Wake(const FileDescriptor& wake) {
+void Wake(const files::Descriptor& wake) {
   const std::uint64_t one = 1;
   [[maybe_unused]] const auto written = ::write(wake.get(), &one, sizeof one);
 }

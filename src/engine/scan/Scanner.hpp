@@ -10,11 +10,11 @@
 #include <thread>
 #include <vector>
 
-#include "engine/files/FileDescriptor.hpp"
 #include "engine/scan/FolderListing.hpp"
 #include "engine/scan/LibraryStore.hpp"
 #include "engine/scan/LibraryWatch.hpp"
 #include "engine/scan/TagPool.hpp"
+#include "files/Descriptor.hpp"
 
 namespace engine {
 
@@ -60,7 +60,7 @@ class Scanner {
 
  private:
   struct Known {
-    FileStamp stamp;
+    files::FileStamp stamp;
     std::uint64_t scan = 0;  ///< the scan that saw it last
     bool added = false;
   };
@@ -121,7 +121,7 @@ class Scanner {
   std::unique_ptr<TagPool> pool_;
 
   std::atomic<bool> stopping_{false};
-  FileDescriptor wake_;
+  files::Descriptor wake_;
   std::mutex mutex_;
   std::vector<FileRecord> toRemember_;
   std::thread thread_;  // last: it uses all of the above

@@ -37,8 +37,8 @@ std::vector<ValueEntry> SplitValues(std::string_view table) {
   return entries;
 }
 
-DeviceStore::DeviceStore(Database& database) : database_(database) {
-  Statement rows(
+DeviceStore::DeviceStore(database::Database& database) : database_(database) {
+  database::Statement rows(
       database,
       "SELECT ref, name, location, hc, dc, interface, dev_type, iotype, status, misc, value, text, "
       "changed, list FROM device LEFT JOIN device_values USING (ref)");
@@ -59,7 +59,7 @@ DeviceStore::DeviceStore(Database& database) : database_(database) {
     device.values = rows.text(13);
     devices_.emplace(device.ref, std::move(device));
   }
-  Statement buttons(database, "SELECT ref, interface, caption FROM device_button ORDER BY id");
+  database::Statement buttons(database, "SELECT ref, interface, caption FROM device_button ORDER BY id");
   while (buttons.step()) {
     const auto found = devices_.find(static_cast<std::int32_t>(buttons.integer(0)));
     if (found != devices_.end()) found->second.buttons.push_back({buttons.text(1), buttons.text(2)});
@@ -105,7 +105,7 @@ const Device& DeviceStore::create(const std::string& name) {
   Device device;
   device.name = name;
   device.changed = std::time(nullptr);
-  Statement insert(
+  database::Statement insert(
       database_,
       "INSERT INTO device (name, location, hc, dc, interface, dev_type, iotype, status, misc, value, "
       "text, changed) VALUES (?, '', '', '', '', '', 0, ?, 0, 0, '', ?)");
@@ -118,7 +118,7 @@ const Device& DeviceStore::create(const std::string& name) {
 
 bool DeviceStore::remove(std::int32_t ref) {
   if (!devices_.contains(ref)) return false;
-  Statement(database_, "DELETE FROM device WHERE ref = ?").with(ref).run();
+  database::Statement(database_, "DELETE FROM device WHERE ref = ?").with(ref).run();
   devices_.erase(ref);
   if (onRemove) onRemove(ref);
   return true;
@@ -129,8 +129,8 @@ std::vector<std::int32_t> DeviceStore::removeInterface(const std::string& interf
   for (const auto& [ref, device] : devices_) {
     if (base::SameText(device.interface, interface)) refs.push_back(ref);
   }
-  Transaction whole(database_);
-  Statement erase(database_, "DELETE FROM device WHERE ref = ?");
+  database::Transaction whole(database_);
+  database::Statement erase(database_, "DELETE FROM device WHERE ref = ?");
   for (const std::int32_t ref : refs) erase.with(ref).run();
   whole.commit();
   for (const std::int32_t ref : refs) {
@@ -157,7 +157,8 @@ template <class Field, class Given>
 void DeviceStore::store(std::int32_t ref, Field Device::*field, const char* column, const Given& value) {
   Device& device = need(ref);
   if (device.*field == value) return;
-  Statement(database_, std::string("UPDATE device SET changed = ?, ") + column + " = ? WHERE ref = ?")
+  database::Statement(database_,
+                      std::string("UPDATE device SET changed = ?, ") + column + " = ? WHERE ref = ?")
       .with(static_cast<std::int64_t>(std::time(nullptr)), value, ref)
       .run();
   device.*field = value;
@@ -179,9 +180,9 @@ void DeviceStore::putValue(std::int32_t ref, std::int32_t value) {
 void DeviceStore::putValues(std::int32_t ref, const std::string& table) {
   Device& device = need(ref);
   if (device.values == table) return;
-  Statement(database_,
-            "INSERT INTO device_values (ref, list) VALUES (?, ?) "
-            "ON CONFLICT (ref) DO UPDATE SET list = excluded.list")
+  database::Statement(database_,
+                      "INSERT INTO device_values (ref, list) VALUES (?, ?) "
+                      "ON CONFLICT (ref) DO UPDATE SET list = excluded.list")
       .with(ref, table)
       .run();
   device.values = table;
@@ -193,7 +194,7 @@ void DeviceStore::addButton(std::int32_t ref, const std::string& interface, cons
   const bool known = std::any_of(device.buttons.begin(), device.buttons.end(),
                                  [&](const DeviceButton& button) { return button.caption == caption; });
   if (known) return;
-  Statement(database_, "INSERT INTO device_button (ref, interface, caption) VALUES (?, ?, ?)")
+  database::Statement(database_, "INSERT INTO device_button (ref, interface, caption) VALUES (?, ?, ?)")
       .with(ref, interface, caption)
       .run();
   device.buttons.push_back({interface, caption});

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "standin/storage/Database.hpp"
+#include "database/Database.hpp"
 
 namespace standin {
 
@@ -54,7 +54,7 @@ std::vector<ValueEntry> SplitValues(std::string_view table);
 /// The devices of the house, in memory and in the database. Every change is stored when its call returns.
 class DeviceStore {
  public:
-  explicit DeviceStore(Database& database);
+  explicit DeviceStore(database::Database& database);
 
   [[nodiscard]] const std::map<std::int32_t, Device>& all() const { return devices_; }
   /// Null when there is none.
@@ -90,7 +90,7 @@ class DeviceStore {
   void store(std::int32_t ref, Field Device::*field, const char* column, const Given& value);
   void touched(Device& device);
 
-  Database& database_;
+  database::Database& database_;
   std::map<std::int32_t, Device> devices_;
 };
 

@@ -7,8 +7,8 @@
 
 namespace standin {
 
-EventStore::EventStore(Database& database) : database_(database) {
-  Statement rows(database, "SELECT id, name, vcmd, misc, misc2, abs_time, grp FROM event");
+EventStore::EventStore(database::Database& database) : database_(database) {
+  database::Statement rows(database, "SELECT id, name, vcmd, misc, misc2, abs_time, grp FROM event");
   while (rows.step()) {
     Event event;
     event.id = static_cast<std::int32_t>(rows.integer(0));
@@ -20,7 +20,7 @@ EventStore::EventStore(Database& database) : database_(database) {
     event.group = rows.text(6);
     events_.emplace(event.id, std::move(event));
   }
-  Statement devices(database, "SELECT event, id, devid, func FROM event_device ORDER BY id");
+  database::Statement devices(database, "SELECT event, id, devid, func FROM event_device ORDER BY id");
   while (devices.step()) {
     const auto found = events_.find(static_cast<std::int32_t>(devices.integer(0)));
     if (found == events_.end()) continue;
@@ -49,8 +49,8 @@ Event& EventStore::need(std::int32_t id) {
 }
 
 const Event& EventStore::create(const std::string& name) {
-  Statement(database_,
-            "INSERT INTO event (name, vcmd, misc, misc2, abs_time, grp) VALUES (?, '', 0, 0, 0, '')")
+  database::Statement(
+      database_, "INSERT INTO event (name, vcmd, misc, misc2, abs_time, grp) VALUES (?, '', 0, 0, 0, '')")
       .with(name)
       .run();
   Event event;
@@ -60,11 +60,15 @@ const Event& EventStore::create(const std::string& name) {
 }
 
 void EventStore::update(std::int32_t id, const char* column, const std::string& value) {
-  Statement(database_, std::string("UPDATE event SET ") + column + " = ? WHERE id = ?").with(value, id).run();
+  database::Statement(database_, std::string("UPDATE event SET ") + column + " = ? WHERE id = ?")
+      .with(value, id)
+      .run();
 }
 
 void EventStore::update(std::int32_t id, const char* column, std::int64_t value) {
-  Statement(database_, std::string("UPDATE event SET ") + column + " = ? WHERE id = ?").with(value, id).run();
+  database::Statement(database_, std::string("UPDATE event SET ") + column + " = ? WHERE id = ?")
+      .with(value, id)
+      .run();
 }
 
 void EventStore::put(std::int32_t id, std::string Event::*field, const std::string& value) {
@@ -90,7 +94,7 @@ void EventStore::putAbsTime(std::int32_t id, std::int16_t value) {
 
 std::int64_t EventStore::addDevice(std::int32_t id, std::int32_t devid, std::int16_t func) {
   Event& event = need(id);
-  Statement(database_, "INSERT INTO event_device (event, devid, func) VALUES (?, ?, ?)")
+  database::Statement(database_, "INSERT INTO event_device (event, devid, func) VALUES (?, ?, ?)")
       .with(id, devid, func)
       .run();
   event.devices.push_back({database_.lastId(), devid, func});
@@ -107,7 +111,7 @@ const EventDevice& EventStore::device(std::int32_t id, std::int32_t position) {
 
 void EventStore::removeDevice(std::int32_t id, std::int32_t position) {
   const std::int64_t row = device(id, position).id;
-  Statement(database_, "DELETE FROM event_device WHERE id = ?").with(row).run();
+  database::Statement(database_, "DELETE FROM event_device WHERE id = ?").with(row).run();
   auto& devices = need(id).devices;
   devices.erase(devices.begin() + (position - 1));
 }
@@ -117,7 +121,7 @@ void EventStore::putDevice(std::int32_t id, const EventDevice& device) {
   const auto found = std::find_if(devices.begin(), devices.end(),
                                   [&](const EventDevice& entry) { return entry.id == device.id; });
   if (found == devices.end()) throw base::Failure(base::number::kObjectMissing);
-  Statement(database_, "UPDATE event_device SET devid = ?, func = ? WHERE id = ?")
+  database::Statement(database_, "UPDATE event_device SET devid = ?, func = ? WHERE id = ?")
       .with(device.devid, device.func, device.id)
       .run();
   *found = device;

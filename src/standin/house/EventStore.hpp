@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "standin/storage/Database.hpp"
+#include "database/Database.hpp"
 
 namespace standin {
 
@@ -35,7 +35,7 @@ struct Event {
 /// An event's index is its number, which it keeps for its life.
 class EventStore {
  public:
-  explicit EventStore(Database& database);
+  explicit EventStore(database::Database& database);
 
   [[nodiscard]] const std::map<std::int32_t, Event>& all() const { return events_; }
   [[nodiscard]] const Event* byId(std::int32_t id) const;
@@ -58,7 +58,7 @@ class EventStore {
   void update(std::int32_t id, const char* column, const std::string& value);
   void update(std::int32_t id, const char* column, std::int64_t value);
 
-  Database& database_;
+  database::Database& database_;
   std::map<std::int32_t, Event> events_;
 };
 

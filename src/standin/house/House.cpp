@@ -5,15 +5,15 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "files/WriteFile.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/house/Schema.hpp"
 #include "standin/pages/WebFiles.hpp"
-#include "standin/storage/FileTools.hpp"
-#include "standin/storage/Schema.hpp"
 
 namespace standin {
 namespace {
 
-Database& prepared(Database& database) {
+database::Database& prepared(database::Database& database) {
   PrepareSchema(database);
   return database;
 }
@@ -21,9 +21,9 @@ Database& prepared(Database& database) {
 }  // namespace
 
 House::House(const std::filesystem::path& dataFolder)
-    : folder((MakeFolder(dataFolder), std::filesystem::canonical(dataFolder))),
+    : folder((files::MakeFolder(dataFolder), std::filesystem::canonical(dataFolder))),
       settings(folder / "config"),
-      database(folder / "house.db"),
+      database(folder / "house.db", "The house's database"),
       devices(prepared(database)),
       events(database),
       log(database),
@@ -40,10 +40,11 @@ House::House(const std::filesystem::path& dataFolder)
 
 void House::seedPictures() const {
   const std::filesystem::path pictures = htmlFolder() / "images" / "Media Player";
-  MakeFolder(pictures);
+  files::MakeFolder(pictures);
   const std::filesystem::path icon = pictures / "WMP_Icon.gif";
   const WebFile* own = FindWebFile("WMP_Icon.gif");
-  if (own != nullptr && !std::filesystem::exists(icon)) ReplaceFile(icon, own->content);
+  if (own != nullptr && !std::filesystem::exists(icon))
+    files::WriteFile(icon, own->content, {.mode = files::kForOwner});
 }
 
 const PageLink* House::linkOf(const std::string& path) const {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "database/Database.hpp"
 #include "standin/house/DeviceStore.hpp"
 #include "standin/house/EventStore.hpp"
 #include "standin/house/HouseLog.hpp"
@@ -10,7 +11,6 @@
 #include "standin/house/Menu.hpp"
 #include "standin/house/Users.hpp"
 #include "standin/settings/SettingsStore.hpp"
-#include "standin/storage/Database.hpp"
 
 namespace standin {
 
@@ -23,7 +23,7 @@ class House {
 
   const std::filesystem::path folder;
   SettingsStore settings;
-  Database database;
+  database::Database database;
   DeviceStore devices;
   EventStore events;
   HouseLog log;

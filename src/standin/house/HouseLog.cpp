@@ -22,7 +22,7 @@ std::string bounded(const std::string& text) {
 
 }  // namespace
 
-HouseLog::HouseLog(Database& database, std::int64_t limit)
+HouseLog::HouseLog(database::Database& database, std::int64_t limit)
     : database_(database),
       insert_(database, "INSERT INTO log (time, type, text) VALUES (?, ?, ?)"),
       limit_(limit) {}
@@ -38,7 +38,7 @@ void HouseLog::write(const std::string& type, const std::string& text) {
     insert_.with(line.time, line.type, line.text).run();
     line.id = database_.lastId();
     if (line.id % std::min(kTrimEvery, limit_) == 0) {
-      Statement(database_, "DELETE FROM log WHERE id <= ?").with(line.id - limit_).run();
+      database::Statement(database_, "DELETE FROM log WHERE id <= ?").with(line.id - limit_).run();
     }
   } catch (const base::Failure& failure) {
     // A house whose disk is full goes on; who can't log has lost its host.
@@ -50,9 +50,10 @@ void HouseLog::write(const std::string& type, const std::string& text) {
 
 std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type, std::int64_t before) {
   std::vector<LogLine> lines;
-  Statement rows(database_,
-                 "SELECT id, time, type, text FROM log WHERE (?1 = '' OR type = ?1) AND (?2 = 0 OR id < ?2) "
-                 "ORDER BY id DESC LIMIT ?3");
+  database::Statement rows(
+      database_,
+      "SELECT id, time, type, text FROM log WHERE (?1 = '' OR type = ?1) AND (?2 = 0 OR id < ?2) "
+      "ORDER BY id DESC LIMIT ?3");
   rows.with(type, before, static_cast<std::int64_t>(count));
   while (rows.step()) lines.push_back({rows.integer(0), rows.integer(1), rows.text(2), rows.text(3)});
   std::reverse(lines.begin(), lines.end());
@@ -61,7 +62,7 @@ std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type
 
 std::vector<std::string> HouseLog::types() {
   std::vector<std::string> types;
-  Statement rows(database_, "SELECT DISTINCT type FROM log ORDER BY type");
+  database::Statement rows(database_, "SELECT DISTINCT type FROM log ORDER BY type");
   while (rows.step()) types.push_back(rows.text(0));
   return types;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/storage/Database.hpp"
+#include "database/Database.hpp"
 
 namespace standin {
 
@@ -18,7 +18,7 @@ struct LogLine {
 /// The house's log, bounded: the oldest lines go when there are more than `limit`.
 class HouseLog {
  public:
-  explicit HouseLog(Database& database, std::int64_t limit = 20000);
+  explicit HouseLog(database::Database& database, std::int64_t limit = 20000);
 
   /// Never fails: a line that can't be stored goes to the standard error stream and has the number 0.
   void write(const std::string& type, const std::string& text);
@@ -31,8 +31,8 @@ class HouseLog {
   std::function<void(const LogLine&)> onLine;
 
  private:
-  Database& database_;
-  Statement insert_;
+  database::Database& database_;
+  database::Statement insert_;
   std::int64_t limit_;
 };
 

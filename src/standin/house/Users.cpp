@@ -37,7 +37,7 @@ std::string storedForm(const std::string& token) {
 }
 
 /// From a row of name, guest and hash.
-User userOf(const Statement& row) {
+User userOf(const database::Statement& row) {
   const std::string hash = row.text(2);
   return {.name = row.text(0),
           .guest = row.integer(1) != 0,
@@ -67,30 +67,30 @@ bool PasswordFits(const std::string& hash, const std::string& password) {
   return crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
 }
 
-Users::Users(Database& database, Clock clock)
+Users::Users(database::Database& database, Clock clock)
     : database_(database), clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })) {
   needSodium();
-  Statement add(database_, "INSERT OR IGNORE INTO user (name, hash, guest) VALUES (?, '', ?)");
+  database::Statement add(database_, "INSERT OR IGNORE INTO user (name, hash, guest) VALUES (?, '', ?)");
   add.with(kFirstUser, false).run();
   add.with(kGuest, true).run();
-  Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
 }
 
 std::optional<User> Users::find(const std::string& name) {
-  Statement row(database_, "SELECT name, guest, hash FROM user WHERE name = ?");
+  database::Statement row(database_, "SELECT name, guest, hash FROM user WHERE name = ?");
   if (!row.with(name).step()) return std::nullopt;
   return userOf(row);
 }
 
 std::string Users::hashOf(const std::string& name) {
-  Statement row(database_, "SELECT hash FROM user WHERE name = ?");
+  database::Statement row(database_, "SELECT hash FROM user WHERE name = ?");
   return row.with(name).step() ? row.text(0) : std::string();
 }
 
 void Users::setHash(const std::string& name, const std::string& hash) {
-  Transaction whole(database_);
-  Statement(database_, "UPDATE user SET hash = ? WHERE name = ?").with(hash, name).run();
-  Statement(database_, "DELETE FROM session WHERE user = ?").with(name).run();
+  database::Transaction whole(database_);
+  database::Statement(database_, "UPDATE user SET hash = ? WHERE name = ?").with(hash, name).run();
+  database::Statement(database_, "DELETE FROM session WHERE user = ?").with(name).run();
   whole.commit();
 }
 
@@ -100,14 +100,15 @@ std::string Users::begin(const std::string& name) {
   std::string token = hex(bytes);
   const std::optional<User> user = find(name);
   const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
-  Transaction whole(database_);
-  Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
-  Statement(database_,
-            "DELETE FROM session WHERE user = ?1 AND token NOT IN "
-            "(SELECT token FROM session WHERE user = ?1 ORDER BY expires DESC, rowid DESC LIMIT ?2)")
+  database::Transaction whole(database_);
+  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  database::Statement(
+      database_,
+      "DELETE FROM session WHERE user = ?1 AND token NOT IN "
+      "(SELECT token FROM session WHERE user = ?1 ORDER BY expires DESC, rowid DESC LIMIT ?2)")
       .with(name, kMostSessions - 1)
       .run();
-  Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
+  database::Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
       .with(storedForm(token), name, clock_() + lasting)
       .run();
   whole.commit();
@@ -116,15 +117,15 @@ std::string Users::begin(const std::string& name) {
 
 std::optional<User> Users::ofSession(const std::string& token) {
   if (token.size() != kTokenBytes * 2) return std::nullopt;
-  Statement row(database_,
-                "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
-                "WHERE token = ? AND expires > ?");
+  database::Statement row(database_,
+                          "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
+                          "WHERE token = ? AND expires > ?");
   if (!row.with(storedForm(token), clock_()).step()) return std::nullopt;
   return userOf(row);
 }
 
 void Users::end(const std::string& token) {
-  Statement(database_, "DELETE FROM session WHERE token = ?").with(storedForm(token)).run();
+  database::Statement(database_, "DELETE FROM session WHERE token = ?").with(storedForm(token)).run();
 }
 
 }  // namespace standin

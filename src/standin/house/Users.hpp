@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "standin/storage/Database.hpp"
+#include "database/Database.hpp"
 
 namespace standin {
 
@@ -37,7 +37,7 @@ bool PasswordFits(const std::string& hash, const std::string& password);
 /// Users and their sessions, in the database. Session tokens are stored as hashes only.
 class Users {
  public:
-  explicit Users(Database& database, Clock clock = {});
+  explicit Users(database::Database& database, Clock clock = {});
 
   [[nodiscard]] std::optional<User> find(const std::string& name);
   /// The stored hash, empty for a user without password or an unknown one.
@@ -54,7 +54,7 @@ class Users {
   void end(const std::string& token);
 
  private:
-  Database& database_;
+  database::Database& database_;
   Clock clock_;
 };
 

@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "files/ReadFile.hpp"
 #include "standin/house/HouseJson.hpp"
 #include "standin/http/GuardedServer.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/pages/WebFiles.hpp"
-#include "standin/storage/FileTools.hpp"
 
 namespace standin {
 namespace {
@@ -210,7 +210,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (!path.starts_with("/api/")) {
     if (const auto found = FileBelow(htmlFolder_, path)) {
       if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
-      const auto content = ReadFile(*found);
+      const auto content = files::TextOf(*found);
       if (content)
         return giveIfNew(request, response,
                          {.type = std::string(MediaTypeOf(found->string())), .body = *content});

@@ -10,7 +10,7 @@ constexpr const char* kColumns =
     "SELECT s.id, p.name, s.state, s.data FROM playlist_step s JOIN playlist p ON p.id = s.list ";
 constexpr const char* kNextTurn = "(SELECT COALESCE(MAX(turn), 0) + 1 FROM playlist_step)";
 
-PlaylistHistory::Entry entryOf(const Statement& row) {
+PlaylistHistory::Entry entryOf(const database::Statement& row) {
   return {row.integer(0), row.text(1), static_cast<PlaylistHistory::State>(row.integer(2)),
           StepOf(row.text(3))};
 }
@@ -23,21 +23,24 @@ std::int64_t numberOf(PlaylistHistory::State state) { return static_cast<std::in
 std::int64_t PlaylistHistory::listId(const std::string& list, bool fresh) {
   const std::string folded = base::LowerCase(list);
   // What is left of a list that others have taken away is nothing to a new one of that name.
-  if (fresh) Statement(database_, "DELETE FROM playlist WHERE folded = ? AND NOT gone").with(folded).run();
-  Statement known(database_, "SELECT id FROM playlist WHERE folded = ? AND NOT gone");
+  if (fresh)
+    database::Statement(database_, "DELETE FROM playlist WHERE folded = ? AND NOT gone").with(folded).run();
+  database::Statement known(database_, "SELECT id FROM playlist WHERE folded = ? AND NOT gone");
   if (known.with(folded).step()) return known.integer(0);
-  Statement(database_, "INSERT INTO playlist (name, folded, gone) VALUES (?, ?, 0)").with(list, folded).run();
+  database::Statement(database_, "INSERT INTO playlist (name, folded, gone) VALUES (?, ?, 0)")
+      .with(list, folded)
+      .run();
   return database_.lastId();
 }
 
 std::int64_t PlaylistHistory::begin(const std::string& list, const PlaylistStep& step) {
   const std::string data = TextOf(step);
-  Transaction whole(database_);
+  database::Transaction whole(database_);
   const std::int64_t id = listId(list, step.kind == StepKind::kCreate);
-  Statement(database_,
-            std::string("INSERT INTO playlist_step (list, state, collection, turn, size, data) VALUES "
-                        "(?, ?, ?, ") +
-                kNextTurn + ", ?, ?)")
+  database::Statement(
+      database_, std::string("INSERT INTO playlist_step (list, state, collection, turn, size, data) VALUES "
+                             "(?, ?, ?, ") +
+                     kNextTurn + ", ?, ?)")
       .with(id, numberOf(State::kBeginning), IsOfCollection(step.kind), sizeOf(data), data)
       .run();
   const std::int64_t made = database_.lastId();
@@ -50,36 +53,36 @@ void PlaylistHistory::take(std::int64_t list, const PlaylistStep& step, bool und
   if (step.kind == StepKind::kRename) {
     const std::string& name = undone ? step.oldName : step.newName;
     const std::string folded = base::LowerCase(name);
-    Statement(database_, "DELETE FROM playlist WHERE folded = ? AND NOT gone AND id <> ?")
+    database::Statement(database_, "DELETE FROM playlist WHERE folded = ? AND NOT gone AND id <> ?")
         .with(folded, list)
         .run();
-    Statement(database_, "UPDATE playlist SET name = ?, folded = ? WHERE id = ?")
+    database::Statement(database_, "UPDATE playlist SET name = ?, folded = ? WHERE id = ?")
         .with(name, folded, list)
         .run();
   } else if (IsOfCollection(step.kind)) {
     const bool gone = (step.kind == StepKind::kDelete) != undone;
     if (!gone) {
-      Statement(database_,
-                "DELETE FROM playlist WHERE NOT gone AND id <> ?1 AND "
-                "folded = (SELECT folded FROM playlist WHERE id = ?1)")
+      database::Statement(database_,
+                          "DELETE FROM playlist WHERE NOT gone AND id <> ?1 AND "
+                          "folded = (SELECT folded FROM playlist WHERE id = ?1)")
           .with(list)
           .run();
     }
-    Statement(database_, "UPDATE playlist SET gone = ? WHERE id = ?").with(gone, list).run();
+    database::Statement(database_, "UPDATE playlist SET gone = ? WHERE id = ?").with(gone, list).run();
   }
 }
 
 void PlaylistHistory::finish(std::int64_t id, const PlaylistStep& step) {
   const std::string data = TextOf(step);
-  Transaction whole(database_);
-  Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
+  database::Transaction whole(database_);
+  database::Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
   if (!find.with(id).step()) return;
   const std::int64_t list = find.integer(0);
   find.with(std::int64_t{0});
-  Statement(database_, "DELETE FROM playlist_step WHERE list = ? AND state = ?")
+  database::Statement(database_, "DELETE FROM playlist_step WHERE list = ? AND state = ?")
       .with(list, numberOf(State::kUndone))
       .run();
-  Statement(database_, "UPDATE playlist_step SET state = ?, size = ?, data = ? WHERE id = ?")
+  database::Statement(database_, "UPDATE playlist_step SET state = ?, size = ?, data = ? WHERE id = ?")
       .with(numberOf(State::kDone), sizeOf(data), data, id)
       .run();
   take(list, step, false);
@@ -88,19 +91,20 @@ void PlaylistHistory::finish(std::int64_t id, const PlaylistStep& step) {
 }
 
 void PlaylistHistory::turning(std::int64_t id, bool undo) {
-  Statement(database_, "UPDATE playlist_step SET state = ? WHERE id = ?")
+  database::Statement(database_, "UPDATE playlist_step SET state = ? WHERE id = ?")
       .with(numberOf(undo ? State::kUndoing : State::kRedoing), id)
       .run();
 }
 
 void PlaylistHistory::turned(const Entry& entry, bool undone) {
   const std::string data = TextOf(entry.step);
-  Transaction whole(database_);
-  Statement(database_, std::string("UPDATE playlist_step SET state = ?, size = ?, data = ?, turn = ") +
-                           kNextTurn + " WHERE id = ?")
+  database::Transaction whole(database_);
+  database::Statement(
+      database_, std::string("UPDATE playlist_step SET state = ?, size = ?, data = ?, turn = ") + kNextTurn +
+                     " WHERE id = ?")
       .with(numberOf(undone ? State::kUndone : State::kDone), sizeOf(data), data, entry.id)
       .run();
-  Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
+  database::Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
   if (find.with(entry.id).step()) {
     const std::int64_t list = find.integer(0);
     find.with(std::int64_t{0});
@@ -110,15 +114,15 @@ void PlaylistHistory::turned(const Entry& entry, bool undone) {
 }
 
 void PlaylistHistory::drop(std::int64_t id) {
-  Transaction whole(database_);
-  Statement(database_, "DELETE FROM playlist_step WHERE id = ?").with(id).run();
+  database::Transaction whole(database_);
+  database::Statement(database_, "DELETE FROM playlist_step WHERE id = ?").with(id).run();
   database_.run("DELETE FROM playlist WHERE id NOT IN (SELECT list FROM playlist_step)");
   whole.commit();
 }
 
 std::optional<PlaylistHistory::Entry> PlaylistHistory::one(const std::string& condition,
                                                            const std::string& list) {
-  Statement rows(database_, kColumns + condition + " LIMIT 1");
+  database::Statement rows(database_, kColumns + condition + " LIMIT 1");
   if (list.empty() ? !rows.step() : !rows.with(base::LowerCase(list)).step()) return std::nullopt;
   return entryOf(rows);
 }
@@ -151,7 +155,7 @@ std::optional<PlaylistHistory::Entry> PlaylistHistory::toRedoOfAll() {
 std::vector<PlaylistHistory::Entry> PlaylistHistory::unsettled() {
   std::vector<Entry> entries;
   std::vector<std::int64_t> unreadable;
-  Statement rows(database_, std::string(kColumns) + "WHERE s.state > 1 ORDER BY s.id");
+  database::Statement rows(database_, std::string(kColumns) + "WHERE s.state > 1 ORDER BY s.id");
   while (rows.step()) {
     try {
       entries.push_back(entryOf(rows));
@@ -164,22 +168,22 @@ std::vector<PlaylistHistory::Entry> PlaylistHistory::unsettled() {
 }
 
 void PlaylistHistory::trim(std::int64_t list) {
-  Statement(database_,
-            "DELETE FROM playlist_step WHERE list = ?1 AND id NOT IN "
-            "(SELECT id FROM playlist_step WHERE list = ?1 ORDER BY id DESC LIMIT ?2)")
+  database::Statement(database_,
+                      "DELETE FROM playlist_step WHERE list = ?1 AND id NOT IN "
+                      "(SELECT id FROM playlist_step WHERE list = ?1 ORDER BY id DESC LIMIT ?2)")
       .with(list, limits_.steps)
       .run();
-  Statement(database_,
-            "DELETE FROM playlist WHERE id NOT IN (SELECT list FROM playlist_step GROUP BY list "
-            "ORDER BY MAX(turn) DESC LIMIT ?)")
+  database::Statement(database_,
+                      "DELETE FROM playlist WHERE id NOT IN (SELECT list FROM playlist_step GROUP BY list "
+                      "ORDER BY MAX(turn) DESC LIMIT ?)")
       .with(limits_.lists)
       .run();
   // From the newest on, as many as there is room for.
-  Statement(database_,
-            "DELETE FROM playlist_step WHERE id IN (SELECT id FROM (SELECT id, "
-            "SUM(size) OVER (ORDER BY turn DESC, id DESC) AS sum, "
-            "ROW_NUMBER() OVER (ORDER BY turn DESC, id DESC) AS place FROM playlist_step) "
-            "WHERE sum > ? AND place > 1)")
+  database::Statement(database_,
+                      "DELETE FROM playlist_step WHERE id IN (SELECT id FROM (SELECT id, "
+                      "SUM(size) OVER (ORDER BY turn DESC, id DESC) AS sum, "
+                      "ROW_NUMBER() OVER (ORDER BY turn DESC, id DESC) AS place FROM playlist_step) "
+                      "WHERE sum > ? AND place > 1)")
       .with(limits_.bytes)
       .run();
 }

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "database/Database.hpp"
 #include "standin/playlists/PlaylistStep.hpp"
-#include "standin/storage/Database.hpp"
 
 namespace standin {
 
@@ -19,8 +19,8 @@ class PlaylistHistory {
     std::int64_t lists = 200;
     std::int64_t bytes = std::int64_t{32} << 20U;  ///< of all steps; the newest is kept in any case
   };
-  explicit PlaylistHistory(Database& database) : PlaylistHistory(database, Limits()) {}
-  PlaylistHistory(Database& database, Limits limits) : database_(database), limits_(limits) {}
+  explicit PlaylistHistory(database::Database& database) : PlaylistHistory(database, Limits()) {}
+  PlaylistHistory(database::Database& database, Limits limits) : database_(database), limits_(limits) {}
 
   enum class State { kDone, kUndone, kBeginning, kUndoing, kRedoing };
   struct Entry {
@@ -57,7 +57,7 @@ class PlaylistHistory {
   void take(std::int64_t list, const PlaylistStep& step, bool undone);
   void trim(std::int64_t list);
 
-  Database& database_;
+  database::Database& database_;
   Limits limits_;
 };
 

@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "base/Failure.hpp"
-#include "standin/storage/FileTools.hpp"
+#include "files/ReadFile.hpp"
+#include "files/WriteFile.hpp"
 
 namespace standin {
 namespace {
@@ -15,8 +16,9 @@ constexpr const char* kEnding = ".lua";
 }  // namespace
 
 ScriptStore::ScriptStore(std::filesystem::path folder) : folder_(std::move(folder)) {
+  files::ClearLeftovers(folder_);
   if (std::filesystem::exists(folder_)) return;
-  MakeFolder(folder_);
+  files::MakeFolder(folder_);
   for (const ScriptExample& example : ScriptExamples()) write(example.name, example.text);
 }
 
@@ -52,11 +54,11 @@ std::vector<std::string> ScriptStore::names() const {
 
 std::optional<std::string> ScriptStore::read(const std::string& name) const {
   if (!isName(name)) return std::nullopt;
-  return ReadFile(fileOf(name));
+  return files::TextOf(fileOf(name));
 }
 
 void ScriptStore::write(const std::string& name, const std::string& text) const {
-  ReplaceFile(fileOf(name), text);
+  files::WriteFile(fileOf(name), text, {.mode = files::kForOwner});
 }
 
 bool ScriptStore::remove(const std::string& name) const {

@@ -9,6 +9,10 @@
 #include <cstdint>
 #include <utility>
 
+#include "files/FileError.hpp"
+#include "files/ReadFile.hpp"
+#include "files/WriteFile.hpp"
+
 namespace standin {
 namespace {
 
@@ -52,7 +56,7 @@ std::string checkSum(std::string_view text) {
 
 SettingsJournal::SettingsJournal(std::filesystem::path path)
     : path_(std::move(path)), file_(::open(path_.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0600)) {
-  if (!file_.valid()) throw FileFailure(errno, "Can't write " + path_.string());
+  if (!file_.valid()) throw files::FileFailure(errno, path_, "Can't write ");
   size_ = static_cast<std::size_t>(std::max<off_t>(0, ::lseek(file_.get(), 0, SEEK_END)));
 }
 
@@ -85,7 +89,7 @@ bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
 }
 
 void SettingsJournal::replay(const std::function<void(const SettingChange&)>& apply) const {
-  const std::optional<std::string> content = ReadFile(path_);
+  const std::optional<std::string> content = files::TextOf(path_);
   std::string_view rest = content ? std::string_view(*content) : std::string_view();
   while (!rest.empty()) {
     const std::size_t end = rest.find('\n');
@@ -99,17 +103,17 @@ void SettingsJournal::replay(const std::function<void(const SettingChange&)>& ap
 void SettingsJournal::append(const SettingChange& change) {
   const std::string line = lineOf(change);
   try {
-    WriteAll(file_.get(), line, path_.string());
+    files::WriteAll(file_.get(), line, path_);
   } catch (...) {
     // Half a line would swallow the next one.
-    if (::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0) WriteAll(file_.get(), "\n", path_.string());
+    if (::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0) files::WriteAll(file_.get(), "\n", path_);
     throw;
   }
   size_ += line.size();
 }
 
 void SettingsJournal::empty() {
-  if (::ftruncate(file_.get(), 0) != 0) throw FileFailure(errno, "Can't write " + path_.string());
+  if (::ftruncate(file_.get(), 0) != 0) throw files::FileFailure(errno, path_, "Can't write ");
   size_ = 0;
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "standin/storage/FileTools.hpp"
+#include "files/Descriptor.hpp"
 
 namespace standin {
 
@@ -40,7 +40,7 @@ class SettingsJournal {
 
  private:
   std::filesystem::path path_;
-  Descriptor file_;
+  files::Descriptor file_;
   std::size_t size_ = 0;
 };
 

@@ -2,7 +2,10 @@
 
 #include <utility>
 
+#include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "files/ReadFile.hpp"
+#include "files/WriteFile.hpp"
 
 namespace standin {
 namespace {
@@ -20,7 +23,8 @@ bool plainFileName(const std::string& name) {
 }  // namespace
 
 SettingsStore::SettingsStore(const std::filesystem::path& folder)
-    : folder_((MakeFolder(folder), folder)), journal_(folder / kJournal) {
+    : folder_((files::MakeFolder(folder), folder)), journal_(folder / kJournal) {
+  files::ClearLeftovers(folder_);
   if (!pending()) return;
   journal_.replay([this](const SettingChange& change) {
     try {
@@ -43,10 +47,10 @@ void SettingsStore::keepEdited() {
     std::error_code none;
     const auto time = std::filesystem::last_write_time(loaded.path, none);
     if (none || !loaded.changed || time <= journalTime) continue;
-    const std::string text = ReadFile(loaded.path).value_or(std::string());
+    const std::string text = files::TextOf(loaded.path).value_or(std::string());
     if (text == loaded.content.format()) continue;
     const std::filesystem::path copy = loaded.path.string() + ".edited";
-    ReplaceFile(copy, text);
+    files::WriteFile(copy, text, {.mode = files::kForOwner});
     notes_.push_back(loaded.path.filename().string() +
                      " was edited while changes of the server's waited for it; they have been brought in, "
                      "and the edited file is kept as " +
@@ -64,7 +68,7 @@ SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
   for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
     if (base::LowerCase(entry.path().filename().string()) == folded) path = entry.path();
   }
-  const std::optional<std::string> text = ReadFile(path);
+  const std::optional<std::string> text = files::TextOf(path);
   return files_.emplace(folded, Loaded{path, IniFile::parse(text.value_or(std::string())), false})
       .first->second;
 }
@@ -114,7 +118,7 @@ void SettingsStore::clear(const std::string& file, const std::string& section) {
 void SettingsStore::flush() {
   for (auto& [name, loaded] : files_) {
     if (!loaded.changed) continue;
-    ReplaceFile(loaded.path, loaded.content.format());
+    files::WriteFile(loaded.path, loaded.content.format(), {.mode = files::kForOwner});
     loaded.changed = false;
   }
   journal_.empty();

@@ -6,8 +6,8 @@
 #include <fstream>
 
 #include "base/Failure.hpp"
-#include "engine/files/SyncSpy.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
+#include "files/SyncSpy.hpp"
 #include "support/InChild.hpp"
 #include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
@@ -67,7 +67,7 @@ TEST(PlaylistWrites, EveryEditIsOneFileAndOnTheDiskWhenItEnds) {
   int files = 0;
   PlaylistFolder playlists(root.path(), [&](int file, const void* bytes, std::size_t size) {
     ++files;
-    return WriteBytes(file, bytes, size);  // which takes so little at once
+    return files::WriteBytes(file, bytes, size);  // which takes so little at once
   });
   const std::string folder = playlists.folder;
   const auto ours = [&](std::vector<std::string> synced) {  // the library writes, too
@@ -79,7 +79,7 @@ TEST(PlaylistWrites, EveryEditIsOneFileAndOnTheDiskWhenItEnds) {
     }
     return synced;
   };
-  SyncSpy spy;
+  files::testing::SyncSpy spy;
   auto list = playlists.lists.newPlaylist("L");
   EXPECT_EQ(files, 1);
   EXPECT_THAT(ours(spy.take()), ElementsAre("file", folder));
@@ -110,7 +110,7 @@ TEST(PlaylistWrites, EveryEditIsOneFileAndOnTheDiskWhenItEnds) {
 TEST(PlaylistWrites, TheFirstPlaylistsFolderIsOnTheDiskWithIt) {
   const support::TempFolder root;
   PlaylistFolder playlists(root.path());
-  SyncSpy spy;
+  files::testing::SyncSpy spy;
   playlists.lists.newPlaylist("L");
   EXPECT_THAT(spy.take(), ::testing::IsSupersetOf({root.path().string(), playlists.folder}));
 }
@@ -123,7 +123,7 @@ TEST(PlaylistFailures, AFullDiskIsToldAndLosesNothing) {
     const bool mounted = support::MountSmallDisk(disk, 256 * 1024);
     bool full = false;  // where mounting is not allowed, writing itself says so
     PlaylistFolder playlists(root.path(), [&](int file, const void* bytes, std::size_t size) {
-      if (mounted || !full) return WriteBytes(file, bytes, size);
+      if (mounted || !full) return files::WriteBytes(file, bytes, size);
       errno = ENOSPC;
       return ssize_t{-1};
     });
@@ -156,7 +156,7 @@ TEST(PlaylistFailures, ADiskThatFillsUpInTheMiddleOfAWriteLosesNothing) {
       return ssize_t{-1};
     }
     room -= fits;
-    return WriteBytes(file, bytes, fits);
+    return files::WriteBytes(file, bytes, fits);
   });
   playlists.make("L", kAddresses);
   playlists.make("Other", {"http://x/4"});

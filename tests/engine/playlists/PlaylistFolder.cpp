@@ -43,7 +43,7 @@ std::vector<std::string> Addresses(player::Playlist& list) {
   return addresses;
 }
 
-PlaylistFolder::PlaylistFolder(const std::string& root, WriteCall write)
+PlaylistFolder::PlaylistFolder(const std::string& root, files::WriteCall write)
     : folder(root + "/playlists"),
       library(loop, LibraryIn(root), {[] {}, [](const std::string&) {}, [] {}}),
       lists(loop, folder, library,

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/storage/FileTools.hpp"
+#include "files/ReadFile.hpp"
 
 namespace support {
 
@@ -56,7 +56,7 @@ class ServerProcess {
   /// What it said when it was ready.
   [[nodiscard]] const std::string& line() const { return line_; }
   [[nodiscard]] int port() const { return std::stoi(line_.substr(line_.rfind(':') + 1)); }
-  [[nodiscard]] std::string errors() const { return standin::ReadFile(errors_).value_or(""); }
+  [[nodiscard]] std::string errors() const { return files::TextOf(errors_).value_or(""); }
   /// Sends the signal and waits; the exit code, or minus the signal that ended it.
   int end(int signal = SIGTERM) {
     ::kill(process_, signal);

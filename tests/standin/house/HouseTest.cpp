@@ -105,7 +105,7 @@ TEST(House, EventsKeepTheirDevicesInOrder) {
 
 TEST(House, TheLogIsBounded) {
   const support::TempFolder folder;
-  Database database(folder.path() / "log.db");
+  database::Database database(folder.path() / "log.db", "The log");
   database.run("CREATE TABLE log (id INTEGER PRIMARY KEY AUTOINCREMENT, time INTEGER, type TEXT, text TEXT)");
   HouseLog log(database, 100);
   for (int i = 1; i <= 450; ++i) log.write(i % 2 == 0 ? "Info" : "Error", "line " + std::to_string(i));
@@ -207,7 +207,7 @@ TEST(Users, TheDatabaseHoldsNoSessionTokenInTheClear) {
   const support::TempFolder folder;
   House house(folder.path());
   const std::string token = house.users.begin(kFirstUser);
-  Statement rows(house.database, "SELECT token FROM session");
+  database::Statement rows(house.database, "SELECT token FROM session");
   ASSERT_TRUE(rows.step());
   EXPECT_NE(rows.text(0), token);
 }

@@ -6,9 +6,10 @@
 #include <fstream>
 #include <memory>
 
+#include "files/Descriptor.hpp"
+#include "files/WriteFile.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
-#include "standin/storage/FileTools.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/TempFolder.hpp"
 
@@ -21,21 +22,21 @@ using support::WebClient;
 class Web : public testing::Test {
  protected:
   /// A connection that has sent these bytes; null when there is none.
-  std::unique_ptr<standin::Descriptor> connected(const std::string& request) const {
-    auto socket = std::make_unique<standin::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  std::unique_ptr<files::Descriptor> connected(const std::string& request) const {
+    auto socket = std::make_unique<files::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(server.port()));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return nullptr;
-    standin::WriteAll(socket->get(), request, "socket");
+    files::WriteAll(socket->get(), request, "socket");
     return socket;
   }
   /// The first line of the answer to the bytes of a request.
   std::string raw(const std::string& request) const {
     const auto open = connected(request);
     if (!open) return "no connection";
-    const standin::Descriptor& socket = *open;
+    const files::Descriptor& socket = *open;
     std::string answer;
     std::array<char, 4096> part{};
     while (answer.find("\r\n") == std::string::npos) {
@@ -339,7 +340,7 @@ TEST_F(Web, TheHousesFilesAreTheUsersOwn) {
 }
 
 TEST_F(Web, ConnectionsThatSayNothingSilenceNobody) {
-  std::vector<std::unique_ptr<standin::Descriptor>> silent;
+  std::vector<std::unique_ptr<files::Descriptor>> silent;
   for (int i = 0; i < 150; ++i) silent.push_back(connected("GET / HTTP/1.1\r\nX: "));
   for (int i = 0; i < 5; ++i) {
     const auto begin = std::chrono::steady_clock::now();

@@ -9,10 +9,10 @@
 #include <atomic>
 #include <stdexcept>
 
+#include "files/Descriptor.hpp"
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
-#include "standin/storage/FileTools.hpp"
 #include "support/Axe.hpp"
 #include "support/Browser.hpp"
 #include "support/BusDaemon.hpp"
@@ -270,7 +270,7 @@ class ForeignServer {
   [[nodiscard]] std::string heard() const {
     std::string all;
     while (wasVisited()) {
-      const standin::Descriptor visitor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+      const files::Descriptor visitor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
       std::array<char, 4096> part{};
       const ssize_t got = ::recv(visitor.get(), part.data(), part.size(), MSG_DONTWAIT);
       if (got > 0) all.append(part.data(), static_cast<std::size_t>(got));
@@ -279,7 +279,7 @@ class ForeignServer {
   }
 
  private:
-  standin::Descriptor socket_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+  files::Descriptor socket_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
   int port_ = 0;
 };
 

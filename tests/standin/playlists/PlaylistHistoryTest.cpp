@@ -2,17 +2,17 @@
 #include <gtest/gtest.h>
 
 #include "base/Failure.hpp"
+#include "database/Database.hpp"
+#include "standin/house/Schema.hpp"
 #include "standin/playlists/PlaylistHistory.hpp"
-#include "standin/storage/Database.hpp"
-#include "standin/storage/Schema.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
 
-using standin::Database;
+using database::Database;
+using database::Statement;
 using standin::PlaylistHistory;
 using standin::PlaylistStep;
-using standin::Statement;
 using standin::StepKind;
 
 PlaylistStep adding(const std::string& title) {
@@ -56,7 +56,7 @@ class History : public testing::Test {
   }
 
   support::TempFolder folder;
-  Database database{folder.path() / "house.db"};
+  Database database{folder.path() / "house.db", "The house"};
   PlaylistHistory history{prepared(database), {.steps = 5, .lists = 3, .bytes = 4000}};
 };
 
@@ -181,14 +181,14 @@ TEST_F(History, AStepThatHasComeHalfWayIsKeptAsFarAsItCame) {
 TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
   const support::TempFolder folder;
   {
-    Database first(folder.path() / "house.db");
+    Database first(folder.path() / "house.db", "The house");
     standin::PrepareSchema(first);
     first.run("DROP TABLE playlist_step");
     first.run("DROP TABLE playlist");
     first.run("INSERT INTO log (time, type, text) VALUES (1, 'Info', 'kept')");
     first.run("PRAGMA user_version = 1");
   }
-  Database now(folder.path() / "house.db");
+  Database now(folder.path() / "house.db", "The house");
   standin::PrepareSchema(now);
   PlaylistHistory history(now);
   history.begin("Mine", adding("One"));

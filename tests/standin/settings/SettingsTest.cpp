@@ -5,11 +5,13 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "base/Failure.hpp"
+#include "files/ReadFile.hpp"
 #include "standin/settings/SettingsStore.hpp"
-#include "standin/storage/FileTools.hpp"
 #include "support/FailureNumber.hpp"
 #include "support/InChild.hpp"
 #include "support/KilledWhile.hpp"
@@ -25,6 +27,22 @@ void writeFile(const std::filesystem::path& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
+constexpr auto kNoNewFiles = std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec;
+
+/// In a process of a user whose the folder is and who can't write where he may not.
+void asOwnerOf(const std::filesystem::path& folder, const std::function<void()>& part) {
+  constexpr uid_t kNobody = 65534;
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      ASSERT_EQ(::chown(entry.path().c_str(), kNobody, kNobody), 0);
+  }
+  EXPECT_TRUE(support::InChild([&] {
+    support::BecomeNobody();
+    part();
+  }));
+}
+
 TEST(Settings, AKeyIsFoundWithoutRegardToCaseAndKeepsItsSpelling) {
   const support::TempFolder folder;
   SettingsStore store(folder.path());
@@ -32,7 +50,7 @@ TEST(Settings, AKeyIsFoundWithoutRegardToCaseAndKeepsItsSpelling) {
   EXPECT_EQ(store.get("VXIF_wmp.INI", "settings", "PlaylistEditorLeft"), "120.5");
   store.save(kFile, "SETTINGS", "playlisteditorleft", "7");
   store.flush();
-  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nPlayListEditorLeft=7\n");
+  EXPECT_EQ(files::TextOf(folder.path() / kFile), "[Settings]\nPlayListEditorLeft=7\n");
 }
 
 TEST(Settings, ANonAsciiKeyIsFoundWithoutRegardToCase) {
@@ -115,7 +133,7 @@ TEST(Settings, AFileEditedByHandIsReadWithItsRemarksKept) {
   EXPECT_EQ(store.get(kFile, "Settings", "Music"), "C:\\new");
   store.save(kFile, "Settings", "Volume", "71");
   store.flush();
-  EXPECT_EQ(ReadFile(folder.path() / "VXIF_WMP.INI"),
+  EXPECT_EQ(files::TextOf(folder.path() / "VXIF_WMP.INI"),
             "; my remark\n\n[Settings]\nVolume=71\n# why not\nMusic=C:\\new\nnonsense\n");
 }
 
@@ -135,7 +153,7 @@ TEST(Settings, WhatWasSavedIsThereAfterAnEndWithoutFlush) {
   SettingsStore store(folder.path());
   EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
   EXPECT_FALSE(store.pending());
-  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=42\n");
+  EXPECT_EQ(files::TextOf(folder.path() / kFile), "[Settings]\nVolume=42\n");
 }
 
 TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
@@ -150,8 +168,8 @@ TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
       folder.path() / kFile,
       std::filesystem::last_write_time(folder.path() / "settings.journal") + std::chrono::seconds(5));
   const SettingsStore store(folder.path());
-  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=42\nMute=1\n");
-  EXPECT_EQ(ReadFile(folder.path() / "vxif_WMP.ini.edited"), edited);
+  EXPECT_EQ(files::TextOf(folder.path() / kFile), "[Settings]\nVolume=42\nMute=1\n");
+  EXPECT_EQ(files::TextOf(folder.path() / "vxif_WMP.ini.edited"), edited);
   ASSERT_EQ(store.notes().size(), 1U);
   EXPECT_NE(store.notes()[0].find("vxif_WMP.ini.edited"), std::string::npos);
 }
@@ -159,17 +177,19 @@ TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
 TEST(Settings, AJournalThatCantBeBroughtInNowGoesOn) {
   const support::TempFolder folder;
   { SettingsStore(folder.path()).save(kFile, "Settings", "Volume", "42"); }
-  std::filesystem::create_directory(folder.path() / "vxif_WMP.ini.new");  // in the way of the new file
-  {
+  asOwnerOf(folder.path(), [&] {
+    std::filesystem::permissions(folder.path(), kNoNewFiles);
+    {
+      SettingsStore store(folder.path());
+      EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
+      EXPECT_TRUE(store.pending());
+      EXPECT_EQ(store.notes().size(), 1U);
+    }
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
     SettingsStore store(folder.path());
     EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
-    EXPECT_TRUE(store.pending());
-    EXPECT_EQ(store.notes().size(), 1U);
-  }
-  std::filesystem::remove(folder.path() / "vxif_WMP.ini.new");
-  SettingsStore store(folder.path());
-  EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
-  EXPECT_FALSE(store.pending());
+    EXPECT_FALSE(store.pending());
+  });
 }
 
 TEST(Settings, AJournalTornAtAnyByteLosesOnlyTheTornChange) {
@@ -292,7 +312,7 @@ TEST(Settings, ADiskWithoutRoomTakesNothingAndLosesNothing) {
     SettingsStore store(disk);
     store.save(kFile, "Settings", "Volume", "42");
     store.flush();
-    const std::optional<std::string> before = ReadFile(disk / kFile);
+    const std::optional<std::string> before = files::TextOf(disk / kFile);
     store.save(kFile, "Settings", "Bass", "1");  // the journal has its first block
     if (mounted) {
       support::FillUp(disk / "filler");
@@ -316,7 +336,7 @@ TEST(Settings, ADiskWithoutRoomTakesNothingAndLosesNothing) {
     EXPECT_EQ(store.get(kFile, "Settings", "Volume"), "42");
     if (mounted) {
       EXPECT_EQ(support::FailureNumberOf([&] { store.flush(); }), base::number::kDiskFull);
-      EXPECT_EQ(ReadFile(disk / kFile), before);
+      EXPECT_EQ(files::TextOf(disk / kFile), before);
     }
     std::filesystem::remove(disk / "filler");
     SettingsStore next(disk);  // as after a start: room has been made
@@ -326,23 +346,25 @@ TEST(Settings, ADiskWithoutRoomTakesNothingAndLosesNothing) {
       EXPECT_EQ(next.get(kFile, "Settings", "Key" + std::to_string(i)), value) << i;
     next.save(kFile, "Settings", "Volume", "43");
     next.flush();
-    EXPECT_NE(ReadFile(disk / kFile)->find("Volume=43\n"), std::string::npos);
+    EXPECT_NE(files::TextOf(disk / kFile)->find("Volume=43\n"), std::string::npos);
   }));
 }
 
 TEST(Settings, AFileThatCantBeReplacedStaysWholeAndTheJournalKeepsTheChanges) {
   const support::TempFolder folder;
-  SettingsStore store(folder.path());
-  store.save(kFile, "Settings", "Volume", "1");
-  store.flush();
-  store.save(kFile, "Settings", "Volume", "2");
-  std::filesystem::create_directory(folder.path() / "vxif_WMP.ini.new");  // in the way of the new file
-  EXPECT_THROW(store.flush(), base::Failure);
-  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=1\n");
-  EXPECT_TRUE(store.pending());
-  std::filesystem::remove(folder.path() / "vxif_WMP.ini.new");
-  store.flush();
-  EXPECT_EQ(ReadFile(folder.path() / kFile), "[Settings]\nVolume=2\n");
+  asOwnerOf(folder.path(), [&] {
+    SettingsStore store(folder.path());
+    store.save(kFile, "Settings", "Volume", "1");
+    store.flush();
+    store.save(kFile, "Settings", "Volume", "2");
+    std::filesystem::permissions(folder.path(), kNoNewFiles);
+    EXPECT_THROW(store.flush(), base::Failure);
+    EXPECT_EQ(files::TextOf(folder.path() / kFile), "[Settings]\nVolume=1\n");
+    EXPECT_TRUE(store.pending());
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
+    store.flush();
+    EXPECT_EQ(files::TextOf(folder.path() / kFile), "[Settings]\nVolume=2\n");
+  });
 }
 
 }  // namespace

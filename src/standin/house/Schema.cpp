@@ -1,4 +1,4 @@
-#include "standin/storage/Schema.hpp"
+#include "standin/house/Schema.hpp"
 
 #include "base/Failure.hpp"
 
@@ -41,8 +41,8 @@ CREATE INDEX playlist_step_turn ON playlist_step (turn);
 
 }  // namespace
 
-void PrepareSchema(Database& database) {
-  Statement ask(database, "PRAGMA user_version");
+void PrepareSchema(database::Database& database) {
+  database::Statement ask(database, "PRAGMA user_version");
   ask.step();
   const auto version = static_cast<int>(ask.integer(0));
   ask.with();
@@ -50,7 +50,7 @@ void PrepareSchema(Database& database) {
   if (version > kSchemaVersion) {
     throw base::Failure(base::number::kDeviceIo, "The house's database was written by a newer server");
   }
-  Transaction whole(database);
+  database::Transaction whole(database);
   if (version < 1) database.run(kTables);
   if (version < 2) database.run(kPlaylistTables);
   database.run("PRAGMA user_version = " + std::to_string(kSchemaVersion));

@@ -1,4 +1,4 @@
-#include "engine/files/WriteFile.hpp"
+#include "files/WriteFile.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -14,11 +14,11 @@
 #include <vector>
 
 #include "base/Failure.hpp"
-#include "engine/files/FileDescriptor.hpp"
-#include "engine/files/FileError.hpp"
-#include "engine/files/Stamp.hpp"
+#include "files/Descriptor.hpp"
+#include "files/FileError.hpp"
+#include "files/Stamp.hpp"
 
-namespace engine {
+namespace files {
 namespace {
 
 namespace fs = std::filesystem;
@@ -48,7 +48,7 @@ std::string FolderOf(const std::string& path) {
 /// A name's coming or going lasts only once its folder is on the disk. Some file systems don't know this, and
 /// by then it can't be taken back.
 void SyncFolder(const std::string& folder) {
-  const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (descriptor.get() >= 0) ::fsync(descriptor.get());
 }
 
@@ -68,15 +68,15 @@ bool RenameToFree(const std::string& from, const std::string& to) {
 /// locked while it lives, which tells it from one that a killed process has left.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& path) : path_(path) {
+  TemporaryFile(const std::string& path, mode_t mode) : path_(path) {
     struct stat info {};
     replaces_ = ::stat(path.c_str(), &old_) == 0;
     do {
       name_ = FolderOf(path) + '/' + TemporaryName();
-      file_ = FileDescriptor(::open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC,
-                                    replaces_ ? S_IRUSR | S_IWUSR : 0666));  // the process's mask applies
-      if (file_.get() < 0 && errno != EEXIST) FailOn(path_, errno);
-      if (file_.get() < 0) continue;
+      file_ = Descriptor(
+          ::open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, replaces_ ? kForOwner : mode));
+      if (!file_.valid() && errno != EEXIST) fail(errno);
+      if (!file_.valid()) continue;
       ::flock(file_.get(), LOCK_EX);
       ::fstat(file_.get(), &info);
     } while (info.st_nlink == 0);  // taken for a leftover before it was locked
@@ -90,32 +90,28 @@ class TemporaryFile {
   TemporaryFile& operator=(TemporaryFile&&) = delete;
 
   FileStamp write(std::string_view content, const WriteCall& write) {
-    while (!content.empty()) {
-      const ssize_t written = write(file_.get(), content.data(), content.size());
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) FailOn(path_, errno);
-      content.remove_prefix(static_cast<std::size_t>(written));
-    }
+    WriteAll(file_.get(), content, path_, write);
     if (replaces_) keepOwnerAndMode();
     struct stat info {};
-    if (::fsync(file_.get()) != 0 || ::fstat(file_.get(), &info) != 0) FailOn(path_, errno);
+    if (::fsync(file_.get()) != 0 || ::fstat(file_.get(), &info) != 0) fail(errno);
     return StampFrom(info);
   }
 
   void replace() {
-    if (::rename(name_.c_str(), path_.c_str()) != 0) FailOn(path_, errno);
+    if (::rename(name_.c_str(), path_.c_str()) != 0) fail(errno);
     kept_ = true;
     SyncFolder(FolderOf(path_));
   }
   /// False if the name is taken.
   bool take() {
     kept_ = RenameToFree(name_, path_);
-    if (!kept_ && errno != EEXIST) FailOn(path_, errno);
+    if (!kept_ && errno != EEXIST) fail(errno);
     if (kept_) SyncFolder(FolderOf(path_));
     return kept_;
   }
 
  private:
+  [[noreturn]] void fail(int error) const { throw FileFailure(error, path_, "Can't write "); }
   void keepOwnerAndMode() const {
     // Only the superuser can give a file away; if it can't be, it is the writer's from now on. Its group
     // stays if the writer is one of it; if not, what it was allowed is not allowed the writer's own group.
@@ -126,12 +122,12 @@ class TemporaryFile {
         ::fchown(file_.get(), kSameOwner, old_.st_gid) != 0 &&
         (::fstat(file_.get(), &now) != 0 || now.st_gid != old_.st_gid))
       mode &= ~static_cast<mode_t>(S_IRWXG);
-    if (::fchmod(file_.get(), mode) != 0) FailOn(path_, errno);
+    if (::fchmod(file_.get(), mode) != 0) fail(errno);
   }
 
   std::string path_;
   std::string name_;
-  FileDescriptor file_;
+  Descriptor file_;
   struct stat old_ {};
   bool replaces_ = false;
   bool kept_ = false;
@@ -141,23 +137,32 @@ class TemporaryFile {
 
 ssize_t WriteBytes(int file, const void* bytes, std::size_t size) { return ::write(file, bytes, size); }
 
-FileStamp WriteFile(const std::string& path, const std::string& content, const WriteCall& write) {
+void WriteAll(int file, std::string_view text, const std::string& path, const WriteCall& write) {
+  while (!text.empty()) {
+    const ssize_t written = write(file, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) throw FileFailure(errno, path, "Can't write ");
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+FileStamp WriteFile(const std::string& path, std::string_view content, const WriteHow& how) {
   std::error_code failed;
   const bool link = fs::is_symlink(path, failed);
   const std::string target = link ? fs::canonical(path, failed).string() : path;
   if (failed && link) FailOn(path, failed.value());
-  TemporaryFile file(target);
-  const FileStamp stamp = file.write(content, write);
+  TemporaryFile file(target, how.mode);
+  const FileStamp stamp = file.write(content, how.write);
   file.replace();
   return stamp;
 }
 
-std::optional<FileStamp> WriteNewFile(const std::string& path, const std::string& content,
-                                      const WriteCall& write) {
+std::optional<FileStamp> WriteNewFile(const std::string& path, std::string_view content,
+                                      const WriteHow& how) {
   struct stat info {};
   if (::lstat(path.c_str(), &info) == 0) return std::nullopt;
-  TemporaryFile file(path);
-  const FileStamp stamp = file.write(content, write);
+  TemporaryFile file(path, how.mode);
+  const FileStamp stamp = file.write(content, how.write);
   return file.take() ? std::optional<FileStamp>(stamp) : std::nullopt;
 }
 
@@ -175,7 +180,7 @@ void MakeFolder(const std::string& folder) {
     if (made == made.parent_path()) break;
   }
   fs::create_directories(folder, failed);
-  if (failed) FailOn(folder, failed.value());
+  if (failed) throw FileFailure(failed.value(), folder, "Can't make the folder ");
   for (const std::string& parent : into) SyncFolder(parent);
 }
 
@@ -188,11 +193,11 @@ void ClearLeftovers(const std::string& folder) {
   std::error_code ignored;
   for (fs::directory_iterator entry(folder, ignored), end; entry != end; entry.increment(ignored)) {
     if (!IsTemporaryName(entry->path().filename().string())) continue;
-    const FileDescriptor file(::open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const Descriptor file(::open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat info {};
     if (file.get() < 0 || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) continue;
     if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlink(entry->path().c_str());
   }
 }
 
-}  // namespace engine
+}  // namespace files

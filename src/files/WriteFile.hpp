@@ -4,25 +4,38 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
-#include "engine/common/Track.hpp"
+#include "files/Stamp.hpp"
 
-namespace engine {
+namespace files {
 
 /// How bytes go to an open file: as write(2) does.
 using WriteCall = std::function<ssize_t(int, const void*, std::size_t)>;
 /// write(2) itself.
 ssize_t WriteBytes(int file, const void* bytes, std::size_t size);
 
+/// What a new file may be: the process's mask applies to the first.
+constexpr mode_t kForAll = 0666;
+constexpr mode_t kForOwner = 0600;
+
+struct WriteHow {
+  mode_t mode = kForAll;  ///< of a file that is not there yet
+  WriteCall write = WriteBytes;
+};
+
+/// Writes all of the text to an open file, or throws as `FailOn`.
+void WriteAll(int file, std::string_view text, const std::string& path, const WriteCall& write = WriteBytes);
+
 /// Writes a whole file or nothing: a temporary file beside it, flushed to the disk, then renamed. A file that
 /// is replaced keeps its mode, and its group where it can; a link goes on leading to what it leads to.
 /// Answers the new file's stamp. Throws 70 where writing is not allowed, 61 when the disk is full, 76 without
 /// the folder, 57 otherwise.
-FileStamp WriteFile(const std::string& path, const std::string& content, const WriteCall& write = WriteBytes);
+FileStamp WriteFile(const std::string& path, std::string_view content, const WriteHow& how = {});
 
 /// The same for a file that is not there yet; nothing is written, and none answered, if the name is taken.
-std::optional<FileStamp> WriteNewFile(const std::string& path, const std::string& content,
-                                      const WriteCall& write = WriteBytes);
+std::optional<FileStamp> WriteNewFile(const std::string& path, std::string_view content,
+                                      const WriteHow& how = {});
 
 /// Renames a file unless the new name is taken. True when it was done; then it is on the disk.
 bool MoveFile(const std::string& from, const std::string& to);
@@ -38,4 +51,4 @@ void RemoveFile(const std::string& path);
 /// whatever process, is let be.
 void ClearLeftovers(const std::string& folder);
 
-}  // namespace engine
+}  // namespace files

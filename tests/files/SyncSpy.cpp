@@ -1,4 +1,4 @@
-#include "engine/files/SyncSpy.hpp"
+#include "files/SyncSpy.hpp"
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <mutex>
 #include <utility>
 
-namespace engine::testing {
+namespace files::testing {
 namespace {
 
 struct Notes {
@@ -52,4 +52,4 @@ extern "C" int fsync(int file) {
   return static_cast<int>(::syscall(SYS_fsync, file));
 }
 
-}  // namespace engine::testing
+}  // namespace files::testing

@@ -1,4 +1,4 @@
-#include "engine/files/WriteFile.hpp"
+#include "files/WriteFile.hpp"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -9,23 +9,32 @@
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <thread>
 
 #include "base/Failure.hpp"
-#include "engine/files/FileDescriptor.hpp"
-#include "engine/files/ReadFile.hpp"
-#include "engine/files/Stamp.hpp"
-#include "engine/files/SyncSpy.hpp"
-#include "engine/library/Pictures.hpp"
-#include "engine/playlists/PlaylistFolder.hpp"
+#include "files/Descriptor.hpp"
+#include "files/ReadFile.hpp"
+#include "files/Stamp.hpp"
+#include "files/SyncSpy.hpp"
+#include "support/FailureNumber.hpp"
 #include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
 
-namespace engine::testing {
+namespace files::testing {
 namespace {
 
 namespace fs = std::filesystem;
+using support::FailureNumberOf;
+
+void WriteText(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
+
+std::string FileContent(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
 
 std::vector<std::string> Hidden(const fs::path& folder) {
   std::vector<std::string> names;
@@ -99,7 +108,7 @@ TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {
   EXPECT_EQ(written, StampOf(path("a")));
   EXPECT_EQ(ReadFile(path("a"), 4).stamp, StampOf(path("a")));
   EXPECT_EQ(ReadFile(path("a"), 4).text, "text");
-  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), 3); }), base::number::kDeviceIo);
+  EXPECT_EQ(FailureNumberOf([&] { ReadFile(path("a"), 3); }), base::number::kDeviceIo);
 }
 
 TEST_F(Files, OneThatIsTooLargeIsNotRead) {
@@ -115,7 +124,7 @@ TEST_F(Files, OneThatIsTooLargeIsNotRead) {
   };
   const std::int64_t before = readSoFar();
   ASSERT_GE(before, 0);
-  EXPECT_EQ(FailureOf([&] { ReadFile(path("a"), kMost); }), base::number::kDeviceIo);
+  EXPECT_EQ(FailureNumberOf([&] { ReadFile(path("a"), kMost); }), base::number::kDeviceIo);
   EXPECT_LT(readSoFar() - before, kMost / 2);
   fs::resize_file(path("a"), kMost);
   EXPECT_EQ(ReadFile(path("a"), kMost).text.size(), static_cast<std::size_t>(kMost));
@@ -142,7 +151,7 @@ TEST_F(Files, WhatAKilledProcessHasLeftIsClearedAndNothingElse) {
   const std::string living = ".vantorix-ffffffffffffffff.part";
   fs::create_directory(path(folder));
   WriteText(path(living), "x");
-  const FileDescriptor owner(::open(path(living).c_str(), O_RDONLY | O_CLOEXEC));
+  const Descriptor owner(::open(path(living).c_str(), O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(owner.get(), LOCK_EX), 0);
   ClearLeftovers(root.path());
   EXPECT_THAT(Hidden(root.path()),
@@ -166,24 +175,5 @@ TEST_F(Files, AWriterThatIsClearedAtAllTimesStillWrites) {
   EXPECT_TRUE(Hidden(root.path()).empty());
 }
 
-TEST_F(Files, AtTheStartThePicturesFolderIsCleared) {
-  WriteText(path("pictures/.vantorix-0123456789abcdef.part"), "x");
-  WriteText(path("pictures/kept.jpg"), "x");
-  const Pictures pictures(path("pictures"));
-  EXPECT_TRUE(Hidden(root.path() / "pictures").empty());
-  EXPECT_TRUE(fs::exists(path("pictures/kept.jpg")));
-}
-
-TEST_F(Files, AtTheStartThePlaylistFolderIsCleared) {
-  const std::string target = path("elsewhere/real.m3u8");
-  WriteText(target, "#PLAYLIST:Linked\n");
-  WriteText(path("elsewhere/.vantorix-0123456789abcdef.part"), "x");
-  WriteText(path("playlists/.vantorix-0123456789abcdef.part"), "x");
-  fs::create_symlink(target, path("playlists/L.m3u8"));
-  const PlaylistFolder playlists(root.path());
-  EXPECT_TRUE(Hidden(root.path() / "playlists").empty());
-  EXPECT_TRUE(Hidden(root.path() / "elsewhere").empty());
-}
-
 }  // namespace
-}  // namespace engine::testing
+}  // namespace files::testing

@@ -3,27 +3,28 @@
 
 #include <utility>
 
-namespace bus {
+namespace files {
 
-/// Owns a file descriptor; -1 means none.
+/// An open descriptor of the system's, closed with its owner; -1 is none.
 class Descriptor {
  public:
   Descriptor() = default;
   explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() { reset(); }
+  ~Descriptor() { close(); }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
     if (this != &other) {
-      reset();
+      close();
       number_ = std::exchange(other.number_, -1);
     }
     return *this;
   }
 
   [[nodiscard]] int get() const { return number_; }
-  void reset() {
+  [[nodiscard]] bool valid() const { return number_ >= 0; }
+  void close() {
     if (number_ >= 0) ::close(std::exchange(number_, -1));
   }
 
@@ -31,4 +32,4 @@ class Descriptor {
   int number_ = -1;
 };
 
-}  // namespace bus
+}  // namespace files

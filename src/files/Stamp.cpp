@@ -1,9 +1,9 @@
-#include "engine/files/Stamp.hpp"
+#include "files/Stamp.hpp"
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 
-namespace engine {
+namespace files {
 
 FileStamp StampFrom(const struct stat& info) {
   FileStamp stamp;
@@ -21,4 +21,4 @@ FileStamp StampOf(const std::string& path) {
   return StampFrom(info);
 }
 
-}  // namespace engine
+}  // namespace files

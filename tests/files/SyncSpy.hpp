@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-namespace engine::testing {
+namespace files::testing {
 
 /// Notes what this process flushes to the disk while it looks. One at a time.
 class SyncSpy {
@@ -18,4 +18,4 @@ class SyncSpy {
   std::vector<std::string> take();
 };
 
-}  // namespace engine::testing
+}  // namespace files::testing
