@@ -36,6 +36,7 @@ class Browser {
             {{"capabilities",
               {{"alwaysMatch", {{"goog:chromeOptions", options}, {"timeouts", {{"script", 80000}}}}}}}});
     session_ = "/session/" + session["sessionId"].get<std::string>();
+    tabs_.push_back(ask("GET", session_ + "/window", Json::object()).get<std::string>());
   }
   ~Browser() {
     httplib::Client client("127.0.0.1", port_);
@@ -92,6 +93,23 @@ class Browser {
         {{"cmd", "Emulation.setEmulatedMedia"},
          {"params", {{"features", {{{"name", "prefers-color-scheme"}, {"value", scheme}}}}}}});
   }
+  /// Opens a further tab and goes on there; the first has the number 0.
+  void openTab() {
+    tabs_.push_back(ask("POST", session_ + "/window/new", {{"type", "tab"}})["handle"].get<std::string>());
+    toTab(tabs_.size() - 1);
+  }
+  void toTab(std::size_t number) { ask("POST", session_ + "/window", {{"handle", tabs_.at(number)}}); }
+  /// Closes the tab; those behind it keep their numbers.
+  void closeTab(std::size_t number) {
+    toTab(number);
+    httplib::Client client("127.0.0.1", port_);
+    client.Delete(session_ + "/window");
+  }
+  /// Runs a script in each page of this tab before any of its own.
+  void beforeEachPage(const std::string& script) {
+    ask("POST", session_ + "/goog/cdp/execute",
+        {{"cmd", "Page.addScriptToEvaluateOnNewDocument"}, {"params", {{"source", script}}}});
+  }
   /// A picture of what is seen now, as a PNG in base64.
   std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }
 
@@ -132,6 +150,7 @@ class Browser {
   Process driver_{{"chromedriver", "--port=0"}};
   int port_ = 0;
   std::string session_;
+  std::vector<std::string> tabs_;
 };
 
 }  // namespace support

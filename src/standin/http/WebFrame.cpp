@@ -63,7 +63,8 @@ std::string NewNonce() {
 
 std::string PluginPolicy(const std::string& nonce) {
   return std::string(kOwnPolicy) + "; script-src 'nonce-" + nonce +
-         "'; frame-src 'none'; media-src 'none'; style-src-elem 'self'; style-src-attr 'unsafe-inline'";
+         "'; worker-src 'self'; frame-src 'none'; media-src 'none'; style-src-elem 'self'; style-src-attr "
+         "'unsafe-inline'";
 }
 
 std::string Framed(const std::string& title, const std::string& view, std::string_view content,

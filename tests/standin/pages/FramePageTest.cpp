@@ -126,6 +126,25 @@ TEST_F(FramePage, StandsInTheNavigationOfEveryPage) {
             "PlayList Editor");
 }
 
+TEST_F(FramePage, StandsBehindTheHousesOwnPagesUnderPlugInAndIsNotShownToGuests) {
+  const auto links = [&] {
+    return browser.run("return [...document.querySelectorAll('#nav a')].map(a => a.textContent).join()");
+  };
+  EXPECT_EQ(links(), "Devices,Library,Scripts,Log,Account,PlayList Editor");
+  EXPECT_EQ(browser.run("const group = document.querySelector('#nav [role=group]');"
+                        "return document.getElementById(group.getAttribute('aria-labelledby')).textContent + "
+                        "': ' + group.querySelector('a').textContent"),
+            "Plug-in: PlayList Editor");
+  EXPECT_EQ(
+      browser.runAsync("fetch('/api/login', {method: 'POST', headers: {'Content-Type': 'application/json'},"
+                       "body: '{\"name\":\"guest\"}'}).then(r => arguments[0](r.status))"),
+      200);
+  browser.open(url("/#log"));
+  browser.reload();
+  EXPECT_TRUE(browser.eventually("return document.querySelectorAll('#nav a').length > 2"));
+  EXPECT_EQ(links(), "Devices,Library,Log,Account");
+}
+
 TEST_F(FramePage, EveryFieldHasItsWords) {
   const auto words = browser.run(
       "return [...document.querySelectorAll('.plugin-page select, .plugin-page input')]"
@@ -397,7 +416,7 @@ TEST_F(HostileNames, RunNothingAndLoadNothingFromElsewhere) {
     EXPECT_EQ(browser.run("return location.pathname"), kAddress) << name;
     EXPECT_EQ(browser.run("return document.baseURI === location.href"), true) << name;
     EXPECT_FALSE(foreign.wasVisited()) << name;
-    EXPECT_EQ(browser.run("return getComputedStyle(document.body).display"), "block") << name;
+    EXPECT_EQ(browser.run("return getComputedStyle(document.body).display"), "flex") << name;
     EXPECT_EQ(browser.run("return [...document.body.children].slice(-3).map(n => n.className || n.localName)"
                           ".join()"),
               "main,toasts,footer")

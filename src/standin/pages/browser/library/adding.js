@@ -1,5 +1,7 @@
 // Adding titles of the library to playlists, and the dialogs that this takes.
-import {ask, el, run, toast} from '../kit/dom.js';
+import {el} from '../kit/dom.js';
+import {ask, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
 import {address} from './titles.js';
 
 let target = '';  // the list that titles are added to, while some are being gathered

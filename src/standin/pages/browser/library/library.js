@@ -1,62 +1,49 @@
 // The player's library: categories, their groups, the titles in a group.
 import {addButton, addingBar} from './adding.js';
-import {ask, el, run} from '../kit/dom.js';
+import {el} from '../kit/dom.js';
+import {ask, run} from '../kit/server.js';
 import {longList} from '../kit/longlist.js';
 import {leavePlaylists, playlistChanged, playlistPage, playlistTools, playlistsSeen} from './playlist.js';
 import {address, play, playButton, searchKeys, titleButton} from './titles.js';
 
 const kCategories = [['Artist', 'Artists'], ['Album', 'Albums'], ['Genre', 'Genres'], ['PlayList', 'Playlists']];
 
-let fetched = new Set();  // lists seen since the page was opened: the first look at each is a fresh one
-let shown = null;         // the view on the page: {hash, again}
-let tabWanted = false;    // the page changes because of a key on a tab, which keeps the focus
+const fetched = new Set();  // lists seen since the page was opened: the first look at each is a fresh one
+let tabWanted = false;  // the page changes because of a key on a tab, which keeps the focus
 
 /** The place is in the address: #library/Album/Blue. */
-function place() {
-  const [, category, group] = location.hash.slice(1).split('/');
+function wanted([category, group = '']) {
   const known = kCategories.find(([word]) => word === category);
-  let name = '';
-  try {
-    name = decodeURIComponent(group || '');
-  } catch { /* no name then */ }
-  return {category: (known || kCategories[1])[0], group: name};
+  return {category: (known || kCategories[1])[0], group};
 }
 
-export function leaveLibrary() {
-  leavePlaylists();
-  shown = null;
-}
+export const libraryView = {name: 'library', title: 'Library', mount};
 
-/** Something has become of a playlist, here or elsewhere. */
-export function libraryChanged(event) {
-  if (event.lists && shown?.names) shown.again();
-  playlistChanged(event);
-}
-
-export async function libraryPage(page, stayed, user) {
-  if (stayed && shown?.hash === location.hash && page.contains(shown.node)) {
-    shown.again();  // what is under way on the page stays
-    return;
-  }
-  leavePlaylists();
-  if (!stayed) fetched = new Set();
-  const {category, group} = place();
-  const edit = !user.guest;
+function mount(place, context) {
+  const {signal, house, path, title} = context;
+  const {category, group} = wanted(path);
+  const edit = !house.state.user.guest;
   const body = el('div', {class: 'library-body', role: 'tabpanel', id: 'library-panel', 'aria-labelledby': `tab-${category}`});
   const node = el('div', {class: 'library'}, el('div', {class: 'page-head'}, el('h1', {}, 'Library')), tabs(category),
     addingBar(), body);
-  page.replaceChildren(node);
+  place.replaceChildren(node);
+  title(group || kCategories.find(([word]) => word === category)[1]);
   if (tabWanted) {
     tabWanted = false;
     setTimeout(() => node.querySelector('[role=tab][aria-selected=true]')?.focus());
   }
-  shown = {hash: location.hash, node, again: () => {}, names: category === 'PlayList' && !group};
-  const view = shown;
+  const view = {hash: location.hash, node, again: () => {}, names: category === 'PlayList' && !group};
+  signal.addEventListener('abort', leavePlaylists);
+  house.on('again', () => view.again(), signal);
+  house.on('playlist', (event) => {
+    if (event.lists && view.names) view.again();
+    playlistChanged(event);
+  }, signal);
   if (category === 'PlayList' && group) {
-    shown.again = playlistPage(body, group, edit, view);
-    return;
+    view.again = playlistPage(body, group, edit, view, context);
+    return view.shown;
   }
-  await namesView(body, category, group, edit, view);
+  return namesView(body, category, group, edit, view, context);
 }
 
 function tabs(category) {
@@ -79,7 +66,7 @@ function tabs(category) {
   return node;
 }
 
-async function namesView(body, category, group, edit, view) {
+async function namesView(body, category, group, edit, view, {keep, kept}) {
   const count = el('p', {class: 'quiet library-count', role: 'status'});
   const what = kCategories.find(([word]) => word === category)[1].toLowerCase();
   let fresh = !fetched.has(location.hash);
@@ -88,6 +75,8 @@ async function namesView(body, category, group, edit, view) {
   const search = el('input', {type: 'search', id: 'library-search', autocomplete: 'off',
     'aria-label': group ? `Search in ${group}` : `Search ${what}`,
     placeholder: group ? 'Search titles' : `Search ${what}`});
+  search.value = kept.search ?? '';
+  keep(() => ({search: search.value, list: list.place()}));
   const fetchPage = (offset, limit) => {
     const query = new URLSearchParams({category, group, q: search.value.trim(), offset, limit});
     if (fresh) query.set('fresh', '1');
@@ -109,12 +98,12 @@ async function namesView(body, category, group, edit, view) {
       count.textContent = error.message;
     }
   };
-  searchKeys(search, list, () => attempt(list.load));
+  searchKeys(search, list, () => attempt(() => list.load()));
   view.again = () => {
     fresh = true;
-    attempt(list.refresh);
+    attempt(() => list.refresh());
   };
-  const again = el('button', {type: 'button', onclick: () => { fresh = true; run(again, list.load); }}, 'Refresh');
+  const again = el('button', {type: 'button', onclick: () => { fresh = true; run(again, () => list.load()); }}, 'Refresh');
   body.replaceChildren(...[
     group ? groupHead(category, group, edit) : null,
     !group && category === 'PlayList' ? playlistTools(edit, view) : null,
@@ -122,7 +111,7 @@ async function namesView(body, category, group, edit, view) {
   view.node.querySelector('.page-head').append(again);
   if (view.names) playlistsSeen();
   count.textContent = 'Loading…';
-  await attempt(list.load);
+  await attempt(() => list.load(kept.list));
 }
 
 function groupHead(category, group, edit) {

@@ -1,6 +1,8 @@
 // Playlists: their titles are moved, added and removed, lists made, renamed and deleted, and all of it undone.
 import {askName, renamedTarget, gatherFor} from './adding.js';
-import {ask, el, run, toast} from '../kit/dom.js';
+import {el} from '../kit/dom.js';
+import {ask, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
 import {longList} from '../kit/longlist.js';
 import {reorder} from '../kit/reorder.js';
 import {address, play, playButton, searchKeys, titleButton} from './titles.js';
@@ -127,7 +129,7 @@ const sentence = (words) => words ? words[0].toUpperCase() + words.slice(1) : ''
 // One list.
 
 /** Fills `body` with the list; answers what looks at it again. */
-export function playlistPage(body, name, edit, view) {
+export function playlistPage(body, name, edit, view, {keep, kept}) {
   const controller = new AbortController();
   const me = open = {name, version: 0, controller, inFlight: 0, late: false};
   const title = el('h2', {}, name);
@@ -137,6 +139,8 @@ export function playlistPage(body, name, edit, view) {
   const details = el('div', {class: 'details', role: 'status', hidden: true});
   const search = el('input', {type: 'search', id: 'library-search', autocomplete: 'off', 'aria-label': `Search in ${name}`,
     placeholder: 'Search titles'});
+  search.value = kept.search ?? '';
+  keep(() => ({search: search.value, list: list.place()}));
   const say = (text) => { said.textContent = text; };
   let fresh = true;
   let sequence = Promise.resolve();  // changes are sent one after the other
@@ -275,7 +279,7 @@ export function playlistPage(body, name, edit, view) {
     me.name = now;
     if (open !== me) return;  // a late answer: the address belongs to another page
     title.textContent = now;
-    history.replaceState(null, '', address('PlayList', now));
+    history.replaceState(history.state, '', address('PlayList', now));
     view.hash = location.hash;
     tellWatch?.();
   }
@@ -314,15 +318,15 @@ export function playlistPage(body, name, edit, view) {
       toast(`Deleted ${gone}`);
       location.hash = address('PlayList');
     })}, 'Delete')) : null;
-  const load = async () => {
+  const load = async (place) => {
     try {
-      await list.load();
+      await list.load(place);
       me.version = me.fetched;
     } catch (error) {
       count.textContent = error.message;
     }
   };
-  searchKeys(search, list, load);
+  searchKeys(search, list, () => load());
   body.replaceChildren(...[
     el('div', {class: 'group-head'}, el('a', {href: address('PlayList'), class: 'back', 'aria-label': 'Back to the list'}, '‹'),
       title, all),
@@ -331,7 +335,7 @@ export function playlistPage(body, name, edit, view) {
     list.node, said].filter(Boolean));
   if (edit) turnKeys(controller, turn);
   count.textContent = 'Loading…';
-  load();
+  view.shown = load(kept.list);
   const tellWatch = watch(() => {
     const {first, last} = list.range();
     return {name: me.name, from: first, rows: last - first};

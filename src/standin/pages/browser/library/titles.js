@@ -1,5 +1,7 @@
 // What the library's lists have in common: addresses, search, playing, and what a title tells of itself.
-import {ask, el, run, toast} from '../kit/dom.js';
+import {el} from '../kit/dom.js';
+import {ask, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
 
 const kPause = 200;  // milliseconds without a key before the search starts
 

@@ -1,86 +1,88 @@
-// Signing in and out, the owner's password, and what guests need.
-import {ask, el, run, toast} from '../kit/dom.js';
+// Signing out, the owner's password, and what guests need.
+import {html, nothing, render} from '../kit/html.js';
+import {ask, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
+import {dropDrafts} from './drafts.js';
 
-const field = (label, name, autocomplete) => el('label', {class: 'field'}, label,
-  el('input', {type: 'password', name, autocomplete, maxlength: 1024}));
+export const accountView = {name: 'account', title: 'Account', mount};
 
-/** The page for those whom the server doesn't know yet. */
-export function signInPage(page) {
-  const button = el('button', {class: 'primary', type: 'submit'}, 'Sign in');
-  const guest = el('button', {type: 'button'}, 'Look around as a guest');
-  const enter = (control, body) => run(control, async () => { await ask('/api/login', body); location.reload(); });
-  const form = el('form', {class: 'panel', onsubmit: (event) => {
-    event.preventDefault();
-    enter(button, {name: form.elements.name.value, password: form.elements.password.value});
-  }}, el('h1', {}, 'Sign in'),
-  el('label', {class: 'field'}, 'Name', el('input', {name: 'name', value: 'owner', autocomplete: 'username'})),
-  field('Password', 'password', 'current-password'), el('div', {class: 'row'}, button, guest));
-  guest.addEventListener('click', () => enter(guest, {name: 'guest', password: form.elements.password.value}));
-  page.replaceChildren(form);
-  form.elements.password.focus();
+export const passwordField = (label, name, autocomplete, hidden = false) => html`
+  <label class="field" ?hidden=${hidden}>${label}<input type="password" name=${name} autocomplete=${autocomplete} maxlength="1024"></label>`;
+
+function mount(place, {signal, house}) {
+  let guests = null;  // as chosen and not saved yet
+  const draw = () => {
+    if (house.state.user) render(page(house, guests ?? house.state.user.guests, chooseGuests), place);
+  };
+  const chooseGuests = (rule) => {
+    guests = rule;
+    draw();
+  };
+  house.on('state', draw, signal);
+  draw();
 }
 
-/** `changed` loads the state anew and shows the page again. */
-export function accountPage(page, user, changed) {
-  const parts = [el('h1', {}, 'Account')];
-  parts.push(el('p', {}, user.guest
-    ? 'You look around as a guest: devices work, settings don’t.' : `You are signed in as ${user.name}.`));
-  if (!user.guest) parts.push(passwordForm(user, changed), guestForm(user, changed));
-  const out = el('button', {type: 'button'}, user.guest ? 'Leave guest mode' : 'Sign out');
-  out.addEventListener('click', () => run(out, async () => { await ask('/api/logout', {}); location.reload(); }));
-  const guest = el('button', {type: 'button', hidden: user.guests !== 'open'}, 'Try as a guest');
-  guest.addEventListener('click', () => run(guest, async () => {
-    await ask('/api/login', {name: 'guest'});
+function page(house, guests, chooseGuests) {
+  const {user} = house.state;
+  const button = (words, work) => html`<button type="button" @click=${(event) => run(event.currentTarget, async () => {
+    await work();
     location.reload();
-  }));
-  parts.push(el('div', {class: 'row'}, user.guest || user.ownerHasPassword ? out : null, user.guest ? null : guest));
-  page.replaceChildren(el('section', {class: 'panel'}, ...parts));
+  })}>${words}</button>`;
+  const leave = async () => {
+    await ask('/api/logout', {});
+    dropDrafts();
+  };
+  return html`<section class="panel"><h1>Account</h1>
+    <p>${user.guest ? 'You look around as a guest: devices work, settings don’t.' : `You are signed in as ${user.name}.`}</p>
+    ${user.guest ? nothing : [passwordForm(house), guestForm(house, guests, chooseGuests)]}
+    <div class="row">
+      ${user.guest || user.ownerHasPassword ? button(user.guest ? 'Leave guest mode' : 'Sign out', leave) : nothing}
+      ${!user.guest && user.guests === 'open' ? button('Try as a guest', () => ask('/api/login', {name: 'guest'})) : nothing}
+    </div></section>`;
 }
 
-function passwordForm(user, changed) {
-  const button = el('button', {class: 'primary', type: 'submit'},
-    user.ownerHasPassword ? 'Change password' : 'Set password');
-  const form = el('form', {onsubmit: async (event) => {
-    event.preventDefault();
-    const {old, password, again} = form.elements;
-    if (password.value !== again.value) {
-      toast('The two new passwords differ', 'bad');
-      return;
-    }
-    const body = {password: password.value, old: old ? old.value : ''};
-    if (await run(button, () => ask('/api/password', body))) {
-      toast(password.value ? 'The password is set' : 'The password is removed');
-      form.reset();
-      await changed();
-    }
-  }}, el('h2', {}, 'Password'),
-  el('p', {class: 'quiet'}, user.ownerHasPassword
-    ? (user.local ? 'Leave the new password empty to do without one on this machine.' : '')
-    : 'Without a password everyone at this machine is the owner. Other machines are let in only with one.'),
-  el('input', {type: 'text', name: 'name', value: user.name, autocomplete: 'username', hidden: true}),
-  user.ownerHasPassword ? field('Old password', 'old', 'current-password') : null,
-  field('New password', 'password', 'new-password'), field('New password again', 'again', 'new-password'), button);
-  return form;
+function passwordForm(house) {
+  const {user} = house.state;
+  const why = user.ownerHasPassword ? (user.local ? 'Leave the new password empty to do without one on this machine.' : '')
+    : 'Without a password everyone at this machine is the owner. Other machines are let in only with one.';
+  return html`<form @submit=${(event) => setPassword(event, house)}><h2>Password</h2><p class="quiet">${why}</p>
+    <input type="text" name="name" .value=${user.name} autocomplete="username" hidden>
+    ${user.ownerHasPassword ? passwordField('Old password', 'old', 'current-password') : nothing}
+    ${passwordField('New password', 'password', 'new-password')}
+    ${passwordField('New password again', 'again', 'new-password')}
+    <button class="primary" type="submit">${user.ownerHasPassword ? 'Change password' : 'Set password'}</button></form>`;
+}
+
+async function setPassword(event, house) {
+  event.preventDefault();
+  const form = event.currentTarget;
+  const {old, password, again} = form.elements;
+  if (password.value !== again.value) {
+    toast('The two new passwords differ', 'bad');
+    return;
+  }
+  const body = {password: password.value, old: old ? old.value : ''};
+  if (!await run(form.querySelector('button'), () => ask('/api/password', body))) return;
+  toast(body.password ? 'The password is set' : 'The password is removed');
+  form.reset();
+  await house.load();
 }
 
 /** Whether guests are let in: they may look and use devices, but change nothing. */
-function guestForm(user, changed) {
-  const button = el('button', {class: 'primary', type: 'submit'}, 'Save');
-  const choice = el('select', {name: 'guests'}, el('option', {value: 'off'}, 'Let no guests in'),
-    el('option', {value: 'open'}, 'Let everybody in as a guest'),
-    el('option', {value: 'password'}, 'Let guests in with a password'));
-  choice.value = user.guests;
-  const password = field('Password for guests', 'guestPassword', 'off');
-  const show = () => { password.hidden = choice.value !== 'password'; };
-  choice.addEventListener('change', show);
-  show();
-  const form = el('form', {onsubmit: async (event) => {
-    event.preventDefault();
-    const body = {guests: choice.value, password: form.elements.guestPassword.value};
-    if (await run(button, () => ask('/api/guests', body))) {
-      toast('Saved');
-      await changed();
-    }
-  }}, el('h2', {}, 'Guests'), el('label', {class: 'field'}, 'Guests', choice), password, button);
-  return form;
+function guestForm(house, guests, choose) {
+  const rules = [['off', 'Let no guests in'], ['open', 'Let everybody in as a guest'], ['password', 'Let guests in with a password']];
+  return html`<form @submit=${(event) => setGuests(event, house)}><h2>Guests</h2>
+    <label class="field">Guests<select name="guests" @change=${(event) => choose(event.target.value)}>
+      ${rules.map(([rule, words]) => html`<option value=${rule} .selected=${rule === guests}>${words}</option>`)}</select></label>
+    ${passwordField('Password for guests', 'guestPassword', 'off', guests !== 'password')}
+    <button class="primary" type="submit">Save</button></form>`;
+}
+
+async function setGuests(event, house) {
+  event.preventDefault();
+  const form = event.currentTarget;
+  const body = {guests: form.elements.guests.value, password: form.elements.guestPassword.value};
+  if (!await run(form.querySelector('button'), () => ask('/api/guests', body))) return;
+  toast('Guests: saved');
+  await house.load();
 }

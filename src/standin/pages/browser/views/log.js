@@ -1,60 +1,111 @@
 // The log: newest last, by type, live.
-import {ask, el, toast} from '../kit/dom.js';
+import {html, live, render, repeat} from '../kit/html.js';
+import {ask, complain} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
 
 const kMostShown = 2000;
-let type = '';
-let list = null;
-let types = null;
+const kNearEnd = 40;  // pixels from the end in which the list follows new lines
 
-export async function logPage(page) {
-  list = el('ol', {class: 'log', tabindex: 0, 'aria-label': 'Log lines'});
-  types = el('select', {id: 'log-type', onchange: () => { type = types.value; load(); }});
-  const older = el('button', {type: 'button', onclick: () => load(true)}, 'Older lines');
-  page.replaceChildren(
-    el('div', {class: 'page-head'}, el('h1', {}, 'Log'),
-      el('div', {class: 'tools'}, el('label', {for: 'log-type'}, 'Show'), types, older)), list);
-  await load();
+export const logView = {name: 'log', title: 'Log', mount};
+
+function mount(place, context) {
+  return new Log(place, context).load();
 }
 
-/** What was missed while the connection was lost. */
-export function reloadLog() { if (list) load(); }
+class Log {
+  #place;
+  #signal;
+  #house;
+  #type;
+  #lines = [];
+  #types = [];
+  #read = false;
+  #top;  // of the list, where the reader has left it
 
-export function leaveLog() { list = null; }
-
-async function load(older = false) {
-  try {
-    const before = older ? Number(list.firstElementChild?.dataset.id || 0) : 0;
-    const answer = await ask(`/api/log?type=${encodeURIComponent(type)}&before=${before}`);
-    if (!list) return;
-    const rows = answer.lines.map(row);
-    if (older) {
-      if (!rows.length) toast('There are no older lines');
-      list.prepend(...rows);
-    } else {
-      list.replaceChildren(...rows);
-      list.scrollTop = list.scrollHeight;
-    }
-    types.replaceChildren(el('option', {value: ''}, 'All types'),
-      ...answer.types.map((name) => el('option', {value: name}, name)));
-    types.value = type;
-  } catch (error) {
-    toast(error.message, 'bad');
+  constructor(place, {signal, house, keep, kept}) {
+    this.#place = place;
+    this.#signal = signal;
+    this.#house = house;
+    this.#type = kept.type ?? '';
+    this.#top = kept.top;
+    keep(() => ({type: this.#type, top: this.#atEnd() ? undefined : this.#list.scrollTop}));
+    house.on('log', (line) => this.#add(line), signal);
+    house.on('again', () => this.load(), signal);
+    this.#draw();
   }
-}
 
-export function logLine(line) {
-  if (!list || (type && line.type !== type)) return;
-  const last = Number(list.lastElementChild?.dataset.id || 0);
-  if (line.id && line.id <= last) return;
-  const atEnd = list.scrollHeight - list.scrollTop - list.clientHeight < 40;
-  list.append(row(line));
-  if (list.children.length > kMostShown) list.firstElementChild.remove();
-  if (atEnd) list.scrollTop = list.scrollHeight;
+  get #list() {
+    return this.#place.querySelector('.log');
+  }
+
+  #atEnd() {
+    const list = this.#list;
+    return !list || list.scrollHeight - list.scrollTop - list.clientHeight < kNearEnd;
+  }
+
+  #draw() {
+    if (this.#signal.aborted) return;
+    render(html`<div class="page-head"><h1>Log</h1>
+        <div class="tools"><label for="log-type">Show</label>
+          <select id="log-type" @change=${(event) => { this.#type = event.target.value; this.load(true); }}>
+            <option value="" .selected=${live(!this.#type)}>All types</option>
+            ${this.#types.map((name) => html`<option value=${name} .selected=${live(name === this.#type)}>${name}</option>`)}
+          </select>
+          <button type="button" @click=${() => this.#loadOlder()}>Older lines</button></div></div>
+      <ol class="log" tabindex="0" aria-label="Log lines">
+        ${this.#read && !this.#lines.length ? html`<li class="log-empty">Nothing has been logged yet.</li>` : ''}
+        ${repeat(this.#lines, (line) => line.id, row)}</ol>`, this.#place);
+  }
+
+  async load(toEnd = false) {
+    const answer = await this.#ask(0);
+    if (!answer) return;
+    const follows = toEnd || this.#atEnd();
+    this.#lines = answer.lines;
+    this.#read = true;
+    this.#draw();
+    if (this.#top !== undefined) this.#list.scrollTop = this.#top;
+    else if (follows) this.#toEnd();
+    this.#top = undefined;
+  }
+
+  async #loadOlder() {
+    const answer = await this.#ask(this.#lines[0]?.id ?? 0);
+    if (!answer) return;
+    if (!answer.lines.length) toast('There are no older lines');
+    this.#lines = [...answer.lines, ...this.#lines];
+    this.#draw();
+    this.#list.scrollTop = 0;
+  }
+
+  async #ask(before) {
+    try {
+      const answer = await ask(`/api/log?type=${encodeURIComponent(this.#type)}&before=${before}`, undefined, this.#signal);
+      this.#types = answer.types;
+      return answer;
+    } catch (error) {
+      complain(error);
+      return null;
+    }
+  }
+
+  #add(line) {
+    if (this.#type && line.type !== this.#type) return;
+    if (line.id && line.id <= (this.#lines.at(-1)?.id ?? 0)) return;
+    const follows = this.#atEnd();
+    this.#lines = [...this.#lines, line].slice(-kMostShown);
+    this.#draw();
+    if (follows) this.#toEnd();
+  }
+
+  #toEnd() {
+    this.#list.scrollTop = this.#list.scrollHeight;
+  }
 }
 
 function row(line) {
   const time = new Date(line.time);
-  return el('li', {'data-id': line.id, 'data-type': line.type.toLowerCase()},
-    el('time', {datetime: time.toISOString(), title: time.toLocaleString()}, time.toLocaleTimeString()),
-    el('span', {class: 'tag'}, line.type), el('span', {class: 'line'}, line.text));
+  return html`<li data-id=${line.id} data-type=${line.type.toLowerCase()}>
+    <time datetime=${time.toISOString()} title=${time.toLocaleString()}>${time.toLocaleTimeString()}</time><span
+      class="tag">${line.type}</span><span class="line">${line.text}</span></li>`;
 }

@@ -1,185 +1,212 @@
 // The house's scripts: a list, an editor, and what a run has to say.
-import {ask, el, run, toast} from '../kit/dom.js';
+import {html, nothing, render, repeat} from '../kit/html.js';
+import {ask, complain, run} from '../kit/server.js';
+import {toast, toastWithButton} from '../kit/toasts.js';
+import {draftOf, dropDraft, keepDraft} from './drafts.js';
+import {ScriptRun} from './script-run.js';
 
-const kLookAgain = 400;  // milliseconds between looks at a script that runs
 const kNew = '-- The house is reached by name: scriptclass, vxif, host.\nprint(scriptclass.PlayerStatus)\n';
 
-let view = null;  // the page's elements while it is shown
+export const scriptsView = {name: 'scripts', title: 'Scripts', owner: true, mount};
 
-export function leaveScripts() {
-  clearTimeout(view?.timer);
-  view = null;
+async function mount(place, context) {
+  await new Scripts(place, context).begin();
 }
 
-/** A script has begun or ended somewhere. */
-export function scriptChanged() {
-  if (view) look();
-}
+class Scripts {
+  #place;
+  #signal;
+  #title;
+  #known = [];
+  #opened = null;  // the stored script in the editor; '' for a new one
+  #saved = '';     // its text as it is stored
+  #lines = 1;
+  #run;
+  #left;           // where the reader was before
 
-export async function scriptsPage(page, stayed) {
-  if (stayed && view) return;
-  const names = el('ul', {class: 'script-names', 'aria-label': 'Stored scripts'});
-  const name = el('input', {id: 'script-name', maxlength: 50, autocomplete: 'off', spellcheck: 'false',
-    'aria-label': 'Name of the script', placeholder: 'Name'});
-  const lines = el('pre', {class: 'lines', 'aria-hidden': 'true'}, '1');
-  const text = el('textarea', {id: 'script-text', class: 'code', spellcheck: 'false', wrap: 'off', autocapitalize: 'off',
-    'aria-label': 'Text of the script', rows: 16});
-  const output = el('pre', {class: 'output', tabindex: 0, role: 'log', 'aria-label': 'Output'});
-  const state = el('span', {class: 'pill', role: 'status'});
-  const error = el('button', {type: 'button', class: 'script-error', hidden: true, onclick: () => goTo(view.line)});
-  const button = (words, style, work) => {
-    const made = el('button', {type: 'button', class: style, onclick: () => run(made, work)}, words);
-    return made;
-  };
-  const save = button('Save', '', saveNow);
-  const start = button('Run now', 'primary', startNow);
-  const stop = button('Stop', '', () => ask('/api/script/stop', {}));
-  const remove = button('Delete', 'danger', removeNow);
-  const fresh = button('New', '', async () => open('', kNew));
-  view = {names, name, text, lines, output, state, error, start, stop, remove, saved: '', known: [], run: -1, next: 0,
-    line: 0, timer: 0};
+  constructor(place, {signal, house, title, keep, kept}) {
+    this.#place = place;
+    this.#signal = signal;
+    this.#title = title;
+    this.#left = kept;
+    const draw = () => this.#draw();
+    this.#run = new ScriptRun({signal, draw});
+    keep(() => ({script: this.#opened, top: this.#text?.scrollTop}));
+    house.on('script', () => this.#run.look(), signal);
+    house.on('again', () => { this.#list(); this.#run.look(); }, signal);
+    this.#draw();
+  }
 
-  text.addEventListener('input', number);
-  text.addEventListener('scroll', () => { lines.scrollTop = text.scrollTop; });
-  text.addEventListener('keydown', (event) => {
-    if (event.key === 's' && (event.ctrlKey || event.metaKey)) {
-      event.preventDefault();
-      save.click();
-    } else if (event.key === 'Enter' && (event.ctrlKey || event.metaKey)) {
-      event.preventDefault();
-      start.click();
+  async begin() {
+    await this.#list();
+    const first = [this.#left.script, ...this.#known].find((name) => name !== undefined && name !== null
+      && (this.#known.includes(name) || draftOf(name)));
+    await this.#open(first ?? '');
+    if (this.#text && this.#left.top) this.#text.scrollTop = this.#left.top;
+    this.#run.look();
+  }
+
+  get #text() {
+    return this.#place.querySelector('#script-text');
+  }
+
+  get #name() {
+    return this.#place.querySelector('#script-name');
+  }
+
+  #draw() {
+    if (this.#signal.aborted) return;
+    const act = (work) => (event) => run(event.currentTarget, () => work.call(this));
+    const stored = this.#known.includes(this.#opened);
+    const unsaved = this.#opened !== null && draftOf(this.#opened);
+    render(html`<div class="scripts">
+      <div class="page-head"><h1>Scripts</h1><button type="button" @click=${() => this.#open('')}>New</button></div>
+      <div class="scripts-parts">${this.#names()}
+        <div class="editor">
+          <input id="script-name" maxlength="50" autocomplete="off" spellcheck="false" aria-label="Name of the script"
+            placeholder="Name" @input=${() => this.#changed()}>
+          <div class="code-box"><pre class="lines" aria-hidden="true">${numbers(this.#lines)}</pre>
+            <textarea id="script-text" class="code" spellcheck="false" wrap="off" autocapitalize="off" rows="16"
+              aria-label="Text of the script" @input=${() => this.#changed()} @scroll=${() => this.#scrollLines()}
+              @keydown=${(event) => this.#key(event)}></textarea></div>
+          <div class="row">
+            <button type="button" class="primary" ?disabled=${this.#run.running} @click=${act(this.#start)}>Run now</button>
+            <button type="button" ?disabled=${!this.#run.running} @click=${act(this.#stop)}>Stop</button>
+            <button type="button" id="script-save" @click=${act(this.#save)}>Save</button>
+            <button type="button" ?hidden=${!unsaved} @click=${() => this.#revert()}>Discard changes</button>
+            <button type="button" class="danger" ?hidden=${!stored} @click=${act(this.#remove)}>Delete</button>
+            <span class="unsaved" role="status">${unsaved ? 'Not saved yet' : ''}</span></div>
+          ${this.#run.template((line) => this.#goTo(line))}
+        </div></div></div>`, this.#place);
+  }
+
+  #names() {
+    return html`<ul class="script-names" aria-label="Stored scripts">
+      ${repeat(this.#known, (name) => name, (name) => html`<li><button type="button" class="menu-item"
+        aria-current=${name === this.#opened ? 'true' : nothing} @click=${() => this.#open(name)}>${name}${
+          draftOf(name) ? html`<span class="draft-mark" title="Not saved yet"> ●<span class="sr">, not saved yet</span></span>` : nothing}</button></li>`)}
+    </ul>`;
+  }
+
+  async #list() {
+    try {
+      this.#known = (await ask('/api/scripts', undefined, this.#signal)).scripts;
+      this.#draw();
+    } catch (error) {
+      complain(error);
     }
-  });
-  page.replaceChildren(el('div', {class: 'scripts'},
-    el('div', {class: 'page-head'}, el('h1', {}, 'Scripts'), fresh),
-    el('div', {class: 'scripts-parts'}, names,
-      el('div', {class: 'editor'}, name, el('div', {class: 'code-box'}, lines, text),
-        el('div', {class: 'row'}, start, stop, save, remove),
-        el('div', {class: 'output-head'}, el('h2', {}, 'Output'), state), error, output))));
-  await list();
-  if (view?.known.length) await choose(view.known[0]);
-  else open('', kNew);
-  look();
-}
+  }
 
-function number() {
-  const count = view.text.value.split('\n').length;
-  view.lines.textContent = Array.from({length: count}, (_, index) => index + 1).join('\n');
-  view.lines.scrollTop = view.text.scrollTop;
-}
+  /** Shows a stored script, or a new one; what was changed in it before and not saved comes back. */
+  async #open(name) {
+    let text = kNew;
+    if (this.#known.includes(name)) {
+      try {
+        text = (await ask(`/api/script?${new URLSearchParams({name})}`, undefined, this.#signal)).text;
+      } catch (error) {
+        complain(error);
+        return;
+      }
+    }
+    if (this.#signal.aborted) return;
+    this.#opened = name;
+    this.#saved = text;
+    const draft = draftOf(name);
+    this.#name.value = draft?.name ?? name;
+    this.#text.value = draft?.text ?? text;
+    this.#text.scrollTop = 0;
+    this.#title(name ? `${name} · Scripts` : 'New script');
+    this.#count();
+    if (!name) this.#name.focus({preventScroll: true});
+  }
 
-function open(name, text) {
-  view.name.value = name;
-  view.text.value = text;
-  view.saved = text;
-  view.remove.hidden = !view.known.includes(name);
-  view.text.scrollTop = 0;
-  number();
-  mark();
-  if (!name) view.name.focus({preventScroll: true});
-}
+  #changed() {
+    const [name, text] = [this.#name.value, this.#text.value];
+    if (text === this.#saved && name === this.#opened) dropDraft(this.#opened);
+    else keepDraft(this.#opened, {name, text});
+    this.#count();
+  }
 
-function mark() {
-  for (const button of view.names.querySelectorAll('button')) {
-    if (button.textContent === view.name.value) button.setAttribute('aria-current', 'true');
-    else button.removeAttribute('aria-current');
+  #revert() {
+    dropDraft(this.#opened);
+    this.#open(this.#opened);
+  }
+
+  #count() {
+    this.#lines = this.#text.value.split('\n').length;
+    this.#draw();
+    this.#scrollLines();
+  }
+
+  #scrollLines() {
+    this.#place.querySelector('.lines').scrollTop = this.#text.scrollTop;
+  }
+
+  #key(event) {
+    if (!event.ctrlKey && !event.metaKey) return;
+    const wanted = {s: '#script-save', Enter: '.editor .primary'}[event.key];
+    if (!wanted) return;
+    event.preventDefault();
+    this.#place.querySelector(wanted).click();
+  }
+
+  #chosenName() {
+    const name = this.#name.value.trim();
+    if (name) return name;
+    this.#name.focus();
+    throw new Error('Give the script a name first');
+  }
+
+  async #save() {
+    const [name, text] = [this.#chosenName(), this.#text.value];
+    await ask('/api/script', {name, text});
+    toast(`${name} is saved`);
+    dropDraft(this.#opened);
+    dropDraft(name);
+    if (this.#signal.aborted) return;
+    this.#opened = name;
+    this.#saved = text;
+    this.#title(`${name} · Scripts`);
+    await this.#list();
+  }
+
+  async #start() {
+    await ask('/api/script/run', {name: this.#chosenName(), text: this.#text.value});
+    await this.#run.look();
+  }
+
+  async #stop() {
+    await ask('/api/script/stop', {});
+  }
+
+  async #remove() {
+    const [name, text] = [this.#opened, this.#saved];
+    await ask('/api/script/delete', {name});
+    dropDraft(name);
+    toastWithButton(`Deleted ${name}`, 'Undo', async () => {
+      try {
+        await ask('/api/script', {name, text});
+        toast(`${name} is back`);
+        if (this.#signal.aborted) return;
+        await this.#list();
+        await this.#open(name);
+      } catch (error) {
+        complain(error);
+      }
+    });
+    await this.#list();
+    await this.#open('');
+  }
+
+  /** Puts the cursor to the line of the error. */
+  #goTo(line) {
+    if (!line) return;
+    const {value} = this.#text;
+    const before = value.split('\n').slice(0, line - 1).join('\n').length + (line > 1 ? 1 : 0);
+    const end = value.indexOf('\n', before);
+    this.#text.focus();
+    this.#text.setSelectionRange(before, end < 0 ? value.length : end);
   }
 }
 
-async function list() {
-  try {
-    const {scripts} = await ask('/api/scripts');
-    if (!view) return;
-    view.known = scripts;
-    view.names.replaceChildren(...scripts.map((name) => el('li', {}, el('button', {type: 'button', class: 'menu-item',
-      onclick: () => choose(name)}, name))));
-    mark();
-  } catch (failure) {
-    toast(failure.message, 'bad');
-  }
-}
-
-async function choose(name) {
-  if (view.text.value !== view.saved && !confirm('What you have changed is not saved. Leave it?')) return;
-  try {
-    const script = await ask(`/api/script?${new URLSearchParams({name})}`);
-    if (view) open(script.name, script.text);
-  } catch (failure) {
-    toast(failure.message, 'bad');
-  }
-}
-
-function chosenName() {
-  const name = view.name.value.trim();
-  if (name) return name;
-  view.name.focus();
-  throw new Error('Give the script a name first');
-}
-
-async function saveNow() {
-  const [name, text] = [chosenName(), view.text.value];
-  await ask('/api/script', {name, text});
-  toast(`${name} is saved`);
-  if (!view) return;
-  view.saved = text;
-  await list();
-  if (view) view.remove.hidden = false;
-}
-
-async function startNow() {
-  await ask('/api/script/run', {name: chosenName(), text: view.text.value});
-  await look();
-}
-
-async function removeNow() {
-  const name = chosenName();
-  if (!confirm(`Delete the script ${name}?`)) return;
-  await ask('/api/script/delete', {name});
-  await list();
-  if (view) open('', kNew);
-}
-
-/** Shows what the run has to say, and looks again while it goes on. */
-async function look() {
-  const mine = view;
-  clearTimeout(mine.timer);
-  let told;
-  try {
-    told = await ask(`/api/script/run?from=${mine.next}`);
-    if (told.run !== mine.run && mine.next > 0) told = await ask('/api/script/run?from=0');
-  } catch {
-    if (view === mine) mine.timer = setTimeout(look, 2000);
-    return;
-  }
-  if (view !== mine) return;
-  if (told.run !== mine.run) mine.output.textContent = '';
-  mine.run = told.run;
-  if (told.run) show(told);
-  mine.stop.disabled = !told.running;
-  mine.start.disabled = Boolean(told.running);
-  clearTimeout(mine.timer);
-  if (told.running) mine.timer = setTimeout(look, kLookAgain);
-}
-
-function show(told) {
-  if (told.output && told.next > view.next || told.next < view.next || !view.output.textContent) {
-    view.output.append(told.output);
-    view.output.scrollTop = view.output.scrollHeight;
-  }
-  view.next = told.next;
-  view.line = told.line;
-  view.error.hidden = !told.error;
-  view.error.textContent = told.error;
-  view.state.textContent = told.running ? `${told.name} is running…` : told.error ? `${told.name} failed`
-    : `${told.name} has ended`;
-  view.state.className = `pill ${told.running ? 'pill-wait' : told.error ? 'pill-bad' : 'pill-good'}`;
-}
-
-/** Puts the cursor to the line of the error. */
-function goTo(line) {
-  if (!line) return;
-  const before = view.text.value.split('\n').slice(0, line - 1).join('\n').length + (line > 1 ? 1 : 0);
-  const end = view.text.value.indexOf('\n', before);
-  view.text.focus();
-  view.text.setSelectionRange(before, end < 0 ? view.text.value.length : end);
-}
+const numbers = (count) => Array.from({length: count}, (_, index) => index + 1).join('\n');

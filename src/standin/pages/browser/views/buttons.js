@@ -1,0 +1,28 @@
+// The devices' buttons: what each will do, and what it has done where the devices don't show it.
+import {el} from '../kit/dom.js';
+import {ask, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
+import {playerDevices, textOf} from './player.js';
+
+const kList = 'Vantorix';  // the playlist that the player adds to
+
+/** A button that means one of two things says which of them comes next. */
+export function captionOf(device, caption) {
+  return caption === 'Pause' && textOf(device) === 'Paused' ? 'Resume' : caption;
+}
+
+export function pressed(button, device, caption, devices) {
+  return run(button, async () => {
+    const {said} = await ask('/api/press', {ref: device.ref, caption});
+    if (said) toast(said);
+    if (caption === 'Add to PlayList') await tellAddition(textOf(playerDevices(devices).Title));
+  });
+}
+
+/** The player says nothing of its own: the list is looked at. */
+async function tellAddition(title) {
+  const query = new URLSearchParams({group: kList, q: title, offset: 0, limit: 1, fresh: 1});
+  const found = title && await ask(`/api/playlist?${query}`).catch(() => null);
+  if (!found?.total) throw new Error('Nothing was added: nothing is playing that could be');
+  toast([`Added ${title} to `, el('a', {href: `#library/PlayList/${kList}`}, kList)]);
+}

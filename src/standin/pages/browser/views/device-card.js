@@ -1,0 +1,86 @@
+// A device: what it shows, and what can be done with it.
+import {partsOf, shownParts, wordsOf} from '../kit/devicetext.js';
+import {html, live, nothing} from '../kit/html.js';
+import {ask, complain, run} from '../kit/server.js';
+import {captionOf, pressed} from './buttons.js';
+import {ValueSearch} from './value-search.js';
+
+const kOn = 2;
+const kOff = 3;
+const kFewValues = 60;
+
+/** One device's card. `draw` is called when it looks different for a reason of its own. */
+export class DeviceCard {
+  #draw;
+  #signal;
+  #search;
+  #values = null;     // to choose from, once they were read
+  #valuesOf = '';     // the table that they belong to
+  #changes = 0;
+
+  constructor(ref, {signal, draw}) {
+    this.#draw = draw;
+    this.#signal = signal;
+    this.#search = new ValueSearch(ref, {signal, draw, choose});
+  }
+
+  /** Shows for a moment that something has become of the device. */
+  changed() {
+    this.#changes++;
+  }
+
+  template(device, devices) {
+    const parts = partsOf(device);
+    const words = wordsOf(parts);
+    // Of two names of one movement the other begins it anew.
+    const moved = this.#changes ? `changed-${this.#changes % 2}` : '';
+    return html`<article class="card ${moved}" data-ref=${device.ref}>
+      <header class="card-head">
+        <h2 title=${`${device.location} ${device.name}`.trim()}>${device.name || 'Device'}</h2>
+        <span class="value quiet">${device.value === 0 ? nothing : `value ${device.value}`}</span>
+        <span class="address">${device.address}</span>
+      </header>
+      <div class="status ${words ? '' : 'blank'}">${shownParts(parts)}${words ? nothing : html`<span class="quiet">—</span>`}</div>
+      <div class="controls">${device.switchable ? switchOf(device) : nothing}${this.#valueOf(device)}${
+        device.buttons.map((caption) => html`<button type="button"
+          @click=${(event) => pressed(event.currentTarget, device, caption, devices)}>${captionOf(device, caption)}</button>`)}</div>
+    </article>`;
+  }
+
+  #valueOf(device) {
+    if (!device.values) return nothing;
+    return device.values <= kFewValues ? this.#select(device) : this.#search.template(device);
+  }
+
+  #select(device) {
+    this.#read(device);
+    const known = this.#values ?? [{value: device.value, name: device.valueName}];
+    return html`<select aria-label=${device.name} @change=${(event) => choose(event.currentTarget, event.currentTarget.value, device.ref)}>
+      ${known.map(({value, name}) => html`<option value=${value} .selected=${live(value === device.value)}>${name.trim() || 'Choose…'}</option>`)}
+    </select>`;
+  }
+
+  async #read(device) {
+    const table = `${device.ref} ${device.values}`;
+    if (this.#valuesOf === table) return;
+    this.#valuesOf = table;
+    try {
+      this.#values = (await ask(`/api/values?ref=${device.ref}&q=`, undefined, this.#signal)).values;
+      this.#draw();
+    } catch (error) {
+      this.#valuesOf = '';
+      complain(error);
+    }
+  }
+}
+
+function choose(control, value, ref = Number(control.closest('[data-ref]').dataset.ref)) {
+  return run(control, () => ask('/api/command', {ref, command: 'value', value: Number(value)}));
+}
+
+function switchOf(device) {
+  const half = (words, command, on) => html`<button type="button" aria-pressed=${String(on)}
+    @click=${(event) => run(event.currentTarget, () => ask('/api/command', {ref: device.ref, command}))}>${words}</button>`;
+  return html`<div class="switch" role="group" aria-label=${`${device.name}: on or off`}>
+    ${half('On', 'on', device.status === kOn)}${half('Off', 'off', device.status === kOff)}</div>`;
+}

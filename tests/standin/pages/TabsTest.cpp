@@ -1,0 +1,90 @@
+// Many tabs of one browser: they share one live stream, as a browser opens six connections to a server and no
+// more.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <iomanip>
+#include <sstream>
+
+#include "PageHouse.hpp"
+
+namespace {
+
+constexpr std::size_t kTabs = 10;
+constexpr const char* kNoWorker = "delete window.SharedWorker";
+
+/// The connections to a port of this machine that are open now, as their clients see them.
+int connectionsTo(int port) {
+  std::ifstream table("/proc/net/tcp");
+  std::ostringstream peer;
+  peer << std::uppercase << std::hex << "0100007F:" << std::setw(4) << std::setfill('0') << port;
+  int count = 0;
+  std::string line;
+  while (std::getline(table, line)) {
+    std::istringstream words(line);
+    std::string number;
+    std::string own;
+    std::string other;
+    std::string state;
+    words >> number >> own >> other >> state;
+    if (other == peer.str() && state == "01") ++count;
+  }
+  return count;
+}
+
+/// With a worker that the tabs share, and without one.
+class ManyTabs : public support::PageHouse, public testing::WithParamInterface<bool> {
+ protected:
+  void openAll() {
+    for (std::size_t i = 0; i < kTabs; ++i) {
+      if (i > 0) browser.openTab();
+      if (!GetParam()) browser.beforeEachPage(kNoWorker);
+      open("#devices");
+    }
+  }
+  void everyTabShows(const std::string& device, std::size_t from = 0) {
+    for (std::size_t i = from; i < kTabs; ++i) {
+      browser.toTab(i);
+      EXPECT_TRUE(shows(device)) << i;
+    }
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(ByWorker, ManyTabs, testing::Values(true));
+INSTANTIATE_TEST_SUITE_P(ByLeader, ManyTabs, testing::Values(false));
+
+TEST_P(ManyTabs, AllHearOfEverythingOverOneStream) {
+  openAll();
+  EXPECT_EQ(browser.run("return 'SharedWorker' in window"), GetParam());
+  newDevice("Lamp");
+  everyTabShows("Lamp");
+  // All that was only asked for has been answered, and those connections end.
+  EXPECT_TRUE(support::Eventually([&] { return connectionsTo(server->port()) == 1; }))
+      << connectionsTo(server->port());
+}
+
+TEST_P(ManyTabs, AllHearOfEverythingWhenTheFirstIsClosedAndTheServerStartsAnew) {
+  openAll();
+  browser.closeTab(0);
+  browser.toTab(1);
+  newDevice("Lamp");
+  everyTabShows("Lamp", 1);
+  const std::string port = std::to_string(server->port());
+  server->end(SIGKILL);
+  for (std::size_t i = 1; i < kTabs; ++i) {
+    browser.toTab(i);
+    EXPECT_TRUE(browser.eventually("return !document.querySelector('#live-state').hidden")) << i;
+  }
+  server.emplace(bus.address(), folder.path() / "data", std::vector<std::string>{"--port", port});
+  for (std::size_t i = 1; i < kTabs; ++i) {
+    browser.toTab(i);
+    EXPECT_TRUE(
+        browser.eventually("return document.querySelector('#live-state').hidden && "
+                           "document.querySelector('#plugin-state').textContent === 'Player ready'"))
+        << i;
+  }
+  EXPECT_TRUE(support::Eventually([&] { return connectionsTo(server->port()) == 1; }))
+      << connectionsTo(server->port());
+}
+
+}  // namespace

@@ -1,0 +1,175 @@
+// What every view of the pages holds to.
+#include <gmock/gmock.h>
+
+#include "PageHouse.hpp"
+#include "support/Axe.hpp"
+
+namespace {
+
+using testing::IsEmpty;
+
+class Views : public support::PageHouse {
+ protected:
+  using PageHouse::PageHouse;
+  /// How far what stands on the page has moved by itself since it was opened, as the browser adds it up.
+  double shift() {
+    return browser
+        .runAsync(
+            "const done = arguments[0]; let sum = 0;"
+            "const add = (list) => list.getEntries().forEach(each => { if (!each.hadRecentInput) sum += "
+            "each.value; });"
+            "const observer = new PerformanceObserver(add);"
+            "observer.observe({type: 'layout-shift', buffered: true});"
+            "requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(() => {"
+            "  observer.takeRecords().forEach(each => { if (!each.hadRecentInput) sum += each.value; });"
+            "  done(sum); })))")
+        .get<double>();
+  }
+  void goTo(const std::string& place) { browser.run("location.hash = arguments[0]", {place}); }
+  std::string title() { return browser.run("return document.title").get<std::string>(); }
+  bool titleBecomes(const std::string& wanted) {
+    return browser.eventually("return document.title === arguments[0]", {wanted});
+  }
+  void manyLists() {
+    for (int i = 0; i < 300; ++i)
+      lists->put("List " + std::to_string(1000 + i), {at("A"), at("B"), at("C"), at("D")});
+  }
+};
+
+class ViewsOfSomeWidth : public Views, public testing::WithParamInterface<int> {
+ protected:
+  ViewsOfSomeWidth() : Views(GetParam()) {}
+};
+
+INSTANTIATE_TEST_SUITE_P(Desk, ViewsOfSomeWidth, testing::Values(1280));
+INSTANTIATE_TEST_SUITE_P(Phone, ViewsOfSomeWidth, testing::Values(360));
+
+TEST_P(ViewsOfSomeWidth, StandStillWhileTheyAreOpened) {
+  for (int i = 0; i < 12; ++i) newDevice("Lamp " + std::to_string(i));
+  for (const auto& [place, sign] :
+       {std::pair("#devices", ".card"), std::pair("#library/Album", ".library-count"),
+        std::pair("#library/PlayList", ".long-row button"), std::pair("#log", ".log li"),
+        std::pair("#scripts", ".script-names button"), std::pair("#account", "form")}) {
+    open(place);
+    ASSERT_TRUE(has(sign)) << place;
+    ASSERT_TRUE(browser.eventually("return !document.body.textContent.includes('Loading…')"));
+    const double moved = shift();
+    RecordProperty(place + 1, std::to_string(moved));
+    EXPECT_LT(moved, 0.1) << place;
+  }
+  // What moves is noticed.
+  browser.run("document.querySelector('#main').style.paddingTop = '500px'");
+  EXPECT_TRUE(support::Eventually([&] { return shift() > 0.1; }));
+}
+
+TEST_F(Views, EachHasATitleOfItsOwn) {
+  open("#devices");
+  EXPECT_EQ(title(), "Devices – Vantorix");
+  for (const auto& [place, wanted] :
+       {std::pair("log", "Log"), std::pair("account", "Account"), std::pair("library/Album", "Albums"),
+        std::pair("library/PlayList", "Playlists"), std::pair("library/PlayList/Mine", "Mine"),
+        std::pair("scripts", "Albums and their titles · Scripts"), std::pair("devices", "Devices")}) {
+    goTo(place);
+    EXPECT_TRUE(titleBecomes(std::string(wanted) + " – Vantorix")) << title();
+  }
+}
+
+TEST_F(Views, BackLeadsToTheSamePlace) {
+  manyLists();
+  open("#library/PlayList");
+  ASSERT_TRUE(has(".long-row button"));
+  browser.type("//input[@id='library-search']", "List 1");
+  ASSERT_TRUE(
+      browser.eventually("return document.querySelector('.library-count').textContent.startsWith('300 ')"));
+  browser.run("document.querySelector('.long').scrollTop = 52 * 150");
+  ASSERT_TRUE(has("[data-index='155'] .row-main"));
+  browser.run(
+      "document.querySelector('[data-index=\"155\"] .row-main').focus();"
+      "document.querySelector('[data-index=\"155\"] .row-main').click()");
+  ASSERT_TRUE(browser.eventually("return document.querySelector('h2')?.textContent === 'List 1155'"));
+  browser.back();
+  EXPECT_TRUE(
+      browser.eventually("return document.activeElement.closest('[data-index]')?.dataset.index === '155'"));
+  EXPECT_EQ(browser.run("return document.activeElement.textContent"), "List 1155");
+  EXPECT_EQ(browser.run("return document.querySelector('#library-search').value"), "List 1");
+  EXPECT_EQ(browser.run("return document.querySelector('.long').scrollTop"), 52 * 150);
+  EXPECT_TRUE(titleBecomes("Playlists – Vantorix"));
+}
+
+TEST_F(Views, BackLeadsToTheSamePlaceFromAnotherDocumentToo) {
+  for (int i = 0; i < 60; ++i) newDevice("Lamp " + std::to_string(i));
+  open("#devices");
+  ASSERT_TRUE(shows("Lamp 59"));
+  browser.run("scrollTo(0, 700); document.querySelector('#say').focus({preventScroll: true})");
+  browser.open(url("favicon.svg"));
+  browser.back();
+  EXPECT_TRUE(browser.eventually("return scrollY === 700 && document.activeElement.id === 'say'"));
+  // A new visit begins at the top.
+  goTo("log");
+  ASSERT_TRUE(has(".log li"));
+  goTo("devices");
+  ASSERT_TRUE(has(".card"));
+  EXPECT_EQ(browser.run("return scrollY"), 0);
+}
+
+TEST_F(Views, ALeftViewHearsOfNothing) {
+  open("#log");
+  ASSERT_TRUE(has(".log li"));
+  goTo("devices");
+  ASSERT_TRUE(has(".voice"));
+  for (const char* place : {"log", "scripts", "library/PlayList/Mine", "account", "devices"}) goTo(place);
+  newDevice("Lamp");
+  EXPECT_TRUE(shows("Lamp"));
+  EXPECT_EQ(browser.run("return document.querySelectorAll('#page > *').length"), 1);
+  EXPECT_EQ(browser.run("return document.querySelector('#page > *').className"), "view view-devices");
+}
+
+TEST_F(Views, NothingIsGreenWhileTheServerIsDown) {
+  open("#devices");
+  const std::string port = std::to_string(server->port());
+  server->end(SIGKILL);
+  EXPECT_TRUE(browser.eventually("return !document.querySelector('#live-state').hidden"));
+  EXPECT_EQ(browser.run("return document.querySelectorAll('.pill-good').length"), 0);
+  EXPECT_EQ(browser.run("return document.querySelector('#plugin-state').textContent"), "");
+  server.emplace(bus.address(), folder.path() / "data", std::vector<std::string>{"--port", port});
+  EXPECT_TRUE(browser.eventually("return document.querySelectorAll('.pill-good').length === 1"));
+}
+
+TEST_F(Views, AnEditedScriptIsThereAgainAfterItWasLeft) {
+  open("#scripts");
+  ASSERT_TRUE(
+      browser.eventually("return document.querySelector('#script-text').value.includes('GetCategoryList')"));
+  browser.type("//textarea", "-- mine");
+  EXPECT_TRUE(
+      browser.eventually("return document.querySelector('.unsaved').textContent === 'Not saved yet'"));
+  goTo("log");
+  ASSERT_TRUE(has(".log li"));
+  const char* const holdsIt =
+      "return document.querySelector('#script-text')?.value.includes('-- mine') ?? false";
+  goTo("scripts");
+  EXPECT_TRUE(browser.eventually(holdsIt));
+  browser.reload();
+  EXPECT_TRUE(browser.eventually(holdsIt));
+  // Another script is looked at meanwhile.
+  browser.click("//button[text()='Announce what plays']");
+  EXPECT_TRUE(browser.eventually("return document.querySelector('#script-text').value.includes('Speak')"));
+  EXPECT_EQ(browser.run("return document.querySelector('.unsaved').textContent"), "");
+  browser.click("//button[starts-with(., 'Albums and their titles')]");
+  EXPECT_TRUE(browser.eventually(holdsIt));
+  browser.click("//button[text()='Discard changes']");
+  EXPECT_TRUE(browser.eventually("return !document.querySelector('#script-text').value.includes('-- mine')"));
+  EXPECT_EQ(browser.run("return document.querySelectorAll('.draft-mark').length"), 0);
+}
+
+TEST_F(Views, ADeletedScriptComesBackByTheMessageThatTellsIt) {
+  open("#scripts");
+  ASSERT_TRUE(has(".danger:not([hidden])"));
+  browser.click("//button[text()='Delete']");
+  ASSERT_TRUE(browser.eventually("return document.querySelectorAll('.script-names button').length === 2"));
+  browser.click("//button[text()='Undo']");
+  EXPECT_TRUE(browser.eventually("return document.querySelectorAll('.script-names button').length === 3"));
+  EXPECT_TRUE(
+      browser.eventually("return document.querySelector('#script-text').value.includes('GetCategoryList')"));
+}
+
+}  // namespace
