@@ -47,6 +47,32 @@ TEST_F(DevicesPage, APressedButtonChangesTheDeviceWithoutAReload) {
   EXPECT_EQ(browser.run("return window.kept === true"), true);
 }
 
+TEST_F(DevicesPage, ButtonsSayWhatTheyDoAndWhatTheyHaveDone) {
+  const auto toasts = [&](const std::string& words) {
+    return browser.eventually(
+        "return [...document.querySelectorAll('.toast')].some(t => t.textContent === arguments[0])", {words});
+  };
+  browser.click(button("Title", "Add to PlayList"));
+  EXPECT_TRUE(toasts("Nothing was added: nothing is playing that could be"));
+  browser.click(button("Status", "Restart"));
+  ASSERT_TRUE(shows("Title", "One"));
+  browser.click(button("Mute", "Vol Up"));
+  EXPECT_TRUE(toasts("Volume 60"));
+  browser.click(button("Mute", "Vol Down"));
+  EXPECT_TRUE(toasts("Volume 50"));
+  browser.click(button("Title", "Add to PlayList"));
+  EXPECT_TRUE(toasts("Added One to Vantorix"));
+  browser.click(button("Status", "Pause"));
+  ASSERT_TRUE(shows("Status", "Paused"));
+  browser.click(button("Status", "Resume"));
+  EXPECT_TRUE(shows("Status", "Playing"));
+  browser.click("//nav//a[text()='Menu']");
+  browser.click("//button[text()='Pause']");
+  browser.click("//button[text()='Resume']");
+  EXPECT_TRUE(browser.eventually(
+      "return [...document.querySelectorAll('.menu-item')].some(b => b.textContent === 'Pause')"));
+}
+
 TEST_F(DevicesPage, TheVoiceBoxTakesAPhrase) {
   browser.type("//input[@id='say']", "shuffle please");
   browser.click("//form//button[text()='Say']");

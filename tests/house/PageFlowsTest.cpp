@@ -45,6 +45,9 @@ TEST_P(PagesAtAnyWidth, WhatIsTickedInTheSetupIsStoredAndShown) {
   user.browser.click("//label[contains(., 'Verbose Logging')]");
   user.browser.click("//label[contains(., 'Mute')]");
   user.press("Update");
+  EXPECT_TRUE(
+      user.browser.eventually("return [...document.querySelectorAll('.toast')].some(t => t.textContent === "
+                              "'The settings are saved')"));
   for (int look = 0; look < 2; ++look) {
     EXPECT_FALSE(user.ticked("TrayIcon"));
     EXPECT_TRUE(user.ticked("DebugMessages"));

@@ -110,6 +110,13 @@ void PlayerLibrary::play(const std::string& category, const std::string& name, c
       [result, played = std::move(played)](const std::string& failure) { played(*result, failure); });
 }
 
+void PlayerLibrary::volume(Heard heard) {
+  const auto volume = std::make_shared<std::int32_t>(0);
+  plugin_.command(
+      [this, volume](base::Object&) { *volume = base::ToInt32(script()->get("Volume")); },
+      [volume, heard = std::move(heard)](const std::string& failure) { heard(*volume, failure); });
+}
+
 void PlayerLibrary::facts(const std::string& category, const std::string& name, const std::string& title,
                           Told told) {
   const auto facts = std::make_shared<MediaFacts>();

@@ -44,6 +44,10 @@ class PlayerLibrary {
   /// Plays a title, or the whole group when the title is empty. 0 is success, -1 "not found".
   void play(const std::string& category, const std::string& name, const std::string& title, Played played);
 
+  using Heard = std::function<void(std::int32_t volume, const std::string& failure)>;
+  /// How loud the player is: 0 to 100.
+  void volume(Heard heard);
+
   using Told = std::function<void(const MediaFacts& facts, const std::string& failure)>;
   void facts(const std::string& category, const std::string& name, const std::string& title, Told told);
 

@@ -48,6 +48,12 @@ void media(PlayerLibrary& library, const WebCall& call, const Reply& reply) {
       });
 }
 
+void volume(PlayerLibrary& library, const WebCall&, const Reply& reply) {
+  library.volume([reply](std::int32_t volume, const std::string& failure) {
+    reply(failure.empty() ? Told({{"volume", volume}}) : Refusal(502, failure));
+  });
+}
+
 void play(PlayerLibrary& library, const WebCall& call, const Reply& reply) {
   const std::optional<std::string> category =
       PlayerLibrary::categoryOf(call.json.at("category").get<std::string>());
@@ -70,6 +76,7 @@ Routes LibraryRoutes(PlayerLibrary& library) {
   };
   return {{Method::kGet, "/api/library", Role::kGuest, with(list)},
           {Method::kGet, "/api/media", Role::kGuest, with(media)},
+          {Method::kGet, "/api/volume", Role::kGuest, with(volume)},
           {Method::kPost, "/api/play", Role::kGuest, with(play)}};
 }
 

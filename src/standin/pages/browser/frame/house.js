@@ -13,7 +13,7 @@ const kTogether = 120;   // milliseconds in which several changes of the frame a
  * happens; 'signed-out' nobody is signed in.
  */
 export class House {
-  /** `user` is null while nobody is signed in. */
+  /** `user` is null while nobody is signed in; `way` then tells by what one is: "password" or "key". */
   state = {user: null, plugin: null, menu: [], links: [], devices: new Map()};
   connected = true;
   #listeners = new Map();
@@ -39,7 +39,7 @@ export class House {
       this.state = {...answer, devices: new Map(answer.devices.map((device) => [device.ref, device]))};
     } catch (error) {
       if (error.status === 401) {
-        this.state = {...before, user: null};
+        this.state = {...before, user: null, way: error.answer.way ?? 'password'};
         this.#tell('signed-out');
       } else if (this.connected) {
         toast(error.message, 'bad');

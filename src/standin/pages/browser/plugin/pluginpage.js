@@ -1,6 +1,7 @@
 // Pages of the plug-in. Their text is plain HTML of an older kind; here it gets what its users need today: labels,
 // lists that work from the keyboard, a place that is kept from one page to the next.
 import {el} from '../kit/dom.js';
+import {toast} from '../kit/toasts.js';
 
 const kPlace = 'plugin-page-place';
 const kPlaceLasts = 60000;  // milliseconds
@@ -200,7 +201,8 @@ function markSending(panel, value) {
 const keyOf = (control) => [control.nodeName, control.name, control.type === 'submit' ? control.value : ''].join('\n');
 
 function keepPlace(control) {
-  const place = {path: location.pathname, time: Date.now(), top: scrollY, key: control?.name ? keyOf(control) : ''};
+  const place = {path: location.pathname, time: Date.now(), top: scrollY, key: control?.name ? keyOf(control) : '',
+    saved: control?.value === 'Update'};
   sessionStorage.setItem(kPlace, JSON.stringify(place));
 }
 
@@ -210,6 +212,8 @@ function returnToPlace(panel) {
   sessionStorage.removeItem(kPlace);
   if (place?.path !== location.pathname || Date.now() - place.time > kPlaceLasts) return;
   scrollTo({top: panel.querySelector('.message') ? 0 : place.top});
+  // Such a page says nothing of its own.
+  if (place.saved && panel.querySelector('form') && !panel.querySelector('.message')) toast('The settings are saved');
   const control = [...controls(panel), ...panel.querySelectorAll('input[type=submit]')]
     .find((each) => keyOf(each) === place.key);
   control?.focus({preventScroll: true});
