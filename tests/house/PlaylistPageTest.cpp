@@ -256,6 +256,7 @@ TEST_F(PlaylistInABrowser, ListsAreMadeFilledRenamedAndDeleted) {
       true);
   EXPECT_TRUE(user.browser.eventually("return !document.querySelector('.toast')"));
   user.browser.click("//button[text()='Delete']");
+  ASSERT_TRUE(user.browser.eventually("return location.hash === '#library/PlayList'"));
   user.browser.click("//button[@data-turn='undo' and not(@disabled)]");
   EXPECT_TRUE(Eventually([&] { return storedIn(longName) == Names{"Two"}; }));
   EXPECT_EQ(user.browser.run("return window.evil === undefined"), true);

@@ -57,7 +57,11 @@ TEST_P(ViewsOfSomeWidth, StandStillWhileTheyAreOpened) {
     RecordProperty(place + 1, std::to_string(moved));
     EXPECT_LT(moved, 0.1) << place;
   }
-  // What moves is noticed.
+}
+
+TEST_F(Views, WhatMovesIsNoticed) {
+  open("#account");
+  ASSERT_TRUE(has("form"));
   browser.run("document.querySelector('#main').style.paddingTop = '500px'");
   EXPECT_TRUE(support::Eventually([&] { return shift() > 0.1; }));
 }
