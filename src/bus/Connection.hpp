@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/Object.hpp"
@@ -45,6 +46,11 @@ class Connection {
   bool hasOwner(const std::string& name);
   /// The operating system's number of the process behind a name, 0 when it is unknown.
   std::uint32_t processOf(const std::string& name);
+
+  /// From now on replies are waited for until `limit` has passed, by the calls that are under way and by
+  /// later ones together: what is not there by then is failure 462, though the calls are sent. Without a
+  /// limit a reply may again take as long as any. For a process that has been told to end.
+  void replyWithin(std::optional<base::Milliseconds> limit);
 
   /// Calls `gone` on a turn of the loop whenever the name loses its owner. One watcher a name.
   void onNameLost(const std::string& name, std::function<void()> gone);

@@ -9,8 +9,6 @@
 #include <optional>
 #include <system_error>
 
-#include "base/Text.hpp"
-
 namespace bus {
 
 namespace {
@@ -78,12 +76,6 @@ base::Failure FailureOf(std::string_view errorName, const std::string& descripti
     if (known != kBusErrors.end()) return {known->number, description};
   }
   return {base::number::kInternal, std::string(errorName) + ": " + description};
-}
-
-std::string CarriableText(const std::string& text) {
-  std::string carriable = base::RepairUtf8(text);
-  std::replace(carriable.begin(), carriable.end(), '\0', ' ');
-  return carriable;
 }
 
 void Check(int result) {

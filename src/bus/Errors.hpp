@@ -10,8 +10,6 @@ namespace bus {
 std::string ErrorNameOf(std::int32_t failureNumber);
 /// The failure that an error from the bus stands for.
 base::Failure FailureOf(std::string_view errorName, const std::string& description);
-/// A description as the bus can carry it: well-formed and without code 0.
-std::string CarriableText(const std::string& text);
 /// Throws the failure of a negative errno result of the bus library.
 void Check(int result);
 

@@ -7,8 +7,8 @@
 #include <type_traits>
 
 #include "base/Failure.hpp"
+#include "base/Interchange.hpp"
 #include "base/Text.hpp"
-#include "bus/Errors.hpp"
 #include "bus/Marshal.hpp"
 
 namespace bus {
@@ -50,7 +50,7 @@ constexpr const char* kStandardInterfaces = R"( <interface name="org.freedesktop
 /// A text inside an XML attribute. Control characters, which XML can't hold, become blanks.
 std::string Quoted(const std::string& text) {
   std::string quoted;
-  for (const char c : CarriableText(text)) {
+  for (const char c : base::InterchangeUtf8(text)) {
     switch (c) {
       case '&': quoted += "&amp;"; break;
       case '<': quoted += "&lt;"; break;

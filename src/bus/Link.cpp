@@ -6,7 +6,7 @@
 #include <chrono>
 #include <system_error>
 
-#include "base/Failure.hpp"
+#include "base/Attempt.hpp"
 #include "bus/Errors.hpp"
 #include "bus/Paths.hpp"
 #include "bus/RemoteObject.hpp"
@@ -20,22 +20,9 @@ namespace {
 
 constexpr std::chrono::microseconds kReplyTimeout = std::chrono::minutes(30);
 constexpr Milliseconds kLongestWait = std::chrono::minutes(1);
+constexpr Milliseconds kLookAtHeld = std::chrono::milliseconds(500);
 constexpr const char* kDaemon = "org.freedesktop.DBus";
 constexpr const char* kDaemonPath = "/org/freedesktop/DBus";
-
-/// Counts a call for as long as it is served.
-class Served {
- public:
-  explicit Served(int& depth) : depth_(depth) { ++depth_; }
-  ~Served() { --depth_; }
-  Served(const Served&) = delete;
-  Served& operator=(const Served&) = delete;
-  Served(Served&&) = delete;
-  Served& operator=(Served&&) = delete;
-
- private:
-  int& depth_;
-};
 
 [[noreturn]] void ThrowGone() { throw base::Failure(base::number::kHostGone); }
 
@@ -47,6 +34,22 @@ void CheckConnected(int result, const std::string& address) {
 }
 
 }  // namespace
+
+/// A call that waits for its reply. The calls of one thread wait within each other.
+struct Link::Waiting {
+  Waiting(Link& owner, std::string name) : link(owner), destination(std::move(name)) {
+    link.waits_.push_back(this);
+  }
+  ~Waiting() { link.waits_.pop_back(); }
+  Waiting(const Waiting&) = delete;
+  Waiting& operator=(const Waiting&) = delete;
+  Waiting(Waiting&&) = delete;
+  Waiting& operator=(Waiting&&) = delete;
+
+  Link& link;
+  std::string destination;
+  Message reply;
+};
 
 std::shared_ptr<Link> Link::connect(PollLoop& loop, const std::string& address) {
   sd_bus* bus = nullptr;
@@ -69,7 +72,7 @@ std::shared_ptr<Link> Link::connect(PollLoop& loop, const std::string& address) 
   return link;
 }
 
-Link::Link(PollLoop& loop, Bus bus) : loop_(loop), bus_(std::move(bus)) {}
+Link::Link(PollLoop& loop, Bus bus) : loop_(loop), bus_(std::move(bus)), calls_(loop) {}
 
 void Link::start() {
   sd_bus_slot* slot = nullptr;
@@ -91,7 +94,7 @@ void Link::start() {
 void Link::close() {
   alive_ = false;
   watch_.reset();
-  incoming_.clear();
+  calls_.clear();
   lostNames_.clear();
   disconnected_ = nullptr;
   exports_.clear();
@@ -99,71 +102,105 @@ void Link::close() {
   bus_.reset();
 }
 
-Message Link::newCall(const std::string& name, const std::string& path, const char* interface,
-                      const std::string& member) {
+Draft Link::newCall(const std::string& name, const std::string& path, const char* interface,
+                    const std::string& member) {
   if (!alive_) ThrowGone();
   if (sd_bus_member_name_is_valid(member.c_str()) <= 0)
     throw base::Failure(base::number::kNoSuchMember, "The object has no such member: " + member);
   sd_bus_message* message = nullptr;
   Check(sd_bus_message_new_method_call(bus_.get(), &message, name.c_str(), path.c_str(), interface,
                                        member.c_str()));
-  Message owned(message);
+  Draft draft{Message(message)};
   Check(sd_bus_message_set_auto_start(message, 0));
-  return owned;
+  return draft;
 }
 
 Message Link::call(const Message& message, bool untilQuit) {
   const auto keep = shared_from_this();
   if (!alive_) ThrowGone();
-  Pending pending;
+  Waiting waiting(*this, OrEmpty(sd_bus_message_get_destination(message.get())));
   sd_bus_slot* slot = nullptr;
   Check(sd_bus_call_async(
       bus_.get(), &slot, message.get(),
-      [](sd_bus_message* reply, void* waiting, sd_bus_error*) {
-        static_cast<Pending*>(waiting)->reply.reset(sd_bus_message_ref(reply));
+      [](sd_bus_message* reply, void* target, sd_bus_error*) {
+        auto* waiting = static_cast<Waiting*>(target);
+        waiting->reply.reset(sd_bus_message_ref(reply));
+        if (waiting->destination != kDaemon) waiting->link.calls_.moved();
         return 1;
       },
-      &pending, static_cast<std::uint64_t>(kReplyTimeout.count())));
+      &waiting, static_cast<std::uint64_t>(kReplyTimeout.count())));
   const Slot owned(slot);
   refresh();
-  while (!pending.reply) {
-    if (!alive_ || (untilQuit && loop_.open() && loop_.quitting())) ThrowGone();
-    waitOnce();
+  while (!waiting.reply) {
+    const bool quits = untilQuit && loop_.open() && loop_.quitting();
+    if (!alive_ || quits || outOfTime()) ThrowGone();
+    waitOnce(waiting);
   }
-  if (const sd_bus_error* error = sd_bus_message_get_error(pending.reply.get()))
-    throw FailureOf(OrEmpty(error->name), OrEmpty(error->message));
-  return std::move(pending.reply);
+  if (const sd_bus_error* error = sd_bus_message_get_error(waiting.reply.get()))
+    throw FailureOf(OrEmpty(error->name), descriptionIn(waiting.reply.get(), *error));
+  return std::move(waiting.reply);
 }
 
-/// Serves what has come, or waits for more. Whatever replies come are kept by the calls that wait for them.
-void Link::waitOnce() {
-  if (!incoming_.empty()) {
-    loop_.whileClosed([&] { serveNext(); });
+/// A description that is no plain text follows as bytes.
+std::string Link::descriptionIn(sd_bus_message* error, const sd_bus_error& told) {
+  if (std::string_view(OrEmpty(sd_bus_message_get_signature(error, 1))) == "say") {
+    sd_bus_message_rewind(error, 1);
+    return base::ToText(ReadAll(error, *this).at(1));
+  }
+  return OrEmpty(told.message);
+}
+
+/// Takes in what has come and serves one call of it, or waits for more. Whatever replies come are kept by the
+/// calls that wait for them. The own reply comes first: what is over takes no further calls within itself.
+void Link::waitOnce(const Waiting& waiting) {
+  process();
+  if (waiting.reply || !alive_) return;
+  if (const Message next = calls_.take()) {
+    loop_.whileClosed([&] { serve(next); });
   } else if (loop_.open()) {
     loop_.turn(timeout());
-    if (alive_) process();  // lets a reply's time run out
   } else {
-    pollBus(timeout());
-    process();
+    waitForBus();
   }
+  giveUpStuck();
 }
 
-void Link::pollBus(Milliseconds limit) {
+/// The plain wait: the loop stands still but for its signals.
+void Link::waitForBus() {
   const int events = sd_bus_get_events(bus_.get());
   if (events < 0) return lost();
-  pollfd descriptor{sd_bus_get_fd(bus_.get()), static_cast<short>(events), 0};
-  ::poll(&descriptor, 1, static_cast<int>(limit.count()));
+  loop_.waitFor(sd_bus_get_fd(bus_.get()), static_cast<short>(events), timeout());
 }
+
+void Link::giveUpStuck() {
+  if (!alive_ || !calls_.idle() || waits_.empty()) return;
+  const std::string destination = waits_.back()->destination;
+  if (destination == kDaemon) return;  // it answers in any case
+  std::string awaited;
+  base::Handled([&] { awaited = holderOf(destination); }, [](const base::Failure&) {});
+  const Message stuck = calls_.takeStuck([&](const std::string& sender) { return sender == awaited; });
+  if (stuck)
+    Refuse(*this, stuck,
+           base::Failure(base::number::kOutOfStackSpace, "Too many calls are within each other"));
+}
+
+void Link::replyWithin(std::optional<Milliseconds> limit) {
+  replyBefore_ = limit ? std::optional(loop_.now() + *limit) : std::nullopt;
+}
+
+bool Link::outOfTime() const { return replyBefore_ && loop_.now() >= *replyBefore_; }
 
 Milliseconds Link::timeout() const {
   std::uint64_t until = 0;
   if (sd_bus_get_timeout(bus_.get(), &until) < 0) return Milliseconds(0);
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  const auto limit = now + kLongestWait;
-  if (until >=
-      static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(limit).count()))
-    return kLongestWait;
-  return std::max(Milliseconds(0), std::chrono::ceil<Milliseconds>(std::chrono::microseconds(until) - now));
+  const Milliseconds now = loop_.now();
+  Milliseconds limit = calls_.held() ? kLookAtHeld : kLongestWait;
+  if (replyBefore_) limit = std::min(limit, *replyBefore_ - now);
+  // The bus library tells microseconds of the same clock, or the largest number for never.
+  const auto end = std::chrono::duration_cast<std::chrono::microseconds>(now + limit);
+  if (until < static_cast<std::uint64_t>(end.count()))
+    limit = std::chrono::ceil<Milliseconds>(std::chrono::microseconds(until) - now);
+  return std::max(Milliseconds(0), limit);
 }
 
 void Link::send(const Message& message) {
@@ -172,28 +209,28 @@ void Link::send(const Message& message) {
   refresh();
 }
 
-Message Link::daemonMessage(const std::string& member, const std::vector<base::Value>& args) {
-  Message message = newCall(kDaemon, kDaemonPath, kDaemon, member);
+Draft Link::daemonMessage(const std::string& member, const std::vector<base::Value>& args) {
+  Draft message = newCall(kDaemon, kDaemonPath, kDaemon, member);
   for (const auto& arg : args) {
     if (const auto* number = std::get_if<std::int32_t>(&arg.held())) {
       const auto flags = static_cast<std::uint32_t>(*number);
       Check(sd_bus_message_append_basic(message.get(), SD_BUS_TYPE_UINT32, &flags));
     } else {
-      AppendPlain(message.get(), arg, *this);
+      AppendPlain(message, arg, *this);
     }
   }
   return message;
 }
 
 Message Link::callDaemon(const std::string& member, const std::vector<base::Value>& args) {
-  const Message message = daemonMessage(member, args);
+  const Draft message = daemonMessage(member, args);
   Message reply;
-  loop_.whileClosed([&] { reply = call(message); });
+  loop_.whileClosed([&] { reply = call(message.message); });
   return reply;
 }
 
 Message Link::callDaemonLong(const std::string& member, const std::vector<base::Value>& args) {
-  return call(daemonMessage(member, args), true);
+  return call(daemonMessage(member, args).message, true);
 }
 
 void Link::process() {
@@ -216,7 +253,7 @@ void Link::lost() {
   if (!alive_) return;
   alive_ = false;
   watch_.reset();
-  incoming_.clear();
+  calls_.clear();
   owners_.clear();
   descriptions_.clear();
   loop_.post([weak = weak_from_this()] {
@@ -230,10 +267,8 @@ int Link::received(sd_bus_message* message) {
   sd_bus_message_get_type(message, &type);
   if (type == SD_BUS_MESSAGE_METHOD_CALL) {
     if (std::string_view(OrEmpty(sd_bus_message_get_interface(message))) == kPeer) return 0;
-    incoming_.emplace_back(sd_bus_message_ref(message));
-    loop_.post([weak = weak_from_this()] {
-      if (const auto link = weak.lock()) link->serveNext();
-    });
+    calls_.add(Message(sd_bus_message_ref(message)));
+    serveSoon();
     return 1;
   }
   if (sd_bus_message_is_signal(message, kDaemon, "NameOwnerChanged") > 0) {
@@ -260,13 +295,24 @@ void Link::nameLost(const std::string& name) {
   });
 }
 
-void Link::serveNext() {
-  if (incoming_.empty()) return;
-  const Message message = std::move(incoming_.front());
-  incoming_.pop_front();
+void Link::serve(const Message& call) {
   const auto keep = shared_from_this();
-  const Served counted(depth_);
-  Serve(keep, message);
+  calls_.within([&] { Serve(keep, call); });
+  if (!calls_.empty()) serveSoon();
+}
+
+/// Calls that come while nothing waits are served one a turn. Where a wait has served them meanwhile, or
+/// will, nothing is left to do.
+void Link::serveSoon() {
+  if (std::exchange(servesSoon_, true)) return;
+  loop_.post([weak = weak_from_this()] {
+    if (const auto link = weak.lock()) link->servePosted();
+  });
+}
+
+void Link::servePosted() {
+  servesSoon_ = false;
+  if (const Message next = calls_.take()) serve(next);
 }
 
 base::ObjectRef Link::resolve(const Address& address, const std::string& sender) {
@@ -287,7 +333,7 @@ Address Link::addressOf(const base::ObjectRef& object, const std::string& receiv
   return {uniqueName_, exports_.pathFor(object, holderOf(receiver))};
 }
 
-/// Who counts as the holder of what is sent to a name: the process that owns it.
+/// The process that owns a name, and so counts as the holder of what is sent to it.
 std::string Link::holderOf(const std::string& receiver) {
   if (receiver.starts_with(':')) return receiver;
   const auto known = owners_.find(receiver);
@@ -309,16 +355,16 @@ std::shared_ptr<const NodeInfo> Link::describe(const std::string& name, const st
 }
 
 std::string Link::introspect(const std::string& name, const std::string& path) {
-  const Message reply = call(newCall(name, path, kIntrospectable, "Introspect"));
+  const Message reply = call(newCall(name, path, kIntrospectable, "Introspect").message);
   return base::ToText(Read(reply.get(), *this));
 }
 
 void Link::release(const std::string& name, const std::string& path) {
   descriptions_.erase({name, path});
   if (!alive_) return;
-  const Message message = newCall(name, path, kReferences, kRelease);
+  const Draft message = newCall(name, path, kReferences, kRelease);
   Check(sd_bus_message_set_expect_reply(message.get(), 0));
-  send(message);
+  send(message.message);
 }
 
 }  // namespace bus

@@ -1,11 +1,13 @@
 #pragma once
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "bus/CallQueue.hpp"
 #include "bus/Exports.hpp"
 #include "bus/Introspection.hpp"
 #include "bus/Marshal.hpp"
@@ -16,12 +18,9 @@ namespace bus {
 
 /// The wire behind a Connection and its proxies. The bus library must not be entered again from within its
 /// own callbacks; so they only queue what comes, and calls are served from the queue, outside of it. That
-/// way serving a call may itself call and wait, to `kDeepest` calls within each other.
+/// way serving a call may itself call and wait.
 class Link : public References, public std::enable_shared_from_this<Link> {
  public:
-  /// As many calls may be served within each other; each takes its share of the one stack.
-  static constexpr int kDeepest = 200;
-
   /// Connects. Throws 462 when there is no bus.
   static std::shared_ptr<Link> connect(PollLoop& loop, const std::string& address);
   Link(PollLoop& loop, Bus bus);
@@ -29,11 +28,13 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   /// Disconnects for good; further calls fail with 462.
   void close();
   [[nodiscard]] bool alive() const { return alive_; }
+  /// As `Connection::replyWithin`.
+  void replyWithin(std::optional<base::Milliseconds> limit);
 
   /// A call to be filled with arguments. It doesn't start a service. Throws 438 for an operation name that
   /// the bus can't carry.
-  Message newCall(const std::string& name, const std::string& path, const char* interface,
-                  const std::string& member);
+  Draft newCall(const std::string& name, const std::string& path, const char* interface,
+                const std::string& member);
   /// Sends a call and waits for its reply, serving meanwhile. Throws the failure that came back.
   Message call(const Message& message, bool untilQuit = false);
   /// Sends without waiting for anything.
@@ -58,21 +59,22 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   void onNameLost(const std::string& name, std::function<void()> gone) { lostNames_[name] = std::move(gone); }
   void onDisconnect(std::function<void()> gone) { disconnected_ = std::move(gone); }
   Exports& exports() { return exports_; }
-  /// How many calls are being served within each other, the innermost one counted.
-  [[nodiscard]] int depth() const { return depth_; }
 
  private:
-  Message daemonMessage(const std::string& member, const std::vector<base::Value>& args);
-  struct Pending {
-    Message reply;
-  };
+  Draft daemonMessage(const std::string& member, const std::vector<base::Value>& args);
+  struct Waiting;
 
+  std::string descriptionIn(sd_bus_message* error, const sd_bus_error& told);
   void start();
   void process();
   void refresh();
-  void waitOnce();
-  void serveNext();
-  void pollBus(base::Milliseconds limit);
+  void waitOnce(const Waiting& waiting);
+  void serve(const Message& call);
+  void serveSoon();
+  void servePosted();
+  void giveUpStuck();
+  void waitForBus();
+  [[nodiscard]] bool outOfTime() const;
   void lost();
   int received(sd_bus_message* message);
   void nameLost(const std::string& name);
@@ -85,8 +87,10 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   std::string uniqueName_;
   Slot filter_;
   std::unique_ptr<PollLoop::Watch> watch_;
-  std::deque<Message> incoming_;
-  int depth_ = 0;
+  CallQueue calls_;
+  bool servesSoon_ = false;
+  std::vector<const Waiting*> waits_;  // the innermost last
+  std::optional<base::Milliseconds> replyBefore_;
   Exports exports_;
   std::set<std::string> ownNames_;
   std::map<std::string, std::string> owners_;  // well-known names of others, as far as asked for

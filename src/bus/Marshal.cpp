@@ -1,10 +1,11 @@
 #include "bus/Marshal.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 
 #include "base/Failure.hpp"
-#include "base/Text.hpp"
+#include "base/Interchange.hpp"
 #include "bus/Errors.hpp"
 
 namespace bus {
@@ -26,10 +27,16 @@ void CheckWritten(int result) {
   Check(result);
 }
 
+[[noreturn]] void ThrowTooLarge(const std::string& what, std::size_t limit) {
+  throw base::Failure(base::number::kOverflow,
+                      what + " on the bus can't be larger than " + std::to_string(limit >> 20U) + " MiB");
+}
+
 /// Appends a value whose type is chosen from the value and the declared type together.
 class Writer {
  public:
-  Writer(sd_bus_message* message, References& references) : message_(message), references_(references) {}
+  Writer(Draft& draft, References& references)
+      : draft_(draft), message_(draft.get()), references_(references) {}
 
   void append(const Value& value, Type declared) {
     if (declared == Type::kAny) {
@@ -45,24 +52,68 @@ class Writer {
   }
 
   void variant(const Value& value) {
-    open(SD_BUS_TYPE_VARIANT, signature(value));
-    plain(value);
-    close();
+    inside(SD_BUS_TYPE_VARIANT, signature(value), [&] { plain(value); });
   }
 
  private:
-  void basic(char type, const void* data) { CheckWritten(sd_bus_message_append_basic(message_, type, data)); }
-  void open(char type, const std::string& contents) {
-    CheckWritten(sd_bus_message_open_container(message_, type, contents.c_str()));
+  /// Counts what comes next, as it lies in the message.
+  void place(std::size_t alignment, std::size_t bytes) {
+    draft_.size = (draft_.size + alignment - 1) / alignment * alignment + bytes;
+    if (draft_.size > kLongestMessage) ThrowTooLarge("A message", kLongestMessage);
   }
-  void close() { CheckWritten(sd_bus_message_close_container(message_)); }
+  void text(const std::string& value) {
+    place(4, 4 + value.size() + 1);
+    basic(SD_BUS_TYPE_STRING, value.c_str());
+  }
+  void bytes(const std::string& value) {
+    if (value.size() > kLongestList) ThrowTooLarge("A text that has to be sent as bytes", kLongestList);
+    place(4, 4 + value.size());
+    CheckWritten(sd_bus_message_append_array(message_, SD_BUS_TYPE_BYTE, value.data(), value.size()));
+  }
+  template <class Number>
+  void number(char type, Number value) {
+    place(sizeof value, sizeof value);
+    basic(type, &value);
+  }
+  void basic(char type, const void* data) { CheckWritten(sd_bus_message_append_basic(message_, type, data)); }
+
+  /// Runs `body` inside a container.
+  template <class Body>
+  void inside(char type, const std::string& contents, Body&& body) {
+    if (++depth_ > kDeepestContainer)
+      throw base::Failure(base::number::kInvalidArgument, "Lists lie too deep within each other to be sent");
+    if (type == SD_BUS_TYPE_VARIANT)
+      place(1, contents.size() + 2);
+    else if (type == SD_BUS_TYPE_ARRAY)
+      place(4, 4);
+    else
+      place(8, 0);
+    const std::size_t start = draft_.size;
+    CheckWritten(sd_bus_message_open_container(message_, type, contents.c_str()));
+    std::forward<Body>(body)();
+    CheckWritten(sd_bus_message_close_container(message_));
+    if (type == SD_BUS_TYPE_ARRAY && draft_.size - start > kLongestList)
+      ThrowTooLarge("A list", kLongestList);
+    --depth_;
+  }
+
+  /// Whether it goes as a text, or as bytes.
+  static bool isText(const std::string& value) {
+    if (value.size() > kLongestMessage) ThrowTooLarge("A message", kLongestMessage);
+    return base::IsInterchangeUtf8(value);
+  }
 
   /// An empty list counts as one of texts, as nearly all lists of the house are.
   static bool allPlainTexts(const Array& values) {
     return std::all_of(values.begin(), values.end(), [](const Value& value) {
       const auto* text = std::get_if<std::string>(&value.held());
-      return text != nullptr && base::IsPlainUtf8(*text);
+      return text != nullptr && isText(*text);
     });
+  }
+
+  /// The bus takes no bytes for the key of a dictionary, so a record with other keys goes as a list of pairs.
+  static bool allPlainKeys(const Record& record) {
+    return std::all_of(record.begin(), record.end(), [](const auto& entry) { return isText(entry.first); });
   }
 
   static std::string signature(const Value& value) {
@@ -73,66 +124,75 @@ class Writer {
       std::string operator()(std::int32_t) const { return "i"; }
       std::string operator()(float) const { return "d"; }
       std::string operator()(double) const { return "d"; }
-      std::string operator()(const std::string& text) const { return base::IsPlainUtf8(text) ? "s" : "ay"; }
+      std::string operator()(const std::string& text) const { return isText(text) ? "s" : "ay"; }
       std::string operator()(const ObjectRef&) const { return "(so)"; }
       std::string operator()(const ArrayHolder& values) const { return allPlainTexts(*values) ? "as" : "av"; }
-      std::string operator()(const RecordHolder&) const { return "a{sv}"; }
+      std::string operator()(const RecordHolder& record) const {
+        return allPlainKeys(*record) ? "a{sv}" : "a(ayv)";
+      }
     } const names;
     return std::visit(names, value.held());
   }
 
-  void write(std::monostate, Type) { basic(SD_BUS_TYPE_SIGNATURE, ""); }
-  void write(bool value, Type) {
-    const int number = value ? 1 : 0;
-    basic(SD_BUS_TYPE_BOOLEAN, &number);
+  void write(std::monostate, Type) {
+    place(1, 2);
+    basic(SD_BUS_TYPE_SIGNATURE, "");
   }
-  void write(std::int16_t value, Type) { basic(SD_BUS_TYPE_INT16, &value); }
-  void write(std::int32_t value, Type) { basic(SD_BUS_TYPE_INT32, &value); }
-  void write(float value, Type) { write(static_cast<double>(value), Type::kDouble); }
-  void write(double value, Type) { basic(SD_BUS_TYPE_DOUBLE, &value); }
-  void write(const std::string& text, Type) {
-    if (base::IsPlainUtf8(text)) {
-      basic(SD_BUS_TYPE_STRING, text.c_str());
-    } else {
-      CheckWritten(sd_bus_message_append_array(message_, SD_BUS_TYPE_BYTE, text.data(), text.size()));
-    }
+  void write(bool value, Type) { number(SD_BUS_TYPE_BOOLEAN, value ? 1 : 0); }
+  void write(std::int16_t value, Type) { number(SD_BUS_TYPE_INT16, value); }
+  void write(std::int32_t value, Type) { number(SD_BUS_TYPE_INT32, value); }
+  void write(float value, Type) { number(SD_BUS_TYPE_DOUBLE, static_cast<double>(value)); }
+  void write(double value, Type) { number(SD_BUS_TYPE_DOUBLE, value); }
+  void write(const std::string& value, Type) {
+    if (isText(value))
+      text(value);
+    else
+      bytes(value);
   }
 
   void write(const ObjectRef& object, Type) {
     const Address address = object ? references_.addressOf(object, OrEmpty(receiver())) : Address{"", "/"};
-    open(SD_BUS_TYPE_STRUCT, "so");
-    basic(SD_BUS_TYPE_STRING, address.name.c_str());
-    basic(SD_BUS_TYPE_OBJECT_PATH, address.path.c_str());
-    close();
+    inside(SD_BUS_TYPE_STRUCT, "so", [&] {
+      text(address.name);
+      place(4, 4 + address.path.size() + 1);
+      basic(SD_BUS_TYPE_OBJECT_PATH, address.path.c_str());
+    });
   }
 
   void write(const ArrayHolder& values, Type declared) {
-    if (declared != Type::kArray && allPlainTexts(*values)) {
-      open(SD_BUS_TYPE_ARRAY, "s");
-      for (const Value& value : *values)
-        basic(SD_BUS_TYPE_STRING, std::get<std::string>(value.held()).c_str());
-    } else {
-      open(SD_BUS_TYPE_ARRAY, "v");
-      for (const Value& value : *values) variant(value);
-    }
-    close();
+    const bool texts = declared != Type::kArray && allPlainTexts(*values);
+    inside(SD_BUS_TYPE_ARRAY, texts ? "s" : "v", [&] {
+      for (const Value& value : *values) {
+        if (texts)
+          text(std::get<std::string>(value.held()));
+        else
+          variant(value);
+      }
+    });
   }
 
   void write(const RecordHolder& record, Type) {
-    open(SD_BUS_TYPE_ARRAY, "{sv}");
-    for (const auto& [key, value] : *record) {
-      open(SD_BUS_TYPE_DICT_ENTRY, "sv");
-      basic(SD_BUS_TYPE_STRING, CarriableText(key).c_str());
+    const bool plainKeys = allPlainKeys(*record);
+    inside(SD_BUS_TYPE_ARRAY, plainKeys ? "{sv}" : "(ayv)", [&] {
+      for (const auto& [key, value] : *record) entry(key, value, plainKeys);
+    });
+  }
+  void entry(const std::string& key, const Value& value, bool plainKey) {
+    inside(plainKey ? SD_BUS_TYPE_DICT_ENTRY : SD_BUS_TYPE_STRUCT, plainKey ? "sv" : "ayv", [&] {
+      if (plainKey)
+        text(key);
+      else
+        bytes(key);
       variant(value);
-      close();
-    }
-    close();
+    });
   }
 
   const char* receiver() { return sd_bus_message_get_destination(message_); }
 
+  Draft& draft_;
   sd_bus_message* message_;
   References& references_;
+  int depth_ = 0;
 };
 
 template <class Number>
@@ -188,7 +248,11 @@ class Reader {
   template <class T>
   T basic(char type) {
     T value{};
-    Check(sd_bus_message_read_basic(message_, type, &value));
+    const int result = sd_bus_message_read_basic(message_, type, &value);
+    if (result == -EBADMSG)
+      throw base::Failure(base::number::kTypeMismatch,
+                          "A text holds what the bus library takes for no text; it has to be sent as bytes");
+    Check(result);
     return value;
   }
 
@@ -216,7 +280,7 @@ class Reader {
       return size == 0 ? std::string() : std::string(static_cast<const char*>(data), size);
     }
     return inside(SD_BUS_TYPE_ARRAY, contents,
-                  [&]() -> Value { return contents.starts_with('{') ? entries(contents) : elements(); });
+                  [&]() -> Value { return isRecord(contents) ? entries(contents) : elements(); });
   }
 
   Value elements() {
@@ -225,11 +289,16 @@ class Reader {
     return values;
   }
 
+  static bool isRecord(const std::string& contents) {
+    return contents.starts_with('{') || contents == "(ayv)";
+  }
+
   Value entries(const std::string& contents) {
+    const char type = contents.starts_with('{') ? SD_BUS_TYPE_DICT_ENTRY : SD_BUS_TYPE_STRUCT;
     const std::string pair = contents.substr(1, contents.size() - 2);
     Record record;
     while (!atEnd()) {
-      inside(SD_BUS_TYPE_DICT_ENTRY, pair, [&] {
+      inside(type, pair, [&] {
         std::string key = base::ToText(read());
         record.emplace_back(std::move(key), read());
         return Value();
@@ -263,15 +332,15 @@ std::string SignatureOf(Type type) {
   return "v";
 }
 
-void Append(sd_bus_message* message, const Value& value, Type declared, References& references) {
+void Append(Draft& message, const Value& value, Type declared, References& references) {
   Writer(message, references).append(value, declared);
 }
 
-void AppendPlain(sd_bus_message* message, const Value& value, References& references) {
+void AppendPlain(Draft& message, const Value& value, References& references) {
   Writer(message, references).plain(value);
 }
 
-void AppendVariant(sd_bus_message* message, const Value& value, References& references) {
+void AppendVariant(Draft& message, const Value& value, References& references) {
   Writer(message, references).variant(value);
 }
 

@@ -29,19 +29,28 @@ class References {
   virtual Address addressOf(const base::ObjectRef& object, const std::string& receiver) = 0;
 };
 
+/// A bus cuts off whoever sends it a message that is larger than messages may be, and everything with it. So
+/// these are refused before they are sent: values of more than that many bytes (a little is left for the
+/// message's header), lists of more, and lists that lie deeper within each other.
+inline constexpr std::size_t kLongestMessage = std::size_t{127} << 20U;
+inline constexpr std::size_t kLongestList = std::size_t{64} << 20U;
+inline constexpr int kDeepestContainer = 64;
+
 /// The D-Bus type that introspection tells for a declared type.
 std::string SignatureOf(base::Type type);
 
-/// Appends a value in the narrowest type that holds it exactly. A text that isn't UTF-8 or holds code 0 goes
-/// as bytes. Throws number 5 where the bus refuses it.
-void AppendPlain(sd_bus_message* message, const base::Value& value, References& references);
+/// Appends a value in the narrowest type that holds it exactly. A text that isn't UTF-8 or holds code 0 or a
+/// noncharacter goes as bytes. All three throw number 6 where the message becomes too large, and number 5
+/// where the bus refuses the value otherwise.
+void AppendPlain(Draft& message, const base::Value& value, References& references);
 /// Appends a value that has already been converted to its declared type, in the type that introspection
 /// tells for it.
-void Append(sd_bus_message* message, const base::Value& value, base::Type declared, References& references);
+void Append(Draft& message, const base::Value& value, base::Type declared, References& references);
 /// Appends a value inside a variant.
-void AppendVariant(sd_bus_message* message, const base::Value& value, References& references);
+void AppendVariant(Draft& message, const base::Value& value, References& references);
 
-/// Reads the next value whatever its type. Throws number 13 for a type that no value has.
+/// Reads the next value whatever its type. Throws number 13 for a type that no value has, and for a text that
+/// should have been sent as bytes.
 base::Value Read(sd_bus_message* message, References& references);
 /// Reads all values that are left.
 std::vector<base::Value> ReadAll(sd_bus_message* message, References& references);

@@ -1,6 +1,7 @@
 #pragma once
 #include <systemd/sd-bus.h>
 
+#include <cstddef>
 #include <memory>
 
 namespace bus {
@@ -18,6 +19,14 @@ struct BusClose {
 using Message = std::unique_ptr<sd_bus_message, MessageUnref>;
 using Slot = std::unique_ptr<sd_bus_slot, SlotUnref>;
 using Bus = std::unique_ptr<sd_bus, BusClose>;
+
+/// A message that values are being appended to.
+struct Draft {
+  Message message;
+  std::size_t size = 0;  ///< how many bytes the values take so far
+
+  [[nodiscard]] sd_bus_message* get() const { return message.get(); }
+};
 
 /// The text, or an empty one for null.
 inline const char* OrEmpty(const char* text) { return text == nullptr ? "" : text; }

@@ -62,6 +62,7 @@ struct WatchEntry {
   short events = 0;
   bool alive = true;
   bool running = false;
+  bool isSignal = false;
   std::uint64_t served = 0;  // tells a turn that a turn inside it has already handled the readiness it saw
   std::function<void(short)> event;
 };
@@ -107,13 +108,13 @@ class PollWatch : public PollLoop::Watch {
 
 class SignalWatch : public PollLoop::Watch {
  public:
-  SignalWatch(files::Descriptor descriptor, std::unique_ptr<PollLoop::Watch> watch)
-      : descriptor_(std::move(descriptor)), watch_(std::move(watch)) {}
-  void events(short value) override { watch_->events(value); }
+  SignalWatch(files::Descriptor descriptor, std::shared_ptr<WatchEntry> entry)
+      : descriptor_(std::move(descriptor)), watch_(std::move(entry)) {}
+  void events(short value) override { watch_.events(value); }
 
  private:
   files::Descriptor descriptor_;
-  std::unique_ptr<PollLoop::Watch> watch_;
+  PollWatch watch_;
 };
 
 template <class Entry>
@@ -149,6 +150,15 @@ struct PollLoop::State {
   bool quitting = false;
   int runs = 0;
 
+  std::shared_ptr<WatchEntry> addWatch(int descriptor, short events, std::function<void(short)> event) {
+    auto entry = std::make_shared<WatchEntry>();
+    entry->descriptor = descriptor;
+    entry->events = events;
+    entry->event = std::move(event);
+    watches.push_back(entry);
+    return entry;
+  }
+
   bool anyPosted() {
     const std::scoped_lock lock(mutex);
     return !posted.empty();
@@ -166,23 +176,32 @@ struct PollLoop::State {
     return static_cast<int>(std::min<Milliseconds::rep>(wait.count(), 60'000));
   }
 
-  std::vector<Ready> pollWatches(int wait) {
-    std::vector<pollfd> descriptors{{wake.get(), POLLIN, 0}};
+  /// Waits for `first` beside the watches, or those of signals alone.
+  std::vector<Ready> pollWatches(pollfd& first, int wait, bool signalsOnly) const {
+    std::vector<pollfd> descriptors{first};
     std::vector<Ready> candidates;
     for (const auto& watch : watches) {
       if (!watch->alive || watch->running || watch->events == 0) continue;
+      if (signalsOnly && !watch->isSignal) continue;
       descriptors.push_back({watch->descriptor, watch->events, 0});
       candidates.push_back({watch, watch->served, 0});
     }
     if (::poll(descriptors.data(), descriptors.size(), wait) <= 0) return {};
-    if (descriptors.front().revents != 0) {
-      std::uint64_t ignored = 0;
-      [[maybe_unused]] const auto size = ::read(wake.get(), &ignored, sizeof ignored);
-    }
+    first = descriptors.front();
     std::vector<Ready> ready;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
       candidates[i].events = descriptors[i + 1].revents;
       if (candidates[i].events != 0) ready.push_back(std::move(candidates[i]));
+    }
+    return ready;
+  }
+
+  std::vector<Ready> pollAll(int wait) const {
+    pollfd woken{wake.get(), POLLIN, 0};
+    auto ready = pollWatches(woken, wait, false);
+    if (woken.revents != 0) {
+      std::uint64_t ignored = 0;
+      [[maybe_unused]] const auto size = ::read(wake.get(), &ignored, sizeof ignored);
     }
     return ready;
   }
@@ -281,12 +300,7 @@ Milliseconds PollLoop::now() const {
 
 std::unique_ptr<PollLoop::Watch> PollLoop::watch(int descriptor, short events,
                                                  std::function<void(short)> event) {
-  auto entry = std::make_shared<WatchEntry>();
-  entry->descriptor = descriptor;
-  entry->events = events;
-  entry->event = std::move(event);
-  state_->watches.push_back(entry);
-  return std::make_unique<PollWatch>(std::move(entry));
+  return std::make_unique<PollWatch>(state_->addWatch(descriptor, events, std::move(event)));
 }
 
 std::unique_ptr<PollLoop::Watch> PollLoop::onSignal(int signal, std::function<void()> event) {
@@ -297,11 +311,12 @@ std::unique_ptr<PollLoop::Watch> PollLoop::onSignal(int signal, std::function<vo
   files::Descriptor descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   if (descriptor.get() < 0) throw base::Failure(base::number::kDeviceIo);
   const int number = descriptor.get();
-  auto inner = watch(number, POLLIN, [number, event = std::move(event)](short) {
+  auto entry = state_->addWatch(number, POLLIN, [number, event = std::move(event)](short) {
     signalfd_siginfo info{};
     if (::read(number, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) event();
   });
-  return std::make_unique<SignalWatch>(std::move(descriptor), std::move(inner));
+  entry->isSignal = true;
+  return std::make_unique<SignalWatch>(std::move(descriptor), std::move(entry));
 }
 
 int PollLoop::run() {
@@ -321,11 +336,18 @@ void PollLoop::quit(int code) {
 
 bool PollLoop::quitting() const { return state_->quitting; }
 
+void PollLoop::waitFor(int descriptor, short events, Milliseconds limit) {
+  pollfd first{descriptor, events, 0};
+  const int wait = static_cast<int>(std::clamp<Milliseconds::rep>(limit.count(), 0, 60'000));
+  const auto signals = state_->pollWatches(first, wait, true);
+  whileClosed([&] { State::runWatches(signals); });
+}
+
 void PollLoop::turn(Milliseconds limit) {
   RemoveDead(state_->timers);
   RemoveDead(state_->watches);
   if (beforeWait_) beforeWait_();
-  const auto ready = state_->pollWatches(state_->waitFor(limit));
+  const auto ready = state_->pollAll(state_->waitFor(limit));
   // An event's own calls wait in the plain way, however open the wait is that the event came in.
   whileClosed([&] {
     state_->runTimers();

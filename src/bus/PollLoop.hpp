@@ -46,7 +46,7 @@ class PollLoop : public base::Loop {
   /// Calls `event(revents)` while the descriptor is ready. A watch is not entered within its own event.
   std::unique_ptr<Watch> watch(int descriptor, short events, std::function<void(short)> event);
   /// Blocks the signal for the calling thread and the threads that it starts from now on, and runs `event`
-  /// on the loop when it comes.
+  /// on the loop when it comes, also inside `waitFor`: a signal to end is not held up by a call that hangs.
   std::unique_ptr<Watch> onSignal(int signal, std::function<void()> event);
 
   /// Runs `prepare` at the start of every turn, before the turn settles what it waits for and how long: for a
@@ -61,6 +61,9 @@ class PollLoop : public base::Loop {
   [[nodiscard]] bool quitting() const;
   /// One turn: waits at most `limit` for something to happen, then handles what is ready.
   void turn(base::Milliseconds limit);
+  /// Waits at most `limit` until the descriptor is ready for one of `events`. Signals are handled meanwhile,
+  /// and end the wait; the rest of the loop stands still.
+  void waitFor(int descriptor, short events, base::Milliseconds limit);
   /// True inside `whileOpen`, but not within the events that run inside it.
   [[nodiscard]] bool open() const { return openDepth_ > 0; }
 

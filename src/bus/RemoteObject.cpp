@@ -21,9 +21,9 @@ RemoteObject::~RemoteObject() {
 }
 
 base::Value RemoteObject::call(std::string_view name, base::Args& args) {
-  const Message message = link_->newCall(name_, path_, nullptr, std::string(name));
-  for (const auto& arg : args) AppendPlain(message.get(), arg, *link_);
-  const Message reply = link_->call(message);
+  Draft message = link_->newCall(name_, path_, nullptr, std::string(name));
+  for (const auto& arg : args) AppendPlain(message, arg, *link_);
+  const Message reply = link_->call(message.message);
   return distribute(name, ReadAll(reply.get(), *link_), args);
 }
 
@@ -47,19 +47,19 @@ base::Value RemoteObject::distribute(std::string_view operation, std::vector<bas
 }
 
 base::Value RemoteObject::get(std::string_view name) {
-  const Message message = link_->newCall(name_, path_, kProperties, "Get");
-  AppendPlain(message.get(), "", *link_);
-  AppendPlain(message.get(), name, *link_);
-  const Message reply = link_->call(message);
+  Draft message = link_->newCall(name_, path_, kProperties, "Get");
+  AppendPlain(message, "", *link_);
+  AppendPlain(message, name, *link_);
+  const Message reply = link_->call(message.message);
   return Read(reply.get(), *link_);
 }
 
 void RemoteObject::put(std::string_view name, const base::Value& value) {
-  const Message message = link_->newCall(name_, path_, kProperties, "Set");
-  AppendPlain(message.get(), "", *link_);
-  AppendPlain(message.get(), name, *link_);
-  AppendVariant(message.get(), value, *link_);
-  link_->call(message);
+  Draft message = link_->newCall(name_, path_, kProperties, "Set");
+  AppendPlain(message, "", *link_);
+  AppendPlain(message, name, *link_);
+  AppendVariant(message, value, *link_);
+  link_->call(message.message);
 }
 
 }  // namespace bus

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Failure.hpp"
+#include "base/Interchange.hpp"
 #include "bus/Errors.hpp"
 #include "bus/Introspection.hpp"
 #include "bus/Link.hpp"
@@ -37,48 +38,44 @@ class Service {
     const base::ObjectRef object = link_.exports().find(path_);
     if (interface_ == kIntrospectable && member_ == "Introspect") return introspection(object.get());
     if (!object) throw base::Failure(base::number::kNoSuchMember, "There is no object at " + path_);
-    // Only from here on may a call call in its turn; without an end to that, calls in a circle end the
-    // process.
-    if (link_.depth() > Link::kDeepest)
-      throw base::Failure(base::number::kOutOfStackSpace, "Too many calls are within each other");
     if (interface_ == kProperties) return property(*object);
     return operation(*object);
   }
 
  private:
-  Message newReply() {
+  Draft newReply() {
     sd_bus_message* reply = nullptr;
     Check(sd_bus_message_new_method_return(call_, &reply));
-    return Message(reply);
+    return {Message(reply)};
   }
 
   Message introspection(const base::Object* object) {
     const auto children = link_.exports().childrenOf(path_);
     if (object == nullptr && children.empty() && path_ != "/")
       throw base::Failure(base::number::kNoSuchMember, "There is no object at " + path_);
-    Message reply = newReply();
+    Draft reply = newReply();
     const auto* table = object == nullptr ? nullptr : object->members();
-    AppendPlain(reply.get(), DescribeNode(table, children), link_);
-    return reply;
+    AppendPlain(reply, DescribeNode(table, children), link_);
+    return std::move(reply.message);
   }
 
   Message property(base::Object& object) {
     const Args args = ReadAll(call_, link_);
     if (member_ == "Get" && args.size() == 2) {
       const Value value = object.get(base::ToText(args[1]));
-      Message reply = newReply();
-      AppendVariant(reply.get(), value, link_);
-      return reply;
+      Draft reply = newReply();
+      AppendVariant(reply, value, link_);
+      return std::move(reply.message);
     }
     if (member_ == "Set" && args.size() == 3) {
       object.put(base::ToText(args[1]), args[2]);
-      return newReply();
+      return newReply().message;
     }
     if (member_ == "GetAll" && args.size() == 1) {
       const Value fields = allFields(object);
-      Message reply = newReply();
-      Append(reply.get(), fields, base::Type::kRecord, link_);
-      return reply;
+      Draft reply = newReply();
+      Append(reply, fields, base::Type::kRecord, link_);
+      return std::move(reply.message);
     }
     throw base::Failure(base::number::kNoSuchMember, "Properties have no such member: " + member_);
   }
@@ -101,18 +98,18 @@ class Service {
   Message operation(base::Object& object) {
     Args args = ReadAll(call_, link_);
     const Value result = object.call(member_, args);
-    Message reply = newReply();
+    Draft reply = newReply();
     const Member* member = object.members() == nullptr ? nullptr : object.members()->find(member_);
     if (member == nullptr) {
-      if (!result.empty()) AppendPlain(reply.get(), result, link_);
-      return reply;
+      if (!result.empty()) AppendPlain(reply, result, link_);
+      return std::move(reply.message);
     }
-    if (member->result != base::Type::kNone) Append(reply.get(), result, member->result, link_);
+    if (member->result != base::Type::kNone) Append(reply, result, member->result, link_);
     for (std::size_t i = 0; i < member->params.size() && i < args.size(); ++i) {
       const auto& param = member->params[i];
-      if (param.inOut) Append(reply.get(), base::Convert(args[i], param.type), param.type, link_);
+      if (param.inOut) Append(reply, base::Convert(args[i], param.type), param.type, link_);
     }
-    return reply;
+    return std::move(reply.message);
   }
 
   Link& link_;
@@ -122,27 +119,38 @@ class Service {
   std::string member_;
 };
 
-Message ErrorReply(sd_bus_message* call, const base::Failure& failure) {
-  sd_bus_message* reply = nullptr;
+bool IsWanted(const Message& call) { return sd_bus_message_get_expect_reply(call.get()) > 0; }
+
+/// The description of an error has to be a text, which is followed by the very bytes of one that is not. What
+/// a failure has to say is bounded by what people read.
+Message ErrorReply(Link& link, sd_bus_message* call, const base::Failure& failure) {
+  constexpr std::size_t kLongestDescription = std::size_t{1} << 20U;
+  const std::string told = failure.description().substr(0, kLongestDescription);
   const std::string name = ErrorNameOf(failure.number());
-  const std::string text = CarriableText(failure.description());
+  const std::string text = base::InterchangeUtf8(told);
   const sd_bus_error error{name.c_str(), text.c_str(), 0};
+  sd_bus_message* reply = nullptr;
   Check(sd_bus_message_new_method_error(call, &reply, &error));
-  return Message(reply);
+  Draft draft{Message(reply)};
+  if (text != told) AppendPlain(draft, told, link);
+  return std::move(draft.message);
 }
 
 }  // namespace
 
 void Serve(const std::shared_ptr<Link>& link, const Message& call) {
-  const bool wanted = sd_bus_message_get_expect_reply(call.get()) > 0;
   try {
-    try {
-      const Message reply = Service(*link, call.get()).run();
-      if (reply && wanted) link->send(reply);
-    } catch (...) {
-      const Message reply = ErrorReply(call.get(), base::CurrentFailure());
-      if (wanted) link->send(reply);
-    }
+    const Message reply = Service(*link, call.get()).run();
+    if (reply && IsWanted(call)) link->send(reply);
+  } catch (...) {
+    Refuse(*link, call, base::CurrentFailure());
+  }
+}
+
+void Refuse(Link& link, const Message& call, const base::Failure& failure) {
+  if (!IsWanted(call)) return;
+  try {
+    link.send(ErrorReply(link, call.get(), failure));
   } catch (const std::exception&) {
     return;  // the bus has gone, and the caller with it
   }

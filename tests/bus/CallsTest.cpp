@@ -22,10 +22,15 @@ using support::TableOf;
 using testing::HasSubstr;
 
 const std::string kWithCodeZero{"a\0b\0c", 5};
+/// Well-formed, but no text to the bus library.
+const std::string kNoncharacters =
+    "a\xEF\xBF\xBE"
+    "b\xEF\xB7\x90\xF0\x9F\xBF\xBF";
 
 struct Sample {
   std::string field = "before";
   ObjectRef given;
+  Array list;
 };
 
 /// An object with an operation of every shape.
@@ -43,6 +48,7 @@ std::shared_ptr<TableOf> MakeSample(const std::shared_ptr<Sample>& sample) {
              for (int i = 0; i < base::ToInt32(a[0]); ++i) texts.emplace_back(std::to_string(i));
              return texts;
            }},
+          {"List", MemberKind::kOperation, {}, Type::kTextList, [sample](Args&) { return sample->list; }},
           {"Sum",
            MemberKind::kOperation,
            {{"left", Type::kInt32}, {"right", Type::kInt32, Value(100)}},
@@ -118,10 +124,15 @@ TEST_F(Calls, EveryKindOfValueComesBackAsItWent) {
       "",
       kWithCodeZero,
       "\xff\xfe",
+      kNoncharacters,
       Array{},
       Array{"a", "b"},
       Array{std::int16_t{1}, "b", Array{true}, Value()},
       Array{"a", kWithCodeZero},
+      Array{"a", kNoncharacters},
+      Array{Array{kNoncharacters}, Record{{kNoncharacters, kNoncharacters}, {"key", 1}}},
+      Record{{"key", kNoncharacters}},
+      Record{{kWithCodeZero, 1}, {"\xff", Record{}}, {"plain", kWithCodeZero}},
       Record{{"zebra", 1}, {"apple", "x"}, {"list", Array{"p"}}, {"record", Record{{"in", 2.0}}}},
       ObjectRef(),
   };
@@ -130,6 +141,16 @@ TEST_F(Calls, EveryKindOfValueComesBackAsItWent) {
 }
 
 TEST_F(Calls, ASingleArrivesAsADouble) { EXPECT_EQ(Value(0.5), remote->invoke("Echo", 0.5F)); }
+
+TEST_F(Calls, AResultAndArgumentsThatAreDeclaredAsTextsMayBeAnyText) {
+  for (const std::string& text : {kWithCodeZero, kNoncharacters}) {
+    Args args{"one", std::int16_t{0}, text};
+    EXPECT_EQ(Value(true), remote->call("Swap", args));
+    EXPECT_EQ(Value(text), args[0]);
+    sample->list = {text, "b", kNoncharacters};
+    EXPECT_EQ(Value(sample->list), remote->invoke("List"));
+  }
+}
 
 TEST_F(Calls, AListOfTextsStaysAListWhenItIsEmpty) {
   EXPECT_EQ(Value(Array{}), remote->invoke("Texts", 0));
@@ -174,7 +195,43 @@ TEST_F(Calls, AFailureArrivesWithItsNumberAndText) {
       EXPECT_EQ("in words: ä", failure.description());
     }
   }
-  EXPECT_EQ(7, FailureNumberOf([&] { remote->invoke("Fail", 7, kWithCodeZero); }));
+}
+
+TEST_F(Calls, AFailureArrivesWithTheVeryTextItHas) {
+  for (const std::string& text : {kNoncharacters, std::string("\xff\xfe"), std::string("plain")}) {
+    try {
+      remote->invoke("Fail", 7, text);
+      FAIL() << text;
+    } catch (const base::Failure& failure) {
+      EXPECT_EQ(7, failure.number());
+      EXPECT_EQ(text, failure.description());
+    }
+  }
+}
+
+TEST_F(Calls, NamesOfMembersAndFieldsThatNoObjectCanHaveAreFailure438) {
+  for (const std::string& name : {kWithCodeZero, kNoncharacters, std::string("\xff\xfe")}) {
+    EXPECT_EQ(base::number::kNoSuchMember, FailureNumberOf([&] { remote->invoke(name); }));
+    EXPECT_EQ(base::number::kNoSuchMember, FailureNumberOf([&] { remote->get(name); }));
+    EXPECT_EQ(base::number::kNoSuchMember, FailureNumberOf([&] { remote->put(name, 1); }));
+  }
+  EXPECT_EQ(Value(3), remote->invoke("Sum", 1, 2));
+}
+
+TEST_F(Calls, IntrospectionStaysReadableWhateverTheNames) {
+  peer.run([](bus::Connection& other, bus::PollLoop&) {
+    other.exportObject("/strange",
+                       std::make_shared<TableOf>(
+                           "Strange", std::vector<Member>{{"Take",
+                                                           MemberKind::kOperation,
+                                                           {{kNoncharacters, Type::kText, kNoncharacters}},
+                                                           Type::kText,
+                                                           [](Args& a) { return a[0]; }}}));
+  });
+  const auto node = bus::ParseNode(connection.introspect("org.example.Sample", "/strange"));
+  ASSERT_NE(nullptr, node.findMethod("Take"));
+  EXPECT_EQ("a\uFFFDb\uFFFD\uFFFD", node.findMethod("Take")->arguments[0].fallback);
+  EXPECT_EQ(Value(kNoncharacters), connection.proxy("org.example.Sample", "/strange")->invoke("Take"));
 }
 
 TEST_F(Calls, AnyOtherExceptionIsFailure51) {
@@ -194,8 +251,10 @@ TEST_F(Calls, UnknownMembersAndObjectsAreFailure438) {
 
 TEST_F(Calls, FieldsAreReadAndWritten) {
   EXPECT_EQ(Value("before"), remote->get("Field"));
-  remote->put("Field", kWithCodeZero);
-  EXPECT_EQ(Value(kWithCodeZero), remote->get("field"));
+  for (const std::string& text : {kWithCodeZero, kNoncharacters}) {
+    remote->put("Field", text);
+    EXPECT_EQ(Value(text), remote->get("field"));
+  }
   EXPECT_EQ(Value(std::int16_t{5}), remote->get("Fixed"));
 }
 

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <future>
 #include <thread>
 
@@ -90,6 +92,35 @@ TEST_F(Circle, ACallThatIsDeeperIsRefusedAndHarmsNobody) {
   EXPECT_EQ(Value(399), down(399)) << "the way back has given every step free";
 }
 
+TEST_F(Circle, IsEndedWhileOtherCallsComeAndNoneOfThoseIsLost) {
+  int hits = 0;
+  right->run([&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/target",
+                     std::make_shared<TableOf>("Target", std::vector<Member>{Operation("Hit", [&](Args&) {
+                                                 ++hits;
+                                                 return Value();
+                                               })}));
+  });
+  constexpr int kOthers = 300;
+  std::atomic<int> refused = 0;
+  std::vector<std::thread> others;
+  for (int i = 0; i < 3; ++i) {
+    others.emplace_back([&] {
+      bus::PollLoop ownLoop;
+      bus::Connection own(ownLoop, daemon.address());
+      const auto target = own.proxy("org.example.Right", "/target");
+      for (int hit = 0; hit < kOthers; ++hit) {
+        if (FailureNumberOf([&] { target->invoke("Hit"); }) != 0) ++refused;
+      }
+    });
+  }
+  EXPECT_EQ(base::number::kOutOfStackSpace, FailureNumberOf([&] { down(100000); }));
+  for (auto& other : others) other.join();
+  EXPECT_EQ(0, refused);
+  right->stop();
+  EXPECT_EQ(3 * kOthers, hits);
+}
+
 TEST_F(Circle, AReferenceIsTakenBackAtAnyDepth) {
   BusPeer taker(daemon.address(), [](bus::Connection& own, bus::PollLoop&) {
     own.exportObject("/taker",
@@ -166,6 +197,53 @@ TEST_F(Reentry, AReplyThatComesDuringAnInnerCallIsKeptForTheOuterOne) {
   caller.join();
   EXPECT_EQ(Value("outer"), outerResult);
   EXPECT_EQ(Value("inner"), innerResult);
+}
+
+TEST_F(Reentry, ASignalIsHandledInAPlainWaitToo) {
+  std::promise<void> stopped;
+  int signals = 0;
+  // Before the other thread starts, which takes the blocked signal after its maker.
+  const auto onSignal = loop.onSignal(SIGUSR1, [&] {
+    ++signals;
+    stopped.set_value();
+  });
+  BusPeer hanging(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/hanging",
+                     std::make_shared<TableOf>("Hanging", std::vector<Member>{Operation("Hang", [&](Args&) {
+                                                 ::kill(::getpid(), SIGUSR1);
+                                                 stopped.get_future().get();
+                                                 return Value("at last");
+                                               })}));
+  });
+  EXPECT_EQ(Value("at last"), connection.proxy(hanging.uniqueName(), "/hanging")->invoke("Hang"));
+  EXPECT_EQ(1, signals);
+}
+
+TEST_F(Reentry, RepliesOfAHangingProcessAreGivenUpWhenTimeIsLimited) {
+  std::promise<void> stopped;
+  int reached = 0;
+  BusPeer hanging(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/hanging", std::make_shared<TableOf>(
+                                     "Hanging", std::vector<Member>{Operation("Hang",
+                                                                              [&](Args&) {
+                                                                                stopped.get_future().get();
+                                                                                return Value();
+                                                                              }),
+                                                                    Operation("Save", [&](Args&) {
+                                                                      ++reached;
+                                                                      return Value("saved");
+                                                                    })}));
+  });
+  const auto remote = connection.proxy(hanging.uniqueName(), "/hanging");
+  loop.post([&] { connection.replyWithin(Milliseconds(1)); });
+  EXPECT_EQ(base::number::kHostGone,
+            FailureNumberOf([&] { loop.whileOpen([&] { remote->invoke("Hang"); }); }));
+  EXPECT_EQ(base::number::kHostGone, FailureNumberOf([&] { remote->invoke("Save"); }));
+  connection.replyWithin(std::nullopt);
+  stopped.set_value();
+  EXPECT_EQ(Value("saved"), remote->invoke("Save"));
+  hanging.stop();
+  EXPECT_EQ(2, reached) << "what was given up had been sent";
 }
 
 TEST_F(Reentry, APlainWaitServesCallsAndRunsNoTimers) {
