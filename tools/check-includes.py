@@ -17,7 +17,7 @@ MAY_INCLUDE = {
     "player": "base plugin/host",
     "web": "base plugin/host",
     "catalogue": "base player plugin/host web",
-    "automation": "base player plugin/host",
+    "automation": "base catalogue player plugin/host web",
     "pages": "base catalogue player plugin/host web",
     "ui": "base catalogue plugin/host",
     "script": "base catalogue player plugin/host",

@@ -1,7 +1,6 @@
 #include "automation/Triggers.hpp"
 
-#include <string>
-
+#include "automation/ActionString.hpp"
 #include "base/Attempt.hpp"
 #include "plugin/host/PluginState.hpp"
 
@@ -9,14 +8,20 @@ namespace automation {
 
 namespace {
 
+struct Trigger {
+  std::int32_t code;
+  const char* word;
+};
+/// In the order in which the dialog offers them.
+constexpr Trigger kTriggers[] = {{player::kPlaybackStarted, "Playback Started"},
+                                 {player::kPlaybackEnded, "Playback Ended"},
+                                 {player::kTransitioningTrigger, "Transitioning"},
+                                 {player::kInitializationCompleted, "Initialization Completed"}};
+
 const char* WordOf(std::int32_t code) {
-  switch (code) {
-    case player::kPlaybackEnded: return "Playback Ended";
-    case player::kPlaybackStarted: return "Playback Started";
-    case player::kTransitioningTrigger: return "Transitioning";
-    case player::kInitializationCompleted: return "Initialization Completed";
-    default: return nullptr;
-  }
+  for (const Trigger& trigger : kTriggers)
+    if (trigger.code == code) return trigger.word;
+  return nullptr;
 }
 
 }  // namespace
@@ -31,6 +36,25 @@ void Triggers::ActionTrigger(std::int32_t code) {
       [&](const base::Failure& failure) {
         loggers_.LogModuleError(failure.number(), failure.description(), "CommonModule", "ActionTrigger");
       });
+}
+
+std::string Triggers::TriggerUI() {
+  std::string text = "Media Player Triggers\t1\t0\tTrigger:";
+  for (const Trigger& trigger : kTriggers) text.append("\t").append(trigger.word);
+  return text;
+}
+
+std::string Triggers::TriggerUIFormat(const std::string& TrigString) {
+  std::string text;
+  base::Attempt step;
+  step([&] {
+    const ActionString a(TrigString);
+    const std::string& word = a[ActionString::kWord];
+    bool known = false;
+    for (const Trigger& trigger : kTriggers) known = word == trigger.word || known;
+    text = std::string(plugin::kName) + (known ? " " : " Unknown Trigger ") + word;
+  });
+  return text;
 }
 
 }  // namespace automation

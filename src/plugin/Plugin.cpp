@@ -24,6 +24,11 @@ Plugin::Plugin(const PluginGround& ground)
       playState(ground.loop, form, mediaStatus, triggers, host, loggers, state),
       form(ground.makePlayer, playerEvents),
       devices(host, settings, loggers, state, ground.platform),
+      actionDropLists(catalogue, progBar, loggers, openActionDialog),
+      actionDialog({actionDropLists, openActionDialog, nameXref, progBar, host, loggers, state}),
+      actionRun(calls, library, host, state, ground.loop),
+      conditions(form, calls, state),
+      speechInterlock(form, calls, host, state),
       setupForm(std::make_shared<pages::WebSetupForm>(
           pages::SetupParts{host, settings, state, calls, ground.neighbours.desktop})),
       editorForm({catalogue, nameXref, form, stale, host, loggers, *setupForm}),
@@ -33,6 +38,8 @@ Plugin::Plugin(const PluginGround& ground)
                  playState, playerEvents, stale, triggers, devices, library, web, ground.neighbours}),
       dispatch(calls, host, state, library, ground.neighbours.mediaEvents, ground.neighbours.desktop,
                [this] { Vxif::ConfigIO(host); }),
-      vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web)) {}
+      vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web,
+                                   EventParts{actionDialog, actionDropLists, openActionDialog, actionRun,
+                                              conditions, speechInterlock, state})) {}
 
 }  // namespace plugin

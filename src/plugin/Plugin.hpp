@@ -1,6 +1,9 @@
 #pragma once
 #include <memory>
 
+#include "automation/ActionDialog.hpp"
+#include "automation/ActionRun.hpp"
+#include "automation/Conditions.hpp"
 #include "automation/Devices.hpp"
 #include "automation/Triggers.hpp"
 #include "base/DayClock.hpp"
@@ -12,6 +15,7 @@
 #include "plugin/adapters/LibraryAdapter.hpp"
 #include "plugin/adapters/PagesAdapter.hpp"
 #include "plugin/commands/Dispatch.hpp"
+#include "plugin/commands/SpeechInterlock.hpp"
 #include "ui/ProgBar.hpp"
 
 namespace plugin {
@@ -59,6 +63,12 @@ class Plugin {
   player::PlayStateTracker playState;
   player::WMPPlayer form;  // behind all that the control may send an event to while it goes
   automation::Devices devices;
+  automation::OpenActionDialog openActionDialog;
+  automation::ActionDropLists actionDropLists;
+  automation::ActionDialog actionDialog;
+  automation::ActionRun actionRun;
+  automation::Conditions conditions;
+  SpeechInterlock speechInterlock;
   std::shared_ptr<pages::WebSetupForm> setupForm;  // shared with the host, which asks it for its page
   pages::WebEditorForm editorForm;
   PagesAdapter ownPages;

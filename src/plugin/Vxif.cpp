@@ -1,5 +1,8 @@
 #include "plugin/Vxif.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
 
@@ -16,16 +19,6 @@ using base::Value;
 namespace {
 
 Param In(const char* name, Type type) { return {name, type}; }
-Param InOut(const char* name, Type type) {
-  Param param{name, type};
-  param.inOut = true;
-  return param;
-}
-Param OptionalInOut(const char* name, Type type) {
-  Param param{name, type, base::EmptyOf(type)};
-  param.inOut = true;
-  return param;
-}
 
 /// An operation that always gives the same.
 Member Constant(const char* name, std::vector<Param> params, Type result, Value value) {
@@ -33,107 +26,90 @@ Member Constant(const char* name, std::vector<Param> params, Type result, Value 
           [value = std::move(value)](Args&) { return value; }};
 }
 
-/// An operation whose module is not there yet: it takes its arguments, leaves them as they are and gives the
-/// empty value of its type.
-Member Inert(const char* name, std::vector<Param> params, Type result) {
-  return Constant(name, std::move(params), result, base::EmptyOf(result));
-}
-
 }  // namespace
 
 Vxif::Vxif(Lifecycle& lifecycle, Dispatch& dispatch, HostServices& host, const PluginState& state,
-           base::Platform& platform, WebForms& web)
+           base::Platform& platform, WebForms& web, const EventParts& events)
     : lifecycle_(lifecycle), dispatch_(dispatch), host_(host), state_(state), platform_(platform), web_(web) {
-  setTable(table());
+  setTable(table(events));
 }
 
-base::MemberTable Vxif::table() {
+base::MemberTable Vxif::table(const EventParts& events) {
   PublicFields& fields = lifecycle_.fields();
   const auto operation = [](const char* name, std::vector<Param> params, Type result, auto handler) {
     return Member{name, MemberKind::kOperation, std::move(params), result, std::move(handler)};
   };
   const auto text = [](const Args& args, std::size_t i) { return base::ToText(args[i]); };
   const auto number = [](const Args& args, std::size_t i) { return base::ToInt16(args[i]); };
-  return {"vxif",
-          {
-              base::TextField("Link", fields.Link),
-              base::TextField("LinkText", fields.LinkText),
-              base::TextField("Page_Title", fields.Page_Title),
-              {"Scripting",
-               MemberKind::kField,
-               {},
-               Type::kObject,
-               [&fields](Args&) { return Value(fields.Scripting); },
-               [&fields](const Value& value) { fields.Scripting = base::ToObject(value); }},
-              Constant("Capabilities", {}, Type::kInt32, kCapabilities),
-              Constant("Name", {}, Type::kText, kName),
-              operation("RegisterCallback", {In("frm", Type::kObject)}, Type::kNone,
-                        [this](Args& args) {
-                          lifecycle_.RegisterCallback(base::ToObject(args[0]));
-                          return Value();
-                        }),
-              operation("InterfaceStatus", {}, Type::kInt16,
-                        [this](Args&) { return Value(std::int16_t(state_.Initialized ? 0 : 2)); }),
-              operation("InitIO", {In("port", Type::kInt32)}, Type::kText,
-                        [this](Args&) { return Value(lifecycle_.InitIO(shared_from_this())); }),
-              operation("ShutdownIO", {}, Type::kNone,
-                        [this](Args&) {
-                          lifecycle_.ShutdownIO();
-                          return Value();
-                        }),
-              operation("ConfigIO", {}, Type::kNone,
-                        [this](Args&) {
-                          ConfigIO(host_);
-                          return Value();
-                        }),
-              operation("SetIO",
-                        {In("dv", Type::kAny), In("HouseCode", Type::kText), In("DeviceCode", Type::kText),
-                         In("Command", Type::kInt16), In("Brightness", Type::kInt16),
-                         In("data1", Type::kInt16), In("data2", Type::kInt16)},
-                        Type::kNone,
-                        [this, text, number](Args& args) {
-                          dispatch_.SetIO(text(args, 1), text(args, 2), number(args, 3), number(args, 4));
-                          return Value();
-                        }),
-              Constant("SupportsConfigDevice", {}, Type::kBoolean, false),
-              operation("ConfigDevice", {In("hc", Type::kText), In("dc", Type::kText)}, Type::kNone,
-                        [this, text](Args& args) {
-                          ConfigDevice(text(args, 0), text(args, 1));
-                          return Value();
-                        }),
-              Constant("SupportsTriggerUI", {}, Type::kBoolean, true),
-              Constant("SupportsActionUI", {}, Type::kBoolean, true),
-              Inert("ActionUI", {InOut("ActionStr", Type::kText)}, Type::kText),
-              Inert("ActionUIFormat", {InOut("ActionString", Type::kText)}, Type::kText),
-              Inert("ModifyActionUI", {InOut("controls", Type::kAny)}, Type::kNone),
-              Inert("ValidateActionUI", {InOut("ActionStr", Type::kText)}, Type::kText),
-              Inert("TriggerAction", {InOut("ActionStr", Type::kText)}, Type::kNone),
-              Inert("TriggerUI", {OptionalInOut("TrigString", Type::kText)}, Type::kText),
-              Inert("TriggerUIFormat", {InOut("TrigString", Type::kText)}, Type::kText),
-              Inert("ModifyTriggerUI", {InOut("controls", Type::kAny)}, Type::kNone),
-              Inert("ValidateTriggerUI", {InOut("trigstr", Type::kText)}, Type::kText),
-              Inert("SupportsConditionUI", {}, Type::kBoolean),
-              Inert("ConditionUI", {InOut("cond_num", Type::kInt16)}, Type::kText),
-              Inert("ConditionUIFormat", {InOut("cond_str", Type::kAny)}, Type::kText),
-              Inert("ConditionCheck", {InOut("cond_str", Type::kText)}, Type::kBoolean),
-              Inert("CustomActionDialogUI", {}, Type::kNone),
-              Inert("VXEvent", {In("parms", Type::kArray)}, Type::kNone),
-              operation("SelectMenu", {In("menu_name", Type::kText)}, Type::kNone,
-                        [this, text](Args& args) {
-                          dispatch_.SelectMenu(text(args, 0));
-                          return Value();
-                        }),
-              operation("ButtonPress", {In("button_name", Type::kText)}, Type::kNone,
-                        [this, text](Args& args) {
-                          dispatch_.ButtonPress(text(args, 0));
-                          return Value();
-                        }),
-              operation("GenPage", {In("lnk", Type::kText)}, Type::kText,
-                        [this, text](Args& args) { return Value(GenPage(text(args, 0))); }),
-              operation("PagePut", {In("data", Type::kText)}, Type::kText,
-                        [this, text](Args& args) { return Value(PagePut(text(args, 0))); }),
-              operation("Version", {}, Type::kText, [](Args&) { return Value(ProgramVersion()); }),
-          }};
+  std::vector<Member> members = {
+      base::TextField("Link", fields.Link),
+      base::TextField("LinkText", fields.LinkText),
+      base::TextField("Page_Title", fields.Page_Title),
+      {"Scripting",
+       MemberKind::kField,
+       {},
+       Type::kObject,
+       [&fields](Args&) { return Value(fields.Scripting); },
+       [&fields](const Value& value) { fields.Scripting = base::ToObject(value); }},
+      Constant("Capabilities", {}, Type::kInt32, kCapabilities),
+      Constant("Name", {}, Type::kText, kName),
+      operation("RegisterCallback", {In("frm", Type::kObject)}, Type::kNone,
+                [this](Args& args) {
+                  lifecycle_.RegisterCallback(base::ToObject(args[0]));
+                  return Value();
+                }),
+      operation("InterfaceStatus", {}, Type::kInt16,
+                [this](Args&) { return Value(std::int16_t(state_.Initialized ? 0 : 2)); }),
+      operation("InitIO", {In("port", Type::kInt32)}, Type::kText,
+                [this](Args&) { return Value(lifecycle_.InitIO(shared_from_this())); }),
+      operation("ShutdownIO", {}, Type::kNone,
+                [this](Args&) {
+                  lifecycle_.ShutdownIO();
+                  return Value();
+                }),
+      operation("ConfigIO", {}, Type::kNone,
+                [this](Args&) {
+                  ConfigIO(host_);
+                  return Value();
+                }),
+      operation("SetIO",
+                {In("dv", Type::kAny), In("HouseCode", Type::kText), In("DeviceCode", Type::kText),
+                 In("Command", Type::kInt16), In("Brightness", Type::kInt16), In("data1", Type::kInt16),
+                 In("data2", Type::kInt16)},
+                Type::kNone,
+                [this, text, number](Args& args) {
+                  dispatch_.SetIO(text(args, 1), text(args, 2), number(args, 3), number(args, 4));
+                  return Value();
+                }),
+      Constant("SupportsConfigDevice", {}, Type::kBoolean, false),
+      operation("ConfigDevice", {In("hc", Type::kText), In("dc", Type::kText)}, Type::kNone,
+                [this, text](Args& args) {
+                  ConfigDevice(text(args, 0), text(args, 1));
+                  return Value();
+                }),
+      Constant("SupportsTriggerUI", {}, Type::kBoolean, true),
+      Constant("SupportsActionUI", {}, Type::kBoolean, true),
+      operation("SelectMenu", {In("menu_name", Type::kText)}, Type::kNone,
+                [this, text](Args& args) {
+                  dispatch_.SelectMenu(text(args, 0));
+                  return Value();
+                }),
+      operation("ButtonPress", {In("button_name", Type::kText)}, Type::kNone,
+                [this, text](Args& args) {
+                  dispatch_.ButtonPress(text(args, 0));
+                  return Value();
+                }),
+      operation("GenPage", {In("lnk", Type::kText)}, Type::kText,
+                [this, text](Args& args) { return Value(GenPage(text(args, 0))); }),
+      operation("PagePut", {In("data", Type::kText)}, Type::kText,
+                [this, text](Args& args) { return Value(PagePut(text(args, 0))); }),
+      operation("Version", {}, Type::kText, [](Args&) { return Value(ProgramVersion()); }),
+  };
+  std::vector<Member> ofEvents = EventMembers(events);
+  const auto behind = std::find_if(members.begin(), members.end(),
+                                   [](const Member& member) { return member.name == "SelectMenu"; });
+  members.insert(behind, std::make_move_iterator(ofEvents.begin()), std::make_move_iterator(ofEvents.end()));
+  return {"vxif", std::move(members)};
 }
 
 void Vxif::ConfigIO(HostServices& host) {

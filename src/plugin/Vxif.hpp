@@ -1,6 +1,7 @@
 #pragma once
 #include "base/Members.hpp"
 #include "plugin/Lifecycle.hpp"
+#include "plugin/VxifEvents.hpp"
 #include "plugin/commands/Dispatch.hpp"
 
 namespace plugin {
@@ -10,7 +11,7 @@ namespace plugin {
 class Vxif : public base::TableObject, public std::enable_shared_from_this<Vxif> {
  public:
   Vxif(Lifecycle& lifecycle, Dispatch& dispatch, HostServices& host, const PluginState& state,
-       base::Platform& platform, WebForms& web);
+       base::Platform& platform, WebForms& web, const EventParts& events);
 
   static constexpr std::int32_t kCapabilities = 4;
 
@@ -18,7 +19,7 @@ class Vxif : public base::TableObject, public std::enable_shared_from_this<Vxif>
   static void ConfigIO(HostServices& host);
 
  private:
-  base::MemberTable table();
+  base::MemberTable table(const EventParts& events);
   std::string GenPage(const std::string& link);
   std::string PagePut(const std::string& data);
   void ConfigDevice(const std::string& hc, const std::string& dc);
