@@ -17,6 +17,7 @@
 #include "standin/http/PageRoutes.hpp"
 #include "standin/http/RefusedPosts.hpp"
 #include "standin/http/WebServer.hpp"
+#include "standin/player/LibrarySearch.hpp"
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
@@ -68,6 +69,7 @@ int serve(const Options& options) {
   RefusedPosts refused(loop, house.log);
   PluginKeeper plugin(loop, connection, house, callback);
   PlayerLibrary library(loop, connection, plugin);
+  LibrarySearch search(loop, library);
   Playlists playlists(loop, connection, plugin, house, library);
   ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {
@@ -85,8 +87,9 @@ int serve(const Options& options) {
     Visitors visitors(house.users, local);
     WebApi api(visitors, gate,
                Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
-                       LibraryRoutes(library), PlaylistRoutes(playlists), ScriptRoutes(scripts, runner),
-                       UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
+                       LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
+                       ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),
+                       PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,
                                .live = house.live,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -24,34 +25,25 @@ std::vector<std::string> namesOf(const base::Value& value) {
   return names;
 }
 
-MediaFacts factsOf(const base::Value& value) {
-  MediaFacts facts;
-  if (!value.is<std::shared_ptr<const base::Record>>()) return facts;
-  for (const auto& [key, held] : value.record()) {
-    if (key == "Artist") facts.artist = base::ToText(held);
-    if (key == "Album") facts.album = base::ToText(held);
-    if (key == "Genre") facts.genre = base::ToText(held);
-    if (key == "Duration" && held.is<double>()) facts.seconds = base::ToDouble(held);
+std::string keyOf(const std::string& category, const std::string& group) { return category + '\1' + group; }
+
+/// The places in order, cut where one doesn't follow the other: first place and length.
+std::vector<std::pair<std::size_t, std::size_t>> runsOf(const std::vector<std::size_t>& places) {
+  std::vector<std::pair<std::size_t, std::size_t>> runs;
+  for (const std::size_t place : places) {
+    if (!runs.empty() && place == runs.back().first + runs.back().second) {
+      ++runs.back().second;
+    } else {
+      runs.emplace_back(place, 1);
+    }
   }
-  return facts;
+  return runs;
 }
 
 }  // namespace
 
-PlayerLibrary::PlayerLibrary(bus::PollLoop& loop, bus::Connection& connection, PluginKeeper& plugin,
-                             PluginKeeper::Address address)
-    : loop_(loop), connection_(connection), plugin_(plugin), address_(std::move(address)) {}
-
-std::optional<std::string> PlayerLibrary::categoryOf(const std::string& text) {
-  const auto* const found = std::find_if(kCategories.begin(), kCategories.end(),
-                                         [&](const char* each) { return base::SameText(each, text); });
-  if (found == kCategories.end()) return std::nullopt;
-  return *found;
-}
-
-base::ObjectRef PlayerLibrary::script() { return connection_.proxy(address_.name, "/scriptclass"); }
-
-PlayerLibrary::Kept& PlayerLibrary::slot(const std::string& key) {
+template <class List>
+typename PlayerLibrary::Shelf<List>::Kept& PlayerLibrary::Shelf<List>::slot(const std::string& key) {
   const auto found =
       std::find_if(kept_.begin(), kept_.end(), [&](const Kept& each) { return each.key == key; });
   if (found != kept_.end()) {
@@ -64,67 +56,134 @@ PlayerLibrary::Kept& PlayerLibrary::slot(const std::string& key) {
   return kept_.front();
 }
 
-void PlayerLibrary::list(const std::string& category, const std::optional<std::string>& group, bool fresh,
-                         Listed listed) {
-  const std::string key = category + (group ? '\1' + *group : "");
+template <class List>
+bool PlayerLibrary::Shelf<List>::ask(const std::string& key, bool fresh, Told told) {
   Kept& kept = slot(key);
   if (kept.waiting.empty() && !fresh && kept.list && loop_.now() - kept.since < kGood) {
-    listed(kept.list, {});
-    return;
+    told(kept.list, {});
+    return false;
   }
-  kept.waiting.push_back(std::move(listed));
-  if (kept.waiting.size() > 1) return;  // it is on its way
-  const auto list = std::make_shared<std::shared_ptr<const NameList>>();
-  plugin_.command(
-      [this, category, group, list](base::Object&) {
-        const base::ObjectRef object = script();
-        const base::Value answer = group ? object->invoke("GetByCategory", category, *group)
-                                         : object->invoke("GetCategoryList", category);
-        *list = std::make_shared<NameList>(namesOf(answer));
-      },
-      [this, key, list](const std::string& failure) { fetched(key, *list, failure); });
+  kept.waiting.push_back(std::move(told));
+  return kept.waiting.size() == 1;  // otherwise it is on its way
 }
 
-void PlayerLibrary::fetched(const std::string& key, std::shared_ptr<const NameList> list,
-                            const std::string& failure) {
+template <class List>
+void PlayerLibrary::Shelf<List>::fetched(const std::string& key, Ref list, const Failed& failed) {
   Kept& kept = slot(key);
   kept.list = std::move(list);
   kept.since = loop_.now();
-  const std::shared_ptr<const NameList> told = kept.list;
-  for (const Listed& listed : std::exchange(kept.waiting, {})) listed(told, failure);
+  const Ref told = kept.list;
+  for (const Told& each : std::exchange(kept.waiting, {})) each(told, failed);
+}
+
+PlayerLibrary::PlayerLibrary(bus::PollLoop& loop, bus::Connection& connection, PluginKeeper& plugin,
+                             PluginKeeper::Address address)
+    : connection_(connection), plugin_(plugin), address_(std::move(address)), names_(loop), titles_(loop) {}
+
+std::optional<std::string> PlayerLibrary::categoryOf(const std::string& text) {
+  const auto* const found = std::find_if(kCategories.begin(), kCategories.end(),
+                                         [&](const char* each) { return base::SameText(each, text); });
+  if (found == kCategories.end()) return std::nullopt;
+  return *found;
+}
+
+base::ObjectRef PlayerLibrary::script() { return connection_.proxy(address_.name, "/scriptclass"); }
+
+void PlayerLibrary::ask(Work work, std::function<void(const Failed& failed)> done) {
+  const auto number = std::make_shared<std::int32_t>(0);
+  plugin_.command(
+      [this, number, work = std::move(work)](base::Object&) {
+        try {
+          PlayerLists lists(script());
+          work(lists);
+        } catch (const base::Failure& failure) {
+          *number = failure.number();
+          throw;
+        }
+      },
+      [number, done = std::move(done)](const std::string& failure) {
+        done({failure, *number});
+      });
+}
+
+PlayerList PlayerLibrary::groupOf(PlayerLists& lists, const std::string& category, const std::string& group) {
+  std::optional<PlayerList> found = lists.group(category, group);
+  if (!found) throw base::Failure(base::number::kElementNotFound, "The player can't find “" + group + "”");
+  return *found;
+}
+
+void PlayerLibrary::list(const std::string& category, bool fresh, Listed listed) {
+  if (!names_.ask(category, fresh, std::move(listed))) return;
+  const auto list = std::make_shared<std::shared_ptr<const NameList>>();
+  plugin_.command(
+      [this, category, list](base::Object&) {
+        *list = std::make_shared<NameList>(namesOf(script()->invoke("GetCategoryList", category)));
+      },
+      [this, category, list](const std::string& failure) { names_.fetched(category, *list, {failure}); });
+}
+
+void PlayerLibrary::albums(const std::string& category, const std::string& group, Listed listed) {
+  if (category == "Genre") return albumsOfTitles(category, group, std::move(listed));
+  const std::string key = keyOf(category, group);
+  if (!names_.ask(key, false, std::move(listed))) return;
+  const auto list = std::make_shared<std::shared_ptr<const NameList>>();
+  plugin_.command(
+      [this, category, group, list](base::Object&) {
+        *list = std::make_shared<NameList>(namesOf(script()->invoke("GetAlbumsByCategory", category, group)));
+      },
+      [this, key, list](const std::string& failure) { names_.fetched(key, *list, {failure}); });
+}
+
+// The script object has no albums of a genre.
+void PlayerLibrary::albumsOfTitles(const std::string& category, const std::string& group, Listed listed) {
+  titles(category, group, false,
+         [listed = std::move(listed)](const std::shared_ptr<const TitleList>& list, const Failed& failed) {
+           if (!list) return listed(nullptr, failed);
+           std::vector<std::string> albums;
+           std::set<std::string> known;
+           for (const Title& each : list->all())
+             if (!each.album.empty() && known.insert(base::LowerCase(each.album)).second)
+               albums.push_back(each.album);
+           listed(std::make_shared<NameList>(std::move(albums)), {});
+         });
+}
+
+void PlayerLibrary::titles(const std::string& category, const std::string& group, bool fresh,
+                           TitlesListed listed) {
+  const std::string key = keyOf(category, group);
+  if (!titles_.ask(key, fresh, std::move(listed))) return;
+  const auto list = std::make_shared<std::shared_ptr<const TitleList>>();
+  ask(
+      [category, group, list](PlayerLists& lists) {
+        const PlayerList found = groupOf(lists, category, group);
+        *list = std::make_shared<TitleList>(found.titles(0, found.count()));
+      },
+      [this, key, list](const Failed& failed) { titles_.fetched(key, *list, failed); });
+}
+
+void PlayerLibrary::titlesAt(const std::string& category, const std::string& group,
+                             std::vector<std::size_t> places, TitlesRead read) {
+  if (places.empty()) return read({}, {});
+  const auto titles = std::make_shared<std::vector<Title>>();
+  ask(
+      [category, group, places = std::move(places), titles](PlayerLists& lists) {
+        const PlayerList found = groupOf(lists, category, group);
+        for (const auto& [from, count] : runsOf(places)) {
+          std::vector<Title> some =
+              found.titles(static_cast<std::int32_t>(from), static_cast<std::int32_t>(count));
+          some.resize(count);
+          std::move(some.begin(), some.end(), std::back_inserter(*titles));
+        }
+      },
+      [titles, read = std::move(read)](const Failed& failed) { read(std::move(*titles), failed); });
 }
 
 void PlayerLibrary::forget(const std::string& category) {
-  for (Kept& kept : kept_) {
-    if (kept.key == category || kept.key.starts_with(category + '\1')) kept.list.reset();
-  }
-}
-
-void PlayerLibrary::play(const std::string& category, const std::string& name, const std::string& title,
-                         Played played) {
-  const auto result = std::make_shared<std::int32_t>(0);
-  plugin_.command(
-      [this, category, name, title, result](base::Object&) {
-        *result = base::ToInt32(script()->invoke("Play", category, name, title));
-      },
-      [result, played = std::move(played)](const std::string& failure) { played(*result, failure); });
-}
-
-void PlayerLibrary::volume(Heard heard) {
-  const auto volume = std::make_shared<std::int32_t>(0);
-  plugin_.command(
-      [this, volume](base::Object&) { *volume = base::ToInt32(script()->get("Volume")); },
-      [volume, heard = std::move(heard)](const std::string& failure) { heard(*volume, failure); });
-}
-
-void PlayerLibrary::facts(const std::string& category, const std::string& name, const std::string& title,
-                          Told told) {
-  const auto facts = std::make_shared<MediaFacts>();
-  plugin_.command(
-      [this, category, name, title, facts](base::Object&) {
-        *facts = factsOf(script()->invoke("GetMediaInfo", category, name, title));
-      },
-      [facts, told = std::move(told)](const std::string& failure) { told(*facts, failure); });
+  const auto ofCategory = [&](const std::string& key) {
+    return key == category || key.starts_with(category + '\1');
+  };
+  names_.forget(ofCategory);
+  titles_.forget(ofCategory);
 }
 
 }  // namespace standin

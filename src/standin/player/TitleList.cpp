@@ -9,6 +9,11 @@
 #include "standin/player/Folding.hpp"
 
 namespace standin {
+namespace {
+
+bool IsHead(const TitleList::Row& row) { return row.place == TitleList::Row::kHead; }
+
+}  // namespace
 
 TitleList::TitleList(std::vector<Title> titles) : titles_(std::move(titles)) {
   table_.reserve(titles_.size());
@@ -19,7 +24,11 @@ std::vector<TitleList::Row> TitleList::rows(const Choice& choice) const {
   std::vector<std::uint32_t> places = table_.find(SoughtWords(choice.sought));
   if (!choice.by.empty())
     std::erase_if(places, [&](std::uint32_t place) { return !IsBy(titles_[place], choice.by); });
-  if (choice.byAlbumArtist && areSeveralAlbums()) return underHeads(places);
+  if (choice.byAlbumArtist && areSeveralAlbums()) {
+    std::vector<Row> rows = underHeads(places);
+    if (!choice.by.empty() && std::count_if(rows.begin(), rows.end(), IsHead) == 1) rows.erase(rows.begin());
+    return rows;
+  }
   std::vector<Row> rows;
   rows.reserve(places.size());
   for (const std::uint32_t place : places) rows.push_back({.place = static_cast<std::int32_t>(place)});

@@ -219,6 +219,10 @@ PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const Titl
     for (std::int32_t i = 0; i < count; ++i) take(i);
   }
   for (const TitleChoice::One& one : choice.all ? std::vector<TitleChoice::One>() : choice.titles) {
+    if (!one.mark.empty()) {
+      take(group.placeOf({{}, {}, one.at, one.title, one.mark}));
+      continue;
+    }
     std::int32_t at = one.at;
     if (at < 0 || at >= count || group.nameAt(at) != one.title) {
       for (at = 0; at < count && group.nameAt(at) != one.title;) ++at;

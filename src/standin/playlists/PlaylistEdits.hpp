@@ -16,11 +16,13 @@ struct MoveOrder {
   std::optional<std::string> after;
 };
 
-/// Which of a group's titles: all of them, or those at these places, with the names they are known by.
+/// Which of a group's titles: all of them, or those at these places, with the names they are known by, and
+/// with their marks where others may have the same name.
 struct TitleChoice {
   struct One {
     std::int32_t at = 0;
     std::string title;
+    std::string mark{};
   };
   bool all = false;
   std::vector<One> titles;

@@ -2,80 +2,162 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "standin/routes/PlayerAnswers.hpp"
 #include "standin/routes/Routes.hpp"
 
 namespace standin {
 namespace {
 
+using Json = nlohmann::json;
+
 constexpr std::size_t kLargestPage = 500;
+constexpr const char* kAllTitles = "Media Library";
 
-WebAnswer playAnswer(std::int32_t result, const std::string& name, const std::string& failure) {
-  if (!failure.empty()) return Refusal(502, failure);
-  if (result == 0) return {};
-  if (result == -1) return Refusal(404, "The player can't find “" + name + "”");
-  return Refusal(502, "The player could not play “" + name + "” (error " + std::to_string(result) + ")");
+struct Music {
+  PlayerLibrary& library;
+  LibrarySearch& search;
+};
+
+/// The category's own word, also "Media Library"; throws number 5 for any other text.
+std::string categoryIn(const std::string& text) {
+  if (base::SameText(text, kAllTitles)) return kAllTitles;
+  const std::optional<std::string> known = PlayerLibrary::categoryOf(text);
+  if (!known) throw base::Failure(base::number::kInvalidArgument, "There is no such category");
+  return *known;
 }
 
-void list(PlayerLibrary& library, const WebCall& call, const Reply& reply) {
-  const std::optional<std::string> category = PlayerLibrary::categoryOf(call.parameter("category"));
-  if (!category) return reply(Refusal(400, "There is no such category"));
-  const std::string group = call.parameter("group");
-  const auto offset = call.number<std::size_t>("offset");
-  const auto limit = std::min(call.number<std::size_t>("limit"), kLargestPage);
-  library.list(*category, group.empty() ? std::nullopt : std::optional(group), call.parameter("fresh") == "1",
-               [sought = call.parameter("q"), offset, limit, reply](
-                   const std::shared_ptr<const NameList>& names, const std::string& failure) {
-                 if (!failure.empty() || !names) return reply(Refusal(502, failure));
-                 NameList::Page page = names->page(sought, offset, limit);
-                 reply(Told({{"names", std::move(page.names)},
-                             {"places", std::move(page.places)},
-                             {"offset", offset},
-                             {"total", page.total},
-                             {"all", names->size()}}));
-               });
+LibrarySearch::Query queryOf(const WebCall& call) {
+  return {.sought = call.parameter("q"),
+          .offset = call.number<std::size_t>("offset"),
+          .limit = std::min(call.number<std::size_t>("limit"), kLargestPage),
+          .fresh = call.parameter("fresh") == "1"};
 }
 
-void media(PlayerLibrary& library, const WebCall& call, const Reply& reply) {
-  const std::optional<std::string> category = PlayerLibrary::categoryOf(call.parameter("category"));
-  if (!category) return reply(Refusal(400, "There is no such category"));
-  library.facts(
-      *category, call.parameter("name"), call.parameter("title"),
-      [reply](const MediaFacts& facts, const std::string& failure) {
-        if (!failure.empty()) return reply(Refusal(502, failure));
-        nlohmann::json json{{"artist", facts.artist}, {"album", facts.album}, {"genre", facts.genre}};
-        if (facts.seconds >= 0) json["seconds"] = facts.seconds;
-        reply(Told(json));
+Json jsonOf(LibrarySearch::Group group) {
+  Json json{{"category", group.category},
+            {"names", std::move(group.names)},
+            {"places", std::move(group.places)},
+            {"total", group.total}};
+  if (group.category == kAllTitles) json["titles"] = TitlesJson(group.titles);
+  return json;
+}
+
+void names(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
+  const LibrarySearch::Query query = queryOf(call);
+  music.library.list(
+      category, query.fresh,
+      [query, reply](const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
+        if (!list) return reply(OutcomeOf(failed));
+        NameList::Page page = list->page(query.sought, query.offset, query.limit);
+        reply(Told({{"names", std::move(page.names)},
+                    {"places", std::move(page.places)},
+                    {"offset", query.offset},
+                    {"total", page.total},
+                    {"all", list->size()}}));
       });
 }
 
-void volume(PlayerLibrary& library, const WebCall&, const Reply& reply) {
-  library.volume([reply](std::int32_t volume, const std::string& failure) {
-    reply(failure.empty() ? Told({{"volume", volume}}) : Refusal(502, failure));
+/// A page of a group's rows. The name of a head is its artist's, and its place none.
+Json rowsJson(const TitleList& list, const TitleList::Choice& choice, const LibrarySearch::Query& query) {
+  const std::vector<TitleList::Row> rows = list.rows(choice);
+  const auto heads = std::count_if(
+      rows.begin(), rows.end(), [](const TitleList::Row& row) { return row.place == TitleList::Row::kHead; });
+  Json names = Json::array();
+  Json places = Json::array();
+  Json titles = Json::array();
+  for (std::size_t i = query.offset; i < rows.size() && names.size() < query.limit; ++i) {
+    const bool head = rows[i].place == TitleList::Row::kHead;
+    const Title* const title = head ? nullptr : &list.all().at(static_cast<std::size_t>(rows[i].place));
+    names.push_back(head ? rows[i].artist : title->name);
+    places.push_back(rows[i].place);
+    titles.push_back(head ? Json() : TitleJson(*title));
+  }
+  return {{"names", std::move(names)}, {"places", std::move(places)}, {"titles", std::move(titles)},
+          {"offset", query.offset},    {"total", rows.size()},        {"heads", heads},
+          {"all", list.all().size()}};
+}
+
+void titles(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
+  const LibrarySearch::Query query = queryOf(call);
+  const TitleList::Choice choice{query.sought, call.parameter("by"), category == "Album"};
+  music.library.titles(category, call.parameter("group"), query.fresh,
+                       [query, choice, reply](const std::shared_ptr<const TitleList>& list,
+                                              const PlayerLibrary::Failed& failed) {
+                         reply(list ? Told(rowsJson(*list, choice, query)) : OutcomeOf(failed));
+                       });
+}
+
+void list(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = categoryIn(call.parameter("category"));
+  if (!call.parameter("group").empty()) return titles(music, category, call, reply);
+  if (category != kAllTitles) return names(music, category, call, reply);
+  const LibrarySearch::Query query = queryOf(call);
+  music.search.titles(query, [query, reply](LibrarySearch::Group group, const PlayerLibrary::Failed& failed) {
+    if (!failed.text.empty()) return reply(OutcomeOf(failed));
+    Json json = jsonOf(std::move(group));
+    json["offset"] = query.offset;
+    reply(Told(json));
   });
 }
 
-void play(PlayerLibrary& library, const WebCall& call, const Reply& reply) {
-  const std::optional<std::string> category =
-      PlayerLibrary::categoryOf(call.json.at("category").get<std::string>());
-  const auto name = call.json.at("name").get<std::string>();
-  const auto title = call.json.value("title", std::string());
-  if (!category) return reply(Refusal(400, "There is no such category"));
-  if (name.empty()) return reply(Refusal(400, "Nothing was chosen"));
-  library.play(*category, name, title,
-               [reply, said = title.empty() ? name : title](std::int32_t result, const std::string& failure) {
-                 reply(playAnswer(result, said, failure));
-               });
+void albums(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = categoryIn(call.parameter("category"));
+  music.library.albums(
+      category, call.parameter("group"),
+      [reply](const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
+        reply(list ? Told({{"names", list->all()}}) : OutcomeOf(failed));
+      });
+}
+
+void search(const Music& music, const WebCall& call, const Reply& reply) {
+  music.search.everywhere(
+      queryOf(call), [reply](std::vector<LibrarySearch::Group> groups, const PlayerLibrary::Failed& failed) {
+        if (!failed.text.empty()) return reply(OutcomeOf(failed));
+        Json found = Json::array();
+        for (LibrarySearch::Group& group : groups) found.push_back(jsonOf(std::move(group)));
+        reply(Told({{"groups", std::move(found)}}));
+      });
+}
+
+/// {category, name} plays a group, with "by" what that artist has in it; {category, name, at, title, mark}
+/// one of its titles.
+void play(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = categoryIn(call.json.at("category").get<std::string>());
+  const auto group = call.json.at("name").get<std::string>();
+  const auto done = [reply](const PlayerLibrary::Failed& failed) { reply(OutcomeOf(failed)); };
+  if (call.json.contains("mark")) {
+    const TitleAddress title{category, group, call.json.at("at").get<std::int32_t>(),
+                             call.json.at("title").get<std::string>(),
+                             call.json.at("mark").get<std::string>()};
+    return music.library.play(title, done);
+  }
+  if (group.empty()) return reply(Refusal(400, "Nothing was chosen"));
+  music.library.play(category, group, call.json.value("by", std::string()), done);
+}
+
+void volume(const Music& music, const WebCall&, const Reply& reply) {
+  music.library.volume([reply](std::int32_t volume, const PlayerLibrary::Failed& failed) {
+    reply(failed.text.empty() ? Told({{"volume", volume}}) : OutcomeOf(failed));
+  });
 }
 
 }  // namespace
 
-Routes LibraryRoutes(PlayerLibrary& library) {
-  const auto with = [&library](auto handle) {
-    return Later{
-        [&library, handle](const WebCall& call, const Reply& reply) { handle(library, call, reply); }};
+Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& searching) {
+  const auto with = [music = Music{library, searching}](auto handle) {
+    return Later{[music, handle](const WebCall& call, const Reply& reply) {
+      try {
+        handle(music, call, reply);
+      } catch (const base::Failure& failure) {
+        reply(Refusal(StatusOfFailure(failure.number()), failure.description()));
+      }
+    }};
   };
   return {{Method::kGet, "/api/library", Role::kGuest, with(list)},
-          {Method::kGet, "/api/media", Role::kGuest, with(media)},
+          {Method::kGet, "/api/albums", Role::kGuest, with(albums)},
+          {Method::kGet, "/api/search", Role::kGuest, with(search)},
           {Method::kGet, "/api/volume", Role::kGuest, with(volume)},
           {Method::kPost, "/api/play", Role::kGuest, with(play)}};
 }

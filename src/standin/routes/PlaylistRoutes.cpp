@@ -5,6 +5,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/routes/PlayerAnswers.hpp"
 #include "standin/routes/Routes.hpp"
 
 namespace standin {
@@ -15,17 +16,6 @@ using Json = nlohmann::json;
 constexpr std::size_t kLargestPage = 500;
 constexpr std::size_t kLongestName = 1200;  // bytes: 300 characters of any kind
 constexpr std::size_t kLongestPageId = 40;
-
-int statusOf(std::int32_t failure) {
-  switch (failure) {
-    case base::number::kElementNotFound: return 404;
-    case base::number::kInvalidArgument: return 400;
-    case base::number::kChangedMeanwhile:
-    case base::number::kNameInUse: return 409;
-    case base::number::kDiskFull: return 507;
-    default: return 502;
-  }
-}
 
 Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
 
@@ -47,7 +37,7 @@ WebAnswer refusalOf(const Playlists::Outcome& outcome, const User& user) {
   json["error"] = outcome.error;
   json["stuck"] = outcome.stuck;
   WebAnswer answer = Told(json);
-  answer.status = statusOf(outcome.failure);
+  answer.status = StatusOfFailure(outcome.failure);
   return answer;
 }
 
@@ -80,21 +70,32 @@ Playlists::Plan removing(const Json& json) {
       [at, title](PlayerLists& lists, const PlayerList& list) { return PlanRemove(lists, list, at, title); };
 }
 
+/// What an artist has in the group.
+TitleChoice choiceBy(const PlayerList& group, const std::string& by) {
+  TitleChoice choice;
+  const std::vector<Title> all = group.titles(0, group.count());
+  for (std::size_t i = 0; i < all.size(); ++i)
+    if (IsBy(all[i], by)) choice.titles.push_back({static_cast<std::int32_t>(i), all[i].name, {}});
+  return choice;
+}
+
 Playlists::Plan adding(const Json& json) {
   constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::max();
   const auto category = json.at("category").get<std::string>();
   const auto group = json.at("group").get<std::string>();
+  const auto by = json.value("by", std::string());
   TitleChoice choice;
-  choice.all = !json.contains("titles");
-  if (!choice.all) {
+  choice.all = !json.contains("titles") && by.empty();
+  if (json.contains("titles")) {
     for (const Json& each : json.at("titles"))
-      choice.titles.push_back({each.at("at").get<std::int32_t>(), each.at("title").get<std::string>()});
+      choice.titles.push_back({each.at("at").get<std::int32_t>(), each.at("title").get<std::string>(),
+                               each.value("mark", std::string())});
   }
   const auto to = json.value("to", kEnd);
-  return [category, group, choice, to](PlayerLists& lists, const PlayerList& list) {
+  return [category, group, by, choice, to](PlayerLists& lists, const PlayerList& list) {
     const std::optional<PlayerList> from = lists.group(category, group);
     if (!from) throw base::Failure(base::number::kElementNotFound, "The player can't find “" + group + "”");
-    return PlanAdd(list, *from, choice, to);
+    return PlanAdd(list, *from, by.empty() ? choice : choiceBy(*from, by), to);
   };
 }
 
@@ -109,21 +110,29 @@ Playlists::Done answering(const WebCall& call, const Reply& reply) {
   };
 }
 
-void show(Playlists& playlists, const WebCall& call, const Reply& reply) {
+/// A page of a list's titles, with what the player tells of each.
+void show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, const Reply& reply) {
   const auto offset = call.number<std::size_t>("offset");
   const auto limit = std::min(call.number<std::size_t>("limit"), kLargestPage);
   playlists.show(call.parameter("group"), call.parameter("fresh") == "1",
-                 [sought = call.parameter("q"), offset, limit, user = call.user,
+                 [&library, sought = call.parameter("q"), offset, limit, user = call.user,
                   reply](const Playlists::Outcome& outcome) {
                    if (outcome.failure != 0 || !outcome.names) return reply(refusalOf(outcome, user));
                    NameList::Page page = outcome.names->page(sought, offset, limit);
                    Json json = jsonOf(outcome, user);
                    json["names"] = std::move(page.names);
-                   json["places"] = std::move(page.places);
+                   json["places"] = page.places;
                    json["offset"] = offset;
                    json["total"] = page.total;
                    json["all"] = outcome.names->size();
-                   reply(Told(json));
+                   library.titlesAt(
+                       "PlayList", outcome.name, std::move(page.places),
+                       [json = std::move(json), reply](const std::vector<Title>& titles,
+                                                       const PlayerLibrary::Failed& failed) mutable {
+                         if (!failed.text.empty()) return reply(OutcomeOf(failed));
+                         json["titles"] = TitlesJson(titles);
+                         reply(Told(json));
+                       });
                  });
 }
 
@@ -161,7 +170,7 @@ void rename(Playlists& playlists, const WebCall& call, const Reply& reply) {
 
 }  // namespace
 
-Routes PlaylistRoutes(Playlists& playlists) {
+Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library) {
   const auto with = [&playlists](auto handle) {
     return Later{
         [&playlists, handle](const WebCall& call, const Reply& reply) { handle(playlists, call, reply); }};
@@ -183,7 +192,10 @@ Routes PlaylistRoutes(Playlists& playlists) {
   const auto collection = [](Playlists& all, const WebCall& call, const Reply& reply) {
     all.collection(answering(call, reply));
   };
-  return {{Method::kGet, "/api/playlist", Role::kGuest, with(show)},
+  return {{Method::kGet, "/api/playlist", Role::kGuest,
+           Later{[&playlists, &library](const WebCall& call, const Reply& reply) {
+             show(playlists, library, call, reply);
+           }}},
           {Method::kGet, "/api/playlists", Role::kGuest, with(collection)},
           {Method::kPost, "/api/playlist/watch", Role::kGuest,
            Now{[&playlists](const WebCall& call) { return watch(playlists, call); }}},

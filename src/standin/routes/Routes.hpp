@@ -1,6 +1,7 @@
 #pragma once
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
+#include "standin/player/LibrarySearch.hpp"
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
@@ -19,9 +20,9 @@ Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
 /// Buttons, devices, menu and voice.
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin);
 /// The player's music.
-Routes LibraryRoutes(PlayerLibrary& library);
+Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
 /// The player's playlists.
-Routes PlaylistRoutes(Playlists& playlists);
+Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
 /// The house's scripts.
 Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner);
 /// Signing in and out, the owner's password, and what guests need.

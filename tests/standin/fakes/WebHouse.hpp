@@ -55,6 +55,7 @@ class WebHouse {
   standin::HouseObjects objects_{house_, shelf_};
   standin::PluginKeeper plugin_{loop_, connection_, house_, nullptr};
   standin::PlayerLibrary library_{loop_, connection_, plugin_};
+  standin::LibrarySearch search_{loop_, library_};
   standin::Playlists playlists_{loop_, connection_, plugin_, house_, library_};
   standin::ScriptStore scripts_{folder_.path() / "scripts"};
   standin::ScriptRunner runner_{loop_, connection_, house_, plugin_, nullptr, {}};
@@ -63,10 +64,11 @@ class WebHouse {
   standin::RefusedPosts refused_{loop_, house_.log};
   standin::WebApi api_{
       visitors_, gate_,
-      standin::Joined({standin::HouseRoutes(house_, plugin_, visitors_),
-                       standin::DeviceRoutes(house_, objects_, plugin_), standin::LibraryRoutes(library_),
-                       standin::PlaylistRoutes(playlists_), standin::ScriptRoutes(scripts_, runner_),
-                       standin::UserRoutes(house_, visitors_, gate_), standin::PageRoutes(house_, plugin_)})};
+      standin::Joined(
+          {standin::HouseRoutes(house_, plugin_, visitors_), standin::DeviceRoutes(house_, objects_, plugin_),
+           standin::LibraryRoutes(library_, search_), standin::PlaylistRoutes(playlists_, library_),
+           standin::ScriptRoutes(scripts_, runner_), standin::UserRoutes(house_, visitors_, gate_),
+           standin::PageRoutes(house_, plugin_)})};
   std::optional<standin::WebServer> web_{std::in_place, port_,
                                          standin::WebServer::Parts{.api = api_,
                                                                    .gate = gate_,
