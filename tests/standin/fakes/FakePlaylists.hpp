@@ -28,6 +28,9 @@ class FakePlaylists {
   std::vector<Title> library;
   /// What a category's groups hold, "Album/Blue"; of others, the titles whose source begins with the name.
   std::map<std::string, std::vector<Title>> groups;
+  /// The names of "Album", "Artist", "Genre", and the albums of "Artist/Joni".
+  std::map<std::string, Names> categories;
+  std::map<std::string, Names> albums;
   /// Changes that the player refuses from now on.
   void refuse(bool value) {
     locked([&] { refuses_ = value; });

@@ -18,7 +18,6 @@ namespace support {
 struct FakeLibrary {
   std::map<std::string, std::vector<std::string>> categories;  ///< the groups of "Album", "Genre" ...
   std::map<std::string, std::vector<std::string>> groups;      ///< the titles of "Album/Blue" ...
-  std::map<std::string, std::vector<std::string>> albums{};    ///< of "Artist/Joni" ...
   std::chrono::milliseconds slowness{0};                       ///< of a category's list
   std::shared_ptr<FakePlaylists> playlists{};                  ///< behind the raw player; none without it
 };
@@ -63,6 +62,8 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
                        note("GetCategoryList " + category);
                        if (category == "PlayList" && library.playlists)
                          return texts(library.playlists->lists());
+                       if (library.playlists && library.playlists->categories.count(category) != 0)
+                         return texts(library.playlists->categories.at(category));
                        std::this_thread::sleep_for(library.slowness);
                        const auto found = library.categories.find(category);
                        return found == library.categories.end() ? texts({}) : texts(found->second);
@@ -115,8 +116,9 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
                      [library, texts, note](Args& args) {
                        const std::string group = base::ToText(args[0]) + "/" + base::ToText(args[1]);
                        note("GetAlbumsByCategory " + group);
-                       const auto found = library.albums.find(group);
-                       return found == library.albums.end() ? texts({}) : texts(found->second);
+                       if (library.playlists && library.playlists->albums.count(group) != 0)
+                         return texts(library.playlists->albums.at(group));
+                       return texts({});
                      }});
   members.push_back({"Title", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("River"); }});
   members.push_back({"artist", MemberKind::kReadField, {}, Type::kText, [](Args&) { return Value("Joni"); }});

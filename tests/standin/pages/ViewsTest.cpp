@@ -84,7 +84,10 @@ TEST_F(Views, BackLeadsToTheSamePlace) {
   ASSERT_TRUE(has(".long-row button"));
   browser.type("//input[@id='library-search']", "List 1");
   ASSERT_TRUE(
-      browser.eventually("return document.querySelector('.library-count').textContent.startsWith('300 ')"));
+      browser.eventually("return document.querySelector('.library-count').textContent === '300 found'"));
+  browser.click("//a[text()='All 300 playlists']");
+  ASSERT_TRUE(
+      browser.eventually("return document.querySelector('.library-count').textContent === '300 playlists'"));
   browser.run("document.querySelector('.long').scrollTop = 52 * 150");
   ASSERT_TRUE(has("[data-index='155'] .row-main"));
   browser.run(
@@ -95,9 +98,15 @@ TEST_F(Views, BackLeadsToTheSamePlace) {
   EXPECT_TRUE(
       browser.eventually("return document.activeElement.closest('[data-index]')?.dataset.index === '155'"));
   EXPECT_EQ(browser.run("return document.activeElement.textContent"), "List 1155");
-  EXPECT_EQ(browser.run("return document.querySelector('#library-search').value"), "List 1");
   EXPECT_EQ(browser.run("return document.querySelector('.long').scrollTop"), 52 * 150);
+  EXPECT_TRUE(titleBecomes("List 1 – Vantorix"));
+  browser.back();
   EXPECT_TRUE(titleBecomes("Playlists – Vantorix"));
+  EXPECT_TRUE(
+      browser.eventually("return document.querySelector('.library-count')?.textContent === '300 found'"));
+  EXPECT_EQ(browser.run("return document.querySelector('#library-search').value"), "List 1");
+  EXPECT_TRUE(browser.eventually("return document.activeElement.textContent === 'All 300 playlists'"))
+      << "the link that led away";
 }
 
 TEST_F(Views, BackLeadsToTheSamePlaceFromAnotherDocumentToo) {

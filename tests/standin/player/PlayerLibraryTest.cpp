@@ -46,7 +46,7 @@ class LibraryPage : public testing::Test {
     manner.library.groups["Album/Blue"] = {"River", "Carey"};
     manner.library.groups["Album/50% & more/less?"] = {"One"};
     manner.library.groups["Album/Hits"] = {};
-    manner.library.albums["Artist/Joni"] = {"Blue", "Court and Spark"};
+    raw->albums["Artist/Joni"] = {"Blue", "Court and Spark"};
     return manner;
   }
   void waitReady() {

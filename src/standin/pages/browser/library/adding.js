@@ -1,8 +1,10 @@
 // Adding titles of the library to playlists, and the dialogs that this takes.
 import {el} from '../kit/dom.js';
+import {html} from '../kit/html.js';
 import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
-import {address} from './titles.js';
+import {address} from './kinds.js';
+import {named, short} from './titles.js';
 
 let target = '';  // the list that titles are added to, while some are being gathered
 
@@ -14,30 +16,26 @@ export function renamedTarget(before, now) {
   if (target === before) target = now;
 }
 
-/** While titles are gathered for a list, this says for which. */
-export function addingBar() {
-  if (!target) return '';
-  return el('div', {class: 'adding', role: 'status'}, el('span', {}, 'Adding to ', el('strong', {}, target)),
-    el('button', {type: 'button', class: 'primary', onclick: () => {
-      const list = target;
-      target = '';
-      location.hash = address('PlayList', list);
-    }}, 'Done'));
+function stopGathering() {
+  const list = target;
+  target = '';
+  location.hash = address('PlayList', list);
 }
 
-/** Adds one title, or the whole group without one. */
-export function addButton(category, group, title, words) {
-  const what = title?.title || group;
+/** While titles are gathered for a list, this says for which. */
+export const addingBar = () => target ? html`<div class="adding" role="status"><span>Adding to
+  <strong>${named(target)}</strong></span><button type="button" class="primary" @click=${stopGathering}>Done</button></div>` : '';
+
+/** Adds what the order names to a list of the user's choice; `what` is its name for him. */
+export function addButton(order, what, words) {
   const add = async (name) => {
-    await ask('/api/playlist/add', {name, category, group, ...(title ? {titles: [title]} : {})});
-    toast(`Added ${what} to ${name}`);
+    await ask('/api/playlist/add', {name, ...order});
+    toast(['Added ', named(what), ' to ', named(name)]);
   };
-  const button = el('button', {type: 'button', class: words ? '' : 'round add', 'aria-label': words ? `${words}: ${what}` : `Add ${what} to a playlist`,
-    title: 'Add to a playlist', onclick: async () => {
-      if (target) run(button, () => add(target)).then(() => button.focus({preventScroll: true}));
-      else await choose(`Add ${what}`, add);
-    }}, words || el('span', {'aria-hidden': 'true'}, '+'));
-  return button;
+  const start = (button) => target ? run(button, () => add(target)) : choose(`Add ${short(what)}`, add);
+  return html`<button type="button" class=${words ? '' : 'round add'} title="Add to a playlist"
+    aria-label=${words ? `${words}: ${short(what)}` : `Add ${short(what)} to a playlist`}
+    @click=${(event) => start(event.currentTarget)}>${words || html`<span aria-hidden="true">+</span>`}</button>`;
 }
 
 function dialog(heading, ...content) {
@@ -50,17 +48,24 @@ function dialog(heading, ...content) {
   return node;
 }
 
+const problemLine = () => el('p', {class: 'problem', role: 'alert', hidden: true});
+
+function tell(problem, error) {
+  problem.textContent = error.message;
+  problem.hidden = false;
+}
+
 async function choose(heading, add) {
   const names = el('ul', {class: 'box-list', 'aria-label': 'Playlists'});
-  const problem = el('p', {class: 'problem', role: 'alert', hidden: true});
-  const input = el('input', {'aria-label': 'Name of a new playlist', placeholder: 'New playlist', maxlength: 300, autocomplete: 'off'});
+  const problem = problemLine();
+  const input = el('input', {'aria-label': 'Name of a new playlist', placeholder: 'New playlist', maxlength: 300,
+    autocomplete: 'off'});
   const attempt = async (work) => {
     try {
       await work();
       box.close();
     } catch (error) {
-      problem.textContent = error.message;
-      problem.hidden = false;
+      tell(problem, error);
     }
   };
   const form = el('form', {class: 'row box-new', onsubmit: (event) => {
@@ -77,29 +82,30 @@ async function choose(heading, add) {
       onclick: () => attempt(() => add(name))}, name))));
     (names.querySelector('button') || input).focus();
   } catch (error) {
-    problem.textContent = error.message;
-    problem.hidden = false;
+    tell(problem, error);
   }
 }
 
 /** Asks for a name until `use` takes it; answers what that answers, or nothing. */
 export function askName(heading, initial, use) {
   return new Promise((resolve) => {
-    const input = el('input', {'aria-label': 'Name', maxlength: 300, autocomplete: 'off', value: initial, required: true});
-    const problem = el('p', {class: 'problem', role: 'alert', hidden: true});
+    const input = el('input', {'aria-label': 'Name', maxlength: 300, autocomplete: 'off', value: initial,
+      required: true});
+    const problem = problemLine();
     const done = el('button', {class: 'primary'}, 'Save');
-    const box = dialog(heading, el('form', {class: 'row box-new', onsubmit: async (event) => {
-      event.preventDefault();
+    const save = async () => {
       done.disabled = true;
       try {
-        const answer = await use(input.value);
-        resolve(answer);
+        resolve(await use(input.value));
         box.close();
       } catch (error) {
-        problem.textContent = error.message;
-        problem.hidden = false;
+        tell(problem, error);
       }
       done.disabled = false;
+    };
+    const box = dialog(heading, el('form', {class: 'row box-new', onsubmit: (event) => {
+      event.preventDefault();
+      save();
     }}, input, done), problem);
     box.addEventListener('close', () => resolve(null));
     input.select();

@@ -1,349 +1,287 @@
-// Playlists: their titles are moved, added and removed, lists made, renamed and deleted, and all of it undone.
-import {askName, renamedTarget, gatherFor} from './adding.js';
+// The page of a playlist: its titles are moved, added and removed, the list renamed and deleted, and all of it undone.
 import {el} from '../kit/dom.js';
-import {ask, run} from '../kit/server.js';
-import {toast} from '../kit/toasts.js';
+import {html, render} from '../kit/html.js';
 import {longList} from '../kit/longlist.js';
 import {reorder} from '../kit/reorder.js';
-import {address, play, playButton, searchKeys, titleButton} from './titles.js';
+import {ask, complain, run} from '../kit/server.js';
+import {toast, toastWithButton} from '../kit/toasts.js';
+import {askName, gatherFor, renamedTarget} from './adding.js';
+import {Changes} from './changes.js';
+import {address, counted, kTitleWords} from './kinds.js';
+import {deleteList} from './lists-tools.js';
+import {Details, joined, orderOf, play, playButton, rowsOf, searchField, short, titleMain} from './titles.js';
+import {sentence, Turns} from './turns.js';
+import {watch} from './watching.js';
 
-const kWatch = 5000;  // milliseconds between two words to the server that this page looks at a list
-const kPageId = Math.random().toString(36).slice(2) + Date.now().toString(36);
+const kScrolled = 400;  // milliseconds after which the server hears of other rows in sight
 
-let open = null;      // the page of one list, while it is shown
-let collection = null;  // the tools of the list of lists, while they are shown
-let watchTimer = 0;
+export class PlaylistPage {
+  #body;
+  #context;
+  #edit;
+  #me;  // {name, version, fresh}
+  #details = new Details();
+  #count = el('p', {class: 'quiet library-count', role: 'status'}, 'Loading…');
+  #said = el('p', {class: 'sr', 'aria-live': 'assertive', id: 'playlist-said'});
+  #search;
+  #list;
+  #turns;
+  #changes;
+  #drag;
+  #tellWatch;
+  #answer = null;
+  #gone = false;
 
-export function leavePlaylists() {
-  clearInterval(watchTimer);
-  open?.controller.abort();
-  open = null;
-  collection?.controller.abort();
-  collection = null;
-}
-
-function watch(tell) {
-  clearInterval(watchTimer);
-  const now = () => {
-    if (document.visibilityState === 'visible') ask('/api/playlist/watch', {page: kPageId, ...tell()}).catch(() => {});
-  };
-  watchTimer = setInterval(now, kWatch);
-  now();
-  return now;
-}
-
-/** The names of all lists are in sight. */
-export function playlistsSeen() {
-  watch(() => ({name: '', from: 0, rows: 0}));
-}
-
-/** Something has become of a playlist, here or elsewhere. */
-export function playlistChanged(event) {
-  if (event.lists) {
-    collection?.look();
-    return;
+  constructor(body, context, name, edit) {
+    this.#body = body;
+    this.#context = context;
+    this.#edit = edit;
+    this.#me = {name, version: 0, fresh: true};
+    const {signal, house, keep, kept} = context;
+    this.#search = searchField(`Search in ${name}`, 'Search titles', kept.sought ?? '',
+      {sought: () => this.#load(), down: () => this.#list.focusFirst()});
+    this.#list = longList(short(name), (offset, limit) => this.#fetch(offset, limit),
+      (title, index, place) => this.#row(title, index, place), (total) => this.#sized(total));
+    this.#changes = new Changes(this.#me, {told: (answer) => this.#turns?.show(answer),
+      say: (text) => this.#say(text), refresh: () => this.#refresh()});
+    this.#turns = edit ? new Turns((action) => this.#turn(action), () => this.#draw(), signal) : null;
+    this.#drag = reorder(this.#list, {allowed: () => edit && !this.#sought && this.#list.total() > 1, signal,
+      onMove: (from, to, byKey) => this.#move(from, to, byKey), say: (text) => this.#say(text),
+      nameOf: (index) => this.#list.known(index)?.name ?? 'The title',
+      onSettled: () => setTimeout(() => this.#changes.settle())});
+    this.#list.node.addEventListener('keydown', (event) => this.#key(event));
+    keep(() => ({sought: this.#search.value, list: this.#answer ? this.#list.place() : kept.list}));
+    house.on('playlist', (event) => this.#happened(event), signal);
+    this.#draw();
+    this.#watchList();
   }
-  if (event.of) progress(event);
-  if (!open || event.name.toLowerCase() !== open.name.toLowerCase()) return;
-  if (event.renamed) open.renamed(event.renamed);
-  else if (event.gone) open.gone();
-  else if (event.of && event.over) open.again();
-  else if (event.version > open.version) open.changedElsewhere();
-}
 
-function progress({name, restored, of, over, failed, said, missing}) {
-  if (failed) toast(failed, 'bad');
-  else if (said) toast(sentence(said), missing ? 'bad' : '');
-  const text = over ? '' : `“${name}” is coming back: ${restored.toLocaleString()} of ${of.toLocaleString()}`;
-  for (const node of document.querySelectorAll('.restoring')) node.textContent = text;
-}
-
-// Undo and redo.
-
-function turnButtons(turn) {
-  const make = (words, action, sign) => el('button', {type: 'button', class: 'turn', disabled: true, 'data-turn': action,
-    'aria-label': words, onclick: () => turn(action)}, el('span', {'aria-hidden': 'true'}, sign), ` ${words}`);
-  return {undo: make('Undo', 'undo', '↶'), redo: make('Redo', 'redo', '↷')};
-}
-
-function showTurns({undo, redo}, answer) {
-  for (const [button, step, word] of [[undo, answer.undo, 'Undo'], [redo, answer.redo, 'Redo']]) {
-    button.disabled = !step;
-    button.title = step ? `${word} ${step}` : `Nothing to ${word.toLowerCase()}`;
-    button.setAttribute('aria-label', step ? `${word} ${step}` : word);
+  get #sought() {
+    return this.#search.value.trim();
   }
-}
 
-/** A step that can't be undone stays in the way until somebody says that it may be forgotten. */
-function stuckNotice(node, error, action, forget) {
-  const button = el('button', {type: 'button', onclick: () => { node.hidden = true; forget(`skip-${action}`); }}, 'Forget this step');
-  const close = el('button', {type: 'button', class: 'round plain', 'aria-label': 'Close', onclick: () => { node.hidden = true; }}, '✕');
-  node.replaceChildren(el('p', {}, error.message), el('div', {class: 'tools'}, button, close));
-  node.hidden = false;
-}
+  refreshButton() {
+    return html`<button type="button" @click=${(event) => run(event.currentTarget, () => this.again())}>Refresh</button>`;
+  }
 
-function turnKeys(controller, turn) {
-  document.addEventListener('keydown', (event) => {
-    if (!(event.ctrlKey || event.metaKey) || event.altKey || event.target.closest?.('input, textarea, select, dialog')) return;
-    const key = event.key.toLowerCase();
-    const action = key === 'z' ? (event.shiftKey ? 'redo' : 'undo') : key === 'y' ? 'redo' : '';
-    if (!action) return;
-    event.preventDefault();
-    turn(action);
-  }, {signal: controller.signal});
-}
+  start(place) {
+    return this.#load(place);
+  }
 
-/** Above the list of all lists: a new one, and the way back from a deletion. */
-export function playlistTools(edit, view) {
-  const restoring = el('p', {class: 'quiet restoring', role: 'status'});
-  if (!edit) return restoring;
-  const controller = new AbortController();
-  const stuck = el('div', {class: 'notice-bar', role: 'alert', hidden: true});
-  const turn = async (action) => {
+  again() {
+    this.#me.fresh = true;
+    return this.#refresh();
+  }
+
+  // What is shown.
+
+  #draw() {
+    if (this.#context.signal.aborted || this.#gone) return;
+    const {name} = this.#me;
+    const none = this.#answer?.total === 0;
+    this.#list.node.hidden = none;
+    render(html`<div class="group-head"><a href=${address('PlayList')} class="back" aria-label="Back to the list">‹</a>
+        <h2>${name}</h2><button type="button" class="primary" ?disabled=${this.#answer?.all === 0}
+        @click=${(event) => play(event.currentTarget, {category: 'PlayList', name}, name)}>Play all</button></div>
+      ${this.#edit ? this.#tools() : ''}${this.#turns?.notice() ?? ''}
+      <div class="library-search">${this.#search}${this.#count}</div>${this.#details.node}
+      ${this.#edit ? html`<p class="sr" id="playlist-help">Alt and the arrow keys move a title, Delete removes it,
+        Control Z undoes.</p>` : ''}
+      ${none ? this.#empty() : ''}${this.#list.node}${this.#said}`, this.#body);
+  }
+
+  #tools() {
+    return html`<div class="tools playlist-tools">
+      <button type="button" @click=${() => this.#gather()}>Add titles</button>${this.#turns.buttons()}
+      <button type="button" @click=${() => this.#askRename()}>Rename</button>
+      <button type="button" class="danger" @click=${(event) => run(event.currentTarget, () => this.#delete())}>Delete</button>
+    </div>`;
+  }
+
+  #empty() {
+    if (this.#sought) return html`<p class="empty">Nothing found for “${short(this.#sought)}” in this playlist.</p>`;
+    return html`<p class="empty">This playlist is empty. ${this.#edit
+      ? '“Add titles” leads to the albums: their + adds to it.' : ''}</p>`;
+  }
+
+  #row(title, index, place) {
+    const label = short(title.name);
+    const order = {category: 'PlayList', name: this.#me.name, ...orderOf(title, place)};
+    return html`${this.#edit && !this.#sought ? html`<button type="button" class="handle" aria-label=${`Move ${label}`}
+        title="Drag, or press Enter and use the arrow keys"><span aria-hidden="true">⠿</span></button>` : ''}
+      <span class="row-number" aria-hidden="true">${place + 1}</span>
+      ${titleMain(title, joined(title.artist, title.album), this.#details)}${playButton(order, title.name)}
+      ${this.#edit ? html`<button type="button" class="round plain" aria-label=${`Remove ${label}`} title="Remove"
+        @click=${() => this.#remove(index, place, title)}><span aria-hidden="true">✕</span></button>` : ''}`;
+  }
+
+  #say(text) {
+    this.#said.textContent = text;
+  }
+
+  #sized(total) {
+    this.#count.textContent = total ? counted(total, kTitleWords) : '';
+    if (this.#answer) this.#answer = {...this.#answer, total, ...(this.#sought ? {} : {all: total})};
+    this.#draw();
+  }
+
+  // What is read.
+
+  async #fetch(offset, limit) {
+    const query = new URLSearchParams({group: this.#me.name, q: this.#sought, offset, limit});
+    if (this.#me.fresh) query.set('fresh', '1');
+    this.#me.fresh = false;
+    const answer = await ask(`/api/playlist?${query}`, undefined, this.#context.signal);
+    this.#answer = answer;
+    if (this.#me.name !== answer.name) this.#renamed(answer.name);
+    this.#turns?.show(answer);
+    return {...answer, names: rowsOf(answer)};
+  }
+
+  async #load(place) {
     try {
-      const answer = await ask(`/api/playlist/${action}`, {name: ''});
-      stuck.hidden = true;
-      showTurns(buttons, answer);
-      if (answer.restoring) progress({name: answer.name, restored: answer.restoring[0], of: answer.restoring[1]});
-      else if (answer.said) toast(sentence(answer.said));
-      view.again();
+      await this.#list.load(place);
+      if (this.#answer) this.#me.version = this.#answer.version;
     } catch (error) {
-      if (error.answer?.stuck) stuckNotice(stuck, error, action, turn);
-      else toast(error.message, 'bad');
+      this.#failed(error);
     }
-  };
-  const buttons = turnButtons(turn);
-  const look = () => ask('/api/playlists').then((answer) => showTurns(buttons, answer)).catch(() => {});
-  const fresh = el('button', {type: 'button', class: 'primary', onclick: async () => {
-    const made = await askName('New playlist', '', (name) => ask('/api/playlist/create', {name}));
-    if (made) location.hash = address('PlayList', made.name);
-  }}, 'New playlist');
-  collection = {controller, look};
-  turnKeys(controller, turn);
-  look();
-  return el('div', {}, el('div', {class: 'tools playlist-tools'}, fresh, buttons.undo, buttons.redo), stuck, restoring);
-}
-
-const sentence = (words) => words ? words[0].toUpperCase() + words.slice(1) : '';
-
-// One list.
-
-/** Fills `body` with the list; answers what looks at it again. */
-export function playlistPage(body, name, edit, view, {keep, kept}) {
-  const controller = new AbortController();
-  const me = open = {name, version: 0, controller, inFlight: 0, late: false};
-  const title = el('h2', {}, name);
-  const count = el('p', {class: 'quiet library-count', role: 'status'});
-  const said = el('p', {class: 'sr', 'aria-live': 'assertive', id: 'playlist-said'});
-  const stuck = el('div', {class: 'notice-bar', role: 'alert', hidden: true});
-  const details = el('div', {class: 'details', role: 'status', hidden: true});
-  const search = el('input', {type: 'search', id: 'library-search', autocomplete: 'off', 'aria-label': `Search in ${name}`,
-    placeholder: 'Search titles'});
-  search.value = kept.search ?? '';
-  keep(() => ({search: search.value, list: list.place()}));
-  const say = (text) => { said.textContent = text; };
-  let fresh = true;
-  let sequence = Promise.resolve();  // changes are sent one after the other
-  let generation = 0;                // of the list as it is shown; what belongs to an older one is not sent
-
-  const fetchPage = async (offset, limit) => {
-    const query = new URLSearchParams({group: me.name, q: search.value.trim(), offset, limit});
-    if (fresh) query.set('fresh', '1');
-    fresh = false;
-    const answer = await ask(`/api/playlist?${query}`);
-    me.fetched = answer.version;
-    if (me.name !== answer.name) rename(answer.name);
-    showTurns(buttons, answer);
-    return answer;
-  };
-  const list = longList(name, fetchPage, row, (total) => {
-    count.textContent = total ? `${total.toLocaleString()} ${total === 1 ? 'title' : 'titles'}`
-      : search.value.trim() ? 'Nothing found' : 'This playlist is empty';
-  });
-  const nameOf = (index) => list.known(index) ?? 'The title';
-
-  function row(item, index, at) {
-    const filtered = Boolean(search.value.trim());
-    const handle = edit && !filtered ? el('button', {type: 'button', class: 'handle', 'aria-label': `Move ${item}`,
-      title: 'Drag, or press Enter and use the arrow keys'}, el('span', {'aria-hidden': 'true'}, '⠿')) : '';
-    const away = edit ? el('button', {type: 'button', class: 'round plain', 'aria-label': `Remove ${item}`, title: 'Remove',
-      onclick: () => remove(index, at, item)}, el('span', {'aria-hidden': 'true'}, '✕')) : '';
-    return [handle, el('span', {class: 'row-number', 'aria-hidden': 'true'}, `${at + 1}`),
-      titleButton('PlayList', me.name, item, details), playButton('PlayList', me.name, item), away];
   }
 
-  const refresh = async () => {
-    if (drag.active()) {
-      me.late = true;
+  async #refresh() {
+    const changes = this.#changes;
+    if (this.#drag.active()) {
+      changes.late = true;
       return;
     }
-    me.late = false;
+    changes.late = false;
     try {
-      if (await list.refresh()) me.version = me.fetched;
-      else me.late = true;
-      if (me.late && !me.inFlight && open === me) setTimeout(refresh);
+      if (await this.#list.refresh()) this.#me.version = this.#answer.version;
+      else changes.late = true;
+      if (changes.late) setTimeout(() => { if (!this.#context.signal.aborted) changes.settle(); });
     } catch (error) {
-      if (error.status === 404) me.gone();
-      else count.textContent = error.message;
+      this.#failed(error);
     }
-  };
-
-  /** Sends a change that the page shows already; puts it back when it is refused. */
-  function send(action, order, words) {
-    const mine = generation;
-    me.inFlight++;
-    sequence = sequence.then(async () => {
-      if (mine !== generation) return;
-      try {
-        const answer = await ask(`/api/playlist/${action}`, {name: me.name, ...await order()});
-        showTurns(buttons, answer);
-        // Somebody else's change came in between: what is there is fetched.
-        if (answer.version !== me.version + 1) me.late = true;
-        me.version = answer.version;
-        if (words) say(words);
-      } catch (error) {
-        generation++;
-        me.late = true;
-        fresh = true;
-        toast(error.message, 'bad');
-        say(error.message);
-      }
-    }).finally(() => {
-      me.inFlight--;
-      if (me.late && !me.inFlight && open === me) refresh();
-    });
-    return sequence;
   }
 
-  function move(from, to, byKey) {
-    const item = nameOf(from);
-    const reach = (index) => list.nameAt(index < from ? index : index + 1);  // as if the title were not there
-    const around = Promise.all([to > 0 ? reach(to - 1) : null, to < list.total() - 1 ? reach(to) : null]);
+  #failed(error) {
+    if (error.name === 'AbortError') return;
+    if (error.status === 404) {
+      this.#isGone();
+      return;
+    }
+    this.#count.textContent = error.message;
+    complain(error);
+  }
+
+  // What becomes of the list, here or elsewhere.
+
+  #happened(event) {
+    const about = event.name?.toLowerCase() === this.#me.name.toLowerCase();
+    if (event.lists || !about) return;
+    if (event.renamed) this.#renamed(event.renamed);
+    else if (event.gone) this.#isGone();
+    else if (event.of && event.over) this.again();
+    else if (event.version > this.#me.version && this.#changes.busy) this.#changes.late = true;
+    else if (event.version > this.#me.version) this.#refresh();
+  }
+
+  #renamed(now) {
+    renamedTarget(this.#me.name, now);
+    this.#me.name = now;
+    if (this.#context.signal.aborted) return;  // a late answer: the address belongs to another page
+    history.replaceState(history.state, '', address('PlayList', now));
+    this.#context.title(now);
+    this.#draw();
+    this.#tellWatch?.();
+  }
+
+  #isGone() {
+    if (this.#context.signal.aborted) return;
+    this.#drag.end();
+    this.#gone = true;
+    render(html`<div class="notice"><p>The playlist “<bdi>${short(this.#me.name)}</bdi>” is no longer there.</p>
+      <a href=${address('PlayList')}>To the playlists</a></div>`, this.#body);
+  }
+
+  #watchList() {
+    this.#tellWatch = watch(() => {
+      const {first, last} = this.#list.range();
+      return {name: this.#me.name, from: first, rows: last - first};
+    }, this.#context.signal);
+    let scrolled = 0;
+    this.#list.node.addEventListener('scroll', () => {
+      clearTimeout(scrolled);
+      scrolled = setTimeout(this.#tellWatch, kScrolled);
+    }, {passive: true});
+  }
+
+  // What the user does.
+
+  #key(event) {
+    if (event.key !== 'Delete' || !this.#edit || this.#drag.active()) return;
+    event.target.closest('.long-row')?.querySelector('[aria-label^="Remove"]')?.click();
+  }
+
+  #gather() {
+    gatherFor(this.#me.name);
+    location.hash = address('Album');
+  }
+
+  #move(from, to, byKey) {
+    const list = this.#list;
+    const title = list.known(from)?.name ?? 'The title';
+    const nameAt = async (index) => (await list.nameAt(index < from ? index : index + 1))?.name ?? null;  // without it
+    const around = Promise.all([to > 0 ? nameAt(to - 1) : null, to < list.total() - 1 ? nameAt(to) : null]);
     list.move(from, to);
     if (byKey) list.focusRow(to, 0);
     else list.rowAt(to)?.classList.add('landed');
     const place = `Place ${to + 1} of ${list.total()}`;
-    send('move', async () => {
+    this.#changes.send('move', async () => {
       const [before, after] = await around;
-      return {from, to, title: item, before, after};
-    }, `${item}: ${place}`);
-    if (byKey) say(`${item}: ${place}`);
+      return {from, to, title, before, after};
+    }, `${short(title)}: ${place}`);
+    if (byKey) this.#say(`${short(title)}: ${place}`);
   }
 
-  function remove(index, at, item) {
-    const place = [...list.rowAt(index)?.querySelectorAll('button') ?? []].indexOf(document.activeElement);
+  #remove(index, place, title) {
+    const list = this.#list;
+    const button = [...list.rowAt(index)?.querySelectorAll('button') ?? []].indexOf(document.activeElement);
     list.remove(index);
-    if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(place, 0));
-    send('remove', async () => ({at, title: item}));
-    toastUndo(`Removed ${item}`);  // which is read out as well
+    if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(button, 0));
+    this.#changes.send('remove', async () => ({at: place, title: title.name}));
+    toastWithButton(`Removed ${short(title.name)}`, 'Undo', () => {  // which is read out as well
+      if (!this.#context.signal.aborted) this.#turn('undo');
+    }, 5000);
   }
 
-  function toastUndo(text) {
-    const back = el('button', {type: 'button', class: 'toast-button', onclick: () => {
-      back.closest('.toast').remove();
-      if (open === me) turn('undo');
-    }}, 'Undo');
-    toast([`${text} `, back], '', 5000);
-  }
-
-  function turn(action) {
-    sequence = sequence.then(async () => {
+  #turn(action) {
+    return this.#changes.after(async () => {
       try {
-        const answer = await ask(`/api/playlist/${action}`, {name: me.name});
-        stuck.hidden = true;
-        say(sentence(answer.said));
-        if (!answer.total && answer.total !== 0) return;  // the list is no longer there
-        showTurns(buttons, answer);
-        if (answer.name !== me.name) rename(answer.name);
-        fresh = true;  // as the player has it, whatever was kept of it before
-        await refresh();
+        const answer = await ask(`/api/playlist/${action}`, {name: this.#me.name});
+        this.#turns.stuck(null);
+        this.#say(sentence(answer.said));
+        if (answer.total === undefined) return;  // the list is no longer there
+        this.#turns.show(answer);
+        if (answer.name !== this.#me.name) this.#renamed(answer.name);
+        await this.again();  // as the player has it, whatever was kept of it before
       } catch (error) {
-        if (error.answer?.stuck) stuckNotice(stuck, error, action, turn);
+        if (error.answer?.stuck) this.#turns.stuck(error.message, action);
         else toast(error.message, 'bad');
-        say(error.message);
+        this.#say(error.message);
       }
     });
-    return sequence;
   }
 
-  const buttons = turnButtons(turn);
-  const drag = reorder(list, {allowed: () => edit && !search.value.trim() && list.total() > 1, onMove: move, say, nameOf,
-    onSettled: () => { if (me.late && !me.inFlight) setTimeout(refresh); }, signal: controller.signal});
-  list.node.addEventListener('keydown', (event) => {
-    if (event.key !== 'Delete' || !edit || drag.active()) return;
-    event.target.closest('.long-row')?.querySelector('[aria-label^="Remove"]')?.click();
-  });
-
-  function rename(now) {
-    renamedTarget(me.name, now);
-    me.name = now;
-    if (open !== me) return;  // a late answer: the address belongs to another page
-    title.textContent = now;
-    history.replaceState(history.state, '', address('PlayList', now));
-    view.hash = location.hash;
-    tellWatch?.();
+  #askRename() {
+    return askName('Rename playlist', this.#me.name, async (to) => {
+      const answer = await ask('/api/playlist/rename', {name: this.#me.name, to});
+      this.#me.version = answer.version;
+      this.#turns.show(answer);
+      this.#renamed(answer.name);
+    });
   }
-  Object.assign(me, {
-    renamed: rename,
-    gone() {
-      me.inFlight = 0;
-      drag.end();
-      body.replaceChildren(el('div', {class: 'notice'}, el('p', {}, `The playlist “${me.name}” is no longer there.`),
-        el('a', {href: address('PlayList')}, 'To the playlists')));
-      leavePlaylists();
-    },
-    changedElsewhere() {
-      if (me.inFlight) me.late = true;
-      else refresh();
-    },
-    again() {
-      fresh = true;
-      refresh();
-    },
-  });
 
-  const all = el('button', {type: 'button', class: 'primary', onclick: () => play(all, 'PlayList', me.name, '')}, 'Play all');
-  const tools = edit ? el('div', {class: 'tools playlist-tools'},
-    el('button', {type: 'button', onclick: () => { gatherFor(me.name); location.hash = address('Album'); }}, 'Add titles'),
-    buttons.undo, buttons.redo,
-    el('button', {type: 'button', onclick: () => askName('Rename playlist', me.name,
-      (to) => ask('/api/playlist/rename', {name: me.name, to}).then((answer) => {
-        me.version = answer.version;
-        showTurns(buttons, answer);
-        rename(answer.name);
-      }))}, 'Rename'),
-    el('button', {type: 'button', class: 'danger', onclick: (event) => run(event.currentTarget, async () => {
-      const gone = me.name;
-      await ask('/api/playlist/delete', {name: gone});
-      toast(`Deleted ${gone}`);
-      location.hash = address('PlayList');
-    })}, 'Delete')) : null;
-  const load = async (place) => {
-    try {
-      await list.load(place);
-      me.version = me.fetched;
-    } catch (error) {
-      count.textContent = error.message;
-    }
-  };
-  searchKeys(search, list, () => load());
-  body.replaceChildren(...[
-    el('div', {class: 'group-head'}, el('a', {href: address('PlayList'), class: 'back', 'aria-label': 'Back to the list'}, '‹'),
-      title, all),
-    tools, stuck, el('div', {class: 'library-search'}, search, count), details,
-    edit ? el('p', {class: 'sr', id: 'playlist-help'}, 'Alt and the arrow keys move a title, Delete removes it, Control Z undoes.') : null,
-    list.node, said].filter(Boolean));
-  if (edit) turnKeys(controller, turn);
-  count.textContent = 'Loading…';
-  view.shown = load(kept.list);
-  const tellWatch = watch(() => {
-    const {first, last} = list.range();
-    return {name: me.name, from: first, rows: last - first};
-  });
-  let scrolled = 0;
-  list.node.addEventListener('scroll', () => {
-    clearTimeout(scrolled);
-    scrolled = setTimeout(() => { if (open === me) tellWatch(); }, 400);
-  }, {passive: true});
-  return me.again;
+  async #delete() {
+    if (await deleteList(this.#me.name)) location.hash = address('PlayList');
+  }
 }

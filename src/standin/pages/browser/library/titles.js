@@ -1,59 +1,86 @@
-// What the library's lists have in common: addresses, search, playing, and what a title tells of itself.
+// What the library's lists have in common: names, playing, and what a title tells of itself.
 import {el} from '../kit/dom.js';
+import {html, nothing, render} from '../kit/html.js';
 import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
 
-const kPause = 200;  // milliseconds without a key before the search starts
+const kPause = 200;    // milliseconds without a key before the search starts
+const kLongest = 300;  // characters of a name where it is one of many, or part of a sentence
 
-export const address = (category, group) => `#library/${category}${group ? '/' + encodeURIComponent(group) : ''}`;
+export const short = (name) => name.length > kLongest
+  ? `${Array.from(name.slice(0, 2 * kLongest)).slice(0, kLongest).join('')}…` : name;
+
+/** A name within a sentence, whose signs for the direction of writing end with it. */
+export const named = (name) => el('bdi', {}, short(name));
+
+export function timeText(seconds) {
+  if (!seconds) return '';
+  const whole = Math.round(seconds);
+  const two = (number) => String(number).padStart(2, '0');
+  const hours = Math.floor(whole / 3600);
+  const minutes = Math.floor(whole / 60) % 60;
+  return hours ? `${hours}:${two(minutes)}:${two(whole % 60)}` : `${minutes}:${two(whole % 60)}`;
+}
+
+export const joined = (...facts) => facts.filter(Boolean).map(short).join(' · ');
+
+/** The rows of an answer: names, or titles with what the server tells of each, or heads. */
+export const rowsOf = ({names, titles}) => titles
+  ? names.map((name, i) => titles[i] ? {name, ...titles[i]} : {head: name}) : names;
+
+/** What is posted to have this very title played, or added. */
+export const orderOf = (title, at) => ({at, title: title.name, mark: title.mark});
 
 /** The search begins when the keys pause; the arrow leads into the list. */
-export function searchKeys(search, list, load) {
+export function searchField(label, placeholder, text, {sought, down}) {
   let timer = 0;
-  search.addEventListener('input', () => {
+  const field = el('input', {type: 'search', id: 'library-search', autocomplete: 'off', 'aria-label': short(label), placeholder,
+    value: text});
+  field.addEventListener('input', () => {
     clearTimeout(timer);
-    timer = setTimeout(load, kPause);
+    timer = setTimeout(sought, kPause);
   });
-  search.addEventListener('keydown', (event) => {
+  field.addEventListener('keydown', (event) => {
     if (event.key !== 'ArrowDown') return;
     event.preventDefault();
-    list.focusFirst();
+    down();
+  });
+  return field;
+}
+
+/** `order` as /api/play takes it. */
+export function play(button, order, name) {
+  return run(button, async () => {
+    await ask('/api/play', order);
+    toast(['Playing ', named(name)]);
   });
 }
 
-export function play(button, category, name, title) {
-  return run(button, async () => {
-    await ask('/api/play', {category, name, title});
-    toast(`Playing ${title || name}`);
-  }).then(() => button.focus({preventScroll: true}));
-}
+export const playButton = (order, name) => html`<button type="button" class="round" title="Play"
+  aria-label=${`Play ${short(name)}`} @click=${(event) => play(event.currentTarget, order, name)}><span
+  aria-hidden="true">▶</span></button>`;
 
-export function playButton(category, name, title) {
-  const button = el('button', {type: 'button', class: 'round', 'aria-label': `Play ${title || name}`, title: 'Play',
-    onclick: () => play(button, category, name, title)}, el('span', {'aria-hidden': 'true'}, '▶'));
-  return button;
-}
+/** The part of a row that tells the title, and tells all of it when it is chosen. */
+export const titleMain = (title, facts, details) => html`<button type="button" class="row-main" title=${short(title.name)}
+    @click=${() => details.show(title)}><span class="row-name">${short(title.name)}</span><span
+    class="row-facts">${facts}</span></button><span class="row-time">${timeText(title.seconds)}</span>`;
 
-/** The title tells more of itself when it is chosen: below its name, and in full above the list. */
-export function titleButton(category, group, title, details) {
-  const facts = el('span', {class: 'row-facts'});
-  return el('button', {type: 'button', class: 'row-main', title, onclick: async () => {
-    try {
-      const told = await ask(`/api/media?${new URLSearchParams({category, name: group, title})}`);
-      facts.textContent = [told.artist, told.album, told.genre, length(told.seconds)].filter(Boolean).join(' · ')
-        || 'Nothing more is known';
-      const close = el('button', {type: 'button', class: 'round plain', 'aria-label': 'Close',
-        onclick: () => { details.hidden = true; }}, '✕');
-      details.replaceChildren(el('div', {}, el('strong', {class: 'whole'}, title), el('p', {class: 'quiet'}, facts.textContent)), close);
-      details.hidden = false;
-    } catch (error) {
-      toast(error.message, 'bad');
-    }
-  }}, el('span', {class: 'row-name'}, title), facts);
-}
+/** A name that leads to its group. */
+export const groupMain = (name, href) => html`<button type="button" class="row-main" title=${short(name)}
+  @click=${() => { location.hash = href; }}><span class="row-name">${short(name)}</span></button>`;
 
-function length(seconds) {
-  if (seconds === undefined) return '';
-  const whole = Math.round(seconds);
-  return `${Math.floor(whole / 60)}:${String(whole % 60).padStart(2, '0')}`;
+/** Above a list: a title in full, with all that is known of it. */
+export class Details {
+  node = el('div', {class: 'details', role: 'status', hidden: true});
+
+  show(title) {
+    const facts = [title.artist, title.album, title.albumArtist !== title.artist && title.albumArtist, title.genre,
+      title.track && `track ${title.track}`, timeText(title.seconds)].filter(Boolean);
+    render(html`<div><strong class="whole">${title.name}</strong>
+        <p class="quiet">${facts.length ? facts.map((fact, i) => html`${i ? ' · ' : nothing}<bdi>${fact}</bdi>`)
+    : 'Nothing more is known'}</p></div>
+      <button type="button" class="round plain" aria-label="Close"
+        @click=${() => { this.node.hidden = true; }}>✕</button>`, this.node);
+    this.node.hidden = false;
+  }
 }
