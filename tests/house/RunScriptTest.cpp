@@ -8,6 +8,7 @@
 
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
+#include "support/JsonText.hpp"
 #include "support/Process.hpp"
 #include "support/SmallMusic.hpp"
 
@@ -43,7 +44,7 @@ class RunScript : public ::testing::Test {
   static bool becomesReady(int port) {
     return support::Eventually([&] {
       const auto answer = httplib::Client("127.0.0.1", port).Get("/api/state");
-      return answer && nlohmann::json::parse(answer->body)["plugin"]["state"] == "ready";
+      return answer && support::JsonOf(answer->body)["plugin"]["state"] == "ready";
     });
   }
   support::TempFolder folder;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/Browser.hpp"
+#include "support/JsonText.hpp"
 
 namespace support {
 
@@ -25,7 +26,7 @@ inline std::vector<std::string> Barriers(Browser& browser) {
       "  barriers: told.violations.filter((each) => ['serious', 'critical'].includes(each.impact))"
       "    .flatMap((each) => each.nodes.map((node) => `${each.impact} ${each.id}: ${node.target.join(' ')}: "
       "${node.failureSummary}`))}), (error) => done({rules: 0, barriers: [String(error)]}))");
-  if (found["rules"].get<int>() < 5) throw std::runtime_error("The rules found no page: " + found.dump());
+  if (found["rules"].get<int>() < 5) throw std::runtime_error("The rules found no page: " + TextOf(found));
   return found["barriers"].get<std::vector<std::string>>();
 }
 

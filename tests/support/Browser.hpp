@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/JsonText.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
 
@@ -139,9 +140,9 @@ class Browser {
     httplib::Client client("127.0.0.1", port_);
     client.set_read_timeout(90);
     const auto answer =
-        method == "POST" ? client.Post(path, body.dump(), "application/json") : client.Get(path);
+        method == "POST" ? client.Post(path, TextOf(body), "application/json") : client.Get(path);
     if (!answer) throw std::runtime_error("the browser does not answer");
-    const Json json = Json::parse(answer->body);
+    const Json json = JsonOf(answer->body);
     if (answer->status != 200) throw std::runtime_error(json["value"].value("message", answer->body));
     return json["value"];
   }

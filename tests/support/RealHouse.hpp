@@ -7,6 +7,7 @@
 
 #include "bus/Connection.hpp"
 #include "support/BusDaemon.hpp"
+#include "support/JsonText.hpp"
 #include "support/Process.hpp"
 
 namespace support {
@@ -63,7 +64,7 @@ class RealHouse {
   // What the page sees.
   Json state() {
     const auto answer = client().Get("/api/state");
-    return answer && answer->status == 200 ? Json::parse(answer->body) : Json::object();
+    return answer && answer->status == 200 ? JsonOf(answer->body) : Json::object();
   }
   std::string pluginState() {
     const Json now = state();
@@ -85,7 +86,7 @@ class RealHouse {
   }
   /// The HTTP status of a post.
   int post(const std::string& path, const Json& body) {
-    const auto answer = client().Post(path, {{"Origin", url()}}, body.dump(), "application/json");
+    const auto answer = client().Post(path, {{"Origin", url()}}, TextOf(body), "application/json");
     return answer ? answer->status : -1;
   }
   int press(const std::string& name, const std::string& caption) {
@@ -97,14 +98,14 @@ class RealHouse {
   std::string log() {
     const auto answer = client().Get("/api/log");
     std::string all;
-    const Json json = answer && answer->status == 200 ? Json::parse(answer->body) : Json::object();
+    const Json json = answer && answer->status == 200 ? JsonOf(answer->body) : Json::object();
     if (json.contains("lines"))
       for (const Json& line : json["lines"])
         all += line["type"].get<std::string>() + ": " + line["text"].get<std::string>() + "\n";
     return all;
   }
   bool logHas(const std::string& line) {
-    return Eventually([&] { return log().find(line) != std::string::npos; }, std::chrono::seconds(10));
+    return Eventually([&] { return log().find(line) != std::string::npos; });
   }
 
  private:

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/JsonText.hpp"
 #include "support/Process.hpp"
 
 namespace support {
@@ -22,11 +23,11 @@ class WebClient {
   }
   nlohmann::json json(const std::string& path) {
     const auto answer = get(path);
-    return answer ? nlohmann::json::parse(answer->body, nullptr, false) : nlohmann::json();
+    return answer ? JsonIfAny(answer->body) : nlohmann::json();
   }
   /// The status of a post from a page of the server's own; 0 without an answer.
   int post(const std::string& path, const nlohmann::json& body) {
-    return postText(path, body.dump(), "application/json", {{"Origin", origin_}});
+    return postText(path, TextOf(body), "application/json", {{"Origin", origin_}});
   }
   int postText(const std::string& path, const std::string& body, const std::string& type,
                httplib::Headers headers) {
