@@ -35,13 +35,13 @@ class ListUser {
         .get<Names>();
   }
   bool shows(const Names& wanted) {
-    return Eventually([&] { return titles() == wanted; }, std::chrono::seconds(15));
+    return Eventually([&] { return titles() == wanted; });
   }
   std::string said() {
     return browser.run("return document.querySelector('#playlist-said').textContent").get<std::string>();
   }
   bool says(const std::string& words) {
-    return Eventually([&] { return said().find(words) != std::string::npos; }, std::chrono::seconds(10));
+    return Eventually([&] { return said().find(words) != std::string::npos; });
   }
   bool toasts(const std::string& words) {
     return browser.eventually(

@@ -52,10 +52,11 @@ class PlaylistInABrowser : public testing::Test {
     httplib::Client client("127.0.0.1", house.port());
     const auto answer =
         client.Get("/api/playlist?fresh=1&limit=500&group=" + httplib::detail::encode_query_param(list));
-    return answer && answer->status == 200 ? json::parse(answer->body)["names"].get<Names>() : Names{"none"};
+    return answer && answer->status == 200 ? support::JsonOf(answer->body)["names"].get<Names>()
+                                           : Names{"none"};
   }
   bool isStored(const Names& wanted) {
-    return Eventually([&] { return stored() == wanted; }, std::chrono::seconds(15));
+    return Eventually([&] { return stored() == wanted; });
   }
   [[nodiscard]] std::string file() const {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(music.path()))

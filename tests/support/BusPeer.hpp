@@ -83,7 +83,7 @@ class BusPeer {
 
 /// Turns the loop until `done` or until the deadline; answers `done()`.
 inline bool TurnUntil(bus::PollLoop& loop, const std::function<bool()>& done,
-                      base::Milliseconds deadline = std::chrono::seconds(20)) {
+                      base::Milliseconds deadline = std::chrono::seconds(60)) {
   const auto end = loop.now() + deadline;
   while (!done() && loop.now() < end) loop.turn(base::Milliseconds(20));
   return done();

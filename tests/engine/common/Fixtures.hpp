@@ -39,7 +39,7 @@ class TempFolder {
 
 /// Turns the loop until `condition` holds. False when it does not within the time.
 bool TurnUntil(bus::PollLoop& loop, const std::function<bool()>& condition,
-               std::chrono::seconds limit = std::chrono::seconds(30));
+               std::chrono::seconds limit = std::chrono::seconds(60));
 /// Turns the loop for that long.
 void TurnFor(bus::PollLoop& loop, std::chrono::milliseconds time);
 

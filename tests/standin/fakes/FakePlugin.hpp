@@ -18,11 +18,11 @@ namespace support {
 class FakePlugin {
  public:
   struct Manner {
-    int statusTwice = 0;                 ///< how often InterfaceStatus says "not yet"
-    std::function<void()> end;           ///< what ShutdownIO does besides
-    std::string refusal;                 ///< what InitIO answers
-    std::chrono::milliseconds press{0};  ///< how long a button takes
-    FakeLibrary library{};               ///< what its script object knows
+    int statusTwice = 0;          ///< how often InterfaceStatus says "not yet"
+    std::function<void()> end;    ///< what ShutdownIO does besides
+    std::string refusal;          ///< what InitIO answers
+    std::function<void()> press;  ///< what a button does besides
+    FakeLibrary library{};        ///< what its script object knows
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init{};
     std::function<std::string(const std::string& link)> genPage{};  ///< in place of a line of its own
     std::function<std::string(const std::string& data)> pagePut{};
@@ -52,7 +52,7 @@ class FakePlugin {
   }
   /// Waits until the call has come.
   bool heard(const std::string& call) {
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 3000; ++i) {
       const auto all = calls();
       if (std::find(all.begin(), all.end(), call) != all.end()) return true;
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -151,7 +151,7 @@ class FakePlugin {
                                  Type::kNone,
                                  [this](Args& args) {
                                    note("ButtonPress " + base::ToText(args[0]));
-                                   std::this_thread::sleep_for(manner_.press);
+                                   if (manner_.press) manner_.press();
                                    return Value();
                                  }},
                                 {"SelectMenu",

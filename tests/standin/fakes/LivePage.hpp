@@ -43,7 +43,7 @@ class LivePage {
     return heard_;
   }
   /// Waits for the text in what comes or has come.
-  bool hears(const std::string& text, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+  bool hears(const std::string& text, std::chrono::milliseconds limit = std::chrono::seconds(60)) {
     return Eventually([&] { return heard().find(text) != std::string::npos; }, limit);
   }
 

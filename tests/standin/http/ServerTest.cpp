@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <future>
 #include <memory>
 
 #include "standin/fakes/FakePlugin.hpp"
@@ -135,7 +136,9 @@ TEST_F(Server, CommandsReachThePlugin) {
 
 TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   FakePlugin::Manner slow = furnishing();
-  slow.press = std::chrono::seconds(3);
+  std::promise<void> enough;
+  const auto waits = enough.get_future().share();
+  slow.press = [waits] { waits.wait_for(std::chrono::minutes(2)); };
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
   WebClient web(server.port());
@@ -150,6 +153,7 @@ TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   ASSERT_TRUE(plugin.heard("ButtonPress Pause"));
   EXPECT_EQ(stateOf(web), "ready");
   EXPECT_FALSE(pressed);
+  enough.set_value();
   press.join();
 }
 

@@ -53,7 +53,7 @@ class ScriptPage : public testing::Test {
   support::BusDaemon bus;
   support::TempFolder folder;
   FakePlugin plugin{bus.address(), withLibrary()};
-  ServerProcess server{bus.address(), folder.path() / "data", {"--script-seconds", "1"}};
+  ServerProcess server{bus.address(), folder.path() / "data", {"--script-seconds", "4"}};
   WebClient web{server.port()};
 };
 
@@ -98,9 +98,8 @@ TEST_F(ScriptPage, TheExamplesRun) {
 TEST_F(ScriptPage, TheHouseAnswersWhileAScriptLoops) {
   ASSERT_EQ(web.post("/api/script/run", {{"name", "loop"}, {"text", "print('on')\nwhile true do end"}}), 200);
   EXPECT_EQ(web.post("/api/script/run", {{"name", "other"}, {"text", ""}}), 409);
-  const auto begun = std::chrono::steady_clock::now();
   EXPECT_EQ(web.get("/api/state")->status, 200);
-  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(1));
+  EXPECT_EQ(web.json("/api/script/run").at("running"), true);
   ASSERT_TRUE(ended());
   const json run = web.json("/api/script/run");
   EXPECT_EQ(run.at("output"), "on\n");

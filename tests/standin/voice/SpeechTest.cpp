@@ -184,7 +184,7 @@ TEST(EspeakVoice, OnAMachineWithoutSoundSaysSoAndLeavesItAloneForAWhile) {
     EXPECT_EQ(failure.number(), base::number::kDeviceIo);
     const auto from = std::chrono::steady_clock::now();
     EXPECT_THROW(voice.say("b"), base::Failure);
-    EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::milliseconds(100));
+    EXPECT_LT(std::chrono::steady_clock::now() - from, std::chrono::seconds(2));
   }
   voice.hush();
 }
