@@ -115,7 +115,7 @@ player::MediaRef Library::add(const std::string& url) {
   } else {
     record.path = std::filesystem::absolute(record.path).lexically_normal().string();
     record.stamp = files::StampOf(record.path);
-    record.tags = ReadTags(record.path);
+    record.tags = ReadTags(record.path).tags;
     if (record.tags.kind == MediaKind::kNone) {
       throw base::Failure(base::number::kInvalidArgument, SafeName(record.path) + " holds no music");
     }

@@ -18,7 +18,4 @@ class Pictures {
   std::unordered_map<std::string, std::string> known_;  ///< by path and stamp
 };
 
-/// The front cover inside a media file, or its first picture; empty without one.
-std::string EmbeddedPicture(const std::string& path);
-
 }  // namespace engine

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "engine/scan/TagReader.hpp"
+#include "engine/tags/MediaFile.hpp"
 #include "files/FileError.hpp"
 #include "files/Stamp.hpp"
 
@@ -48,7 +49,7 @@ FolderListing ListFolder(const std::string& path) {
     }
     if (entry->d_name[0] == '.') continue;
     const bool mayBeFolder = entry->d_type != DT_REG;
-    const bool media = KindByName(entry->d_name) != MediaKind::kNone;
+    const bool media = tags::KindByName(entry->d_name) != MediaKind::kNone;
     if (!media && !mayBeFolder) continue;
     std::string full = path + '/' + entry->d_name;
     if (::fstatat(descriptor, entry->d_name, &info, 0) != 0) {

@@ -7,7 +7,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
+constexpr int kWithoutFilms = 1;
+
+/// The version before knew films and some more by their names alone, and names of any length. Such files are
+/// read anew.
+constexpr const char* kReadAnew =
+    "UPDATE tracks SET modified = -1, title = substr(title, 1, 1024), artist = substr(artist, 1, 1024),"
+    " albumartist = substr(albumartist, 1, 1024), album = substr(album, 1, 1024), genre = substr(genre, 1, "
+    "1024),"
+    " collection = substr(collection, 1, 1024), disc_id = substr(disc_id, 1, 1024)"
+    " WHERE added = 0 AND (kind = 2 OR path LIKE '%.mka' OR path LIKE '%.aac' OR path LIKE '%.mp2' OR"
+    " max(length(title), length(artist), length(albumartist), length(album), length(genre), "
+    "length(collection),"
+    " length(disc_id)) > 4096)";
 
 constexpr const char* kColumns =
     "CREATE TABLE IF NOT EXISTS tracks (path TEXT PRIMARY KEY, modified INTEGER, size INTEGER, inode INTEGER,"
@@ -63,7 +76,11 @@ void LibraryStore::open(const std::string& path) {
     const std::int64_t known = found ? version.integer(0) : 0;
     while (version.step()) {
     }
-    if (known != 0 && known != kVersion) database_->run("DROP TABLE IF EXISTS tracks");
+    if (known == kWithoutFilms) {
+      database_->run(kReadAnew);
+    } else if (known != 0 && known != kVersion) {
+      database_->run("DROP TABLE IF EXISTS tracks");
+    }
   }
   database_->run(kColumns);
   database_->run("PRAGMA user_version=" + std::to_string(kVersion));

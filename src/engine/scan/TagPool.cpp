@@ -11,7 +11,9 @@ namespace engine {
 TagResult ReadRecord(FileRecord record) {
   TagResult result;
   try {
-    record.tags = ReadTags(record.path);
+    TagReading reading = ReadTags(record.path);
+    record.tags = std::move(reading.tags);
+    result.complaint = std::move(reading.remark);
   } catch (const base::Failure& failure) {
     switch (failure.number()) {
       case base::number::kFileNotFound: result.outcome = TagResult::Outcome::kGone; break;
