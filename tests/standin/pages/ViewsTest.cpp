@@ -148,6 +148,25 @@ TEST_F(Views, NothingIsGreenWhileTheServerIsDown) {
   EXPECT_TRUE(browser.eventually("return document.querySelectorAll('.pill-good').length === 1"));
 }
 
+TEST_F(Views, AConnectionThatDiesWithoutAWordIsFoundOut) {
+  open("#devices");
+  const json told = browser.runAsync(
+      "const done = arguments[0]; const made = []; let tick; let now = 0;"
+      "window.EventSource = class extends EventTarget {"
+      "  static CLOSED = 2; readyState = 1;"
+      "  constructor() { super(); made.push(this); }"
+      "  close() { this.closed = true; } };"
+      "window.setInterval = (work) => { tick = work; return 1; };"
+      "Date.now = () => now;"
+      "import(document.querySelector('script[src$=\"app.js\"]').src.replace('app.js', 'live/source.js'))"
+      "  .then(({Source}) => { const told = []; new Source((message) => told.push(message.type));"
+      "    made[0].onopen(); made[0].dispatchEvent(new Event('alive'));"
+      "    now = 11000; tick(); told.push('still');"
+      "    now = 12000; tick(); made[1].onopen();"
+      "    done([...told, made.length, made[0].closed]); }, error => done([String(error)]))");
+  EXPECT_EQ(told, json({"opened", "still", "lost", "opened", 2, true}));
+}
+
 TEST_F(Views, AnEditedScriptIsThereAgainAfterItWasLeft) {
   open("#scripts");
   ASSERT_TRUE(

@@ -32,7 +32,7 @@ export class Frame {
   #drawState() {
     const {user, plugin} = this.#house.state;
     const {pill, live, splash} = this.#parts;
-    live.hidden = this.#house.connected || !user;
+    live.hidden = this.#house.live || !user;
     // What is no longer heard of is not shown as if it were.
     const [words, style] = !user || !this.#house.connected ? ['', ''] : wordsFor(plugin);
     pill.textContent = words;

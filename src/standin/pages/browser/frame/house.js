@@ -13,9 +13,11 @@ const kTogether = 120;   // milliseconds in which several changes of the frame a
  * happens; 'signed-out' nobody is signed in.
  */
 export class House {
-  /** `user` is null while nobody is signed in; `way` then tells by what one is: "password" or "key". */
+  /** `user` is null while nobody is signed in; `way` then tells by what one is, "password" or "key",
+   * and `why` what to do about it. */
   state = {user: null, plugin: null, menu: [], links: [], devices: new Map()};
-  connected = true;
+  connected = true;  // false while the server can't be reached: nothing is known of the house then
+  live = true;       // false while its changes aren't heard of
   #listeners = new Map();
   #held = null;  // events that wait for the state
   #reload = 0;
@@ -39,7 +41,7 @@ export class House {
       this.state = {...answer, devices: new Map(answer.devices.map((device) => [device.ref, device]))};
     } catch (error) {
       if (error.status === 401) {
-        this.state = {...before, user: null, way: error.answer.way ?? 'password'};
+        this.state = {...before, user: null, way: error.answer.way ?? 'password', why: error.message};
         this.#tell('signed-out');
       } else if (this.connected) {
         toast(error.message, 'bad');
@@ -59,7 +61,7 @@ export class House {
         if (this.#held) this.#held.push(work);
         else work();
       } else {
-        this.#lost();
+        this.#lost(message.type === 'lost');
         if (message.type === 'refused') setTimeout(async () => { if (await this.load()) open(); }, kTryAgain);
       }
     });
@@ -67,7 +69,7 @@ export class House {
 
   /** What happened before the stream was open is in the state; what happens while that is on its way waits. */
   async #opened() {
-    this.connected = true;
+    this.connected = this.live = true;
     if (this.#held) return;
     this.#held = [];
     const loaded = await this.load();
@@ -77,9 +79,11 @@ export class House {
     for (const work of late) work();
   }
 
-  #lost() {
-    if (!this.connected || !this.state.user) return;
-    this.connected = false;
+  /** A server that refuses the stream, because too many pages are open, can be reached all the same. */
+  #lost(gone) {
+    if (!this.state.user || (!this.live && this.connected === !gone)) return;
+    this.live = false;
+    this.connected = !gone;
     this.#tell('state', this.state);
   }
 

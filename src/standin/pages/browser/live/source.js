@@ -1,5 +1,7 @@
 // The server's event stream, as a page, or the worker of all pages, reads it.
 const kKinds = ['device', 'removed', 'log', 'script', 'playlist', 'frame', 'launch', 'reload'];
+const kSilence = 12000;  // milliseconds without a word after which the connection is dead: the server says one every 5 s
+const kLook = 4000;
 
 /**
  * Tells {type: 'opened'}, {type: 'lost'} while the browser tries again, {type: 'refused'} when it does not, and
@@ -8,6 +10,8 @@ const kKinds = ['device', 'removed', 'log', 'script', 'playlist', 'frame', 'laun
 export class Source {
   #tell;
   #stream = null;
+  #watch = 0;
+  #heard = 0;  // when the server last said a word
   state = '';
 
   constructor(tell) {
@@ -21,17 +25,35 @@ export class Source {
     const stream = this.#stream = new EventSource('/api/live');
     this.state = 'opening';
     const become = (state) => {
+      if (stream !== this.#stream) return;
       this.state = state;
       this.#tell({type: state});
     };
     stream.onopen = () => become('opened');
     stream.onerror = () => become(stream.readyState === EventSource.CLOSED ? 'refused' : 'lost');
     for (const kind of kKinds) {
-      stream.addEventListener(kind, (event) => this.#tell({type: 'event', kind, data: event.data}));
+      stream.addEventListener(kind, (event) => {
+        this.#heard = Date.now();
+        this.#tell({type: 'event', kind, data: event.data});
+      });
     }
+    stream.addEventListener('alive', () => {
+      this.#heard = Date.now();
+      this.#watch ||= setInterval(() => this.#look(), kLook);
+    });
+  }
+
+  /** A connection may die without a word, as when a machine sleeps or a cable is pulled. */
+  #look() {
+    if (this.state !== 'opened' || Date.now() - this.#heard < kSilence) return;
+    this.close();
+    this.#tell({type: 'lost'});
+    this.open();
   }
 
   close() {
+    clearInterval(this.#watch);
+    this.#watch = 0;
     this.#stream?.close();
     this.#stream = null;
   }

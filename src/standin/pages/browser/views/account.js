@@ -37,14 +37,14 @@ function page(house, guests, chooseGuests) {
     ${user.guest ? nothing : [passwordForm(house), guestForm(house, guests, chooseGuests)]}
     <div class="row">
       ${user.guest || user.ownerHasPassword ? button(user.guest ? 'Leave guest mode' : 'Sign out', leave) : nothing}
-      ${!user.guest && user.guests === 'open' ? button('Try as a guest', () => ask('/api/login', {name: 'guest'})) : nothing}
+      ${user.guest ? nothing : button('Try as a guest', () => ask('/api/login', {name: 'guest'}))}
     </div></section>`;
 }
 
 function passwordForm(house) {
   const {user} = house.state;
   const why = user.ownerHasPassword ? (user.local ? 'Leave the new password empty to do without one on this machine.' : '')
-    : 'Without a password everyone at this machine is the owner. Other machines are let in only with one.';
+    : 'Without a password the address that the server prints lets you in; other machines are let in only with a password. It has 8 characters at least.';
   return html`<form @submit=${(event) => setPassword(event, house)}><h2>Password</h2><p class="quiet">${why}</p>
     <input type="text" name="name" .value=${user.name} autocomplete="username" hidden>
     ${user.ownerHasPassword ? passwordField('Old password', 'old', 'current-password') : nothing}

@@ -6,25 +6,21 @@ import {passwordField} from './account.js';
 export const signInView = {name: 'sign-in', title: 'Sign in', mount};
 
 function mount(place, {house}) {
+  const {way, why} = house.state;
+  // Without a password the owner is known by the key in the address that the server prints.
+  if (way === 'key') {
+    render(html`<section class="panel"><h1>Who are you?</h1><p>${why}</p></section>`, place);
+    return;
+  }
   const enter = (control, body) => run(control, async () => {
     await ask('/api/login', body);
     location.reload();
   });
-  const asGuest = (password) => html`<button type="button"
-    @click=${(event) => enter(event.currentTarget, {name: 'guest', password: password()})}>Look around as a guest</button>`;
-  const byKey = house.state.way === 'key';
-  render(byKey ? keyNeeded(asGuest(() => '')) : passwordForm(enter, asGuest), place);
-  if (!byKey) place.querySelector('[name=password]').focus();
+  render(passwordForm(enter), place);
+  place.querySelector('[name=password]').focus();
 }
 
-/** Without a password the owner is known by the key in the address that the server prints. */
-const keyNeeded = (guest) => html`<section class="panel">
-  <h1>Who are you?</h1>
-  <p>Open the address that the house printed when it was started: it carries a key, and this browser is then known.</p>
-  <p class="quiet"><code>vantorix-standin --address</code> prints it again.</p>
-  <div class="row">${guest}</div></section>`;
-
-function passwordForm(enter, asGuest) {
+function passwordForm(enter) {
   const field = (form, name) => form.elements[name].value;
   let form;
   return html`<form class="panel" ${ref((node) => { form = node; })} @submit=${(event) => {
@@ -34,5 +30,6 @@ function passwordForm(enter, asGuest) {
     <h1>Sign in</h1>
     <label class="field">Name<input name="name" value="owner" autocomplete="username"></label>
     ${passwordField('Password', 'password', 'current-password')}
-    <div class="row"><button class="primary" type="submit">Sign in</button>${asGuest(() => field(form, 'password'))}</div></form>`;
+    <div class="row"><button class="primary" type="submit">Sign in</button>
+      <button type="button" @click=${(event) => enter(event.currentTarget, {name: 'guest', password: field(form, 'password')})}>Look around as a guest</button></div></form>`;
 }

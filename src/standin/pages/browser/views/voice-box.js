@@ -7,7 +7,7 @@ export const voiceBox = () => html`
   <form class="voice" @submit=${say}>
     <span class="voice-mark" aria-hidden="true"></span>
     <input type="text" id="say" name="say" maxlength="500" autocomplete="off"
-      placeholder="Say something, like “play album Blue”" aria-label="Say something">
+      placeholder="Say something, like “volume up”" aria-label="Say something">
     <button class="primary" type="submit">Say</button>
   </form>`;
 
@@ -17,6 +17,6 @@ async function say(event) {
   const text = input.value.trim();
   if (!text) return;
   const button = event.currentTarget.querySelector('button');
-  if (await run(button, async () => toast((await ask('/api/voice', {text})).said || `Heard: ${text}`))) input.value = '';
+  if (await run(button, async () => toast(`Done: ${(await ask('/api/voice', {text})).done ?? text}`))) input.value = '';
   input.focus();
 }
