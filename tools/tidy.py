@@ -122,7 +122,7 @@ def main():
         units = [unit for unit in units
                  if unit.path in touched or not touched.isdisjoint(included(unit.path, unit.folders))]
     tool = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
-    for rules in (".clang-tidy", "tests/.clang-tidy"):
+    for rules in (".clang-tidy", "bench/.clang-tidy", "tests/.clang-tidy"):
         tool += (ROOT / rules).read_bytes()
     CACHE.mkdir(parents=True, exist_ok=True)
     fresh = [(unit, CACHE / unit.key(tool)) for unit in units]

@@ -45,6 +45,7 @@ template <class Ask>
 Load Run(const support::RealHouse& house, int clients, int count, std::size_t size, Ask ask) {
   std::vector<std::vector<double>> times(static_cast<std::size_t>(clients));
   std::vector<std::thread> threads;
+  threads.reserve(times.size());
   const auto begin = Clock::now();
   for (auto& mine : times) {
     threads.emplace_back([&house, &mine, &ask, count, size] {
