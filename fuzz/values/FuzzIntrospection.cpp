@@ -5,9 +5,10 @@
 #include "base/Failure.hpp"
 #include "bus/Errors.hpp"
 #include "bus/Introspection.hpp"
+#include "fuzz/Alphabet.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = support::Spelled(data, size);
   bus::FailureOf(text, text);
   try {
     const auto node = bus::ParseNode(text);

@@ -6,9 +6,11 @@
 #include <string>
 
 #include "base/Failure.hpp"
+#include "base/Interchange.hpp"
 #include "base/Members.hpp"
 #include "base/Text.hpp"
 #include "base/Value.hpp"
+#include "fuzz/Alphabet.hpp"
 
 namespace {
 
@@ -28,7 +30,7 @@ void ConvertOrFail(Conversion&& conversion) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = support::Spelled(data, size);
   const base::Value value(text);
   ConvertOrFail([&] { base::ToBoolean(value); });
   ConvertOrFail([&] { Require(base::ToInt32(value) == base::ToInt16(value)); });
@@ -47,5 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string repaired = base::RepairUtf8(text);
   Require(repaired.find('\0') != std::string::npos || base::IsPlainUtf8(repaired));
   if (base::IsPlainUtf8(text)) Require(repaired == text);
+  const std::string open = base::InterchangeUtf8(text);
+  Require(base::IsInterchangeUtf8(open));
+  Require(base::IsInterchangeUtf8(text) == (open == text));
   return 0;
 }

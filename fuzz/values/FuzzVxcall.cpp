@@ -3,10 +3,11 @@
 #include <string>
 
 #include "base/Text.hpp"
+#include "fuzz/Alphabet.hpp"
 #include "vxcall/Arguments.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto words = base::Split({reinterpret_cast<const char*>(data), size}, '\n');
+  const auto words = base::Split(support::Spelled(data, size), '\n');
   const vxcall::ObjectMaker noObjects = [](const std::string&, const std::string&) {
     return base::ObjectRef();
   };

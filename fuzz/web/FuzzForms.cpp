@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "fuzz/Alphabet.hpp"
 #include "web/PageForm.hpp"
 #include "web/UtilityModule.hpp"
 
@@ -27,7 +28,7 @@ std::string Encoded(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = support::Spelled(data, size);
   std::size_t failures = 0;
   web::PageForm page("WMP_Setup", [&](const base::Failure& failure, const std::string& procedure) {
     Require(failure.number() == base::number::kTypeMismatch && procedure == "UrlDecode");

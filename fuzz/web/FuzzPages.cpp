@@ -11,6 +11,7 @@
 #include <string>
 
 #include "base/Text.hpp"
+#include "fuzz/Alphabet.hpp"
 #include "player/WindowlessPopup.hpp"
 #include "plugin/Plugin.hpp"
 #include "support/FakeLibrary.hpp"
@@ -167,7 +168,7 @@ class PostedPages {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = support::Spelled(data, size);
   PostedPages pages;
   for (const std::string& body : base::Split(text, '\n')) pages.line(body);
   return 0;

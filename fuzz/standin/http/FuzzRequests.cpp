@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "fuzz/Alphabet.hpp"
 #include "standin/house/DeviceStore.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/http/WebRules.hpp"
@@ -28,9 +29,9 @@ void checkActingTags(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::filesystem::path root = std::filesystem::canonical("/usr/share");
-  const std::string text(reinterpret_cast<const char*>(data), size);
-  const std::string half = text.substr(0, size / 2);
-  const std::string rest = text.substr(size / 2);
+  const std::string text = support::Spelled(data, size);
+  const std::string half = text.substr(0, text.size() / 2);
+  const std::string rest = text.substr(text.size() / 2);
 
   const standin::AllowedHosts local(false, {"house.example"});
   if (local.allows(text)) {
@@ -48,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (const auto found = standin::FileBelow(root, text)) {
     if (!found->string().starts_with(root.string() + "/")) std::abort();
   }
-  if (size < 2000) static_cast<void>(standin::VoicePattern(half).fits(rest));
+  if (text.size() < 2000) static_cast<void>(standin::VoicePattern(half).fits(rest));
   standin::SplitValues(text);
   return 0;
 }

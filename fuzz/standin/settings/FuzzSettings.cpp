@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "fuzz/Alphabet.hpp"
 #include "standin/settings/IniText.hpp"
 #include "standin/settings/SettingsJournal.hpp"
 
@@ -15,12 +16,12 @@ void Require(bool holds) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text = support::Spelled(data, size);
   const std::string once = standin::IniFile::parse(text).format();
   Require(standin::IniFile::parse(once).format() == once);
 
   // Any three texts as section, key and value.
-  const std::size_t third = size / 3;
+  const std::size_t third = text.size() / 3;
   const std::string section = text.substr(0, third);
   const std::string key = text.substr(third, third);
   const std::string value = text.substr(2 * third);
