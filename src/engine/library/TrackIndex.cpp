@@ -1,8 +1,8 @@
 #include "engine/library/TrackIndex.hpp"
 
 #include <algorithm>
-#include <array>
 #include <tuple>
+#include <utility>
 
 #include "base/Text.hpp"
 
@@ -11,35 +11,66 @@ namespace {
 
 const TrackList kNoTracks = std::make_shared<const std::vector<TrackId>>();
 
-/// Compares texts by the place of their numbers in the case-folded order, found once for all of them.
+/// Texts as they are ordered: without regard to case, and by their own letters where that makes no
+/// difference.
+struct Folded {
+  explicit Folded(std::string_view text) : folded(base::LowerCase(text)), letters(text) {}
+  bool operator<(const Folded& other) const {
+    return std::tie(folded, letters) < std::tie(other.folded, other.letters);
+  }
+  std::string folded;
+  std::string_view letters;
+};
+
+/// Compares artists and albums by the place of their numbers in that order, found once for all of them.
 class Ranks {
  public:
   explicit Ranks(const TrackTable& table) : ranks_(table.texts(), 0) {
-    std::vector<bool> used(table.texts(), false);
+    std::vector<std::pair<Folded, StringPool::Id>> order;
     for (TrackId id = 0; id < table.rows(); ++id) {
       const Track& row = table.row(id);
       if (!row.present) continue;
-      for (const auto text : {row.title, row.artist, row.album, row.folder, row.file}) used[text] = true;
+      for (const auto text : {row.artist, row.album}) {
+        if (std::exchange(ranks_[text], 1) == 0) order.emplace_back(Folded(table.text(text)), text);
+      }
     }
-    std::vector<std::pair<std::string, StringPool::Id>> order;
-    for (StringPool::Id id = 0; id < used.size(); ++id) {
-      if (used[id]) order.emplace_back(base::LowerCase(table.text(id)), id);
-    }
-    std::sort(order.begin(), order.end(), [&](const auto& left, const auto& right) {
-      return std::tie(left.first) < std::tie(right.first) ||
-             (left.first == right.first && table.text(left.second) < table.text(right.second));
-    });
-    for (std::uint32_t place = 0; place < order.size(); ++place) ranks_[order[place].second] = place + 1;
+    std::sort(order.begin(), order.end(),
+              [](const auto& left, const auto& right) { return left.first < right.first; });
+    for (std::uint32_t place = 0; place < order.size(); ++place) ranks_[order[place].second] = place;
   }
-
-  [[nodiscard]] auto key(const Track& row) const {
-    return std::array<std::uint32_t, 7>{ranks_[row.artist], ranks_[row.album],  row.disc,        row.track,
-                                        ranks_[row.title],  ranks_[row.folder], ranks_[row.file]};
-  }
+  [[nodiscard]] std::uint32_t of(StringPool::Id text) const { return ranks_[text]; }
 
  private:
   std::vector<std::uint32_t> ranks_;
 };
+
+/// A track's place by artist, album, disc and number.
+struct Placed {
+  std::uint64_t names = 0;
+  std::uint32_t numbers = 0;
+  TrackId id = 0;
+
+  [[nodiscard]] bool beside(const Placed& other) const {
+    return names == other.names && numbers == other.numbers;
+  }
+  bool operator<(const Placed& other) const {
+    return std::tie(names, numbers) < std::tie(other.names, other.numbers);
+  }
+};
+
+/// Orders tracks that share their place by title and path.
+void OrderByTitle(const TrackTable& table, Placed* begin, Placed* end) {
+  if (end - begin < 2) return;
+  std::vector<std::tuple<Folded, Folded, Folded, Placed>> order;
+  order.reserve(static_cast<std::size_t>(end - begin));
+  for (const Placed* each = begin; each != end; ++each) {
+    const Track& row = table.row(each->id);
+    order.emplace_back(Folded(table.text(row.title)), Folded(table.text(row.folder)),
+                       Folded(table.text(row.file)), *each);
+  }
+  std::sort(order.begin(), order.end());
+  for (const auto& each : order) *begin++ = std::get<Placed>(each);
+}
 
 std::string SingleQuotes(const std::string& text) {
   std::string result;
@@ -56,16 +87,24 @@ void TrackIndex::refresh() {
   if (revision_ == table_.revision()) return;
   revision_ = table_.revision();
   groups_.clear();
-  std::vector<std::pair<std::array<std::uint32_t, 7>, TrackId>> order;
+  std::vector<Placed> order;
   order.reserve(table_.count());
   const Ranks ranks(table_);
   for (TrackId id = 0; id < table_.rows(); ++id) {
-    if (table_.row(id).present) order.emplace_back(ranks.key(table_.row(id)), id);
+    const Track& row = table_.row(id);
+    if (!row.present) continue;
+    order.push_back({(std::uint64_t{ranks.of(row.artist)} << 32U) | ranks.of(row.album),
+                     (std::uint32_t{row.disc} << 16U) | row.track, id});
   }
   std::sort(order.begin(), order.end());
+  // Most tracks have their place for themselves; only of the others are the titles asked.
+  for (std::size_t begin = 0, end = 0; begin < order.size(); begin = end) {
+    while (end < order.size() && order[end].beside(order[begin])) ++end;
+    OrderByTitle(table_, order.data() + begin, order.data() + end);
+  }
   auto ids = std::make_shared<std::vector<TrackId>>();
   ids->reserve(order.size());
-  for (const auto& entry : order) ids->push_back(entry.second);
+  for (const Placed& entry : order) ids->push_back(entry.id);
   all_ = std::move(ids);
 }
 
