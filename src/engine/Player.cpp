@@ -127,7 +127,7 @@ class Player : public player::WMP9 {
                   }),
         library_(loop, config,
                  {[this] { libraryChanged(); }, [this](const std::string& line) { message(line); },
-                  [this] { libraryScanned(); }}),
+                  [this] { libraryScanned(); }, [this] { playlists_.libraryChanged(); }}),
         playlists_(loop, config.playlistFolder, library_,
                    {[this] { post_([this] { events_.PlaylistCollectionChange(); }); },
                     [this] { playback_.listChanged(); }, [this](const std::string& line) { message(line); },
@@ -178,7 +178,6 @@ class Player : public player::WMP9 {
   }
 
   void libraryChanged() {
-    playlists_.libraryChanged();
     if (!ownChoice_) playback_.refresh(library_.getAll());
     events_.MediaCollectionChange();
   }

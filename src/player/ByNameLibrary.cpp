@@ -59,6 +59,27 @@ base::Array ReadItems(const Playlist& playlist, const Value& fields, std::int32_
   return texts;
 }
 
+// The way back of what readItems has told. Fields that a title has no place for are passed over.
+std::vector<ToldMedia> ToldIn(const base::Array& fields, const base::Array& texts) {
+  if (fields.empty() || texts.size() % fields.size() != 0)
+    throw base::Failure(base::number::kInvalidArgument, "There are texts without a field");
+  std::vector<ToldMedia> told(texts.size() / fields.size());
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    ToldMedia& media = told[i / fields.size()];
+    const std::string field = base::ToText(fields[i % fields.size()]);
+    std::string text = base::ToText(texts[i]);
+    if (base::SameText(field, "sourceURL"))
+      media.url = std::move(text);
+    else if (base::SameText(field, "name"))
+      media.title = std::move(text);
+    else if (base::SameText(field, "Artist"))
+      media.artist = std::move(text);
+    else if (base::SameText(field, "Duration"))
+      media.seconds = base::NumericPrefix(text);
+  }
+  return told;
+}
+
 }  // namespace
 
 MediaRef MediaBehind(const Value& value) { return Behind<Media>(value); }
@@ -100,6 +121,11 @@ base::ObjectRef ShowByName(const PlaylistRef& playlist) {
                [playlist](Args& args) { playlist->appendItem(MediaBehind(args[0])); }),
        Command("insertItem", {Number("index"), Object("media")},
                [playlist](Args& args) { playlist->insertItem(NumberAt(args, 0), MediaBehind(args[1])); }),
+       Command("insertItems", {Number("index"), {"fields", Type::kTextList}, {"texts", Type::kTextList}},
+               [playlist](Args& args) {
+                 playlist->insertItems(NumberAt(args, 0), ToldIn(args[1].array(), args[2].array()));
+               }),
+       ReadField("revision", Type::kDouble, [playlist] { return static_cast<double>(playlist->revision()); }),
        Command("removeItem", {Object("media")},
                [playlist](Args& args) { playlist->removeItem(MediaBehind(args[0])); }),
        Command("moveItem", {Number("oldIndex"), Number("newIndex")},

@@ -3,6 +3,9 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
+
+#include "base/Failure.hpp"
 
 /// The player's object model, under its own names. A property is an overloaded pair: without an argument it
 /// reads, with one it writes. Every call may throw Failure with the player's own error number; an index out
@@ -60,6 +63,14 @@ class Media : public Modelled {
 };
 using MediaRef = std::shared_ptr<Media>;
 
+/// A title as it is told for a place in a playlist; all but the address may be unknown.
+struct ToldMedia {
+  std::string url;
+  std::string title;
+  std::string artist;
+  double seconds = 0;
+};
+
 /// An ordered list of media. Only one from the playlist collection can be changed with lasting effect.
 class Playlist : public Modelled {
  public:
@@ -72,6 +83,18 @@ class Playlist : public Modelled {
   virtual void insertItem(std::int32_t index, const MediaRef& media) = 0;
   virtual void removeItem(const MediaRef& media) = 0;
   virtual void moveItem(std::int32_t oldIndex, std::int32_t newIndex) = 0;
+
+  // Of this system's own, for whoever changes lists of thousands from another process.
+
+  /// Puts all of them in at one go: media of the library where it knows the address, and otherwise what is
+  /// told of it, whether or not there is such a file now. Throws 5 for a list that is not stored.
+  virtual void insertItems(std::int32_t /*index*/, const std::vector<ToldMedia>& /*items*/) {
+    throw base::Failure(base::number::kInvalidArgument, "The list is not a stored playlist");
+  }
+  /// Grows by one with each item that is put in, taken out or moved, and by some number where items may be
+  /// shown as others than before. Begins anew, above all that was, with every player. 0 for a list that is
+  /// not stored.
+  [[nodiscard]] virtual std::int64_t revision() const { return 0; }
 };
 using PlaylistRef = std::shared_ptr<Playlist>;
 

@@ -1,5 +1,6 @@
 #include "player/ByName.hpp"
 
+#include "player/ByNameLibrary.hpp"
 #include "support/ScriptHouse.hpp"
 
 using base::Value;
@@ -90,6 +91,47 @@ TEST_F(PlayerByName, LongTextsAreReadInPieces) {
   const auto all = base::ToObject(part("mediaCollection")->invoke("getAll"));
   EXPECT_EQ(all->invoke("readItems", base::Array{"name"}, 0, 2).array().size(), 1U);
   EXPECT_EQ(all->invoke("readItems", base::Array{"name"}, 1, 1), Value(base::Array{"Track Two"}));
+}
+
+namespace {
+
+class StoredList : public support::FakePlaylist {
+ public:
+  using FakePlaylist::FakePlaylist;
+  void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override {
+    at = index;
+    told = items;
+  }
+  [[nodiscard]] std::int64_t revision() const override { return (std::int64_t{1} << 52) + 1; }
+  std::int32_t at = -1;
+  std::vector<player::ToldMedia> told;
+};
+
+}  // namespace
+
+TEST_F(PlayerByName, ManyItemsArePutInAtOnceAsTheyAreRead) {
+  support::Journal journal;
+  const auto list = std::make_shared<StoredList>(journal, "L");
+  const base::ObjectRef shown = player::ShowByName(player::PlaylistRef(list));
+  const base::Array fields{"Artist", "sourceURL", "Genre", "Duration", "name"};
+  shown->invoke("insertItems", 3, fields, base::Array{"A", "/1", "Jazz", "12.5", "T", "", "/2", "", "", ""});
+  EXPECT_EQ(list->at, 3);
+  ASSERT_EQ(list->told.size(), 2U);
+  EXPECT_EQ(list->told[0].url, "/1");
+  EXPECT_EQ(list->told[0].title, "T");
+  EXPECT_EQ(list->told[0].artist, "A");
+  EXPECT_EQ(list->told[0].seconds, 12.5);
+  EXPECT_EQ(list->told[1].url, "/2");
+  EXPECT_EQ(list->told[1].seconds, 0);
+  EXPECT_THROW(shown->invoke("insertItems", 0, fields, base::Array{"A", "/1"}), base::Failure);
+  EXPECT_THROW(shown->invoke("insertItems", 0, base::Array(), base::Array()), base::Failure);
+  EXPECT_EQ(shown->get("revision"), Value(4503599627370497.0));  // to the last digit
+}
+
+TEST_F(PlayerByName, OnlyAStoredListTakesManyItemsAtOnce) {
+  const auto all = base::ToObject(part("mediaCollection")->invoke("getAll"));
+  EXPECT_THROW(all->invoke("insertItems", 0, base::Array{"sourceURL"}, base::Array{"/1"}), base::Failure);
+  EXPECT_EQ(all->get("revision"), Value(0.0));
 }
 
 TEST_F(PlayerByName, NothingStaysNothing) {

@@ -89,6 +89,7 @@ void Library::take(const LibraryChange& change) {
 }
 
 void Library::noteChange() {
+  events_.known();
   if (!changeTimer_->enabled()) changeTimer_->enabled(true);
 }
 
@@ -96,6 +97,16 @@ player::MediaRef Library::known(const std::string& path) const {
   const auto id = shelf_->table.find(path);
   if (!id || !shelf_->table.row(*id).present) return nullptr;
   return std::make_shared<TrackMedia>(shelf_, *id);
+}
+
+player::MediaRef Library::trackAt(const std::string& path) const {
+  if (auto media = known(path)) return media;
+  if (path.find('\\') == std::string::npos || IsAddress(path)) return nullptr;
+  std::string slashed = path;
+  std::replace(slashed.begin(), slashed.end(), '\\', '/');
+  auto media = known(slashed);
+  std::error_code ignored;
+  return media && !std::filesystem::exists(path, ignored) ? media : nullptr;
 }
 
 player::MediaRef Library::mediaAt(const std::string& url) const {

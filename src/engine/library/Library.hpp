@@ -21,6 +21,7 @@ class Library : public player::MediaCollection {
     std::function<void()> changed;                    ///< some time after changes, many of them at once
     std::function<void(const std::string&)> message;  ///< a line for people
     std::function<void()> scanned;                    ///< a scan of all folders has ended
+    std::function<void()> known = [] {};  ///< with each change at once, for the engine's own parts
   };
 
   Library(base::Loop& loop, const Config& config, Events events);
@@ -29,6 +30,9 @@ class Library : public player::MediaCollection {
   /// The media at a path or address: the library's own if it has it, otherwise loose with what can be learnt
   /// without opening it.
   [[nodiscard]] player::MediaRef mediaAt(const std::string& url) const;
+  /// The library's own at a path or address, with slashes or backslashes; nothing without one. It asks
+  /// the table and no disk, as long as there is no doubt: it is asked for every item of every playlist.
+  [[nodiscard]] player::MediaRef trackAt(const std::string& path) const;
 
   player::MediaRef add(const std::string& url) override;
   player::PlaylistRef getAll() override;

@@ -19,8 +19,9 @@ constexpr std::string_view kNameTag = "#PLAYLIST:";
 /// The name to the letter, where the tag before, which other programs read, can't hold it.
 constexpr std::string_view kExactNameTag = "#VANTORIX-NAME:";
 constexpr std::string_view kItemTag = "#EXTINF:";
+/// Ends the list's own lines, where it would else be doubtful which those are.
+constexpr std::string_view kItemsTag = "#VANTORIX-ITEMS";
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
-constexpr int kLongestItem = 4'000'000;  // seconds, so that milliseconds are a 32-bit number
 constexpr std::size_t kLongestTitle = 4096;
 
 bool IsControl(char character) {
@@ -79,6 +80,28 @@ bool IsNameTag(std::string_view readable) {
 /// A tag of the list, not of the item that follows.
 bool IsListTag(std::string_view readable) {
   return IsNameTag(readable) || readable.starts_with(kHeader) || readable.starts_with("#EXTENC");
+}
+
+/// The list's own lines.
+struct Head {
+  std::size_t size = 0;
+  std::size_t mark = 0;  ///< of the line behind them that ends them
+};
+
+Head HeadOf(std::string_view text) {
+  std::size_t tags = text.size();  // where the tags right before the first item begin
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::size_t at = text.size() - rest.size();
+    const std::string_view line = TakeLine(rest);
+    const std::string_view readable = Readable(line);
+    if (readable == kItemsTag) return {at, line.size()};
+    if (IsItem(readable)) return {std::min(tags, at)};
+    if (IsListTag(readable))
+      tags = text.size();
+    else if (readable.starts_with("#EXT"))
+      tags = std::min(tags, at);
+  }
+  return {text.size()};
 }
 
 /// A location as a line of the file.
@@ -157,27 +180,19 @@ M3uText::M3uText(std::string text) : text_(std::move(text)) {
     rest.remove_prefix(kMark.size());
   }
   const std::size_t start = mark_.size();
-  std::size_t begin = start;
-  std::size_t tags = std::string::npos;  // where the tags right before the first item begin
+  const Head head = HeadOf(rest);
+  readHead(rest.substr(0, head.size));
+  if (const auto end = rest.find('\n'); end != std::string_view::npos && end > 0 && rest[end - 1] == '\r')
+    lineEnd_ = "\r\n";
+  std::size_t begin = start + head.size + head.mark;
+  rest.remove_prefix(head.size + head.mark);
   while (!rest.empty()) {
-    const std::size_t at = text_.size() - rest.size();
-    const std::string_view line = TakeLine(rest);
-    if (at == start && line.ends_with("\r\n")) lineEnd_ = "\r\n";
-    const std::string_view readable = Readable(line);
-    if (!IsItem(readable)) {
-      if (IsListTag(readable))
-        tags = std::string::npos;
-      else if (readable.starts_with("#EXT"))
-        tags = std::min(tags, at);
-      continue;
-    }
-    if (items_.empty()) begin = std::min(tags, at);
-    items_.push_back({begin, at + line.size() - begin});
-    begin = at + line.size();
+    if (!IsItem(Readable(TakeLine(rest)))) continue;
+    const std::size_t end = text_.size() - rest.size();
+    items_.push_back({begin, end - begin});
+    begin = end;
   }
-  const std::size_t headEnd = items_.empty() ? text_.size() : items_.front().begin;
-  if (!items_.empty()) tail_ = {begin, text_.size() - begin};
-  readHead(std::string_view(text_).substr(start, headEnd - start));
+  tail_ = {begin, text_.size() - begin};
 }
 
 void M3uText::readHead(std::string_view head) {
@@ -241,17 +256,22 @@ M3uItem M3uText::item(std::size_t index, const std::string& folder) const {
   return item;
 }
 
-void M3uText::insert(std::size_t index, const M3uItem& item) {
-  const std::string line = LineOf(item.location);
-  CheckLine(line);
-  if (!IsItem(Readable(line))) throw base::Failure(base::number::kInvalidArgument, "The item has no address");
+void M3uText::insertAll(std::size_t index, const std::vector<M3uItem>& items) {
+  std::vector<Piece> pieces;
+  std::string added;
+  for (const M3uItem& item : items) {
+    const std::string line = LineOf(item.location);
+    CheckLine(line);
+    if (!IsItem(Readable(line)))
+      throw base::Failure(base::number::kInvalidArgument, "The item has no address");
+    const std::size_t begin = added.size();
+    added += std::string(kItemTag) + std::to_string(item.seconds) + ',' + ShortTitle(OneLine(item.title)) +
+             lineEnd_ + line + lineEnd_;
+    pieces.push_back({text_.size() + begin, added.size() - begin});
+  }
   needHeader();
-  Piece piece{text_.size(), 0};
-  text_ +=
-      std::string(kItemTag) + std::to_string(item.seconds) + ',' + ShortTitle(OneLine(item.title)) + lineEnd_;
-  text_ += line + lineEnd_;
-  piece.size = text_.size() - piece.begin;
-  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), piece);
+  text_ += added;
+  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), pieces.begin(), pieces.end());
 }
 
 void M3uText::remove(std::size_t index) { items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(index)); }
@@ -271,8 +291,12 @@ std::string M3uText::text() const {
   std::string text;
   text.reserve(text_.size() + nameLines_.size() + 64);
   text += mark_ + front_ + nameLines_ + rest_;
+  const std::size_t head = text.size();
   for (const Piece& piece : items_) add(text, of(piece));
   add(text, of(tail_));
+  // An item that stood in the middle may bring remarks, or another list's name, to the front.
+  if (HeadOf(std::string_view(text).substr(mark_.size())).size != head - mark_.size())
+    text.insert(head, std::string(kItemsTag) + lineEnd_);
   if (mark_.empty() && text.starts_with(kMark)) text.insert(0, kMark);  // not to be taken for one
   return text;
 }

@@ -6,6 +6,8 @@
 
 namespace engine {
 
+constexpr int kLongestItem = 4'000'000;  ///< seconds, so that milliseconds are a 32-bit number
+
 /// An item as a playlist file tells it.
 struct M3uItem {
   std::string location;  ///< a path or an address
@@ -15,7 +17,8 @@ struct M3uItem {
 
 /// A playlist file's text. It is edited by lines, and what an edit does not concern stays as it stands:
 /// remarks, tags of other programs, line ends, an older encoding. The lines before an item are its own and go
-/// where it goes; those before the first item's tags belong to the list.
+/// where it goes; those before the first item's tags belong to the list, or those before
+/// a line of our own that is written where an edit has brought an item with other lines to the front.
 class M3uText {
  public:
   /// No line that is longer, or holds a code 0, is read; it is kept.
@@ -31,8 +34,9 @@ class M3uText {
   [[nodiscard]] std::size_t count() const { return items_.size(); }
   /// `folder` is what relative paths start from.
   [[nodiscard]] M3uItem item(std::size_t index, const std::string& folder) const;
-  /// Throws 5 for a location that is longer than a line may be.
-  void insert(std::size_t index, const M3uItem& item);
+  /// Throws 5 for a location that is longer than a line may be; then none is put in.
+  void insertAll(std::size_t index, const std::vector<M3uItem>& items);
+  void insert(std::size_t index, const M3uItem& item) { insertAll(index, {item}); }
   void remove(std::size_t index);
   void move(std::size_t from, std::size_t to);
 

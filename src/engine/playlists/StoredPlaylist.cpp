@@ -1,6 +1,7 @@
 #include "engine/playlists/StoredPlaylist.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <list>
 
@@ -47,6 +48,12 @@ void StoredPlaylist::name(const std::string& value) {
     ListPlaylist::name(value);
 }
 
+// A player that is started anew is later than this one, and no list changes a thousand times a millisecond.
+std::int64_t StoredPlaylist::firstRevision() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(now).count() * 1000;
+}
+
 void StoredPlaylist::appendItem(const player::MediaRef& media) {
   if (keeper_ == nullptr) return ListPlaylist::appendItem(media);
   const M3uItem item = Written(media);
@@ -54,6 +61,7 @@ void StoredPlaylist::appendItem(const player::MediaRef& media) {
   text.insert(size(), item);
   keeper_->save(*this, text.text());
   ListPlaylist::appendItem(media);
+  ++revision_;
   keeper_->tellContent();
 }
 
@@ -65,6 +73,27 @@ void StoredPlaylist::insertItem(std::int32_t index, const player::MediaRef& medi
   text.insert(static_cast<std::size_t>(index), item);
   keeper_->save(*this, text.text());
   ListPlaylist::insertItem(index, media);
+  ++revision_;
+  keeper_->tellContent();
+}
+
+void StoredPlaylist::insertItems(std::int32_t index, const std::vector<player::ToldMedia>& told) {
+  if (keeper_ == nullptr) return ListPlaylist::insertItems(index, told);
+  M3uText text = keeper_->open(*this);
+  check(index, size() + 1);
+  std::vector<player::MediaRef> media;
+  std::vector<M3uItem> items;
+  for (const player::ToldMedia& each : told) {
+    M3uItem item{PathOf(each.url), each.artist.empty() ? each.title : each.artist + " - " + each.title};
+    if (each.seconds > 0 && each.seconds < kLongestItem)
+      item.seconds = static_cast<int>(std::lround(each.seconds));
+    media.push_back(keeper_->mediaOf(item));
+    items.push_back(ItemOf(*media.back()));
+  }
+  text.insertAll(static_cast<std::size_t>(index), items);
+  keeper_->save(*this, text.text());
+  own().insert(own().begin() + index, media.begin(), media.end());
+  revision_ += static_cast<std::int64_t>(media.size());
   keeper_->tellContent();
 }
 
@@ -75,6 +104,7 @@ void StoredPlaylist::removeItem(const player::MediaRef& media) {
   text.remove(place);
   keeper_->save(*this, text.text());
   own().erase(own().begin() + static_cast<std::ptrdiff_t>(place));
+  ++revision_;
   keeper_->tellContent();
 }
 
@@ -86,6 +116,7 @@ void StoredPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {
   text.move(static_cast<std::size_t>(oldIndex), static_cast<std::size_t>(newIndex));
   keeper_->save(*this, text.text());
   ListPlaylist::moveItem(oldIndex, newIndex);
+  ++revision_;
   keeper_->tellContent();
 }
 
@@ -129,11 +160,13 @@ void StoredPlaylist::take(const std::string& name, std::vector<player::MediaRef>
     places.pop_front();
   }
   own() = std::move(items);
+  ++revision_;
   ListPlaylist::name(name);
 }
 
 void StoredPlaylist::renew(const std::function<player::MediaRef(const player::MediaRef&)>& newer) {
   forgetSwaps();
+  ++revision_;
   for (player::MediaRef& item : own()) {
     const player::MediaRef now = newer(item);
     if (!now) continue;

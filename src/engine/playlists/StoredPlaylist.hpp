@@ -29,6 +29,8 @@ class PlaylistKeeper {
   virtual M3uText open(StoredPlaylist& playlist) = 0;
   /// Writes the file. Throws as `WriteFile`; then the old file stays.
   virtual void save(StoredPlaylist& playlist, const std::string& text) = 0;
+  /// The media that an item of a file means.
+  [[nodiscard]] virtual player::MediaRef mediaOf(const M3uItem& item) const = 0;
   /// The playlist's items have changed.
   virtual void tellContent() = 0;
   /// Gives the playlist another name, in memory and on the disk or in neither.
@@ -48,6 +50,8 @@ class StoredPlaylist : public ListPlaylist {
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
   void removeItem(const player::MediaRef& media) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
+  void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override;
+  [[nodiscard]] std::int64_t revision() const override { return revision_; }
 
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] const files::FileStamp& stamp() const { return stamp_; }
@@ -64,7 +68,8 @@ class StoredPlaylist : public ListPlaylist {
   void take(const std::string& name, std::vector<player::MediaRef> items);
   void rename(const std::string& name) { ListPlaylist::name(name); }
   const std::vector<player::MediaRef>& items() { return own(); }
-  /// Puts what `newer` answers, another object for the same location or nothing, in the place of each item.
+  /// The library has changed: its own items may show other titles now. Puts what `newer` answers, another
+  /// object for the same location or nothing, in the place of each item.
   void renew(const std::function<player::MediaRef(const player::MediaRef&)>& newer);
 
  private:
@@ -78,7 +83,10 @@ class StoredPlaylist : public ListPlaylist {
   /// The list's own item that a held one has become.
   [[nodiscard]] player::MediaRef standsFor(player::MediaRef media) const;
 
+  static std::int64_t firstRevision();
+
   PlaylistKeeper* keeper_;
+  std::int64_t revision_ = firstRevision();
   std::string path_;
   files::FileStamp stamp_;
   std::unordered_map<const player::Media*, Swap> swaps_;  ///< of items that are held somewhere

@@ -45,25 +45,20 @@ std::string PlaceOf(const std::string& location) {
   return !fs::exists(location, ignored) && fs::exists(text, ignored) ? text : location;
 }
 
-bool IsTrack(const player::MediaRef& media) {
-  return dynamic_cast<const TrackMedia*>(media.get()) != nullptr;
+/// The library's own media at a location, which most players write from the playlist's folder on
+/// ("../Artist/x.flac"); nothing where it has none.
+player::MediaRef TrackAt(const Library& library, const std::string& location) {
+  auto known = library.trackAt(location);
+  if (known || location.find("/.") == std::string::npos) return known;
+  return library.trackAt(PlainLocation(location));
 }
 
-/// The media at a location, which most players write from the playlist's folder on ("../Artist/x.flac"): the
-/// library's own if it has it, otherwise loose at the location as it is written.
-player::MediaRef MediaAt(const Library& library, const std::string& location) {
-  auto media = library.mediaAt(location);
-  if (IsTrack(media)) return media;
-  const std::string written = LocationOf(*media);
-  const std::string plain = PlainLocation(written);
-  if (plain == written) return media;
-  auto known = library.mediaAt(plain);
-  return IsTrack(known) ? known : media;
-}
+}  // namespace
 
-player::MediaRef MediaOf(const Library& library, const M3uItem& item) {
-  auto media = MediaAt(library, PlaceOf(item.location));
-  if (IsTrack(media)) return media;
+player::MediaRef StoredPlaylists::mediaOf(const M3uItem& item) const {
+  const std::string place = PlaceOf(item.location);
+  if (auto known = TrackAt(library_, place)) return known;
+  const auto media = library_.mediaAt(place);
   TrackTags tags;
   tags.title = item.title.empty() ? media->name() : item.title;
   const auto dash = tags.title.find(" - ");
@@ -74,6 +69,8 @@ player::MediaRef MediaOf(const Library& library, const M3uItem& item) {
   if (item.seconds > 0) tags.milliseconds = static_cast<std::uint32_t>(item.seconds) * 1000;
   return std::make_shared<LooseMedia>(LocationOf(*media), std::move(tags));
 }
+
+namespace {
 
 /// As queries write a double quote.
 std::string WithSingleQuotes(const std::string& name) {
@@ -123,9 +120,8 @@ void StoredPlaylists::clearLeftovers() const {
 void StoredPlaylists::libraryChanged() {
   for (const auto& entry : byPath_) {
     entry.second->renew([this](const player::MediaRef& item) -> player::MediaRef {
-      if (dynamic_cast<const LooseMedia*>(item.get()) == nullptr) return nullptr;
-      auto known = MediaAt(library_, LocationOf(*item));
-      return IsTrack(known) ? known : nullptr;
+      const auto* loose = dynamic_cast<const LooseMedia*>(item.get());
+      return loose != nullptr ? TrackAt(library_, loose->place()) : nullptr;
     });
   }
 }
@@ -214,7 +210,7 @@ void StoredPlaylists::read(const std::string& path, const files::FileStamp& stam
   const std::string name = NameOf(text, path);
   std::vector<player::MediaRef> items;
   items.reserve(text.count());
-  for (std::size_t i = 0; i < text.count(); ++i) items.push_back(MediaOf(library_, text.item(i, folder)));
+  for (std::size_t i = 0; i < text.count(); ++i) items.push_back(mediaOf(text.item(i, folder)));
   const auto known = byPath_.find(path);
   const bool isKnown = known != byPath_.end();
   Stored playlist = found(path, stamp, isKnown);

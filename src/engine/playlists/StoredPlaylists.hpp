@@ -57,6 +57,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
 
   M3uText open(StoredPlaylist& playlist) override;
   void save(StoredPlaylist& playlist, const std::string& text) override;
+  [[nodiscard]] player::MediaRef mediaOf(const M3uItem& item) const override;
   void tellContent() override { events_.content(); }
   void rename(StoredPlaylist& playlist, const std::string& name) override;
 

@@ -121,9 +121,47 @@ TEST(PlaylistText, RemarksAndForeignTagsStayWhereTheyBelong) {
   text.name("M");
   EXPECT_EQ(text.text(),
             "\xEF\xBB\xBF#EXTM3U url-tvg=\"x\"\r\n# my favourites\r\n#PLAYLIST:M\r\n# since 2019\r\n"
-            "\r\n# the second\r\n#EXTINF:2 tvg-id=\"a,b\",B\r\nsub\\b.mp3\r\n"
+            "#VANTORIX-ITEMS\r\n\r\n# the second\r\n#EXTINF:2 tvg-id=\"a,b\",B\r\nsub\\b.mp3\r\n"
             "#EXTALB:Blue\r\n#EXTINF:1,A\r\n#EXTVLCOPT:start-time=5\r\na.mp3\r\n"
             "#EXTINF:4,New\r\n/new.mp3\r\n# the end\r\n");
+}
+
+TEST(PlaylistText, RemarksGoWithTheirItemToTheFrontAndAwayAgain) {
+  const std::string foreign = "#EXTM3U\n# of the list\n#EXTINF:1,A\n/a\n# of b\n#EXTINF:2,B\n/b\n/c\n";
+  M3uText text(foreign);
+  text.move(1, 0);
+  M3uText again(text.text());
+  again.move(0, 1);
+  EXPECT_EQ(again.text(), foreign);
+  again.move(1, 0);
+  M3uText last(again.text());
+  last.remove(0);
+  EXPECT_EQ(last.text(), "#EXTM3U\n# of the list\n#EXTINF:1,A\n/a\n/c\n");
+}
+
+TEST(PlaylistText, AListInTheMiddleOfAListGivesNoTitleAndNoNameAway) {
+  // Two lists that somebody has put together, and tags of a list between an item's own.
+  const std::string foreign =
+      "#EXTM3U\n#PLAYLIST:L\n#EXTINF:1,A\n/a\n"
+      "#EXTM3U\n#PLAYLIST:M\n#EXTINF:2,B\n#EXTENC:UTF-8\n/b\n#EXTM3U\n#PLAYLIST:N\n";
+  M3uText text(foreign);
+  EXPECT_EQ(text.text(), foreign);
+  text.remove(0);
+  for (int edit = 0; edit < 2; ++edit) {
+    text = M3uText(text.text());
+    EXPECT_EQ(text.name(), "L");
+    ASSERT_EQ(text.count(), 1U);
+    EXPECT_EQ(text.item(0, "/").title, "B");
+    EXPECT_EQ(text.item(0, "/").seconds, 2);
+  }
+  text.remove(0);
+  text = M3uText(text.text());
+  EXPECT_EQ(text.name(), "L");
+  text.insert(0, {"/c", "C", 3});
+  text.name("K");
+  text = M3uText(text.text());
+  EXPECT_EQ(text.name(), "K");
+  EXPECT_EQ(text.item(0, "/").title, "C");
 }
 
 TEST(PlaylistText, WhatIsReadAndNotChangedIsWrittenAsItWas) {

@@ -136,6 +136,60 @@ TEST_F(Playlists, ItemsAreTheLibrarysOnceItKnowsThem) {
   EXPECT_EQ(list->item(0)->getItemInfo("Artist"), "Ann");
 }
 
+TEST_F(Playlists, ItemsAreTheLibrarysFromTheTurnOnOnWhichItKnowsThem) {
+  writeText(folder / "playlists/L.m3u8", music("1.flac") + "\n");
+  addTrack("1.flac", "One", "Ann", "Blue", "Jazz", 1);
+  start();
+  const auto list = playlists().getByName("L")->item(0);
+  ASSERT_TRUE(until([&] { return player->mediaCollection().getByName("One")->count() == 1; }));
+  EXPECT_EQ(list->item(0)->name(), "One");
+}
+
+TEST_F(Playlists, ManyItemsGoInAtOnceTheMissingOnesAmongThem) {
+  begin();
+  auto list = playlists().newPlaylist("L");
+  list->appendItem(track("Two"));
+  const std::int64_t before = list->revision();
+  list->insertItems(0, {{music("1.flac")}, {"/gone/x.mp3", "Far", "Bob", 12}, {"http://127.0.0.1/y.mp3"}});
+  EXPECT_EQ(list->revision(), before + 3);
+  EXPECT_THAT(located("L.m3u8"),
+              ElementsAre(music("1.flac"), "/gone/x.mp3", "http://127.0.0.1/y.mp3", music("2.flac")));
+  EXPECT_EQ(FailureOf([&] { list->insertItems(5, {{music("1.flac")}}); }), base::number::kIndex);
+  EXPECT_EQ(FailureOf([&] {
+              list->insertItems(0, {{music("1.flac")}, {""}});
+            }),
+            base::number::kInvalidArgument);
+  startWith(2);
+  list = playlists().getByName("L")->item(0);
+  EXPECT_THAT(Names(*list), ElementsAre("One", "Far", "y", "Two"));
+  EXPECT_EQ(list->item(1)->getItemInfo("Artist"), "Bob");
+  EXPECT_EQ(list->item(1)->duration(), 12);
+  EXPECT_GT(list->revision(), before + 3);
+}
+
+TEST_F(Playlists, ARevisionGrowsWithEveryChange) {
+  begin();
+  auto list = playlists().newPlaylist("L");
+  std::int64_t last = list->revision();
+  const auto grown = [&] { return list->revision() - std::exchange(last, list->revision()); };
+  list->appendItem(track("One"));
+  EXPECT_EQ(grown(), 1);
+  list->insertItem(0, track("Two"));
+  EXPECT_EQ(grown(), 1);
+  list->moveItem(0, 1);
+  EXPECT_EQ(grown(), 1);
+  list->removeItem(list->item(0));
+  EXPECT_EQ(grown(), 1);
+  EXPECT_EQ(grown(), 0);
+  writeText(folder / "playlists/L.m3u8", "#PLAYLIST:L\n" + music("1.flac") + "\n");
+  playlists().getAll();
+  EXPECT_GT(grown(), 0);
+  addTrack("3.flac", "Three", "Ann", "Blue", "Jazz", 3);
+  ASSERT_TRUE(until([&] { return player->mediaCollection().getByName("Three")->count() == 1; }));
+  EXPECT_GT(grown(), 0);
+  EXPECT_EQ(player->mediaCollection().getAll()->revision(), 0);
+}
+
 TEST_F(Playlists, APathFromThePlaylistsFolderIsTheLibrarysTrackAndStaysAsItIsWritten) {
   writeText(folder / "playlists/L.m3u8", "../music/1.flac\n");
   start();
