@@ -57,6 +57,23 @@ std::vector<std::string> textsOf(const base::Value& value) {
   return texts;
 }
 
+/// Gives `take` the texts of each item, by the place of the field.
+template <class Take>
+void readItems(const base::ObjectRef& list, const base::Array& fields, std::int32_t from, std::int32_t count,
+               Take&& take) {
+  constexpr std::int32_t kAtOnce = 2000;
+  while (count > 0) {
+    const base::Value answer = base::Deref(list).invoke("readItems", fields, from, std::min(count, kAtOnce));
+    const base::Array& texts = answer.array();
+    const auto read = static_cast<std::int32_t>(texts.size() / fields.size());
+    for (std::size_t i = 0; i + fields.size() <= texts.size(); i += fields.size())
+      take([&](std::size_t field) { return base::ToText(texts[i + field]); });
+    if (read == 0) break;
+    from += read;
+    count -= read;
+  }
+}
+
 }  // namespace
 
 std::string PlayerList::name() const { return textOf(object_, "name"); }
@@ -71,25 +88,36 @@ ListedItem PlayerList::at(std::int32_t at) const {
 }
 
 std::vector<Title> PlayerList::titles(std::int32_t from, std::int32_t count) const {
-  constexpr std::int32_t kAtOnce = 2000;
-  const base::Array fields{"name",  "sourceURL", "Artist",         "WM/AlbumArtist",
-                           "Album", "Genre",     "WM/TrackNumber", "Duration"};
   std::vector<Title> titles;
-  while (count > 0) {
-    const base::Value answer = object_->invoke("readItems", fields, from, std::min(count, kAtOnce));
-    const base::Array& texts = answer.array();
-    const auto read = static_cast<std::int32_t>(texts.size() / fields.size());
-    for (std::size_t i = 0; i + fields.size() <= texts.size(); i += fields.size()) {
-      const auto text = [&](std::size_t field) { return base::ToText(texts[i + field]); };
-      titles.push_back({text(0), text(1), text(2), text(3), text(4), text(5),
-                        static_cast<std::int32_t>(std::clamp(base::NumericPrefix(text(6)), 0.0, 1e6)),
-                        base::NumericPrefix(text(7))});
-    }
-    if (read == 0) break;
-    from += read;
-    count -= read;
-  }
+  readItems(object_,
+            {"name", "sourceURL", "Artist", "WM/AlbumArtist", "Album", "Genre", "WM/TrackNumber", "Duration"},
+            from, count, [&](const auto& text) {
+              titles.push_back({text(0), text(1), text(2), text(3), text(4), text(5),
+                                static_cast<std::int32_t>(std::clamp(base::NumericPrefix(text(6)), 0.0, 1e6)),
+                                base::NumericPrefix(text(7))});
+            });
   return titles;
+}
+
+std::vector<std::string> PlayerList::names(std::int32_t from, std::int32_t count) const {
+  std::vector<std::string> names;
+  readItems(object_, {"name"}, from, count, [&](const auto& text) { names.push_back(text(0)); });
+  return names;
+}
+
+std::int64_t PlayerList::revision() const {
+  return static_cast<std::int64_t>(base::ToDouble(base::Deref(object_).get("revision")));
+}
+
+void PlayerList::insert(std::int32_t at, const std::vector<ListedItem>& items) {
+  base::Array texts;
+  for (const ListedItem& item : items) {
+    texts.emplace_back(item.source);
+    texts.emplace_back(item.name);
+    texts.emplace_back(item.artist);
+    texts.emplace_back(item.seconds > 0 ? std::to_string(item.seconds) : std::string());
+  }
+  object_->invoke("insertItems", at, base::Array{"sourceURL", "name", "Artist", "Duration"}, texts);
 }
 
 std::int32_t PlayerList::placeOf(const TitleAddress& title) const {
@@ -172,22 +200,6 @@ bool PlayerLists::sharesKey(const std::string& category, const std::string& name
   const std::vector<std::string> all = textsOf(script_->invoke("GetCategoryList", category));
   return std::count_if(all.begin(), all.end(), [&](const std::string& each) { return keyOf(each) == key; }) !=
          1;
-}
-
-std::vector<std::string> PlayerLists::names(const PlayerList& list) {
-  const std::string name = list.name();
-  const std::int32_t count = list.count();
-  if (!sharesKey("PlayList", name)) {
-    std::vector<std::string> all = textsOf(script_->invoke("GetByCategory", "PlayList", name));
-    const auto same = [&](std::int32_t at) { return all[static_cast<std::size_t>(at)] == list.nameAt(at); };
-    if (static_cast<std::int32_t>(all.size()) == count &&
-        (count == 0 || (same(0) && same(count / 2) && same(count - 1)))) {
-      return all;
-    }
-  }
-  std::vector<std::string> walked;
-  for (std::int32_t i = 0; i < count; ++i) walked.push_back(list.nameAt(i));
-  return walked;
 }
 
 std::optional<PlayerList> PlayerLists::group(const std::string& category, const std::string& name) {

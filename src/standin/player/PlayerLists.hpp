@@ -13,6 +13,8 @@ namespace standin {
 struct ListedItem {
   std::string name;
   std::string source;
+  std::string artist;  ///< this and the length only of what may have to be told to the player anew
+  double seconds = 0;
   bool operator==(const ListedItem&) const = default;
 };
 
@@ -32,6 +34,12 @@ class PlayerList {
   /// Where the title is now: where it was seen, or else at the nearest place with its name and source. Throws
   /// number 3197 where it is no longer in the list.
   [[nodiscard]] std::int32_t placeOf(const TitleAddress& title) const;
+  [[nodiscard]] std::vector<std::string> names(std::int32_t from, std::int32_t count) const;
+  /// Grows by one with each title put in, taken out or moved, and by some number when titles may be shown as
+  /// others; as long as it is the same, all of the list is.
+  [[nodiscard]] std::int64_t revision() const;
+  /// Puts them in at one go: those whose source the player can't find now too, as they were.
+  void insert(std::int32_t at, const std::vector<ListedItem>& items);
   /// `at` may be the count, for the end.
   void insert(std::int32_t at, const base::ObjectRef& media);
   void removeAt(std::int32_t at);
@@ -56,8 +64,6 @@ class PlayerLists {
   /// Throws what the player throws for a name that is in use.
   PlayerList make(const std::string& name);
   void remove(const PlayerList& list);
-  /// All titles of a playlist, read at one go where that is sure to tell the same.
-  std::vector<std::string> names(const PlayerList& list);
   /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name, or all of "Media Library".
   std::optional<PlayerList> group(const std::string& category, const std::string& name);
   /// The media of that source.

@@ -65,7 +65,7 @@ std::size_t onlyPlaceOf(const std::vector<std::string>& names, const std::string
 
 std::int32_t placeNow(PlayerLists& lists, const PlayerList& list, std::int32_t at, const std::string& title) {
   if (at >= 0 && at < list.count() && list.nameAt(at) == title) return at;
-  return static_cast<std::int32_t>(onlyPlaceOf(lists.names(list), title));
+  return static_cast<std::int32_t>(onlyPlaceOf(list.names(0, list.count()), title));
 }
 
 /// The place between the titles that the user has seen on either side; `names` are without the title itself.
@@ -146,12 +146,18 @@ void renameTo(PlayerLists& lists, const std::string& from, const std::string& to
   list->rename(to);
 }
 
+std::vector<std::string> sourcesOf(const PlayerList& list) {
+  std::vector<std::string> sources;
+  for (Title& title : list.titles(0, list.count())) sources.push_back(std::move(title.source));
+  return sources;
+}
+
 void removeAsItWas(PlayerLists& lists, const PlaylistStep& step) {
   const PlayerList list = existing(lists, step.oldName);
-  const auto count = static_cast<std::int32_t>(step.items.size());
-  bool same = list.count() == count;
-  for (std::int32_t i = 0; same && i < count; ++i)
-    same = list.sourceAt(i) == step.items[static_cast<std::size_t>(i)].source;
+  const std::vector<std::string> sources = sourcesOf(list);
+  const bool same =
+      std::equal(step.items.begin(), step.items.end(), sources.begin(), sources.end(),
+                 [](const ListedItem& item, const std::string& source) { return item.source == source; });
   if (!same) collided(quoted(step.oldName) + " holds other titles now");
   lists.remove(list);
 }
@@ -172,7 +178,7 @@ PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrde
                       list.nameAt(from) == order.title && nameAround(to - 1) == order.before &&
                       nameAround(to) == order.after;
   if (!asSeen) {
-    std::vector<std::string> names = lists.names(list);
+    std::vector<std::string> names = list.names(0, step.count);
     const auto seen = static_cast<std::size_t>(std::max(from, 0));
     const std::size_t found =
         seen < names.size() && names[seen] == order.title ? seen : onlyPlaceOf(names, order.title);
@@ -259,7 +265,9 @@ PlaylistStep PlanDelete(const PlayerList& list) {
   step.kind = StepKind::kDelete;
   step.oldName = list.name();
   step.count = list.count();
-  for (std::int32_t i = 0; i < step.count; ++i) step.items.push_back({{}, list.sourceAt(i)});
+  for (const Title& title : list.titles(0, step.count))
+    step.items.push_back({title.name, title.source, title.artist, title.seconds});
+  if (static_cast<std::int32_t>(step.items.size()) != step.count) collided("The list has changed meanwhile");
   return step;
 }
 
@@ -342,36 +350,36 @@ PlayerList PlaylistRestore::open(PlayerLists& lists) {
     if (!list || list->count() != done_) collided("Somebody else has changed " + quoted(step_.oldName));
     return *list;
   }
+  there_.assign(step_.items.size(), false);
   if (!list) {
     PlayerList made = lists.make(step_.oldName);
     done_ = 0;
     return made;
   }
-  const std::int32_t count = list->count();
-  bool begun = resumed_ && count < total();
-  for (std::int32_t i = 0; begun && i < count; ++i)
-    begun = list->sourceAt(i) == step_.items[static_cast<std::size_t>(i)].source;
-  if (!begun) collided("There is another playlist named " + quoted(step_.oldName));
-  done_ = count;
+  // What an interrupted return has left are some of the titles in their order.
+  std::size_t at = 0;
+  const std::vector<std::string> sources = resumed_ ? sourcesOf(*list) : std::vector<std::string>();
+  for (std::size_t i = 0; i < step_.items.size() && at < sources.size(); ++i) {
+    there_[i] = sources[at] == step_.items[i].source;
+    if (there_[i]) ++at;
+  }
+  if (!resumed_ || at != sources.size()) collided("There is another playlist named " + quoted(step_.oldName));
+  done_ = static_cast<std::int32_t>(at);
   return *list;
 }
 
 bool PlaylistRestore::goOn(PlayerLists& lists, std::int32_t most) {
   PlayerList list = open(lists);
-  for (; most > 0 && done_ + missing_ < total(); --most) {
-    const std::string& source = step_.items[static_cast<std::size_t>(done_ + missing_)].source;
-    base::ObjectRef media;
-    try {
-      media = lists.mediaOf(source);
-    } catch (const Failure& failure) {
-      if (failure.number() == base::number::kHostGone) throw;
-      ++missing_;  // the file has gone; the others are worth having
-      continue;
-    }
-    list.insert(done_, media);
-    ++done_;
+  while (most > 0 && next_ < step_.items.size()) {
+    std::vector<ListedItem> missing;
+    for (std::size_t i = next_; i < step_.items.size() && !there_[i] && most > 0; ++i, --most)
+      missing.push_back(step_.items[i]);
+    // All before it are there, and so its place in the list is that in the step.
+    if (!missing.empty()) list.insert(static_cast<std::int32_t>(next_), missing);
+    done_ += static_cast<std::int32_t>(missing.size());
+    next_ += std::max<std::size_t>(missing.size(), 1);
   }
-  return done_ + missing_ < total();
+  return next_ < step_.items.size();
 }
 
 }  // namespace standin

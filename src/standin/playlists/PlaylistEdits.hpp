@@ -55,7 +55,8 @@ std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::str
 /// of an addition, all of it.
 bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 
-/// The undoing of a deletion, some titles at a time. One that was interrupted is taken up where it ended.
+/// The undoing of a deletion, some titles at a time. All of them come back, those too whose files can't be
+/// found at the moment. One that was interrupted is taken up, whichever titles it has left.
 class PlaylistRestore {
  public:
   /// `resumed`: a list of that name may be what an undoing that was interrupted has left.
@@ -63,15 +64,15 @@ class PlaylistRestore {
   /// Puts back up to `most` titles; false when there are no more. Throws as `Undo`.
   bool goOn(PlayerLists& lists, std::int32_t most);
   [[nodiscard]] std::int32_t done() const { return done_; }
-  [[nodiscard]] std::int32_t missing() const { return missing_; }  ///< titles that are no longer there
   [[nodiscard]] std::int32_t total() const { return static_cast<std::int32_t>(step_.items.size()); }
 
  private:
   PlayerList open(PlayerLists& lists);
   PlaylistStep step_;
   bool resumed_;
-  std::int32_t done_ = -1;  ///< before the first look
-  std::int32_t missing_ = 0;
+  std::int32_t done_ = -1;   ///< before the first look
+  std::vector<bool> there_;  ///< of each title
+  std::size_t next_ = 0;     ///< all titles before it are there
 };
 
 }  // namespace standin

@@ -28,7 +28,13 @@ std::string itemsOf(const PlaylistStep& step) {
 
 std::string TextOf(const PlaylistStep& step) {
   Json items = Json::array();
-  for (const ListedItem& item : step.items) items.push_back({item.name, item.source});
+  for (const ListedItem& item : step.items) {
+    items.push_back({item.name, item.source});
+    if (!item.artist.empty() || item.seconds > 0) {
+      items.back().push_back(item.artist);
+      items.back().push_back(item.seconds);
+    }
+  }
   return Dump({{"kind", kKinds.at(static_cast<std::size_t>(step.kind))},
                {"from", jsonOf(step.from)},
                {"to", jsonOf(step.to)},
@@ -48,8 +54,12 @@ PlaylistStep StepOf(const std::string& text) {
     step.kind = static_cast<StepKind>(number);
     step.from = placeOf(json.at("from"));
     step.to = placeOf(json.at("to"));
-    for (const Json& item : json.at("items"))
+    for (const Json& item : json.at("items")) {
       step.items.push_back({item.at(0).get<std::string>(), item.at(1).get<std::string>()});
+      if (item.size() < 4) continue;
+      step.items.back().artist = item.at(2).get<std::string>();
+      step.items.back().seconds = item.at(3).get<double>();
+    }
     step.count = json.at("count").get<std::int32_t>();
     step.oldName = json.at("old").get<std::string>();
     step.newName = json.at("new").get<std::string>();

@@ -33,6 +33,12 @@ std::vector<std::string> after(std::vector<std::string> names, const PlaylistSte
   return names;
 }
 
+/// Where the step, or its undoing, has put titles in; nowhere if it has only taken some out.
+std::optional<std::int32_t> putAt(const PlaylistStep& step, bool undone) {
+  if (undone ? step.kind == StepKind::kAdd : step.kind == StepKind::kRemove) return std::nullopt;
+  return undone ? step.from.at : step.to.at;
+}
+
 const std::string& nameAfter(const PlaylistStep& step, bool undone, const std::string& list) {
   if (step.kind != StepKind::kRename) return list;
   return undone ? step.oldName : step.newName;
@@ -113,16 +119,26 @@ bool Playlists::watched(const std::string& name) const {
                      [&](const auto& each) { return base::SameText(each.second.name, name); });
 }
 
-Playlists::Kept& Playlists::keep(const std::string& name, std::vector<std::string> names) {
+Playlists::Kept& Playlists::keepAsItIs(const PlayerList& list) {
+  // Asked for first: should somebody change the list while it is read, the number is an older one than what
+  // is there, and the next look reads it anew.
+  const std::int64_t revision = list.revision();
+  std::vector<std::string> names = list.names(0, list.count());
+  return keep(list.name(), std::move(names), revision);
+}
+
+Playlists::Kept& Playlists::keep(const std::string& name, std::vector<std::string> names,
+                                 std::int64_t revision) {
   Kept* known = kept(name);
   if (known == nullptr) {
     std::size_t idle = 0;
     for (auto each = kept_.begin(); each != kept_.end();)
       each = !watched(each->name) && ++idle >= kListsKept ? kept_.erase(each) : std::next(each);
-    kept_.push_front({name, nullptr, 0, {}});
+    kept_.push_front({name, nullptr, 0, 0, {}});
     known = &kept_.front();
   }
   known->seen = loop_.now();
+  known->revision = revision;
   if (known->names && known->name == name && known->names->all() == names) return *known;
   known->name = name;
   known->names = std::make_shared<NameList>(std::move(names));
@@ -149,8 +165,7 @@ void Playlists::fill(PlayerLists& lists, Outcome& outcome, const std::string& na
   if (known == nullptr) {
     const std::optional<PlayerList> list = lists.find(name);
     if (!list) throw base::Failure(base::number::kElementNotFound, "There is no playlist “" + name + "”");
-    std::vector<std::string> names = lists.names(*list);
-    known = &keep(list->name(), std::move(names));
+    known = &keepAsItIs(*list);
   }
   outcome.name = known->name;
   outcome.names = known->names;
@@ -175,8 +190,7 @@ void Playlists::show(const std::string& name, bool fresh, Done done) {
         if (!list) throw base::Failure(base::number::kElementNotFound, "There is no playlist “" + name + "”");
         const Kept* before = kept(name);
         const std::int64_t version = before != nullptr ? before->version : 0;
-        std::vector<std::string> names = lists.names(*list);
-        const Kept& now = keep(list->name(), std::move(names));
+        const Kept& now = keepAsItIs(*list);
         if (version != 0 && version != now.version) tellChanged(now);
         fill(lists, outcome, now.name);
       },
@@ -188,7 +202,8 @@ void Playlists::collection(Done done) {
 }
 
 /// What is kept of the list, and the pages, follow a step of this server's own.
-void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list) {
+void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list,
+                       std::int64_t before) {
   const std::string& name = nameAfter(step, undone, list);
   if (!staysAfter(step, undone)) {
     forget(list);
@@ -207,12 +222,20 @@ void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone
   if (kept(list) == nullptr) return;
   const std::optional<PlayerList> found = lists.find(list);
   if (!found) return;
-  const std::int32_t count = found->count();
-  Kept* known = kept(list);  // looked for again: calls may let in whoever forgets it
+  const std::int64_t now = found->revision();
+  const Kept* known = kept(list);  // looked for again: calls may let in whoever forgets it
   if (known == nullptr) return;
+  // What was kept was what the player had, and nobody has come in between.
+  const bool alone =
+      known->revision == before && now == before + static_cast<std::int64_t>(step.items.size());
+  if (!alone) return tellChanged(keepAsItIs(*found));
   std::vector<std::string> names = after(known->names->all(), step, undone);
-  if (static_cast<std::int32_t>(names.size()) != count) names = lists.names(*found);
-  tellChanged(keep(list, std::move(names)));
+  if (const auto at = putAt(step, undone)) {  // a title may be called otherwise than when it was taken out
+    std::vector<std::string> put = found->names(*at, static_cast<std::int32_t>(step.items.size()));
+    if (*at + put.size() > names.size()) return tellChanged(keepAsItIs(*found));
+    std::move(put.begin(), put.end(), names.begin() + *at);
+  }
+  tellChanged(keep(list, std::move(names), now));
 }
 
 void Playlists::change(const std::string& name, Plan plan, Done done) {
@@ -223,6 +246,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
         const std::string known = list->name();
         if (restoring_.contains(base::LowerCase(known)))
           throw base::Failure(base::number::kChangedMeanwhile, "The playlist is still on its way back");
+        const std::int64_t before = list->revision();
         PlaylistStep step = plan(lists, *list);
         const std::int64_t id = history_.begin(known, step);
         std::optional<base::Failure> failure;
@@ -244,7 +268,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
           }
         }
         history_.finish(id, step);
-        follow(lists, step, false, known);
+        follow(lists, step, false, known, before);
         const std::string& now = nameAfter(step, false, known);
         if (step.kind == StepKind::kDelete) {
           outcome.name = known;
@@ -274,7 +298,7 @@ void Playlists::create(const std::string& name, Done done) {
           throw;
         }
         history_.finish(id, step);
-        follow(lists, step, false, name);
+        follow(lists, step, false, name, 0);
         fill(lists, outcome, name);
         outcome.said = WordsOf(step);
       },
@@ -285,7 +309,11 @@ void Playlists::turnEntry(PlayerLists& lists, Outcome& outcome, const PlaylistHi
                           bool undo) {
   const bool resumed = entry.state == PlaylistHistory::State::kUndoing;
   history_.turning(entry.id, undo);
+  std::int64_t before = 0;
   try {
+    const std::optional<PlayerList> list =
+        IsOfCollection(entry.step.kind) ? std::nullopt : lists.find(entry.list);
+    if (list) before = list->revision();
     if (undo) {
       Undo(lists, entry.step, entry.list);
     } else {
@@ -304,7 +332,7 @@ void Playlists::turnEntry(PlayerLists& lists, Outcome& outcome, const PlaylistHi
                                               " isn’t possible: " + failure.description());
   }
   history_.turned(entry, undo);
-  follow(lists, entry.step, undo, entry.list);
+  follow(lists, entry.step, undo, entry.list, before);
 }
 
 void Playlists::turn(const std::string& name, Turn turn, Done done) {

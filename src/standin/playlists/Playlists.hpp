@@ -54,9 +54,9 @@ class Playlists {
   /// Undoes or redoes the list's next step, or the collection's for an empty name; or forgets it.
   void turn(const std::string& name, Turn turn, Done done);
 
-  /// A page shows these rows of the list, or the names of all lists for an empty name. It says so again
-  /// every few seconds. `page` tells the pages apart.
-  void watch(const std::string& page, const std::string& name, std::int32_t from, std::int32_t rows);
+  /// A page shows the list, or the names of all lists for an empty name. It says so again every few seconds.
+  /// `page` tells the pages apart.
+  void watch(const std::string& page, const std::string& name);
 
  private:
   static constexpr base::Milliseconds kLookInterval = std::chrono::milliseconds(1200);
@@ -67,12 +67,11 @@ class Playlists {
     std::string name;
     std::shared_ptr<const NameList> names;
     std::int64_t version = 0;
+    std::int64_t revision = 0;   ///< the player's own number for what it had then
     base::Milliseconds seen{0};  ///< when the player was last asked
   };
   struct Watcher {
     std::string name;
-    std::int32_t from = 0;
-    std::int32_t rows = 0;
     base::Milliseconds until{0};
   };
   struct Restoring {
@@ -89,9 +88,12 @@ class Playlists {
   /// The list as it is kept; it is the one used last now. Null for one that isn't.
   Kept* kept(const std::string& name);
   [[nodiscard]] bool watched(const std::string& name) const;
-  Kept& keep(const std::string& name, std::vector<std::string> names);
+  Kept& keep(const std::string& name, std::vector<std::string> names, std::int64_t revision);
+  Kept& keepAsItIs(const PlayerList& list);
   void forget(const std::string& name);
-  void follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list);
+  /// `before` is the list's revision right before the step, 0 where that is not known.
+  void follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list,
+              std::int64_t before);
   void fill(PlayerLists& lists, Outcome& outcome, const std::string& name);
   void turnEntry(PlayerLists& lists, Outcome& outcome, const PlaylistHistory::Entry& entry, bool undo);
   void restoreSome(const std::shared_ptr<Restoring>& restoring);

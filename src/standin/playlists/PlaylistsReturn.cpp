@@ -9,7 +9,7 @@
 namespace standin {
 namespace {
 
-constexpr std::int32_t kRestoredAtOnce = 100;  // titles, before others get their turn
+constexpr std::int32_t kRestoredAtOnce = 1000;  // titles, before others get their turn
 
 }  // namespace
 
@@ -38,8 +38,6 @@ void Playlists::restoreSome(const std::shared_ptr<Restoring>& restoring) {
         history_.turned(restoring->entry, true);
         forget(name);
         outcome.said = WordsOf(restoring->entry.step) + " is undone";
-        if (const std::int32_t missing = restoring->restore.missing(); missing > 0)
-          outcome.said += "; " + std::to_string(missing) + " titles are no longer there";
       },
       [this, restoring, more, name](const Outcome& outcome) {
         Outcome told = outcome;
@@ -56,7 +54,6 @@ void Playlists::restoreSome(const std::shared_ptr<Restoring>& restoring) {
         if (outcome.failure != 0) event["failed"] = outcome.error;
         if (!goesOn) {
           event["over"] = true;
-          event["missing"] = restoring->restore.missing();
           // Who has asked was answered long ago.
           if (!restoring->done && outcome.failure == 0) event["said"] = outcome.said;
         }

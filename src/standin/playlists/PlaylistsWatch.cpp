@@ -12,21 +12,17 @@ namespace {
 
 constexpr base::Milliseconds kLease = std::chrono::seconds(15);
 constexpr std::size_t kMostWatchers = 64;
-constexpr std::int32_t kMostRows = 60;
-constexpr std::int32_t kLastRow = 10000000;  // far beyond any list, far below where numbers end
 
 }  // namespace
 
-void Playlists::watch(const std::string& page, const std::string& name, std::int32_t from,
-                      std::int32_t rows) {
+void Playlists::watch(const std::string& page, const std::string& name) {
   if (!watchers_.contains(page) && watchers_.size() >= kMostWatchers) {
     // The one that has been silent for longest.
     watchers_.erase(std::min_element(
         watchers_.begin(), watchers_.end(),
         [](const auto& left, const auto& right) { return left.second.until < right.second.until; }));
   }
-  watchers_[page] = {name, std::clamp(from, 0, kLastRow), std::clamp(rows, 0, kMostRows),
-                     loop_.now() + kLease};
+  watchers_[page] = {name, loop_.now() + kLease};
   kept(name);  // in use
   if (!timer_->enabled()) timer_->enabled(true);
 }
@@ -74,7 +70,7 @@ void Playlists::lookAt(PlayerLists& lists, const std::string& name) {
   const Kept* known = kept(name);
   if (known == nullptr || restoring_.contains(base::LowerCase(name))) return;
   const std::string spelling = known->name;
-  const std::shared_ptr<const NameList> names = known->names;
+  const std::int64_t revision = known->revision;
   const std::optional<PlayerList> list = lists.find(spelling);
   if (!list) {
     forget(spelling);
@@ -82,20 +78,10 @@ void Playlists::lookAt(PlayerLists& lists, const std::string& name) {
     tellCollection();
     return;
   }
-  bool same = list->count() == static_cast<std::int32_t>(names->size());
-  // Only the rows in sight: each is a call to the player.
-  std::set<std::int32_t> rows;
-  for (const auto& [page, watcher] : watchers_) {
-    if (!base::SameText(watcher.name, name)) continue;
-    for (std::int32_t i = 0; i < watcher.rows; ++i) rows.insert(watcher.from + i);
-  }
-  for (const std::int32_t row : rows) {
-    if (!same || row >= static_cast<std::int32_t>(names->size())) break;
-    same = list->nameAt(row) == names->all()[static_cast<std::size_t>(row)];
-  }
-  if (!same) {
-    std::vector<std::string> now = lists.names(*list);
-    tellChanged(keep(list->name(), std::move(now)));
+  if (list->revision() != revision) {
+    const std::int64_t version = kept(name) != nullptr ? kept(name)->version : 0;
+    const Kept& now = keepAsItIs(*list);
+    if (now.version != version) tellChanged(now);
   } else if (Kept* still = kept(name)) {
     still->seen = loop_.now();
   }

@@ -139,10 +139,8 @@ void show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, con
 WebAnswer watch(Playlists& playlists, const WebCall& call) {
   const auto page = call.json.at("page").get<std::string>().substr(0, kLongestPageId);
   const auto name = call.json.at("name").get<std::string>();
-  const auto from = call.json.at("from").get<std::int32_t>();
-  const auto rows = call.json.at("rows").get<std::int32_t>();
   if (name.size() > kLongestName) return Refusal(400, "The name is too long");
-  playlists.watch(page, name, from, rows);
+  playlists.watch(page, name);
   return {};
 }
 

@@ -47,7 +47,10 @@ class FakePlaylists {
   }
 
   void put(const std::string& list, const std::vector<Title>& titles) {
-    locked([&] { found(list)->titles = titles; });
+    locked([&] {
+      found(list)->titles = titles;
+      ++found(list)->revision;
+    });
   }
   void drop(const std::string& list) {
     locked([&] { std::erase_if(lists_, [&](const auto& each) { return each->name == list; }); });
@@ -132,6 +135,7 @@ class FakePlaylists {
     std::string name;
     std::vector<Title> titles;
     bool spoilt = false;
+    std::int64_t revision = 1;
   };
   using ListRef = std::shared_ptr<List>;
 
@@ -190,6 +194,9 @@ class FakePlaylists {
     std::copy_if(lists_.begin(), lists_.end(), std::back_inserter(all),
                  [&](const ListRef& each) { return base::SameText(each->name, name); });
     return all;
+  }
+  static void mayRead(const List& list) {
+    if (list.spoilt) throw base::Failure(base::number::kDeviceIo, "The list can't be read");
   }
   void mayChange() {
     if (refuses_) throw base::Failure(base::number::kPermissionDenied, "The disc is read-only");
@@ -252,9 +259,7 @@ class FakePlaylists {
       list->name = base::ToText(value);
     };
     std::vector<base::Member> members{std::move(name), field("count", [list] {
-                                        if (list->spoilt)
-                                          throw base::Failure(base::number::kDeviceIo,
-                                                              "The list can't be read");
+                                        mayRead(*list);
                                         return static_cast<std::int32_t>(list->titles.size());
                                       })};
     members.push_back(operation("item", {number("index")}, [this, list, place](base::Args& args) {
@@ -275,14 +280,37 @@ class FakePlaylists {
     members.push_back(operation("appendItem", {reference("media")}, [this, list](base::Args& args) {
       mayChange();
       list->titles.push_back(titleBehind(args[0]));
+      ++list->revision;
       return Value();
     }));
     members.push_back(
         operation("insertItem", {number("index"), reference("media")}, [this, list, place](base::Args& args) {
           mayChange();
           list->titles.insert(place(args[0], list->titles.size() + 1), titleBehind(args[1]));
+          ++list->revision;
           return Value();
         }));
+    members.push_back(operation(
+        "insertItems", {number("index"), {"fields", base::Type::kTextList}, {"texts", base::Type::kTextList}},
+        [this, list, place](base::Args& args) {
+          mayChange();
+          const base::Array& fields = args[1].array();
+          const base::Array& texts = args[2].array();
+          std::vector<Title> titles(texts.size() / fields.size());
+          for (std::size_t i = 0; i < texts.size(); ++i) {
+            Title& title = titles[i / fields.size()];
+            const std::string field = base::ToText(fields[i % fields.size()]);
+            if (field == "name") title.name = base::ToText(texts[i]);
+            if (field == "sourceURL") title.source = base::ToText(texts[i]);
+          }
+          list->titles.insert(place(args[0], list->titles.size() + 1), titles.begin(), titles.end());
+          list->revision += static_cast<std::int64_t>(titles.size());
+          return Value();
+        }));
+    members.push_back(field("revision", [list] {
+      mayRead(*list);
+      return static_cast<double>(list->revision);
+    }));
     members.push_back(operation("removeItem", {reference("media")}, [this, list](base::Args& args) {
       mayChange();
       // The very item handed over, as long as it is where it was.
@@ -294,6 +322,7 @@ class FakePlaylists {
       if (here == list->titles.end())
         throw base::Failure(base::number::kInvalidArgument, "The item is not in the playlist");
       list->titles.erase(here);
+      ++list->revision;
       return Value();
     }));
     members.push_back(operation("moveItem", {number("oldIndex"), number("newIndex")},
@@ -304,6 +333,7 @@ class FakePlaylists {
                                   const Title title = *from;
                                   list->titles.erase(from);
                                   list->titles.insert(list->titles.begin() + base::ToInt32(args[1]), title);
+                                  ++list->revision;
                                   return Value();
                                 }));
     return base::ObjectRef(std::make_shared<Shown<ListRef>>(list, "Playlist", std::move(members)));

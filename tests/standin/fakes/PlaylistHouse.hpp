@@ -59,10 +59,8 @@ class PlaylistHouse : public testing::Test {
   int turn(const std::string& action, const std::string& name = "Mine") {
     return act(action, {{"name", name}});
   }
-  void watch(const std::string& name, const std::string& page, std::int32_t from = 0) {
-    EXPECT_EQ(
-        web->post("/api/playlist/watch", {{"page", page}, {"name", name}, {"from", from}, {"rows", 60}}),
-        200);
+  void watch(const std::string& name, const std::string& page) {
+    EXPECT_EQ(web->post("/api/playlist/watch", {{"page", page}, {"name", name}}), 200);
   }
   FakePlaylists::Names mine() { return lists->names("Mine"); }
 

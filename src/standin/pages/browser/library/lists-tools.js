@@ -61,7 +61,7 @@ export class ListsTools {
     if (!event.of) return;
     this.#progress(event);
     if (event.failed) toast(event.failed, 'bad');
-    else if (event.said) toast(sentence(event.said), event.missing ? 'bad' : '');
+    else if (event.said) toast(sentence(event.said));
   }
 
   #progress(what) {
