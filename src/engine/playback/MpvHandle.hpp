@@ -14,7 +14,8 @@ using MpvOptions = std::vector<std::pair<std::string, std::string>>;
 /// One decoder. Commands and properties are asynchronous: their answers come as events.
 class MpvHandle {
  public:
-  /// Throws number 429 when it can't be created, naming an option that it does not take.
+  /// Throws number 429 when it can't be created, as for too little memory, or naming an option that it does
+  /// not take.
   explicit MpvHandle(const MpvOptions& options);
 
   void command(std::uint64_t tag, const std::vector<std::string>& words);
