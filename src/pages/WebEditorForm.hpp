@@ -1,7 +1,6 @@
 #pragma once
 #include <array>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "catalogue/MediaCatalogue.hpp"
@@ -19,9 +18,6 @@ struct EditorParts {
   plugin::HostServices& host;
   plugin::Loggers& loggers;
   WebSetupForm& setup;
-  /// A failure of the change just made that the player tells of without raising it: for a player that is
-  /// reached by name. None is so today, and the engine raises every failure.
-  std::function<std::optional<base::Failure>()> told = [] { return std::nullopt; };
 };
 
 /// The working state of the editor, kept from post to post. There is one for all users: whoever posts last

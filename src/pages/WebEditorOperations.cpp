@@ -47,8 +47,7 @@ std::string WebEditorForm::AddTitleToPlayList() {
         fields_.Title = asked.Title;
         if (status != kDone) return "Error: " + Quoted(asked.Title) + " cannot be found in the Media Library";
         target->appendItem(item);
-        const std::string what = Quoted(asked.Title) + " to PlayList: " + Quoted(asked.PlayList);
-        return in_.told() ? "Error: Unable to add: " + what : "Added: " + what;
+        return "Added: " + Quoted(asked.Title) + " to PlayList: " + Quoted(asked.PlayList);
       },
       &WebEditorForm::BuildAddPage);
 }
@@ -86,8 +85,6 @@ std::string WebEditorForm::RenamePlayList() {
         if (in_.catalogue.GetGroupItems(kPlayListCategory, edited, list) != kDone)
           return "Error: Unable to rename PlayList: " + Quoted(edited) + ", PlayList does not exist!";
         list->name(wanted);
-        if (const auto failure = in_.told())
-          return "Error: Unable to rename PlayList " + Quoted(edited) + ", " + failure->description();
         std::string key;
         in_.xref.RemoveNameXref(kPlayListCategory, edited);
         in_.xref.AddNameXref(kPlayListCategory, wanted, key);
@@ -109,8 +106,6 @@ std::string WebEditorForm::DeletePlayList() {
           return "Error: Unable to delete Playlist: " + Quoted(edited) + ", PlayList does not exist!";
         in_.stale.PlayListsStale = true;
         in_.form.wmp9().playlistCollection().remove(list);
-        if (const auto failure = in_.told())
-          return "Error: Unable to delete Playlist: " + Quoted(edited) + ", " + failure->description();
         in_.xref.RemoveNameXref(kPlayListCategory, edited);
         // The page behind it selects the first list.
         fields_.PlayList.clear();
@@ -135,10 +130,8 @@ std::string WebEditorForm::DeleteFromPlayList() {
         if (status != kDone)
           return "Error: " + Quoted(wanted) + " does not exist in PlayList: " + Quoted(edited);
         list->removeItem(item);
-        const std::string what = Quoted(wanted) + ", from PlayList: " + Quoted(edited);
-        if (in_.told()) return "Error: Unable to delete: " + what;
         fields_.PlayListItems.clear();
-        return "Deleted: " + what;
+        return "Deleted: " + Quoted(wanted) + ", from PlayList: " + Quoted(edited);
       },
       &WebEditorForm::BuildMainPage);
 }

@@ -4,8 +4,8 @@
 
 namespace web {
 
-/// A long text in the making: its pieces are kept apart and joined once at the end, as a text that grew by
-/// joining would be copied whole for every piece. The last element is always a free slot.
+/// A long text in the making: its pieces, which its owner joins once at the end. The last element is always a
+/// free slot.
 using StringAccumulator = std::vector<std::string>;
 
 /// Erases everything that was collected and begins anew, with the bounds 0 to 1.

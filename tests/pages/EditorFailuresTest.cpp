@@ -26,9 +26,8 @@ class EditorFailures : public PagesHouse {
 
   support::FakeMediaRef item;
   support::FakePlaylistRef mine;
-  std::optional<base::Failure> told;
   pages::WebEditorForm editor{{plugin.catalogue, plugin.nameXref, plugin.form, plugin.stale, plugin.host,
-                               plugin.loggers, *plugin.setupForm, [this] { return told; }}};
+                               plugin.loggers, *plugin.setupForm}};
 
   const support::Fields addTitle{{"wmp_page", "Add_Page"}, {"button", "Add Item"}, {"PlayList", "Mine"},
                                  {"Add_from", "Album"},    {"Albums", "Blue"},     {"Title", "River"}};
@@ -39,8 +38,6 @@ class EditorFailures : public PagesHouse {
   const support::Fields deleteItem{
       {"wmp_page", "Main_Page"}, {"button", "Delete Item"}, {"PlayList", "Mine"}, {"PlayListItems", "River"}};
 };
-
-constexpr const char* kRed = "<SPAN style=\"color: red; font-weight: bold\">";
 
 }  // namespace
 
@@ -65,31 +62,6 @@ TEST_F(EditorFailures, OfARemovalLeaveTheListsMarkedForReading) {
   EXPECT_THAT(log(), ElementsAre(Line("DeletePlayList", "57: Input or output failed")));
   EXPECT_TRUE(plugin.stale.PlayListsStale);
   EXPECT_EQ(library.playlists.size(), 1U);
-}
-
-TEST_F(EditorFailures, ThatThePlayerOnlyTellsOfAreSaidOnThePage) {
-  told = base::Failure(base::number::kNameInUse);
-  EXPECT_THAT(put(addTitle),
-              HasSubstr(std::string(kRed) + "Error: Unable to add: 'River' to PlayList: 'Mine'</SPAN>"));
-  EXPECT_THAT(put(deleteItem), HasSubstr(std::string(kRed) +
-                                         "Error: Unable to delete: 'River', from PlayList: 'Mine'</SPAN>"));
-  EXPECT_EQ(editor.fields().PlayListItems, "River");
-  told = base::Failure(base::number::kPermissionDenied, "Not yours");
-  EXPECT_THAT(put(rename), HasSubstr(std::string(kRed) + "Error: PlayList 'Mine' does not exist</SPAN>"))
-      << "the page behind it has the last word: this player has renamed after all";
-  EXPECT_EQ(editor.fields().Renamed_PlayList, "Yours");
-}
-
-TEST_F(EditorFailures, OfARenamingAndARemovalAreSaidWithTheirDescription) {
-  told = base::Failure(base::number::kPermissionDenied, "Not yours");
-  library.addPlaylist("Mine");  // another of that name, so that the page behind finds one
-  EXPECT_THAT(put(rename),
-              HasSubstr(std::string(kRed) + "Error: Unable to rename PlayList 'Mine', Not yours</SPAN>"));
-  library.addPlaylist("Mine");
-  EXPECT_THAT(put(deleteList),
-              HasSubstr(std::string(kRed) + "Error: Unable to delete Playlist: 'Mine', Not yours</SPAN>"));
-  EXPECT_EQ(editor.fields().PlayList, "Mine");
-  EXPECT_EQ(plugin.nameXref.LookupNameXref("PlayList", "Yours"), "Yours");
 }
 
 TEST_F(EditorFailures, AGoneListIsNamedInTheWordsOfItsOperation) {
