@@ -45,7 +45,8 @@ void Lifecycle::readFlags() {
   in_.calls.SetFullScreenVideo(in_.settings.flag("FullScreenVideo", false));
   in_.state.TrayIcon = in_.settings.flag("TrayIcon", true);
   in_.state.RefreshActions = in_.settings.flag("RefreshActions", true);
-  in_.form.settings().volume(base::ToInt32(in_.settings.number("Volume", 50)));
+  const std::int32_t volume = in_.settings.wholeNumber("Volume", 50);
+  ForSetting("Volume", [&] { in_.form.settings().volume(volume); });
   in_.state.RaisePriority = in_.settings.flag("RaisePriority", true);
   in_.state.VRCategoryRequired = in_.settings.flag("VRCategoryRequired", false);
   in_.state.DebugMessages = in_.settings.flag("DebugMessages", false);

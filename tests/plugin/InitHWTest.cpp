@@ -203,6 +203,23 @@ TEST_F(InitHW, TheSavedVolumeIsItsWholeNumberValue) {
   EXPECT_EQ(wmp9->level, 37);
 }
 
+TEST_F(InitHW, AVolumeThatIsNoneEndsItWithTheSettingsName) {
+  host->settings["volume"] = "1e99";
+  run();
+  EXPECT_EQ(interfaceStatus(), 2);
+  EXPECT_TRUE(
+      logged("Error", "Media Player background initialization FAILED: Overflow in the setting Volume"));
+}
+
+TEST_F(InitHW, AVolumeThatThePlayerRefusesEndsItWithTheSettingsName) {
+  host->settings["volume"] = "101";
+  preparePlayer = [](support::FakePlayer& player) { player.loudest = 100; };
+  run();
+  EXPECT_EQ(interfaceStatus(), 2);
+  EXPECT_TRUE(logged(
+      "Error", "Media Player background initialization FAILED: Invalid argument in the setting Volume"));
+}
+
 TEST_F(InitHW, ASavedWindowTopAboveTheScreenIsRestoredAndThenCorrected) {
   host->settings["displaycontrolstop"] = "-100";
   host->settings["displaycontrolsleft"] = "300";

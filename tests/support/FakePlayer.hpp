@@ -53,6 +53,7 @@ class FakePlayer : public player::WMP9,
   std::set<std::string> unavailable;
   bool muted = false;
   std::int32_t level = 50;
+  std::int32_t loudest = 1'000'000;  ///< more is refused
   std::map<std::string, bool> modes;
   bool answersModes = true;  ///< sends ModeChange when setMode changes one
   player::MediaRef media;
@@ -122,6 +123,7 @@ class FakePlayer : public player::WMP9,
     return level;
   }
   void volume(std::int32_t value) override {
+    if (value > loudest) throw Failure(base::number::kInvalidArgument);
     told("volume " + std::to_string(value));
     level = value;
   }

@@ -1,8 +1,10 @@
 #include "plugin/commands/Dispatch.hpp"
 
 #include <map>
+#include <string_view>
 
 #include "base/Attempt.hpp"
+#include "base/Interchange.hpp"
 #include "base/Text.hpp"
 #include "plugin/commands/VoiceTable.hpp"
 
@@ -77,6 +79,13 @@ const std::map<std::string, Command>& ButtonCommands() {
   return table;
 }
 
+/// Where the text goes on behind a word that it begins with, without regard to case; 0 when it doesn't. The
+/// same word may take more bytes in another case, so characters are counted.
+std::size_t BehindWord(std::string_view text, std::string_view word) {
+  const std::size_t end = base::OffsetOfCharacter(text, base::CountCharacters(word));
+  return base::SameText(text.substr(0, end), word) ? end : 0;
+}
+
 }  // namespace
 
 std::string ProgramVersion() { return VANTORIX_VERSION; }
@@ -129,14 +138,15 @@ void Dispatch::PlayFromDevice(const std::string& category, std::int16_t Command,
     playByName(category, name, shuffle);
   }
   if (Command == kVoice) {
-    static const std::string kPlay = "play ";
+    constexpr std::string_view kPlay = "play ";
     std::string spoken;
     step([&] { spoken = host_.LastVoiceCommand(); });
-    if (base::LowerCase(spoken.substr(0, kPlay.size())) != kPlay) return;
-    std::string name = spoken.substr(kPlay.size());
-    // Behind a category word comes one blank, which is passed over with it.
-    if (base::SameText(name.substr(0, category.size()), category))
-      name = name.size() > category.size() ? name.substr(category.size() + 1) : std::string();
+    const std::size_t behind = BehindWord(spoken, kPlay);
+    if (behind == 0) return;
+    std::string name = spoken.substr(behind);
+    // Behind a category word comes one blank, which is passed over with it whatever character it is.
+    if (const std::size_t word = BehindWord(name, category); word > 0)
+      name.erase(0, word + base::OffsetOfCharacter(std::string_view(name).substr(word), 1));
     playByName(category, name, shuffle);
   }
   // The device's list falls back to its blank first value.

@@ -1,13 +1,12 @@
 #include "plugin/host/Settings.hpp"
 
-#include "base/Attempt.hpp"
 #include "plugin/host/PluginState.hpp"
 
 namespace plugin {
 
 namespace {
 constexpr const char* kSection = "Settings";
-}
+}  // namespace
 
 base::Value Settings::raw(const std::string& key, const base::Value& fallback) const {
   return host_.GetINISetting(kSection, key, fallback, kSettingsFile);
@@ -15,19 +14,22 @@ base::Value Settings::raw(const std::string& key, const base::Value& fallback) c
 
 bool Settings::flag(const std::string& key, bool fallback) const {
   const base::Value stored = raw(key, fallback);
-  return base::Handled([&] { return base::ToBoolean(stored); },
-                       [&](const base::Failure& failure) -> bool {
-                         throw base::Failure(failure.number(),
-                                             failure.description() + " in the setting " + key);
-                       });
+  return ForSetting(key, [&] { return base::ToBoolean(stored); });
 }
 
 double Settings::number(const std::string& key, std::int16_t fallback) const {
-  return base::NumericPrefix(base::ToText(raw(key, fallback)));
+  const base::Value stored = raw(key, fallback);
+  return ForSetting(key, [&] { return base::NumericPrefix(base::ToText(stored)); });
+}
+
+std::int32_t Settings::wholeNumber(const std::string& key, std::int16_t fallback) const {
+  const double stored = number(key, fallback);
+  return ForSetting(key, [&] { return base::ToInt32(stored); });
 }
 
 std::string Settings::text(const std::string& key, const std::string& fallback) const {
-  return base::ToText(raw(key, fallback));
+  const base::Value stored = raw(key, fallback);
+  return ForSetting(key, [&] { return base::ToText(stored); });
 }
 
 void Settings::save(const std::string& key, const base::Value& value) {

@@ -64,6 +64,19 @@ TEST_F(PlayFromDevice, APhraseWithAndWithoutTheCategoryPlaysTheSameName) {
                           "WMPPlay(Album, abbey road, )"));
 }
 
+TEST_F(PlayFromDevice, TheCharacterBehindTheCategoryIsPassedOverWhole) {
+  for (const char* character : {" ", "\u00C4", "\u202F", "\U0001F3B5", "\xFF"})
+    say(std::string("play album") + character + "abbey road");
+  EXPECT_THAT(journal.with("WMPPlay"), ::testing::SizeIs(5));
+  EXPECT_THAT(journal.with("WMPPlay"), ::testing::Each(std::string("WMPPlay(Album, abbey road, )")));
+}
+
+TEST_F(PlayFromDevice, ACategoryWordThatTakesMoreBytesInAnotherCaseIsStillThatWord) {
+  host->lastVoiceCommand = "play PLAYL\u0130ST Mine";  // a dotted capital I
+  plugin.dispatch.PlayFromDevice("PlayList", 13, 0, false);
+  EXPECT_THAT(journal.with("WMPPlay"), ElementsAre("WMPPlay(PlayList, Mine, )"));
+}
+
 TEST_F(PlayFromDevice, APhraseThatDoesNotBeginWithPlayLeavesTheValueAlone) {
   for (const char* phrase : {"play", "", "please play", "playabbey"}) say(phrase, 2);
   EXPECT_THAT(journal.with("WMPPlay"), IsEmpty());

@@ -35,6 +35,29 @@ TEST_F(Settings, AFlagIsAWordOrANumber) {
   EXPECT_THROW((void)plugin.settings.flag("TrayIcon", true), base::Failure);
 }
 
+TEST_F(Settings, WhatIsNotWhatItIsMeantToBeIsAFailureThatNamesTheSetting) {
+  const auto failure = [](const std::function<void()>& reading) -> std::string {
+    try {
+      reading();
+    } catch (const base::Failure& thrown) {
+      return thrown.description();
+    }
+    return "none";
+  };
+  host->settings["trayicon"] = "maybe";
+  EXPECT_EQ(failure([&] { (void)plugin.settings.flag("TrayIcon", true); }),
+            "Type mismatch in the setting TrayIcon");
+  host->settings["volume"] = "-3000000000";
+  EXPECT_EQ(failure([&] { (void)plugin.settings.wholeNumber("Volume", 50); }),
+            "Overflow in the setting Volume");
+  EXPECT_EQ(plugin.settings.number("Volume", 50), -3e9);
+  host->answers["GetINISetting"] = [](base::Args&) { return base::Value(base::Array{}); };
+  EXPECT_EQ(failure([&] { (void)plugin.settings.number("Volume", 50); }),
+            "Type mismatch in the setting Volume");
+  EXPECT_EQ(failure([&] { (void)plugin.settings.text("WhileSpeaking", ""); }),
+            "Type mismatch in the setting WhileSpeaking");
+}
+
 TEST_F(Settings, BooleansAreHandedOverAsBooleans) {
   base::Value saved;
   host->answers["SaveINISetting"] = [&](base::Args& args) {
