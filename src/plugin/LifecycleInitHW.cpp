@@ -77,7 +77,7 @@ std::string Lifecycle::InitHW() {
         in_.host.WriteLog("Startup", "Media Player background initialization started...");
         in_.stale.markCategories();
         composeTags();
-        if (const std::string reason = in_.devices.CreateDevices(); !reason.empty()) return reason;
+        if (std::string reason = in_.devices.CreateDevices(); !reason.empty()) return reason;
         in_.playState.MyPlayStateChange(player::kStopped);
         in_.calls.SetMute(false);
         showModes();
