@@ -28,11 +28,11 @@ async function tellVolume() {
   volumeShown = toast(`Volume ${volume}`);
 }
 
-/** The player says nothing of its own: the list is looked at. */
+/** The player adds what was chosen to be played, and says nothing of its own: the list is looked at. */
 async function tellAddition(devices) {
   const title = textOf(playerDevices(devices).Title);
   const query = new URLSearchParams({group: kList, q: title, offset: 0, limit: 1, fresh: 1});
   const found = title && await ask(`/api/playlist?${query}`).catch(() => null);
-  if (!found?.total) throw new Error('Nothing was added: nothing is playing that could be');
+  if (!found?.total) throw new Error('Nothing was added: choose something of the library to play first');
   toast([`Added ${title} to `, el('a', {href: `#library/PlayList/${kList}`}, kList)]);
 }
