@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Brings the house up: installs what is missing, builds, starts the server on the house's own bus, which
-# starts the plug-in, and prints one address. Ctrl+C stops everything in order.
+# starts the plug-in, and prints one address, with the key that lets the owner's browser in. Ctrl+C stops everything
+# in order.
 #
 #   ./run.sh            with a small demonstration library, made once
 #   ./run.sh FOLDER     with the music in FOLDER

@@ -47,7 +47,7 @@ MAY_INCLUDE = {
     "standin/routes": "base standin/hostobjects standin/house standin/player standin/playlists standin/scripts "
                       "standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
-    "standin": "base",
+    "standin": "base files",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 

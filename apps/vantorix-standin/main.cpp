@@ -8,6 +8,7 @@
 #include "base/Failure.hpp"
 #include "files/FolderLock.hpp"
 #include "files/WriteFile.hpp"
+#include "standin/AddressFile.hpp"
 #include "standin/Options.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
@@ -96,9 +97,16 @@ int serve(const Options& options) {
                                .refused = refused,
                                .hosts = AllowedHosts(!local, options.allowedHosts),
                                .htmlFolder = house.htmlFolder()});
-    const std::string name =
-        options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
-    std::cout << "Vantorix is at http://" << name << ":" << port.port() << "/" << std::endl;
+    const AddressFile file(options.data);
+    const auto address = [&] {
+      const std::string name =
+          options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
+      return "http://" + name + ":" + std::to_string(port.port()) + "/" +
+             (visitors.byKey() ? "?key=" + visitors.key() : "");
+    };
+    visitors.passwordChanged = [&] { file.write(address()); };
+    file.write(address());
+    std::cout << "Vantorix is at " << address() << std::endl;
 
     house.log.write("Startup", "Vantorix has started, version " + house.version);
     connection.onDisconnect([&] {
@@ -114,6 +122,13 @@ int serve(const Options& options) {
   return code;
 }
 
+int printAddress(const std::filesystem::path& data) {
+  const std::optional<std::string> address = AddressFile::read(data);
+  if (!address) throw base::Failure(base::number::kFileNotFound, "No server is running on " + data.string());
+  std::cout << *address << "\n";
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -124,7 +139,7 @@ int main(int argc, char** argv) {
       std::cout << Usage();
       return 0;
     }
-    return serve(options);
+    return options.address ? printAddress(options.data) : serve(options);
   } catch (const std::exception& failure) {
     std::cerr << "vantorix-standin: " << failure.what() << "\n";
     return 1;

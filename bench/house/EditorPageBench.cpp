@@ -49,7 +49,7 @@ Load Run(const support::RealHouse& house, int clients, int count, std::size_t si
   const auto begin = Clock::now();
   for (auto& mine : times) {
     threads.emplace_back([&house, &mine, &ask, count, size] {
-      httplib::Client client("127.0.0.1", house.port());
+      httplib::Client client = house.client();
       client.set_keep_alive(true);
       client.set_tcp_nodelay(true);
       client.set_read_timeout(60);
@@ -75,7 +75,7 @@ void Print(const char* what, int clients, const Load& load) {
 
 int Measure(support::RealHouse& house) {
   const int kRounds = bench::Amount(100, 4);
-  httplib::Client client("127.0.0.1", house.port());
+  httplib::Client client = house.client();
   client.set_read_timeout(60);
   const auto page = client.Post("/WMP_PListEdit", {{"Origin", house.url()}}, kLook, kForm);
   if (!page || page->status != 200 ||

@@ -23,8 +23,8 @@ using bench::Percentile;
 /// The house's live stream, read in a thread of its own.
 class LiveStream {
  public:
-  explicit LiveStream(int port)
-      : client_("127.0.0.1", port), reader_([this] {
+  explicit LiveStream(const support::RealHouse& house)
+      : client_(house.client()), reader_([this] {
           client_.set_read_timeout(60);
           client_.Get("/api/live", [this](const char* data, std::size_t size) {
             const std::lock_guard lock(mutex_);
@@ -64,11 +64,11 @@ class LiveStream {
 
 void MeasureLatency(support::RealHouse& house) {
   const int kPresses = bench::Amount(200, 4);
-  LiveStream live(house.port());
+  LiveStream live(house);
   house.press("Mute", "Mute toggle");
   live.waitFor(">Muted");
   const auto mute = house.device("Mute")["ref"].get<int>();
-  httplib::Client client("127.0.0.1", house.port());
+  httplib::Client client = house.client();
   client.set_keep_alive(true);
   client.set_tcp_nodelay(true);
   const std::string body = support::RealHouse::Json{{"ref", mute}, {"caption", "Mute toggle"}}.dump();
@@ -175,7 +175,7 @@ void StoreNames(const support::RealHouse& house, int count) {
 
 /// When a line came into the log, in milliseconds.
 double LoggedAt(const support::RealHouse& house, const std::string& text) {
-  httplib::Client client("127.0.0.1", house.port());
+  httplib::Client client = house.client();
   const auto answer = client.Get("/api/log");
   if (!answer) return 0;
   const auto log = support::RealHouse::Json::parse(answer->body);

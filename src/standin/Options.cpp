@@ -53,6 +53,7 @@ std::string Usage() {
          "  --allow-host NAME  a further name that browsers may call this server by; may be repeated\n"
          "  --host-version V   the version that plug-ins are told\n"
          "  --script-seconds N how long a script may compute (30)\n"
+         "  --address          print the address of the running server, with the owner's key in it, and end\n"
          "  --help             this text\n";
 }
 
@@ -62,6 +63,10 @@ Options ReadOptions(const std::vector<std::string>& words) {
     const std::string& word = words[i];
     if (word == "--help" || word == "-h") {
       options.help = true;
+      continue;
+    }
+    if (word == "--address") {
+      options.address = true;
       continue;
     }
     const bool known = word == "--port" || word == "--listen" || word == "--data" || word == "--bus" ||

@@ -14,6 +14,7 @@ struct Options {
   std::vector<std::string> allowedHosts;
   std::string version;     ///< what the host says of itself; empty: its default
   int scriptSeconds = 30;  ///< how long a script may compute
+  bool address = false;    ///< print the running server's address and end
   bool help = false;
 };
 

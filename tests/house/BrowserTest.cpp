@@ -11,7 +11,7 @@ class DevicesPage : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(house.startReady()) << house.server().output();
-    browser.open(house.url() + "/");
+    browser.open(house.address());
   }
   static std::string card(const std::string& device) { return "//article[.//h2[text()='" + device + "']]"; }
   static std::string button(const std::string& device, const std::string& caption) {
@@ -126,7 +126,7 @@ TEST(APhone, ShowsThePageWithoutASidewaysScroll) {
   support::RealHouse house({.music = music.path()});
   ASSERT_TRUE(house.startReady());
   support::Browser phone(360, 740);
-  phone.open(house.url() + "/");
+  phone.open(house.address());
   ASSERT_TRUE(phone.eventually("return document.querySelectorAll('article').length === 10"));
   EXPECT_EQ(phone.run("return window.innerWidth"), 360);
   EXPECT_EQ(phone.run("return document.documentElement.scrollWidth <= window.innerWidth"), true);

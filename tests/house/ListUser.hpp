@@ -13,7 +13,9 @@ class ListUser {
   using Json = nlohmann::json;
   using Names = std::vector<std::string>;
 
-  ListUser(const RealHouse& house, int width) : house_(house), browser(width, 800) {}
+  ListUser(const RealHouse& house, int width) : house_(house), browser(width, 800) {
+    browser.open(house.address());
+  }
 
   /// `place` as the address has it: "PlayList/Mine".
   void open(const std::string& place) {

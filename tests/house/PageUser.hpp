@@ -9,7 +9,9 @@ namespace support {
 /// Somebody who uses the plug-in's two pages in a browser.
 class PageUser {
  public:
-  PageUser(const RealHouse& house, int width) : house_(house), browser(width, 900) {}
+  PageUser(const RealHouse& house, int width) : house_(house), browser(width, 900) {
+    browser.open(house.address());
+  }
 
   void open(const std::string& path) {
     browser.open(house_.url() + path);

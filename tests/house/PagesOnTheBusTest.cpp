@@ -18,17 +18,12 @@ class PagesOnTheBus : public ::testing::Test {
   }
   /// The page of an address, as a browser gets it.
   std::string get(const std::string& path) {
-    const auto answer = client().Get(path);
+    const auto answer = house.client().Get(path);
     return answer ? answer->body : "";
   }
   std::string post(const std::string& path, const httplib::Params& fields) {
-    const auto answer = client().Post(path, {{"Origin", house.url()}}, fields);
+    const auto answer = house.client().Post(path, {{"Origin", house.url()}}, fields);
     return answer && answer->status == 200 ? answer->body : "";
-  }
-  [[nodiscard]] httplib::Client client() const {
-    httplib::Client web("127.0.0.1", house.port());
-    web.set_read_timeout(40);
-    return web;
   }
   std::string put(const std::string& body) { return base::ToText(vxif->invoke("PagePut", body)); }
 

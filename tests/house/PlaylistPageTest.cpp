@@ -49,7 +49,7 @@ class PlaylistInABrowser : public testing::Test {
   }
   Names stored() { return storedIn("Mine"); }
   Names storedIn(const std::string& list) {
-    httplib::Client client("127.0.0.1", house.port());
+    httplib::Client client = house.client();
     const auto answer =
         client.Get("/api/playlist?fresh=1&limit=500&group=" + httplib::detail::encode_query_param(list));
     return answer && answer->status == 200 ? support::JsonOf(answer->body)["names"].get<Names>()
@@ -199,7 +199,7 @@ TEST_F(PlaylistInABrowser, TwoBrowsersAndAnotherProgramSeeEachOthersChanges) {
                  static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(took).count()));
   EXPECT_TRUE(other.shows({"Five", "Two", "One", "Three"}));
   // The plug-in's own editor.
-  httplib::Client client("127.0.0.1", house.port());
+  httplib::Client client = house.client();
   const auto page = client.Post("/WMP_PListEdit", {{"Origin", house.url()}},
                                 "wmp_page=Main_Page&PlayList=Mine&PlayListItems=Two&button=Delete+Item",
                                 "application/x-www-form-urlencoded");
@@ -265,6 +265,7 @@ TEST_F(PlaylistInABrowser, ListsAreMadeFilledRenamedAndDeleted) {
 
 TEST_F(PlaylistInABrowser, AGuestLooksAndHasNothingToChangeItWith) {
   ASSERT_EQ(house.post("/api/password", {{"password", "correct horse battery"}, {"old", ""}}), 200);
+  ASSERT_EQ(house.post("/api/guests", {{"guests", "open"}}), 200);
   ListUser user(house, 1280);
   user.open("PlayList/Mine");
   ASSERT_TRUE(

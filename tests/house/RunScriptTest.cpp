@@ -13,6 +13,7 @@
 #include "support/SmallMusic.hpp"
 
 using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
 
 namespace {
 
@@ -29,9 +30,15 @@ class RunScript : public ::testing::Test {
                                  "VANTORIX_AUDIO=null"});
   }
   static int portOf(support::Process& house) {
-    const std::string before = "Vantorix is at http://127.0.0.1:";
-    const std::string& said = house.outputWith("/\n");
-    return std::stoi(said.substr(said.find(before) + before.size()));
+    return std::stoi(addressOf(house).substr(std::string("http://127.0.0.1:").size()));
+  }
+  /// What it has printed, the key with it.
+  static std::string addressOf(support::Process& house) {
+    const std::string before = "Vantorix is at ";
+    house.outputWith(before);
+    const std::string said = house.outputWith("\n");
+    const auto begin = said.find(before) + before.size();
+    return said.substr(begin, said.find('\n', begin) - begin);
   }
   /// The server's process, as the house's bus knows it.
   [[nodiscard]] pid_t serverOf() const {
@@ -41,10 +48,17 @@ class RunScript : public ::testing::Test {
     if (process == 0) throw std::runtime_error("no server on the bus");
     return static_cast<pid_t>(process);
   }
-  static bool becomesReady(int port) {
+  /// Opens its address as the user does, and looks until the plug-in is ready.
+  static bool becomesReady(support::Process& house) {
+    const std::string address = addressOf(house);
+    httplib::Client client("127.0.0.1", portOf(house));
+    const auto entered = client.Get(address.substr(address.rfind('/')));
+    if (!entered) return false;
+    const std::string cookie = entered->get_header_value("Set-Cookie");
+    client.set_default_headers({{"Cookie", cookie.substr(0, cookie.find(';'))}});
     return support::Eventually([&] {
-      const auto answer = httplib::Client("127.0.0.1", port).Get("/api/state");
-      return answer && support::JsonOf(answer->body)["plugin"]["state"] == "ready";
+      const auto answer = client.Get("/api/state");
+      return answer && answer->status == 200 && support::JsonOf(answer->body)["plugin"]["state"] == "ready";
     });
   }
   support::TempFolder folder;
@@ -55,9 +69,8 @@ class RunScript : public ::testing::Test {
 
 TEST_F(RunScript, PrintsOneAddressAndStopsEverythingInOrder) {
   const auto house = run(music.path());
-  const int port = portOf(*house);
-  EXPECT_TRUE(becomesReady(port));
-  EXPECT_EQ(house->output(), "Vantorix is at http://127.0.0.1:" + std::to_string(port) + "/\n");
+  EXPECT_TRUE(becomesReady(*house));
+  EXPECT_THAT(house->output(), MatchesRegex("Vantorix is at http://127.0.0.1:[0-9]+/\\?key=[0-9a-f]+\n"));
   house->signal(SIGINT);
   EXPECT_EQ(house->wait(), 0) << house->output();
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "vantorix" / "bus"));
@@ -65,7 +78,7 @@ TEST_F(RunScript, PrintsOneAddressAndStopsEverythingInOrder) {
 
 TEST_F(RunScript, RefusesASecondHouse) {
   const auto house = run(music.path());
-  ASSERT_TRUE(becomesReady(portOf(*house)));
+  ASSERT_TRUE(becomesReady(*house));
   const auto second = run(music.path());
   EXPECT_EQ(second->wait(), 1);
   EXPECT_THAT(second->output(), HasSubstr("A house is running already on the bus"));
@@ -76,14 +89,14 @@ TEST_F(RunScript, RefusesASecondHouse) {
 TEST_F(RunScript, ClearsAwayWhatAPulledPlugHasLeft) {
   {
     const auto house = run(music.path());
-    ASSERT_TRUE(becomesReady(portOf(*house)));
+    ASSERT_TRUE(becomesReady(*house));
     // The server goes first; the script, which waits for it, is killed with the rest of its work undone.
     house->signal(SIGSTOP);
     ASSERT_EQ(::kill(serverOf(), SIGKILL), 0);
     house->kill();
   }
   const auto house = run(music.path());
-  EXPECT_TRUE(becomesReady(portOf(*house)));
+  EXPECT_TRUE(becomesReady(*house));
   house->signal(SIGTERM);
   EXPECT_EQ(house->wait(), 0);
 }

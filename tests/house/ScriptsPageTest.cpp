@@ -14,6 +14,7 @@ class ScriptsInABrowser : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(house.startReady()) << house.server().output();
+    browser.open(house.address());
     browser.open(house.url() + "/#scripts");
     ASSERT_TRUE(browser.eventually("return document.querySelectorAll('.script-names button').length === 3"));
     ASSERT_TRUE(

@@ -41,9 +41,13 @@ class RealHouse {
                                    data().string(), "--bus",  bus_.address()};
     words.insert(words.end(), setup_.serverWords.begin(), setup_.serverWords.end());
     server_ = std::make_unique<Process>(words);
-    const std::string greeting = "http://127.0.0.1:";
-    const std::string& said = server_->outputWith("/\n");
+    const std::string greeting = "Vantorix is at http://127.0.0.1:";
+    server_->outputWith(greeting);
+    const std::string said = server_->outputWith("\n", std::chrono::seconds(30));
+    address_ = said.substr(said.find(greeting) + greeting.find("http"));
+    address_.resize(address_.find('\n'));
     port_ = std::stoi(said.substr(said.find(greeting) + greeting.size()));
+    if (const auto answer = client().Get(address_.substr(url().size()))) keepCookie(*answer);
   }
   /// Starts it and waits until the plug-in is ready.
   bool startReady() {
@@ -59,6 +63,17 @@ class RealHouse {
   [[nodiscard]] const std::string& busAddress() const { return bus_.address(); }
   [[nodiscard]] int port() const { return port_; }
   [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port_); }
+  /// The address that the server has printed: whoever opens it first is the owner from then on.
+  [[nodiscard]] const std::string& address() const { return address_; }
+  /// The owner's own client.
+  [[nodiscard]] httplib::Client client() const {
+    httplib::Client client("127.0.0.1", port_);
+    client.set_read_timeout(40);
+    if (!cookie_.empty()) client.set_default_headers({{"Cookie", cookie_}});
+    return client;
+  }
+  /// The cookie that makes it the owner's.
+  [[nodiscard]] const std::string& cookie() const { return cookie_; }
   Process& server() { return *server_; }
 
   // What the page sees.
@@ -87,6 +102,7 @@ class RealHouse {
   /// The HTTP status of a post.
   int post(const std::string& path, const Json& body) {
     const auto answer = client().Post(path, {{"Origin", url()}}, TextOf(body), "application/json");
+    if (answer) keepCookie(*answer);
     return answer ? answer->status : -1;
   }
   int press(const std::string& name, const std::string& caption) {
@@ -109,10 +125,9 @@ class RealHouse {
   }
 
  private:
-  httplib::Client client() const {
-    httplib::Client client("127.0.0.1", port_);
-    client.set_read_timeout(40);
-    return client;
+  void keepCookie(const httplib::Response& answer) {
+    const std::string given = answer.get_header_value("Set-Cookie");
+    if (!given.empty()) cookie_ = given.substr(0, given.find(';'));
   }
   [[nodiscard]] std::string pluginCommand() const {
     const std::string home = folder_.path().string();
@@ -128,6 +143,8 @@ class RealHouse {
   BusDaemon bus_{{{"org.vantorix.vxif_WMP9", pluginCommand()}}};
   std::unique_ptr<Process> server_;
   int port_ = 0;
+  std::string address_;
+  std::string cookie_;
 };
 
 }  // namespace support

@@ -67,6 +67,13 @@ bool PasswordFits(const std::string& hash, const std::string& password) {
   return crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
 }
 
+std::string RandomToken() {
+  needSodium();
+  std::array<unsigned char, kTokenBytes> bytes{};
+  randombytes_buf(bytes.data(), bytes.size());
+  return hex(bytes);
+}
+
 Users::Users(database::Database& database, Clock clock)
     : database_(database), clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })) {
   needSodium();
@@ -95,9 +102,7 @@ void Users::setHash(const std::string& name, const std::string& hash) {
 }
 
 std::string Users::begin(const std::string& name) {
-  std::array<unsigned char, kTokenBytes> bytes{};
-  randombytes_buf(bytes.data(), bytes.size());
-  std::string token = hex(bytes);
+  std::string token = RandomToken();
   const std::optional<User> user = find(name);
   const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
   database::Transaction whole(database_);

@@ -34,6 +34,9 @@ std::string HashPassword(const std::string& password);
 /// Whether the password belongs to the stored hash. An empty hash never matches.
 bool PasswordFits(const std::string& hash, const std::string& password);
 
+/// A text that nobody can guess: 64 hexadecimal digits.
+std::string RandomToken();
+
 /// Users and their sessions, in the database. Session tokens are stored as hashes only.
 class Users {
  public:

@@ -26,11 +26,23 @@ const Route* WebApi::find(Method method, const std::string& path) const {
   return found == byAddress_.end() ? nullptr : found->second;
 }
 
+WebAnswer WebApi::signIn() const {
+  const bool byKey = visitors_.byKey();
+  WebAnswer answer =
+      Told({{"error", byKey ? kWayByKey : "Please sign in"}, {"way", byKey ? "key" : "password"}});
+  answer.status = 401;
+  return answer;
+}
+
+WebAnswer WebApi::unknown() {
+  return AskLoop(gate_, [this](const Reply& reply) { reply(signIn()); });
+}
+
 std::optional<WebAnswer> WebApi::admit(const Route& route, WebCall& call) {
   const std::optional<User> user = visitors_.of(call.token);
   if (user) call.user = *user;
   if (route.role == Role::kAnyone) return std::nullopt;
-  if (!user) return Refusal(401, "Please sign in");
+  if (!user) return signIn();
   if (route.role == Role::kOwner && user->guest) return Refusal(403, route.refused);
   return std::nullopt;
 }

@@ -25,9 +25,12 @@ class WebApi {
   std::optional<WebAnswer> refusal(const Route& route, const std::string& token);
   /// The user of a session token, if the house knows one.
   std::optional<User> visitor(const std::string& token);
+  /// What one is told whom the house doesn't know: how he gets in.
+  WebAnswer unknown();
   [[nodiscard]] const Routes& routes() const { return routes_; }
 
  private:
+  [[nodiscard]] WebAnswer signIn() const;
   /// On the loop's thread: puts the user into the call.
   std::optional<WebAnswer> admit(const Route& route, WebCall& call);
 

@@ -26,6 +26,7 @@ std::string tokenOf(const httplib::Request& request) {
 void give(httplib::Response& response, const WebAnswer& answer) {
   response.status = answer.status;
   response.set_content(answer.body, answer.type);
+  if (!answer.location.empty()) response.set_redirect(answer.location, 303);
   if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
 }
 
@@ -92,7 +93,8 @@ void giveFor(const httplib::Request& request, httplib::Response& response, WebAn
   }
   if (!answer.policy.empty()) put(response, "Content-Security-Policy", answer.policy);
   // A page with a policy of its own is made for this one time.
-  const bool keeps = request.method != "POST" && answer.status == 200 && answer.policy.empty();
+  const bool keeps =
+      request.method != "POST" && answer.status == 200 && answer.policy.empty() && answer.location.empty();
   if (keeps) return giveIfNew(request, response, answer);
   give(response, answer);
 }
@@ -190,7 +192,8 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
     return give(response, Refusal(403, "This server doesn't answer to that name"));
   }
   const std::string& path = request.path;
-  if (path == "/" || path == "/index.html") {
+  // With a key it is the table's: the owner comes in.
+  if ((path == "/" && !request.has_param("key")) || path == "/index.html") {
     return giveIfNew(request, response,
                      {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
@@ -209,7 +212,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   }
   if (!path.starts_with("/api/")) {
     if (const auto found = FileBelow(htmlFolder_, path)) {
-      if (!api_.visitor(token)) return give(response, Refusal(401, "Please sign in"));
+      if (!api_.visitor(token)) return giveFor(request, response, api_.unknown());
       const auto content = files::TextOf(*found);
       if (content)
         return giveIfNew(request, response,

@@ -17,8 +17,9 @@ struct WebAnswer {
   int status = 200;
   std::string type = "application/json";
   std::string body = "{}";
-  std::string cookie{};  ///< content of a Set-Cookie header, if any
-  std::string policy{};  ///< a Content-Security-Policy in place of the server's usual one, if any
+  std::string cookie{};    ///< content of a Set-Cookie header, if any
+  std::string location{};  ///< where the browser goes on, if anywhere
+  std::string policy{};    ///< a Content-Security-Policy in place of the server's usual one, if any
 };
 
 /// JSON for the page that asks.
@@ -27,6 +28,9 @@ WebAnswer Told(const nlohmann::json& json);
 WebAnswer Refusal(int status, const std::string& text);
 /// Success for an empty text, a refusal with what the plug-in's failure says otherwise.
 WebAnswer OutcomeOf(const std::string& failure);
+/// What one is told whom the house doesn't know: how to get in.
+inline constexpr const char* kWayByKey =
+    "Open the address that the server has printed; “vantorix-standin --address” prints it again";
 /// The exception now being handled as an answer. Only to be called inside a catch block.
 WebAnswer RefusalOfFailure();
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 
+#include "base/Text.hpp"
 #include "standin/routes/LoginLimit.hpp"
 #include "standin/routes/Routes.hpp"
 
@@ -11,6 +12,7 @@ namespace standin {
 namespace {
 
 constexpr std::size_t kLongestPassword = 1024;
+constexpr std::size_t kShortestPassword = 8;
 constexpr int kDone = 200;
 
 std::string sessionCookie(const std::string& token) {
@@ -30,6 +32,15 @@ class Commands {
   Commands(House& house, Visitors& visitors, LoopGate& gate)
       : house_(house), visitors_(visitors), gate_(gate) {}
 
+  /// The owner comes with the key of the address that the server has printed.
+  WebAnswer enter(const WebCall& call) {
+    WebAnswer answer{.location = "/"};
+    const bool known = call.user.name == kFirstUser;
+    if (!known && visitors_.isKey(call.parameter("key")))
+      answer.cookie = sessionCookie(house_.users.begin(kFirstUser));
+    return answer;
+  }
+
   WebAnswer login(const WebCall& call) {
     const auto name = call.json.at("name").get<std::string>();
     const auto password = call.json.value("password", std::string());
@@ -40,10 +51,10 @@ class Commands {
       bool letIn = false;
     };
     const auto known = std::make_shared<Known>();
-    WebAnswer asked = onLoop([this, name, known] {
+    WebAnswer asked = onLoop([this, name, byOwner = call.user.name == kFirstUser, known] {
       known->user = house_.users.find(name);
       known->hash = house_.users.hashOf(name);
-      known->letIn = known->user && (!known->user->guest || visitors_.letsIn(*known->user));
+      known->letIn = known->user && (!known->user->guest || Visitors::letsIn(*known->user, byOwner));
     });
     if (asked.status != kDone) return asked;
     if (!known->user) {
@@ -52,8 +63,7 @@ class Commands {
     }
     if (!known->letIn) return Refusal(403, "Guests are not let in here");
     const User& user = *known->user;
-    // Without a password the owner needs no session, and the guest gets one for the asking.
-    if (!user.hasPassword && !user.guest) return {.cookie = noCookie()};
+    if (!user.hasPassword && !user.guest) return Refusal(403, kWayByKey);
     if (user.hasPassword) {
       const std::lock_guard one(hashing_);
       if (!limits_.mayTry(name, call.peer, now())) return tooMany();  // others have guessed meanwhile
@@ -78,6 +88,8 @@ class Commands {
     const auto old = call.json.value("old", std::string());
     const auto wanted = call.json.at("password").get<std::string>();
     const std::string& name = call.user.name;
+    if (!wanted.empty() && base::CountCharacters(wanted) < kShortestPassword)
+      return Refusal(400, "A password has at least 8 characters");
     if (wanted.size() > kLongestPassword) return Refusal(400, "The password is too long");
     if (wanted.empty() && !visitors_.local())
       return Refusal(403, "A server that others can reach needs a password");
@@ -99,11 +111,12 @@ class Commands {
     const auto fresh = std::make_shared<std::string>();
     asked = onLoop([this, name, made, fresh] {
       house_.users.setHash(name, made);
-      if (!made.empty()) *fresh = house_.users.begin(name);
+      *fresh = house_.users.begin(name);
+      visitors_.passwordChanged();
       house_.log.write(
           "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
     });
-    if (asked.status == kDone) asked.cookie = made.empty() ? noCookie() : sessionCookie(*fresh);
+    if (asked.status == kDone) asked.cookie = sessionCookie(*fresh);
     return asked;
   }
 
@@ -146,7 +159,8 @@ class Commands {
 
 Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate) {
   const auto all = std::make_shared<Commands>(house, visitors, gate);
-  return {{Method::kPost, "/api/login", Role::kAnyone,
+  return {{Method::kGet, "/", Role::kAnyone, Now{[all](const WebCall& call) { return all->enter(call); }}},
+          {Method::kPost, "/api/login", Role::kAnyone,
            Aside{[all](const WebCall& call) { return all->login(call); }}},
           {Method::kPost, "/api/logout", Role::kAnyone,
            Now{[all](const WebCall& call) { return all->logout(call); }}},

@@ -1,5 +1,7 @@
 #include "standin/routes/Visitors.hpp"
 
+#include <sodium.h>
+
 namespace standin {
 
 bool Visitors::ownerHasPassword() const {
@@ -7,20 +9,21 @@ bool Visitors::ownerHasPassword() const {
   return owner && owner->hasPassword;
 }
 
-std::optional<User> Visitors::of(const std::string& token) const {
-  if (std::optional<User> user = users_.ofSession(token)) return user;
-  std::optional<User> owner = users_.find(kFirstUser);
-  if (local_ && owner && !owner->hasPassword) return owner;
-  return std::nullopt;
+std::string Visitors::key() const { return local_ && !ownerHasPassword() ? key_ : std::string(); }
+
+bool Visitors::isKey(const std::string& text) const {
+  const std::string known = key();
+  return !known.empty() && text.size() == known.size() &&
+         sodium_memcmp(text.data(), known.data(), known.size()) == 0;
 }
 
-bool Visitors::letsIn(const User& guest) const {
-  return guest.hasPassword || guest.admitted || (local_ && !guest.barred);
+bool Visitors::letsIn(const User& guest, bool ownerAsks) {
+  return guest.hasPassword || guest.admitted || ownerAsks;
 }
 
 std::string Visitors::guestRule() const {
   const std::optional<User> guest = users_.find(kGuest);
-  if (!guest || !letsIn(*guest)) return "off";
+  if (!guest || !letsIn(*guest, false)) return "off";
   return guest->hasPassword ? "password" : "open";
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <thread>
 
+#include "standin/fakes/WebClient.hpp"
 #include "support/Process.hpp"
 
 namespace support {
@@ -13,7 +14,8 @@ namespace support {
 /// A page that hears what happens in the house, from its construction on.
 class LivePage {
  public:
-  explicit LivePage(int port) : client_("127.0.0.1", port) {
+  explicit LivePage(const ServerProcess& server) : client_("127.0.0.1", server.port()) {
+    client_.set_default_headers({{"Cookie", WebClient(server).cookie}});
     client_.set_read_timeout(60);
     thread_ = std::thread([this] {
       client_.Get("/api/live", [this](const char* text, std::size_t size) {

@@ -27,7 +27,7 @@ class PlaylistHouse : public testing::Test {
   FakePlaylists::Title at(const std::string& name) { return {name, "Blue/" + name}; }
   void start() {
     server.emplace(bus.address(), folder.path() / "data");
-    web.emplace(server->port());
+    web.emplace(*server);
     ASSERT_TRUE(Eventually([&] {
       const json state = web->json("/api/state");
       return state.is_object() && state.value("/plugin/state"_json_pointer, "") == "ready";

@@ -56,6 +56,13 @@ class ServerProcess {
   /// What it said when it was ready.
   [[nodiscard]] const std::string& line() const { return line_; }
   [[nodiscard]] int port() const { return std::stoi(line_.substr(line_.rfind(':') + 1)); }
+  /// The owner's key in that line; empty where a password is needed.
+  [[nodiscard]] std::string key() const {
+    const auto at = line_.find("?key=");
+    return at == std::string::npos ? std::string() : line_.substr(at + 5);
+  }
+  /// The address in that line, with the key: for a browser of the owner's.
+  [[nodiscard]] std::string address() const { return line_.substr(line_.find("http")); }
   [[nodiscard]] std::string errors() const { return files::TextOf(errors_).value_or(""); }
   /// Sends the signal and waits; the exit code, or minus the signal that ended it.
   int end(int signal = SIGTERM) {

@@ -4,17 +4,25 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "standin/fakes/ServerProcess.hpp"
 #include "support/JsonText.hpp"
 #include "support/Process.hpp"
 
 namespace support {
 
-/// A browser, as far as headers go.
+/// A browser, as far as headers go. Made from a server's process it is the owner's, from a port a stranger's.
 class WebClient {
  public:
   explicit WebClient(int port)
       : origin_("http://127.0.0.1:" + std::to_string(port)), client_("127.0.0.1", port) {
     client_.set_read_timeout(60);
+  }
+  explicit WebClient(const ServerProcess& server) : WebClient(server.port()) { enter(server.key()); }
+
+  /// Opens the address with the key and keeps the cookie.
+  void enter(const std::string& key) {
+    const auto answer = get("/?key=" + key);
+    if (answer) keepCookie(*answer);
   }
 
   httplib::Result get(const std::string& path, httplib::Headers headers = {}) {
@@ -35,10 +43,7 @@ class WebClient {
     const auto answer = client_.Post(path, headers, body, type);
     if (!answer) return 0;
     last = answer->body;
-    if (answer->has_header("Set-Cookie")) {
-      cookieHeader = answer->get_header_value("Set-Cookie");
-      cookie = cookieHeader.substr(0, cookieHeader.find(';'));
-    }
+    keepCookie(*answer);
     return answer->status;
   }
   [[nodiscard]] const std::string& origin() const { return origin_; }
@@ -49,6 +54,11 @@ class WebClient {
   std::string cookieHeader;  ///< as the server set it
 
  private:
+  void keepCookie(const httplib::Response& answer) {
+    if (!answer.has_header("Set-Cookie")) return;
+    cookieHeader = answer.get_header_value("Set-Cookie");
+    cookie = cookieHeader.substr(0, cookieHeader.find(';'));
+  }
   void addCookie(httplib::Headers& headers) const {
     if (!cookie.empty()) headers.emplace("Cookie", cookie);
   }

@@ -89,7 +89,7 @@ class Server : public testing::Test {
 TEST_F(Server, ThePluginIsGivenItsCallbackAndThenStarted) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto calls = plugin.calls();
   ASSERT_GE(calls.size(), 2U);
@@ -108,7 +108,7 @@ TEST_F(Server, ThePluginIsGivenItsCallbackAndThenStarted) {
 TEST_F(Server, CommandsReachThePlugin) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const std::int32_t status = refOf(web, "Status");
   const std::int32_t quick = refOf(web, "Quick Album");
@@ -141,12 +141,12 @@ TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   slow.press = [waits] { waits.wait_for(std::chrono::minutes(2)); };
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const std::int32_t ref = refOf(web, "Status");
   std::atomic<bool> pressed = false;
   std::thread press([&] {
-    WebClient other(server.port());
+    WebClient other(server);
     EXPECT_EQ(other.post("/api/press", {{"ref", ref}, {"caption", "Pause"}}), 200);
     pressed = true;
   });
@@ -160,12 +160,13 @@ TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
 TEST_F(Server, ALivePageHearsOfADeviceChange) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   std::string heard;
   std::atomic<bool> open = false;
   std::thread page([&] {
     httplib::Client client("127.0.0.1", server.port());
+    client.set_default_headers({{"Cookie", web.cookie}});
     client.set_read_timeout(30);
     client.Get("/api/live", [&](const char* text, std::size_t size) {
       heard.append(text, size);
@@ -184,11 +185,13 @@ TEST_F(Server, ALivePageHearsOfADeviceChange) {
 
 TEST_F(Server, OpenLivePagesDontHoldUpTheEnd) {
   ServerProcess server(bus.address(), data);
+  const WebClient web(server);
   std::atomic<int> open = 0;
   std::vector<std::thread> pages;
   for (int i = 0; i < 5; ++i) {
     pages.emplace_back([&] {
       httplib::Client client("127.0.0.1", server.port());
+      client.set_default_headers({{"Cookie", web.cookie}});
       bool first = true;
       client.Get("/api/live", [&](const char*, std::size_t) {
         if (std::exchange(first, false)) ++open;
@@ -208,7 +211,7 @@ TEST_F(Server, ARefusalToStartIsShownAndNotRepeatedUntilTheUserAsks) {
   manner.refusal = "Error: no player <here>";
   FakePlugin plugin(bus.address(), manner);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "failed"; }));
   EXPECT_EQ(web.json("/api/state").at("plugin").at("reason"), "Error: no player <here>");
   EXPECT_TRUE(logHas(web, "Error: no player <here>"));
@@ -224,7 +227,7 @@ TEST_F(Server, ARefusalToStartIsShownAndNotRepeatedUntilTheUserAsks) {
 TEST_F(Server, ALostPluginIsShownLoggedAndStartedAgain) {
   auto plugin = std::make_unique<FakePlugin>(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   plugin.reset();
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "lost"; }));
@@ -241,7 +244,7 @@ TEST_F(Server, ThePluginIsReadyWhenItSaysSo) {
   slow.statusTwice = 3;
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(plugin.heard("InitIO " + std::to_string(server.port())));
   EXPECT_EQ(stateOf(web), "starting");
   EXPECT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
@@ -252,7 +255,7 @@ TEST_F(Server, AFailureAfterTheStartIsShownToo) {
   failing.statusTwice = 1000000;
   FakePlugin plugin(bus.address(), failing);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(plugin.heard("InitIO " + std::to_string(server.port())));
   plugin.withHost([](base::Object&, base::Object& host) {
     host.invoke("WriteLog", "Error", "Media Player background initialization FAILED: no codes left");
@@ -276,7 +279,7 @@ class ServerWithService : public Server {
 
 TEST_F(ServerWithService, TheBusStartsThePluginAndAKilledOneIsStartedAgain) {
   ServerProcess server(services.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const pid_t first = process();
   ASSERT_GT(first, 0);
@@ -291,7 +294,7 @@ TEST_F(ServerWithService, TheBusStartsThePluginAndAKilledOneIsStartedAgain) {
 TEST_F(ServerWithService, APluginThatDoesNotEndIsEndedByForce) {
   const support::BusDaemon stubborn{{{kName, std::string(FAKE_PLUGIN) + " stubborn"}}};
   ServerProcess server(stubborn.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(server.end(), 0);
@@ -301,7 +304,7 @@ TEST_F(ServerWithService, APluginThatDoesNotEndIsEndedByForce) {
 TEST_F(ServerWithService, APluginThatHangsInItsStartIsStartedAgainWhenTheUserAsks) {
   const support::BusDaemon hanging{{{kName, std::string(FAKE_PLUGIN) + " hanging"}}};
   ServerProcess server(hanging.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return processAt(hanging) != 0; })) << told(web, server);
   EXPECT_EQ(stateOf(web), "starting");
   const pid_t first = processAt(hanging);
@@ -316,7 +319,7 @@ TEST_F(ServerWithService, APluginThatHangsInItsStartIsStartedAgainWhenTheUserAsk
 TEST_F(Server, AWaitOfThePluginsDoesntHoldUpTheEnd) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   std::atomic<bool> waiting = false;
   std::thread wait([&] {
@@ -339,7 +342,7 @@ TEST_F(Server, AWaitOfThePluginsDoesntHoldUpTheEnd) {
 TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto page = web.get("/wmp_plistedit");
   ASSERT_TRUE(page);
@@ -378,7 +381,7 @@ TEST_F(Server, APostReachesThePluginAsItIs) {
   };
   FakePlugin plugin(bus.address(), manner);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   std::string pairs = "a=0";
   for (int i = 1; i < 10000; ++i) pairs += "&name" + std::to_string(i) + "=value+%41";
@@ -403,7 +406,7 @@ TEST_F(Server, APluginThatFailsOnAPageLeavesAWayBack) {
   manner.pagePut = [](const std::string&) { return std::string(); };
   FakePlugin plugin(bus.address(), manner);
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   const auto page = web.get("/WMP_PListEdit", {{"Accept", "text/html"}});
   EXPECT_EQ(page->status, 502);
@@ -445,24 +448,24 @@ TEST_F(Server, OthersMayReachItOnlyWhenItsOwnerHasAPassword) {
   EXPECT_NE(bare.errors().find("password"), std::string::npos);
   {
     ServerProcess local(bus.address(), data);
-    WebClient web(local.port());
-    EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+    WebClient web(local);
+    EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
     EXPECT_EQ(local.end(), 0);
   }
   ServerProcess open(bus.address(), data, {"--listen", "0.0.0.0"});
   ASSERT_FALSE(open.line().empty()) << open.errors();
-  WebClient web(open.port());
+  WebClient web(open);
   EXPECT_EQ(web.get("/api/state")->status, 401);
-  EXPECT_EQ(web.post("/api/login", {{"name", "owner"}, {"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/login", {{"name", "owner"}, {"password", "s3cret-enough"}}), 200);
   EXPECT_EQ(web.get("/api/state")->status, 200);
-  EXPECT_EQ(web.post("/api/password", {{"old", "s3cret"}, {"password", ""}}), 403);
+  EXPECT_EQ(web.post("/api/password", {{"old", "s3cret-enough"}, {"password", ""}}), 403);
 }
 
 TEST_F(Server, WhatThePluginStoredSurvivesAKillOfTheServer) {
   {
     FakePlugin plugin(bus.address(), furnishing());
     ServerProcess server(bus.address(), data);
-    WebClient web(server.port());
+    WebClient web(server);
     ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
     plugin.withHost([](base::Object&, base::Object& host) {
       host.invoke("SaveINISetting", "Settings", "Volume", std::int32_t{77}, "vxif_WMP.ini");
@@ -472,7 +475,7 @@ TEST_F(Server, WhatThePluginStoredSurvivesAKillOfTheServer) {
   }
   FakePlugin plugin(bus.address());
   ServerProcess server(bus.address(), data);
-  WebClient web(server.port());
+  WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
   plugin.withHost([](base::Object&, base::Object& host) {
     EXPECT_EQ(host.invoke("GetINISetting", "Settings", "Volume", std::int16_t{50}, "vxif_WMP.ini"),

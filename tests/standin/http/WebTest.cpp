@@ -47,14 +47,15 @@ class Web : public testing::Test {
     return answer.substr(0, answer.find("\r\n"));
   }
   std::string rawGet(const std::string& target, const std::string& host = "localhost") const {
-    return raw("GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\nConnection: close\r\n\r\n");
+    return raw("GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\nCookie: " + web.cookie +
+               "\r\nConnection: close\r\n\r\n");
   }
 
   support::BusDaemon bus;
   support::TempFolder folder;
   std::filesystem::path data = folder.path() / "data";
   ServerProcess server{bus.address(), data};
-  WebClient web{server.port()};
+  WebClient web{server};
 };
 
 TEST_F(Web, AForeignHostNameIsRefused) {
@@ -160,7 +161,7 @@ TEST_F(Web, APageOfTheServersOwnCanNotMakeAFormAskForWhatScriptsAskFor) {
 }
 
 TEST_F(Web, PostsThatAreRefusedAreCountedInTheLog) {
-  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
   WebClient stranger(server.port());
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(stranger.post("/WMP_PListEdit", {{"button", "Delete List"}}), 401);
@@ -184,7 +185,7 @@ TEST_F(Web, PostsThatAreRefusedAreCountedInTheLog) {
   // All others are one line, written at the latest when the server ends.
   EXPECT_EQ(server.end(), 0);
   const ServerProcess next(bus.address(), data);
-  WebClient later(next.port());
+  WebClient later(next);
   later.cookie = web.cookie;
   EXPECT_EQ(
       refusals(later),
@@ -263,8 +264,7 @@ TEST_F(Web, WhatABrowserHasAlreadyIsNotSentAgain) {
 }
 
 TEST_F(Web, WithAPasswordOnlyTheOwnerGetsIn) {
-  EXPECT_EQ(web.get("/api/state")->status, 200);  // nobody needs one yet
-  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
   EXPECT_NE(web.cookieHeader.find("HttpOnly"), std::string::npos);
   EXPECT_NE(web.cookieHeader.find("SameSite=Strict"), std::string::npos);
   EXPECT_EQ(web.get("/api/state")->status, 200);
@@ -279,22 +279,26 @@ TEST_F(Web, WithAPasswordOnlyTheOwnerGetsIn) {
   EXPECT_EQ(stranger.post("/api/password", {{"password", "mine"}}), 401);
   EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}, {"password", "wrong"}}), 403);
   EXPECT_EQ(stranger.post("/api/login", {{"name", "nobody"}, {"password", "wrong"}}), 403);
-  EXPECT_EQ(stranger.post("/api/login", {{"name", "OWNER"}, {"password", "s3cret"}}), 200);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "OWNER"}, {"password", "s3cret-enough"}}), 200);
   EXPECT_EQ(stranger.get("/api/state")->status, 200);
-  EXPECT_EQ(stranger.post("/api/password", {{"old", "wrong"}, {"password", "x"}}), 403);
+  EXPECT_EQ(stranger.post("/api/password", {{"old", "wrong"}, {"password", "mine-alone"}}), 403);
   EXPECT_EQ(stranger.post("/api/logout", json::object()), 200);
   EXPECT_EQ(stranger.get("/api/state")->status, 401);
 
-  EXPECT_EQ(web.post("/api/password", {{"old", "s3cret"}, {"password", ""}}), 200);
-  EXPECT_EQ(stranger.get("/api/state")->status, 200);
+  // Without it the key is what lets the owner in; his own browser stays his.
+  EXPECT_EQ(web.post("/api/password", {{"old", "s3cret-enough"}, {"password", ""}}), 200);
+  EXPECT_EQ(web.get("/api/state")->status, 200);
+  EXPECT_EQ(stranger.get("/api/state")->status, 401);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}}), 403);
 }
 
 TEST_F(Web, GuessingPasswordsIsSlowedDown) {
-  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
+  EXPECT_EQ(web.post("/api/guests", {{"guests", "open"}}), 200);
   WebClient stranger(server.port());
   for (int i = 0; i < 5; ++i)
     EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}, {"password", "wrong"}}), 403);
-  EXPECT_EQ(stranger.post("/api/login", {{"name", "Owner"}, {"password", "s3cret"}}), 429);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "Owner"}, {"password", "s3cret-enough"}}), 429);
   EXPECT_EQ(stranger.post("/api/login", {{"name", "guest"}}), 200);  // nobody else is slowed down
 }
 
@@ -305,20 +309,93 @@ TEST_F(Web, AServerThatOthersReachByANameNeedsAPasswordForItsOwner) {
   EXPECT_NE(open.errors().find("its owner has no password"), std::string::npos) << open.errors();
 }
 
+TEST_F(Web, WithoutThePrintedKeyAVisitorOfTheMachineIsNobody) {
+  WebClient stranger(server.port());
+  const auto answer = stranger.get("/api/state");
+  EXPECT_EQ(answer->status, 401);
+  EXPECT_EQ(support::JsonOf(answer->body).at("way"), "key");
+  EXPECT_NE(support::JsonOf(answer->body).at("error").get<std::string>().find("vantorix-standin --address"),
+            std::string::npos);
+  for (const char* path : {"/api/log", "/api/live", "/images/Media%20Player/WMP_Icon.gif", "/WMP_Setup"})
+    EXPECT_EQ(stranger.get(path)->status, 401) << path;
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "owner"}}), 403);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", "guest"}}), 403);
+  EXPECT_EQ(stranger.post("/api/password", {{"password", "mine-alone"}}), 401);
+  for (const std::string& key : {std::string(), std::string("0"), server.key() + "0", std::string(64, '0')}) {
+    stranger.enter(key);
+    EXPECT_EQ(stranger.cookie, "") << key;
+  }
+}
+
+TEST_F(Web, ThePrintedAddressLetsABrowserInAtOneClick) {
+  WebClient browser(server.port());
+  const auto answer = browser.get("/?key=" + server.key());
+  EXPECT_EQ(answer->status, 303);
+  EXPECT_EQ(answer->get_header_value("Location"), "/");  // and the key is in no history
+  browser.enter(server.key());
+  EXPECT_NE(browser.cookieHeader.find("HttpOnly"), std::string::npos);
+  EXPECT_EQ(browser.json("/api/state").at("user").at("name"), "owner");
+  // A browser that is known gets no second cookie.
+  EXPECT_FALSE(browser.get("/?key=" + server.key())->has_header("Set-Cookie"));
+  // It stays known when the server starts again, with another key.
+  const std::string before = server.key();
+  EXPECT_EQ(server.end(), 0);
+  const ServerProcess next(bus.address(), data);
+  EXPECT_NE(next.key(), before);
+  WebClient later(next.port());
+  later.cookie = browser.cookie;
+  EXPECT_EQ(later.get("/api/state")->status, 200);
+}
+
+TEST_F(Web, TheKeyIsNoWayRoundAPassword) {
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
+  WebClient stranger(server.port());
+  stranger.enter(server.key());
+  EXPECT_EQ(stranger.cookie, "");
+  EXPECT_EQ(stranger.json("/api/state").at("way"), "password");
+}
+
+TEST_F(Web, TheAddressIsPrintedAgainForItsUserAlone) {
+  const auto printed = [&] {
+    support::Process again({STANDIN_PROGRAM, "--address", "--data", data.string()});
+    const int code = again.wait();
+    return std::to_string(code) + " " + again.output();
+  };
+  EXPECT_EQ(printed(), "0 " + server.address() + "\n");
+  EXPECT_EQ(std::filesystem::status(data / "address").permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
+  EXPECT_EQ(printed(), "0 " + web.origin() + "/\n");
+  // A server that was killed has left its file behind.
+  server.end(SIGKILL);
+  EXPECT_TRUE(std::filesystem::exists(data / "address"));
+  EXPECT_EQ(printed(), "1 vantorix-standin: No server is running on " + data.string() + "\n");
+}
+
+TEST_F(Web, APasswordOfTheOwnersHasEightCharacters) {
+  EXPECT_EQ(web.post("/api/password", {{"password", "1234567"}}), 400);
+  EXPECT_NE(web.last.find("at least 8 characters"), std::string::npos);
+  EXPECT_EQ(web.post("/api/password", {{"password", "ÄÄÄÄ567"}}), 400);
+  EXPECT_EQ(web.post("/api/password", {{"password", "ÄÄÄÄ5678"}}), 200);
+}
+
 TEST_F(Web, AGuestIsAGuestAlsoWhereNoPasswordIsNeeded) {
   EXPECT_EQ(web.post("/api/login", {{"name", "guest"}}), 200);
   EXPECT_EQ(web.json("/api/state").at("user").at("name"), "guest");
-  EXPECT_EQ(web.post("/api/password", {{"password", "x"}}), 403);
-  EXPECT_EQ(web.post("/api/login", {{"name", "owner"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "mine-alone"}}), 403);
+  web.enter(server.key());
   EXPECT_EQ(web.json("/api/state").at("user").at("name"), "owner");
 }
 
 TEST_F(Web, TheOwnerSaysWhetherGuestsAreLetIn) {
   WebClient guest(server.port());
+  EXPECT_EQ(web.json("/api/state").at("user").at("guests"), "off");
+  EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 403);
+  EXPECT_EQ(web.post("/api/guests", {{"guests", "open"}}), 200);
   EXPECT_EQ(web.json("/api/state").at("user").at("guests"), "open");
   EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 200);
   EXPECT_EQ(guest.post("/api/guests", {{"guests", "open"}}), 403);
-  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
   EXPECT_EQ(web.post("/api/guests", {{"guests", "off"}}), 200);
   EXPECT_EQ(guest.get("/api/state")->status, 401);
   EXPECT_EQ(guest.post("/api/login", {{"name", "guest"}}), 403);
@@ -344,7 +421,7 @@ TEST_F(Web, ConnectionsThatSayNothingSilenceNobody) {
   for (int i = 0; i < 150; ++i) silent.push_back(connected("GET / HTTP/1.1\r\nX: "));
   for (int i = 0; i < 5; ++i) {
     const auto begin = std::chrono::steady_clock::now();
-    WebClient other(server.port());
+    WebClient other(server);
     const auto answer = other.get("/api/state");
     ASSERT_TRUE(answer) << answer.error();
     EXPECT_EQ(answer->status, 200);
@@ -375,6 +452,7 @@ TEST_F(Web, OnlySoManyPagesAreLiveAtOnce) {
   for (int i = 0; i < 24; ++i) {
     pages.emplace_back([&] {
       httplib::Client client("127.0.0.1", server.port());
+      client.set_default_headers({{"Cookie", web.cookie}});
       bool first = true;
       client.Get("/api/live", [&](const char*, std::size_t) {
         if (std::exchange(first, false)) ++live;

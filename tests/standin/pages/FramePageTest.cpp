@@ -66,6 +66,7 @@ class FramePage : public testing::Test {
       auto state = web.json("/api/state");
       return state.is_object() && state["plugin"]["state"] == "ready";
     })) << server.errors();
+    browser.open(server.address());
     browser.open(url(kAddress));
     ASSERT_TRUE(prepared());
   }
@@ -110,7 +111,7 @@ class FramePage : public testing::Test {
   support::TempFolder folder;
   FakePlugin plugin{bus.address(), manner()};
   support::ServerProcess server{bus.address(), folder.path() / "data"};
-  support::WebClient web{server.port()};
+  support::WebClient web{server};
   Browser browser;
 };
 
@@ -234,9 +235,9 @@ TEST_F(FramePage, AGuestsPostIsRefusedInTheFrame) {
 }
 
 TEST_F(FramePage, WhoHasToSignInFirstGetsThePageThen) {
-  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret"}}), 200);
+  EXPECT_EQ(web.post("/api/password", {{"password", "s3cret-enough"}}), 200);
   browser.click("//input[@value='Refresh']");
-  browser.type("//input[@name='password']", "s3cret");
+  browser.type("//input[@name='password']", "s3cret-enough");
   browser.click("//button[text()='Sign in']");
   EXPECT_TRUE(
       browser.eventually("return document.querySelector('.plugin-page form [name=PlayList]') !== null"));

@@ -52,6 +52,7 @@ class LongLists : public testing::Test {
     server.emplace(bus.address(), folder.path() / "data");
   }
   void open(Browser& browser, const std::string& place) const {
+    browser.open(server->address());
     browser.open("http://127.0.0.1:" + std::to_string(server->port()) + "/#library/" + place);
   }
   /// Milliseconds until the script answers something true.
@@ -86,7 +87,7 @@ constexpr const char* kShown = "return document.querySelectorAll('.long-row .row
 
 TEST_F(LongLists, TenThousandTitlesAreShownMovedAndScrolledLikeTen) {
   Browser browser(1280, 800);
-  browser.open("http://127.0.0.1:" + std::to_string(server->port()) + "/");
+  browser.open(server->address());
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('#plugin-state').textContent === 'Player ready'"));
   open(browser, "PlayList/Long");
@@ -151,7 +152,7 @@ TEST_F(LongLists, ADragNearTheEdgeScrolls) {
 
 TEST_F(LongLists, AHundredThousandNamesAreShownSearchedAndWalkedThrough) {
   Browser browser(1280, 800);
-  browser.open("http://127.0.0.1:" + std::to_string(server->port()) + "/");
+  browser.open(server->address());
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('#plugin-state').textContent === 'Player ready'"));
   open(browser, "Album");

@@ -16,6 +16,7 @@ class PageHouse : public PlaylistHouse {
   }
   /// Opens a page as its first one, and waits until it has looked at everything and listens.
   void open(const std::string& place) {
+    browser.open(server->address());
     browser.open("about:blank");
     browser.open(url(place));
     ASSERT_TRUE(browser.eventually(

@@ -9,7 +9,7 @@ namespace {
 class PlaylistInAWindow : public support::PlaylistHouse {
  protected:
   void open(const std::string& place) {
-    browser.open("http://127.0.0.1:" + std::to_string(server->port()) + "/");
+    browser.open(server->address());
     ASSERT_TRUE(
         browser.eventually("return document.querySelector('#plugin-state').textContent === 'Player ready'"));
     browser.run("location.hash = arguments[0]", {place});

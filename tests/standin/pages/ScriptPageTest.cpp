@@ -54,7 +54,7 @@ class ScriptPage : public testing::Test {
   support::TempFolder folder;
   FakePlugin plugin{bus.address(), withLibrary()};
   ServerProcess server{bus.address(), folder.path() / "data", {"--script-seconds", "4"}};
-  WebClient web{server.port()};
+  WebClient web{server};
 };
 
 TEST_F(ScriptPage, AScriptReachesThePlayer) {
@@ -142,7 +142,7 @@ TEST_F(ScriptPage, ScriptsAreStoredAndDeleted) {
 }
 
 TEST_F(ScriptPage, GuestsHaveNoScripts) {
-  WebClient guest(server.port());
+  WebClient guest(server);
   ASSERT_EQ(guest.post("/api/login", {{"name", "guest"}}), 200) << guest.last;
   EXPECT_EQ(guest.get("/api/scripts")->status, 403);
   EXPECT_EQ(guest.get("/api/script?name=Announce%20what%20plays")->status, 403);

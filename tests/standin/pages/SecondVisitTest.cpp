@@ -26,7 +26,7 @@ TEST(ASecondVisit, AsksForTheDocumentAlone) {
   support::Browser browser;
   const auto visit = [&] {
     browser.open("about:blank");
-    browser.open("http://127.0.0.1:" + std::to_string(server.port()) + "/");
+    browser.open(server.address());
     ASSERT_TRUE(browser.eventually("return document.querySelectorAll('#nav a').length > 3"));
   };
   visit();

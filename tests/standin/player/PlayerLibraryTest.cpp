@@ -79,7 +79,7 @@ class LibraryPage : public testing::Test {
   std::shared_ptr<FakePlaylists> raw = std::make_shared<FakePlaylists>();
   FakePlugin plugin{bus.address(), withLibrary()};
   ServerProcess server{bus.address(), folder.path() / "data"};
-  WebClient web{server.port()};
+  WebClient web{server};
 };
 
 TEST_F(LibraryPage, GroupsAndTitlesAreListed) {
@@ -262,7 +262,7 @@ TEST(LibraryWithoutAPlayer, AsksForPatience) {
   const support::BusDaemon bus;
   const support::TempFolder folder;
   const ServerProcess server(bus.address(), folder.path() / "data");
-  WebClient web(server.port());
+  WebClient web(server);
   const auto answer = web.get("/api/library?category=Album&limit=10");
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->status, 502);

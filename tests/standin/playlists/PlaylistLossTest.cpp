@@ -78,7 +78,7 @@ TEST_F(PlaylistLosses, TitlesThatCanNotBeFoundNowComeBackWithTheOthers) {
   for (int i = 0; i < 2500; ++i) titles.push_back({std::to_string(i), "Long/" + std::to_string(i)});
   lists->put("Long", titles);
   EXPECT_EQ(turn("delete", "Long"), 200);
-  LivePage page(server->port());
+  LivePage page(*server);
   EXPECT_EQ(turn("undo", ""), 200);  // the library has none of them
   EXPECT_TRUE(page.hears("deleting “Long” is undone"));
   EXPECT_EQ(lists->names("Long").size(), 2500U);
@@ -90,7 +90,7 @@ TEST_F(PlaylistLosses, AReturnThatHasLeftGapsIsTakenUp) {
   for (int i = 0; i < 2500; ++i) titles.push_back({std::to_string(i), "Long/" + std::to_string(i)});
   lists->put("Long", titles);
   EXPECT_EQ(turn("delete", "Long"), 200);
-  LivePage page(server->port());
+  LivePage page(*server);
   lists->dieAfter(2);  // the list is made, and the first titles are in it
   EXPECT_EQ(turn("undo", ""), 200);
   EXPECT_TRUE(page.hears(R"("failed")"));

@@ -26,7 +26,7 @@ class PlaylistWatchers : public support::PlaylistHouse {
 }  // namespace
 
 TEST_F(PlaylistWatchers, HearOfAChangeAndNobodyIsAskedWithoutThem) {
-  LivePage page(server->port());
+  LivePage page(*server);
   show();
   watch("Mine", "p");
   changeMine();
@@ -46,7 +46,7 @@ TEST_F(PlaylistWatchers, HearOfAChangeFarBelowTheRowsThatAPageShows) {
   std::vector<FakePlaylists::Title> titles;
   for (int i = 0; i < 500; ++i) titles.push_back({std::to_string(i), "Long/" + std::to_string(i)});
   lists->put("Long", titles);
-  LivePage page(server->port());
+  LivePage page(*server);
   show("Long");
   watch("Long", "p");
   std::swap(titles[400], titles[401]);
@@ -56,7 +56,7 @@ TEST_F(PlaylistWatchers, HearOfAChangeFarBelowTheRowsThatAPageShows) {
 
 TEST_F(PlaylistWatchers, HearOfTheirListWhenAnotherCannotBeRead) {
   lists->put("A", {at("A")});
-  LivePage page(server->port());
+  LivePage page(*server);
   show("A");
   show();
   lists->spoil("A", true);
@@ -67,7 +67,7 @@ TEST_F(PlaylistWatchers, HearOfTheirListWhenAnotherCannotBeRead) {
 }
 
 TEST_F(PlaylistWatchers, AreNotForgottenForListsThatOthersShow) {
-  LivePage page(server->port());
+  LivePage page(*server);
   show();
   watch("Mine", "p");
   for (int i = 0; i < 15; ++i) {
@@ -91,7 +91,7 @@ TEST_F(PlaylistWatchers, TheListShownLastIsKeptLongest) {
 
 TEST_F(PlaylistWatchers, HearOfTheVeryFirstList) {
   lists->drop("Mine");
-  LivePage page(server->port());
+  LivePage page(*server);
   watch("", "p");
   ASSERT_TRUE(Eventually([&] { return looksAtNames() >= 2; }));  // the first has been answered
   EXPECT_FALSE(page.hears(R"("lists":true)", std::chrono::milliseconds(0)));

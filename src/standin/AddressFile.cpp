@@ -1,0 +1,44 @@
+#include "standin/AddressFile.hpp"
+
+#include <system_error>
+
+#include "base/Failure.hpp"
+#include "files/FolderLock.hpp"
+#include "files/ReadFile.hpp"
+#include "files/WriteFile.hpp"
+
+namespace standin {
+namespace {
+
+std::filesystem::path fileIn(const std::filesystem::path& dataFolder) { return dataFolder / "address"; }
+
+/// A server that was killed has left its file behind, but not its lock.
+bool serverRuns(const std::filesystem::path& dataFolder) {
+  try {
+    const files::FolderLock lock(dataFolder);
+    return false;
+  } catch (const base::Failure&) {
+    return true;
+  }
+}
+
+}  // namespace
+
+AddressFile::AddressFile(const std::filesystem::path& dataFolder) : file_(fileIn(dataFolder)) {}
+
+AddressFile::~AddressFile() {
+  std::error_code ignored;
+  std::filesystem::remove(file_, ignored);
+}
+
+void AddressFile::write(const std::string& address) const {
+  files::WriteFile(file_, address + "\n", {.mode = files::kForOwner});
+}
+
+std::optional<std::string> AddressFile::read(const std::filesystem::path& dataFolder) {
+  const std::optional<std::string> content = files::TextOf(fileIn(dataFolder));
+  if (!content || !serverRuns(dataFolder)) return std::nullopt;
+  return content->substr(0, content->find('\n'));
+}
+
+}  // namespace standin
