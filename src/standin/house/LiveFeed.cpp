@@ -1,14 +1,19 @@
 #include "standin/house/LiveFeed.hpp"
 
+#include <charconv>
+#include <random>
+#include <utility>
+
 namespace standin {
 
-LiveFeed::LiveFeed(std::size_t kept, std::size_t mostReaders) : kept_(kept), mostReaders_(mostReaders) {}
+LiveFeed::LiveFeed(Limits limits) : name_(std::to_string(std::random_device()())), limits_(limits) {}
 
 void LiveFeed::tell(const std::string& kind, const std::string& data) {
   {
     const std::lock_guard lock(mutex_);
-    events_.push_back("event: " + kind + "\ndata: " + data + "\n\n");
-    if (events_.size() > kept_) {
+    events_.push_back("id: " + nameOf(first_ + events_.size()) + "\nevent: " + kind + "\ndata: " + data +
+                      "\n\n");
+    if (events_.size() > limits_.kept) {
       events_.pop_front();
       ++first_;
     }
@@ -24,29 +29,52 @@ void LiveFeed::close() {
   told_.notify_all();
 }
 
-LiveFeed::Reader::Reader(LiveFeed& feed) : feed_(feed) {
-  const std::lock_guard lock(feed_.mutex_);
-  admitted_ = feed_.readers_ < feed_.mostReaders_;
-  if (admitted_) ++feed_.readers_;
-  next_ = feed_.first_ + feed_.events_.size();
+std::size_t LiveFeed::readers() const {
+  const std::lock_guard lock(mutex_);
+  return readers_;
+}
+
+LiveFeed::Reader::Reader(LiveFeed& feed, std::string session, const std::string& last)
+    : feed_(feed), session_(std::move(session)) {
+  const std::lock_guard lock(feed.mutex_);
+  const auto mine = feed.ofSession_.find(session_);
+  admitted_ = feed.readers_ < feed.limits_.readers &&
+              (mine == feed.ofSession_.end() || mine->second < feed.limits_.ofSession);
+  if (admitted_) {
+    ++feed.readers_;
+    ++feed.ofSession_[session_];
+  }
+  const std::uint64_t end = feed.first_ + feed.events_.size();
+  next_ = end;
+  if (last.empty()) return;
+  std::uint64_t heard = 0;
+  const std::string mark = feed.name_ + ".";
+  const bool ours = last.starts_with(mark);
+  if (ours) std::from_chars(last.data() + mark.size(), last.data() + last.size(), heard);
+  behind_ = !ours || heard >= end || heard + 1 < feed.first_;
+  if (!behind_) next_ = heard + 1;
 }
 
 LiveFeed::Reader::~Reader() {
   const std::lock_guard lock(feed_.mutex_);
-  if (admitted_) --feed_.readers_;
+  if (!admitted_) return;
+  --feed_.readers_;
+  if (--feed_.ofSession_[session_] == 0) feed_.ofSession_.erase(session_);
 }
 
 std::string LiveFeed::Reader::wait(std::chrono::milliseconds limit) {
   std::unique_lock lock(feed_.mutex_);
   const auto end = [&] { return feed_.first_ + feed_.events_.size(); };
-  feed_.told_.wait_for(lock, limit, [&] { return feed_.closed_ || next_ < end(); });
+  feed_.told_.wait_for(lock, limit, [&] { return feed_.closed_ || behind_ || next_ < end(); });
   if (feed_.closed_) return {};
-  if (next_ == end()) return ": still here\n\n";
-  std::string out;
-  if (next_ < feed_.first_) {
-    out = "event: reload\ndata: {}\n\n";
+  if (behind_ || next_ < feed_.first_) {
+    behind_ = false;
     next_ = end();
+    const std::string upToHere = next_ == 0 ? std::string() : "id: " + feed_.nameOf(next_ - 1) + "\n";
+    return upToHere + "event: reload\ndata: {}\n\n";
   }
+  if (next_ == end()) return "event: alive\ndata: {}\n\n";
+  std::string out;
   for (; next_ < end(); ++next_) out += feed_.events_[next_ - feed_.first_];
   return out;
 }

@@ -3,26 +3,38 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <string>
 
 namespace standin {
 
 /// What happens in the house, on its way to the open pages. One thread tells, many wait. The last events are
-/// kept; a page that falls behind them is told to load everything anew.
+/// kept: a page whose stream was cut hears what it has missed, and one that falls behind them is told to load
+/// everything anew.
 class LiveFeed {
  public:
-  explicit LiveFeed(std::size_t kept = 1024, std::size_t mostReaders = 24);
+  struct Limits {
+    std::size_t kept = 1024;    ///< events
+    std::size_t readers = 24;   ///< in all
+    std::size_t ofSession = 8;  ///< readers of one session, so that one browser leaves room for others
+  };
+  LiveFeed() : LiveFeed(Limits()) {}
+  explicit LiveFeed(Limits limits);
 
   /// `kind` is one word, `data` one line.
   void tell(const std::string& kind, const std::string& data);
   /// Ends all waits, now and later.
   void close();
+  /// How many listen now.
+  [[nodiscard]] std::size_t readers() const;
 
   /// A place among the readers, taken for as long as the object lives.
   class Reader {
    public:
-    explicit Reader(LiveFeed& feed);
+    /// `session` tells the browsers apart. `last` names the event that the page has heard last, as the feed
+    /// named it; empty for a page that has heard none.
+    explicit Reader(LiveFeed& feed, std::string session = {}, const std::string& last = {});
     ~Reader();
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
@@ -31,23 +43,29 @@ class LiveFeed {
 
     /// False when there was no place left.
     [[nodiscard]] bool admitted() const { return admitted_; }
-    /// Waits for events and answers them in the form of an event stream; a remark when `limit` has passed;
-    /// an empty text once the feed is closed.
+    /// Waits for events and answers them in the form of an event stream; an event "alive" when `limit` has
+    /// passed, so that a page can tell a quiet house from a dead connection; an empty text once the feed is
+    /// closed.
     std::string wait(std::chrono::milliseconds limit);
 
    private:
     LiveFeed& feed_;
+    std::string session_;
     bool admitted_ = false;
+    bool behind_ = false;  ///< what it has missed is no longer known
     std::uint64_t next_ = 0;
   };
 
  private:
-  std::mutex mutex_;
+  [[nodiscard]] std::string nameOf(std::uint64_t event) const { return name_ + "." + std::to_string(event); }
+
+  mutable std::mutex mutex_;
   std::condition_variable told_;
   std::deque<std::string> events_;
   std::uint64_t first_ = 0;  ///< number of the oldest event kept
-  std::size_t kept_;
-  std::size_t mostReaders_;
+  const std::string name_;   ///< of this feed: events of another run of the server are not its own
+  Limits limits_;
+  std::map<std::string, std::size_t> ofSession_;
   std::size_t readers_ = 0;
   bool closed_ = false;
 };

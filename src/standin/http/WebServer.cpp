@@ -17,7 +17,8 @@ namespace standin {
 namespace {
 
 constexpr std::size_t kLongestPath = 2048;
-constexpr std::chrono::seconds kHeartbeat{15};
+constexpr std::chrono::seconds kHeartbeat{5};
+constexpr std::chrono::seconds kSessionCheck{15};
 
 std::string tokenOf(const httplib::Request& request) {
   return CookieValue(request.get_header_value("Cookie"), "vantorix");
@@ -224,7 +225,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   }
   const Route* route = api_.find(Method::kGet, path);
   if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
-  if (std::holds_alternative<Live>(route->handler)) return stream(*route, token, response);
+  if (std::holds_alternative<Live>(route->handler)) return stream(*route, request, response);
   WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = request.remote_addr};
   for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
   giveFor(request, response, api_.answer(*route, std::move(call)));
@@ -256,9 +257,11 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
   giveFor(request, response, std::move(answer));
 }
 
-void WebServer::stream(const Route& route, const std::string& token, httplib::Response& response) {
+void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {
+  const std::string token = tokenOf(request);
   if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return give(response, *refused);
-  const auto reader = std::make_shared<LiveFeed::Reader>(live_);
+  const auto reader =
+      std::make_shared<LiveFeed::Reader>(live_, token, request.get_header_value("Last-Event-ID"));
   if (!reader->admitted()) return give(response, Refusal(503, "Too many pages are open"));
   using SteadyClock = std::chrono::steady_clock;
   struct Progress {
@@ -271,7 +274,7 @@ void WebServer::stream(const Route& route, const std::string& token, httplib::Re
         std::string text = "retry: 1000\n\n";
         if (progress->begun) {
           text = reader->wait(kHeartbeat);
-          if (SteadyClock::now() - progress->checked >= kHeartbeat) {
+          if (SteadyClock::now() - progress->checked >= kSessionCheck) {
             progress->checked = SteadyClock::now();
             if (!stillKnown(api_, token)) text.clear();
           }

@@ -59,7 +59,7 @@ class WebServer {
   /// `route` is null where there is none.
   void answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
                   std::string body);
-  void stream(const Route& route, const std::string& token, httplib::Response& response);
+  void stream(const Route& route, const httplib::Request& request, httplib::Response& response);
 
   GuardedServer& server_;
   WebApi& api_;

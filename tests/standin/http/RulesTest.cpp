@@ -7,7 +7,6 @@
 #include "base/Failure.hpp"
 #include "bus/PollLoop.hpp"
 #include "standin/Options.hpp"
-#include "standin/house/LiveFeed.hpp"
 #include "standin/house/LoopGate.hpp"
 #include "standin/http/WebRules.hpp"
 #include "standin/routes/LoginLimit.hpp"
@@ -113,36 +112,6 @@ TEST(Voice, NestedAndBrokenPatternsAreNoDanger) {
   for (int i = 0; i < 150; ++i) said += "a ";
   EXPECT_TRUE(VoicePattern(optional).fits(said));
   EXPECT_FALSE(VoicePattern(optional).fits(said + "b"));
-}
-
-TEST(LiveFeed, AReaderHearsWhatIsToldAfterItCame) {
-  LiveFeed feed;
-  feed.tell("device", "1");
-  LiveFeed::Reader reader(feed);
-  feed.tell("device", "2");
-  EXPECT_EQ(reader.wait(std::chrono::seconds(5)), "event: device\ndata: 2\n\n");
-  EXPECT_EQ(reader.wait(std::chrono::milliseconds(1)), ": still here\n\n");
-  feed.close();
-  EXPECT_EQ(reader.wait(std::chrono::seconds(5)), "");
-}
-
-TEST(LiveFeed, AReaderThatFallsBehindIsToldToLoadAnew) {
-  LiveFeed feed(4);
-  LiveFeed::Reader reader(feed);
-  for (int i = 0; i < 6; ++i) feed.tell("n", std::to_string(i));
-  EXPECT_EQ(reader.wait(std::chrono::seconds(5)), "event: reload\ndata: {}\n\n");
-  feed.tell("n", "6");
-  EXPECT_EQ(reader.wait(std::chrono::seconds(5)), "event: n\ndata: 6\n\n");
-}
-
-TEST(LiveFeed, ReadersAreCounted) {
-  LiveFeed feed(4, 1);
-  {
-    const LiveFeed::Reader first(feed);
-    EXPECT_TRUE(first.admitted());
-    EXPECT_FALSE(LiveFeed::Reader(feed).admitted());
-  }
-  EXPECT_TRUE(LiveFeed::Reader(feed).admitted());
 }
 
 TEST(LoopGate, WorkRunsOnTheLoopAndItsFailureComesBack) {

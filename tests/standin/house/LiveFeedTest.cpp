@@ -1,0 +1,98 @@
+#include "standin/house/LiveFeed.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using standin::LiveFeed;
+using std::chrono::milliseconds;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr milliseconds kAtOnce{0};
+constexpr const char* kReload = "event: reload\ndata: {}\n\n";
+constexpr const char* kAlive = "event: alive\ndata: {}\n\n";
+
+/// The name of the last event in what was heard.
+std::string lastOf(const std::string& heard) {
+  const auto at = heard.rfind("id: ") + 4;
+  return heard.substr(at, heard.find('\n', at) - at);
+}
+
+TEST(LiveFeed, AReaderHearsWhatIsToldAfterItCame) {
+  LiveFeed feed;
+  feed.tell("device", "1");
+  LiveFeed::Reader reader(feed);
+  feed.tell("device", "2");
+  const std::string heard = reader.wait(kAtOnce);
+  EXPECT_THAT(heard, EndsWith("event: device\ndata: 2\n\n"));
+  EXPECT_THAT(heard, Not(HasSubstr("data: 1")));
+  EXPECT_EQ(reader.wait(kAtOnce), kAlive);
+  feed.close();
+  EXPECT_EQ(reader.wait(std::chrono::hours(1)), "");
+}
+
+TEST(LiveFeed, AReaderThatFallsBehindIsToldToLoadAnew) {
+  LiveFeed feed({.kept = 4});
+  LiveFeed::Reader reader(feed);
+  for (int i = 0; i < 6; ++i) feed.tell("n", std::to_string(i));
+  EXPECT_THAT(reader.wait(kAtOnce), EndsWith(kReload));
+  feed.tell("n", "6");
+  EXPECT_THAT(reader.wait(kAtOnce), EndsWith("event: n\ndata: 6\n\n"));
+}
+
+TEST(LiveFeed, APageWhoseStreamWasCutHearsWhatItHasMissedOnce) {
+  LiveFeed feed;
+  std::string last;
+  {
+    LiveFeed::Reader reader(feed);
+    feed.tell("n", "1");
+    last = lastOf(reader.wait(kAtOnce));
+  }
+  feed.tell("n", "2");
+  feed.tell("n", "3");
+  LiveFeed::Reader again(feed, {}, last);
+  const std::string heard = again.wait(kAtOnce);
+  EXPECT_THAT(heard, HasSubstr("data: 2\n"));
+  EXPECT_THAT(heard, EndsWith("data: 3\n\n"));
+  EXPECT_THAT(heard, Not(HasSubstr("data: 1\n")));
+  LiveFeed::Reader third(feed, {}, lastOf(heard));
+  EXPECT_EQ(third.wait(kAtOnce), kAlive);
+}
+
+TEST(LiveFeed, APageThatWasAwayForTooLongOrHeardAnotherServerLoadsAnew) {
+  LiveFeed feed({.kept = 2});
+  LiveFeed other;
+  other.tell("n", "1");
+  LiveFeed::Reader listener(feed);
+  feed.tell("n", "1");
+  const std::string last = lastOf(listener.wait(kAtOnce));
+  for (int i = 2; i < 9; ++i) feed.tell("n", std::to_string(i));
+  for (const std::string& heard : {last, std::string("0.0"), std::string("nonsense"), last + "999"}) {
+    LiveFeed::Reader reader(feed, {}, heard);
+    const std::string answer = reader.wait(kAtOnce);
+    EXPECT_THAT(answer, EndsWith(kReload)) << heard;
+    // From there on it is one like all others.
+    EXPECT_EQ(LiveFeed::Reader(feed, {}, lastOf(answer)).wait(kAtOnce), kAlive) << heard;
+  }
+}
+
+TEST(LiveFeed, ReadersAreCountedInAllAndByBrowser) {
+  LiveFeed feed({.readers = 3, .ofSession = 2});
+  const LiveFeed::Reader first(feed, "a");
+  {
+    const LiveFeed::Reader second(feed, "a");
+    EXPECT_TRUE(second.admitted());
+    EXPECT_FALSE(LiveFeed::Reader(feed, "a").admitted());
+    const LiveFeed::Reader third(feed, "b");
+    EXPECT_TRUE(third.admitted());
+    EXPECT_FALSE(LiveFeed::Reader(feed, "c").admitted());
+    EXPECT_EQ(feed.readers(), 3U);
+  }
+  EXPECT_EQ(feed.readers(), 1U);
+  EXPECT_TRUE(LiveFeed::Reader(feed, "a").admitted());
+}
+
+}  // namespace
