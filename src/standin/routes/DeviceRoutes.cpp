@@ -71,15 +71,16 @@ void voice(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto text = call.json.at("text").get<std::string>();
   if (text.empty() || text.size() > 500) return reply(Refusal(400, "Say something of up to 500 characters"));
   parts.house.log.write("Voice", text);
-  const std::vector<std::int32_t> refs = DevicesOfVoice(parts.house, text);
-  if (refs.empty()) return reply(Refusal(404, "Nothing in the house listens for that"));
+  const VoiceAct act = ActOfVoice(parts.house, text);
+  if (act.refs.empty())
+    return reply(Refusal(404, "“" + text + "” was not understood. Try “stop”, “next” or “volume up”"));
   struct Target {
     base::ObjectRef object;
     std::string hc;
     std::string dc;
   };
   std::vector<Target> targets;
-  for (const std::int32_t ref : refs) {
+  for (const std::int32_t ref : act.refs) {
     const Device& device = *parts.house.devices.byRef(ref);
     targets.push_back({parts.objects.device(ref), device.hc, device.dc});
   }
@@ -92,7 +93,9 @@ void voice(const Parts& parts, const WebCall& call, const Reply& reply) {
           vxif.invoke("SetIO", each.object, each.hc, each.dc, kFuncVoice, none, none, none);
         }
       },
-      answering(reply));
+      [reply, said = act.said](const std::string& failure) {
+        reply(failure.empty() ? Told({{"done", said}}) : OutcomeOf(failure));
+      });
 }
 
 }  // namespace

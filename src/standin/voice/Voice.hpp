@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -6,8 +7,14 @@
 
 namespace standin {
 
-/// The devices that a spoken text is meant for: those of the events whose pattern fits it, or the status
-/// device when no pattern does. Empty when there is no such device.
-std::vector<std::int32_t> DevicesOfVoice(const House& house, const std::string& text);
+/// What a spoken text asks for.
+struct VoiceAct {
+  std::vector<std::int32_t> refs;  ///< the devices that it is meant for; none when it was not understood
+  std::string said;                ///< what is done, in words
+};
+
+/// The devices of the events whose pattern fits the text; where none does, the player's status device for a
+/// phrase of the player's own.
+VoiceAct ActOfVoice(const House& house, const std::string& text);
 
 }  // namespace standin
