@@ -60,6 +60,18 @@ std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type
   return lines;
 }
 
+std::int64_t HouseLog::lastId() {
+  database::Statement row(database_, "SELECT ifnull(max(id), 0) FROM log");
+  return row.step() ? row.integer(0) : 0;
+}
+
+std::optional<LogLine> HouseLog::newestSince(const std::string& type, std::int64_t after) {
+  database::Statement row(
+      database_, "SELECT id, time, type, text FROM log WHERE id > ? AND type = ? ORDER BY id DESC LIMIT 1");
+  if (!row.with(after, type).step()) return std::nullopt;
+  return LogLine{row.integer(0), row.integer(1), row.text(2), row.text(3)};
+}
+
 std::vector<std::string> HouseLog::types() {
   std::vector<std::string> types;
   database::Statement rows(database_, "SELECT DISTINCT type FROM log ORDER BY type");

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,10 @@ class HouseLog {
   /// The newest lines of a type (of all types when it is empty) before a line (0: from the end), oldest
   /// first.
   std::vector<LogLine> newest(std::size_t count, const std::string& type = {}, std::int64_t before = 0);
+  /// The number of the newest line, 0 when there is none.
+  [[nodiscard]] std::int64_t lastId();
+  /// The newest line of a type behind that with the number `after`; nothing when there is none.
+  std::optional<LogLine> newestSince(const std::string& type, std::int64_t after);
   /// The types that occur.
   std::vector<std::string> types();
 

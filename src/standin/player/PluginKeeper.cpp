@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <optional>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -17,7 +18,8 @@ constexpr base::Milliseconds kStable = std::chrono::seconds(60);
 constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(300);
 constexpr base::Milliseconds kDelayInterval = std::chrono::seconds(1);
 constexpr base::Milliseconds kLongStart = std::chrono::seconds(15);
-constexpr base::Milliseconds kLongCommand = std::chrono::seconds(30);
+constexpr base::Milliseconds kFailedStart = std::chrono::seconds(2);
+constexpr base::Milliseconds kFailedInterval = std::chrono::seconds(3);
 constexpr base::Milliseconds kLongEnd = std::chrono::seconds(10);
 constexpr base::Milliseconds kGrace = std::chrono::seconds(5);
 
@@ -44,28 +46,29 @@ PluginKeeper::PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, Hou
       pause_(kFirstPause),
       startTimer_(loop.makeTimer(base::Milliseconds(1), [this] { launch(); })),
       statusTimer_(loop.makeTimer(kStatusInterval, [this] { askStatus(); })),
-      delayTimer_(loop.makeTimer(kDelayInterval, [this] { lookForDelay(); })) {
-  delayTimer_->enabled(true);
+      delayTimer_(loop.makeTimer(kDelayInterval, [this] { lookForDelay(); })),
+      pulse_(loop, {.ask =
+                        [this] {
+                          if (busy_ || launching_ || !vxif_ || state_ != PluginPhase::kReady) return;
+                          command([](base::Object& vxif) { vxif.call("InterfaceStatus"); },
+                                  [](const std::string&) {});
+                        },
+                    .wanted = [this] { return house_.live.readers() > 0; },
+                    .changed = [this] { lookForDelay(); }}) {
   connection_.onNameLost(address_.name, [this] { lost(); });
-  house_.log.onLine = [this, told = house_.log.onLine](const LogLine& line) {
-    if (told) told(line);
-    hearLine(line);
-  };
 }
 
-void PluginKeeper::hearLine(const LogLine& line) {
-  // What fails after InitIO is told by a line alone; the plug-in then never becomes ready.
-  static constexpr std::string_view kFailed = " background initialization FAILED: ";
-  const std::size_t at = line.text.find(kFailed);
-  if (line.type != "Error" || at == std::string::npos || state_ != PluginPhase::kStarting) return;
-  statusTimer_->enabled(false);
-  enter(PluginPhase::kFailed, line.text.substr(at + kFailed.size()));
+PluginKeeper::~PluginKeeper() {
+  connection_.onNameLost(address_.name, [] {});
 }
 
 void PluginKeeper::enter(PluginPhase state, std::string reason) {
   if (state == PluginPhase::kStarting && state_ != state) startingSince_ = loop_.now();
   state_ = state;
   reason_ = std::move(reason);
+  delayTimer_->enabled(state == PluginPhase::kStarting);
+  if (state == PluginPhase::kReady) pulse_.start();
+  lookForDelay();
   house_.live.tell("frame", "{}");
 }
 
@@ -109,6 +112,8 @@ void PluginKeeper::launch() {
 }
 
 void PluginKeeper::launchSteps() {
+  linesBefore_ = house_.log.lastId();
+  statusTimer_->interval(kStatusInterval);
   enter(PluginPhase::kStarting, {});
   std::string refusal;
   base::ObjectRef vxif;
@@ -146,15 +151,33 @@ void PluginKeeper::launchSteps() {
 
 void PluginKeeper::askStatus() {
   if (busy_ || launching_ || !vxif_) return;
-  command(
-      [this](base::Object& vxif) {
-        if (base::ToInt16(vxif.call("InterfaceStatus")) != 0 || state_ != PluginPhase::kStarting) return;
-        statusTimer_->enabled(false);
-        toldReason_.clear();
-        readySince_ = loop_.now();
-        enter(PluginPhase::kReady, {});
-      },
-      [](const std::string&) {});
+  const auto ready = std::make_shared<std::optional<bool>>();
+  ask({[ready](base::Object& vxif) { *ready = base::ToInt16(vxif.call("InterfaceStatus")) == 0; },
+       [this, ready](const std::string&) {
+         if (*ready) hearStatus(**ready);
+       },
+       true});
+}
+
+void PluginKeeper::hearStatus(bool ready) {
+  if (state_ != PluginPhase::kStarting && state_ != PluginPhase::kFailed) return;
+  if (ready) {
+    statusTimer_->enabled(false);
+    toldReason_.clear();
+    readySince_ = loop_.now();
+    enter(PluginPhase::kReady, {});
+    return;
+  }
+  if (state_ == PluginPhase::kFailed) return;
+  // A plug-in whose start fails behind InitIO stays as it is for good. All that is known of it then is that
+  // it is not ready and what it has told the log as an error; one that gets ready all the same is taken for
+  // ready.
+  const std::optional<LogLine> error = house_.log.newestSince("Error", linesBefore_);
+  if (!error) return;
+  if (std::exchange(trouble_, error->id) != error->id) troubleSince_ = loop_.now();
+  if (loop_.now() - troubleSince_ < kFailedStart) return;
+  statusTimer_->interval(kFailedInterval);
+  enter(PluginPhase::kFailed, error->text);
 }
 
 void PluginKeeper::lost() {
@@ -181,14 +204,14 @@ void PluginKeeper::restartLater() {
   pause_ = std::min(pause_ * 2, kLongestPause);
 }
 
-bool PluginKeeper::call(const Command& command, std::string& failure) {
+bool PluginKeeper::call(const Waiting& waiting, std::string& failure) {
   const base::ObjectRef vxif = vxif_;  // it may be lost while it is being called
-  if (!vxif || state_ == PluginPhase::kFailed) {
+  if (!vxif || (state_ == PluginPhase::kFailed && !waiting.evenIfFailed)) {
     failure = "The plug-in isn't running";
     return false;
   }
   try {
-    loop_.whileOpen([&] { command(*vxif); });
+    loop_.whileOpen([&] { waiting.command(*vxif); });
     return true;
   } catch (...) {
     const base::Failure caught = base::CurrentFailure();
@@ -197,8 +220,10 @@ bool PluginKeeper::call(const Command& command, std::string& failure) {
   }
 }
 
-void PluginKeeper::command(Command command, Done done) {
-  waiting_.push_back({std::move(command), std::move(done)});
+void PluginKeeper::command(Command command, Done done) { ask({std::move(command), std::move(done)}); }
+
+void PluginKeeper::ask(Waiting waiting) {
+  waiting_.push_back(std::move(waiting));
   runCommands();
 }
 
@@ -209,8 +234,9 @@ void PluginKeeper::runCommands() {
     const Waiting next = std::move(waiting_.front());
     waiting_.pop_front();
     std::string failure;
-    busySince_ = loop_.now();
-    call(next.command, failure);
+    pulse_.begins();
+    call(next, failure);
+    pulse_.ends();
     try {
       next.done(failure);
     } catch (...) {  // whoever has asked; the others still wait for their turn
@@ -238,9 +264,8 @@ void PluginKeeper::shutDown(base::Milliseconds limit) {
 }
 
 void PluginKeeper::lookForDelay() {
-  const base::Milliseconds now = loop_.now();
-  const bool stuck = !ending_ && ((state_ == PluginPhase::kStarting && now - startingSince_ >= kLongStart) ||
-                                  (busy_ && now - busySince_ >= kLongCommand));
+  const bool starting = state_ == PluginPhase::kStarting && loop_.now() - startingSince_ >= kLongStart;
+  const bool stuck = !ending_ && (starting || pulse_.silent());
   if (stuck == stuck_) return;
   stuck_ = stuck;
   if (stuck) house_.log.write("Warning", "The plug-in takes long to answer");

@@ -7,6 +7,7 @@
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
 #include "standin/house/House.hpp"
+#include "standin/player/Pulse.hpp"
 
 namespace standin {
 
@@ -30,12 +31,18 @@ class PluginKeeper {
       : PluginKeeper(loop, connection, house, std::move(callback), Address()) {}
   PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, House& house, base::ObjectRef callback,
                Address address);
+  ~PluginKeeper();
+  PluginKeeper(const PluginKeeper&) = delete;
+  PluginKeeper& operator=(const PluginKeeper&) = delete;
+  PluginKeeper(PluginKeeper&&) = delete;
+  PluginKeeper& operator=(PluginKeeper&&) = delete;
 
   /// Starts it on the next turn of the loop.
   void start();
   /// Ends the plug-in if it runs, by force if it has to be, and starts it anew.
   void startAgain();
-  /// True when its start or a command has been taking so long that the user may want to start it again.
+  /// True when its start takes long, or it doesn't answer: the user may want to start it again. A plug-in
+  /// that hangs is seen within three seconds while a page is open.
   [[nodiscard]] bool stuck() const { return stuck_; }
   /// Has the plug-in end, and waits for it, by force after `limit`.
   void stop(base::Milliseconds limit = std::chrono::seconds(10));
@@ -59,16 +66,18 @@ class PluginKeeper {
   struct Waiting {
     Command command;
     Done done;
+    bool evenIfFailed = false;  ///< also to a plug-in whose start has failed
   };
   void launch();
   void launchSteps();
   void askStatus();
+  void hearStatus(bool ready);
+  void ask(Waiting waiting);
   void lost();
   void restartLater();
   void runCommands();
   void enter(PluginPhase state, std::string reason);
-  bool call(const Command& command, std::string& failure);
-  void hearLine(const LogLine& line);
+  bool call(const Waiting& waiting, std::string& failure);
   void shutDown(base::Milliseconds limit);
   void lookForDelay();
   [[nodiscard]] std::uint32_t process();
@@ -90,13 +99,16 @@ class PluginKeeper {
   bool ending_ = false;
   bool stuck_ = false;
   base::Milliseconds startingSince_{0};
-  base::Milliseconds busySince_{0};
+  std::int64_t linesBefore_ = 0;  ///< in the log when the start began
+  std::int64_t trouble_ = 0;      ///< the line that the start has ended in, as it seems
+  base::Milliseconds troubleSince_{0};
   base::Milliseconds pause_;
   base::Milliseconds readySince_{0};
   std::unique_ptr<base::Timer> startTimer_;
   std::unique_ptr<base::Timer> statusTimer_;
   std::unique_ptr<base::Timer> forceTimer_;
   std::unique_ptr<base::Timer> delayTimer_;
+  Pulse pulse_;
 };
 
 }  // namespace standin

@@ -121,7 +121,12 @@ TEST_F(Server, CommandsReachThePlugin) {
   EXPECT_EQ(web.post("/api/menu", {{"item", "Stop"}}), 200);
   EXPECT_EQ(web.post("/api/menu", {{"item", "Explode"}}), 404);
   EXPECT_EQ(web.post("/api/voice", {{"text", "Play album green NIGHT"}}), 200);
+  EXPECT_EQ(json::parse(web.last).at("done"), "Album VR");
   EXPECT_EQ(web.post("/api/voice", {{"text", "stop the music"}}), 200);
+  EXPECT_EQ(json::parse(web.last).at("done"), "Stop");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "make me a coffee"}}), 404);
+  EXPECT_EQ(json::parse(web.last).at("error"),
+            "“make me a coffee” was not understood. Try “stop”, “next” or “volume up”");
   const auto calls = plugin.calls();
   const std::vector<std::string> expected{"ButtonPress Pause",
                                           "SetIO Status Q 1 2 0 0 0 after ",
@@ -155,6 +160,31 @@ TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   EXPECT_FALSE(pressed);
   enough.set_value();
   press.join();
+}
+
+TEST_F(Server, APluginThatHangsIsShownAsSuchUntilItAnswers) {
+  FakePlugin::Manner manner = furnishing();
+  std::promise<void> answers;
+  manner.genPage = [&](const std::string&) {
+    answers.get_future().wait();
+    return std::string("<p>at last</p>");
+  };
+  FakePlugin plugin(bus.address(), manner);
+  ServerProcess server(bus.address(), data);
+  WebClient web(server);
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  const auto stuck = [&] { return web.json("/api/state").at("plugin").at("stuck") == true; };
+  EXPECT_FALSE(stuck());
+  std::thread reader([&] {
+    WebClient other(server);
+    EXPECT_NE(other.get("/WMP_PListEdit")->body.find("at last"), std::string::npos);
+  });
+  EXPECT_TRUE(Eventually(stuck));
+  EXPECT_TRUE(logHas(web, "The plug-in takes long to answer"));
+  answers.set_value();
+  reader.join();
+  EXPECT_TRUE(Eventually([&] { return !stuck(); }));
+  EXPECT_EQ(stateOf(web), "ready");
 }
 
 TEST_F(Server, ALivePageHearsOfADeviceChange) {
@@ -261,7 +291,8 @@ TEST_F(Server, AFailureAfterTheStartIsShownToo) {
     host.invoke("WriteLog", "Error", "Media Player background initialization FAILED: no codes left");
   });
   EXPECT_TRUE(Eventually([&] { return stateOf(web) == "failed"; }));
-  EXPECT_EQ(web.json("/api/state").at("plugin").at("reason"), "no codes left");
+  EXPECT_EQ(web.json("/api/state").at("plugin").at("reason"),
+            "Media Player background initialization FAILED: no codes left");
 }
 
 class ServerWithService : public Server {
