@@ -74,6 +74,8 @@ int serve(const Options& options) {
   Playlists playlists(loop, connection, plugin, house, library);
   ScriptStore scripts(house.folder / "scripts");
   const auto end = [&] {
+    // A call under way may hang, and nothing is stopped before it has returned.
+    if (!loop.quitting()) connection.replyWithin(std::chrono::milliseconds(700));
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
   };
@@ -116,6 +118,7 @@ int serve(const Options& options) {
     plugin.start();
     code = loop.run();
   }
+  connection.replyWithin(std::nullopt);  // the plug-in has its own time to end in
   plugin.stop();
   house.log.write("Info", "Vantorix has stopped");
   flusher.flushNow();

@@ -21,6 +21,7 @@ namespace {
 
 constexpr const char* kBusName = "org.vantorix.vxif_WMP9";
 constexpr const char* kHostName = "org.vantorix.Host";
+constexpr base::Milliseconds kLastReplies{700};
 
 /// A process that the bus has started is told which bus that was.
 std::string BusAddress() {
@@ -52,7 +53,10 @@ int Serve() {
   plugin::Plugin* owner = nullptr;
   // Before the first thread starts, for a thread takes the blocked signal after its maker.
   const auto onTerminate = loop.onSignal(SIGTERM, [&] {
-    if (owner != nullptr) owner->lifecycle.ShutdownIO();
+    if (owner == nullptr) return;
+    // It may come while a call to the host hangs, and what is saved now may go unanswered too.
+    connection.replyWithin(kLastReplies);
+    owner->lifecycle.ShutdownIO();
   });
   PluginLog log;
   UserDesktop desktop(loop, log);
