@@ -28,7 +28,7 @@ void askPage(House& house, PluginKeeper& plugin, const WebCall& call, const Repl
         if (!failure.empty()) return reply(Refusal(502, failure));
         const std::string nonce = NewNonce();
         reply({.type = "text/html; charset=utf-8",
-               .body = Framed(title, view, WithoutActingTags(*text), nonce),
+               .body = Framed(title, view, AsPageData(*text), nonce),
                .policy = PluginPolicy(nonce)});
       });
 }

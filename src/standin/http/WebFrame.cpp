@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 
-#include "base/Text.hpp"
 #include "standin/http/WebRules.hpp"
 #include "standin/pages/WebFiles.hpp"
 
@@ -39,6 +38,14 @@ std::string address(const std::string& path) {
   return out;
 }
 
+/// `word` in small letters. As browsers read tags: Latin letters alone have a case.
+bool beginsWith(std::string_view text, std::string_view word) {
+  return text.size() >= word.size() &&
+         std::equal(word.begin(), word.end(), text.begin(), [](char wanted, char c) {
+           return wanted == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+         });
+}
+
 std::string headline(int status) {
   switch (status) {
     case 401: return "Please sign in";
@@ -63,8 +70,7 @@ std::string NewNonce() {
 
 std::string PluginPolicy(const std::string& nonce) {
   return std::string(kOwnPolicy) + "; script-src 'nonce-" + nonce +
-         "'; worker-src 'self'; frame-src 'none'; media-src 'none'; style-src-elem 'self'; style-src-attr "
-         "'unsafe-inline'";
+         "'; worker-src 'self'; frame-src 'none'; media-src 'none'";
 }
 
 std::string Framed(const std::string& title, const std::string& view, std::string_view content,
@@ -79,22 +85,21 @@ std::string Framed(const std::string& title, const std::string& view, std::strin
   return page;
 }
 
-std::string WithoutActingTags(std::string_view text) {
-  static constexpr std::array<std::string_view, 5> kActing{"meta", "link", "html", "body", "template"};
-  std::string out;
-  out.reserve(text.size());
+// What would end the element, or keep its end from being seen, is parted by one backslash more than it holds,
+// so that the script can tell it from what was parted before.
+std::string AsPageData(std::string_view text) {
+  static constexpr std::array<std::string_view, 3> kActing{"!--", "script", "/script"};
+  std::string out = R"(<script type="text/plain">)";
+  out.reserve(out.size() + text.size());
   while (!text.empty()) {
-    const std::size_t open = std::min(text.find('<'), text.size());
-    out.append(text.substr(0, open));
-    text.remove_prefix(open);
-    if (text.empty()) break;
-    const bool acts = std::any_of(kActing.begin(), kActing.end(), [&](std::string_view name) {
-      return base::SameText(text.substr(1, name.size()), name);
-    });
-    out += acts ? "&lt;" : "<";
-    text.remove_prefix(1);
+    const std::size_t length = std::min(text.find('<'), text.size() - 1) + 1;
+    out.append(text.substr(0, length));
+    text.remove_prefix(length);
+    const std::string_view next = text.substr(std::min(text.find_first_not_of('\\'), text.size()));
+    if (std::any_of(kActing.begin(), kActing.end(), [&](auto word) { return beginsWith(next, word); }))
+      out += '\\';
   }
-  return out;
+  return out + "</script>";
 }
 
 std::string RefusalPage(int status, const std::string& text, const std::string& path) {

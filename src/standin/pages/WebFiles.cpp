@@ -19,11 +19,12 @@ const WebFile* FindWebFile(std::string_view name) {
 std::string_view AssetsAddress() { return kAssetsAddress; }
 
 std::string_view MediaTypeOf(std::string_view name) {
-  static constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kTypes{{
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 16> kTypes{{
       {"html", "text/html; charset=utf-8"},
       {"htm", "text/html; charset=utf-8"},
       {"css", "text/css; charset=utf-8"},
       {"js", "text/javascript; charset=utf-8"},
+      {"mjs", "text/javascript; charset=utf-8"},
       {"json", "application/json"},
       {"txt", "text/plain; charset=utf-8"},
       {"svg", "image/svg+xml"},

@@ -5,33 +5,35 @@
 
 namespace {
 
+using standin::AsPageData;
 using standin::RefusalPage;
-using standin::WithoutActingTags;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(WebFrame, LeavesAPageTextAsItIs) {
+TEST(WebFrame, APageTextIsDataThatKeepsItsWords) {
   const std::string text =
       "<form method=\"post\">\r\n<p><h3>Edit PlayList<hr noshade></h3></p><select "
       "onChange=\"form.submit();\" "
       "style=\"width: 200\"><option selected value=\"A < B\">a\xff</option></select><BR "
       "clear=all></form>\r\n";
-  EXPECT_EQ(WithoutActingTags(text), text);
-  EXPECT_EQ(WithoutActingTags(""), "");
-  EXPECT_EQ(WithoutActingTags("<"), "<");
-  EXPECT_EQ(WithoutActingTags("a<me"), "a<me");
-  EXPECT_EQ(WithoutActingTags(std::string("a\0<b>", 5)), std::string("a\0<b>", 5));
+  EXPECT_EQ(AsPageData(text), "<script type=\"text/plain\">" + text + "</script>");
+  EXPECT_EQ(AsPageData(""), "<script type=\"text/plain\"></script>");
+  EXPECT_EQ(AsPageData("<"), "<script type=\"text/plain\"><</script>");
+  EXPECT_EQ(AsPageData(std::string("a\0<b>", 5)),
+            std::string("<script type=\"text/plain\">a\0<b></script>", 40));
 }
 
-TEST(WebFrame, ShowsTagsThatActByThemselvesAsText) {
-  EXPECT_EQ(WithoutActingTags("x<meta http-equiv=refresh content=0>y<<META/><b>"),
-            "x&lt;meta http-equiv=refresh content=0>y<&lt;META/><b>");
-  EXPECT_EQ(WithoutActingTags("<LiNk rel=preconnect href=//evil.example>"),
-            "&lt;LiNk rel=preconnect href=//evil.example>");
-  EXPECT_EQ(WithoutActingTags("<meta"), "&lt;meta");
-  EXPECT_EQ(WithoutActingTags("<Body hidden><HTML hidden></body>"),
-            "&lt;Body hidden>&lt;HTML hidden></body>");
-  EXPECT_EQ(WithoutActingTags("<template shadowrootmode=open>"), "&lt;template shadowrootmode=open>");
+TEST(WebFrame, NothingInAPageTextEndsItsElement) {
+  const auto data = [](std::string_view text) {
+    const std::string whole = AsPageData(text);
+    return whole.substr(26, whole.size() - 35);
+  };
+  EXPECT_EQ(data("</script>"), "<\\/script>");
+  EXPECT_EQ(data("x</ScRiPt y<<SCRIPT/>"), "x<\\/ScRiPt y<<\\SCRIPT/>");
+  EXPECT_EQ(data("<!--<script>-->"), "<\\!--<\\script>-->");
+  EXPECT_EQ(data("<\\script><\\\\!--"), "<\\\\script><\\\\\\!--")
+      << "what was parted before stays apart from it";
+  EXPECT_EQ(data("<!- <\\x </scrip"), "<!- <\\x </scrip");
 }
 
 TEST(WebFrame, APageTextStandsInTheFrameAsItIs) {
@@ -55,7 +57,7 @@ TEST(WebFrame, NoScriptInAPageTextIsAllowed) {
   const std::string policy = standin::PluginPolicy("abc");
   EXPECT_THAT(policy, HasSubstr("default-src 'self';"));
   EXPECT_THAT(policy, HasSubstr("script-src 'nonce-abc';"));
-  EXPECT_THAT(policy, Not(HasSubstr("unsafe-hashes")));
+  EXPECT_THAT(policy, Not(HasSubstr("unsafe")));
   EXPECT_THAT(policy, HasSubstr("form-action 'self'"));
   EXPECT_THAT(policy, HasSubstr("base-uri 'none'"));
 }

@@ -1,5 +1,4 @@
 // The page: its frame, and in it the view that the address names, or the page that the server has put there.
-import './plugin/ownnames.js';  // first of all
 import {Frame} from './frame/frame.js';
 import {House} from './frame/house.js';
 import {launched} from './frame/launched.js';
@@ -34,8 +33,9 @@ function userChanged(before) {
 house.on('state', (before) => { if (house.connected) userChanged(before); });
 house.on('signed-out', () => { if (router.shown !== signInView) router.show({view: signInView}); });
 house.on('launch', launched);
+document.body.append(toasts, el('footer', {}, splash));
 if (given) {
-  preparePluginPage(document.querySelector('.plugin-page'));
+  await preparePluginPage(document.querySelector('.plugin-page'));
 } else {
   router.start();
   addEventListener('hashchange', () => frame.drawNav());
@@ -44,7 +44,5 @@ part('skip').addEventListener('click', (event) => {
   event.preventDefault();  // an address of its own would be another view
   part('main').focus();
 });
-// Made here, behind all that the server has put into the page: its text may leave tags open.
-document.body.append(toasts, el('footer', {}, splash));
 await house.load();
 house.listen();

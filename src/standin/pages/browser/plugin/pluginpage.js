@@ -10,62 +10,43 @@ const kMoves = ['ArrowDown', 'ArrowUp', 'ArrowLeft', 'ArrowRight', 'Home', 'End'
 let numbers = 0;
 let sending = false;
 
-/** Makes the page text in `panel` ready to be used. */
-export function preparePluginPage(panel) {
-  takeStrays(panel);
-  takeOrphans(panel);
+/** Shows the page whose text `panel` holds, ready to be used. A message of the server's own stands there already. */
+export async function preparePluginPage(panel) {
+  const text = panel.querySelector('script[type="text/plain"]')?.textContent;
+  if (text !== undefined) {
+    const {readPageText} = await import('./pagetext.js');
+    panel.replaceChildren(readPageText(asWritten(text)));
+  }
   // A page that answers a post would post again when it is loaded anew. Loading it anew is a fresh look instead;
   // sending the reader on after the post is no way, since a fresh look forgets what was selected.
   history.replaceState(history.state, '', location.href);
   for (const heading of all(panel, 'h3')) heading.setAttribute('aria-level', '1');
-  for (const message of all(panel, 'form > span[style]')) {
-    const bad = message.style.color === 'red';
-    message.classList.add('message', bad ? 'message-bad' : 'message-good');
-    message.setAttribute('role', bad ? 'alert' : 'status');
+  for (const message of all(panel, '.message')) {
+    message.setAttribute('role', message.classList.contains('message-bad') ? 'alert' : 'status');
   }
   for (const control of controls(panel)) label(control);
   for (const first of all(panel, 'input[type=radio]')) group(first);
   for (const list of all(panel, 'select')) nameEmptyChoice(list);
-  for (const list of all(panel, 'select[onchange]')) sendOnChange(list);
+  for (const list of all(panel, 'select[data-sends]')) sendOnChange(list);
   for (const form of all(panel, 'form')) sendOnce(form);
   addEventListener('pageshow', () => markSending(panel, false));
   returnToPlace(panel);
 }
 
-/** In a drawing or a formula the same tags are no fields. */
-const all = (panel, selector) => [...panel.querySelectorAll(selector)].filter((each) => each instanceof HTMLElement);
+/** The server parts what would end the element that holds the text, by a backslash. */
+const asWritten = (text) => text.replace(/<(\\*)\\(?=!--|\/?script)/gi, '<$1');
 
-const controls = (panel) => all(panel, 'input:not([type=hidden]):not([type=submit]), select, textarea');
+const all = (panel, selector) => [...panel.querySelectorAll(selector)];
 
-/** An end tag too many in the text must not let the rest of it stand outside its panel. */
-function takeStrays(panel) {
-  const main = document.getElementById('main');
-  for (let outer = panel; outer && outer !== main.parentNode; outer = outer.parentNode) {
-    while (outer.nextSibling) panel.append(outer.nextSibling);
-  }
-}
+const controls = (panel) => all(panel, 'input:not([type=hidden]):not([type=submit]), select');
 
-/** Nor may it part the fields behind it from their form, which is the first. */
-function takeOrphans(panel) {
-  const [form] = all(panel, 'form');
-  const orphans = all(panel, 'button, input, select, textarea').filter((each) => !each.form);
-  if (!form || !orphans.length) return;
-  form.id = freshId();
-  for (const each of orphans) each.setAttribute('form', form.id);
-}
-
-/** An id that nothing in the text has taken. */
-function freshId() {
-  let id;
-  do id = `field-${++numbers}`; while (document.getElementById(id));
-  return id;
-}
+const freshId = () => `field-${++numbers}`;
 
 // Labels
 
 /** The words stand before a field and behind a box, as bare text. */
 function label(control) {
-  if (!control.id || document.getElementById(control.id) !== control) control.id = freshId();
+  control.id = freshId();
   if (control.type === 'checkbox' || control.type === 'radio') labelBehind(control);
   else labelBefore(control);
 }
@@ -141,8 +122,6 @@ function nameEmptyChoice(list) {
  * until it is left, or for Enter, so that every entry can be reached.
  */
 function sendOnChange(list) {
-  if (!/^\s*(this\.)?form\.submit\(\);?\s*$/.test(list.getAttribute('onchange'))) return;
-  list.removeAttribute('onchange');
   const hint = el('span', {class: 'hint quiet', id: freshId(), role: 'status'});
   list.after(hint);
   list.setAttribute('aria-describedby', hint.id);
@@ -155,7 +134,7 @@ function sendOnChange(list) {
     waits = false;
     keepPlace(next || list);
     markSending(list.closest('.plugin-page'), true);
-    HTMLFormElement.prototype.submit.call(list.form);
+    list.form.submit();
   };
   list.addEventListener('pointerdown', () => { stepping = false; });
   list.addEventListener('keydown', (event) => {
