@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "Brief.hpp"
 #include "catalogue/BenchLibrary.hpp"
 #include "catalogue/Ratio.hpp"
 #include "standin/player/Folding.hpp"
@@ -9,7 +10,7 @@
 // and knows no words.
 namespace {
 
-constexpr std::size_t kNames = 100'000;
+const auto kNames = static_cast<std::size_t>(bench::Amount(100'000, 1'000));
 
 const standin::NameList& TheNames() {
   static const standin::NameList names(bench::Names(kNames));
@@ -19,7 +20,7 @@ const standin::NameList& TheNames() {
 void Find(benchmark::State& state, const std::string& sought) {
   const standin::NameList& names = TheNames();
   bench::Compare(
-      state, kNames, [&] { benchmark::DoNotOptimize(names.page(sought, 0, 100)); },
+      state, static_cast<double>(kNames), [&] { benchmark::DoNotOptimize(names.page(sought, 0, 100)); },
       [&] {
         const auto count =
             std::count_if(names.all().begin(), names.all().end(),
@@ -32,7 +33,7 @@ void Fold(benchmark::State& state) {
   const std::vector<std::string> names = bench::Names(kNames);
   std::vector<std::string> copies;
   bench::Compare(
-      state, kNames, [&] { benchmark::DoNotOptimize(standin::NameList(names)); },
+      state, static_cast<double>(kNames), [&] { benchmark::DoNotOptimize(standin::NameList(names)); },
       [&] {
         copies = names;
         benchmark::DoNotOptimize(copies);

@@ -12,6 +12,7 @@ using testing::IsEmpty;
 
 constexpr const char* kDown = "\uE015";
 constexpr const char* kOdd = "<img src=x onerror=\"window.evil=1\">";
+constexpr const char* kNoCharacter = "\uFFFE odd";
 constexpr const char* kTurned = "abc\u202Edef";  // whose end would be written backwards
 
 class LibraryInAWindow : public support::PageHouse, public testing::WithParamInterface<int> {
@@ -23,7 +24,7 @@ class LibraryInAWindow : public support::PageHouse, public testing::WithParamInt
                                                   song("Suzanne", "Anna Cohen", "Hits", "7"),
                                                   song("Innuendo", "Queen", "Hits", "7"),
                                                   song(kOdd, kTurned, kOdd, "2"),
-                                                  song("Odd", "Joni", "Blue", "3")};
+                                                  song(kNoCharacter, "Joni", "Blue", "3")};
     lists->library.insert(lists->library.begin(), songs.begin(), songs.end());
     const auto& all = songs;
     lists->groups["Genre/Folk"] = {all[0], all[1]};
@@ -173,6 +174,9 @@ TEST_P(LibraryInAWindow, NamesOfEveryKindAreTexts) {
   lists->groups["Album/Blue"].push_back(lists->library.back());
   open("#library/Album/Blue");
   ASSERT_TRUE(browser.eventually("return document.querySelectorAll('.row-name').length === 3"));
+  EXPECT_EQ(text("[data-index='1'] .row-name"), kNoCharacter);
+  browser.click("//li[@data-index='1']//button[@title='Play']");
+  EXPECT_TRUE(plugin.heard("Play URL///music/Joni/" + std::string(kNoCharacter)));
   EXPECT_EQ(browser.run("return document.documentElement.scrollWidth <= innerWidth"), true);
   browser.run("document.querySelector('[data-index=\"2\"] .row-main').click()");
   EXPECT_TRUE(

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 
+#include "base/Text.hpp"
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
 #include "support/BusDaemon.hpp"
+#include "support/JsonText.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
@@ -65,7 +67,7 @@ class LibraryPage : public testing::Test {
     return {{"category", category},
             {"name", group},
             {"at", page.at("places").at(row)},
-            {"title", page.at("names").at(row)},
+            {"title", page.at("names").at(row).get<std::string>().substr(0, 300)},
             {"mark", page.at("titles").at(row).at("mark")}};
   }
   const json& found(const json& answer, const std::string& category) {
@@ -124,7 +126,7 @@ TEST_F(LibraryPage, ATitleTellsWhatItIsButNotWhereItLies) {
   EXPECT_EQ(second.at("album"), "Debut");
   EXPECT_EQ(second.at("track"), 1);
   EXPECT_EQ(second.at("seconds"), 61.5);
-  EXPECT_EQ(page.dump().find("/music"), std::string::npos);
+  EXPECT_EQ(support::TextOf(page).find("/music"), std::string::npos);
 }
 
 TEST_F(LibraryPage, OfTwoTitlesOfOneNameEachIsPlayedForItself) {
@@ -146,7 +148,7 @@ TEST_F(LibraryPage, ATitleThatHasMovedIsFoundAndOneThatIsGoneIsRefused) {
   EXPECT_EQ(timesAsked("Play URL///music/Joni/Blue/Intro"), 1);
   folk = {folk[0]};
   EXPECT_EQ(web.post("/api/play", order(page, 0, "Genre", "Folk")), 409);
-  EXPECT_EQ(json::parse(web.last).at("error"), "“Intro” is no longer there: the list has changed");
+  EXPECT_EQ(support::JsonOf(web.last).at("error"), "“Intro” is no longer there: the list has changed");
   json odd = order(page, 1, "Genre", "Folk");
   odd["at"] = -2147483648LL;
   EXPECT_EQ(web.post("/api/play", odd), 200) << "found by its mark alone";
@@ -249,10 +251,29 @@ TEST_F(LibraryPage, TheTitleThatWasChosenIsAdded) {
   EXPECT_EQ(raw->sources("Mine").back(), "/music/Queen/Hits/Innuendo");
 }
 
+TEST_F(LibraryPage, TitlesOfAnyNameAreListedFoundAndPlayed) {
+  waitReady();
+  const std::vector<std::string> names{
+      "\uFFFE odd",  "odd \xFF", "abc\u202Eodd", "<b onclick=\"odd\">", std::string(1U << 20U, 'w') + " odd",
+      "one\nodd\r\n"};
+  raw->library.clear();
+  for (const std::string& name : names)
+    raw->library.push_back(song(name, "Joni", std::to_string(raw->library.size())));
+  raw->groups["Genre/Folk"] = raw->library;
+  const json page = web.json("/api/library?category=Genre&group=Folk&limit=10");
+  const json all = web.json("/api/search?q=odd&limit=10");
+  ASSERT_EQ(found(all, "Media Library").at("total"), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(page.at("names").at(i), base::RepairUtf8(names[i]));
+    EXPECT_EQ(web.post("/api/play", order(page, i, "Genre", "Folk")), 200) << i;
+    EXPECT_EQ(timesAsked("Play URL//" + raw->library[i].source), 1) << i;
+  }
+}
+
 TEST_F(LibraryPage, WhatCannotBePlayedIsTold) {
   waitReady();
   EXPECT_EQ(web.post("/api/play", {{"category", "Album"}, {"name", "Gone"}}), 404);
-  EXPECT_EQ(json::parse(web.last).at("error"), "The player can't find “Gone”");
+  EXPECT_EQ(support::JsonOf(web.last).at("error"), "The player can't find “Gone”");
   EXPECT_EQ(web.post("/api/play", {{"category", "Radio"}, {"name", "Gone"}}), 400);
   EXPECT_EQ(web.post("/api/play", {{"category", "Album"}, {"name", ""}}), 400);
   EXPECT_EQ(web.post("/api/play", {{"category", "Album"}}), 400);
@@ -266,7 +287,7 @@ TEST(LibraryWithoutAPlayer, AsksForPatience) {
   const auto answer = web.get("/api/library?category=Album&limit=10");
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->status, 502);
-  EXPECT_EQ(json::parse(answer->body).at("error"), "The plug-in isn't running");
+  EXPECT_EQ(support::JsonOf(answer->body).at("error"), "The plug-in isn't running");
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ const noLists = (edit) => html`<p class="empty">There are no playlists yet. ${ed
 export function namesView(body, context, kind, {edit, above}) {
   const details = new Details();
   return new ListView(body, context, {
-    label: kind.text, searchLabel: 'Search the library', placeholder: 'Search artists, albums, titles …',
+    label: kind.text, searchLabel: 'Search the library', placeholder: 'Search the library',
     query: `/api/library?category=${kind.word}`, above, details: details.node,
     row: (name) => groupRow(kind.word, name, edit),
     words: ({total}) => counted(total, kind),

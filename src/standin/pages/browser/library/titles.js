@@ -28,8 +28,8 @@ export const joined = (...facts) => facts.filter(Boolean).map(short).join(' · '
 export const rowsOf = ({names, titles}) => titles
   ? names.map((name, i) => titles[i] ? {name, ...titles[i]} : {head: name}) : names;
 
-/** What is posted to have this very title played, or added. */
-export const orderOf = (title, at) => ({at, title: title.name, mark: title.mark});
+/** What is posted to have this very title played, or added: the mark tells which, the name is for messages. */
+export const orderOf = (title, at) => ({at, title: short(title.name), mark: title.mark});
 
 /** The search begins when the keys pause; the arrow leads into the list. */
 export function searchField(label, placeholder, text, {sought, down}) {
