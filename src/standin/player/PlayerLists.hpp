@@ -13,7 +13,7 @@ namespace standin {
 struct ListedItem {
   std::string name;
   std::string source;
-  std::string artist;  ///< this and the length only of what may have to be told to the player anew
+  std::string artist{};  ///< this and the length only of what may have to be told to the player anew
   double seconds = 0;
   bool operator==(const ListedItem&) const = default;
 };

@@ -63,7 +63,7 @@ std::size_t onlyPlaceOf(const std::vector<std::string>& names, const std::string
   return static_cast<std::size_t>(found - names.begin());
 }
 
-std::int32_t placeNow(PlayerLists& lists, const PlayerList& list, std::int32_t at, const std::string& title) {
+std::int32_t placeNow(const PlayerList& list, std::int32_t at, const std::string& title) {
   if (at >= 0 && at < list.count() && list.nameAt(at) == title) return at;
   return static_cast<std::int32_t>(onlyPlaceOf(list.names(0, list.count()), title));
 }
@@ -164,7 +164,7 @@ void removeAsItWas(PlayerLists& lists, const PlaylistStep& step) {
 
 }  // namespace
 
-PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrder& order) {
+PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order) {
   PlaylistStep step;
   step.kind = StepKind::kMove;
   step.count = list.count();
@@ -193,12 +193,11 @@ PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrde
   return step;
 }
 
-PlaylistStep PlanRemove(PlayerLists& lists, const PlayerList& list, std::int32_t at,
-                        const std::string& title) {
+PlaylistStep PlanRemove(const PlayerList& list, std::int32_t at, const std::string& title) {
   PlaylistStep step;
   step.kind = StepKind::kRemove;
   step.count = list.count();
-  const std::int32_t from = placeNow(lists, list, at, title);
+  const std::int32_t from = placeNow(list, at, title);
   step.items = {list.at(from)};
   step.from = placeIn(Reduced(list, from), from);
   return step;

@@ -33,9 +33,8 @@ struct TitleChoice {
 // and throw number 3197 (kChangedMeanwhile), without having changed anything, where somebody else's change is
 // in the way.
 
-PlaylistStep PlanMove(PlayerLists& lists, const PlayerList& list, const MoveOrder& order);
-PlaylistStep PlanRemove(PlayerLists& lists, const PlayerList& list, std::int32_t at,
-                        const std::string& title);
+PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order);
+PlaylistStep PlanRemove(const PlayerList& list, std::int32_t at, const std::string& title);
 /// `to` may be beyond the end.
 PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
                      std::int32_t to);

@@ -60,14 +60,13 @@ Playlists::Plan moving(const Json& json) {
   order.title = json.at("title").get<std::string>();
   order.before = neighbour(json, "before");
   order.after = neighbour(json, "after");
-  return [order](PlayerLists& lists, const PlayerList& list) { return PlanMove(lists, list, order); };
+  return [order](PlayerLists&, const PlayerList& list) { return PlanMove(list, order); };
 }
 
 Playlists::Plan removing(const Json& json) {
   const auto at = json.at("at").get<std::int32_t>();
   const auto title = json.at("title").get<std::string>();
-  return
-      [at, title](PlayerLists& lists, const PlayerList& list) { return PlanRemove(lists, list, at, title); };
+  return [at, title](PlayerLists&, const PlayerList& list) { return PlanRemove(list, at, title); };
 }
 
 /// What an artist has in the group.
