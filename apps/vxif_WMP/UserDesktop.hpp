@@ -4,34 +4,29 @@
 #include <string>
 
 #include "PluginLog.hpp"
-#include "desktop/BoxWindow.hpp"
-#include "desktop/MsgFormWindow.hpp"
-#include "desktop/ProgBarWindow.hpp"
-#include "desktop/QtWindows.hpp"
+#include "desktop/loader/WindowsModule.hpp"
 #include "plugin/host/Neighbours.hpp"
 #include "ui/WindowlessMsgForm.hpp"
 #include "ui/myMsgForm.hpp"
 
-/// The user's desktop. On a machine without one a dialog answers its default at once and leaves its text in
-/// the house's log.
+/// The user's desktop. On a machine without one, and when it has gone, a dialog answers its default at once
+/// and leaves its text in the house's log.
 class UserDesktop : public plugin::Desktop {
  public:
   UserDesktop(bus::PollLoop& loop, const PluginLog& log)
       : loop_(loop),
         log_(log),
-        windows_(desktop::QtWindows::open(loop)),
+        windows_(desktop::LoadWindows(
+            loop,
+            [&log] { log.warn("Media Player: The desktop has gone, the player goes on without windows"); },
+            [&log](const std::string& problem) { log.warn("Media Player: " + problem); })),
         unseenMessage_([&log](const std::string& title, const std::string& text) {
           log.warn("Media Player: " + title + " " + text);
-        }) {
-    if (!windows_) return;
-    messageWindow_.emplace(*windows_);
-    progress_.emplace(*windows_);
-  }
+        }) {}
 
   /// To be called before a message is shown.
   void connect(plugin::HostServices& host) {
-    message_.emplace(messageWindow_ ? static_cast<ui::MsgFormView&>(*messageWindow_) : unseenMessage_, host,
-                     loop_);
+    message_.emplace(windows_ ? windows_->message() : unseenMessage_, host, loop_);
   }
 
   std::int16_t ShowTimedMessage(const std::string& title, const std::string& text,
@@ -39,20 +34,15 @@ class UserDesktop : public plugin::Desktop {
     return message_->ShowTimedMessage(title, text, seconds);
   }
   void messageBox(base::BoxKind kind, const std::string& title, const std::string& text) {
-    if (windows_)
-      desktop::ShowBox(*windows_, kind, title, text);
-    else
-      log_.warn(title + ": " + text);
+    if (!windows_ || !windows_->showBox(kind, title, text)) log_.warn(title + ": " + text);
   }
   /// Nothing without a display.
-  ui::ProgBarView* progress() { return progress_ ? &*progress_ : nullptr; }
+  ui::ProgBarView* progress() { return windows_ ? &windows_->progress() : nullptr; }
 
  private:
   bus::PollLoop& loop_;
   const PluginLog& log_;
-  std::unique_ptr<desktop::QtWindows> windows_;
+  std::unique_ptr<desktop::Windows> windows_;
   ui::WindowlessMsgForm unseenMessage_;
-  std::optional<desktop::MsgFormWindow> messageWindow_;
-  std::optional<desktop::ProgBarWindow> progress_;
   std::optional<ui::myMsgForm> message_;
 };

@@ -8,9 +8,10 @@
 
 namespace desktop {
 
-void ShowBox(QtWindows& windows, base::BoxKind kind, const std::string& title, const std::string& text) {
+namespace {
+
+void Fill(QDialog& dialog, base::BoxKind kind, const std::string& title, const std::string& text) {
   constexpr int kMargin = 20;
-  QDialog dialog;
   dialog.setWindowTitle(QString::fromStdString(title));
   dialog.setAccessibleDescription(QString::fromStdString(text));
   dialog.setModal(true);
@@ -26,11 +27,21 @@ void ShowBox(QtWindows& windows, base::BoxKind kind, const std::string& title, c
   rows->addWidget(ok, 0, Qt::AlignRight);
   QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
   ok->setFocus();
-  dialog.show();
-  dialog.raise();
-  dialog.activateWindow();
-  windows.changed();
-  windows.waitUntil([&] { return !dialog.isVisible(); });
+}
+
+}  // namespace
+
+bool ShowBox(QtWindows& windows, base::BoxKind kind, const std::string& title, const std::string& text) {
+  Owned<QDialog> dialog(windows);
+  windows.enter([&] {
+    dialog.reset(std::make_unique<QDialog>());
+    Fill(*dialog.get(), kind, title, text);
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+  });
+  windows.waitUntil([&] { return !dialog->isVisible(); });
+  return !windows.gone();
 }
 
 }  // namespace desktop

@@ -22,18 +22,24 @@ MainContext::~MainContext() { loop_.beforeWait({}); }
 // The work runs as posted work, not in the event of a watch: a watch isn't entered within its own event, and
 // a dialog that is opened from a window's event needs the same watch while it is open.
 void MainContext::ask() {
-  if (*asked_) return;
+  if (*asked_ || stopped_) return;
   *asked_ = true;
   loop_.post([this, alive = std::weak_ptr<bool>(asked_)] {
     const auto asked = alive.lock();
     if (!asked) return;
     *asked = false;
-    run_();
+    if (!stopped_) run_();
   });
 }
 
+void MainContext::stop() {
+  stopped_ = true;
+  watched_.clear();
+  timer_->enabled(false);
+}
+
 void MainContext::prepare() {
-  if (*asked_) return;
+  if (*asked_ || stopped_) return;
   const Wait wait = query();
   watch(wait.descriptors);
   if (wait.timeout == 0) {

@@ -24,6 +24,8 @@ class MainContext {
 
   /// Has `run` run on this or the next turn in any case.
   void ask();
+  /// Waits for nothing any more, and `run` does not run again.
+  void stop();
 
  private:
   struct Watched {
@@ -43,6 +45,7 @@ class MainContext {
 
   bus::PollLoop& loop_;
   std::function<void()> run_;
+  bool stopped_ = false;
   std::vector<Watched> watched_;
   std::unique_ptr<base::Timer> timer_;
   std::shared_ptr<bool> asked_ = std::make_shared<bool>(false);  // what is posted may outlive its poster

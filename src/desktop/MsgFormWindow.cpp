@@ -7,6 +7,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "base/Attempt.hpp"
+#include "base/Failure.hpp"
 #include "desktop/MessagePane.hpp"
 
 namespace desktop {
@@ -72,54 +73,61 @@ MsgFormWindow::Dialog::Dialog() {
   connect(&stop, &QPushButton::clicked, this, [this] { stopped(); });
 }
 
-MsgFormWindow::MsgFormWindow(QtWindows& windows) : windows_(windows) {}
+MsgFormWindow::MsgFormWindow(QtWindows& windows) : windows_(windows), dialog_(windows) {}
 MsgFormWindow::~MsgFormWindow() = default;
 
-MsgFormWindow::Dialog& MsgFormWindow::dialog() const {
-  if (!dialog_) dialog_ = std::make_unique<Dialog>();
-  return *dialog_;
+template <class Act>
+void MsgFormWindow::touch(Act&& act) const {
+  windows_.enter([&] {
+    if (!dialog_) dialog_.reset(std::make_unique<Dialog>());
+    act(*dialog_.get());
+  });
 }
 
 void MsgFormWindow::caption(const std::string& text) {
-  dialog().setWindowTitle(QString::fromStdString(text));
-  windows_.changed();
+  touch([&](Dialog& dialog) { dialog.setWindowTitle(QString::fromStdString(text)); });
 }
 
 void MsgFormWindow::MessageText(const std::string& text) {
-  dialog().message.text(QString::fromStdString(text));
-  dialog().setAccessibleDescription(QString::fromStdString(text));
-  windows_.changed();
+  touch([&](Dialog& dialog) {
+    dialog.message.text(QString::fromStdString(text));
+    dialog.setAccessibleDescription(QString::fromStdString(text));
+  });
 }
 
 void MsgFormWindow::TimeLabel(const std::string& text) {
-  dialog().time.setText(QString::fromStdString(text));
-  windows_.changed();
+  touch([&](Dialog& dialog) { dialog.time.setText(QString::fromStdString(text)); });
 }
 
 void MsgFormWindow::focusOk() {
-  dialog().ok.setFocus();
-  windows_.changed();
+  touch([](Dialog& dialog) { dialog.ok.setFocus(); });
 }
 
-std::int32_t MsgFormWindow::handle() const { return static_cast<std::int32_t>(dialog().winId()); }
+std::int32_t MsgFormWindow::handle() const {
+  std::int32_t handle = 0;
+  touch([&](Dialog& dialog) { handle = static_cast<std::int32_t>(dialog.winId()); });
+  return handle;
+}
 
 void MsgFormWindow::showModal(ui::MsgFormEvents& events) {
-  Dialog& shown = dialog();
-  // The label keeps its place for the longest count from the start, so that the window does not grow.
-  shown.time.setMinimumWidth(shown.time.fontMetrics().horizontalAdvance("Time remaining: 32767"));
-  shown.listen(&events);
-  events.Form_Load();
-  shown.show();
-  shown.raise();
-  shown.activateWindow();
-  windows_.changed();
-  windows_.waitUntil([&] { return !shown.isVisible(); });
-  shown.listen(nullptr);
+  touch([&](Dialog& dialog) {
+    // The label keeps its place for the longest count from the start, so that the window does not grow.
+    dialog.time.setMinimumWidth(dialog.time.fontMetrics().horizontalAdvance("Time remaining: 32767"));
+    dialog.listen(&events);
+  });
+  if (!windows_.gone()) events.Form_Load();
+  touch([](Dialog& dialog) {
+    dialog.show();
+    dialog.raise();
+    dialog.activateWindow();
+  });
+  windows_.waitUntil([&] { return !dialog_->isVisible(); });
+  touch([](Dialog& dialog) { dialog.listen(nullptr); });
+  if (windows_.gone()) throw base::Failure(base::number::kWindowNotShown);
 }
 
 void MsgFormWindow::hide() {
-  if (dialog_) dialog_->hide();
-  windows_.changed();
+  if (dialog_) touch([](Dialog& dialog) { dialog.hide(); });
 }
 
 void MsgFormWindow::unload() { dialog_.reset(); }

@@ -28,10 +28,12 @@ class MsgFormWindow : public ui::MsgFormView {
 
  private:
   class Dialog;
-  Dialog& dialog() const;
+  /// Makes the dialog when it is first touched.
+  template <class Act>
+  void touch(Act&& act) const;
 
   QtWindows& windows_;
-  mutable std::unique_ptr<Dialog> dialog_;  // made when it is first touched
+  mutable Owned<Dialog> dialog_;
 };
 
 }  // namespace desktop

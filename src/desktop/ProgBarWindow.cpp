@@ -28,11 +28,18 @@ QRect Screen() { return QGuiApplication::primaryScreen()->geometry(); }
 
 }  // namespace
 
-ProgBarWindow::ProgBarWindow(QtWindows& windows)
-    : windows_(windows), window_(std::make_unique<Window>()), bar_(new QProgressBar) {
+ProgBarWindow::ProgBarWindow(QtWindows& windows) : windows_(windows) {
+  windows_.enter([&] { build(); });
+}
+
+ProgBarWindow::~ProgBarWindow() = default;
+
+void ProgBarWindow::build() {
   constexpr int kMargin = 24;
   constexpr int kGap = 14;
   constexpr int kBarWidth = 320;
+  window_.reset(std::make_unique<Window>());
+  bar_ = new QProgressBar;
   window_->setWindowTitle("Media Player");
   // The work goes on behind it, and so may the user.
   window_->setAttribute(Qt::WA_ShowWithoutActivating);
@@ -59,58 +66,74 @@ ProgBarWindow::ProgBarWindow(QtWindows& windows)
   rows->setSizeConstraint(QLayout::SetFixedSize);
   rows->addWidget(message);
   rows->addLayout(line);
-  value(0);
+  bar_->setValue(0);
 }
 
-ProgBarWindow::~ProgBarWindow() = default;
-
-bool ProgBarWindow::visible() const { return window_->isVisible(); }
+bool ProgBarWindow::visible() const { return !windows_.gone() && window_->isVisible(); }
 
 void ProgBarWindow::show() {
-  window_->adjustSize();
-  // It is put into its place before it shows, so that it does not jump there.
-  window_->move(Screen().center() - window_->rect().center());
-  window_->show();
-  window_->raise();
   stale_ = true;
-  windows_.changed();
+  windows_.enter([&] {
+    window_->adjustSize();
+    // It is put into its place before it shows, so that it does not jump there.
+    window_->move(Screen().center() - window_->rect().center());
+    window_->show();
+    window_->raise();
+  });
 }
 
 void ProgBarWindow::hide() {
-  window_->hide();
-  windows_.changed();
+  windows_.enter([&] { window_->hide(); });
 }
 
 void ProgBarWindow::value(float percent) {
   const int whole = std::isfinite(percent) ? std::clamp(static_cast<int>(std::lround(percent)), 0, 100) : 0;
-  if (whole == bar_->value()) return;
-  bar_->setValue(whole);
+  if (whole == percent_) return;
+  percent_ = whole;
   stale_ = true;
-  windows_.changed();
+  windows_.enter([&] { bar_->setValue(whole); });
 }
 
 // A walk refreshes at every item, thousands of times, and drawing takes longer than an item: only what has
 // changed on the screen is drawn.
 void ProgBarWindow::refresh() {
   constexpr base::Milliseconds kPatience(200);
-  if (!stale_ || !window_->isVisible()) return;
+  if (!stale_ || !visible()) return;
   stale_ = false;
-  QWindow* frame = window_->windowHandle();
-  if (!frame->isExposed()) QtWindows::drawUntil([frame] { return frame->isExposed(); }, kPatience);
-  window_->repaint();
-  windows_.changed();
+  windows_.enter([&] {
+    QWindow* frame = window_->windowHandle();
+    if (!frame->isExposed()) QtWindows::drawUntil([frame] { return frame->isExposed(); }, kPatience);
+    window_->repaint();
+  });
 }
 
-float ProgBarWindow::width() const { return ToTwips(window_->frameGeometry().width()); }
-float ProgBarWindow::height() const { return ToTwips(window_->frameGeometry().height()); }
-float ProgBarWindow::screenWidth() const { return ToTwips(Screen().width()); }
-float ProgBarWindow::screenHeight() const { return ToTwips(Screen().height()); }
+float ProgBarWindow::twips(const std::function<int()>& pixels) const {
+  int length = 0;
+  windows_.enter([&] { length = pixels(); });
+  return ToTwips(length);
+}
+
+float ProgBarWindow::width() const {
+  return twips([&] { return window_->frameGeometry().width(); });
+}
+float ProgBarWindow::height() const {
+  return twips([&] { return window_->frameGeometry().height(); });
+}
+float ProgBarWindow::screenWidth() const {
+  return twips([] { return Screen().width(); });
+}
+float ProgBarWindow::screenHeight() const {
+  return twips([] { return Screen().height(); });
+}
 
 void ProgBarWindow::place(float top, float left) {
-  window_->move(Screen().topLeft() + QPoint(ToPixels(left), ToPixels(top)));
-  windows_.changed();
+  windows_.enter([&] { window_->move(Screen().topLeft() + QPoint(ToPixels(left), ToPixels(top))); });
 }
 
-std::int32_t ProgBarWindow::handle() const { return static_cast<std::int32_t>(window_->winId()); }
+std::int32_t ProgBarWindow::handle() const {
+  std::int32_t handle = 0;
+  windows_.enter([&] { handle = static_cast<std::int32_t>(window_->winId()); });
+  return handle;
+}
 
 }  // namespace desktop

@@ -1,15 +1,17 @@
 #pragma once
-#include <memory>
+#include <functional>
+
+#include <QtWidgets/QWidget>
 
 #include "desktop/QtWindows.hpp"
 #include "ui/ProgBarView.hpp"
 
 class QProgressBar;
-class QWidget;
 
 namespace desktop {
 
-/// The progress window. It has no close button: the work behind it ends by itself.
+/// The progress window. It has no close button: the work behind it ends by itself. When the desktop has gone
+/// it is not visible and as large as nothing.
 class ProgBarWindow : public ui::ProgBarView {
  public:
   explicit ProgBarWindow(QtWindows& windows);
@@ -32,9 +34,13 @@ class ProgBarWindow : public ui::ProgBarView {
   [[nodiscard]] std::int32_t handle() const override;
 
  private:
+  void build();
+  [[nodiscard]] float twips(const std::function<int()>& pixels) const;
+
   QtWindows& windows_;
-  std::unique_ptr<QWidget> window_;
-  QProgressBar* bar_;
+  Owned<QWidget> window_{windows_};
+  QProgressBar* bar_ = nullptr;
+  int percent_ = 0;
   bool stale_ = false;  // what the screen shows is not what the bar says
 };
 

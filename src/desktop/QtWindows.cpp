@@ -1,11 +1,16 @@
 #include "desktop/QtWindows.hpp"
 
+#include <poll.h>
+
 #include <QtCore/QDeadlineTimer>
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QPluginLoader>
 #include <QtWidgets/QApplication>
 #include <clocale>
 #include <thread>
+#include <utility>
 
-#include "desktop/Display.hpp"
+#include "desktop/DesktopGone.hpp"
 #include "desktop/Look.hpp"
 #include "desktop/MainContext.hpp"
 
@@ -27,40 +32,81 @@ class LocaleKept {
   std::string former_;
 };
 
-}  // namespace
-
-std::unique_ptr<QtWindows> QtWindows::open(bus::PollLoop& loop) {
-  const auto display = Display::reach();
-  if (!display) return nullptr;
-  return std::unique_ptr<QtWindows>(new QtWindows(loop, display->platform()));
+/// A plug-in file may be missing, or a library that it needs.
+bool Loads(const QString& plugin) {
+  QPluginLoader loader(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms/lib" + plugin + ".so");
+  return loader.load();
 }
 
-QtWindows::QtWindows(bus::PollLoop& loop, const std::string& platform) : loop_(loop) {
-  qputenv("QT_QPA_PLATFORM", platform.c_str());
+}  // namespace
+
+std::unique_ptr<QtWindows> QtWindows::open(WindowsParts parts) {
+  if (!Loads(parts.display.kind() == Display::Kind::kX ? "qxcb" : "qwayland-generic")) return nullptr;
+  return std::unique_ptr<QtWindows>(new QtWindows(std::move(parts)));
+}
+
+QtWindows::QtWindows(WindowsParts parts)
+    : loop_(parts.loop),
+      display_(std::move(parts.display)),
+      tellGone_(std::move(parts.gone)),
+      words_(std::make_unique<LastWords>(display_)) {
+  qputenv("QT_QPA_PLATFORM", display_.kind() == Display::Kind::kX ? "xcb" : "wayland");
   qunsetenv("QT_NO_GLIB");                   // the loop knows how to wait for GLib's context
   qputenv("QT_XCB_GL_INTEGRATION", "none");  // no window is drawn by OpenGL, whose libraries are large
   const LocaleKept locale;
-  application_ = std::make_unique<QApplication>(wordCount_, static_cast<char**>(words_));
+  application_ = std::make_unique<QApplication>(argumentCount_, static_cast<char**>(arguments_));
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setApplicationDisplayName("Media Player");
   ApplyLook(*application_);
   context_ = std::make_unique<MainContext>(loop_, [this] { work(); });
+  watch_ = loop_.watch(display_.descriptor(), POLLIN | POLLRDHUP, [this](short) {
+    if (display_.gone()) leave();
+  });
 }
 
-QtWindows::~QtWindows() = default;
+QtWindows::~QtWindows() {
+  if (gone_ || display_.gone()) static_cast<void>(application_.release());
+}
+
+bool QtWindows::run(const std::function<void()>& act) {
+  if (!gone_ && display_.gone()) leave();
+  if (gone_) return false;
+  try {
+    const LastWords::Awaited awaited(*words_);
+    act();
+  } catch (const DesktopGone&) {
+    leave();
+  }
+  return !gone_;
+}
+
+bool QtWindows::enter(const std::function<void()>& act) {
+  const bool done = run(act);
+  if (done) context_->ask();
+  return done;
+}
+
+void QtWindows::leave() {
+  if (gone_) return;
+  gone_ = true;
+  watch_.reset();
+  context_->stop();
+  loop_.post(tellGone_);
+}
 
 void QtWindows::work() {
   ++depth_;
-  QCoreApplication::processEvents();
-  // Without a Qt loop nobody else does away with what Qt puts off to its loop's end.
-  if (depth_ == 1) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  run([&] {
+    QCoreApplication::processEvents();
+    // Without a Qt loop nobody else does away with what Qt puts off to its loop's end.
+    if (depth_ == 1) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  });
   --depth_;
 }
 
 void QtWindows::waitUntil(const std::function<bool()>& done) {
   constexpr base::Milliseconds kLongestTurn = std::chrono::minutes(1);
   loop_.whileOpen([&] {
-    while (!done()) loop_.turn(kLongestTurn);
+    while (!gone_ && !done()) loop_.turn(kLongestTurn);
   });
 }
 
@@ -71,7 +117,5 @@ void QtWindows::drawUntil(const std::function<bool()>& done, base::Milliseconds 
     if (done()) return;
   }
 }
-
-void QtWindows::changed() { context_->ask(); }
 
 }  // namespace desktop

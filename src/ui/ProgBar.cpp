@@ -1,6 +1,7 @@
 #include "ui/ProgBar.hpp"
 
 #include "base/Attempt.hpp"
+#include "ui/ToFront.hpp"
 
 namespace ui {
 
@@ -23,7 +24,7 @@ void ProgBar::show() {
   step([&] {
     view_.place((view_.screenHeight() - view_.height()) / 2, (view_.screenWidth() - view_.width()) / 2);
   });
-  step([&] { host_.forcefront(view_.handle()); });
+  step([&] { ToFront(host_, view_.handle()); });
   step([&] { view_.refresh(); });
   step([&] { loop_.pump(); });
 }

@@ -2,6 +2,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Value.hpp"
+#include "ui/ToFront.hpp"
 
 namespace ui {
 
@@ -39,7 +40,7 @@ std::int16_t myMsgForm::leave(const std::string& title, const std::string& text)
 void myMsgForm::Form_Load() {
   Attempt step;
   if (base::NumericPrefix(TimeLabelTag_) > 0) Timer1_->enabled(true);
-  step([&] { host_.forcefront(view_.handle()); });
+  step([&] { ToFront(host_, view_.handle()); });
   step([&] { view_.focusOk(); });
 }
 

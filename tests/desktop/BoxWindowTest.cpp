@@ -12,7 +12,7 @@ class BoxWindow : public ::testing::Test {
  protected:
   support::Screen screen;
   bus::PollLoop loop;
-  std::unique_ptr<desktop::QtWindows> windows = desktop::QtWindows::open(loop);
+  std::unique_ptr<desktop::QtWindows> windows = support::OpenDesktop(loop);
   support::User user{loop};
 };
 

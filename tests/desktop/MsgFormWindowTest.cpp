@@ -50,7 +50,7 @@ class MsgFormWindow : public ::testing::Test {
   QuickSeconds quick{loop};
   support::Journal journal;
   plugin::HostServices services{loop};
-  std::unique_ptr<desktop::QtWindows> windows = desktop::QtWindows::open(loop);
+  std::unique_ptr<desktop::QtWindows> windows = support::OpenDesktop(loop);
   desktop::MsgFormWindow view{*windows};
   ui::myMsgForm form{view, services, quick};
   support::User user{loop};
@@ -81,16 +81,21 @@ TEST_F(MsgFormWindow, ShowsItsTextAndAsksTheHostToTheFront) {
   std::string title;
   std::string text;
   std::int32_t handle = 0;
+  std::string known;  // to the window manager
   user.act([&](QWidget& window) {
         title = window.windowTitle().toStdString();
         text = window.findChild<QLabel*>("MessageText")->text().toStdString();
         handle = static_cast<std::int32_t>(window.winId());
+        support::Process look({"xprop", "-id", std::to_string(handle), "-notype", "_NET_WM_NAME", "WM_NAME"});
+        look.wait();
+        known = look.output();
       })
       .when([](QWidget& window) { return timeLabel(window) == "Time remaining: 29990"; },
             [](QWidget&) { support::ScreenShot("message"); })
       .click("&OK");
   EXPECT_EQ(show(kLong), 1);
   EXPECT_EQ(title, "Error!");
+  EXPECT_EQ(known, "_NET_WM_NAME = \"Error!\"\nWM_NAME = \"Error!\"\n");
   EXPECT_EQ(text, kText);
   EXPECT_THAT(journal.lines(), ElementsAre("forcefront(" + std::to_string(handle) + ")"));
 }

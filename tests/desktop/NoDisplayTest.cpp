@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "desktop/QtWindows.hpp"
+#include "desktop/loader/WindowsModule.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
@@ -16,8 +16,10 @@ class NoDisplay : public ::testing::Test {
   /// True when there are no windows, and the process learned it at once.
   bool none() {
     const auto start = loop.now();
-    const auto windows = desktop::QtWindows::open(loop);
-    return windows == nullptr && loop.now() - start < std::chrono::seconds(5);
+    std::string problem;
+    const auto windows = desktop::LoadWindows(
+        loop, [] {}, [&](const std::string& told) { problem = told; });
+    return windows == nullptr && problem.empty() && loop.now() - start < std::chrono::seconds(5);
   }
 
   support::TempFolder folder;

@@ -55,7 +55,7 @@ class ProgBarWindow : public ::testing::Test {
   plugin::PluginState state;
   Machine machine;
   DayClock clock;
-  std::unique_ptr<desktop::QtWindows> windows = desktop::QtWindows::open(loop);
+  std::unique_ptr<desktop::QtWindows> windows = support::OpenDesktop(loop);
   desktop::ProgBarWindow view{*windows};
   ui::ProgBar bar{view, services, state, machine, loop, clock};
 };

@@ -27,7 +27,7 @@ class QtWindows : public ::testing::Test {
 
   support::Screen screen;
   bus::PollLoop loop;
-  std::unique_ptr<desktop::QtWindows> windows = desktop::QtWindows::open(loop);
+  std::unique_ptr<desktop::QtWindows> windows = support::OpenDesktop(loop);
 };
 
 }  // namespace

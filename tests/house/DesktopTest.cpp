@@ -60,3 +60,42 @@ TEST(TheDesktop, AScreenThatDoesNotAnswerIsNone) {
   support::RealHouse house({.music = music.path(), .display = ":54321"});
   EXPECT_TRUE(house.startReady());
 }
+
+/// The screen goes while music plays and a box is open.
+class WithoutItsScreen : public ::testing::TestWithParam<int> {};
+
+TEST_P(WithoutItsScreen, TheMusicGoesOnAndTheVolumeIsKept) {
+  const support::SmallMusic music;
+  const support::XServer screen;
+  support::RealHouse house({.music = music.path(), .display = screen.display()});
+  ASSERT_TRUE(house.startReady());
+  ASSERT_EQ(house.press("Status", "Restart"), 200);
+  ASSERT_TRUE(house.textBecomes("Status", "Playing"));
+  auto call = Configure(house.busAddress());
+  support::Process finder(
+      {"timeout", "20", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
+      {"DISPLAY=" + screen.display()});
+  ASSERT_EQ(finder.wait(), 0) << finder.output();
+  screen.end(GetParam());
+  EXPECT_TRUE(
+      house.logHas("Warning: Media Player: The desktop has gone, the player goes on without windows"));
+  EXPECT_TRUE(Ready(call, std::chrono::seconds(10)));
+  EXPECT_NO_THROW(call.get());
+  EXPECT_TRUE(house.logHas("Warning: Media Player: Configure device Q5"));
+  auto next = Configure(house.busAddress());
+  EXPECT_TRUE(Ready(next, std::chrono::seconds(10)));
+  EXPECT_EQ(house.text("Status"), "Playing");
+  EXPECT_EQ(house.press("Status", "Next"), 200);
+  EXPECT_TRUE(house.textBecomes("Title", "Two"));
+  EXPECT_EQ(house.pluginState(), "ready");
+  EXPECT_EQ(house.log().find("started again"), std::string::npos) << house.log();
+
+  house.press("Mute", "Vol Up");
+  house.server().signal(SIGTERM);
+  EXPECT_EQ(house.server().wait(), 0) << house.server().output();
+  std::ifstream file(house.data() / "config" / "vxif_WMP.ini");
+  const std::string ini((std::istreambuf_iterator<char>(file)), {});
+  EXPECT_NE(ini.find("Volume=60"), std::string::npos) << ini;
+}
+
+INSTANTIATE_TEST_SUITE_P(TheDesktop, WithoutItsScreen, ::testing::Values(SIGTERM, SIGKILL));

@@ -14,10 +14,19 @@
 #include <vector>
 
 #include "bus/PollLoop.hpp"
+#include "desktop/QtWindows.hpp"
 #include "support/Process.hpp"
 #include "support/XServer.hpp"
 
 namespace support {
+
+/// The windows of the screen that DISPLAY names; `gone` is called when it goes.
+inline std::unique_ptr<desktop::QtWindows> OpenDesktop(
+    bus::PollLoop& loop, std::function<void()> gone = [] {}) {
+  auto display = desktop::Display::reach(desktop::Display::Kind::kX);
+  if (!display) throw std::runtime_error("the screen does not answer");
+  return desktop::QtWindows::open({loop, std::move(*display), std::move(gone)});
+}
 
 /// What the screen shows. With VANTORIX_SHOTS set to a folder, it is also kept there.
 inline QImage ScreenShot(const std::string& name) {

@@ -13,6 +13,8 @@ class XServer {
  public:
   /// Its name, as DISPLAY has it.
   [[nodiscard]] const std::string& display() const { return display_; }
+  /// It goes, as when its user signs out (SIGTERM) or when it breaks (SIGKILL).
+  void end(int signal = SIGKILL) const { server_.signal(signal); }
   /// Sends this process's windows there.
   void use() const {
     ::setenv("DISPLAY", display_.c_str(), 1);
@@ -42,6 +44,7 @@ class XServer {
 class Screen {
  public:
   Screen() { server_.use(); }
+  void end(int signal = SIGKILL) const { server_.end(signal); }
 
  private:
   XServer server_;

@@ -151,5 +151,6 @@ TEST_F(MsgForm, WithoutADisplayTheTimeIsUpAtOnceAndTheTextIsLeft) {
   char line[64] = {};
   EXPECT_NE(std::fgets(line, sizeof line, out), nullptr);
   EXPECT_STREQ(line, "Error! What happened\n");
+  EXPECT_FALSE(journal.has("forcefront(0)"));
   std::fclose(out);
 }

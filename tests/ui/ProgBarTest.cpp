@@ -163,3 +163,13 @@ TEST_F(ProgBar, AHostThatFailsLeavesTheWindow) {
   bar.Update_ProgBar(0.5F);
   EXPECT_TRUE(view.isVisible);
 }
+
+TEST_F(ProgBar, WithoutADisplayThereIsNoWindowForTheFront) {
+  ui::WindowlessProgBar nowhere;
+  ui::ProgBar unseen(nowhere, plugin.host, plugin.state, platform, loop, plugin.clock);
+  unseen.Disp_ProgBar("walk");
+  pass(1100);
+  unseen.Update_ProgBar(0.5F);
+  EXPECT_TRUE(nowhere.visible());
+  EXPECT_THAT(journal.with("forcefront"), IsEmpty());
+}

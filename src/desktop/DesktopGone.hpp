@@ -1,0 +1,45 @@
+#pragma once
+#include <thread>
+
+#include "desktop/loader/Display.hpp"
+
+namespace desktop {
+
+/// Leads out of Qt when the desktop has gone while Qt was at work.
+struct DesktopGone {};
+
+/// Qt ends the process when it finds that its desktop has gone, by `exit` for X and by `_exit` for Wayland,
+/// and there is no way to ask it not to. But it says so before, and what hears it throws `DesktopGone`
+/// through Qt. There is one.
+class LastWords {
+ public:
+  explicit LastWords(const Display& display);
+  ~LastWords();
+  LastWords(const LastWords&) = delete;
+  LastWords& operator=(const LastWords&) = delete;
+  LastWords(LastWords&&) = delete;
+  LastWords& operator=(LastWords&&) = delete;
+
+  /// While it lives, somebody is there to catch `DesktopGone`.
+  class Awaited {
+   public:
+    explicit Awaited(LastWords& words) : words_(words) { ++words_.awaiting_; }
+    ~Awaited() { --words_.awaiting_; }
+    Awaited(const Awaited&) = delete;
+    Awaited& operator=(const Awaited&) = delete;
+    Awaited(Awaited&&) = delete;
+    Awaited& operator=(Awaited&&) = delete;
+
+   private:
+    LastWords& words_;
+  };
+
+ private:
+  struct Ear;
+
+  const Display& display_;
+  std::thread::id thread_ = std::this_thread::get_id();
+  int awaiting_ = 0;
+};
+
+}  // namespace desktop

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <QtCore/QTimer>
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+#include "desktop/BoxWindow.hpp"
+#include "desktop/MsgFormWindow.hpp"
+#include "desktop/ProgBarWindow.hpp"
+#include "support/BusPeer.hpp"
+#include "support/FakeHost.hpp"
+#include "support/InChild.hpp"
+#include "support/WindowUser.hpp"
+#include "ui/myMsgForm.hpp"
+
+namespace {
+
+/// A screen that goes; what waits for its windows goes on.
+class ScreenGone : public ::testing::TestWithParam<int> {
+ protected:
+  void end() { screen.end(GetParam()); }
+  bool isTold() {
+    return support::TurnUntil(loop, [&] { return told > 0; });
+  }
+
+  support::Screen screen;
+  bus::PollLoop loop;
+  int told = 0;
+  std::unique_ptr<desktop::QtWindows> windows = support::OpenDesktop(loop, [this] { ++told; });
+  support::User user{loop};
+};
+
+}  // namespace
+
+TEST_P(ScreenGone, IsToldOnceAndNothingIsDoneToWindowsAnyMore) {
+  desktop::ProgBarWindow progress(*windows);
+  progress.show();
+  end();
+  EXPECT_TRUE(isTold());
+  EXPECT_TRUE(windows->gone());
+  bool done = false;
+  EXPECT_FALSE(windows->enter([&] { done = true; }));
+  EXPECT_FALSE(done);
+  progress.value(50);
+  progress.refresh();
+  progress.place(1, 1);
+  progress.hide();
+  EXPECT_FALSE(progress.visible());
+  EXPECT_EQ(progress.screenWidth(), 0);
+  EXPECT_EQ(progress.handle(), 0);
+  loop.pump();
+  EXPECT_EQ(told, 1);
+}
+
+TEST_P(ScreenGone, ABoxIsNotRead) {
+  user.act([&](QWidget&) { end(); });
+  EXPECT_FALSE(desktop::ShowBox(*windows, base::BoxKind::kPlain, "Media Player", "Configure device Q1"));
+  EXPECT_TRUE(isTold());
+  EXPECT_FALSE(desktop::ShowBox(*windows, base::BoxKind::kPlain, "Media Player", "Configure device Q2"));
+}
+
+TEST_P(ScreenGone, ATimedMessageIsLeftInTheLog) {
+  support::Journal journal;
+  plugin::HostServices services{loop};
+  services.HostCallback = std::make_shared<support::FakeHost>(journal);
+  services.Host = services.HostCallback;
+  desktop::MsgFormWindow view(*windows);
+  ui::myMsgForm form(view, services, loop);
+  user.act([&](QWidget&) { end(); });
+  EXPECT_EQ(form.ShowTimedMessage("Error!", "What happened", 30000), 2);
+  EXPECT_TRUE(journal.has("WriteLog(Warning, Media Player: Error! What happened)")) << journal.lines().back();
+  journal.clear();
+  EXPECT_EQ(form.ShowTimedMessage("Error!", "What else happened", 30000), 2);
+  EXPECT_FALSE(journal.has("forcefront(0)"));
+}
+
+TEST_P(ScreenGone, OutOfAWindowsEventToo) {
+  bool read = true;
+  QTimer::singleShot(0, [&] {  // an event of Qt's own, which goes on when the box has ended
+    user.act([&](QWidget&) { end(); });
+    read = desktop::ShowBox(*windows, base::BoxKind::kPlain, "Media Player", "Configure device Q1");
+  });
+  EXPECT_TRUE(isTold());
+  EXPECT_FALSE(read);
+}
+
+/// Qt finds it out itself when the screen goes while it draws.
+class ScreenGoneInTheMiddle : public ::testing::TestWithParam<int> {};
+
+TEST_P(ScreenGoneInTheMiddle, OfDrawingLetsTheProcessLive) {
+  for (int round = 0; round < 6; ++round) {
+    EXPECT_TRUE(support::InChild([&] {
+      const support::Screen other;
+      bus::PollLoop own;
+      bool gone = false;
+      const auto drawn = support::OpenDesktop(own, [&] { gone = true; });
+      desktop::ProgBarWindow progress(*drawn);
+      progress.show();
+      int drawings = 0;
+      std::atomic<bool> ends = false;
+      std::thread killer([&] {
+        while (!ends) std::this_thread::yield();
+        other.end(GetParam());
+      });
+      while (!gone && drawings < 100000) {
+        progress.value(static_cast<float>(++drawings % 100));
+        progress.refresh();
+        if (drawings == 20 + 7 * round) ends = true;
+        if (drawn->gone()) own.pump();
+      }
+      killer.join();
+      EXPECT_TRUE(gone);
+    })) << round;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ScreenGone, ::testing::Values(SIGTERM, SIGKILL),
+                         [](const auto& signal) { return signal.param == SIGTERM ? "Closing" : "Broken"; });
+INSTANTIATE_TEST_SUITE_P(Signals, ScreenGoneInTheMiddle, ::testing::Values(SIGTERM, SIGKILL),
+                         [](const auto& signal) { return signal.param == SIGTERM ? "Closing" : "Broken"; });
