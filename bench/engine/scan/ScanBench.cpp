@@ -168,8 +168,10 @@ int main() {
       rescan.seconds = std::min(rescan.seconds, other.seconds);
     }
     Line("rescan of the unchanged tree, best of three", rescan.seconds, count, plain);
-    std::printf("two workers against one: %.2f times as fast; rescan: %.3f of the scan (wanted: under 0.1)\n",
-                withOne.seconds / withTwo.seconds, rescan.seconds / withTwo.seconds);
+    std::printf(
+        "two workers against one: %.2f times as fast; rescan: %.3f of the plain reading (wanted: under "
+        "0.5)\n",
+        withOne.seconds / withTwo.seconds, rescan.seconds / plain);
 
     engine::TrackIndex index(again);
     const double build = Seconds([&] { index.byAttribute(engine::Attribute::kAlbum, "Album 1"); });
@@ -180,7 +182,7 @@ int main() {
     std::printf("first question by album: %.1f ms; each after it: %.2f us\n", build * 1e3, ask * 1e3);
     std::printf("peak memory: %.1f MB after one library, %.1f MB with all three in memory\n", before,
                 PeakMegabytes());
-    good = good && (bench::Brief() || rescan.seconds < withTwo.seconds / 10);
+    good = good && (bench::Brief() || rescan.seconds < plain / 2);
   }
   fs::remove_all(folder);
   if (!good) std::printf("NOT as wanted\n");

@@ -6,6 +6,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
+#include "engine/common/GiveBack.hpp"
 #include "engine/library/Lists.hpp"
 #include "engine/scan/TagReader.hpp"
 #include "files/Stamp.hpp"
@@ -73,6 +74,7 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
       std::move(settings), std::move(store), std::move(records), [this](LibraryChange change) {
         post_([this, change = std::make_shared<LibraryChange>(std::move(change))] { take(*change); });
       });
+  GiveBackMemory();
 }
 
 void Library::take(const LibraryChange& change) {

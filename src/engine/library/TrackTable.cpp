@@ -2,23 +2,10 @@
 
 #include <tuple>
 
+#include "engine/common/PathParts.hpp"
+
 namespace engine {
 namespace {
-
-struct Parts {
-  std::string_view folder;  ///< with the slash at its end
-  std::string_view file;
-};
-
-Parts Cut(std::string_view path) {
-  const auto slash = path.rfind('/');
-  if (slash == std::string_view::npos) return {{}, path};
-  return {path.substr(0, slash + 1), path.substr(slash + 1)};
-}
-
-std::uint64_t Key(StringPool::Id folder, StringPool::Id file) {
-  return (static_cast<std::uint64_t>(folder) << 32U) | file;
-}
 
 auto Content(const Track& row) {
   return std::tie(row.folder, row.file, row.title, row.artist, row.albumArtist, row.album, row.genre,
@@ -29,7 +16,7 @@ auto Content(const Track& row) {
 }  // namespace
 
 bool TrackTable::put(const std::string& path, const TrackTags& tags) {
-  const Parts parts = Cut(path);
+  const PathParts parts = Cut(path);
   Track row;
   row.folder = pool_.intern(parts.folder);
   row.file = pool_.intern(parts.file);
@@ -47,15 +34,17 @@ bool TrackTable::put(const std::string& path, const TrackTags& tags) {
   row.kind = tags.kind;
   row.present = true;
 
-  const auto [place, fresh] =
-      byPath_.try_emplace(Key(row.folder, row.file), static_cast<TrackId>(rows_.size()));
-  if (fresh) {
+  const TrackId place = at(row.folder, row.file);
+  if (place == IdTable::kNone) {
+    if (rows_.size() == rows_.capacity()) rows_.reserve(rows_.size() + rows_.size() / 4 + 64);
     rows_.push_back(row);
+    byPath_.insert(static_cast<TrackId>(rows_.size() - 1),
+                   [this](TrackId id) { return HashOfPair(rows_[id].folder, rows_[id].file); });
     ++count_;
     ++revision_;
     return true;
   }
-  Track& known = rows_[place->second];
+  Track& known = rows_[place];
   if (Content(known) == Content(row)) return false;
   if (!known.present) ++count_;
   known = row;
@@ -73,10 +62,14 @@ bool TrackTable::remove(const std::string& path) {
 }
 
 std::optional<TrackId> TrackTable::find(const std::string& path) const {
-  const Parts parts = Cut(path);
-  const auto found = byPath_.find(Key(pool_.find(parts.folder), pool_.find(parts.file)));
-  if (found == byPath_.end()) return std::nullopt;
-  return found->second;
+  const PathParts parts = Cut(path);
+  const TrackId found = at(pool_.find(parts.folder), pool_.find(parts.file));
+  return found != IdTable::kNone ? std::optional(found) : std::nullopt;
+}
+
+TrackId TrackTable::at(StringPool::Id folder, StringPool::Id file) const {
+  return byPath_.find(HashOfPair(folder, file),
+                      [&](TrackId id) { return rows_[id].folder == folder && rows_[id].file == file; });
 }
 
 std::string TrackTable::path(TrackId id) const {

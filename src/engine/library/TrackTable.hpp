@@ -2,11 +2,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "engine/common/IdTable.hpp"
+#include "engine/common/StringPool.hpp"
 #include "engine/common/Track.hpp"
-#include "engine/library/StringPool.hpp"
 
 namespace engine {
 
@@ -50,9 +50,12 @@ class TrackTable {
   [[nodiscard]] std::uint64_t revision() const { return revision_; }
 
  private:
+  /// The row of that path, or `IdTable::kNone`.
+  [[nodiscard]] TrackId at(StringPool::Id folder, StringPool::Id file) const;
+
   StringPool pool_;
   std::vector<Track> rows_;
-  std::unordered_map<std::uint64_t, TrackId> byPath_;
+  IdTable byPath_;
   std::size_t count_ = 0;
   std::uint64_t revision_ = 1;
 };

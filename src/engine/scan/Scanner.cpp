@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "engine/common/GiveBack.hpp"
 #include "engine/scan/TagReader.hpp"
 
 namespace engine {
@@ -38,8 +39,8 @@ Scanner::Scanner(Settings settings, std::unique_ptr<LibraryStore> store, std::ve
       deliver_(std::move(deliver)),
       lastFlush_(std::chrono::steady_clock::now()),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  for (FileRecord& record : known) {
-    known_.emplace_hint(known_.end(), std::move(record.path), Known{record.stamp, 0, record.added});
+  for (const FileRecord& record : known) {
+    known_.put(record.path, {record.stamp, 0, record.added});
   }
   for (const std::string& path : settings_.roots) roots_.push_back({path});
   thread_ = std::thread([this] { run(); });
@@ -63,6 +64,7 @@ void Scanner::run() {
   pool_ = std::make_unique<TagPool>(settings_.workers);
   scanAll();
   pool_.reset();
+  GiveBackMemory();
   while (!stopping_) wait();
   takeAdded();
   flush();
@@ -117,7 +119,7 @@ void Scanner::takeAdded() {
     added.swap(toRemember_);
   }
   for (FileRecord& record : added) {
-    known_[record.path] = {record.stamp, scan_, record.added};
+    known_.put(record.path, {record.stamp, scan_, record.added});
     pending_.changed.push_back(std::move(record));
   }
 }
@@ -145,7 +147,7 @@ void Scanner::scanRoot(Root& root) {
   }
   // An emptied folder looks like one whose disc is not mounted, unless we have seen this very one in use.
   const std::size_t met = walk(root.path, listing.identity);
-  if (met == 0 && root.identity != listing.identity && knownBelow(root.path) > 0 && !stopping_) {
+  if (met == 0 && root.identity != listing.identity && known_.countBelow(root.path) > 0 && !stopping_) {
     keepRoot(root, SafeName(root.path) + " is empty, perhaps not mounted");
     return;
   }
@@ -159,7 +161,7 @@ void Scanner::keepRoot(Root& root, const std::string& reason) {
   watch_.forgetTree(root.path);
   if (root.told) return;
   root.told = true;
-  const std::size_t kept = knownBelow(root.path);
+  const std::size_t kept = known_.countBelow(root.path);
   pending_.messages.push_back(
       "The music folder can't be read: " + reason +
       (kept > 0 ? "; its " + std::to_string(kept) + " files stay in the library" : ""));
@@ -173,7 +175,7 @@ void Scanner::noteMounts(const FolderListing& listing) {
 
 bool Scanner::perhapsNotMounted(const std::string& folder, const FolderListing& listing) {
   if (!listing.files.empty() || !listing.folders.empty() || !listing.unreachable.empty()) return false;
-  return mounts_.contains(folder) && knownBelow(folder) > 0;
+  return mounts_.contains(folder) && known_.countBelow(folder) > 0;
 }
 
 void Scanner::keepFolder(const std::string& folder) {
@@ -181,7 +183,7 @@ void Scanner::keepFolder(const std::string& folder) {
   watch_.forgetTree(folder);
   if (!away_.insert(folder).second) return;
   pending_.messages.push_back("The folder " + SafeName(folder) + " is empty, perhaps not mounted; its " +
-                              std::to_string(knownBelow(folder)) + " files stay in the library");
+                              std::to_string(known_.countBelow(folder)) + " files stay in the library");
 }
 
 bool Scanner::anyBack() {
@@ -271,58 +273,38 @@ void Scanner::lookAgain(const std::string& folder) {
   }
   std::vector<std::string> gone;
   const std::string below = folder + '/';
-  for (auto place = known_.lower_bound(below); place != known_.end() && IsBelow(place->first, folder);
-       ++place) {
-    const std::string entry = place->first.substr(0, place->first.find('/', below.size()));
-    if (!present.contains(entry) && !place->second.added) {
-      gone.push_back(place->first);
-      if (entry != place->first) watch_.forgetTree(entry);
-    }
-  }
+  known_.forEachBelow(folder, [&](const std::string& path, const KnownFiles::File& known) {
+    const std::string entry = path.substr(0, path.find('/', below.size()));
+    if (present.contains(entry) || known.added) return;
+    gone.push_back(path);
+    if (entry != path) watch_.forgetTree(entry);
+  });
   for (const std::string& path : gone) remove(path);
 }
 
 void Scanner::visit(const std::vector<ListedFile>& files) {
-  // Both are in the order of their paths, so the next known one is nearly always a step away.
-  auto place = known_.end();
   for (const ListedFile& file : files) {
-    if (place != known_.end()) ++place;
-    if (place == known_.end() || place->first != file.path) place = known_.find(file.path);
-    visit(file, place != known_.end() ? &place->second : nullptr);
+    if (KnownFiles::File* known = known_.find(file.path)) {
+      known->scan = scan_;
+      if (known->stamp == file.stamp) continue;
+    }
+    FileRecord record;
+    record.path = file.path;
+    record.stamp = file.stamp;
+    pool_->submit(std::move(record));
   }
-}
-
-void Scanner::visit(const ListedFile& file, Known* known) {
-  if (known != nullptr) {
-    known->scan = scan_;
-    if (known->stamp == file.stamp) return;
-  }
-  FileRecord record;
-  record.path = file.path;
-  record.stamp = file.stamp;
-  pool_->submit(std::move(record));
-}
-
-std::size_t Scanner::knownBelow(const std::string& folder) const {
-  std::size_t count = 0;
-  for (auto place = known_.lower_bound(folder + '/'); place != known_.end() && IsBelow(place->first, folder);
-       ++place) {
-    ++count;
-  }
-  return count;
 }
 
 void Scanner::removeUnseen() {
   std::vector<std::string> gone;
-  for (const auto& [path, known] : known_) {
-    if (known.scan == scan_ || known.added) continue;
+  known_.forEach([&](const std::string& path, const KnownFiles::File& known) {
+    if (known.scan == scan_ || known.added) return;
     const Root* root = rootOf(path);
-    if (root != nullptr && !root->usable) continue;
-    const bool hidden =
-        std::any_of(unreadable_.begin(), unreadable_.end(),
-                    [&, &path = path](const std::string& folder) { return IsBelow(path, folder); });
+    if (root != nullptr && !root->usable) return;
+    const bool hidden = std::any_of(unreadable_.begin(), unreadable_.end(),
+                                    [&](const std::string& folder) { return IsBelow(path, folder); });
     if (!hidden) gone.push_back(path);
-  }
+  });
   for (const std::string& path : gone) remove(path);
 }
 
@@ -346,7 +328,7 @@ void Scanner::collect(std::chrono::milliseconds limit) {
       case TagResult::Outcome::kUnreadable: break;  // looked at again next time
       case TagResult::Outcome::kRead:
       case TagResult::Outcome::kNoMedia:
-        known_[result.record.path] = {result.record.stamp, scan_, false};
+        known_.put(result.record.path, {result.record.stamp, scan_, false});
         pending_.changed.push_back(std::move(result.record));
     }
   }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/scan/FolderListing.hpp"
+#include "engine/scan/KnownFiles.hpp"
 #include "engine/scan/LibraryStore.hpp"
 #include "engine/scan/LibraryWatch.hpp"
 #include "engine/scan/TagPool.hpp"
@@ -59,11 +60,6 @@ class Scanner {
   void remember(FileRecord record);
 
  private:
-  struct Known {
-    files::FileStamp stamp;
-    std::uint64_t scan = 0;  ///< the scan that saw it last
-    bool added = false;
-  };
   struct Root {
     std::string path;
     bool usable = false;
@@ -82,10 +78,8 @@ class Scanner {
   void lookAgain(const std::string& folder);
   void watch(const std::string& folder);
   void visit(const std::vector<ListedFile>& files);
-  void visit(const ListedFile& file, Known* known);
   /// True when the folder was not met under another path that still leads to it.
   bool claim(const FolderIdentity& identity, const std::string& folder);
-  [[nodiscard]] std::size_t knownBelow(const std::string& folder) const;
   void removeUnseen();
   void remove(const std::string& path);
   void keepRoot(Root& root, const std::string& reason);
@@ -107,7 +101,7 @@ class Scanner {
   Settings settings_;
   std::unique_ptr<LibraryStore> store_;
   Deliver deliver_;
-  std::map<std::string, Known> known_;
+  KnownFiles known_;
   std::map<FolderIdentity, std::string> folders_;
   std::vector<Root> roots_;
   std::vector<std::string> unreadable_;
@@ -115,7 +109,7 @@ class Scanner {
   std::set<std::string> away_;    ///< those of them that are kept
   LibraryWatch watch_;
   bool watchesShort_ = false;
-  std::uint64_t scan_ = 0;
+  std::uint32_t scan_ = 0;
   LibraryChange pending_;
   std::chrono::steady_clock::time_point lastFlush_;
   std::unique_ptr<TagPool> pool_;
