@@ -150,13 +150,15 @@ TEST_F(Playlists, ManyItemsGoInAtOnceTheMissingOnesAmongThem) {
   auto list = playlists().newPlaylist("L");
   list->appendItem(track("Two"));
   const std::int64_t before = list->revision();
-  list->insertItems(0, {{music("1.flac")}, {"/gone/x.mp3", "Far", "Bob", 12}, {"http://127.0.0.1/y.mp3"}});
+  const auto plain = [](const std::string& url) { return player::ToldMedia{url, {}, {}, 0}; };
+  list->insertItems(
+      0, {plain(music("1.flac")), {"/gone/x.mp3", "Far", "Bob", 12}, plain("http://127.0.0.1/y.mp3")});
   EXPECT_EQ(list->revision(), before + 3);
   EXPECT_THAT(located("L.m3u8"),
               ElementsAre(music("1.flac"), "/gone/x.mp3", "http://127.0.0.1/y.mp3", music("2.flac")));
-  EXPECT_EQ(FailureOf([&] { list->insertItems(5, {{music("1.flac")}}); }), base::number::kIndex);
+  EXPECT_EQ(FailureOf([&] { list->insertItems(5, {plain(music("1.flac"))}); }), base::number::kIndex);
   EXPECT_EQ(FailureOf([&] {
-              list->insertItems(0, {{music("1.flac")}, {""}});
+              list->insertItems(0, {plain(music("1.flac")), plain("")});
             }),
             base::number::kInvalidArgument);
   startWith(2);
