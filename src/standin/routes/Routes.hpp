@@ -5,6 +5,7 @@
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
+#include "standin/routes/LoginLimit.hpp"
 #include "standin/routes/Route.hpp"
 #include "standin/routes/Visitors.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
@@ -25,7 +26,9 @@ Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
 Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
 /// The house's scripts.
 Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner);
-/// Signing in and out, the owner's password, and what guests need.
-Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate);
+/// Signing in and out, the owner's password, and what guests need. `now` tells how long who guesses has to
+/// wait.
+Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate,
+                  std::function<LoginLimits::Time()> now = &std::chrono::steady_clock::now);
 
 }  // namespace standin

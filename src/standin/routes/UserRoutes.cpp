@@ -5,7 +5,6 @@
 #include <mutex>
 
 #include "base/Text.hpp"
-#include "standin/routes/LoginLimit.hpp"
 #include "standin/routes/Routes.hpp"
 
 namespace standin {
@@ -24,13 +23,11 @@ std::string noCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; M
 WebAnswer tooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
 WebAnswer wrongLogin() { return Refusal(403, "The name or the password is wrong"); }
 
-std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
-
 /// The commands of this area, and what they share.
 class Commands {
  public:
-  Commands(House& house, Visitors& visitors, LoopGate& gate)
-      : house_(house), visitors_(visitors), gate_(gate) {}
+  Commands(House& house, Visitors& visitors, LoopGate& gate, std::function<LoginLimits::Time()> now)
+      : house_(house), visitors_(visitors), gate_(gate), now_(std::move(now)) {}
 
   /// The owner comes with the key of the address that the server has printed.
   WebAnswer enter(const WebCall& call) {
@@ -44,7 +41,7 @@ class Commands {
   WebAnswer login(const WebCall& call) {
     const auto name = call.json.at("name").get<std::string>();
     const auto password = call.json.value("password", std::string());
-    if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+    if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
     struct Known {
       std::optional<User> user;
       std::string hash;
@@ -58,7 +55,7 @@ class Commands {
     });
     if (asked.status != kDone) return asked;
     if (!known->user) {
-      limits_.failed(name, call.peer, now());
+      limits_.failed(name, call.peer, now_());
       return wrongLogin();
     }
     if (!known->letIn) return Refusal(403, "Guests are not let in here");
@@ -66,9 +63,9 @@ class Commands {
     if (!user.hasPassword && !user.guest) return Refusal(403, kWayByKey);
     if (user.hasPassword) {
       const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now())) return tooMany();  // others have guessed meanwhile
+      if (!limits_.mayTry(name, call.peer, now_())) return tooMany();  // others have guessed meanwhile
       if (!PasswordFits(known->hash, password)) {
-        limits_.failed(name, call.peer, now());
+        limits_.failed(name, call.peer, now_());
         return wrongLogin();
       }
       limits_.succeeded(name, call.peer);
@@ -93,16 +90,16 @@ class Commands {
     if (wanted.size() > kLongestPassword) return Refusal(400, "The password is too long");
     if (wanted.empty() && !visitors_.local())
       return Refusal(403, "A server that others can reach needs a password");
-    if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+    if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
     const auto hash = std::make_shared<std::string>();
     WebAnswer asked = onLoop([this, name, hash] { *hash = house_.users.hashOf(name); });
     if (asked.status != kDone) return asked;
     std::string made;
     {
       const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now())) return tooMany();
+      if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
       if (!hash->empty() && !PasswordFits(*hash, old)) {
-        limits_.failed(name, call.peer, now());
+        limits_.failed(name, call.peer, now_());
         return Refusal(403, "The old password is wrong");
       }
       if (!wanted.empty()) made = HashPassword(wanted);
@@ -151,14 +148,15 @@ class Commands {
   House& house_;
   Visitors& visitors_;
   LoopGate& gate_;
+  std::function<LoginLimits::Time()> now_;
   LoginLimits limits_;
   std::mutex hashing_;  // one at a time: each takes 64 MiB
 };
 
 }  // namespace
 
-Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate) {
-  const auto all = std::make_shared<Commands>(house, visitors, gate);
+Routes UserRoutes(House& house, Visitors& visitors, LoopGate& gate, std::function<LoginLimits::Time()> now) {
+  const auto all = std::make_shared<Commands>(house, visitors, gate, std::move(now));
   return {{Method::kGet, "/", Role::kAnyone, Now{[all](const WebCall& call) { return all->enter(call); }}},
           {Method::kPost, "/api/login", Role::kAnyone,
            Aside{[all](const WebCall& call) { return all->login(call); }}},

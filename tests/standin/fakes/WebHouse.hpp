@@ -1,5 +1,8 @@
 #pragma once
+#include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,19 +22,29 @@ namespace support {
 /// thread of its own; what a test does with the house it does in `onLoop`.
 class WebHouse {
  public:
-  WebHouse() {
+  /// The log is told of refused posts at the first one, and of the others behind that pause.
+  explicit WebHouse(base::Milliseconds pause = std::chrono::minutes(1))
+      : refused_(std::in_place, loop_, house_.log, pause) {
     thread_ = std::thread([this] { loop_.run(); });
   }
-  ~WebHouse() {
-    web_.reset();
-    loop_.post([this] { loop_.quit(0); });
-    thread_.join();
-  }
+  ~WebHouse() { end(); }
   WebHouse(const WebHouse&) = delete;
   WebHouse& operator=(const WebHouse&) = delete;
   WebHouse(WebHouse&&) = delete;
   WebHouse& operator=(WebHouse&&) = delete;
 
+  /// Ends the web and the loop; the house is the test's own from then on.
+  standin::House& end() {
+    if (thread_.joinable()) {
+      web_.reset();
+      loop_.post([this] { loop_.quit(0); });
+      thread_.join();
+      refused_.reset();
+    }
+    return house_;
+  }
+  /// Time goes on for those who guess passwords; it stands still otherwise.
+  void wait(std::chrono::seconds time) { time_ = time_.load() + time; }
   void onLoop(const std::function<void(standin::House&)>& work) {
     gate_.runNow([&] { work(house_); });
   }
@@ -61,19 +74,21 @@ class WebHouse {
   standin::ScriptRunner runner_{loop_, connection_, house_, plugin_, nullptr, {}};
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
   standin::Visitors visitors_{house_.users, false};
-  standin::RefusedPosts refused_{loop_, house_.log};
+  std::optional<standin::RefusedPosts> refused_;
+  std::atomic<standin::LoginLimits::Time> time_{standin::LoginLimits::Time()};
   standin::WebApi api_{
       visitors_, gate_,
       standin::Joined(
           {standin::HouseRoutes(house_, plugin_, visitors_), standin::DeviceRoutes(house_, objects_, plugin_),
            standin::LibraryRoutes(library_, search_), standin::PlaylistRoutes(playlists_, library_),
-           standin::ScriptRoutes(scripts_, runner_), standin::UserRoutes(house_, visitors_, gate_),
+           standin::ScriptRoutes(scripts_, runner_),
+           standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
            standin::PageRoutes(house_, plugin_)})};
   std::optional<standin::WebServer> web_{std::in_place, port_,
                                          standin::WebServer::Parts{.api = api_,
                                                                    .gate = gate_,
                                                                    .live = house_.live,
-                                                                   .refused = refused_,
+                                                                   .refused = *refused_,
                                                                    .hosts = {false, {}},
                                                                    .htmlFolder = house_.htmlFolder()}};
   std::thread thread_;
