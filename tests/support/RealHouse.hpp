@@ -99,6 +99,11 @@ class RealHouse {
   bool textBecomes(const std::string& name, const std::string& wanted) {
     return Eventually([&] { return text(name) == wanted; });
   }
+  /// What an address answers; nothing unless all is well.
+  std::string get(const std::string& path) {
+    const auto answer = client().Get(path);
+    return answer && answer->status == 200 ? answer->body : "";
+  }
   /// The HTTP status of a post.
   int post(const std::string& path, const Json& body) {
     const auto answer = client().Post(path, {{"Origin", url()}}, TextOf(body), "application/json");
