@@ -36,6 +36,12 @@ void MainContext::stop() {
   stopped_ = true;
   watched_.clear();
   timer_->enabled(false);
+  // Whoever was thrown out of the context's work has left the rest of it on the context's list, where those
+  // that are still further out would find it. A new beginning clears it.
+  GMainContext* context = g_main_context_default();
+  if (g_main_context_acquire(context) == FALSE) return;
+  g_main_context_prepare(context, nullptr);
+  g_main_context_release(context);
 }
 
 void MainContext::prepare() {

@@ -69,7 +69,8 @@ TEST_P(ScreenGone, ATimedMessageIsLeftInTheLog) {
   ui::myMsgForm form(view, services, loop);
   user.act([&](QWidget&) { end(); });
   EXPECT_EQ(form.ShowTimedMessage("Error!", "What happened", 30000), 2);
-  EXPECT_TRUE(journal.has("WriteLog(Warning, Media Player: Error! What happened)")) << journal.lines().back();
+  EXPECT_TRUE(journal.has(R"(WriteLog("Warning", "Media Player: Error! What happened"))"))
+      << journal.lines().back();
   journal.clear();
   EXPECT_EQ(form.ShowTimedMessage("Error!", "What else happened", 30000), 2);
   EXPECT_FALSE(journal.has("forcefront(0)"));
