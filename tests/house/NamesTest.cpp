@@ -60,6 +60,7 @@ class NamesInTheHouse : public ::testing::Test {
     return script->invoke("Play", category, name, title);
   }
   const std::string huge = Large("Ein langer Name, ") + "Ende";
+  const std::string cut = huge.substr(0, 4096);  ///< as much of a name as the engine reads
   int pieces = 0;
   support::SmallMusic music{1};
   support::RealHouse house{{.music = music.path()}};
@@ -72,11 +73,11 @@ class NamesInTheHouse : public ::testing::Test {
 
 TEST_F(NamesInTheHouse, AreListedAndAnsweredAsTheLibraryHasThem) {
   EXPECT_THAT(names("Album"), ::testing::IsSupersetOf<std::string>(
-                                  {"Blue!", "Blue?", "tab\there", "Streichquartett Nr. 13", huge}));
+                                  {"Blue!", "Blue?", "tab\there", "Streichquartett Nr. 13", cut}));
   EXPECT_THAT(titles("Album", "tab\there"), ElementsAre("one\x01two\x1Fthree"));
   EXPECT_THAT(titles("Album", "tab here"), ElementsAre("one\x01two\x1Fthree")) << "by its key";
   EXPECT_THAT(titles("Album", "Streichquartett Nr 13"), ElementsAre("Große Fuge")) << "by its key";
-  EXPECT_TRUE(titles("Album", huge) == std::vector<std::string>{huge});
+  EXPECT_TRUE(titles("Album", cut) == std::vector<std::string>{cut});
   EXPECT_THAT(titles("Album", ""), IsEmpty());
   EXPECT_THAT(titles("Album", "ill\xFF\xC3"), IsEmpty());
   EXPECT_THAT(titles("Album", std::string("Blue\0", 5)), ElementsAre("Why?")) << "its key is that of Blue?";
@@ -97,7 +98,7 @@ TEST_F(NamesInTheHouse, ThatDifferOnlyInCaseAreOneAlbum) {
 }
 
 TEST_F(NamesInTheHouse, HaveTheirRecord) {
-  for (const std::string& title : {std::string("one\x01two\x1Fthree"), std::string("Große Fuge"), huge}) {
+  for (const std::string& title : {std::string("one\x01two\x1Fthree"), std::string("Große Fuge"), cut}) {
     const Value info = script->invoke("GetMediaInfo", "Artist", "The Testers", title);
     EXPECT_EQ(info.record().at(0).second, Value("The Testers")) << title.substr(0, 20);
   }
@@ -119,8 +120,9 @@ TEST_F(NamesInTheHouse, ArePlayedOrRefusedAndTheHouseGoesOn) {
   EXPECT_EQ(play("Album", "Streichquartett Nr. 13", "GROSSE fuge"), kRefused);
   EXPECT_EQ(play("Album", "Streichquartett Nr. 13", "GROßE fuge"), kDone);
   EXPECT_TRUE(house.textBecomes("Title", "Große Fuge"));
-  EXPECT_EQ(play("Album", huge), kDone);
-  EXPECT_TRUE(house.textBecomes("Title", huge));
+  EXPECT_EQ(play("Album", huge), kRefused) << "the library has no more of it than its beginning";
+  EXPECT_EQ(play("Album", cut), kDone);
+  EXPECT_TRUE(house.textBecomes("Title", cut));
 }
 
 TEST_F(NamesInTheHouse, OfNewPlaylistsComeBackAsTheyWereGivenOrAreRefused) {

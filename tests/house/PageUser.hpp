@@ -9,11 +9,12 @@ namespace support {
 /// Somebody who uses the plug-in's two pages in a browser.
 class PageUser {
  public:
-  PageUser(const RealHouse& house, int width) : house_(house), browser(width, 900) {
-    browser.open(house.address());
-  }
+  PageUser(const RealHouse& house, int width) : house_(house), browser(width, 900) {}
 
+  /// The first time by the address that makes its visitor the owner.
   void open(const std::string& path) {
+    if (!known_) browser.open(house_.address());
+    known_ = true;
     browser.open(house_.url() + path);
     loaded();
   }
@@ -83,6 +84,7 @@ class PageUser {
     return "//select[@name='" + list + "']/option[@value='" + entry + "']";
   }
   const RealHouse& house_;
+  bool known_ = false;  ///< the browser as the owner's
 
  public:
   Browser browser;

@@ -223,6 +223,14 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (!path.starts_with("/api/") && !MayLoadPage(reason)) {
     return give(response, Refusal(403, "A page is not loaded as a part of another one"));
   }
+  // A link from elsewhere brings no cookie along. Who follows it looks a second time, from here.
+  if (!path.starts_with("/api/") && token.empty() && reason.site == "cross-site" &&
+      reason.mode == "navigate") {
+    return give(
+        response,
+        {.type = "text/html; charset=utf-8",
+         .body = "<!doctype html><meta http-equiv=\"refresh\" content=\"0\"><title>Vantorix</title>\n"});
+  }
   const Route* route = api_.find(Method::kGet, path);
   if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
   if (std::holds_alternative<Live>(route->handler)) return stream(*route, request, response);

@@ -449,7 +449,8 @@ TEST_F(Server, APluginThatFailsOnAPageLeavesAWayBack) {
   EXPECT_EQ(
       web.postText("/WMP_PListEdit", "a=b", "application/x-www-form-urlencoded", {{"Origin", web.origin()}}),
       200);
-  EXPECT_NE(web.last.find("<section class=\"plugin-page\"></section>"), std::string::npos);
+  EXPECT_NE(web.last.find("<section class=\"plugin-page\"><script type=\"text/plain\"></script></section>"),
+            std::string::npos);
   EXPECT_EQ(web.get("/api/state")->status, 200);
 }
 

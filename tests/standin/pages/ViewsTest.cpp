@@ -85,7 +85,7 @@ TEST_F(Views, BackLeadsToTheSamePlace) {
   browser.type("//input[@id='library-search']", "List 1");
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('.library-count').textContent === '300 found'"));
-  browser.click("//a[text()='All 300 playlists']");
+  browser.click("//a[normalize-space(.)='All 300 playlists']");
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('.library-count').textContent === '300 playlists'"));
   browser.run("document.querySelector('.long').scrollTop = 52 * 150");
