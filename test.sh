@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds everything and runs every check and test. Installs what is missing first.
 #
-#   ./test.sh            all; clang-tidy looks at what changed
+#   ./test.sh            all but clang-tidy
+#   ./test.sh --tidy     the same, and clang-tidy looks at what changed
 #   ./test.sh --whole    the same, and clang-tidy looks at every file
 #   ./test.sh NAME...    only the tests whose names match one of the patterns
 set -euo pipefail
@@ -9,11 +10,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=packaging/packages.sh
 source packaging/packages.sh
 
-tidy=()
-if [ "${1:-}" = --whole ]; then
-  tidy=(--all)
-  shift
-fi
+tidy=
+case "${1:-}" in
+  --tidy) tidy=changed ;;
+  --whole) tidy=all ;;
+esac
+if [ -n "$tidy" ]; then shift; fi
 jobs=$(nproc)
 begin=$(date +%s)
 # What another checkout has compiled already is taken from there.
@@ -119,9 +121,13 @@ build bench
 step "Benchmarks, briefly"
 find build/bench/bin -name 'bench_*' -type f | at_once bash -c 'run_benchmark {}'
 
-step "clang-tidy"
-build tidy -- page_files
-python3 tools/tidy.py build/tidy "${tidy[@]}"
+if [ -n "$tidy" ]; then
+  step "clang-tidy"
+  build tidy -- page_files
+  options=()
+  if [ "$tidy" = all ]; then options=(--all); fi
+  python3 tools/tidy.py build/tidy "${options[@]}"
+fi
 
 step "What took longest"
 python3 tools/longest.py "$begin" build/*/.ninja_log build/asan/tests.xml
