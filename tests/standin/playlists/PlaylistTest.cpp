@@ -212,6 +212,7 @@ TEST_F(PlaylistPages, WhatThePlayerRefusesIsToldAndNotInTheHistory) {
 TEST_F(PlaylistPages, GuestsLookAndChangeNothing) {
   ASSERT_EQ(web->post("/api/password", {{"password", "correct horse battery"}, {"old", ""}}), 200)
       << web->last;
+  ASSERT_EQ(web->post("/api/guests", {{"guests", "open"}}), 200) << web->last;
   web->cookie.clear();
   ASSERT_EQ(web->post("/api/login", {{"name", "guest"}, {"password", ""}}), 200) << web->last;
   EXPECT_EQ(show().at("edit"), false);
