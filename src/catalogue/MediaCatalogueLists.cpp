@@ -5,7 +5,7 @@
 #include "catalogue/MediaCatalogue.hpp"
 #include "web/UtilityModule.hpp"
 
-// The half of MediaCatalogue that lists names; groups and items are in Groups.cpp.
+// The half of MediaCatalogue that lists names; groups and items are in MediaCatalogueGroups.cpp.
 namespace catalogue {
 
 using base::Attempt;

@@ -7,7 +7,7 @@
 #include "base/Failure.hpp"
 #include "base/Members.hpp"
 
-/// Short words for the tables of ByName*.cpp.
+/// Short words for tables of members.
 namespace player::table {
 
 using base::Args;

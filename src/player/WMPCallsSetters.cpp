@@ -2,7 +2,7 @@
 #include "base/Text.hpp"
 #include "player/WMPCalls.hpp"
 
-// The half of WMPCalls that sets modes and flags; the commands are in Transport.cpp.
+// The half of WMPCalls that sets modes and flags; the commands are in WMPCallsTransport.cpp.
 namespace player {
 
 using base::Attempt;

@@ -4,7 +4,7 @@
 #include "base/Attempt.hpp"
 #include "player/WMPCalls.hpp"
 
-// The half of WMPCalls that moves the player; the setters are in Setters.cpp.
+// The half of WMPCalls that moves the player; the setters are in WMPCallsSetters.cpp.
 namespace player {
 
 using base::Attempt;

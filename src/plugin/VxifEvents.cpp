@@ -2,14 +2,17 @@
 
 #include <functional>
 
+#include "player/ByNameTable.hpp"
+
 namespace plugin {
 
 using base::Args;
 using base::Member;
-using base::MemberKind;
 using base::Param;
 using base::Type;
 using base::Value;
+using player::table::Command;
+using player::table::Operation;
 
 namespace {
 
@@ -22,11 +25,6 @@ Param OptionalInOut(const char* name, Type type) {
   Param param = InOut(name, type);
   param.fallback = base::EmptyOf(type);
   return param;
-}
-
-Member Operation(const char* name, std::vector<Param> params, Type result,
-                 std::function<Value(Args&)> handler) {
-  return {name, MemberKind::kOperation, std::move(params), result, std::move(handler)};
 }
 
 /// An operation on one string of the host, which the caller gets back as it was.
@@ -51,11 +49,8 @@ std::vector<Member> EventMembers(const EventParts& parts) {
       OnText(
           "ActionUIFormat", InOut("ActionString", Type::kText),
           [in](const std::string& text) { return Value(in.actionDialog.ActionUIFormat(text)); }, Type::kText),
-      Operation("ModifyActionUI", {InOut("controls", Type::kAny)}, Type::kNone,
-                [in](Args& args) {
-                  in.actionDialog.ModifyActionUI(args[0]);
-                  return Value();
-                }),
+      Command("ModifyActionUI", {InOut("controls", Type::kAny)},
+              [in](Args& args) { in.actionDialog.ModifyActionUI(args[0]); }),
       OnText(
           "ValidateActionUI", actionStr(),
           [in](const std::string& text) { return Value(in.actionDialog.ValidateActionUI(text)); },
@@ -75,8 +70,7 @@ std::vector<Member> EventMembers(const EventParts& parts) {
           [](const std::string& text) { return Value(automation::Triggers::TriggerUIFormat(text)); },
           Type::kText),
       // A trigger's dialog is as it is, and every trigger is valid.
-      Operation("ModifyTriggerUI", {InOut("controls", Type::kAny)}, Type::kNone,
-                [](Args&) { return Value(); }),
+      Command("ModifyTriggerUI", {InOut("controls", Type::kAny)}, [](Args&) {}),
       OnText(
           "ValidateTriggerUI", InOut("trigstr", Type::kText), [](const std::string&) { return Value(""); },
           Type::kText),
@@ -92,18 +86,13 @@ std::vector<Member> EventMembers(const EventParts& parts) {
           "ConditionCheck", InOut("cond_str", Type::kText),
           [in](const std::string& text) { return Value(in.conditions.ConditionCheck(text)); },
           Type::kBoolean),
-      Operation("CustomActionDialogUI", {}, Type::kNone,
-                [in](Args&) {
-                  const std::string& shown = in.openDialog.ActionDialogState;
-                  if (in.state.Initialized && shown != automation::OpenActionDialog::kNotInitialized)
-                    in.dropLists.FileDropListModify();
-                  return Value();
-                }),
-      Operation("VXEvent", {{"parms", Type::kArray}}, Type::kNone,
-                [in](Args& args) {
-                  in.speech.VXEvent(args[0].array());
-                  return Value();
-                }),
+      Command("CustomActionDialogUI", {},
+              [in](Args&) {
+                const std::string& shown = in.openDialog.ActionDialogState;
+                if (in.state.Initialized && shown != automation::OpenActionDialog::kNotInitialized)
+                  in.dropLists.FileDropListModify();
+              }),
+      Command("VXEvent", {{"parms", Type::kArray}}, [in](Args& args) { in.speech.VXEvent(args[0].array()); }),
   };
 }
 

@@ -3,7 +3,7 @@
 #include "player/ByName.hpp"
 #include "script/ScriptTable.hpp"
 
-// The table of the object; what its longer operations do is in ScriptLibrary.cpp.
+// The table of the object; what its longer operations do is in ScriptClassLibrary.cpp.
 namespace script {
 
 using base::Args;
