@@ -40,6 +40,7 @@ MAY_INCLUDE = {
     "standin/settings": "base files",
     "standin/pages": "base",
     "standin/house": "base database files standin/pages standin/settings",
+    "standin/events": "",
     "standin/voice": "base bus standin/house",
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/house",
