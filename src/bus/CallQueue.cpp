@@ -46,7 +46,7 @@ void CallQueue::clear() {
   light_ = 0;
 }
 
-Message CallQueue::takeAt(Position at) {
+Message CallQueue::takeAt(const Position& at) {
   Message call = std::move(at->call);
   waiting_.erase(at);
   if (LeadsNowhere(call)) --light_;

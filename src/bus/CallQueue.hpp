@@ -55,7 +55,7 @@ class CallQueue {
   using Position = std::deque<Waiting>::iterator;
 
   [[nodiscard]] bool full() const { return depth_ >= kDeepest; }
-  Message takeAt(Position at);
+  Message takeAt(const Position& at);
   Position firstLight();
 
   const base::Loop& loop_;

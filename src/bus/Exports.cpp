@@ -36,8 +36,7 @@ base::ObjectRef Exports::find(const std::string& path) const {
 
 std::string Exports::pathFor(const base::ObjectRef& object, const std::string& holder) {
   const auto known = pathOf_.find(object.get());
-  const std::string path =
-      known == pathOf_.end() ? kSentObjects + std::to_string(++lastNumber_) : known->second;
+  std::string path = known == pathOf_.end() ? kSentObjects + std::to_string(++lastNumber_) : known->second;
   Entry& entry = entries_[path];
   entry.object = object;
   pathOf_[object.get()] = path;

@@ -196,7 +196,7 @@ struct PollLoop::State {
     return ready;
   }
 
-  std::vector<Ready> pollAll(int wait) const {
+  [[nodiscard]] std::vector<Ready> pollAll(int wait) const {
     pollfd woken{wake.get(), POLLIN, 0};
     auto ready = pollWatches(woken, wait, false);
     if (woken.revents != 0) {

@@ -73,7 +73,7 @@ class Owned {
   Owned(Owned&&) = delete;
   Owned& operator=(Owned&&) = delete;
 
-  Widget* get() const { return widget_.get(); }
+  [[nodiscard]] Widget* get() const { return widget_.get(); }
   Widget* operator->() const { return widget_.get(); }
   explicit operator bool() const { return widget_ != nullptr; }
   void reset(std::unique_ptr<Widget> next = nullptr) {

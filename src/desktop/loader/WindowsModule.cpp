@@ -25,7 +25,7 @@ OpenWindows Load(std::string& problem) {
 
 }  // namespace
 
-std::unique_ptr<Windows> LoadWindows(bus::PollLoop& loop, std::function<void()> gone,
+std::unique_ptr<Windows> LoadWindows(bus::PollLoop& loop, const std::function<void()>& gone,
                                      const std::function<void(const std::string&)>& tell) {
   OpenWindows open = nullptr;
   for (const Display::Kind kind : Display::kOrder) {

@@ -306,7 +306,8 @@ std::string StoredPlaylists::freePath(const std::string& name, const std::string
     return path != own && (byPath_.contains(path) || fs::exists(fs::symlink_status(path, ignored)));
   };
   for (int number = 2; taken(); ++number) {
-    path = folder_ + '/' + stem + " (" + std::to_string(number) + ')' + ending;
+    path = folder_;
+    path.append("/").append(stem).append(" (").append(std::to_string(number)).append(")").append(ending);
   }
   return path;
 }

@@ -32,7 +32,7 @@ void Wake(const files::Descriptor& wake) {
 
 }  // namespace
 
-Scanner::Scanner(Settings settings, std::unique_ptr<LibraryStore> store, std::vector<FileRecord> known,
+Scanner::Scanner(Settings settings, std::unique_ptr<LibraryStore> store, const std::vector<FileRecord>& known,
                  Deliver deliver)
     : settings_(std::move(settings)),
       store_(std::move(store)),

@@ -47,7 +47,7 @@ class Scanner {
   using Deliver = std::function<void(LibraryChange)>;
 
   /// `known` is what the index holds, by path.
-  Scanner(Settings settings, std::unique_ptr<LibraryStore> store, std::vector<FileRecord> known,
+  Scanner(Settings settings, std::unique_ptr<LibraryStore> store, const std::vector<FileRecord>& known,
           Deliver deliver);
   /// Stops the scan wherever it is; what was read so far is in the index.
   ~Scanner();

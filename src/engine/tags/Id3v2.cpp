@@ -138,7 +138,7 @@ class Tag {
   }
 
   /// The frame's content as it was before it was packed, at most so much of it.
-  std::string unwrapped(const Frame& frame, std::string_view bytes, std::size_t most) const {
+  [[nodiscard]] std::string unwrapped(const Frame& frame, std::string_view bytes, std::size_t most) const {
     std::string plain = frame.stuffed ? WithoutStuffing(bytes) : std::string(bytes);
     return frame.packed ? Unpacked(plain, most) : plain;
   }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <string>
 
 #include "engine/tags/Bytes.hpp"
@@ -138,7 +139,7 @@ class Segment {
     });
     const double milliseconds = duration * scale / 1e6;
     if (milliseconds > 0 && milliseconds < 4e9)
-      fields_.length(static_cast<std::uint64_t>(milliseconds + 0.5));
+      fields_.length(static_cast<std::uint64_t>(std::llround(milliseconds)));
   }
 
   void readTags(const Element& tags) {

@@ -43,7 +43,7 @@ std::optional<Header> HeaderFrom(std::string_view bytes) {
   const std::size_t row = version == 3 ? layer - 1 : layer == 1 ? 3 : 4;
   header.bits = static_cast<std::uint64_t>(kBits.at(row).at(bits)) * 1000;
   header.samples = layer == 1 ? 384 : layer == 3 && version != 3 ? 576 : 1152;
-  const std::uint64_t padding = (word >> 9U & 1U) * (layer == 1 ? 4 : 1);
+  const std::uint64_t padding = (word >> 9U & 1U) == 0 ? 0 : layer == 1 ? 4 : 1;
   header.size = layer == 1 ? 12 * header.bits / header.rate * 4 + padding
                            : header.samples / 8 * header.bits / header.rate + padding;
   const bool mono = (word >> 6U & 3U) == 3;

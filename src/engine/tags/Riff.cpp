@@ -74,7 +74,7 @@ void ReadFilmHeader(ByteSource& source, const Chunk& list, TagFields& fields) {
 std::uint64_t Extended(std::string_view bytes) {
   const auto exponent = static_cast<int>(Big(bytes, 0, 2) & 0x7FFFU) - 16383 - 63;
   const double value = std::ldexp(static_cast<double>(Big(bytes, 2, 8)), exponent);
-  return value > 0 && value < 1e9 ? static_cast<std::uint64_t>(value + 0.5) : 0;
+  return value > 0 && value < 1e9 ? static_cast<std::uint64_t>(std::llround(value)) : 0;
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ void LibrarySearch::show(const Query& query, bool again, const Found& found) {
                     });
 }
 
-void LibrarySearch::prepare(bool fresh, Ready ready) {
+void LibrarySearch::prepare(bool fresh, const Ready& ready) {
   const bool none = !table_ || fresh;
   if (!none && loop_.now() - since_ < kGood) return ready({});
   if (none) waiting_.push_back(ready);

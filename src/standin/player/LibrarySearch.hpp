@@ -43,7 +43,7 @@ class LibrarySearch {
   using Ready = std::function<void(const Failed& failed)>;
   struct Gathering;
   void gather(const std::shared_ptr<Gathering>& gathering);
-  void prepare(bool fresh, Ready ready);
+  void prepare(bool fresh, const Ready& ready);
   void readOn(std::shared_ptr<SearchTable> table);
   void prepared(std::shared_ptr<SearchTable> table, const Failed& failed);
   void show(const Query& query, bool again, const Found& found);

@@ -225,7 +225,7 @@ void PlayerLists::play(const PlayerList& list) {
 }
 
 base::ObjectRef PlayerLists::mediaOf(const std::string& source) {
-  const base::ObjectRef found = base::ToObject(media()->invoke("add", source));
+  base::ObjectRef found = base::ToObject(media()->invoke("add", source));
   base::Deref(found);
   return found;
 }

@@ -126,7 +126,8 @@ PlayerList existing(PlayerLists& lists, const std::string& name) {
   return *list;
 }
 
-void putBack(PlayerLists& lists, PlayerList list, const ListPlace& place, std::vector<ListedItem> items) {
+void putBack(PlayerLists& lists, const PlayerList& list, const ListPlace& place,
+             std::vector<ListedItem> items) {
   if (!fits(list, place)) collided("The list has changed since around place " + std::to_string(place.at + 1));
   putIn(lists, list, place.at, items);
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "standin/playlists/PlaylistStep.hpp"
 
@@ -59,7 +60,7 @@ bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& li
 class PlaylistRestore {
  public:
   /// `resumed`: a list of that name may be what an undoing that was interrupted has left.
-  PlaylistRestore(const PlaylistStep& step, bool resumed) : step_(step), resumed_(resumed) {}
+  PlaylistRestore(PlaylistStep step, bool resumed) : step_(std::move(step)), resumed_(resumed) {}
   /// Puts back up to `most` titles; false when there are no more. Throws as `Undo`.
   bool goOn(PlayerLists& lists, std::int32_t most);
   [[nodiscard]] std::int32_t done() const { return done_; }
