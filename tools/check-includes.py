@@ -41,6 +41,8 @@ MAY_INCLUDE = {
     "standin/pages": "base",
     "standin/house": "base database files standin/pages standin/settings",
     "standin/events": "",
+    "standin/calendar": "standin/events",
+    "standin/eventrun": "base standin/calendar standin/events standin/house",
     "standin/voice": "base bus standin/house",
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/house",

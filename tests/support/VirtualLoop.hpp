@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <deque>
 #include <set>
 
@@ -34,6 +35,18 @@ class VirtualLoop : public base::Loop {
       now_ += base::Milliseconds(1);
       pump();
     }
+  }
+
+  /// The same, straight from one moment that a timer is due to the next: for days at a time.
+  void leap(base::Milliseconds time) {
+    for (const auto end = now_ + time; now_ < end;) {
+      while (!posted_.empty()) pump();
+      auto next = end;
+      for (const VirtualTimer* timer : timers_) next = std::min(next, std::max(timer->due(), now_));
+      now_ = std::max(next, now_ + base::Milliseconds(1));
+      pump();
+    }
+    while (!posted_.empty()) pump();
   }
 
   int pumps = 0;
@@ -72,6 +85,10 @@ class VirtualLoop : public base::Loop {
     void enabled(bool value) override {
       if (value && !enabled_) due_ = loop_.now_ + interval_;
       enabled_ = value;
+    }
+    /// When it fires next; a time without end where it doesn't.
+    [[nodiscard]] base::Milliseconds due() const {
+      return enabled_ && interval_.count() > 0 ? due_ : base::Milliseconds::max();
     }
     void fireIfDue() {
       if (!enabled_ || running_ || interval_.count() <= 0 || loop_.now_ < due_) return;

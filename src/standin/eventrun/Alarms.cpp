@@ -1,0 +1,129 @@
+#include "standin/eventrun/Alarms.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace standin {
+namespace {
+
+constexpr std::int64_t kMostCounted =
+    2000;  // of those that were missed; a year of days, and a day of minutes
+
+bool isOfTime(const Trigger& trigger) {
+  return std::holds_alternative<TimeTrigger>(trigger) || std::holds_alternative<SunTrigger>(trigger) ||
+         std::holds_alternative<EveryTrigger>(trigger);
+}
+
+}  // namespace
+
+Alarms::Alarms(base::Loop& loop, const WallClock& clock, Heard heard, Limits limits)
+    : loop_(loop),
+      clock_(clock),
+      heard_(std::move(heard)),
+      limits_(limits),
+      seen_(clock.now()),
+      timer_(loop_.makeTimer(limits.look, [this] { look(); })) {}
+
+void Alarms::put(std::int32_t event, const Rule* rule) {
+  std::map<std::size_t, Planned> before;
+  if (const auto found = planned_.find(event); found != planned_.end()) before = found->second;
+  drop(event);
+  if (rule != nullptr && rule->on) {
+    for (std::size_t i = 0; i < rule->triggers.size(); ++i) {
+      const Trigger& trigger = rule->triggers[i];
+      if (!isOfTime(trigger)) continue;
+      // One that has just become due and waits to ring must not be lost by a change beside it.
+      const auto kept = std::find_if(before.begin(), before.end(),
+                                     [&](const auto& each) { return each.second.trigger == trigger; });
+      const Planned planned = kept == before.end() ? Planned{trigger} : kept->second;
+      plan(event, i, planned, planned.due == 0 ? clock_.now() : planned.due - 1);
+    }
+  }
+  wind();
+}
+
+void Alarms::place(const std::optional<Place>& place) {
+  if (place == place_) return;
+  place_ = place;
+  const auto all = planned_;
+  for (const auto& [event, triggers] : all)
+    for (const auto& [at, planned] : triggers)
+      if (std::holds_alternative<SunTrigger>(planned.trigger)) plan(event, at, planned, clock_.now());
+  wind();
+}
+
+std::optional<std::int64_t> Alarms::next(std::int32_t event) const {
+  const auto found = planned_.find(event);
+  std::optional<std::int64_t> next;
+  if (found == planned_.end()) return next;
+  for (const auto& [at, planned] : found->second)
+    if (planned.due != 0 && (!next || planned.due < *next)) next = planned.due;
+  return next;
+}
+
+void Alarms::plan(std::int32_t event, std::size_t place, Planned planned, std::int64_t after) {
+  keys_.erase({planned.due, event, place});
+  const std::optional<std::int64_t> due = NextDue(clock_, place_, planned.trigger, after);
+  planned.due = due.value_or(0);
+  if (due) keys_.insert({*due, event, place});
+  planned_[event][place] = std::move(planned);
+}
+
+void Alarms::drop(std::int32_t event) {
+  const auto found = planned_.find(event);
+  if (found == planned_.end()) return;
+  for (const auto& [at, planned] : found->second) keys_.erase({planned.due, event, at});
+  planned_.erase(found);
+}
+
+void Alarms::look() {
+  const std::int64_t now = clock_.now();
+  if (now < seen_) setBack(now);
+  seen_ = now;
+  std::vector<Key> due;
+  for (const Key& key : keys_) {
+    if (key.due > now) break;
+    due.push_back(key);
+  }
+  for (const Key& key : due)
+    if (keys_.contains(key)) ring(key, now);  // what has rung before it may have changed the plan
+  wind();
+}
+
+void Alarms::setBack(std::int64_t now) {
+  const bool wrongBefore = seen_ - now > limits_.wrong.count();
+  const auto all = planned_;
+  for (const auto& [event, triggers] : all)
+    for (const auto& [at, planned] : triggers)
+      plan(event, at, planned, wrongBefore ? now : std::max(now, planned.rung));
+}
+
+void Alarms::ring(const Key& key, std::int64_t now) {
+  Planned& planned = planned_[key.event][key.trigger];
+  const std::int64_t tolerated = now - limits_.late.count();
+  Alarm missed{key.event, key.trigger, key.due, key.due, 0};
+  std::optional<std::int64_t> inTime;
+  std::optional<std::int64_t> due = key.due;
+  for (std::int64_t count = 0; due && *due <= now; ++count) {
+    // Of several that are late within the tolerance, as of one that comes every minute, the last one counts.
+    if (inTime || *due < tolerated) {
+      missed.last = inTime.value_or(*due);
+      ++missed.missed;
+    }
+    inTime = *due >= tolerated ? due : std::nullopt;
+    due = NextDue(clock_, place_, planned.trigger, count < kMostCounted ? *due : std::max(*due, tolerated));
+  }
+  if (inTime) planned.rung = *inTime;
+  plan(key.event, key.trigger, planned, inTime.value_or(now));
+  if (missed.missed > 0) heard_(missed);
+  if (inTime) heard_({key.event, key.trigger, *inTime, *inTime, 0});
+}
+
+void Alarms::wind() {
+  timer_->enabled(!keys_.empty());
+  if (keys_.empty()) return;
+  const base::Milliseconds left(std::max<std::int64_t>(keys_.begin()->due - clock_.now(), 1));
+  timer_->interval(std::min(left, limits_.look));
+}
+
+}  // namespace standin

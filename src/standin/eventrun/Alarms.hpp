@@ -1,0 +1,78 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/Loop.hpp"
+#include "standin/calendar/Calendar.hpp"
+
+namespace standin {
+
+/// Wakes for the triggers of time: each moment that one is due comes once, whatever the clock does. One that
+/// has passed unseen (the clock was set forward, the machine was asleep) comes late within a tolerance, and
+/// is told as missed beyond it. Where the clock is set back over one, it doesn't come again, unless it has
+/// only been told as missed, or the clock is set back by more than half a day: then it was wrong before.
+class Alarms {
+ public:
+  struct Limits {
+    base::Milliseconds late = std::chrono::minutes(10);  ///< later than that is missed
+    base::Milliseconds look = std::chrono::seconds(30);  ///< how often the clock is looked at, at least
+    base::Milliseconds wrong = std::chrono::hours(12);   ///< set back by more, it was wrong
+  };
+  struct Alarm {
+    std::int32_t event = 0;
+    std::size_t trigger = 0;  ///< place among the event's triggers
+    std::int64_t due = 0;     ///< milliseconds since 1970; of the first one where several were missed
+    std::int64_t last = 0;    ///< of the last one
+    std::int64_t missed = 0;  ///< how many; 0 for one that is in time, or late within the tolerance
+  };
+  using Heard = std::function<void(const Alarm& alarm)>;
+
+  Alarms(base::Loop& loop, const WallClock& clock, Heard heard)
+      : Alarms(loop, clock, std::move(heard), Limits()) {}
+  Alarms(base::Loop& loop, const WallClock& clock, Heard heard, Limits limits);
+
+  /// Plans the event's triggers from now on, in place of what was planned for it. Null or a rule that is off
+  /// has none. Triggers that have stayed as they were keep their moments.
+  void put(std::int32_t event, const Rule* rule);
+  /// Where the sun is seen from; what hangs on it is planned anew.
+  void place(const std::optional<Place>& place);
+  /// When the event is due next.
+  [[nodiscard]] std::optional<std::int64_t> next(std::int32_t event) const;
+
+ private:
+  struct Key {
+    std::int64_t due = 0;
+    std::int32_t event = 0;
+    std::size_t trigger = 0;
+    auto operator<=>(const Key&) const = default;
+  };
+  struct Planned {
+    Trigger trigger;
+    std::int64_t due = 0;   ///< 0 where it never is
+    std::int64_t rung = 0;  ///< the last moment that has come and was not missed
+  };
+  void plan(std::int32_t event, std::size_t place, Planned planned, std::int64_t after);
+  void drop(std::int32_t event);
+  void look();
+  void setBack(std::int64_t now);
+  void ring(const Key& key, std::int64_t now);
+  void wind();
+
+  base::Loop& loop_;
+  const WallClock& clock_;
+  Heard heard_;
+  Limits limits_;
+  std::optional<Place> place_;
+  std::int64_t seen_ = 0;  ///< what the clock has shown at the last look
+  std::set<Key> keys_;
+  std::map<std::int32_t, std::map<std::size_t, Planned>> planned_;
+  std::unique_ptr<base::Timer> timer_;
+};
+
+}  // namespace standin
