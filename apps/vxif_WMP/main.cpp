@@ -13,6 +13,7 @@
 #include "bus/HouseBus.hpp"
 #include "engine/Player.hpp"
 #include "engine/common/Config.hpp"
+#include "pictures/CoverDesk.hpp"
 #include "platform/PosixPlatform.hpp"
 #include "player/WindowlessPopup.hpp"
 #include "plugin/Plugin.hpp"
@@ -67,6 +68,7 @@ int Serve() {
   player::WindowlessPopup popup;
   RegisteredObjects objects;
   plugin::MediaEvents mediaEvents;
+  pictures::CoverDesk covers;
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
   const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
@@ -86,7 +88,10 @@ int Serve() {
                          popup,
                          {mediaEvents, desktop, objects},
                          nullptr,
-                         desktop.progress()});
+                         desktop.progress(),
+                         nullptr,
+                         &covers,
+                         {config.metadataAddress, config.coverAddress}});
   owner = &plugin;
   log.connect(plugin.host);
   desktop.connect(plugin.host);

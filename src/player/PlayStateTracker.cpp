@@ -19,7 +19,10 @@ PlayStateTracker::PlayStateTracker(base::Loop& loop, WMPPlayer& form, MediaStatu
       host_(host),
       loggers_(loggers),
       state_(state),
-      FindCoverArt_(loop.makeTimer(kCoverSearchDelay, [this] { FindCoverArt_->enabled(false); })) {}
+      FindCoverArt_(loop.makeTimer(kCoverSearchDelay, [this] {
+        FindCoverArt_->enabled(false);
+        if (GetCoverImage) GetCoverImage();
+      })) {}
 
 void PlayStateTracker::MyPlayStateChange(std::int32_t newState) {
   base::Handled(

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -29,6 +30,8 @@ class PlayStateTracker {
   /// The one-shot timer whose event searches for a cover, so that the search does not run inside the
   /// handling of a state.
   [[nodiscard]] base::Timer& FindCoverArt() { return *FindCoverArt_; }
+  /// What that event calls, if anything.
+  std::function<void()> GetCoverImage{};
 
  private:
   void follow(std::int32_t newState);

@@ -26,6 +26,8 @@ class PopupView {
   virtual void setWindowPos(std::int32_t insertAfter, std::int32_t flags) = 0;
   /// The value that `setWindowPos` passes as a height; its flags make it have no effect.
   virtual void windowHeight(std::int32_t value) = 0;
+  /// Shows a picture in `Image1`, given as the bytes of its file.
+  virtual void image(const std::string& bytes) = 0;
   /// Takes the picture off `Image1`.
   virtual void clearImage() = 0;
   /// Lays the window out anew for what is playing.

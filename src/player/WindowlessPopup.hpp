@@ -15,6 +15,7 @@ class WindowlessPopup : public PopupView {
   [[nodiscard]] bool visible() const override { return false; }
   void setWindowPos(std::int32_t /*insertAfter*/, std::int32_t /*flags*/) override {}
   void windowHeight(std::int32_t /*value*/) override {}
+  void image(const std::string& /*bytes*/) override {}
   void clearImage() override {}
   void LayoutControls() override {}
   void check(const std::string& /*menuItem*/, bool /*value*/) override {}

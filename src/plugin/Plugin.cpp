@@ -40,6 +40,11 @@ Plugin::Plugin(const PluginGround& ground)
                [this] { Vxif::ConfigIO(host); }),
       vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web,
                                    EventParts{actionDialog, actionDropLists, openActionDialog, actionRun,
-                                              conditions, speechInterlock, state})) {}
+                                              conditions, speechInterlock, state})) {
+  if (ground.coverFiles == nullptr) return;
+  coverSearch_.emplace(cover::SearchParts{form, ground.popup, host, loggers, state, *ground.coverFiles},
+                       ground.coverServices);
+  playState.GetCoverImage = [this] { coverSearch_->GetCoverImage(); };
+}
 
 }  // namespace plugin

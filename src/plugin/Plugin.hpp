@@ -1,5 +1,6 @@
 #pragma once
 #include <memory>
+#include <optional>
 
 #include "automation/ActionDialog.hpp"
 #include "automation/ActionRun.hpp"
@@ -8,6 +9,7 @@
 #include "automation/Triggers.hpp"
 #include "base/DayClock.hpp"
 #include "catalogue/MediaCatalogue.hpp"
+#include "cover/CoverSearch.hpp"
 #include "player/PlayStateTracker.hpp"
 #include "player/PlayerEvents.hpp"
 #include "plugin/Lifecycle.hpp"
@@ -30,6 +32,8 @@ struct PluginGround {
   LibraryCalls* library = nullptr;          ///< in the place of the plug-in's own
   ui::ProgBarView* progressView = nullptr;  ///< none on a machine without a display
   WebForms* web = nullptr;                  ///< in the place of the plug-in's own pages
+  cover::CoverFiles* coverFiles = nullptr;  ///< without it no cover is looked for
+  cover::Services coverServices{};
 };
 
 /// The one owner of everything that the plug-in shares: its modules are members in the order in which they
@@ -78,6 +82,7 @@ class Plugin {
 
  private:
   std::shared_ptr<Vxif> vxif_;
+  std::optional<cover::CoverSearch> coverSearch_;
 };
 
 }  // namespace plugin

@@ -15,6 +15,7 @@ class FakeMedia : public player::Media {
   std::string title;
   std::map<std::string, std::string> info;
   double seconds = 0;
+  std::string picture;  ///< the address of the picture in it
 
   FakeMedia(std::string name, std::string artist, std::string album, std::string genre)
       : title(std::move(name)),
@@ -28,7 +29,7 @@ class FakeMedia : public player::Media {
   [[nodiscard]] player::Picture getItemInfoByType(const std::string& /*attribute*/,
                                                   const std::string& /*language*/,
                                                   std::int32_t /*index*/) const override {
-    return {};
+    return {picture};
   }
   [[nodiscard]] double duration() const override { return seconds; }
   [[nodiscard]] std::string durationString() const override { return "03:25"; }
@@ -64,6 +65,7 @@ class FakePlayer : public player::WMP9,
   std::vector<player::ErrorItem> errors;
   std::int32_t drives = 1;
   bool ignoresMute = false;
+  bool online = false;
   std::set<std::string> failing;  ///< calls that fail
   player::WMP9Events& events() { return events_; }
 
@@ -92,7 +94,7 @@ class FakePlayer : public player::WMP9,
   player::CdromCollection& cdromCollection() override { return *this; }
   [[nodiscard]] bool fullScreen() const override { return false; }
   void fullScreen(bool /*value*/) override {}
-  [[nodiscard]] bool isOnline() const override { return false; }
+  [[nodiscard]] bool isOnline() const override { return online; }
   player::MediaCollection& mediaCollection() override { return Present(mediaLibrary); }
   player::PlaylistCollection& playlistCollection() override { return Present(playlistLibrary); }
 

@@ -59,6 +59,7 @@ class FakePopup : public player::PopupView {
     journal_.add("popup: SetWindowPos " + std::to_string(insertAfter) + " " + std::to_string(flags));
   }
   void windowHeight(std::int32_t value) override { journal_.add("popup: height " + std::to_string(value)); }
+  void image(const std::string& bytes) override { journal_.add("popup: Image1 = " + bytes); }
   void clearImage() override { journal_.add("popup: clear Image1"); }
   void LayoutControls() override { journal_.add("popup: layout"); }
   void check(const std::string& item, bool value) override {

@@ -26,11 +26,12 @@ class SmallMusic {
     add(title, seconds, tags);
   }
   /// A piece whose file's name tells nothing of its tags.
-  void add(const std::string& file, double seconds, const engine::TrackTags& tags) const {
+  void add(const std::string& file, double seconds, const engine::TrackTags& tags,
+           const std::string& png = {}) const {
     const std::string path = (folder_.path() / (file + ".flac")).string();
     engine::demo::WriteSound(path, engine::demo::Tone(220.0 * tags.track, seconds, 8000),
                              engine::demo::FileFormat::kFlac);
-    engine::demo::WriteTags(path, tags);
+    engine::demo::WriteTags(path, tags, png);
   }
   [[nodiscard]] std::string path() const { return folder_.path().string(); }
 

@@ -1,0 +1,110 @@
+#include "pictures/Picture.hpp"
+
+#include <gtest/gtest.h>
+
+#include "demo/Cover.hpp"
+#include "files/ReadFile.hpp"
+#include "files/WriteFile.hpp"
+#include "pictures/CoverDesk.hpp"
+#include "support/FailureNumber.hpp"
+#include "support/TempFolder.hpp"
+
+namespace {
+
+/// A PNG that claims to be of that size.
+std::string Claiming(std::uint32_t width, std::uint32_t height) {
+  std::string png = engine::demo::CoverPng(1, 16);
+  const auto put = [&](std::size_t at, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) png[at + i] = static_cast<char>(value >> (24 - 8 * i));
+  };
+  put(16, width);
+  put(20, height);
+  std::uint32_t crc = 0xFFFFFFFF;
+  for (std::size_t at = 12; at < 29; ++at) {
+    crc ^= static_cast<unsigned char>(png[at]);
+    for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1U) ^ ((crc & 1U) != 0 ? 0xEDB88320U : 0);
+  }
+  put(29, ~crc);
+  return png;
+}
+
+TEST(Pictures, TellsItsSizeAndIsMadeSmallerAndNeverLarger) {
+  const std::string png = engine::demo::CoverPng(7, 300);
+  EXPECT_TRUE(pictures::CanBeShown(png));
+  EXPECT_EQ(pictures::SizeOf(png).width, 300);
+  const std::string small = pictures::Thumbnail(png, 100);
+  EXPECT_EQ(small.substr(0, 3), "\xFF\xD8\xFF");
+  EXPECT_TRUE(pictures::CanBeShown(small));
+  EXPECT_EQ(pictures::SizeOf(small).width, 100);
+  EXPECT_EQ(pictures::SizeOf(pictures::Thumbnail(png, 1000)).height, 300);
+}
+
+TEST(Pictures, ThatIsCutOffOrATextOrADrawingIsNone) {
+  const std::string png = engine::demo::CoverPng(7, 300);
+  EXPECT_FALSE(pictures::CanBeShown(png.substr(0, png.size() / 2)));
+  EXPECT_FALSE(pictures::CanBeShown(""));
+  EXPECT_FALSE(pictures::CanBeShown("This is a text under the name of a picture"));
+  EXPECT_FALSE(
+      pictures::CanBeShown("<svg xmlns=\"http://www.w3.org/2000/svg\"><script>alert(1)</script></svg>"));
+  EXPECT_EQ(pictures::Thumbnail("GIF89a and nothing more", 100), "");
+}
+
+TEST(Pictures, ThatClaimsFarTooManyPixelsIsRefusedBeforeItIsUnpacked) {
+  const std::string bomb = Claiming(30000, 30000);
+  EXPECT_EQ(pictures::SizeOf(bomb).width, 30000);
+  EXPECT_FALSE(pictures::CanBeShown(bomb));
+  EXPECT_EQ(pictures::Thumbnail(bomb, 256), "");
+  EXPECT_FALSE(pictures::CanBeShown(Claiming(0, 16)));
+  EXPECT_FALSE(pictures::CanBeShown(engine::demo::CoverPng(1, 16) + std::string(pictures::kMostBytes, ' ')));
+}
+
+TEST(Pictures, WithAnyBitTurnedIsShownOrRefusedAndNothingElseHappens) {
+  const std::string png = engine::demo::CoverPng(3, 64);
+  const std::string jpeg = pictures::Thumbnail(png, 64);
+  ASSERT_FALSE(jpeg.empty());
+  int refused = 0;
+  std::uint32_t random = 1;
+  for (const std::string& whole : {png, jpeg}) {
+    for (int round = 0; round < 1000; ++round) {
+      std::string broken = whole;
+      random = random * 1664525 + 1013904223;
+      const std::size_t bit = random % (broken.size() * 8);
+      broken[bit / 8] = static_cast<char>(broken[bit / 8] ^ (1 << (bit % 8)));
+      if (!pictures::CanBeShown(broken)) ++refused;
+    }
+  }
+  EXPECT_GT(refused, 0);
+  EXPECT_LT(refused, 2000);
+}
+
+TEST(CoverDesk, ReadsWritesAndCopiesBelowPathsWithBackslashes) {
+  const support::TempFolder folder;
+  pictures::CoverDesk desk;
+  const std::string below = folder.path().string() + R"(\html\images)";
+  desk.makeFolder(below);
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.makeFolder(below); }), 75);
+  const std::string png = engine::demo::CoverPng(1, 32);
+  desk.overwrite(below + R"(\a.jpg)", png + "tail");
+  desk.overwrite(below + R"(\a.jpg)", png);
+  EXPECT_EQ(files::ReadFile(folder.path().string() + "/html/images/a.jpg").text, png + "tail");
+  desk.copy(below + R"(\a.jpg)", below + R"(\b.jpg)");
+  EXPECT_EQ(desk.load(below + R"(\b.jpg)").bytes, png + "tail");
+  desk.remove(below + R"(\b.jpg)");
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.load(below + R"(\b.jpg)"); }), 53);
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.remove(below + R"(\b.jpg)"); }), 53);
+}
+
+TEST(CoverDesk, FetchesWhatLiesInFilesAndNothingElse) {
+  const support::TempFolder folder;
+  pictures::CoverDesk desk;
+  const std::string png = engine::demo::CoverPng(1, 32);
+  files::WriteFile(folder.path().string() + "/p.png", png);
+  desk.download("file://" + folder.path().string() + "/p.png", folder.path().string() + R"(\c.jpg)");
+  EXPECT_EQ(desk.load(folder.path().string() + R"(\c.jpg)").bytes, png);
+  desk.download("http://127.0.0.1:9/p.png", folder.path().string() + R"(\d.jpg)");
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.load(folder.path().string() + R"(\d.jpg)"); }), 53);
+  files::WriteFile(folder.path().string() + "/t.png", "a text");
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.load(folder.path().string() + R"(\t.png)"); }), 481);
+}
+
+}  // namespace
