@@ -19,6 +19,7 @@ std::string Ending(const std::string& picture) {
   if (picture.rfind("\x89PNG", 0) == 0) return ".png";
   if (picture.rfind("GIF8", 0) == 0) return ".gif";
   if (picture.rfind("BM", 0) == 0) return ".bmp";
+  if (picture.rfind("RIFF", 0) == 0) return ".webp";
   return ".jpg";
 }
 
@@ -27,6 +28,11 @@ std::string Ending(const std::string& picture) {
 Pictures::Pictures(std::string folder) : folder_(std::move(folder)) { files::ClearLeftovers(folder_); }
 
 std::string Pictures::urlOf(const std::string& path) {
+  const std::string beside = besides_.in(std::filesystem::path(path).parent_path().string());
+  return beside.empty() ? insideOf(path) : "file://" + beside;
+}
+
+std::string Pictures::insideOf(const std::string& path) {
   std::string key;
   try {
     const files::FileStamp stamp = files::StampOf(path);

@@ -127,6 +127,31 @@ TEST_F(LibraryOfMusic, APictureIsTakenOutOfTheFile) {
   EXPECT_EQ(library().getByName("Plain")->item(0)->getItemInfoByType("WM/Picture", "", 0).url, "");
 }
 
+TEST_F(LibraryOfMusic, APictureInTheFolderComesBeforeTheOneInTheFile) {
+  const std::string path = addTrack("disc/p.flac", "P", "Ann", "Blue", "Jazz");
+  TrackTags tags;
+  tags.title = "P";
+  demo::WriteTags(path, tags, demo::CoverPng(4, 40));
+  startWith(1);
+  const auto url = [&] {
+    return library().getByName("P")->item(0)->getItemInfoByType("WM/Picture", "", 0).url;
+  };
+  const auto lay = [&](const std::string& name) { std::ofstream(music("disc/" + name)) << "picture"; };
+  EXPECT_THAT(url(), HasSubstr("/pictures/")) << "the one in the file";
+  lay("back.jpg");
+  lay("FRONT.PNG");
+  EXPECT_EQ(url(), "file://" + music("disc/FRONT.PNG"));
+  lay("Folder.JPG");
+  EXPECT_EQ(url(), "file://" + music("disc/Folder.JPG"));
+  lay("cover.webp");
+  lay("cover.jpeg");
+  EXPECT_EQ(url(), "file://" + music("disc/cover.jpeg"));
+  std::filesystem::remove(music("disc/cover.jpeg"));
+  std::filesystem::remove(music("disc/cover.webp"));
+  std::filesystem::create_directory(music("disc/cover.jpg"));
+  EXPECT_EQ(url(), "file://" + music("disc/Folder.JPG")) << "a folder of that name is no picture";
+}
+
 TEST_F(LibraryOfMusic, NewChangedAndDeletedFilesAreNoticed) {
   const std::string path = addTrack("a.flac", "A", "Ann", "Blue", "Jazz");
   startWith(1);
