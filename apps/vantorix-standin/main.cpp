@@ -31,7 +31,7 @@ namespace {
 
 using namespace standin;  // NOLINT(google-build-using-namespace): this file is the server put together
 
-int serve(const Options& options) {
+int Serve(const Options& options) {
   // What another server may have already is asked for first, before any data is touched.
   bus::PollLoop loop;
   bus::Connection connection(loop, options.bus);
@@ -125,7 +125,7 @@ int serve(const Options& options) {
   return code;
 }
 
-int printAddress(const std::filesystem::path& data) {
+int PrintAddress(const std::filesystem::path& data) {
   const std::optional<std::string> address = AddressFile::read(data);
   if (!address) throw base::Failure(base::number::kFileNotFound, "No server is running on " + data.string());
   std::cout << *address << "\n";
@@ -142,7 +142,7 @@ int main(int argc, char** argv) {
       std::cout << Usage();
       return 0;
     }
-    return options.address ? printAddress(options.data) : serve(options);
+    return options.address ? PrintAddress(options.data) : Serve(options);
   } catch (const std::exception& failure) {
     std::cerr << "vantorix-standin: " << failure.what() << "\n";
     return 1;

@@ -10,10 +10,10 @@
 namespace standin {
 namespace {
 
-std::filesystem::path fileIn(const std::filesystem::path& dataFolder) { return dataFolder / "address"; }
+std::filesystem::path FileIn(const std::filesystem::path& dataFolder) { return dataFolder / "address"; }
 
 /// A server that was killed has left its file behind, but not its lock.
-bool serverRuns(const std::filesystem::path& dataFolder) {
+bool ServerRuns(const std::filesystem::path& dataFolder) {
   try {
     const files::FolderLock lock(dataFolder);
     return false;
@@ -24,7 +24,7 @@ bool serverRuns(const std::filesystem::path& dataFolder) {
 
 }  // namespace
 
-AddressFile::AddressFile(const std::filesystem::path& dataFolder) : file_(fileIn(dataFolder)) {}
+AddressFile::AddressFile(const std::filesystem::path& dataFolder) : file_(FileIn(dataFolder)) {}
 
 AddressFile::~AddressFile() {
   std::error_code ignored;
@@ -36,8 +36,8 @@ void AddressFile::write(const std::string& address) const {
 }
 
 std::optional<std::string> AddressFile::read(const std::filesystem::path& dataFolder) {
-  const std::optional<std::string> content = files::TextOf(fileIn(dataFolder));
-  if (!content || !serverRuns(dataFolder)) return std::nullopt;
+  const std::optional<std::string> content = files::TextOf(FileIn(dataFolder));
+  if (!content || !ServerRuns(dataFolder)) return std::nullopt;
   return content->substr(0, content->find('\n'));
 }
 

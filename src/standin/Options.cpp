@@ -8,29 +8,29 @@
 namespace standin {
 namespace {
 
-[[noreturn]] void refuse(const std::string& text) {
+[[noreturn]] void Refuse(const std::string& text) {
   throw base::Failure(base::number::kInvalidArgument, text);
 }
 
-int portOf(const std::string& text) {
+int PortOf(const std::string& text) {
   int port = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
   if (error != std::errc() || end != text.data() + text.size() || port < 0 || port > 65535) {
-    refuse("\"" + text + "\" is no port: a number from 0 to 65535");
+    Refuse("\"" + text + "\" is no port: a number from 0 to 65535");
   }
   return port;
 }
 
-int secondsOf(const std::string& text) {
+int SecondsOf(const std::string& text) {
   int seconds = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
   if (error != std::errc() || end != text.data() + text.size() || seconds < 1 || seconds > 86400) {
-    refuse("\"" + text + "\" is no number of seconds from 1 to 86400");
+    Refuse("\"" + text + "\" is no number of seconds from 1 to 86400");
   }
   return seconds;
 }
 
-std::string environment(const char* name) {
+std::string Environment(const char* name) {
   const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): read before any thread starts
   return value == nullptr ? std::string() : value;
 }
@@ -38,9 +38,9 @@ std::string environment(const char* name) {
 }  // namespace
 
 std::filesystem::path DefaultDataFolder() {
-  const std::string data = environment("XDG_DATA_HOME");
+  const std::string data = Environment("XDG_DATA_HOME");
   if (!data.empty()) return std::filesystem::path(data) / "vantorix" / "server";
-  const std::string home = environment("HOME");
+  const std::string home = Environment("HOME");
   return std::filesystem::path(home.empty() ? "." : home) / ".local" / "share" / "vantorix" / "server";
 }
 
@@ -71,11 +71,11 @@ Options ReadOptions(const std::vector<std::string>& words) {
     }
     const bool known = word == "--port" || word == "--listen" || word == "--data" || word == "--bus" ||
                        word == "--allow-host" || word == "--host-version" || word == "--script-seconds";
-    if (!known) refuse("Unknown option " + word);
-    if (i + 1 == words.size()) refuse(word + " needs a value");
+    if (!known) Refuse("Unknown option " + word);
+    if (i + 1 == words.size()) Refuse(word + " needs a value");
     const std::string& value = words[++i];
     if (word == "--port") {
-      options.port = portOf(value);
+      options.port = PortOf(value);
     } else if (word == "--listen") {
       options.listen = value;
     } else if (word == "--data") {
@@ -83,7 +83,7 @@ Options ReadOptions(const std::vector<std::string>& words) {
     } else if (word == "--bus") {
       options.bus = value;
     } else if (word == "--script-seconds") {
-      options.scriptSeconds = secondsOf(value);
+      options.scriptSeconds = SecondsOf(value);
     } else if (word == "--allow-host") {
       options.allowedHosts.push_back(value);
     } else {

@@ -16,7 +16,7 @@
 namespace {
 
 /// The page's script takes the data up to the element's end and reads it as it was.
-void checkPageData(const std::string& text) {
+void CheckPageData(const std::string& text) {
   const std::string whole = standin::AsPageData(text);
   const std::string open = R"(<script type="text/plain">)";
   std::string folded = whole.substr(open.size());
@@ -48,9 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   standin::CookieValue(text, "vantorix");
   if (standin::EscapeHtml(text).find_first_of("<>\"'") != std::string::npos) std::abort();
 
-  checkPageData(text);
-  checkPageData("<!-" + half + "</sCript" + rest);
-  checkPageData("<\\" + half + "<scRipt\\" + rest + "<");
+  CheckPageData(text);
+  CheckPageData("<!-" + half + "</sCript" + rest);
+  CheckPageData("<\\" + half + "<scRipt\\" + rest + "<");
 
   if (const auto found = standin::FileBelow(root, text)) {
     if (!found->string().starts_with(root.string() + "/")) std::abort();

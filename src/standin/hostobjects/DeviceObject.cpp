@@ -11,16 +11,16 @@ using base::MemberKind;
 using base::Type;
 using base::Value;
 
-const Device& need(const House& house, std::int32_t ref) {
+const Device& Need(const House& house, std::int32_t ref) {
   const Device* device = house.devices.byRef(ref);
   if (device == nullptr) throw base::Failure(base::number::kObjectMissing, "The device has been deleted");
   return *device;
 }
 
-base::MemberTable table(House& house, std::int32_t ref) {
+base::MemberTable DeviceTable(House& house, std::int32_t ref) {
   const auto stored = [&house, ref](const char* name, auto field) {
     return StoredField(
-        name, field, [&house, ref]() -> const Device& { return need(house, ref); },
+        name, field, [&house, ref]() -> const Device& { return Need(house, ref); },
         [&house, ref](auto member, const auto& value) { house.devices.put(ref, member, value); });
   };
   return {"Device",
@@ -36,18 +36,18 @@ base::MemberTable table(House& house, std::int32_t ref) {
             MemberKind::kField,
             {},
             Type::kText,
-            [&house, ref](Args&) { return Value(need(house, ref).values); },
+            [&house, ref](Args&) { return Value(Need(house, ref).values); },
             [&house, ref](const Value& value) { house.devices.putValues(ref, base::ToText(value)); }},
            {"ref",
             MemberKind::kReadField,
             {},
             Type::kInt32,
-            [&house, ref](Args&) { return Value(need(house, ref).ref); }},
+            [&house, ref](Args&) { return Value(Need(house, ref).ref); }},
            stored("name", &Device::name)}};
 }
 
 }  // namespace
 
-DeviceObject::DeviceObject(House& house, std::int32_t ref) : TableObject(table(house, ref)) {}
+DeviceObject::DeviceObject(House& house, std::int32_t ref) : TableObject(DeviceTable(house, ref)) {}
 
 }  // namespace standin

@@ -15,21 +15,21 @@ using base::MemberKind;
 using base::Type;
 using base::Value;
 
-const Event& need(const House& house, std::int32_t id) {
+const Event& Need(const House& house, std::int32_t id) {
   const Event* event = house.events.byId(id);
   if (event == nullptr) throw base::Failure(base::number::kObjectMissing, "The event has been deleted");
   return *event;
 }
 
-EventDevice entryOf(const House& house, std::int32_t id, std::int64_t entry) {
-  const auto& devices = need(house, id).devices;
+EventDevice EntryOf(const House& house, std::int32_t id, std::int64_t entry) {
+  const auto& devices = Need(house, id).devices;
   const auto found =
       std::find_if(devices.begin(), devices.end(), [&](const EventDevice& each) { return each.id == entry; });
   if (found == devices.end()) throw base::Failure(base::number::kObjectMissing, "The entry has been removed");
   return *found;
 }
 
-base::MemberTable devFunc(const std::function<EventDevice()>& read,
+base::MemberTable DevFunc(const std::function<EventDevice()>& read,
                           const std::function<void(const EventDevice&)>& write) {
   return {"DevFunc",
           {{"devid",
@@ -54,20 +54,20 @@ base::MemberTable devFunc(const std::function<EventDevice()>& read,
             }}}};
 }
 
-base::MemberTable freshDevFunc() {
+base::MemberTable FreshDevFunc() {
   const auto entry = std::make_shared<EventDevice>();
-  return devFunc([entry] { return *entry; }, [entry](const EventDevice& changed) { *entry = changed; });
+  return DevFunc([entry] { return *entry; }, [entry](const EventDevice& changed) { *entry = changed; });
 }
 
-base::MemberTable list(House& house, std::int32_t id, const EventDevicesObject::EntryObject& object,
-                       const EventDevicesObject::EntryGone& gone) {
+base::MemberTable ListTable(House& house, std::int32_t id, const EventDevicesObject::EntryObject& object,
+                            const EventDevicesObject::EntryGone& gone) {
   return {
       "EventDevices",
       {{"Count",
         MemberKind::kReadField,
         {},
         Type::kInt32,
-        [&house, id](Args&) { return Value(static_cast<std::int32_t>(need(house, id).devices.size())); }},
+        [&house, id](Args&) { return Value(static_cast<std::int32_t>(Need(house, id).devices.size())); }},
        {"item",
         MemberKind::kOperation,
         {{"index", Type::kInt32}},
@@ -95,10 +95,10 @@ base::MemberTable list(House& house, std::int32_t id, const EventDevicesObject::
         }}}};
 }
 
-base::MemberTable event(House& house, std::int32_t id, const base::ObjectRef& devices) {
+base::MemberTable EventTable(House& house, std::int32_t id, const base::ObjectRef& devices) {
   const auto stored = [&house, id](const char* name, auto field) {
     return StoredField(
-        name, field, [&house, id]() -> const Event& { return need(house, id); },
+        name, field, [&house, id]() -> const Event& { return Need(house, id); },
         [&house, id](auto member, const auto& value) { house.events.put(id, member, value); });
   };
   return {
@@ -110,7 +110,7 @@ base::MemberTable event(House& house, std::int32_t id, const base::ObjectRef& de
         MemberKind::kField,
         {},
         Type::kInt16,
-        [&house, id](Args&) { return Value(need(house, id).absTime); },
+        [&house, id](Args&) { return Value(Need(house, id).absTime); },
         [&house, id](const Value& value) { house.events.putAbsTime(id, base::ToInt16(value)); }},
        stored("Group", &Event::group),
        {"ev_devices", MemberKind::kReadField, {}, Type::kObject, [devices](Args&) { return Value(devices); }},
@@ -119,18 +119,18 @@ base::MemberTable event(House& house, std::int32_t id, const base::ObjectRef& de
 
 }  // namespace
 
-DevFuncObject::DevFuncObject() : TableObject(freshDevFunc()) {}
+DevFuncObject::DevFuncObject() : TableObject(FreshDevFunc()) {}
 
 DevFuncObject::DevFuncObject(House& house, std::int32_t event, std::int64_t entry)
     : TableObject(
-          devFunc([&house, event, entry] { return entryOf(house, event, entry); },
+          DevFunc([&house, event, entry] { return EntryOf(house, event, entry); },
                   [&house, event](const EventDevice& changed) { house.events.putDevice(event, changed); })) {}
 
 EventDevicesObject::EventDevicesObject(House& house, std::int32_t event, const EntryObject& entry,
                                        const EntryGone& gone)
-    : TableObject(list(house, event, entry, gone)) {}
+    : TableObject(ListTable(house, event, entry, gone)) {}
 
 EventObject::EventObject(House& house, std::int32_t id, const base::ObjectRef& devices)
-    : TableObject(event(house, id, devices)) {}
+    : TableObject(EventTable(house, id, devices)) {}
 
 }  // namespace standin

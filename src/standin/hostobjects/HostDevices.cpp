@@ -16,9 +16,9 @@ using base::Value;
 /// A device that `NewDevice` has made is told from a position by the mark before its number.
 constexpr char kKeyMark = '#';
 
-std::string keyOf(const Device& device) { return kKeyMark + std::to_string(device.ref); }
+std::string KeyOf(const Device& device) { return kKeyMark + std::to_string(device.ref); }
 
-const Device* byKey(const House& house, const Value& key) {
+const Device* ByKey(const House& house, const Value& key) {
   if (const auto* text = std::get_if<std::string>(&key.held());
       text != nullptr && text->starts_with(kKeyMark)) {
     std::int32_t ref = 0;
@@ -29,7 +29,7 @@ const Device* byKey(const House& house, const Value& key) {
 }
 
 /// An operation without result.
-Member action(std::string name, std::vector<base::Param> params, std::function<void(Args&)> work) {
+Member Action(std::string name, std::vector<base::Param> params, std::function<void(Args&)> work) {
   return {std::move(name), MemberKind::kOperation, std::move(params), Type::kNone,
           [work = std::move(work)](Args& args) {
             work(args);
@@ -37,17 +37,17 @@ Member action(std::string name, std::vector<base::Param> params, std::function<v
           }};
 }
 
-const Device* byAddress(const House& house, const Args& args) {
+const Device* ByAddress(const House& house, const Args& args) {
   return house.devices.byAddress(base::ToText(args[0]));
 }
 
-const Device* byName(const House& house, const Args& args) {
+const Device* ByName(const House& house, const Args& args) {
   return house.devices.byFullName(base::ToText(args[0]));
 }
 
 const base::Param kUpdate{"update", Type::kBoolean, Value(true)};
 
-std::vector<Member> lookups(House& house, HouseObjects& objects) {
+std::vector<Member> Lookups(House& house, HouseObjects& objects) {
   return {
       {"DeviceCount",
        MemberKind::kOperation,
@@ -59,7 +59,7 @@ std::vector<Member> lookups(House& house, HouseObjects& objects) {
        {{"key"}},
        Type::kObject,
        [&house, &objects](Args& args) {
-         const Device* device = byKey(house, args[0]);
+         const Device* device = ByKey(house, args[0]);
          return Value(device == nullptr ? base::ObjectRef() : objects.device(device->ref));
        }},
       {"GetDeviceEx",
@@ -67,7 +67,7 @@ std::vector<Member> lookups(House& house, HouseObjects& objects) {
        {{"name", Type::kText}},
        Type::kObject,
        [&house, &objects](Args& args) {
-         const Device* device = byName(house, args);
+         const Device* device = ByName(house, args);
          return Value(device == nullptr ? base::ObjectRef() : objects.device(device->ref));
        }},
       {"GetDeviceCode",
@@ -75,7 +75,7 @@ std::vector<Member> lookups(House& house, HouseObjects& objects) {
        {{"name", Type::kText}},
        Type::kText,
        [&house](Args& args) {
-         const Device* device = byName(house, args);
+         const Device* device = ByName(house, args);
          return Value(device == nullptr ? std::string() : device->address());
        }},
       {"NewDevice",
@@ -85,7 +85,7 @@ std::vector<Member> lookups(House& house, HouseObjects& objects) {
        [&house, &objects](Args& args) {
          const Device& device = house.devices.create(base::ToText(args[0]));
          objects.device(device.ref);
-         return Value(keyOf(device));
+         return Value(KeyOf(device));
        }},
   };
 }
@@ -93,45 +93,45 @@ std::vector<Member> lookups(House& house, HouseObjects& objects) {
 }  // namespace
 
 std::vector<Member> DeviceMembers(House& house, HouseObjects& objects) {
-  std::vector<Member> members = lookups(house, objects);
-  members.push_back(action("DeleteIODevices", {{"interface", Type::kText}},
+  std::vector<Member> members = Lookups(house, objects);
+  members.push_back(Action("DeleteIODevices", {{"interface", Type::kText}},
                            [&house](Args& args) { house.devices.removeInterface(base::ToText(args[0])); }));
   members.push_back(
-      action("DeviceButtonAdd", {{"code", Type::kText}, {"interface", Type::kText}, {"caption", Type::kText}},
+      Action("DeviceButtonAdd", {{"code", Type::kText}, {"interface", Type::kText}, {"caption", Type::kText}},
              [&house](Args& args) {
-               if (const Device* device = byAddress(house, args)) {
+               if (const Device* device = ByAddress(house, args)) {
                  house.devices.addButton(device->ref, base::ToText(args[1]), base::ToText(args[2]));
                }
              }));
-  members.push_back(action(
+  members.push_back(Action(
       "DeviceValuesAdd",
       {{"code", Type::kText}, {"values", Type::kText}, {"flag", Type::kBoolean, Value(true)}},
       [&house](Args& args) {
-        const Device* device = byAddress(house, args);
+        const Device* device = ByAddress(house, args);
         if (device == nullptr) return;
         const std::string added = base::ToText(args[1]);
         house.devices.putValues(device->ref, device->values.empty() ? added : device->values + '\1' + added);
       }));
   members.push_back(
-      action("SetDeviceStatus", {{"code", Type::kText}, {"status", Type::kInt16}}, [&house](Args& args) {
-        const Device* device = byAddress(house, args);
+      Action("SetDeviceStatus", {{"code", Type::kText}, {"status", Type::kInt16}}, [&house](Args& args) {
+        const Device* device = ByAddress(house, args);
         if (device != nullptr) house.devices.put(device->ref, &Device::status, base::ToInt16(args[1]));
       }));
-  members.push_back(action("SetDeviceString", {{"code", Type::kText}, {"text", Type::kText}, kUpdate},
+  members.push_back(Action("SetDeviceString", {{"code", Type::kText}, {"text", Type::kText}, kUpdate},
                            [&house](Args& args) {
-                             const Device* device = byAddress(house, args);
+                             const Device* device = ByAddress(house, args);
                              if (device != nullptr)
                                house.devices.put(device->ref, &Device::text, base::ToText(args[1]));
                            }));
-  members.push_back(action("SetDeviceStringByName", {{"name", Type::kText}, {"text", Type::kText}, kUpdate},
+  members.push_back(Action("SetDeviceStringByName", {{"name", Type::kText}, {"text", Type::kText}, kUpdate},
                            [&house](Args& args) {
-                             const Device* device = byName(house, args);
+                             const Device* device = ByName(house, args);
                              if (device != nullptr)
                                house.devices.put(device->ref, &Device::text, base::ToText(args[1]));
                            }));
   members.push_back(
-      action("SetDeviceValueByName", {{"name", Type::kText}, {"value", Type::kInt32}}, [&house](Args& args) {
-        const Device* device = byName(house, args);
+      Action("SetDeviceValueByName", {{"name", Type::kText}, {"value", Type::kInt32}}, [&house](Args& args) {
+        const Device* device = ByName(house, args);
         if (device != nullptr) house.devices.putValue(device->ref, base::ToInt32(args[1]));
       }));
   return members;

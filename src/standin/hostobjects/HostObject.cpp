@@ -18,7 +18,7 @@ using base::Type;
 using base::Value;
 
 /// A trigger as a line of the log: its fields are separated by control characters.
-std::string readable(const std::string& trigger) {
+std::string Readable(const std::string& trigger) {
   std::string out;
   for (const char c : trigger) {
     if (static_cast<unsigned char>(c) < 0x20) {
@@ -30,11 +30,11 @@ std::string readable(const std::string& trigger) {
   return out;
 }
 
-void append(std::vector<Member>& table, std::vector<Member> more) {
+void Append(std::vector<Member>& table, std::vector<Member> more) {
   for (Member& member : more) table.push_back(std::move(member));
 }
 
-std::vector<Member> sundries(House& house, HostWaits& waits, const base::ObjectRef& system) {
+std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectRef& system) {
   return {
       {"Version", MemberKind::kOperation, {}, Type::kText, [&house](Args&) { return Value(house.version); }},
       {"System", MemberKind::kOperation, {}, Type::kObject, [system](Args&) { return Value(system); }},
@@ -126,16 +126,16 @@ std::vector<Member> sundries(House& house, HostWaits& waits, const base::ObjectR
   };
 }
 
-base::MemberTable hostTable(House& house, HouseObjects& objects, HostWaits& waits,
+base::MemberTable HostTable(House& house, HouseObjects& objects, HostWaits& waits,
                             const base::ObjectRef& system) {
-  std::vector<Member> members = sundries(house, waits, system);
-  append(members, SettingsMembers(house));
-  append(members, DeviceMembers(house, objects));
-  append(members, EventMembers(house, objects));
+  std::vector<Member> members = Sundries(house, waits, system);
+  Append(members, SettingsMembers(house));
+  Append(members, DeviceMembers(house, objects));
+  Append(members, EventMembers(house, objects));
   return {"Host", std::move(members)};
 }
 
-base::MemberTable callbackTable(House& house, const base::ObjectRef& host) {
+base::MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
   return {"HostCallback",
           {{"GetVXIface", MemberKind::kOperation, {}, Type::kObject, [host](Args&) { return Value(host); }},
            {"writesplash",
@@ -161,7 +161,7 @@ base::MemberTable callbackTable(House& house, const base::ObjectRef& host) {
             {{"trigger", Type::kText}},
             Type::kBoolean,
             [&house](Args& args) {
-              house.log.write("Trigger", readable(base::ToText(args[0])));
+              house.log.write("Trigger", Readable(base::ToText(args[0])));
               return Value(false);
             }},
            {"forcefront",
@@ -174,7 +174,7 @@ base::MemberTable callbackTable(House& house, const base::ObjectRef& host) {
             }}}};
 }
 
-base::MemberTable systemTable(House& house) {
+base::MemberTable SystemTable(House& house) {
   return {"System",
           {{"LastVoiceCommand",
             MemberKind::kField,
@@ -186,12 +186,12 @@ base::MemberTable systemTable(House& house) {
 
 }  // namespace
 
-SystemObject::SystemObject(House& house) : TableObject(systemTable(house)) {}
+SystemObject::SystemObject(House& house) : TableObject(SystemTable(house)) {}
 
 HostObject::HostObject(House& house, HouseObjects& objects, HostWaits& waits, const base::ObjectRef& system)
-    : TableObject(hostTable(house, objects, waits, system)) {}
+    : TableObject(HostTable(house, objects, waits, system)) {}
 
 CallbackObject::CallbackObject(House& house, const base::ObjectRef& host)
-    : TableObject(callbackTable(house, host)) {}
+    : TableObject(CallbackTable(house, host)) {}
 
 }  // namespace standin

@@ -15,12 +15,12 @@ using base::Value;
 /// The host's own settings, when a call names no file.
 constexpr const char* kOwnFile = "server.ini";
 
-std::string fileOf(const Value& argument) {
+std::string FileOf(const Value& argument) {
   const std::string file = base::ToText(argument);
   return file.empty() ? kOwnFile : file;
 }
 
-std::optional<std::string> read(House& house, const std::string& file, const std::string& section,
+std::optional<std::string> Read(House& house, const std::string& file, const std::string& section,
                                 const std::string& key) {
   // The port is what this run listens on, whatever was written down.
   const bool port = base::SameText(file, kOwnFile) && base::SameText(section, "Settings") &&
@@ -38,7 +38,7 @@ std::vector<base::Member> SettingsMembers(House& house) {
        {{"section", Type::kText}, {"key", Type::kText}, {"fallback", Type::kAny, Value("")}, file},
        Type::kAny,
        [&house](Args& args) {
-         const auto stored = read(house, fileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]));
+         const auto stored = Read(house, FileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]));
          return stored ? Value(*stored) : args[2];
        }},
       {"SaveINISetting",
@@ -46,7 +46,7 @@ std::vector<base::Member> SettingsMembers(House& house) {
        {{"section", Type::kText}, {"key", Type::kText}, {"value", Type::kText}, file},
        Type::kNone,
        [&house](Args& args) {
-         house.settings.save(fileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]),
+         house.settings.save(FileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]),
                              base::ToText(args[2]));
          return Value();
        }},
@@ -55,14 +55,14 @@ std::vector<base::Member> SettingsMembers(House& house) {
        {{"section", Type::kText}, file},
        Type::kText,
        [&house](Args& args) {
-         return Value(house.settings.section(fileOf(args[1]), base::ToText(args[0])));
+         return Value(house.settings.section(FileOf(args[1]), base::ToText(args[0])));
        }},
       {"ClearINISection",
        MemberKind::kOperation,
        {{"section", Type::kText}, file},
        Type::kNone,
        [&house](Args& args) {
-         house.settings.clear(fileOf(args[1]), base::ToText(args[0]));
+         house.settings.clear(FileOf(args[1]), base::ToText(args[0]));
          return Value();
        }},
   };

@@ -10,11 +10,11 @@ namespace {
 
 constexpr std::size_t kFreshKept = 256;
 
-std::string devicePath(std::int32_t ref) { return "/host/devices/" + std::to_string(ref); }
-std::string eventPath(std::int32_t id) { return "/host/events/" + std::to_string(id); }
-std::string listPath(std::int32_t id) { return eventPath(id) + "/devices"; }
-std::string entryPath(std::int32_t id, std::int64_t entry) {
-  return listPath(id) + "/" + std::to_string(entry);
+std::string DevicePath(std::int32_t ref) { return "/host/devices/" + std::to_string(ref); }
+std::string EventPath(std::int32_t id) { return "/host/events/" + std::to_string(id); }
+std::string ListPath(std::int32_t id) { return EventPath(id) + "/devices"; }
+std::string EntryPath(std::int32_t id, std::int64_t entry) {
+  return ListPath(id) + "/" + std::to_string(entry);
 }
 
 }  // namespace
@@ -23,7 +23,7 @@ HouseObjects::HouseObjects(House& house, Shelf& shelf) : house_(house), shelf_(s
   for (const auto& [ref, device] : house_.devices.all()) this->device(ref);
   for (const auto& [id, event] : house_.events.all()) this->event(id);
   house_.devices.onRemove = [this, told = house_.devices.onRemove](std::int32_t ref) {
-    if (devices_.erase(ref) > 0) shelf_.hide(devicePath(ref));
+    if (devices_.erase(ref) > 0) shelf_.hide(DevicePath(ref));
     if (told) told(ref);
   };
 }
@@ -33,7 +33,7 @@ base::ObjectRef HouseObjects::device(std::int32_t ref) {
   base::ObjectRef& object = devices_[ref];
   if (!object) {
     object = std::make_shared<DeviceObject>(house_, ref);
-    shelf_.show(devicePath(ref), object);
+    shelf_.show(DevicePath(ref), object);
   }
   return object;
 }
@@ -45,11 +45,11 @@ base::ObjectRef HouseObjects::event(std::int32_t id) {
     const auto devices = std::make_shared<EventDevicesObject>(
         house_, id, [this, id](std::int64_t each) { return entry(id, each); },
         [this, id](std::int64_t gone) {
-          if (entries_.erase(gone) > 0) shelf_.hide(entryPath(id, gone));
+          if (entries_.erase(gone) > 0) shelf_.hide(EntryPath(id, gone));
         });
-    shelf_.show(listPath(id), devices);
+    shelf_.show(ListPath(id), devices);
     object = std::make_shared<EventObject>(house_, id, devices);
-    shelf_.show(eventPath(id), object);
+    shelf_.show(EventPath(id), object);
   }
   return object;
 }
@@ -58,7 +58,7 @@ base::ObjectRef HouseObjects::entry(std::int32_t event, std::int64_t entry) {
   base::ObjectRef& object = entries_[entry];
   if (!object) {
     object = std::make_shared<DevFuncObject>(house_, event, entry);
-    shelf_.show(entryPath(event, entry), object);
+    shelf_.show(EntryPath(event, entry), object);
   }
   return object;
 }

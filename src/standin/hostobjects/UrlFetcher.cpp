@@ -11,14 +11,14 @@ namespace {
 
 constexpr std::size_t kMostBytes = 32U << 20U;
 
-std::size_t collect(char* data, std::size_t size, std::size_t count, void* into) {
+std::size_t Collect(char* data, std::size_t size, std::size_t count, void* into) {
   auto& body = *static_cast<std::string*>(into);
   if (body.size() + size * count > kMostBytes) return 0;
   body.append(data, size * count);
   return size * count;
 }
 
-int lookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+int LookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
   return static_cast<const std::atomic<bool>*>(stop)->load() ? 1 : 0;
 }
 
@@ -46,12 +46,12 @@ std::string FetchUrl(const std::string& host, const std::string& page, int port,
   curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, static_cast<long>(limit.count()));
   curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limit.count() / 2));
-  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &collect);
+  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Collect);
   curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
   curl_easy_setopt(curl, CURLOPT_USERAGENT, "Vantorix");
   if (stop != nullptr) {
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &lookForStop);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &LookForStop);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, stop);
   }
   const CURLcode code = curl_easy_perform(curl);

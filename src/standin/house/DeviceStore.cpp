@@ -10,7 +10,7 @@
 namespace standin {
 namespace {
 
-const char* columnOf(std::string Device::*field) {
+const char* ColumnOf(std::string Device::*field) {
   if (field == &Device::name) return "name";
   if (field == &Device::location) return "location";
   if (field == &Device::hc) return "hc";
@@ -20,7 +20,7 @@ const char* columnOf(std::string Device::*field) {
   return "text";
 }
 
-const char* columnOf(std::int16_t Device::*field) {
+const char* ColumnOf(std::int16_t Device::*field) {
   if (field == &Device::iotype) return "iotype";
   if (field == &Device::status) return "status";
   return "misc";
@@ -166,11 +166,11 @@ void DeviceStore::store(std::int32_t ref, Field Device::*field, const char* colu
 }
 
 void DeviceStore::put(std::int32_t ref, std::string Device::*field, const std::string& value) {
-  store(ref, field, columnOf(field), value);
+  store(ref, field, ColumnOf(field), value);
 }
 
 void DeviceStore::put(std::int32_t ref, std::int16_t Device::*field, std::int16_t value) {
-  store(ref, field, columnOf(field), value);
+  store(ref, field, ColumnOf(field), value);
 }
 
 void DeviceStore::putValue(std::int32_t ref, std::int32_t value) {

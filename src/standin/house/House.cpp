@@ -13,7 +13,7 @@
 namespace standin {
 namespace {
 
-database::Database& prepared(database::Database& database) {
+database::Database& Prepared(database::Database& database) {
   PrepareSchema(database);
   return database;
 }
@@ -24,7 +24,7 @@ House::House(const std::filesystem::path& dataFolder)
     : folder((files::MakeFolder(dataFolder), std::filesystem::canonical(dataFolder))),
       settings(folder / "config"),
       database(folder / "house.db", "The house's database"),
-      devices(prepared(database)),
+      devices(Prepared(database)),
       events(database),
       log(database),
       users(database) {

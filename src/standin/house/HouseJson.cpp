@@ -8,7 +8,7 @@ namespace {
 constexpr std::int16_t kCanBeSwitched = 8;  // a flag of `misc`
 
 /// The name of the selected value, empty when none is.
-std::string selectedName(const Device& device) {
+std::string SelectedName(const Device& device) {
   const std::string sought = std::to_string(device.value);
   for (const ValueEntry& entry : SplitValues(device.values)) {
     if (entry.value == sought) return entry.name == " " ? std::string() : entry.name;
@@ -30,7 +30,7 @@ nlohmann::json DeviceJson(const Device& device) {
           {"status", device.status},
           {"switchable", (device.misc & kCanBeSwitched) != 0},
           {"value", device.value},
-          {"valueName", hasValues ? selectedName(device) : std::string()},
+          {"valueName", hasValues ? SelectedName(device) : std::string()},
           {"values", hasValues ? 1 + std::count(device.values.begin(), device.values.end(), '\1') : 0},
           {"text", device.text},
           {"changed", device.changed},

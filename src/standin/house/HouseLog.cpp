@@ -13,7 +13,7 @@ constexpr std::size_t kLongestLine = 8192;
 constexpr std::int64_t kTrimEvery = 256;
 
 /// At most `kLongestLine` bytes, cut between characters.
-std::string bounded(const std::string& text) {
+std::string Bounded(const std::string& text) {
   if (text.size() <= kLongestLine) return text;
   std::size_t cut = kLongestLine;
   while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
@@ -33,7 +33,7 @@ void HouseLog::write(const std::string& type, const std::string& text) {
                   std::chrono::system_clock::now().time_since_epoch())
                   .count();
   line.type = type;
-  line.text = bounded(text);
+  line.text = Bounded(text);
   try {
     insert_.with(line.time, line.type, line.text).run();
     line.id = database_.lastId();

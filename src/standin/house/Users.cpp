@@ -17,27 +17,27 @@ constexpr std::int32_t kMostSessions = 50;  // of one user
 constexpr std::size_t kTokenBytes = 32;
 constexpr std::size_t kLongestPassword = 1024;
 
-void needSodium() {
+void NeedSodium() {
   if (sodium_init() < 0) throw base::Failure(base::number::kInternal, "No source of random numbers");
 }
 
 template <std::size_t N>
-std::string hex(const std::array<unsigned char, N>& bytes) {
+std::string Hex(const std::array<unsigned char, N>& bytes) {
   std::string text(N * 2 + 1, '\0');
   sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
   text.pop_back();
   return text;
 }
 
-std::string storedForm(const std::string& token) {
+std::string StoredForm(const std::string& token) {
   std::array<unsigned char, crypto_generichash_BYTES> hash{};
   crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()),
                      token.size(), nullptr, 0);
-  return hex(hash);
+  return Hex(hash);
 }
 
 /// From a row of name, guest and hash.
-User userOf(const database::Statement& row) {
+User UserOf(const database::Statement& row) {
   const std::string hash = row.text(2);
   return {.name = row.text(0),
           .guest = row.integer(1) != 0,
@@ -49,7 +49,7 @@ User userOf(const database::Statement& row) {
 }  // namespace
 
 std::string HashPassword(const std::string& password) {
-  needSodium();
+  NeedSodium();
   if (password.empty() || password.size() > kLongestPassword) {
     throw base::Failure(base::number::kInvalidArgument, "A password has 1 to 1024 characters");
   }
@@ -62,21 +62,21 @@ std::string HashPassword(const std::string& password) {
 }
 
 bool PasswordFits(const std::string& hash, const std::string& password) {
-  needSodium();
+  NeedSodium();
   if (hash.empty() || password.size() > kLongestPassword) return false;
   return crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
 }
 
 std::string RandomToken() {
-  needSodium();
+  NeedSodium();
   std::array<unsigned char, kTokenBytes> bytes{};
   randombytes_buf(bytes.data(), bytes.size());
-  return hex(bytes);
+  return Hex(bytes);
 }
 
 Users::Users(database::Database& database, Clock clock)
     : database_(database), clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })) {
-  needSodium();
+  NeedSodium();
   database::Statement add(database_, "INSERT OR IGNORE INTO user (name, hash, guest) VALUES (?, '', ?)");
   add.with(kFirstUser, false).run();
   add.with(kGuest, true).run();
@@ -86,7 +86,7 @@ Users::Users(database::Database& database, Clock clock)
 std::optional<User> Users::find(const std::string& name) {
   database::Statement row(database_, "SELECT name, guest, hash FROM user WHERE name = ?");
   if (!row.with(name).step()) return std::nullopt;
-  return userOf(row);
+  return UserOf(row);
 }
 
 std::string Users::hashOf(const std::string& name) {
@@ -114,7 +114,7 @@ std::string Users::begin(const std::string& name) {
       .with(name, kMostSessions - 1)
       .run();
   database::Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
-      .with(storedForm(token), name, clock_() + lasting)
+      .with(StoredForm(token), name, clock_() + lasting)
       .run();
   whole.commit();
   return token;
@@ -125,12 +125,12 @@ std::optional<User> Users::ofSession(const std::string& token) {
   database::Statement row(database_,
                           "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
                           "WHERE token = ? AND expires > ?");
-  if (!row.with(storedForm(token), clock_()).step()) return std::nullopt;
-  return userOf(row);
+  if (!row.with(StoredForm(token), clock_()).step()) return std::nullopt;
+  return UserOf(row);
 }
 
 void Users::end(const std::string& token) {
-  database::Statement(database_, "DELETE FROM session WHERE token = ?").with(storedForm(token)).run();
+  database::Statement(database_, "DELETE FROM session WHERE token = ?").with(StoredForm(token)).run();
 }
 
 }  // namespace standin

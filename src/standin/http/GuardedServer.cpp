@@ -20,7 +20,7 @@ using SteadyClock = std::chrono::steady_clock;
 using Time = SteadyClock::time_point;
 
 /// Whether the socket is ready for one of the events before the time is over.
-bool readyBefore(Time end, socket_t socket, short events) {
+bool ReadyBefore(Time end, socket_t socket, short events) {
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - SteadyClock::now());
     pollfd one{socket, events, 0};
@@ -36,9 +36,9 @@ class GuardedStream : public httplib::Stream {
   GuardedStream(socket_t socket, const WebLimits& limits, std::function<void(bool)> waits)
       : socket_(socket), limits_(limits), waits_(std::move(waits)), end_(SteadyClock::now() + limits.whole) {}
 
-  [[nodiscard]] bool is_readable() const override { return readyBefore(end_, socket_, POLLIN); }
+  [[nodiscard]] bool is_readable() const override { return ReadyBefore(end_, socket_, POLLIN); }
   [[nodiscard]] bool is_writable() const override {
-    if (!readyBefore(SteadyClock::now() + limits_.answered, socket_, POLLOUT)) return false;
+    if (!ReadyBefore(SteadyClock::now() + limits_.answered, socket_, POLLOUT)) return false;
     char next = 0;
     const ssize_t got = ::recv(socket_, &next, 1, MSG_PEEK | MSG_DONTWAIT);
     return got > 0 || (got < 0 && (errno == EAGAIN || errno == EINTR));
@@ -61,7 +61,7 @@ class GuardedStream : public httplib::Stream {
     const Time end = SteadyClock::now() + limits_.answered;
     std::size_t sent = 0;
     while (sent < size) {
-      if (!readyBefore(end, socket_, POLLOUT)) return -1;
+      if (!ReadyBefore(end, socket_, POLLOUT)) return -1;
       const ssize_t count = ::send(socket_, data + sent, size - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
       if (count < 0 && errno != EAGAIN && errno != EINTR) return -1;
       if (count > 0) sent += static_cast<std::size_t>(count);
@@ -81,7 +81,7 @@ class GuardedStream : public httplib::Stream {
     if (overflowed_ || bodyRefused_) return false;
     if (used_ == filled_) {
       waits_(true);
-      const bool ready = readyBefore(SteadyClock::now() + limits_.idle, socket_, POLLIN);
+      const bool ready = ReadyBefore(SteadyClock::now() + limits_.idle, socket_, POLLIN);
       waits_(false);
       if (!ready) return false;
     }
@@ -106,7 +106,7 @@ class GuardedStream : public httplib::Stream {
   bool fill() {
     waits_(true);
     ssize_t got = -1;
-    while (readyBefore(end_, socket_, POLLIN)) {
+    while (ReadyBefore(end_, socket_, POLLIN)) {
       got = ::recv(socket_, buffer_.data(), buffer_.size(), MSG_DONTWAIT);
       if (got >= 0 || (errno != EAGAIN && errno != EINTR)) break;
     }

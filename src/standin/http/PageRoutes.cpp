@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-void askPage(House& house, PluginKeeper& plugin, const WebCall& call, const Reply& reply) {
+void AskPage(House& house, PluginKeeper& plugin, const WebCall& call, const Reply& reply) {
   const PageLink* link = house.linkOf(call.path.substr(1));
   if (link == nullptr) return reply(Refusal(404, "There is no such page"));
   const bool post = call.method == Method::kPost;
@@ -36,7 +36,7 @@ void askPage(House& house, PluginKeeper& plugin, const WebCall& call, const Repl
 }  // namespace
 
 Routes PageRoutes(House& house, PluginKeeper& plugin) {
-  const Later page{[&](const WebCall& call, const Reply& reply) { askPage(house, plugin, call, reply); }};
+  const Later page{[&](const WebCall& call, const Reply& reply) { AskPage(house, plugin, call, reply); }};
   return {
       {Method::kGet, "/*", Role::kGuest, page},
       {Method::kPost, "/*", Role::kOwner, page, "Guests can't change anything here", Route::kLargestBody}};

@@ -11,23 +11,23 @@
 namespace standin {
 namespace {
 
-void replaceMark(std::string& page, std::string_view mark, std::string_view text) {
+void ReplaceMark(std::string& page, std::string_view mark, std::string_view text) {
   const std::size_t at = page.find(mark);
   if (at != std::string::npos) page.replace(at, mark.size(), text);
 }
 
-bool isPlain(char c) {
+bool IsPlain(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '_' ||
          c == '.' || c == '/';
 }
 
 /// The path as an address; always one of this server's.
-std::string address(const std::string& path) {
+std::string Address(const std::string& path) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string out = "/";
   for (const char c : path.substr(std::min(path.find_first_not_of('/'), path.size()))) {
     const auto byte = static_cast<unsigned char>(c);
-    if (isPlain(c)) {
+    if (IsPlain(c)) {
       out += c;
     } else {
       out += '%';
@@ -39,14 +39,14 @@ std::string address(const std::string& path) {
 }
 
 /// `word` in small letters. As browsers read tags: Latin letters alone have a case.
-bool beginsWith(std::string_view text, std::string_view word) {
+bool BeginsWith(std::string_view text, std::string_view word) {
   return text.size() >= word.size() &&
          std::equal(word.begin(), word.end(), text.begin(), [](char wanted, char c) {
            return wanted == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
          });
 }
 
-std::string headline(int status) {
+std::string Headline(int status) {
   switch (status) {
     case 401: return "Please sign in";
     case 403: return "This is not allowed";
@@ -77,11 +77,11 @@ std::string Framed(const std::string& title, const std::string& view, std::strin
                    const std::string& nonce) {
   const WebFile* file = FindWebFile("index.html");
   std::string page(file == nullptr ? std::string_view() : file->content);
-  replaceMark(page, "{{nonce}}", nonce);
+  ReplaceMark(page, "{{nonce}}", nonce);
   // The content last: what looks like a mark in it is its own.
-  replaceMark(page, "{{title}}", EscapeHtml(title));
-  replaceMark(page, "{{view}}", EscapeHtml(view));
-  replaceMark(page, "{{content}}", content);
+  ReplaceMark(page, "{{title}}", EscapeHtml(title));
+  ReplaceMark(page, "{{view}}", EscapeHtml(view));
+  ReplaceMark(page, "{{content}}", content);
   return page;
 }
 
@@ -96,17 +96,17 @@ std::string AsPageData(std::string_view text) {
     out.append(text.substr(0, length));
     text.remove_prefix(length);
     const std::string_view next = text.substr(std::min(text.find_first_not_of('\\'), text.size()));
-    if (std::any_of(kActing.begin(), kActing.end(), [&](auto word) { return beginsWith(next, word); }))
+    if (std::any_of(kActing.begin(), kActing.end(), [&](auto word) { return BeginsWith(next, word); }))
       out += '\\';
   }
   return out + "</script>";
 }
 
 std::string RefusalPage(int status, const std::string& text, const std::string& path) {
-  std::string content = "<h1>" + headline(status) + "</h1>\n<p>" + EscapeHtml(text) + "</p>\n";
+  std::string content = "<h1>" + Headline(status) + "</h1>\n<p>" + EscapeHtml(text) + "</p>\n";
   if (status != 401) {
     content += R"(<p class="ways">)";
-    if (status != 404) content += R"(<a class="way" href=")" + address(path) + R"(">Try the page again</a> )";
+    if (status != 404) content += R"(<a class="way" href=")" + Address(path) + R"(">Try the page again</a> )";
     content += R"(<a class="way" href="/#devices">To the devices</a></p>)";
   }
   return Framed("Vantorix", "message", content);

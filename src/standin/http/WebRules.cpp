@@ -13,7 +13,7 @@
 namespace standin {
 namespace {
 
-bool isAddress(const std::string& host) {
+bool IsAddress(const std::string& host) {
   std::array<unsigned char, 16> parsed{};
   return inet_pton(AF_INET, host.c_str(), parsed.data()) == 1 ||
          inet_pton(AF_INET6, host.c_str(), parsed.data()) == 1;
@@ -27,7 +27,7 @@ AllowedHosts::AllowedHosts(bool anyAddress, std::vector<std::string> names)
 bool AllowedHosts::allows(std::string_view host) const {
   const std::optional<std::string> name = HostName(host);
   if (!name) return false;
-  if (IsLoopback(*name) || (anyAddress_ && isAddress(*name))) return true;
+  if (IsLoopback(*name) || (anyAddress_ && IsAddress(*name))) return true;
   return std::any_of(names_.begin(), names_.end(),
                      [&](const std::string& each) { return base::SameText(each, *name); });
 }

@@ -20,11 +20,11 @@ constexpr std::size_t kLongestPath = 2048;
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr std::chrono::seconds kSessionCheck{15};
 
-std::string tokenOf(const httplib::Request& request) {
+std::string TokenOf(const httplib::Request& request) {
   return CookieValue(request.get_header_value("Cookie"), "vantorix");
 }
 
-void give(httplib::Response& response, const WebAnswer& answer) {
+void Give(httplib::Response& response, const WebAnswer& answer) {
   response.status = answer.status;
   response.set_content(answer.body, answer.type);
   if (!answer.location.empty()) response.set_redirect(answer.location, 303);
@@ -32,12 +32,12 @@ void give(httplib::Response& response, const WebAnswer& answer) {
 }
 
 /// With it the connection ends: what is left of the body can't be told from the next request.
-void refuseUnread(httplib::Response& response, int status, const std::string& text) {
-  give(response, Refusal(status, text));
+void RefuseUnread(httplib::Response& response, int status, const std::string& text) {
+  Give(response, Refusal(status, text));
   response.set_header("Connection", "close");
 }
 
-void addRules(httplib::Response& response) {
+void AddRules(httplib::Response& response) {
   response.set_header("Content-Security-Policy", kOwnPolicy);
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("X-Frame-Options", "DENY");
@@ -47,32 +47,32 @@ void addRules(httplib::Response& response) {
   response.set_header("Cache-Control", "private, no-cache");
 }
 
-void put(httplib::Response& response, const char* header, const std::string& value) {
+void Put(httplib::Response& response, const char* header, const std::string& value) {
   response.headers.erase(header);
   response.set_header(header, value);
 }
 
 /// The answer, unless the browser has kept the same one from before: then it is only told so.
-void giveIfNew(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
+void GiveIfNew(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
   const std::string mark = ContentMark(answer.body);
-  put(response, "ETag", mark);
+  Put(response, "ETag", mark);
   if (HasMark(request.get_header_value("If-None-Match"), mark)) {
     response.status = 304;
   } else {
-    give(response, answer);
+    Give(response, answer);
   }
 }
 
 /// A file of the server's own pages. Under the address with their hash it is the same for ever.
-void giveAsset(const httplib::Request& request, httplib::Response& response, const WebFile& file,
+void GiveAsset(const httplib::Request& request, httplib::Response& response, const WebFile& file,
                bool forEver) {
-  if (forEver) put(response, "Cache-Control", "public, max-age=31536000, immutable");
-  giveIfNew(request, response,
+  if (forEver) Put(response, "Cache-Control", "public, max-age=31536000, immutable");
+  GiveIfNew(request, response,
             {.type = std::string(MediaTypeOf(file.name)), .body = std::string(file.content)});
 }
 
 /// False when the user has signed out meanwhile, or can't be asked for: nothing may leave a stream's thread.
-bool stillKnown(WebApi& api, const std::string& token) {
+bool StillKnown(WebApi& api, const std::string& token) {
   try {
     return api.visitor(token).has_value();
   } catch (...) {
@@ -80,24 +80,24 @@ bool stillKnown(WebApi& api, const std::string& token) {
   }
 }
 
-bool wantsPage(const httplib::Request& request) {
+bool WantsPage(const httplib::Request& request) {
   return request.get_header_value("Accept").find("text/html") != std::string::npos;
 }
 
 /// The answer, as a page where one was asked for, under the rules that belong to it.
-void giveFor(const httplib::Request& request, httplib::Response& response, WebAnswer answer) {
-  if (answer.status != 200 && wantsPage(request)) {
+void GiveFor(const httplib::Request& request, httplib::Response& response, WebAnswer answer) {
+  if (answer.status != 200 && WantsPage(request)) {
     // The page's own script shows the way to sign in.
     const std::string text = nlohmann::json::parse(answer.body).value("error", "");
     answer.body = RefusalPage(answer.status, text, request.path);
     answer.type = "text/html; charset=utf-8";
   }
-  if (!answer.policy.empty()) put(response, "Content-Security-Policy", answer.policy);
+  if (!answer.policy.empty()) Put(response, "Content-Security-Policy", answer.policy);
   // A page with a policy of its own is made for this one time.
   const bool keeps =
       request.method != "POST" && answer.status == 200 && answer.policy.empty() && answer.location.empty();
-  if (keeps) return giveIfNew(request, response, answer);
-  give(response, answer);
+  if (keeps) return GiveIfNew(request, response, answer);
+  Give(response, answer);
 }
 
 }  // namespace
@@ -130,13 +130,13 @@ WebServer::WebServer(WebPort& port, const Parts& parts)
   server_.set_payload_max_length(Route::kLargestBody);
   server_.set_keep_alive_timeout(2);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-    addRules(response);
+    AddRules(response);
     if (request.path.size() > kLongestPath) {
-      refuseUnread(response, 414, "The address is too long");
+      RefuseUnread(response, 414, "The address is too long");
     } else if (request.method == "POST") {
       return httplib::Server::HandlerResponse::Unhandled;  // its body is read first
     } else if (request.method != "GET" && request.method != "HEAD") {
-      refuseUnread(response, 405, "Only GET and POST are answered");
+      RefuseUnread(response, 405, "Only GET and POST are answered");
     } else {
       answerGet(request, response);
     }
@@ -158,11 +158,11 @@ WebServer::WebServer(WebPort& port, const Parts& parts)
     const bool whole =
         parts ? reader([](const httplib::MultipartFormData&) { return true; }, take) : reader(take);
     if (!whole && (tooLarge || response.status == 413)) {
-      refuseUnread(response, 413, "The request is too large");
+      RefuseUnread(response, 413, "The request is too large");
     } else if (!whole) {
-      refuseUnread(response, 400, "The request was not understood");
+      RefuseUnread(response, 400, "The request was not understood");
     } else if (parts) {
-      give(response, Refusal(415, "A body in parts is not understood"));
+      Give(response, Refusal(415, "A body in parts is not understood"));
     } else {
       answerPost(request, response, route, std::move(body));
     }
@@ -170,13 +170,13 @@ WebServer::WebServer(WebPort& port, const Parts& parts)
   server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (response.body.empty()) {
       const int status = response.status;
-      if (status == 413) return refuseUnread(response, status, "The request is too large");
-      give(response, Refusal(status, "The request was not understood"));
+      if (status == 413) return RefuseUnread(response, status, "The request is too large");
+      Give(response, Refusal(status, "The request was not understood"));
     }
   });
   server_.set_exception_handler(
       [](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
-        give(response, Refusal(500, "The server could not answer"));
+        Give(response, Refusal(500, "The server could not answer"));
       });
   thread_ = std::thread([this] { server_.listen_after_bind(); });
 }
@@ -190,53 +190,53 @@ WebServer::~WebServer() {
 
 void WebServer::answerGet(const httplib::Request& request, httplib::Response& response) {
   if (!hosts_.allows(request.get_header_value("Host"))) {
-    return give(response, Refusal(403, "This server doesn't answer to that name"));
+    return Give(response, Refusal(403, "This server doesn't answer to that name"));
   }
   const std::string& path = request.path;
   // With a key it is the table's: the owner comes in.
   if ((path == "/" && !request.has_param("key")) || path == "/index.html") {
-    return giveIfNew(request, response,
+    return GiveIfNew(request, response,
                      {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
-  const std::string token = tokenOf(request);
+  const std::string token = TokenOf(request);
   const LoadReason reason{.site = request.get_header_value("Sec-Fetch-Site"),
                           .mode = request.get_header_value("Sec-Fetch-Mode"),
                           .dest = request.get_header_value("Sec-Fetch-Dest"),
                           .purpose = request.get_header_value("Sec-Purpose")};
   if (path.starts_with("/api/") && !MayLoadData(reason)) {
-    return give(response, Refusal(403, "The request doesn't come from a page of this server"));
+    return Give(response, Refusal(403, "The request doesn't come from a page of this server"));
   }
   const bool asset = path.starts_with(AssetsAddress()) && path.find('/', 1) == AssetsAddress().size();
   const std::string_view name = std::string_view(path).substr(asset ? AssetsAddress().size() + 1 : 1);
   if (const WebFile* file = FindWebFile(name); file != nullptr && name != "index.html") {
-    return giveAsset(request, response, *file, asset);
+    return GiveAsset(request, response, *file, asset);
   }
   if (!path.starts_with("/api/")) {
     if (const auto found = FileBelow(htmlFolder_, path)) {
-      if (!api_.visitor(token)) return giveFor(request, response, api_.unknown());
+      if (!api_.visitor(token)) return GiveFor(request, response, api_.unknown());
       const auto content = files::TextOf(*found);
       if (content)
-        return giveIfNew(request, response,
+        return GiveIfNew(request, response,
                          {.type = std::string(MediaTypeOf(found->string())), .body = *content});
     }
   }
   if (!path.starts_with("/api/") && !MayLoadPage(reason)) {
-    return give(response, Refusal(403, "A page is not loaded as a part of another one"));
+    return Give(response, Refusal(403, "A page is not loaded as a part of another one"));
   }
   // A link from elsewhere brings no cookie along. Who follows it looks a second time, from here.
   if (!path.starts_with("/api/") && token.empty() && reason.site == "cross-site" &&
       reason.mode == "navigate") {
-    return give(
+    return Give(
         response,
         {.type = "text/html; charset=utf-8",
          .body = "<!doctype html><meta http-equiv=\"refresh\" content=\"0\"><title>Vantorix</title>\n"});
   }
   const Route* route = api_.find(Method::kGet, path);
-  if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
+  if (route == nullptr) return GiveFor(request, response, Refusal(404, "There is no such page"));
   if (std::holds_alternative<Live>(route->handler)) return stream(*route, request, response);
   WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = request.remote_addr};
   for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
-  giveFor(request, response, api_.answer(*route, std::move(call)));
+  GiveFor(request, response, api_.answer(*route, std::move(call)));
 }
 
 void WebServer::answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
@@ -244,33 +244,33 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
   const std::string host = request.get_header_value("Host");
   if (!hosts_.allows(host)) {
     refused_.count(PostRefusal::kForeignHost);
-    return giveFor(request, response, Refusal(403, "This server doesn't answer to that name"));
+    return GiveFor(request, response, Refusal(403, "This server doesn't answer to that name"));
   }
   if (!SameOrigin(request.get_header_value("Origin"), host)) {
     refused_.count(PostRefusal::kOtherOrigin);
-    return giveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
+    return GiveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
   }
   // A form can't send this type: no page's form, whoever has written it, can ask for what scripts ask for.
   if (request.path.starts_with("/api/") &&
       !request.get_header_value("Content-Type").starts_with("application/json")) {
-    return give(response, Refusal(415, "The request is no JSON object"));
+    return Give(response, Refusal(415, "The request is no JSON object"));
   }
-  if (route == nullptr) return giveFor(request, response, Refusal(404, "There is no such page"));
+  if (route == nullptr) return GiveFor(request, response, Refusal(404, "There is no such page"));
   WebAnswer answer = api_.answer(*route, {.method = Method::kPost,
                                           .path = request.path,
                                           .body = std::move(body),
-                                          .token = tokenOf(request),
+                                          .token = TokenOf(request),
                                           .peer = request.remote_addr});
   if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
-  giveFor(request, response, std::move(answer));
+  GiveFor(request, response, std::move(answer));
 }
 
 void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {
-  const std::string token = tokenOf(request);
-  if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return give(response, *refused);
+  const std::string token = TokenOf(request);
+  if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return Give(response, *refused);
   const auto reader =
       std::make_shared<LiveFeed::Reader>(live_, token, request.get_header_value("Last-Event-ID"));
-  if (!reader->admitted()) return give(response, Refusal(503, "Too many pages are open"));
+  if (!reader->admitted()) return Give(response, Refusal(503, "Too many pages are open"));
   using SteadyClock = std::chrono::steady_clock;
   struct Progress {
     bool begun = false;
@@ -284,7 +284,7 @@ void WebServer::stream(const Route& route, const httplib::Request& request, http
           text = reader->wait(kHeartbeat);
           if (SteadyClock::now() - progress->checked >= kSessionCheck) {
             progress->checked = SteadyClock::now();
-            if (!stillKnown(api_, token)) text.clear();
+            if (!StillKnown(api_, token)) text.clear();
           }
         }
         progress->begun = true;

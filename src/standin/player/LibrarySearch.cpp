@@ -16,7 +16,7 @@ constexpr std::size_t kPiece = 4000;
 constexpr const char* kTitles = "Media Library";
 constexpr std::array kCategories{"Artist", "Album", kTitles, "Genre", "PlayList"};
 
-bool holdsAll(const Title& title, const std::vector<std::string>& words) {
+bool HoldsAll(const Title& title, const std::vector<std::string>& words) {
   SearchTable table;
   table.add({title.name, title.artist, title.albumArtist, title.album});
   return !table.find(words).empty();
@@ -72,7 +72,7 @@ void LibrarySearch::show(const Query& query, bool again, const Found& found) {
                         std::vector<Title> titles, const Failed& failed) mutable {
                       if (!failed.text.empty()) return found({}, failed);
                       const bool asFound = std::all_of(titles.begin(), titles.end(), [&](const Title& each) {
-                        return !each.source.empty() && holdsAll(each, words);
+                        return !each.source.empty() && HoldsAll(each, words);
                       });
                       // The library is another by now.
                       if (!asFound && again)

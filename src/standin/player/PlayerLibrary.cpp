@@ -15,7 +15,7 @@ constexpr base::Milliseconds kGood = std::chrono::seconds(30);
 constexpr std::size_t kListsKept = 12;
 constexpr std::array kCategories{"Artist", "Album", "Genre", "PlayList"};
 
-std::vector<std::string> namesOf(const base::Value& value) {
+std::vector<std::string> NamesOf(const base::Value& value) {
   const bool isList = value.is<std::shared_ptr<const base::Array>>();
   // Before its library is open the player answers with nothing at all.
   if (!isList) throw base::Failure(base::number::kObjectMissing, "The player isn't ready yet");
@@ -25,10 +25,10 @@ std::vector<std::string> namesOf(const base::Value& value) {
   return names;
 }
 
-std::string keyOf(const std::string& category, const std::string& group) { return category + '\1' + group; }
+std::string KeyOf(const std::string& category, const std::string& group) { return category + '\1' + group; }
 
 /// The places in order, cut where one doesn't follow the other: first place and length.
-std::vector<std::pair<std::size_t, std::size_t>> runsOf(const std::vector<std::size_t>& places) {
+std::vector<std::pair<std::size_t, std::size_t>> RunsOf(const std::vector<std::size_t>& places) {
   std::vector<std::pair<std::size_t, std::size_t>> runs;
   for (const std::size_t place : places) {
     if (!runs.empty() && place == runs.back().first + runs.back().second) {
@@ -117,19 +117,19 @@ void PlayerLibrary::list(const std::string& category, bool fresh, Listed listed)
   const auto list = std::make_shared<std::shared_ptr<const NameList>>();
   plugin_.command(
       [this, category, list](base::Object&) {
-        *list = std::make_shared<NameList>(namesOf(script()->invoke("GetCategoryList", category)));
+        *list = std::make_shared<NameList>(NamesOf(script()->invoke("GetCategoryList", category)));
       },
       [this, category, list](const std::string& failure) { names_.fetched(category, *list, {failure}); });
 }
 
 void PlayerLibrary::albums(const std::string& category, const std::string& group, Listed listed) {
   if (category == "Genre") return albumsOfTitles(category, group, std::move(listed));
-  const std::string key = keyOf(category, group);
+  const std::string key = KeyOf(category, group);
   if (!names_.ask(key, false, std::move(listed))) return;
   const auto list = std::make_shared<std::shared_ptr<const NameList>>();
   plugin_.command(
       [this, category, group, list](base::Object&) {
-        *list = std::make_shared<NameList>(namesOf(script()->invoke("GetAlbumsByCategory", category, group)));
+        *list = std::make_shared<NameList>(NamesOf(script()->invoke("GetAlbumsByCategory", category, group)));
       },
       [this, key, list](const std::string& failure) { names_.fetched(key, *list, {failure}); });
 }
@@ -150,7 +150,7 @@ void PlayerLibrary::albumsOfTitles(const std::string& category, const std::strin
 
 void PlayerLibrary::titles(const std::string& category, const std::string& group, bool fresh,
                            TitlesListed listed) {
-  const std::string key = keyOf(category, group);
+  const std::string key = KeyOf(category, group);
   if (!titles_.ask(key, fresh, std::move(listed))) return;
   const auto list = std::make_shared<std::shared_ptr<const TitleList>>();
   ask(
@@ -168,7 +168,7 @@ void PlayerLibrary::titlesAt(const std::string& category, const std::string& gro
   ask(
       [category, group, places = std::move(places), titles](PlayerLists& lists) {
         const PlayerList found = groupOf(lists, category, group);
-        for (const auto& [from, count] : runsOf(places)) {
+        for (const auto& [from, count] : RunsOf(places)) {
           std::vector<Title> some =
               found.titles(static_cast<std::int32_t>(from), static_cast<std::int32_t>(count));
           some.resize(count);

@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-void playSource(base::Object& script, const std::string& name, const std::string& source) {
+void PlaySource(base::Object& script, const std::string& name, const std::string& source) {
   const std::int32_t result = base::ToInt32(script.invoke("Play", "URL", "", source));
   if (result != 0)
     throw base::Failure(base::number::kDeviceIo,
@@ -15,7 +15,7 @@ void playSource(base::Object& script, const std::string& name, const std::string
 }
 
 /// Leaves in the list what the artist has in it; a list that answers a question belongs to who has asked.
-void keepOnly(PlayerList& list, const std::string& artist) {
+void KeepOnly(PlayerList& list, const std::string& artist) {
   const std::vector<Title> titles = list.titles(0, list.count());
   for (auto at = static_cast<std::int32_t>(titles.size()) - 1; at >= 0; --at)
     if (!IsBy(titles[static_cast<std::size_t>(at)], artist)) list.removeAt(at);
@@ -29,7 +29,7 @@ void PlayerLibrary::play(const TitleAddress& title, Played played) {
   ask(
       [title](PlayerLists& lists) {
         const PlayerList list = groupOf(lists, title.category, title.group);
-        playSource(lists.script(), title.name, list.sourceAt(list.placeOf(title)));
+        PlaySource(lists.script(), title.name, list.sourceAt(list.placeOf(title)));
       },
       std::move(played));
 }
@@ -44,7 +44,7 @@ void PlayerLibrary::play(const std::string& category, const std::string& group, 
         if (list.count() == 0)
           throw base::Failure(base::number::kElementNotFound, "“" + group + "” has no titles");
         const bool itself = by.empty() && !lists.sharesKey(category, group);
-        if (!by.empty() && category != "PlayList") keepOnly(list, by);
+        if (!by.empty() && category != "PlayList") KeepOnly(list, by);
         const std::int32_t result = base::ToInt32(lists.script().invoke("Play", category, group));
         if (!itself || result != 0) lists.play(list);
       },

@@ -11,7 +11,7 @@ namespace standin {
 namespace {
 
 /// The letters and digits of a name, as the plug-in's keys have them.
-std::string keyOf(const std::string& name) {
+std::string KeyOf(const std::string& name) {
   std::string key;
   for (const char c : base::LowerCase(name)) {
     const bool kept = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z');
@@ -21,36 +21,36 @@ std::string keyOf(const std::string& name) {
   return key;
 }
 
-std::string withSingleBlanks(const std::string& name) {
+std::string WithSingleBlanks(const std::string& name) {
   std::string out;
   for (const char c : name)
     if (c != ' ' || out.empty() || out.back() != ' ') out += c;
   return out;
 }
 
-std::int32_t countOf(const base::ObjectRef& object) {
+std::int32_t CountOf(const base::ObjectRef& object) {
   return base::ToInt32(base::Deref(object).get("count"));
 }
 
-base::ObjectRef itemOf(const base::ObjectRef& object, std::int32_t at) {
+base::ObjectRef ItemOf(const base::ObjectRef& object, std::int32_t at) {
   return base::ToObject(base::Deref(object).invoke("item", at));
 }
 
-std::string textOf(const base::ObjectRef& object, const char* field) {
+std::string TextOf(const base::ObjectRef& object, const char* field) {
   return base::ToText(base::Deref(object).get(field));
 }
 
 /// As a page shows the name: in one that is no UTF-8 the odd bytes have become a sign.
-bool isShownAs(const std::string& name, const std::string& shown) {
-  return name == shown || withSingleBlanks(name) == shown || base::RepairUtf8(name) == shown;
+bool IsShownAs(const std::string& name, const std::string& shown) {
+  return name == shown || WithSingleBlanks(name) == shown || base::RepairUtf8(name) == shown;
 }
 
-bool mayBeShownAsAnother(const std::string& name) {
+bool MayBeShownAsAnother(const std::string& name) {
   constexpr std::string_view kOddByte = "\uFFFD";
   return name.find(' ') != std::string::npos || name.find(kOddByte) != std::string::npos;
 }
 
-std::vector<std::string> textsOf(const base::Value& value) {
+std::vector<std::string> TextsOf(const base::Value& value) {
   std::vector<std::string> texts;
   if (!value.is<std::shared_ptr<const base::Array>>()) return texts;
   for (const base::Value& each : value.array()) texts.push_back(base::ToText(each));
@@ -59,7 +59,7 @@ std::vector<std::string> textsOf(const base::Value& value) {
 
 /// Gives `take` the texts of each item, by the place of the field.
 template <class Take>
-void readItems(const base::ObjectRef& list, const base::Array& fields, std::int32_t from, std::int32_t count,
+void ReadItems(const base::ObjectRef& list, const base::Array& fields, std::int32_t from, std::int32_t count,
                Take&& take) {
   constexpr std::int32_t kAtOnce = 2000;
   while (count > 0) {
@@ -76,20 +76,20 @@ void readItems(const base::ObjectRef& list, const base::Array& fields, std::int3
 
 }  // namespace
 
-std::string PlayerList::name() const { return textOf(object_, "name"); }
-std::int32_t PlayerList::count() const { return countOf(object_); }
-base::ObjectRef PlayerList::mediaAt(std::int32_t at) const { return itemOf(object_, at); }
-std::string PlayerList::nameAt(std::int32_t at) const { return textOf(mediaAt(at), "name"); }
-std::string PlayerList::sourceAt(std::int32_t at) const { return textOf(mediaAt(at), "sourceURL"); }
+std::string PlayerList::name() const { return TextOf(object_, "name"); }
+std::int32_t PlayerList::count() const { return CountOf(object_); }
+base::ObjectRef PlayerList::mediaAt(std::int32_t at) const { return ItemOf(object_, at); }
+std::string PlayerList::nameAt(std::int32_t at) const { return TextOf(mediaAt(at), "name"); }
+std::string PlayerList::sourceAt(std::int32_t at) const { return TextOf(mediaAt(at), "sourceURL"); }
 
 ListedItem PlayerList::at(std::int32_t at) const {
   const base::ObjectRef media = mediaAt(at);
-  return {textOf(media, "name"), textOf(media, "sourceURL")};
+  return {TextOf(media, "name"), TextOf(media, "sourceURL")};
 }
 
 std::vector<Title> PlayerList::titles(std::int32_t from, std::int32_t count) const {
   std::vector<Title> titles;
-  readItems(object_,
+  ReadItems(object_,
             {"name", "sourceURL", "Artist", "WM/AlbumArtist", "Album", "Genre", "WM/TrackNumber", "Duration"},
             from, count, [&](const auto& text) {
               titles.push_back({text(0), text(1), text(2), text(3), text(4), text(5),
@@ -101,7 +101,7 @@ std::vector<Title> PlayerList::titles(std::int32_t from, std::int32_t count) con
 
 std::vector<std::string> PlayerList::names(std::int32_t from, std::int32_t count) const {
   std::vector<std::string> names;
-  readItems(object_, {"name"}, from, count, [&](const auto& text) { names.push_back(text(0)); });
+  ReadItems(object_, {"name"}, from, count, [&](const auto& text) { names.push_back(text(0)); });
   return names;
 }
 
@@ -171,17 +171,17 @@ base::ObjectRef PlayerLists::media() {
 
 std::optional<PlayerList> PlayerLists::find(const std::string& name) {
   const base::ObjectRef found = base::ToObject(playlists()->invoke("getByName", name));
-  const std::int32_t count = countOf(found);
+  const std::int32_t count = CountOf(found);
   for (std::int32_t i = 0; i < count; ++i) {
-    PlayerList list(itemOf(found, i));
+    PlayerList list(ItemOf(found, i));
     if (count == 1 || list.name() == name) return list;
   }
-  if (count > 0) return PlayerList(itemOf(found, 0));
-  if (!mayBeShownAsAnother(name)) return std::nullopt;
+  if (count > 0) return PlayerList(ItemOf(found, 0));
+  if (!MayBeShownAsAnother(name)) return std::nullopt;
   const base::ObjectRef all = base::ToObject(playlists()->call("getAll"));
-  for (std::int32_t i = 0, end = countOf(all); i < end; ++i) {
-    PlayerList list(itemOf(all, i));
-    if (isShownAs(list.name(), name)) return list;
+  for (std::int32_t i = 0, end = CountOf(all); i < end; ++i) {
+    PlayerList list(ItemOf(all, i));
+    if (IsShownAs(list.name(), name)) return list;
   }
   return std::nullopt;
 }
@@ -196,9 +196,9 @@ void PlayerLists::remove(const PlayerList& list) { playlists()->invoke("remove",
 
 // The plug-in finds a group by the key of its name, so that of two lists with one key it may mean the other.
 bool PlayerLists::sharesKey(const std::string& category, const std::string& name) {
-  const std::string key = keyOf(name);
-  const std::vector<std::string> all = textsOf(script_->invoke("GetCategoryList", category));
-  return std::count_if(all.begin(), all.end(), [&](const std::string& each) { return keyOf(each) == key; }) !=
+  const std::string key = KeyOf(name);
+  const std::vector<std::string> all = TextsOf(script_->invoke("GetCategoryList", category));
+  return std::count_if(all.begin(), all.end(), [&](const std::string& each) { return KeyOf(each) == key; }) !=
          1;
 }
 
@@ -209,12 +209,12 @@ std::optional<PlayerList> PlayerLists::group(const std::string& category, const 
     return PlayerList(base::ToObject(media()->invoke("getByAttribute", category, value)));
   };
   if (PlayerList found = groupOf(name); found.object() && found.count() > 0) return found;
-  if (!mayBeShownAsAnother(name)) return std::nullopt;
+  if (!MayBeShownAsAnother(name)) return std::nullopt;
   const base::ObjectRef values =
       base::ToObject(media()->invoke("getAttributeStringCollection", category, "Audio"));
-  for (std::int32_t i = 0, end = countOf(values); i < end; ++i) {
+  for (std::int32_t i = 0, end = CountOf(values); i < end; ++i) {
     const std::string value = base::ToText(values->invoke("item", i));
-    if (value != name && isShownAs(value, name)) return groupOf(value);
+    if (value != name && IsShownAs(value, name)) return groupOf(value);
   }
   return std::nullopt;
 }

@@ -12,11 +12,11 @@ using base::Failure;
 
 constexpr std::size_t kMostAdded = 500;
 
-[[noreturn]] void collided(const std::string& why) {
+[[noreturn]] void Collided(const std::string& why) {
   throw Failure(base::number::kChangedMeanwhile, why + ". Nothing was changed");
 }
 
-std::string quoted(const std::string& name) { return "“" + name + "”"; }
+std::string Quoted(const std::string& name) { return "“" + name + "”"; }
 
 /// The list as it would be without the title at one place.
 class Reduced {
@@ -36,40 +36,40 @@ class Reduced {
 
 /// `List` has count() and sourceAt().
 template <class List>
-std::string sourceOrNone(const List& list, std::int32_t at, std::int32_t count) {
+std::string SourceOrNone(const List& list, std::int32_t at, std::int32_t count) {
   return at < 0 || at >= count ? std::string() : list.sourceAt(at);
 }
 
 template <class List>
-ListPlace placeIn(const List& list, std::int32_t at) {
+ListPlace PlaceIn(const List& list, std::int32_t at) {
   const std::int32_t count = list.count();
-  return {at, sourceOrNone(list, at - 1, count), sourceOrNone(list, at, count)};
+  return {at, SourceOrNone(list, at - 1, count), SourceOrNone(list, at, count)};
 }
 
 /// Something put there would have the same neighbour as before, on one side at least.
 template <class List>
-bool fits(const List& list, const ListPlace& place) {
+bool Fits(const List& list, const ListPlace& place) {
   const std::int32_t count = list.count();
   if (place.at > count) return false;
-  return sourceOrNone(list, place.at - 1, count) == place.before ||
-         sourceOrNone(list, place.at, count) == place.after;
+  return SourceOrNone(list, place.at - 1, count) == place.before ||
+         SourceOrNone(list, place.at, count) == place.after;
 }
 
-std::size_t onlyPlaceOf(const std::vector<std::string>& names, const std::string& title) {
+std::size_t OnlyPlaceOf(const std::vector<std::string>& names, const std::string& title) {
   const auto found = std::find(names.begin(), names.end(), title);
-  if (found == names.end()) collided(quoted(title) + " is no longer in the list");
+  if (found == names.end()) Collided(Quoted(title) + " is no longer in the list");
   if (std::find(found + 1, names.end(), title) != names.end())
-    collided("The list has changed meanwhile, and there are several " + quoted(title));
+    Collided("The list has changed meanwhile, and there are several " + Quoted(title));
   return static_cast<std::size_t>(found - names.begin());
 }
 
-std::int32_t placeNow(const PlayerList& list, std::int32_t at, const std::string& title) {
+std::int32_t PlaceNow(const PlayerList& list, std::int32_t at, const std::string& title) {
   if (at >= 0 && at < list.count() && list.nameAt(at) == title) return at;
-  return static_cast<std::int32_t>(onlyPlaceOf(list.names(0, list.count()), title));
+  return static_cast<std::int32_t>(OnlyPlaceOf(list.names(0, list.count()), title));
 }
 
 /// The place between the titles that the user has seen on either side; `names` are without the title itself.
-std::size_t targetNow(const std::vector<std::string>& names, const MoveOrder& order) {
+std::size_t TargetNow(const std::vector<std::string>& names, const MoveOrder& order) {
   const auto before = [&](std::size_t at) { return at == 0 ? !order.before : names[at - 1] == order.before; };
   const auto after = [&](std::size_t at) {
     return at == names.size() ? !order.after : names[at] == order.after;
@@ -85,22 +85,22 @@ std::size_t targetNow(const std::vector<std::string>& names, const MoveOrder& or
   const auto wanted = static_cast<std::size_t>(std::max(order.to, 0));
   if (std::find(known.begin(), known.end(), wanted) != known.end()) return wanted;
   if (known.size() == 1) return known.front();
-  collided("The list has changed meanwhile, and " + quoted(order.title) + " has no clear place in it");
+  Collided("The list has changed meanwhile, and " + Quoted(order.title) + " has no clear place in it");
 }
 
-void takeOut(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
+void TakeOut(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
   const auto size = static_cast<std::int32_t>(items.size());
-  if (place.at + size > list.count()) collided(quoted(items.back().name) + " is no longer where it was put");
+  if (place.at + size > list.count()) Collided(Quoted(items.back().name) + " is no longer where it was put");
   for (std::int32_t i = 0; i < size; ++i) {
     const ListedItem& item = items[static_cast<std::size_t>(i)];
     if (list.sourceAt(place.at + i) != item.source)
-      collided(quoted(item.name) + " is no longer where it was put");
+      Collided(Quoted(item.name) + " is no longer where it was put");
   }
   for (std::int32_t i = size; i > 0; --i) list.removeAt(place.at + i - 1);
 }
 
 /// Puts all of them in or none. Where not even that can be kept, `items` are those that are there now.
-void putIn(PlayerLists& lists, PlayerList list, std::int32_t at, std::vector<ListedItem>& items,
+void PutIn(PlayerLists& lists, PlayerList list, std::int32_t at, std::vector<ListedItem>& items,
            std::vector<base::ObjectRef> media = {}) {
   std::size_t done = 0;
   try {
@@ -120,46 +120,46 @@ void putIn(PlayerLists& lists, PlayerList list, std::int32_t at, std::vector<Lis
   }
 }
 
-PlayerList existing(PlayerLists& lists, const std::string& name) {
+PlayerList Existing(PlayerLists& lists, const std::string& name) {
   std::optional<PlayerList> list = lists.find(name);
-  if (!list) throw Failure(base::number::kElementNotFound, "There is no playlist " + quoted(name));
+  if (!list) throw Failure(base::number::kElementNotFound, "There is no playlist " + Quoted(name));
   return *list;
 }
 
-void putBack(PlayerLists& lists, const PlayerList& list, const ListPlace& place,
+void PutBack(PlayerLists& lists, const PlayerList& list, const ListPlace& place,
              std::vector<ListedItem> items) {
-  if (!fits(list, place)) collided("The list has changed since around place " + std::to_string(place.at + 1));
-  putIn(lists, list, place.at, items);
+  if (!Fits(list, place)) Collided("The list has changed since around place " + std::to_string(place.at + 1));
+  PutIn(lists, list, place.at, items);
 }
 
-void moveBack(PlayerList list, const ListedItem& item, std::int32_t from, const ListPlace& to) {
+void MoveBack(PlayerList list, const ListedItem& item, std::int32_t from, const ListPlace& to) {
   if (from >= list.count() || list.sourceAt(from) != item.source)
-    collided(quoted(item.name) + " is no longer where it was moved to");
-  if (!fits(Reduced(list, from), to))
-    collided("The list has changed since around place " + std::to_string(to.at + 1));
+    Collided(Quoted(item.name) + " is no longer where it was moved to");
+  if (!Fits(Reduced(list, from), to))
+    Collided("The list has changed since around place " + std::to_string(to.at + 1));
   list.move(from, to.at);
 }
 
-void renameTo(PlayerLists& lists, const std::string& from, const std::string& to) {
+void RenameTo(PlayerLists& lists, const std::string& from, const std::string& to) {
   std::optional<PlayerList> list = lists.find(from);
-  if (!list || list->name() != from) collided("There is no playlist " + quoted(from) + " any longer");
-  if (!base::SameText(from, to) && lists.find(to)) collided("There is another playlist named " + quoted(to));
+  if (!list || list->name() != from) Collided("There is no playlist " + Quoted(from) + " any longer");
+  if (!base::SameText(from, to) && lists.find(to)) Collided("There is another playlist named " + Quoted(to));
   list->rename(to);
 }
 
-std::vector<std::string> sourcesOf(const PlayerList& list) {
+std::vector<std::string> SourcesOf(const PlayerList& list) {
   std::vector<std::string> sources;
   for (Title& title : list.titles(0, list.count())) sources.push_back(std::move(title.source));
   return sources;
 }
 
-void removeAsItWas(PlayerLists& lists, const PlaylistStep& step) {
-  const PlayerList list = existing(lists, step.oldName);
-  const std::vector<std::string> sources = sourcesOf(list);
+void RemoveAsItWas(PlayerLists& lists, const PlaylistStep& step) {
+  const PlayerList list = Existing(lists, step.oldName);
+  const std::vector<std::string> sources = SourcesOf(list);
   const bool same =
       std::equal(step.items.begin(), step.items.end(), sources.begin(), sources.end(),
                  [](const ListedItem& item, const std::string& source) { return item.source == source; });
-  if (!same) collided(quoted(step.oldName) + " holds other titles now");
+  if (!same) Collided(Quoted(step.oldName) + " holds other titles now");
   lists.remove(list);
 }
 
@@ -182,15 +182,15 @@ PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order) {
     std::vector<std::string> names = list.names(0, step.count);
     const auto seen = static_cast<std::size_t>(std::max(from, 0));
     const std::size_t found =
-        seen < names.size() && names[seen] == order.title ? seen : onlyPlaceOf(names, order.title);
+        seen < names.size() && names[seen] == order.title ? seen : OnlyPlaceOf(names, order.title);
     names.erase(names.begin() + static_cast<std::ptrdiff_t>(found));
     from = static_cast<std::int32_t>(found);
-    to = static_cast<std::int32_t>(targetNow(names, order));
+    to = static_cast<std::int32_t>(TargetNow(names, order));
   }
   step.items = {list.at(from)};
   const Reduced reduced(list, from);
-  step.from = placeIn(reduced, from);
-  step.to = placeIn(reduced, to);
+  step.from = PlaceIn(reduced, from);
+  step.to = PlaceIn(reduced, to);
   return step;
 }
 
@@ -198,9 +198,9 @@ PlaylistStep PlanRemove(const PlayerList& list, std::int32_t at, const std::stri
   PlaylistStep step;
   step.kind = StepKind::kRemove;
   step.count = list.count();
-  const std::int32_t from = placeNow(list, at, title);
+  const std::int32_t from = PlaceNow(list, at, title);
   step.items = {list.at(from)};
-  step.from = placeIn(Reduced(list, from), from);
+  step.from = PlaceIn(Reduced(list, from), from);
   return step;
 }
 
@@ -234,10 +234,10 @@ PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const Titl
       for (at = 0; at < count && group.nameAt(at) != one.title;) ++at;
     }
     if (at == count)
-      throw Failure(base::number::kElementNotFound, quoted(one.title) + " is no longer in the library");
+      throw Failure(base::number::kElementNotFound, Quoted(one.title) + " is no longer in the library");
     take(at);
   }
-  step.to = placeIn(list, std::clamp(to, 0, step.count));
+  step.to = PlaceIn(list, std::clamp(to, 0, step.count));
   return step;
 }
 
@@ -247,7 +247,7 @@ PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::s
   step.oldName = list.name();
   step.newName = name;
   if (!base::SameText(step.oldName, name) && lists.find(name))
-    throw Failure(base::number::kNameInUse, "There is already a playlist named " + quoted(name));
+    throw Failure(base::number::kNameInUse, "There is already a playlist named " + Quoted(name));
   return step;
 }
 
@@ -256,7 +256,7 @@ PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name) {
   step.kind = StepKind::kCreate;
   step.newName = name;
   if (lists.find(name))
-    throw Failure(base::number::kNameInUse, "There is already a playlist named " + quoted(name));
+    throw Failure(base::number::kNameInUse, "There is already a playlist named " + Quoted(name));
   return step;
 }
 
@@ -267,30 +267,30 @@ PlaylistStep PlanDelete(const PlayerList& list) {
   step.count = list.count();
   for (const Title& title : list.titles(0, step.count))
     step.items.push_back({title.name, title.source, title.artist, title.seconds});
-  if (static_cast<std::int32_t>(step.items.size()) != step.count) collided("The list has changed meanwhile");
+  if (static_cast<std::int32_t>(step.items.size()) != step.count) Collided("The list has changed meanwhile");
   return step;
 }
 
 void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
-    case StepKind::kAdd: putIn(lists, existing(lists, list), step.to.at, step.items, step.media); return;
-    case StepKind::kRemove: existing(lists, list).removeAt(step.from.at); return;
-    case StepKind::kMove: existing(lists, list).move(step.from.at, step.to.at); return;
-    case StepKind::kRename: existing(lists, list).rename(step.newName); return;
+    case StepKind::kAdd: PutIn(lists, Existing(lists, list), step.to.at, step.items, step.media); return;
+    case StepKind::kRemove: Existing(lists, list).removeAt(step.from.at); return;
+    case StepKind::kMove: Existing(lists, list).move(step.from.at, step.to.at); return;
+    case StepKind::kRename: Existing(lists, list).rename(step.newName); return;
     case StepKind::kCreate: lists.make(step.newName); return;
-    case StepKind::kDelete: lists.remove(existing(lists, list)); return;
+    case StepKind::kDelete: lists.remove(Existing(lists, list)); return;
   }
 }
 
 void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
-    case StepKind::kAdd: takeOut(existing(lists, list), step.to, step.items); return;
-    case StepKind::kRemove: putBack(lists, existing(lists, list), step.from, step.items); return;
-    case StepKind::kMove: moveBack(existing(lists, list), step.items.front(), step.to.at, step.from); return;
-    case StepKind::kRename: renameTo(lists, step.newName, step.oldName); return;
+    case StepKind::kAdd: TakeOut(Existing(lists, list), step.to, step.items); return;
+    case StepKind::kRemove: PutBack(lists, Existing(lists, list), step.from, step.items); return;
+    case StepKind::kMove: MoveBack(Existing(lists, list), step.items.front(), step.to.at, step.from); return;
+    case StepKind::kRename: RenameTo(lists, step.newName, step.oldName); return;
     case StepKind::kCreate: {
-      const PlayerList made = existing(lists, step.newName);
-      if (made.count() > 0) collided(quoted(step.newName) + " holds titles now");
+      const PlayerList made = Existing(lists, step.newName);
+      if (made.count() > 0) Collided(Quoted(step.newName) + " holds titles now");
       lists.remove(made);
       return;
     }
@@ -305,15 +305,15 @@ void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
 
 void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
-    case StepKind::kAdd: putBack(lists, existing(lists, list), step.to, step.items); return;
-    case StepKind::kRemove: takeOut(existing(lists, list), step.from, step.items); return;
-    case StepKind::kMove: moveBack(existing(lists, list), step.items.front(), step.from.at, step.to); return;
-    case StepKind::kRename: renameTo(lists, step.oldName, step.newName); return;
+    case StepKind::kAdd: PutBack(lists, Existing(lists, list), step.to, step.items); return;
+    case StepKind::kRemove: TakeOut(Existing(lists, list), step.from, step.items); return;
+    case StepKind::kMove: MoveBack(Existing(lists, list), step.items.front(), step.from.at, step.to); return;
+    case StepKind::kRename: RenameTo(lists, step.oldName, step.newName); return;
     case StepKind::kCreate:
-      if (lists.find(step.newName)) collided("There is another playlist named " + quoted(step.newName));
+      if (lists.find(step.newName)) Collided("There is another playlist named " + Quoted(step.newName));
       lists.make(step.newName);
       return;
-    case StepKind::kDelete: removeAsItWas(lists, step); return;
+    case StepKind::kDelete: RemoveAsItWas(lists, step); return;
   }
 }
 
@@ -341,13 +341,13 @@ bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& li
   const std::int32_t count = found->count();
   if (step.kind == StepKind::kRemove) return count == step.count - 1;
   return step.to.at < count && found->sourceAt(step.to.at) == step.items.front().source &&
-         placeIn(Reduced(*found, step.to.at), step.to.at) == step.to;
+         PlaceIn(Reduced(*found, step.to.at), step.to.at) == step.to;
 }
 
 PlayerList PlaylistRestore::open(PlayerLists& lists) {
   std::optional<PlayerList> list = lists.find(step_.oldName);
   if (done_ >= 0) {
-    if (!list || list->count() != done_) collided("Somebody else has changed " + quoted(step_.oldName));
+    if (!list || list->count() != done_) Collided("Somebody else has changed " + Quoted(step_.oldName));
     return *list;
   }
   there_.assign(step_.items.size(), false);
@@ -358,12 +358,12 @@ PlayerList PlaylistRestore::open(PlayerLists& lists) {
   }
   // What an interrupted return has left are some of the titles in their order.
   std::size_t at = 0;
-  const std::vector<std::string> sources = resumed_ ? sourcesOf(*list) : std::vector<std::string>();
+  const std::vector<std::string> sources = resumed_ ? SourcesOf(*list) : std::vector<std::string>();
   for (std::size_t i = 0; i < step_.items.size() && at < sources.size(); ++i) {
     there_[i] = sources[at] == step_.items[i].source;
     if (there_[i]) ++at;
   }
-  if (!resumed_ || at != sources.size()) collided("There is another playlist named " + quoted(step_.oldName));
+  if (!resumed_ || at != sources.size()) Collided("There is another playlist named " + Quoted(step_.oldName));
   done_ = static_cast<std::int32_t>(at);
   return *list;
 }

@@ -10,13 +10,13 @@ constexpr const char* kColumns =
     "SELECT s.id, p.name, s.state, s.data FROM playlist_step s JOIN playlist p ON p.id = s.list ";
 constexpr const char* kNextTurn = "(SELECT COALESCE(MAX(turn), 0) + 1 FROM playlist_step)";
 
-PlaylistHistory::Entry entryOf(const database::Statement& row) {
+PlaylistHistory::Entry EntryOf(const database::Statement& row) {
   return {row.integer(0), row.text(1), static_cast<PlaylistHistory::State>(row.integer(2)),
           StepOf(row.text(3))};
 }
 
-std::int64_t sizeOf(const std::string& data) { return static_cast<std::int64_t>(data.size()); }
-std::int64_t numberOf(PlaylistHistory::State state) { return static_cast<std::int64_t>(state); }
+std::int64_t SizeOf(const std::string& data) { return static_cast<std::int64_t>(data.size()); }
+std::int64_t NumberOf(PlaylistHistory::State state) { return static_cast<std::int64_t>(state); }
 
 }  // namespace
 
@@ -41,7 +41,7 @@ std::int64_t PlaylistHistory::begin(const std::string& list, const PlaylistStep&
       database_, std::string("INSERT INTO playlist_step (list, state, collection, turn, size, data) VALUES "
                              "(?, ?, ?, ") +
                      kNextTurn + ", ?, ?)")
-      .with(id, numberOf(State::kBeginning), IsOfCollection(step.kind), sizeOf(data), data)
+      .with(id, NumberOf(State::kBeginning), IsOfCollection(step.kind), SizeOf(data), data)
       .run();
   const std::int64_t made = database_.lastId();
   whole.commit();
@@ -80,10 +80,10 @@ void PlaylistHistory::finish(std::int64_t id, const PlaylistStep& step) {
   const std::int64_t list = find.integer(0);
   find.with(std::int64_t{0});
   database::Statement(database_, "DELETE FROM playlist_step WHERE list = ? AND state = ?")
-      .with(list, numberOf(State::kUndone))
+      .with(list, NumberOf(State::kUndone))
       .run();
   database::Statement(database_, "UPDATE playlist_step SET state = ?, size = ?, data = ? WHERE id = ?")
-      .with(numberOf(State::kDone), sizeOf(data), data, id)
+      .with(NumberOf(State::kDone), SizeOf(data), data, id)
       .run();
   take(list, step, false);
   trim(list);
@@ -92,7 +92,7 @@ void PlaylistHistory::finish(std::int64_t id, const PlaylistStep& step) {
 
 void PlaylistHistory::turning(std::int64_t id, bool undo) {
   database::Statement(database_, "UPDATE playlist_step SET state = ? WHERE id = ?")
-      .with(numberOf(undo ? State::kUndoing : State::kRedoing), id)
+      .with(NumberOf(undo ? State::kUndoing : State::kRedoing), id)
       .run();
 }
 
@@ -102,7 +102,7 @@ void PlaylistHistory::turned(const Entry& entry, bool undone) {
   database::Statement(
       database_, std::string("UPDATE playlist_step SET state = ?, size = ?, data = ?, turn = ") + kNextTurn +
                      " WHERE id = ?")
-      .with(numberOf(undone ? State::kUndone : State::kDone), sizeOf(data), data, entry.id)
+      .with(NumberOf(undone ? State::kUndone : State::kDone), SizeOf(data), data, entry.id)
       .run();
   database::Statement find(database_, "SELECT list FROM playlist_step WHERE id = ?");
   if (find.with(entry.id).step()) {
@@ -124,7 +124,7 @@ std::optional<PlaylistHistory::Entry> PlaylistHistory::one(const std::string& co
                                                            const std::string& list) {
   database::Statement rows(database_, kColumns + condition + " LIMIT 1");
   if (list.empty() ? !rows.step() : !rows.with(base::LowerCase(list)).step()) return std::nullopt;
-  return entryOf(rows);
+  return EntryOf(rows);
 }
 
 std::optional<PlaylistHistory::Entry> PlaylistHistory::toUndo(const std::string& list) {
@@ -158,7 +158,7 @@ std::vector<PlaylistHistory::Entry> PlaylistHistory::unsettled() {
   database::Statement rows(database_, std::string(kColumns) + "WHERE s.state > 1 ORDER BY s.id");
   while (rows.step()) {
     try {
-      entries.push_back(entryOf(rows));
+      entries.push_back(EntryOf(rows));
     } catch (const base::Failure&) {
       unreadable.push_back(rows.integer(0));
     }

@@ -13,13 +13,13 @@ using Json = nlohmann::json;
 
 constexpr std::array kKinds{"add", "remove", "move", "rename", "create", "delete"};
 
-Json jsonOf(const ListPlace& place) { return {place.at, place.before, place.after}; }
+Json JsonOf(const ListPlace& place) { return {place.at, place.before, place.after}; }
 
-ListPlace placeOf(const Json& json) {
+ListPlace PlaceOf(const Json& json) {
   return {json.at(0).get<std::int32_t>(), json.at(1).get<std::string>(), json.at(2).get<std::string>()};
 }
 
-std::string itemsOf(const PlaylistStep& step) {
+std::string ItemsOf(const PlaylistStep& step) {
   if (step.items.size() != 1) return std::to_string(step.items.size()) + " titles";
   return "“" + step.items.front().name + "”";
 }
@@ -36,8 +36,8 @@ std::string TextOf(const PlaylistStep& step) {
     }
   }
   return Dump({{"kind", kKinds.at(static_cast<std::size_t>(step.kind))},
-               {"from", jsonOf(step.from)},
-               {"to", jsonOf(step.to)},
+               {"from", JsonOf(step.from)},
+               {"to", JsonOf(step.to)},
                {"items", std::move(items)},
                {"count", step.count},
                {"old", step.oldName},
@@ -52,8 +52,8 @@ PlaylistStep StepOf(const std::string& text) {
     std::size_t number = 0;
     while (kKinds.at(number) != kind) ++number;
     step.kind = static_cast<StepKind>(number);
-    step.from = placeOf(json.at("from"));
-    step.to = placeOf(json.at("to"));
+    step.from = PlaceOf(json.at("from"));
+    step.to = PlaceOf(json.at("to"));
     for (const Json& item : json.at("items")) {
       step.items.push_back({item.at(0).get<std::string>(), item.at(1).get<std::string>()});
       if (item.size() < 4) continue;
@@ -71,9 +71,9 @@ PlaylistStep StepOf(const std::string& text) {
 
 std::string WordsOf(const PlaylistStep& step) {
   switch (step.kind) {
-    case StepKind::kAdd: return "adding " + itemsOf(step);
-    case StepKind::kRemove: return "removing " + itemsOf(step);
-    case StepKind::kMove: return "moving " + itemsOf(step);
+    case StepKind::kAdd: return "adding " + ItemsOf(step);
+    case StepKind::kRemove: return "removing " + ItemsOf(step);
+    case StepKind::kMove: return "moving " + ItemsOf(step);
     case StepKind::kRename: return "renaming “" + step.oldName + "” to “" + step.newName + "”";
     case StepKind::kCreate: return "creating “" + step.newName + "”";
     case StepKind::kDelete: break;

@@ -12,7 +12,7 @@ namespace standin {
 namespace {
 
 /// The titles after the step, or after its undoing.
-std::vector<std::string> after(std::vector<std::string> names, const PlaylistStep& step, bool undone) {
+std::vector<std::string> After(std::vector<std::string> names, const PlaylistStep& step, bool undone) {
   const auto place = [&](std::int32_t at) {
     return names.begin() + std::clamp<std::ptrdiff_t>(at, 0, static_cast<std::ptrdiff_t>(names.size()));
   };
@@ -34,23 +34,23 @@ std::vector<std::string> after(std::vector<std::string> names, const PlaylistSte
 }
 
 /// Where the step, or its undoing, has put titles in; nowhere if it has only taken some out.
-std::optional<std::int32_t> putAt(const PlaylistStep& step, bool undone) {
+std::optional<std::int32_t> PutAt(const PlaylistStep& step, bool undone) {
   if (undone ? step.kind == StepKind::kAdd : step.kind == StepKind::kRemove) return std::nullopt;
   return undone ? step.from.at : step.to.at;
 }
 
-const std::string& nameAfter(const PlaylistStep& step, bool undone, const std::string& list) {
+const std::string& NameAfter(const PlaylistStep& step, bool undone, const std::string& list) {
   if (step.kind != StepKind::kRename) return list;
   return undone ? step.oldName : step.newName;
 }
 
 /// The list is there after the step.
-bool staysAfter(const PlaylistStep& step, bool undone) {
+bool StaysAfter(const PlaylistStep& step, bool undone) {
   if (step.kind == StepKind::kCreate) return !undone;
   return step.kind != StepKind::kDelete || undone;
 }
 
-std::int64_t firstVersion() {
+std::int64_t FirstVersion() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(
              std::chrono::system_clock::now().time_since_epoch())
       .count();
@@ -67,7 +67,7 @@ Playlists::Playlists(bus::PollLoop& loop, bus::Connection& connection, PluginKee
       library_(library),
       address_(std::move(address)),
       history_(house.database),
-      lastVersion_(firstVersion()),
+      lastVersion_(FirstVersion()),
       timer_(loop.makeTimer(kLookInterval, [this] { look(); })) {}
 
 void Playlists::ask(Work work, Done done) {
@@ -204,8 +204,8 @@ void Playlists::collection(Done done) {
 /// What is kept of the list, and the pages, follow a step of this server's own.
 void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list,
                        std::int64_t before) {
-  const std::string& name = nameAfter(step, undone, list);
-  if (!staysAfter(step, undone)) {
+  const std::string& name = NameAfter(step, undone, list);
+  if (!StaysAfter(step, undone)) {
     forget(list);
     house_.live.tell("playlist", Dump({{"name", list}, {"gone", true}}));
     tellCollection();
@@ -229,8 +229,8 @@ void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone
   const bool alone =
       known->revision == before && now == before + static_cast<std::int64_t>(step.items.size());
   if (!alone) return tellChanged(keepAsItIs(*found));
-  std::vector<std::string> names = after(known->names->all(), step, undone);
-  if (const auto at = putAt(step, undone)) {  // a title may be called otherwise than when it was taken out
+  std::vector<std::string> names = After(known->names->all(), step, undone);
+  if (const auto at = PutAt(step, undone)) {  // a title may be called otherwise than when it was taken out
     std::vector<std::string> put = found->names(*at, static_cast<std::int32_t>(step.items.size()));
     if (*at + put.size() > names.size()) return tellChanged(keepAsItIs(*found));
     std::move(put.begin(), put.end(), names.begin() + *at);
@@ -269,7 +269,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
         }
         history_.finish(id, step);
         follow(lists, step, false, known, before);
-        const std::string& now = nameAfter(step, false, known);
+        const std::string& now = NameAfter(step, false, known);
         if (step.kind == StepKind::kDelete) {
           outcome.name = known;
           tellSteps(outcome, {});
@@ -363,10 +363,10 @@ void Playlists::turn(const std::string& name, Turn turn, Done done) {
           outcome.said = WordsOf(entry->step) + (undo ? " is undone" : " is done again");
         }
         if (name.empty()) {
-          outcome.name = staysAfter(entry->step, undo) ? nameAfter(entry->step, undo, entry->list) : "";
+          outcome.name = StaysAfter(entry->step, undo) ? NameAfter(entry->step, undo, entry->list) : "";
           tellSteps(outcome, {});
-        } else if (staysAfter(entry->step, undo)) {
-          fill(lists, outcome, nameAfter(entry->step, undo, name));
+        } else if (StaysAfter(entry->step, undo)) {
+          fill(lists, outcome, NameAfter(entry->step, undo, name));
         }
       },
       [this, name, restoring, done = std::move(done)](const Outcome& outcome) {

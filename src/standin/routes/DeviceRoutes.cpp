@@ -21,11 +21,11 @@ struct Parts {
   PluginKeeper& plugin;
 };
 
-PluginKeeper::Done answering(const Reply& reply) {
+PluginKeeper::Done Answering(const Reply& reply) {
   return [reply](const std::string& failure) { reply(OutcomeOf(failure)); };
 }
 
-void press(const Parts& parts, const WebCall& call, const Reply& reply) {
+void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto caption = call.json.at("caption").get<std::string>();
   const Device* device = parts.house.devices.byRef(call.json.at("ref").get<std::int32_t>());
   const bool known =
@@ -33,41 +33,41 @@ void press(const Parts& parts, const WebCall& call, const Reply& reply) {
                                        [&](const DeviceButton& each) { return each.caption == caption; });
   if (!known) return reply(Refusal(404, "The device has no such button"));
   parts.plugin.command([caption](base::Object& vxif) { vxif.invoke("ButtonPress", caption); },
-                       answering(reply));
+                       Answering(reply));
 }
 
-void setIo(const Parts& parts, const Device& device, std::int16_t command, std::int16_t brightness,
+void SetIo(const Parts& parts, const Device& device, std::int16_t command, std::int16_t brightness,
            const Reply& reply) {
   const base::ObjectRef object = parts.objects.device(device.ref);
   parts.plugin.command(
       [object, hc = device.hc, dc = device.dc, command, brightness](base::Object& vxif) {
         vxif.invoke("SetIO", object, hc, dc, command, brightness, std::int16_t{0}, std::int16_t{0});
       },
-      answering(reply));
+      Answering(reply));
 }
 
-void command(const Parts& parts, const WebCall& call, const Reply& reply) {
+void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto ref = call.json.at("ref").get<std::int32_t>();
   const auto word = call.json.at("command").get<std::string>();
   const auto value = call.json.value("value", std::int64_t{0});
   const Device* device = parts.house.devices.byRef(ref);
   if (device == nullptr) return reply(Refusal(404, "There is no such device"));
   if (word == "on" || word == "off")
-    return setIo(parts, *device, word == "on" ? kCommandOn : kCommandOff, 0, reply);
+    return SetIo(parts, *device, word == "on" ? kCommandOn : kCommandOff, 0, reply);
   if (word != "value") return reply(Refusal(400, "There is no such command"));
   if (value < 0 || value > std::numeric_limits<std::int16_t>::max())
     return reply(Refusal(400, "The value is out of range"));
   parts.house.devices.putValue(ref, static_cast<std::int32_t>(value));
-  setIo(parts, *device, kCommandValue, static_cast<std::int16_t>(value), reply);
+  SetIo(parts, *device, kCommandValue, static_cast<std::int16_t>(value), reply);
 }
 
-void menu(const Parts& parts, const WebCall& call, const Reply& reply) {
+void SelectMenu(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto item = call.json.at("item").get<std::string>();
   if (!parts.house.menu.has(item)) return reply(Refusal(404, "There is no such menu item"));
-  parts.plugin.command([item](base::Object& vxif) { vxif.invoke("SelectMenu", item); }, answering(reply));
+  parts.plugin.command([item](base::Object& vxif) { vxif.invoke("SelectMenu", item); }, Answering(reply));
 }
 
-void voice(const Parts& parts, const WebCall& call, const Reply& reply) {
+void TakeVoice(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto text = call.json.at("text").get<std::string>();
   if (text.empty() || text.size() > 500) return reply(Refusal(400, "Say something of up to 500 characters"));
   parts.house.log.write("Voice", text);
@@ -104,10 +104,10 @@ Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin) {
   const auto with = [parts = Parts{house, objects, plugin}](auto handle) {
     return Later{[parts, handle](const WebCall& call, const Reply& reply) { handle(parts, call, reply); }};
   };
-  return {{Method::kPost, "/api/press", Role::kGuest, with(press)},
-          {Method::kPost, "/api/command", Role::kGuest, with(command)},
-          {Method::kPost, "/api/voice", Role::kGuest, with(voice)},
-          {Method::kPost, "/api/menu", Role::kOwner, with(menu), "Guests can't use the menu"}};
+  return {{Method::kPost, "/api/press", Role::kGuest, with(Press)},
+          {Method::kPost, "/api/command", Role::kGuest, with(Command)},
+          {Method::kPost, "/api/voice", Role::kGuest, with(TakeVoice)},
+          {Method::kPost, "/api/menu", Role::kOwner, with(SelectMenu), "Guests can't use the menu"}};
 }
 
 }  // namespace standin

@@ -13,7 +13,7 @@ using Json = nlohmann::json;
 constexpr std::size_t kLogPage = 300;
 constexpr std::size_t kMostValues = 100;
 
-WebAnswer stateOf(const House& house, const PluginKeeper& plugin, const Visitors& visitors,
+WebAnswer StateOf(const House& house, const PluginKeeper& plugin, const Visitors& visitors,
                   const User& user) {
   Json devices = Json::array();
   for (const auto& [ref, device] : house.devices.all()) devices.push_back(DeviceJson(device));
@@ -42,7 +42,7 @@ WebAnswer stateOf(const House& house, const PluginKeeper& plugin, const Visitors
                {"devices", std::move(devices)}});
 }
 
-WebAnswer valuesOf(const House& house, std::int32_t ref, const std::string& sought) {
+WebAnswer ValuesOf(const House& house, std::int32_t ref, const std::string& sought) {
   const Device* device = house.devices.byRef(ref);
   if (device == nullptr) return Refusal(404, "There is no such device");
   const std::string folded = base::LowerCase(sought);
@@ -55,7 +55,7 @@ WebAnswer valuesOf(const House& house, std::int32_t ref, const std::string& soug
   return Told({{"values", std::move(found)}, {"total", total}});
 }
 
-WebAnswer linesOf(House& house, const std::string& type, std::int64_t before) {
+WebAnswer LinesOf(House& house, const std::string& type, std::int64_t before) {
   Json lines = Json::array();
   for (const LogLine& line : house.log.newest(kLogPage, type, before)) lines.push_back(LogJson(line));
   return Told({{"lines", std::move(lines)}, {"types", house.log.types()}});
@@ -64,12 +64,12 @@ WebAnswer linesOf(House& house, const std::string& type, std::int64_t before) {
 }  // namespace
 
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors) {
-  const auto state = [&](const WebCall& call) { return stateOf(house, plugin, visitors, call.user); };
+  const auto state = [&](const WebCall& call) { return StateOf(house, plugin, visitors, call.user); };
   const auto values = [&](const WebCall& call) {
-    return valuesOf(house, call.number<std::int32_t>("ref"), call.parameter("q"));
+    return ValuesOf(house, call.number<std::int32_t>("ref"), call.parameter("q"));
   };
   const auto log = [&](const WebCall& call) {
-    return linesOf(house, call.parameter("type"), call.number<std::int64_t>("before"));
+    return LinesOf(house, call.parameter("type"), call.number<std::int64_t>("before"));
   };
   const auto start = [&](const WebCall&) {
     plugin.startAgain();

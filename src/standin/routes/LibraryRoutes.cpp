@@ -21,21 +21,21 @@ struct Music {
 };
 
 /// The category's own word, also "Media Library"; throws number 5 for any other text.
-std::string categoryIn(const std::string& text) {
+std::string CategoryIn(const std::string& text) {
   if (base::SameText(text, kAllTitles)) return kAllTitles;
   const std::optional<std::string> known = PlayerLibrary::categoryOf(text);
   if (!known) throw base::Failure(base::number::kInvalidArgument, "There is no such category");
   return *known;
 }
 
-LibrarySearch::Query queryOf(const WebCall& call) {
+LibrarySearch::Query QueryOf(const WebCall& call) {
   return {.sought = call.parameter("q"),
           .offset = call.number<std::size_t>("offset"),
           .limit = std::min(call.number<std::size_t>("limit"), kLargestPage),
           .fresh = call.parameter("fresh") == "1"};
 }
 
-Json jsonOf(LibrarySearch::Group group) {
+Json JsonOf(LibrarySearch::Group group) {
   Json json{{"category", group.category},
             {"names", std::move(group.names)},
             {"places", std::move(group.places)},
@@ -44,8 +44,8 @@ Json jsonOf(LibrarySearch::Group group) {
   return json;
 }
 
-void names(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
-  const LibrarySearch::Query query = queryOf(call);
+void Names(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
+  const LibrarySearch::Query query = QueryOf(call);
   music.library.list(
       category, query.fresh,
       [query, reply](const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
@@ -60,7 +60,7 @@ void names(const Music& music, const std::string& category, const WebCall& call,
 }
 
 /// A page of a group's rows. The name of a head is its artist's, and its place none.
-Json rowsJson(const TitleList& list, const TitleList::Choice& choice, const LibrarySearch::Query& query) {
+Json RowsJson(const TitleList& list, const TitleList::Choice& choice, const LibrarySearch::Query& query) {
   const std::vector<TitleList::Row> rows = list.rows(choice);
   const auto heads = std::count_if(
       rows.begin(), rows.end(), [](const TitleList::Row& row) { return row.place == TitleList::Row::kHead; });
@@ -79,31 +79,31 @@ Json rowsJson(const TitleList& list, const TitleList::Choice& choice, const Libr
           {"all", list.all().size()}};
 }
 
-void titles(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
-  const LibrarySearch::Query query = queryOf(call);
+void Titles(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
+  const LibrarySearch::Query query = QueryOf(call);
   const TitleList::Choice choice{query.sought, call.parameter("by"), category == "Album"};
   music.library.titles(category, call.parameter("group"), query.fresh,
                        [query, choice, reply](const std::shared_ptr<const TitleList>& list,
                                               const PlayerLibrary::Failed& failed) {
-                         reply(list ? Told(rowsJson(*list, choice, query)) : OutcomeOf(failed));
+                         reply(list ? Told(RowsJson(*list, choice, query)) : OutcomeOf(failed));
                        });
 }
 
-void list(const Music& music, const WebCall& call, const Reply& reply) {
-  const std::string category = categoryIn(call.parameter("category"));
-  if (!call.parameter("group").empty()) return titles(music, category, call, reply);
-  if (category != kAllTitles) return names(music, category, call, reply);
-  const LibrarySearch::Query query = queryOf(call);
+void List(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = CategoryIn(call.parameter("category"));
+  if (!call.parameter("group").empty()) return Titles(music, category, call, reply);
+  if (category != kAllTitles) return Names(music, category, call, reply);
+  const LibrarySearch::Query query = QueryOf(call);
   music.search.titles(query, [query, reply](LibrarySearch::Group group, const PlayerLibrary::Failed& failed) {
     if (!failed.text.empty()) return reply(OutcomeOf(failed));
-    Json json = jsonOf(std::move(group));
+    Json json = JsonOf(std::move(group));
     json["offset"] = query.offset;
     reply(Told(json));
   });
 }
 
-void albums(const Music& music, const WebCall& call, const Reply& reply) {
-  const std::string category = categoryIn(call.parameter("category"));
+void Albums(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = CategoryIn(call.parameter("category"));
   music.library.albums(
       category, call.parameter("group"),
       [reply](const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
@@ -111,20 +111,20 @@ void albums(const Music& music, const WebCall& call, const Reply& reply) {
       });
 }
 
-void search(const Music& music, const WebCall& call, const Reply& reply) {
+void Search(const Music& music, const WebCall& call, const Reply& reply) {
   music.search.everywhere(
-      queryOf(call), [reply](std::vector<LibrarySearch::Group> groups, const PlayerLibrary::Failed& failed) {
+      QueryOf(call), [reply](std::vector<LibrarySearch::Group> groups, const PlayerLibrary::Failed& failed) {
         if (!failed.text.empty()) return reply(OutcomeOf(failed));
         Json found = Json::array();
-        for (LibrarySearch::Group& group : groups) found.push_back(jsonOf(std::move(group)));
+        for (LibrarySearch::Group& group : groups) found.push_back(JsonOf(std::move(group)));
         reply(Told({{"groups", std::move(found)}}));
       });
 }
 
 /// {category, name} plays a group, with "by" what that artist has in it; {category, name, at, title, mark}
 /// one of its titles.
-void play(const Music& music, const WebCall& call, const Reply& reply) {
-  const std::string category = categoryIn(call.json.at("category").get<std::string>());
+void Play(const Music& music, const WebCall& call, const Reply& reply) {
+  const std::string category = CategoryIn(call.json.at("category").get<std::string>());
   const auto group = call.json.at("name").get<std::string>();
   const auto done = [reply](const PlayerLibrary::Failed& failed) { reply(OutcomeOf(failed)); };
   if (call.json.contains("mark")) {
@@ -137,7 +137,7 @@ void play(const Music& music, const WebCall& call, const Reply& reply) {
   music.library.play(category, group, call.json.value("by", std::string()), done);
 }
 
-void volume(const Music& music, const WebCall&, const Reply& reply) {
+void Volume(const Music& music, const WebCall&, const Reply& reply) {
   music.library.volume([reply](std::int32_t volume, const PlayerLibrary::Failed& failed) {
     reply(failed.text.empty() ? Told({{"volume", volume}}) : OutcomeOf(failed));
   });
@@ -155,11 +155,11 @@ Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& searching) {
       }
     }};
   };
-  return {{Method::kGet, "/api/library", Role::kGuest, with(list)},
-          {Method::kGet, "/api/albums", Role::kGuest, with(albums)},
-          {Method::kGet, "/api/search", Role::kGuest, with(search)},
-          {Method::kGet, "/api/volume", Role::kGuest, with(volume)},
-          {Method::kPost, "/api/play", Role::kGuest, with(play)}};
+  return {{Method::kGet, "/api/library", Role::kGuest, with(List)},
+          {Method::kGet, "/api/albums", Role::kGuest, with(Albums)},
+          {Method::kGet, "/api/search", Role::kGuest, with(Search)},
+          {Method::kGet, "/api/volume", Role::kGuest, with(Volume)},
+          {Method::kPost, "/api/play", Role::kGuest, with(Play)}};
 }
 
 }  // namespace standin

@@ -17,14 +17,14 @@ constexpr std::size_t kLargestPage = 500;
 constexpr std::size_t kLongestName = 1200;  // bytes: 300 characters of any kind
 constexpr std::size_t kLongestPageId = 40;
 
-Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
 
 /// The state of a list, without its titles.
-Json jsonOf(const Playlists::Outcome& outcome, const User& user) {
+Json JsonOf(const Playlists::Outcome& outcome, const User& user) {
   Json json{{"name", outcome.name},
             {"version", outcome.version},
-            {"undo", textOrNull(outcome.undo)},
-            {"redo", textOrNull(outcome.redo)},
+            {"undo", TextOrNull(outcome.undo)},
+            {"redo", TextOrNull(outcome.redo)},
             {"said", outcome.said},
             {"edit", !user.guest}};
   if (outcome.names) json["total"] = outcome.names->size();
@@ -32,8 +32,8 @@ Json jsonOf(const Playlists::Outcome& outcome, const User& user) {
   return json;
 }
 
-WebAnswer refusalOf(const Playlists::Outcome& outcome, const User& user) {
-  Json json = jsonOf(outcome, user);
+WebAnswer RefusalOf(const Playlists::Outcome& outcome, const User& user) {
+  Json json = JsonOf(outcome, user);
   json["error"] = outcome.error;
   json["stuck"] = outcome.stuck;
   WebAnswer answer = Told(json);
@@ -42,35 +42,35 @@ WebAnswer refusalOf(const Playlists::Outcome& outcome, const User& user) {
 }
 
 /// One line, without blanks around it.
-std::string nameIn(const Json& json, const char* field) {
+std::string NameIn(const Json& json, const char* field) {
   auto name = json.at(field).get<std::string>();
   std::replace_if(
       name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, ' ');
   return base::TrimBlanks(name);
 }
 
-std::optional<std::string> neighbour(const Json& json, const char* field) {
+std::optional<std::string> Neighbour(const Json& json, const char* field) {
   return json.at(field).is_null() ? std::nullopt : std::optional(json.at(field).get<std::string>());
 }
 
-Playlists::Plan moving(const Json& json) {
+Playlists::Plan Moving(const Json& json) {
   MoveOrder order;
   order.from = json.at("from").get<std::int32_t>();
   order.to = json.at("to").get<std::int32_t>();
   order.title = json.at("title").get<std::string>();
-  order.before = neighbour(json, "before");
-  order.after = neighbour(json, "after");
+  order.before = Neighbour(json, "before");
+  order.after = Neighbour(json, "after");
   return [order](PlayerLists&, const PlayerList& list) { return PlanMove(list, order); };
 }
 
-Playlists::Plan removing(const Json& json) {
+Playlists::Plan Removing(const Json& json) {
   const auto at = json.at("at").get<std::int32_t>();
   const auto title = json.at("title").get<std::string>();
   return [at, title](PlayerLists&, const PlayerList& list) { return PlanRemove(list, at, title); };
 }
 
 /// What an artist has in the group.
-TitleChoice choiceBy(const PlayerList& group, const std::string& by) {
+TitleChoice ChoiceBy(const PlayerList& group, const std::string& by) {
   TitleChoice choice;
   const std::vector<Title> all = group.titles(0, group.count());
   for (std::size_t i = 0; i < all.size(); ++i)
@@ -78,7 +78,7 @@ TitleChoice choiceBy(const PlayerList& group, const std::string& by) {
   return choice;
 }
 
-Playlists::Plan adding(const Json& json) {
+Playlists::Plan Adding(const Json& json) {
   constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::max();
   const auto category = json.at("category").get<std::string>();
   const auto group = json.at("group").get<std::string>();
@@ -94,31 +94,31 @@ Playlists::Plan adding(const Json& json) {
   return [category, group, by, choice, to](PlayerLists& lists, const PlayerList& list) {
     const std::optional<PlayerList> from = lists.group(category, group);
     if (!from) throw base::Failure(base::number::kElementNotFound, "The player can't find “" + group + "”");
-    return PlanAdd(list, *from, by.empty() ? choice : choiceBy(*from, by), to);
+    return PlanAdd(list, *from, by.empty() ? choice : ChoiceBy(*from, by), to);
   };
 }
 
-Playlists::Plan deleting(const Json&) {
+Playlists::Plan Deleting(const Json&) {
   return [](PlayerLists&, const PlayerList& list) { return PlanDelete(list); };
 }
 
 /// Tells the asker what has become of a change.
-Playlists::Done answering(const WebCall& call, const Reply& reply) {
+Playlists::Done Answering(const WebCall& call, const Reply& reply) {
   return [user = call.user, reply](const Playlists::Outcome& outcome) {
-    reply(outcome.failure != 0 ? refusalOf(outcome, user) : Told(jsonOf(outcome, user)));
+    reply(outcome.failure != 0 ? RefusalOf(outcome, user) : Told(JsonOf(outcome, user)));
   };
 }
 
 /// A page of a list's titles, with what the player tells of each.
-void show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, const Reply& reply) {
+void Show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, const Reply& reply) {
   const auto offset = call.number<std::size_t>("offset");
   const auto limit = std::min(call.number<std::size_t>("limit"), kLargestPage);
   playlists.show(call.parameter("group"), call.parameter("fresh") == "1",
                  [&library, sought = call.parameter("q"), offset, limit, user = call.user,
                   reply](const Playlists::Outcome& outcome) {
-                   if (outcome.failure != 0 || !outcome.names) return reply(refusalOf(outcome, user));
+                   if (outcome.failure != 0 || !outcome.names) return reply(RefusalOf(outcome, user));
                    NameList::Page page = outcome.names->page(sought, offset, limit);
-                   Json json = jsonOf(outcome, user);
+                   Json json = JsonOf(outcome, user);
                    json["names"] = std::move(page.names);
                    json["places"] = page.places;
                    json["offset"] = offset;
@@ -135,7 +135,7 @@ void show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, con
                  });
 }
 
-WebAnswer watch(Playlists& playlists, const WebCall& call) {
+WebAnswer Watch(Playlists& playlists, const WebCall& call) {
   const auto page = call.json.at("page").get<std::string>().substr(0, kLongestPageId);
   const auto name = call.json.at("name").get<std::string>();
   if (name.size() > kLongestName) return Refusal(400, "The name is too long");
@@ -144,25 +144,25 @@ WebAnswer watch(Playlists& playlists, const WebCall& call) {
 }
 
 /// A refusal of a name for a list; nothing when it is good.
-std::optional<WebAnswer> wrongName(const std::string& name) {
+std::optional<WebAnswer> WrongName(const std::string& name) {
   if (name.empty()) return Refusal(400, "A playlist needs a name");
   if (name.size() > kLongestName) return Refusal(400, "The name is too long");
   return std::nullopt;
 }
 
-void create(Playlists& playlists, const WebCall& call, const Reply& reply) {
-  const std::string name = nameIn(call.json, "name");
-  if (const auto wrong = wrongName(name)) return reply(*wrong);
-  playlists.create(name, answering(call, reply));
+void Create(Playlists& playlists, const WebCall& call, const Reply& reply) {
+  const std::string name = NameIn(call.json, "name");
+  if (const auto wrong = WrongName(name)) return reply(*wrong);
+  playlists.create(name, Answering(call, reply));
 }
 
-void rename(Playlists& playlists, const WebCall& call, const Reply& reply) {
-  const std::string to = nameIn(call.json, "to");
-  if (const auto wrong = wrongName(to)) return reply(*wrong);
+void Rename(Playlists& playlists, const WebCall& call, const Reply& reply) {
+  const std::string to = NameIn(call.json, "to");
+  if (const auto wrong = WrongName(to)) return reply(*wrong);
   playlists.change(
       call.json.value("name", std::string()),
       [to](PlayerLists& lists, const PlayerList& list) { return PlanRename(lists, list, to); },
-      answering(call, reply));
+      Answering(call, reply));
 }
 
 }  // namespace
@@ -174,12 +174,12 @@ Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library) {
   };
   const auto planned = [&playlists](Playlists::Plan (*plan)(const Json&)) {
     return Later{[&playlists, plan](const WebCall& call, const Reply& reply) {
-      playlists.change(call.json.value("name", std::string()), plan(call.json), answering(call, reply));
+      playlists.change(call.json.value("name", std::string()), plan(call.json), Answering(call, reply));
     }};
   };
   const auto turned = [&playlists](Playlists::Turn turn) {
     return Later{[&playlists, turn](const WebCall& call, const Reply& reply) {
-      playlists.turn(call.json.value("name", std::string()), turn, answering(call, reply));
+      playlists.turn(call.json.value("name", std::string()), turn, Answering(call, reply));
     }};
   };
   const auto change = [](const std::string& action, const Later& handler) {
@@ -187,21 +187,21 @@ Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library) {
                  handler,       "Guests can't change playlists", Route::kLargestBody};
   };
   const auto collection = [](Playlists& all, const WebCall& call, const Reply& reply) {
-    all.collection(answering(call, reply));
+    all.collection(Answering(call, reply));
   };
   return {{Method::kGet, "/api/playlist", Role::kGuest,
            Later{[&playlists, &library](const WebCall& call, const Reply& reply) {
-             show(playlists, library, call, reply);
+             Show(playlists, library, call, reply);
            }}},
           {Method::kGet, "/api/playlists", Role::kGuest, with(collection)},
           {Method::kPost, "/api/playlist/watch", Role::kGuest,
-           Now{[&playlists](const WebCall& call) { return watch(playlists, call); }}},
-          change("create", with(create)),
-          change("rename", with(rename)),
-          change("move", planned(moving)),
-          change("add", planned(adding)),
-          change("remove", planned(removing)),
-          change("delete", planned(deleting)),
+           Now{[&playlists](const WebCall& call) { return Watch(playlists, call); }}},
+          change("create", with(Create)),
+          change("rename", with(Rename)),
+          change("move", planned(Moving)),
+          change("add", planned(Adding)),
+          change("remove", planned(Removing)),
+          change("delete", planned(Deleting)),
           change("undo", turned(Playlists::Turn::kUndo)),
           change("redo", turned(Playlists::Turn::kRedo)),
           change("skip-undo", turned(Playlists::Turn::kSkipUndo)),

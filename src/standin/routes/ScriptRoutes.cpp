@@ -8,29 +8,29 @@ namespace {
 
 constexpr std::size_t kLongestScript = std::size_t{256} << 10U;
 
-WebAnswer badName() {
+WebAnswer BadName() {
   return Refusal(400, "A script's name has up to 50 letters, digits, blanks, “-” and “_”");
 }
 
-WebAnswer read(const ScriptStore& store, const WebCall& call) {
+WebAnswer Read(const ScriptStore& store, const WebCall& call) {
   const std::string name = call.parameter("name");
   const std::optional<std::string> text = store.read(name);
   if (!text) return Refusal(404, "There is no such script");
   return Told({{"name", name}, {"text", *text}});
 }
 
-WebAnswer save(ScriptStore& store, const WebCall& call) {
+WebAnswer Save(ScriptStore& store, const WebCall& call) {
   const auto name = call.json.at("name").get<std::string>();
   const auto text = call.json.at("text").get<std::string>();
-  if (!ScriptStore::isName(name)) return badName();
+  if (!ScriptStore::isName(name)) return BadName();
   if (text.size() > kLongestScript) return Refusal(413, "The script is too long");
   store.write(name, text);
   return {};
 }
 
-WebAnswer run(const ScriptStore& store, ScriptRunner& runner, const WebCall& call) {
+WebAnswer Run(const ScriptStore& store, ScriptRunner& runner, const WebCall& call) {
   const auto name = call.json.at("name").get<std::string>();
-  if (!ScriptStore::isName(name)) return badName();
+  if (!ScriptStore::isName(name)) return BadName();
   const std::optional<std::string> text =
       call.json.contains("text") ? std::optional(call.json.at("text").get<std::string>()) : store.read(name);
   if (!text) return Refusal(404, "There is no such script");
@@ -39,7 +39,7 @@ WebAnswer run(const ScriptStore& store, ScriptRunner& runner, const WebCall& cal
   return Told({{"run", runner.number()}});
 }
 
-WebAnswer reportOf(const ScriptRunner& runner, std::size_t from) {
+WebAnswer ReportOf(const ScriptRunner& runner, std::size_t from) {
   const std::optional<ScriptRun::Report> report = runner.report(from);
   if (!report) return Told({{"run", 0}, {"running", false}});
   return Told({{"run", runner.number()},
@@ -62,22 +62,22 @@ Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner) {
              [&](const WebCall&) {
                return Told({{"scripts", store.names()}});
              }),
-      owners(Method::kGet, "/api/script", [&](const WebCall& call) { return read(store, call); }),
-      owners(Method::kPost, "/api/script", [&](const WebCall& call) { return save(store, call); }),
+      owners(Method::kGet, "/api/script", [&](const WebCall& call) { return Read(store, call); }),
+      owners(Method::kPost, "/api/script", [&](const WebCall& call) { return Save(store, call); }),
       owners(Method::kPost, "/api/script/delete",
              [&](const WebCall& call) {
                return store.remove(call.json.at("name").get<std::string>())
                           ? WebAnswer()
                           : Refusal(404, "There is no such script");
              }),
-      owners(Method::kPost, "/api/script/run", [&](const WebCall& call) { return run(store, runner, call); }),
+      owners(Method::kPost, "/api/script/run", [&](const WebCall& call) { return Run(store, runner, call); }),
       owners(Method::kPost, "/api/script/stop",
              [&](const WebCall&) {
                runner.stop();
                return WebAnswer();
              }),
       owners(Method::kGet, "/api/script/run",
-             [&](const WebCall& call) { return reportOf(runner, call.number<std::size_t>("from")); })};
+             [&](const WebCall& call) { return ReportOf(runner, call.number<std::size_t>("from")); })};
 }
 
 }  // namespace standin

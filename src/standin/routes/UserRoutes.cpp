@@ -14,14 +14,14 @@ constexpr std::size_t kLongestPassword = 1024;
 constexpr std::size_t kShortestPassword = 8;
 constexpr int kDone = 200;
 
-std::string sessionCookie(const std::string& token) {
+std::string SessionCookie(const std::string& token) {
   return "vantorix=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=2592000";
 }
 
-std::string noCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
+std::string NoCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
 
-WebAnswer tooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
-WebAnswer wrongLogin() { return Refusal(403, "The name or the password is wrong"); }
+WebAnswer TooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
+WebAnswer WrongLogin() { return Refusal(403, "The name or the password is wrong"); }
 
 /// The commands of this area, and what they share.
 class Commands {
@@ -34,14 +34,14 @@ class Commands {
     WebAnswer answer{.location = "/"};
     const bool known = call.user.name == kFirstUser;
     if (!known && visitors_.isKey(call.parameter("key")))
-      answer.cookie = sessionCookie(house_.users.begin(kFirstUser));
+      answer.cookie = SessionCookie(house_.users.begin(kFirstUser));
     return answer;
   }
 
   WebAnswer login(const WebCall& call) {
     const auto name = call.json.at("name").get<std::string>();
     const auto password = call.json.value("password", std::string());
-    if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
+    if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
     struct Known {
       std::optional<User> user;
       std::string hash;
@@ -56,29 +56,29 @@ class Commands {
     if (asked.status != kDone) return asked;
     if (!known->user) {
       limits_.failed(name, call.peer, now_());
-      return wrongLogin();
+      return WrongLogin();
     }
     if (!known->letIn) return Refusal(403, "Guests are not let in here");
     const User& user = *known->user;
     if (!user.hasPassword && !user.guest) return Refusal(403, kWayByKey);
     if (user.hasPassword) {
       const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now_())) return tooMany();  // others have guessed meanwhile
+      if (!limits_.mayTry(name, call.peer, now_())) return TooMany();  // others have guessed meanwhile
       if (!PasswordFits(known->hash, password)) {
         limits_.failed(name, call.peer, now_());
-        return wrongLogin();
+        return WrongLogin();
       }
       limits_.succeeded(name, call.peer);
     }
     const auto token = std::make_shared<std::string>();
     asked = onLoop([this, name = user.name, token] { *token = house_.users.begin(name); });
-    if (asked.status == kDone) asked.cookie = sessionCookie(*token);
+    if (asked.status == kDone) asked.cookie = SessionCookie(*token);
     return asked;
   }
 
   WebAnswer logout(const WebCall& call) {
     house_.users.end(call.token);
-    return {.cookie = noCookie()};
+    return {.cookie = NoCookie()};
   }
 
   WebAnswer setPassword(const WebCall& call) {
@@ -90,14 +90,14 @@ class Commands {
     if (wanted.size() > kLongestPassword) return Refusal(400, "The password is too long");
     if (wanted.empty() && !visitors_.local())
       return Refusal(403, "A server that others can reach needs a password");
-    if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
+    if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
     const auto hash = std::make_shared<std::string>();
     WebAnswer asked = onLoop([this, name, hash] { *hash = house_.users.hashOf(name); });
     if (asked.status != kDone) return asked;
     std::string made;
     {
       const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now_())) return tooMany();
+      if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
       if (!hash->empty() && !PasswordFits(*hash, old)) {
         limits_.failed(name, call.peer, now_());
         return Refusal(403, "The old password is wrong");
@@ -113,7 +113,7 @@ class Commands {
       house_.log.write(
           "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
     });
-    if (asked.status == kDone) asked.cookie = sessionCookie(*fresh);
+    if (asked.status == kDone) asked.cookie = SessionCookie(*fresh);
     return asked;
   }
 

@@ -32,7 +32,7 @@ struct Run {
   std::string error;
 };
 
-void* allocate(void* context, void* block, std::size_t oldSize, std::size_t newSize) {
+void* Allocate(void* context, void* block, std::size_t oldSize, std::size_t newSize) {
   auto& memory = *static_cast<Memory*>(context);
   if (block == nullptr) oldSize = 0;  // it tells the kind of object then
   if (newSize == 0) {
@@ -46,10 +46,10 @@ void* allocate(void* context, void* block, std::size_t oldSize, std::size_t newS
   return made;
 }
 
-Run& runOf(lua_State* lua) { return **static_cast<Run**>(lua_getextraspace(lua)); }
+Run& RunOf(lua_State* lua) { return **static_cast<Run**>(lua_getextraspace(lua)); }
 
 /// The first half: false with a text in `run.error` when it has thrown.
-bool done(lua_State* lua, Run& run, void (*work)(lua_State*, Run&)) {
+bool Done(lua_State* lua, Run& run, void (*work)(lua_State*, Run&)) {
   try {
     run.result = base::Value();
     work(lua, run);
@@ -65,61 +65,61 @@ bool done(lua_State* lua, Run& run, void (*work)(lua_State*, Run&)) {
   }
 }
 
-int raise(lua_State* lua, const Run& run) {
+int Raise(lua_State* lua, const Run& run) {
   return luaL_error(lua, "%s", run.error.empty() ? "not enough memory" : run.error.c_str());
 }
 
-int answer(lua_State* lua, void (*work)(lua_State*, Run&)) {
-  Run& run = runOf(lua);
-  if (!done(lua, run, work)) return raise(lua, run);
+int Answer(lua_State* lua, void (*work)(lua_State*, Run&)) {
+  Run& run = RunOf(lua);
+  if (!Done(lua, run, work)) return Raise(lua, run);
   PushLua(lua, run.result);
   run.result = base::Value();
   return 1;
 }
 
-std::int32_t objectAt(lua_State* lua, const Run& run, int index) {
+std::int32_t ObjectAt(lua_State* lua, const Run& run, int index) {
   const std::int32_t handle = LuaObjectAt(lua, index, run.objects);
   if (handle == 0) throw base::Failure(base::number::kObjectMissing, "An object is missing here");
   return handle;
 }
 
-std::string nameAt(lua_State* lua, int index) {
+std::string NameAt(lua_State* lua, int index) {
   if (lua_type(lua, index) != LUA_TSTRING) {
     throw base::Failure(base::number::kTypeMismatch, "The name of a member is a text");
   }
   return lua_tostring(lua, index);
 }
 
-base::Args argumentsFrom(lua_State* lua, const Run& run, int first) {
+base::Args ArgumentsFrom(lua_State* lua, const Run& run, int first) {
   base::Args args;
   std::size_t left = kMostRead;
   for (int i = first; i <= lua_gettop(lua); ++i) args.push_back(ReadLua(lua, i, run.objects, left));
   return args;
 }
 
-int houseCall(lua_State* lua) {
-  return answer(lua, [](lua_State* from, Run& run) {
-    const std::int32_t object = objectAt(from, run, 1);
-    const std::string name = nameAt(from, 2);
-    run.result = run.house.call(object, name, argumentsFrom(from, run, 3));
+int HouseCall(lua_State* lua) {
+  return Answer(lua, [](lua_State* from, Run& run) {
+    const std::int32_t object = ObjectAt(from, run, 1);
+    const std::string name = NameAt(from, 2);
+    run.result = run.house.call(object, name, ArgumentsFrom(from, run, 3));
   });
 }
 
-int houseGet(lua_State* lua) {
-  return answer(lua, [](lua_State* from, Run& run) {
-    run.result = run.house.get(objectAt(from, run, 1), nameAt(from, 2));
+int HouseGet(lua_State* lua) {
+  return Answer(lua, [](lua_State* from, Run& run) {
+    run.result = run.house.get(ObjectAt(from, run, 1), NameAt(from, 2));
   });
 }
 
-int housePut(lua_State* lua) {
-  return answer(lua, [](lua_State* from, Run& run) {
+int HousePut(lua_State* lua) {
+  return Answer(lua, [](lua_State* from, Run& run) {
     std::size_t left = kMostRead;
-    run.house.put(objectAt(from, run, 1), nameAt(from, 2), ReadLua(from, 3, run.objects, left));
+    run.house.put(ObjectAt(from, run, 1), NameAt(from, 2), ReadLua(from, 3, run.objects, left));
   });
 }
 
-int houseSleep(lua_State* lua) {
-  return answer(lua, [](lua_State* from, Run& run) {
+int HouseSleep(lua_State* lua) {
+  return Answer(lua, [](lua_State* from, Run& run) {
     if (lua_type(from, 1) != LUA_TNUMBER) {
       throw base::Failure(base::number::kTypeMismatch, "The time to sleep is a number of seconds");
     }
@@ -128,26 +128,26 @@ int houseSleep(lua_State* lua) {
 }
 
 /// An operation that was looked up as a member; called with a dot or with a colon.
-int operation(lua_State* lua) {
-  return answer(lua, [](lua_State* from, Run& run) {
+int Operation(lua_State* lua) {
+  return Answer(lua, [](lua_State* from, Run& run) {
     const bool colon = lua_gettop(from) > 0 && lua_rawequal(from, 1, lua_upvalueindex(1)) != 0;
-    run.result = run.house.call(objectAt(from, run, lua_upvalueindex(1)), nameAt(from, lua_upvalueindex(2)),
-                                argumentsFrom(from, run, colon ? 2 : 1));
+    run.result = run.house.call(ObjectAt(from, run, lua_upvalueindex(1)), NameAt(from, lua_upvalueindex(2)),
+                                ArgumentsFrom(from, run, colon ? 2 : 1));
   });
 }
 
-int objectIndex(lua_State* lua) {
-  Run& run = runOf(lua);
-  const bool fine = done(lua, run, [](lua_State* from, Run& its) {
-    const std::int32_t object = objectAt(from, its, 1);
-    const std::string name = nameAt(from, 2);
+int ObjectIndex(lua_State* lua) {
+  Run& run = RunOf(lua);
+  const bool fine = Done(lua, run, [](lua_State* from, Run& its) {
+    const std::int32_t object = ObjectAt(from, its, 1);
+    const std::string name = NameAt(from, 2);
     its.operation = !its.house.isField(object, name);
     if (!its.operation) its.result = its.house.get(object, name);
   });
-  if (!fine) return raise(lua, run);
+  if (!fine) return Raise(lua, run);
   if (run.operation) {
     lua_settop(lua, 2);
-    lua_pushcclosure(lua, operation, 2);
+    lua_pushcclosure(lua, Operation, 2);
     return 1;
   }
   PushLua(lua, run.result);
@@ -155,12 +155,12 @@ int objectIndex(lua_State* lua) {
   return 1;
 }
 
-int objectText(lua_State* lua) {
+int ObjectText(lua_State* lua) {
   lua_pushliteral(lua, "object");
   return 1;
 }
 
-int print(lua_State* lua) {
+int Print(lua_State* lua) {
   const int count = lua_gettop(lua);
   luaL_Buffer line;
   luaL_buffinit(lua, &line);
@@ -171,17 +171,17 @@ int print(lua_State* lua) {
   }
   luaL_addchar(&line, '\n');
   luaL_pushresult(&line);
-  Run& run = runOf(lua);
-  const bool fine = done(lua, run, [](lua_State* from, Run& its) {
+  Run& run = RunOf(lua);
+  const bool fine = Done(lua, run, [](lua_State* from, Run& its) {
     std::size_t size = 0;
     const char* text = lua_tolstring(from, -1, &size);
     its.house.print({text, size});
   });
-  return fine ? 0 : raise(lua, run);
+  return fine ? 0 : Raise(lua, run);
 }
 
 /// A finalizer would run where no limit reaches it.
-int setMetatable(lua_State* lua) {
+int SetMetatable(lua_State* lua) {
   luaL_checktype(lua, 1, LUA_TTABLE);
   luaL_argexpected(lua, lua_isnil(lua, 2) || lua_istable(lua, 2), 2, "nil or table");
   if (luaL_getmetafield(lua, 1, "__metatable") != LUA_TNIL) {
@@ -197,17 +197,17 @@ int setMetatable(lua_State* lua) {
   return 1;
 }
 
-void watch(lua_State* lua, lua_Debug* activation) {
-  const char* reason = runOf(lua).house.endReason();
+void Watch(lua_State* lua, lua_Debug* activation) {
+  const char* reason = RunOf(lua).house.endReason();
   if (reason == nullptr) return;
-  lua_sethook(lua, watch, LUA_MASKCOUNT, 1);  // so that no pcall of the script's goes on
+  lua_sethook(lua, Watch, LUA_MASKCOUNT, 1);  // so that no pcall of the script's goes on
   // Inside a hook the language itself would name the caller's line.
   lua_getinfo(lua, "Sl", activation);
   lua_pushfstring(lua, "%s:%d: %s", activation->short_src, activation->currentline, reason);
   lua_error(lua);
 }
 
-void remove(lua_State* lua, const char* table, std::initializer_list<const char*> names) {
+void Remove(lua_State* lua, const char* table, std::initializer_list<const char*> names) {
   lua_getglobal(lua, table);
   for (const char* name : names) {
     lua_pushnil(lua);
@@ -216,28 +216,28 @@ void remove(lua_State* lua, const char* table, std::initializer_list<const char*
   lua_pop(lua, 1);
 }
 
-void openLibraries(lua_State* lua) {
+void OpenLibraries(lua_State* lua) {
   luaL_requiref(lua, LUA_GNAME, luaopen_base, 1);
   luaL_requiref(lua, LUA_STRLIBNAME, luaopen_string, 1);
   luaL_requiref(lua, LUA_TABLIBNAME, luaopen_table, 1);
   luaL_requiref(lua, LUA_MATHLIBNAME, luaopen_math, 1);
   luaL_requiref(lua, LUA_UTF8LIBNAME, luaopen_utf8, 1);
   luaL_requiref(lua, LUA_OSLIBNAME, luaopen_os, 1);
-  remove(lua, LUA_GNAME, {"dofile", "loadfile", "load", "collectgarbage", "warn"});
-  remove(lua, LUA_STRLIBNAME, {"dump"});
-  remove(lua, LUA_OSLIBNAME, {"execute", "exit", "getenv", "remove", "rename", "setlocale", "tmpname"});
-  lua_register(lua, "print", print);
-  lua_register(lua, "setmetatable", setMetatable);
+  Remove(lua, LUA_GNAME, {"dofile", "loadfile", "load", "collectgarbage", "warn"});
+  Remove(lua, LUA_STRLIBNAME, {"dump"});
+  Remove(lua, LUA_OSLIBNAME, {"execute", "exit", "getenv", "remove", "rename", "setlocale", "tmpname"});
+  lua_register(lua, "print", Print);
+  lua_register(lua, "setmetatable", SetMetatable);
   lua_settop(lua, 0);
 }
 
-void openHouse(lua_State* lua) {
+void OpenHouse(lua_State* lua) {
   luaL_newmetatable(lua, kLuaObjects);
-  runOf(lua).objects = lua_topointer(lua, -1);
+  RunOf(lua).objects = lua_topointer(lua, -1);
   const luaL_Reg members[] = {// NOLINT(modernize-avoid-c-arrays): as Lua takes it
-                              {"__index", objectIndex},
-                              {"__newindex", housePut},
-                              {"__tostring", objectText},
+                              {"__index", ObjectIndex},
+                              {"__newindex", HousePut},
+                              {"__tostring", ObjectText},
                               {nullptr, nullptr}};
   luaL_setfuncs(lua, &members[0], 0);
   lua_pushliteral(lua, "object");
@@ -245,10 +245,10 @@ void openHouse(lua_State* lua) {
   lua_pop(lua, 1);
 
   const luaL_Reg house[] = {// NOLINT(modernize-avoid-c-arrays): as Lua takes it
-                            {"call", houseCall},
-                            {"get", houseGet},
-                            {"put", housePut},
-                            {"sleep", houseSleep},
+                            {"call", HouseCall},
+                            {"get", HouseGet},
+                            {"put", HousePut},
+                            {"sleep", HouseSleep},
                             {nullptr, nullptr}};
   luaL_newlib(lua, house);
   lua_setglobal(lua, "house");
@@ -260,20 +260,20 @@ void openHouse(lua_State* lua) {
   lua_setglobal(lua, "host");
 }
 
-int wholeScript(lua_State* lua) {
-  const Run& run = runOf(lua);
-  openLibraries(lua);
-  openHouse(lua);
+int WholeScript(lua_State* lua) {
+  const Run& run = RunOf(lua);
+  OpenLibraries(lua);
+  OpenHouse(lua);
   lua_pushfstring(lua, "=%s", run.name->c_str());
   if (luaL_loadbufferx(lua, run.text->data(), run.text->size(), lua_tostring(lua, -1), "t") != LUA_OK) {
     return lua_error(lua);
   }
-  lua_sethook(lua, watch, LUA_MASKCOUNT, kStepsBetweenChecks);
+  lua_sethook(lua, Watch, LUA_MASKCOUNT, kStepsBetweenChecks);
   lua_call(lua, 0, 0);
   return 0;
 }
 
-ScriptOutcome outcomeOf(lua_State* lua, const std::string& name) {
+ScriptOutcome OutcomeOf(lua_State* lua, const std::string& name) {
   if (lua_type(lua, -1) != LUA_TSTRING) return {"The script raised an error that is no text", 0};
   std::size_t size = 0;
   const char* text = lua_tolstring(lua, -1, &size);
@@ -291,12 +291,12 @@ ScriptOutcome RunLua(const std::string& name, const std::string& text, ScriptHou
   Run run(house);
   run.name = &name;
   run.text = &text;
-  const std::unique_ptr<lua_State, void (*)(lua_State*)> lua(lua_newstate(allocate, &used), lua_close);
+  const std::unique_ptr<lua_State, void (*)(lua_State*)> lua(lua_newstate(Allocate, &used), lua_close);
   if (!lua) return {"not enough memory", 0};
   *static_cast<Run**>(lua_getextraspace(lua.get())) = &run;
-  lua_pushcfunction(lua.get(), wholeScript);  // takes no memory
+  lua_pushcfunction(lua.get(), WholeScript);  // takes no memory
   if (lua_pcall(lua.get(), 0, 0, 0) == LUA_OK) return {};
-  return outcomeOf(lua.get(), name);
+  return OutcomeOf(lua.get(), name);
 }
 
 }  // namespace standin

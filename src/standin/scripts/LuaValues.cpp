@@ -11,12 +11,12 @@ namespace {
 constexpr int kDeepest = 16;
 constexpr std::size_t kOneValue = 64;  // bytes, roughly
 
-void take(std::size_t& left, std::size_t bytes) {
+void Take(std::size_t& left, std::size_t bytes) {
   if (bytes > left) throw base::Failure(base::number::kOverflow, "The value is too large");
   left -= bytes;
 }
 
-base::Value numberAt(lua_State* lua, int index) {
+base::Value NumberAt(lua_State* lua, int index) {
   if (lua_isinteger(lua, index) != 0) {
     const lua_Integer whole = lua_tointeger(lua, index);
     if (whole >= std::numeric_limits<std::int32_t>::min() &&
@@ -27,15 +27,15 @@ base::Value numberAt(lua_State* lua, int index) {
   return static_cast<double>(lua_tonumber(lua, index));
 }
 
-std::string textAt(lua_State* lua, int index, std::size_t& left) {
+std::string TextAt(lua_State* lua, int index, std::size_t& left) {
   std::size_t size = 0;
   const char* text = lua_tolstring(lua, index, &size);  // of a string: no conversion, no new memory
-  take(left, size);
+  Take(left, size);
   return {text, size};
 }
 
 /// A list when it has a first element or nothing at all, otherwise a record.
-base::Value tableAt(lua_State* lua, int index, const void* objects, std::size_t& left, int depth) {
+base::Value TableAt(lua_State* lua, int index, const void* objects, std::size_t& left, int depth) {
   if (depth >= kDeepest || lua_checkstack(lua, 4) == 0) {
     throw base::Failure(base::number::kTypeMismatch, "The table is nested too deeply");
   }
@@ -54,7 +54,7 @@ base::Value tableAt(lua_State* lua, int index, const void* objects, std::size_t&
     if (lua_type(lua, -2) != LUA_TSTRING) {
       throw base::Failure(base::number::kTypeMismatch, "A table's keys are 1, 2, 3 … or texts");
     }
-    record.emplace_back(textAt(lua, -2, left), ReadLua(lua, -1, objects, left, depth + 1));
+    record.emplace_back(TextAt(lua, -2, left), ReadLua(lua, -1, objects, left, depth + 1));
     lua_pop(lua, 1);
   }
   if (record.empty()) return list;
@@ -71,14 +71,14 @@ std::int32_t LuaObjectAt(lua_State* lua, int index, const void* objects) {
 }
 
 base::Value ReadLua(lua_State* lua, int index, const void* objects, std::size_t& left, int depth) {
-  take(left, kOneValue);
+  Take(left, kOneValue);
   switch (lua_type(lua, index)) {
     case LUA_TNONE:
     case LUA_TNIL: return {};
     case LUA_TBOOLEAN: return lua_toboolean(lua, index) != 0;
-    case LUA_TNUMBER: return numberAt(lua, index);
-    case LUA_TSTRING: return textAt(lua, index, left);
-    case LUA_TTABLE: return tableAt(lua, index, objects, left, depth);
+    case LUA_TNUMBER: return NumberAt(lua, index);
+    case LUA_TSTRING: return TextAt(lua, index, left);
+    case LUA_TTABLE: return TableAt(lua, index, objects, left, depth);
     default: break;
   }
   const std::int32_t handle = LuaObjectAt(lua, index, objects);

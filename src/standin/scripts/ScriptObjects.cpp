@@ -13,23 +13,23 @@ constexpr std::size_t kMostObjects = 100000;
 
 /// The value with every object in it replaced.
 template <class Change>
-base::Value changed(const base::Value& value, const Change& change) {
+base::Value Changed(const base::Value& value, const Change& change) {
   if (value.is<base::ObjectRef>()) return change(base::ToObject(value));
   if (value.is<std::shared_ptr<const base::Array>>()) {
     base::Array list;
-    for (const base::Value& each : value.array()) list.push_back(changed(each, change));
+    for (const base::Value& each : value.array()) list.push_back(Changed(each, change));
     return list;
   }
   if (value.is<std::shared_ptr<const base::Record>>()) {
     base::Record record;
-    for (const auto& [key, each] : value.record()) record.emplace_back(key, changed(each, change));
+    for (const auto& [key, each] : value.record()) record.emplace_back(key, Changed(each, change));
     return record;
   }
   return value;
 }
 
 /// The names of the properties in an introspection text.
-std::set<std::string> fieldsIn(const std::string& text) {
+std::set<std::string> FieldsIn(const std::string& text) {
   static constexpr std::string_view kMark = "<property name=\"";
   std::set<std::string> fields;
   for (std::size_t at = text.find(kMark); at != std::string::npos; at = text.find(kMark, at)) {
@@ -50,7 +50,7 @@ ScriptObjects::ScriptObjects(bus::PollLoop& loop, bus::Connection& connection, P
 }
 
 base::Value ScriptObjects::unwrapped(const base::Value& value) const {
-  return changed(value, [this](const base::ObjectRef& object) -> base::Value {
+  return Changed(value, [this](const base::ObjectRef& object) -> base::Value {
     const auto* handle = dynamic_cast<const ScriptHandle*>(object.get());
     if (handle == nullptr) return object;
     const auto found = objects_.find(handle->id());
@@ -65,7 +65,7 @@ base::Args ScriptObjects::unwrappedAll(const base::Args& args) const {
 }
 
 base::Value ScriptObjects::wrapped(const base::Value& value) {
-  return changed(value, [this](const base::ObjectRef& object) -> base::Value {
+  return Changed(value, [this](const base::ObjectRef& object) -> base::Value {
     if (!object) return {};
     if (objects_.size() >= kMostObjects) {
       throw base::Failure(base::number::kOverflow, "The script holds too many objects");
@@ -114,7 +114,7 @@ bool ScriptObjects::isField(base::Object& object, std::int32_t handle, const std
   }
   if (!fields_.contains(handle)) {
     fields_[handle] =
-        fieldsIn(connection_.introspect(bus::Connection::peerOf(object), bus::Connection::pathOf(object)));
+        FieldsIn(connection_.introspect(bus::Connection::peerOf(object), bus::Connection::pathOf(object)));
   }
   return fields_[handle].contains(base::LowerCase(name));
 }

@@ -9,30 +9,30 @@
 namespace standin {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
-bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+std::string_view Trimmed(std::string_view text) {
+  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
   return text;
 }
 
 /// The mark that some editors put at the front of a file.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-bool plainText(std::string_view text) {
+bool PlainText(std::string_view text) {
   if (text.empty()) return true;
-  return !text.starts_with(kByteOrderMark) && !isBlank(text.front()) && !isBlank(text.back()) &&
-         text.front() != '"' && std::none_of(text.begin(), text.end(), isControl);
+  return !text.starts_with(kByteOrderMark) && !IsBlank(text.front()) && !IsBlank(text.back()) &&
+         text.front() != '"' && std::none_of(text.begin(), text.end(), IsControl);
 }
 
-bool plainKey(std::string_view text) {
-  return !text.empty() && plainText(text) && text.find('=') == std::string_view::npos &&
+bool PlainKey(std::string_view text) {
+  return !text.empty() && PlainText(text) && text.find('=') == std::string_view::npos &&
          std::string_view("[;#").find(text.front()) == std::string_view::npos;
 }
 
-std::string quoted(std::string_view text) {
+std::string Quoted(std::string_view text) {
   static constexpr std::string_view kDigits = "0123456789abcdef";
   std::string out = "\"";
   for (const char c : text) {
@@ -43,7 +43,7 @@ std::string quoted(std::string_view text) {
       case '\r': out += "\\r"; break;
       case '\t': out += "\\t"; break;
       default:
-        if (isControl(c)) {
+        if (IsControl(c)) {
           const auto code = static_cast<unsigned char>(c);
           out += "\\x";
           out += kDigits[code >> 4U];
@@ -56,7 +56,7 @@ std::string quoted(std::string_view text) {
   return out + "\"";
 }
 
-int hexDigit(char c) {
+int HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
@@ -64,7 +64,7 @@ int hexDigit(char c) {
 }
 
 /// Reads a quoted text at the front of `text` and moves behind it; nothing when it isn't closed.
-std::optional<std::string> takeQuoted(std::string_view& text) {
+std::optional<std::string> TakeQuoted(std::string_view& text) {
   std::string out;
   for (std::size_t i = 1; i < text.size(); ++i) {
     const char c = text[i];
@@ -85,9 +85,9 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
       out += '\t';
     } else if (next == '"' || next == '\\') {
       out += next;
-    } else if (next == 'x' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0 &&
-               hexDigit(text[i + 2]) >= 0) {
-      out += static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
+    } else if (next == 'x' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 &&
+               HexDigit(text[i + 2]) >= 0) {
+      out += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
       i += 2;
     } else {
       out += '\\';
@@ -98,26 +98,26 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
 }
 
 /// The text that stands for a value: in quotes as a whole, or as it is.
-std::string meant(std::string_view text) {
-  text = trimmed(text);
+std::string Meant(std::string_view text) {
+  text = Trimmed(text);
   if (!text.empty() && text.front() == '"') {
     std::string_view rest = text;
-    std::optional<std::string> inner = takeQuoted(rest);
+    std::optional<std::string> inner = TakeQuoted(rest);
     if (inner && rest.empty()) return *std::move(inner);
   }
   return std::string(text);
 }
 
-std::optional<std::pair<std::string, std::string>> keyAndValue(std::string_view line) {
+std::optional<std::pair<std::string, std::string>> KeyAndValue(std::string_view line) {
   if (line.front() == '"') {
     std::string_view rest = line;
-    std::optional<std::string> key = takeQuoted(rest);
-    rest = trimmed(rest);
-    if (key && !rest.empty() && rest.front() == '=') return std::pair(*std::move(key), meant(rest.substr(1)));
+    std::optional<std::string> key = TakeQuoted(rest);
+    rest = Trimmed(rest);
+    if (key && !rest.empty() && rest.front() == '=') return std::pair(*std::move(key), Meant(rest.substr(1)));
   }
   const std::size_t equals = line.find('=');
   if (equals == std::string_view::npos) return std::nullopt;
-  return std::pair(std::string(trimmed(line.substr(0, equals))), meant(line.substr(equals + 1)));
+  return std::pair(std::string(Trimmed(line.substr(0, equals))), Meant(line.substr(equals + 1)));
 }
 
 }  // namespace
@@ -144,17 +144,17 @@ IniFile IniFile::parse(std::string_view text) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view raw = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
-    std::string_view line = trimmed(raw);
-    while (!line.empty() && line.back() == '\r') line = trimmed(line.substr(0, line.size() - 1));
-    while (line.starts_with(kByteOrderMark)) line = trimmed(line.substr(kByteOrderMark.size()));
+    std::string_view line = Trimmed(raw);
+    while (!line.empty() && line.back() == '\r') line = Trimmed(line.substr(0, line.size() - 1));
+    while (line.starts_with(kByteOrderMark)) line = Trimmed(line.substr(kByteOrderMark.size()));
     if (line.empty()) continue;
     if (line.front() == '[' && line.back() == ']' && line.size() > 1) {
-      section = meant(line.substr(1, line.size() - 2));
+      section = Meant(line.substr(1, line.size() - 2));
       file.need(section);
       continue;
     }
     const bool remark = line.front() == ';' || line.front() == '#' || line.front() == '[';
-    auto entry = remark ? std::nullopt : keyAndValue(line);
+    auto entry = remark ? std::nullopt : KeyAndValue(line);
     if (!entry) {
       file.need(section).lines.push_back({std::string(line), {}, true});
     } else if (file.find(section, entry->first) == nullptr) {
@@ -169,15 +169,15 @@ std::string IniFile::format() const {
   for (const Section& section : sections_) {
     if (!section.name.empty()) {
       if (!out.empty()) out += '\n';
-      out += '[' + (plainText(section.name) ? section.name : quoted(section.name)) + "]\n";
+      out += '[' + (PlainText(section.name) ? section.name : Quoted(section.name)) + "]\n";
     }
     for (const Line& line : section.lines) {
       if (line.remark) {
         out += line.key;
       } else {
-        out += plainKey(line.key) ? line.key : quoted(line.key);
+        out += PlainKey(line.key) ? line.key : Quoted(line.key);
         out += '=';
-        out += plainText(line.value) ? line.value : quoted(line.value);
+        out += PlainText(line.value) ? line.value : Quoted(line.value);
       }
       out += '\n';
     }

@@ -16,7 +16,7 @@
 namespace standin {
 namespace {
 
-std::string escaped(std::string_view text) {
+std::string Escaped(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (const char c : text) {
@@ -30,7 +30,7 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
-std::string unescaped(std::string_view text) {
+std::string Unescaped(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -44,7 +44,7 @@ std::string unescaped(std::string_view text) {
   return out;
 }
 
-std::string checkSum(std::string_view text) {
+std::string CheckSum(std::string_view text) {
   std::uint64_t sum = 14695981039346656037ULL;  // FNV-1a
   for (const char c : text) sum = (sum ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
   std::string out(16, '0');
@@ -63,14 +63,14 @@ SettingsJournal::SettingsJournal(std::filesystem::path path)
 std::string SettingsJournal::lineOf(const SettingChange& change) {
   std::string line = change.kind == SettingChange::Kind::kSet ? "set" : "clear";
   for (const std::string* field : {&change.file, &change.section, &change.key, &change.value}) {
-    line += '\t' + escaped(*field);
+    line += '\t' + Escaped(*field);
   }
-  return line + '\t' + checkSum(line) + '\n';
+  return line + '\t' + CheckSum(line) + '\n';
 }
 
 bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
   const std::size_t last = line.rfind('\t');
-  if (last == std::string_view::npos || line.substr(last + 1) != checkSum(line.substr(0, last))) return false;
+  if (last == std::string_view::npos || line.substr(last + 1) != CheckSum(line.substr(0, last))) return false;
   line = line.substr(0, last);
   std::array<std::string_view, 5> fields;
   for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -81,10 +81,10 @@ bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
   }
   if (fields[0] != "set" && fields[0] != "clear") return false;
   change.kind = fields[0] == "set" ? SettingChange::Kind::kSet : SettingChange::Kind::kClear;
-  change.file = unescaped(fields[1]);
-  change.section = unescaped(fields[2]);
-  change.key = unescaped(fields[3]);
-  change.value = unescaped(fields[4]);
+  change.file = Unescaped(fields[1]);
+  change.section = Unescaped(fields[2]);
+  change.key = Unescaped(fields[3]);
+  change.value = Unescaped(fields[4]);
   return true;
 }
 

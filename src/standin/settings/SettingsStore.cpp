@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kJournal = "settings.journal";
 
-bool plainFileName(const std::string& name) {
+bool PlainFileName(const std::string& name) {
   const std::string folded = base::LowerCase(name);
   return !name.empty() && name.size() < 200 && name.front() != '.' &&
          name.find_first_of(std::string_view("/\\:\0", 4)) == std::string::npos &&
@@ -61,7 +61,7 @@ void SettingsStore::keepEdited() {
 SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
   const std::string folded = base::LowerCase(file);
   if (const auto found = files_.find(folded); found != files_.end()) return found->second;
-  if (!plainFileName(file)) {
+  if (!PlainFileName(file)) {
     throw base::Failure(base::number::kInvalidArgument, "\"" + file + "\" is no name of a settings file");
   }
   std::filesystem::path path = folder_ / file;

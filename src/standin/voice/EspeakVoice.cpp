@@ -10,12 +10,12 @@
 namespace standin {
 namespace {
 
-int onSound(short* /*samples*/, int /*count*/, espeak_EVENT* events) {
+int OnSound(short* /*samples*/, int /*count*/, espeak_EVENT* events) {
   const auto* hushed = static_cast<const std::atomic<bool>*>(events->user_data);
   return hushed != nullptr && *hushed ? 1 : 0;
 }
 
-void check(espeak_ng_STATUS status, const char* what) {
+void Check(espeak_ng_STATUS status, const char* what) {
   if (status == ENS_OK) return;
   throw base::Failure(base::number::kDeviceIo, std::string("There is no ") + what);
 }
@@ -29,9 +29,9 @@ EspeakVoice::~EspeakVoice() {
 void EspeakVoice::prepare() {
   if (prepared_) return;
   espeak_ng_InitializePath(nullptr);
-  check(espeak_ng_Initialize(nullptr), "voice data");
+  Check(espeak_ng_Initialize(nullptr), "voice data");
   prepared_ = true;
-  espeak_SetSynthCallback(onSound);
+  espeak_SetSynthCallback(OnSound);
   espeak_SetVoiceByName("en");
 }
 
@@ -41,11 +41,11 @@ void EspeakVoice::say(const std::string& text) {
   notBefore_ = Clock::now() + std::chrono::minutes(1);
   prepare();
   const auto mode = static_cast<espeak_ng_OUTPUT_MODE>(ENOUTPUT_MODE_SYNCHRONOUS | ENOUTPUT_MODE_SPEAK_AUDIO);
-  check(espeak_ng_InitializeOutput(mode, 0, nullptr), "sound device");
+  Check(espeak_ng_InitializeOutput(mode, 0, nullptr), "sound device");
   hushed_ = false;
   const auto status = espeak_ng_Synthesize(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
                                            espeakCHARS_UTF8, nullptr, &hushed_);
-  check(status, "sound device");
+  Check(status, "sound device");
   notBefore_ = {};
 }
 

@@ -66,7 +66,7 @@ struct Expected {
   Type result;
 };
 
-void expectTable(const base::MemberTable& table, const std::vector<Expected>& expected) {
+void ExpectTable(const base::MemberTable& table, const std::vector<Expected>& expected) {
   for (const Expected& each : expected) {
     const base::Member* member = table.find(each.name);
     ASSERT_NE(member, nullptr) << each.name;
@@ -80,13 +80,13 @@ void expectTable(const base::MemberTable& table, const std::vector<Expected>& ex
 
 TEST_F(Host, HasEveryOperationUnderItsOwnName) {
   const auto kText = Type::kText;
-  expectTable(*callback->members(), {{"GetVXIface", {}, Type::kObject},
+  ExpectTable(*callback->members(), {{"GetVXIface", {}, Type::kObject},
                                      {"writesplash", {kText}, Type::kNone},
                                      {"registermenu", {kText, kText}, Type::kNone},
                                      {"checktrigger", {kText}, Type::kBoolean},
                                      {"forcefront", {Type::kInt32}, Type::kNone},
                                      {"GetNextFreeIOCode", {}, Type::kInt16}});
-  expectTable(*host->members(), {{"Version", {}, kText},
+  ExpectTable(*host->members(), {{"Version", {}, kText},
                                  {"System", {}, Type::kObject},
                                  {"GetAppPath", {}, kText},
                                  {"Launch", {kText}, Type::kNone},

@@ -16,7 +16,7 @@ constexpr const char* kReload = "event: reload\ndata: {}\n\n";
 constexpr const char* kAlive = "event: alive\ndata: {}\n\n";
 
 /// The name of the last event in what was heard.
-std::string lastOf(const std::string& heard) {
+std::string LastOf(const std::string& heard) {
   const auto at = heard.rfind("id: ") + 4;
   return heard.substr(at, heard.find('\n', at) - at);
 }
@@ -49,7 +49,7 @@ TEST(LiveFeed, APageWhoseStreamWasCutHearsWhatItHasMissedOnce) {
   {
     LiveFeed::Reader reader(feed);
     feed.tell("n", "1");
-    last = lastOf(reader.wait(kAtOnce));
+    last = LastOf(reader.wait(kAtOnce));
   }
   feed.tell("n", "2");
   feed.tell("n", "3");
@@ -58,7 +58,7 @@ TEST(LiveFeed, APageWhoseStreamWasCutHearsWhatItHasMissedOnce) {
   EXPECT_THAT(heard, HasSubstr("data: 2\n"));
   EXPECT_THAT(heard, EndsWith("data: 3\n\n"));
   EXPECT_THAT(heard, Not(HasSubstr("data: 1\n")));
-  LiveFeed::Reader third(feed, {}, lastOf(heard));
+  LiveFeed::Reader third(feed, {}, LastOf(heard));
   EXPECT_EQ(third.wait(kAtOnce), kAlive);
 }
 
@@ -68,14 +68,14 @@ TEST(LiveFeed, APageThatWasAwayForTooLongOrHeardAnotherServerLoadsAnew) {
   other.tell("n", "1");
   LiveFeed::Reader listener(feed);
   feed.tell("n", "1");
-  const std::string last = lastOf(listener.wait(kAtOnce));
+  const std::string last = LastOf(listener.wait(kAtOnce));
   for (int i = 2; i < 9; ++i) feed.tell("n", std::to_string(i));
   for (const std::string& heard : {last, std::string("0.0"), std::string("nonsense"), last + "999"}) {
     LiveFeed::Reader reader(feed, {}, heard);
     const std::string answer = reader.wait(kAtOnce);
     EXPECT_THAT(answer, EndsWith(kReload)) << heard;
     // From there on it is one like all others.
-    EXPECT_EQ(LiveFeed::Reader(feed, {}, lastOf(answer)).wait(kAtOnce), kAlive) << heard;
+    EXPECT_EQ(LiveFeed::Reader(feed, {}, LastOf(answer)).wait(kAtOnce), kAlive) << heard;
   }
 }
 

@@ -9,7 +9,7 @@ namespace {
 using support::WebClient;
 using testing::ElementsAre;
 
-std::vector<std::string> refusalsIn(standin::House& house) {
+std::vector<std::string> RefusalsIn(standin::House& house) {
   std::vector<std::string> found;
   for (const standin::LogLine& line : house.log.newest(100, "Warning"))
     if (line.text.find("refused") != std::string::npos) found.push_back(line.text);
@@ -21,7 +21,7 @@ TEST(Strangers, WhosePostsAreRefusedAreCountedInTheLog) {
   WebClient stranger(house.port());
   const auto toldOf = [&] {
     std::vector<std::string> told;
-    house.onLoop([&](standin::House& all) { told = refusalsIn(all); });
+    house.onLoop([&](standin::House& all) { told = RefusalsIn(all); });
     return told;
   };
   EXPECT_EQ(stranger.post("/WMP_PListEdit", {{"button", "Delete List"}}), 401);
@@ -37,7 +37,7 @@ TEST(Strangers, WhosePostsAreRefusedAreCountedInTheLog) {
   EXPECT_THAT(toldOf(), ElementsAre("1 post refused: 1 without session"));
   // All others are one line, written at the latest when the server ends.
   EXPECT_THAT(
-      refusalsIn(house.end()),
+      RefusalsIn(house.end()),
       ElementsAre(
           "1 post refused: 1 without session",
           "60 posts refused: 20 from another origin, 20 with a foreign host name, 20 without session"));

@@ -10,7 +10,7 @@ namespace {
 
 /// The paths of the pages' own files that this visit has asked the server for; of nothing that the browser
 /// had already is anything sent.
-std::vector<std::string> askedFor(support::Browser& browser) {
+std::vector<std::string> AskedFor(support::Browser& browser) {
   const auto paths = browser.run(
       "return performance.getEntriesByType('resource').filter(e => e.transferSize > 0)"
       ".map(e => new URL(e.name).pathname).filter(path => !path.startsWith('/api/'))");
@@ -30,8 +30,8 @@ TEST(ASecondVisit, AsksForTheDocumentAlone) {
     ASSERT_TRUE(browser.eventually("return document.querySelectorAll('#nav a').length > 3"));
   };
   visit();
-  EXPECT_GT(askedFor(browser).size(), 5U);
-  EXPECT_THAT(askedFor(browser), testing::Each(testing::StartsWith("/v-")));
+  EXPECT_GT(AskedFor(browser).size(), 5U);
+  EXPECT_THAT(AskedFor(browser), testing::Each(testing::StartsWith("/v-")));
   visit();
-  EXPECT_THAT(askedFor(browser), testing::IsEmpty());
+  EXPECT_THAT(AskedFor(browser), testing::IsEmpty());
 }

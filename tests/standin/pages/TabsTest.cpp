@@ -14,7 +14,7 @@ constexpr std::size_t kTabs = 10;
 constexpr const char* kNoWorker = "delete window.SharedWorker";
 
 /// The connections to a port of this machine that are open now, as their clients see them.
-int connectionsTo(int port) {
+int ConnectionsTo(int port) {
   std::ifstream table("/proc/net/tcp");
   std::ostringstream peer;
   peer << std::uppercase << std::hex << "0100007F:" << std::setw(4) << std::setfill('0') << port;
@@ -59,8 +59,8 @@ TEST_P(ManyTabs, AllHearOfEverythingOverOneStream) {
   newDevice("Lamp");
   everyTabShows("Lamp");
   // All that was only asked for has been answered, and those connections end.
-  EXPECT_TRUE(support::Eventually([&] { return connectionsTo(server->port()) == 1; }))
-      << connectionsTo(server->port());
+  EXPECT_TRUE(support::Eventually([&] { return ConnectionsTo(server->port()) == 1; }))
+      << ConnectionsTo(server->port());
 }
 
 TEST_P(ManyTabs, AllHearOfEverythingWhenTheFirstIsClosedAndTheServerStartsAnew) {
@@ -83,8 +83,8 @@ TEST_P(ManyTabs, AllHearOfEverythingWhenTheFirstIsClosedAndTheServerStartsAnew) 
                            "document.querySelector('#plugin-state').textContent === 'Player ready'"))
         << i;
   }
-  EXPECT_TRUE(support::Eventually([&] { return connectionsTo(server->port()) == 1; }))
-      << connectionsTo(server->port());
+  EXPECT_TRUE(support::Eventually([&] { return ConnectionsTo(server->port()) == 1; }))
+      << ConnectionsTo(server->port());
 }
 
 }  // namespace

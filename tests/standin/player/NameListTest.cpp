@@ -8,7 +8,7 @@ namespace {
 using standin::NameList;
 using Names = std::vector<std::string>;
 
-Names found(const NameList& list, const std::string& sought) { return list.page(sought, 0, 100).names; }
+Names Found(const NameList& list, const std::string& sought) { return list.page(sought, 0, 100).names; }
 
 TEST(NameList, FindsAmongManyNames) {
   Names names;
@@ -22,23 +22,23 @@ TEST(NameList, FindsAmongManyNames) {
 
 TEST(NameList, FindsAllWordsInAnyOrder) {
   const NameList list({"Anna Cohen", "Leonard Cohen", "Anna", "Cohen, Anna"});
-  EXPECT_EQ(found(list, "cohen anna"), (Names{"Anna Cohen", "Cohen, Anna"}));
-  EXPECT_EQ(found(list, "anna an"), (Names{"Anna Cohen", "Anna", "Cohen, Anna"}));
-  EXPECT_EQ(found(list, "anna cohen leonard"), Names{});
+  EXPECT_EQ(Found(list, "cohen anna"), (Names{"Anna Cohen", "Cohen, Anna"}));
+  EXPECT_EQ(Found(list, "anna an"), (Names{"Anna Cohen", "Anna", "Cohen, Anna"}));
+  EXPECT_EQ(Found(list, "anna cohen leonard"), Names{});
 }
 
 TEST(NameList, FindsNamesHoweverTheirLettersAreTyped) {
   const NameList list({"Björk", "Sigur Rós", "Motörhead", "Bjorn Again"});
-  EXPECT_EQ(found(list, "bjork"), Names{"Björk"});
-  EXPECT_EQ(found(list, "BJÖR"), (Names{"Björk", "Bjorn Again"}));
-  EXPECT_EQ(found(list, "ros"), Names{"Sigur Rós"});
+  EXPECT_EQ(Found(list, "bjork"), Names{"Björk"});
+  EXPECT_EQ(Found(list, "BJÖR"), (Names{"Björk", "Bjorn Again"}));
+  EXPECT_EQ(Found(list, "ros"), Names{"Sigur Rós"});
 }
 
 TEST(NameList, KeepsANameWhoseTextReachesAcrossLinesForItself) {
   const NameList list({"One\nTwo", "Two\nThree", ""});
-  EXPECT_EQ(found(list, "one three"), Names{});
-  EXPECT_EQ(found(list, "one two"), Names{"One\nTwo"});
-  EXPECT_EQ(found(list, "").size(), 3U);
+  EXPECT_EQ(Found(list, "one three"), Names{});
+  EXPECT_EQ(Found(list, "one two"), Names{"One\nTwo"});
+  EXPECT_EQ(Found(list, "").size(), 3U);
 }
 
 TEST(NameList, AnswersNothingBeyondItsEnd) {

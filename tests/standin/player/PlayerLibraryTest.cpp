@@ -20,7 +20,7 @@ using support::FakePlugin;
 using support::ServerProcess;
 using support::WebClient;
 
-FakePlaylists::Title song(const std::string& name, const std::string& artist, const std::string& album,
+FakePlaylists::Title Song(const std::string& name, const std::string& artist, const std::string& album,
                           const std::string& track = {}) {
   return {name,
           "/music/" + artist + "/" + album + "/" + name,
@@ -34,12 +34,12 @@ FakePlaylists::Title song(const std::string& name, const std::string& artist, co
 class LibraryPage : public testing::Test {
  protected:
   FakePlugin::Manner withLibrary() {
-    raw->library = {song("Intro", "Joni", "Blue", "1"), song("Suzanne", "Anna Cohen", "Hits", "1"),
-                    song("Intro", "Björk", "Debut", "1"), song("Innuendo", "Queen", "Hits", "1")};
+    raw->library = {Song("Intro", "Joni", "Blue", "1"), Song("Suzanne", "Anna Cohen", "Hits", "1"),
+                    Song("Intro", "Björk", "Debut", "1"), Song("Innuendo", "Queen", "Hits", "1")};
     raw->groups["Genre/Folk"] = {raw->library[0], raw->library[2]};
     raw->groups["Album/Hits"] = {raw->library[3], raw->library[1]};
-    raw->groups["Album/Blue?"] = {song("A", "Joni", "Blue?")};
-    raw->groups["Album/Blue!"] = {song("B", "Joni", "Blue!"), song("C", "Joni", "Blue!")};
+    raw->groups["Album/Blue?"] = {Song("A", "Joni", "Blue?")};
+    raw->groups["Album/Blue!"] = {Song("B", "Joni", "Blue!"), Song("C", "Joni", "Blue!")};
     FakePlugin::Manner manner;
     manner.library.playlists = raw;
     manner.library.categories["Artist"] = {"Anna Cohen", "Björk", "Joni", "Queen"};
@@ -258,7 +258,7 @@ TEST_F(LibraryPage, TitlesOfAnyNameAreListedFoundAndPlayed) {
       "one\nodd\r\n"};
   raw->library.clear();
   for (const std::string& name : names)
-    raw->library.push_back(song(name, "Joni", std::to_string(raw->library.size())));
+    raw->library.push_back(Song(name, "Joni", std::to_string(raw->library.size())));
   raw->groups["Genre/Folk"] = raw->library;
   const json page = web.json("/api/library?category=Genre&group=Folk&limit=10");
   const json all = web.json("/api/search?q=odd&limit=10");

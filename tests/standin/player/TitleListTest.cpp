@@ -11,8 +11,8 @@ using standin::Title;
 using standin::TitleList;
 using Lines = std::vector<std::string>;
 
-Title title(const std::string& name, const std::string& artist, std::int32_t track = 0,
-            const std::string& albumArtist = {}) {
+Title Song(const std::string& name, const std::string& artist, std::int32_t track = 0,
+           const std::string& albumArtist = {}) {
   return {name,   "/music/" + artist + "/" + name,
           artist, albumArtist.empty() ? artist : albumArtist,
           "Hits", "Pop",
@@ -20,7 +20,7 @@ Title title(const std::string& name, const std::string& artist, std::int32_t tra
 }
 
 /// Titles by name, heads in brackets.
-Lines shown(const TitleList& list, const TitleList::Choice& choice) {
+Lines Shown(const TitleList& list, const TitleList::Choice& choice) {
   Lines lines;
   for (const TitleList::Row& row : list.rows(choice)) {
     const bool head = row.place == TitleList::Row::kHead;
@@ -30,29 +30,29 @@ Lines shown(const TitleList& list, const TitleList::Choice& choice) {
 }
 
 TEST(TitleList, ShowsAlbumsOfOneNameUnderTheirArtists) {
-  const TitleList list({title("Innuendo", "Queen", 1), title("Zoo Station", "U2", 1), title("One", "U2", 3),
-                        title("Radio", "Queen", 3)});
-  EXPECT_EQ(shown(list, {.byAlbumArtist = true}),
+  const TitleList list({Song("Innuendo", "Queen", 1), Song("Zoo Station", "U2", 1), Song("One", "U2", 3),
+                        Song("Radio", "Queen", 3)});
+  EXPECT_EQ(Shown(list, {.byAlbumArtist = true}),
             (Lines{"[Queen]", "Innuendo", "Radio", "[U2]", "Zoo Station", "One"}));
-  EXPECT_EQ(shown(list, {}), (Lines{"Innuendo", "Zoo Station", "One", "Radio"})) << "in the list's own order";
+  EXPECT_EQ(Shown(list, {}), (Lines{"Innuendo", "Zoo Station", "One", "Radio"})) << "in the list's own order";
 }
 
 TEST(TitleList, ShowsOneAlbumWithoutHeads) {
-  const TitleList own({title("A", "Joni", 1), title("B", "Joni", 2)});
-  EXPECT_EQ(shown(own, {.byAlbumArtist = true}), (Lines{"A", "B"}));
-  const TitleList various({title("A", "Joni", 1, "Various"), title("B", "Björk", 1, "Various")});
-  EXPECT_EQ(shown(various, {.byAlbumArtist = true}), (Lines{"A", "B"}));
+  const TitleList own({Song("A", "Joni", 1), Song("B", "Joni", 2)});
+  EXPECT_EQ(Shown(own, {.byAlbumArtist = true}), (Lines{"A", "B"}));
+  const TitleList various({Song("A", "Joni", 1, "Various"), Song("B", "Björk", 1, "Various")});
+  EXPECT_EQ(Shown(various, {.byAlbumArtist = true}), (Lines{"A", "B"}));
 }
 
 TEST(TitleList, TakesACompilationWithoutAnAlbumArtistForOneAlbum) {
-  const TitleList list({title("A", "Joni", 1), title("B", "Björk", 2), title("C", "Queen", 3)});
-  EXPECT_EQ(shown(list, {.byAlbumArtist = true}), (Lines{"A", "B", "C"}));
-  const TitleList unnumbered({title("A", "Joni"), title("B", "Björk")});
-  EXPECT_EQ(shown(unnumbered, {.byAlbumArtist = true}), (Lines{"[Björk]", "B", "[Joni]", "A"}));
+  const TitleList list({Song("A", "Joni", 1), Song("B", "Björk", 2), Song("C", "Queen", 3)});
+  EXPECT_EQ(Shown(list, {.byAlbumArtist = true}), (Lines{"A", "B", "C"}));
+  const TitleList unnumbered({Song("A", "Joni"), Song("B", "Björk")});
+  EXPECT_EQ(Shown(unnumbered, {.byAlbumArtist = true}), (Lines{"[Björk]", "B", "[Joni]", "A"}));
 }
 
 TEST(TitleList, FindsTheWordsOfTitleArtistAndAlbumTogether) {
-  const TitleList list({title("Suzanne", "Leonard Cohen"), title("Suzanne", "Nina Simone")});
+  const TitleList list({Song("Suzanne", "Leonard Cohen"), Song("Suzanne", "Nina Simone")});
   EXPECT_EQ(list.rows({.sought = "cohen SUZANNE hits"}).size(), 1U);
   EXPECT_EQ(list.rows({.sought = "cohen SUZANNE hits"})[0].place, 0);
   EXPECT_EQ(list.rows({.sought = "suzanne"}).size(), 2U);
@@ -60,12 +60,12 @@ TEST(TitleList, FindsTheWordsOfTitleArtistAndAlbumTogether) {
 }
 
 TEST(TitleList, ShowsWhatAnArtistHasInIt) {
-  const TitleList list({title("A", "Queen", 1), title("B", "U2", 1), title("C", "Guest", 2, "Queen")});
-  EXPECT_EQ(shown(list, {.by = "QUEEN", .byAlbumArtist = true}), (Lines{"A", "C"}))
+  const TitleList list({Song("A", "Queen", 1), Song("B", "U2", 1), Song("C", "Guest", 2, "Queen")});
+  EXPECT_EQ(Shown(list, {.by = "QUEEN", .byAlbumArtist = true}), (Lines{"A", "C"}))
       << "one album needs no head";
-  EXPECT_EQ(shown(list, {.by = "Guest"}), Lines{"C"});
-  EXPECT_TRUE(IsBy(title("B", "U2"), "u2"));
-  EXPECT_FALSE(IsBy(title("B", "U2"), ""));
+  EXPECT_EQ(Shown(list, {.by = "Guest"}), Lines{"C"});
+  EXPECT_TRUE(IsBy(Song("B", "U2"), "u2"));
+  EXPECT_FALSE(IsBy(Song("B", "U2"), ""));
 }
 
 TEST(TitleMark, TellsEqualNamesApartAndShowsNoSource) {

@@ -15,7 +15,7 @@ using standin::PlaylistHistory;
 using standin::PlaylistStep;
 using standin::StepKind;
 
-PlaylistStep adding(const std::string& title) {
+PlaylistStep Adding(const std::string& title) {
   PlaylistStep step;
   step.kind = StepKind::kAdd;
   step.to = {2, "before", "after"};
@@ -24,7 +24,7 @@ PlaylistStep adding(const std::string& title) {
   return step;
 }
 
-PlaylistStep naming(StepKind kind, const std::string& oldName, const std::string& newName) {
+PlaylistStep Naming(StepKind kind, const std::string& oldName, const std::string& newName) {
   PlaylistStep step;
   step.kind = kind;
   step.oldName = oldName;
@@ -63,7 +63,7 @@ class History : public testing::Test {
 }  // namespace
 
 TEST_F(History, AStepIsStoredWhole) {
-  PlaylistStep step = adding("“Quotes”, \"quotes\" and\na line");
+  PlaylistStep step = Adding("“Quotes”, \"quotes\" and\na line");
   step.from = {3, "a", ""};
   step.items.push_back({"", "bytes \xC3\xA9"});
   EXPECT_EQ(TextOf(standin::StepOf(TextOf(step))), TextOf(step));
@@ -73,8 +73,8 @@ TEST_F(History, AStepIsStoredWhole) {
 }
 
 TEST_F(History, TheLastStepIsUndoneFirstAndRedoneLast) {
-  take("Mine", adding("One"));
-  take("Mine", adding("Two"));
+  take("Mine", Adding("One"));
+  take("Mine", Adding("Two"));
   EXPECT_EQ(undo("mine"), "adding “Two”");
   history.turned(*history.toUndo("Mine"), true);
   history.turned(*history.toUndo("Mine"), true);
@@ -86,25 +86,25 @@ TEST_F(History, TheLastStepIsUndoneFirstAndRedoneLast) {
 }
 
 TEST_F(History, ANewStepEndsWhatCouldBeRedone) {
-  take("Mine", adding("One"));
+  take("Mine", Adding("One"));
   history.turned(*history.toUndo("Mine"), true);
-  const auto id = history.begin("Mine", adding("Two"));
+  const auto id = history.begin("Mine", Adding("Two"));
   EXPECT_EQ(redo("Mine"), "adding “One”");  // the step may still fail
-  history.finish(id, adding("Two"));
+  history.finish(id, Adding("Two"));
   EXPECT_EQ(redo("Mine"), "");
 }
 
 TEST_F(History, EachListHasItsOwn) {
-  take("Mine", adding("One"));
-  take("Yours", adding("Two"));
+  take("Mine", Adding("One"));
+  take("Yours", Adding("Two"));
   EXPECT_EQ(undo("Mine"), "adding “One”");
   EXPECT_EQ(undo("Yours"), "adding “Two”");
   EXPECT_EQ(undo("Nobody’s"), "");
 }
 
 TEST_F(History, FollowsARenamedListAndItsUndoing) {
-  take("Mine", adding("One"));
-  take("Mine", naming(StepKind::kRename, "Mine", "Ours"));
+  take("Mine", Adding("One"));
+  take("Mine", Naming(StepKind::kRename, "Mine", "Ours"));
   EXPECT_EQ(undo("Mine"), "");
   EXPECT_EQ(undo("Ours"), "renaming “Mine” to “Ours”");
   history.turned(*history.toUndo("Ours"), true);
@@ -113,10 +113,10 @@ TEST_F(History, FollowsARenamedListAndItsUndoing) {
 }
 
 TEST_F(History, KeepsADeletedListApartFromANewOneOfItsName) {
-  take("Mine", adding("One"));
-  take("Mine", naming(StepKind::kDelete, "Mine", ""));
+  take("Mine", Adding("One"));
+  take("Mine", Naming(StepKind::kDelete, "Mine", ""));
   EXPECT_EQ(undo("Mine"), "");
-  take("Mine", naming(StepKind::kCreate, "", "Mine"));
+  take("Mine", Naming(StepKind::kCreate, "", "Mine"));
   EXPECT_EQ(undo("Mine"), "creating “Mine”");
   EXPECT_EQ(WordsOf(history.toUndoOfAll()->step), "creating “Mine”");
   history.turned(*history.toUndoOfAll(), true);
@@ -127,24 +127,24 @@ TEST_F(History, KeepsADeletedListApartFromANewOneOfItsName) {
 }
 
 TEST_F(History, IsOfBoundedLength) {
-  for (int i = 0; i < 20; ++i) take("Mine", adding(std::to_string(i)));
+  for (int i = 0; i < 20; ++i) take("Mine", Adding(std::to_string(i)));
   EXPECT_EQ(count("playlist_step"), 5);
   EXPECT_EQ(undo("Mine"), "adding “19”");
-  for (int i = 0; i < 10; ++i) take("List " + std::to_string(i), adding("One"));
+  for (int i = 0; i < 10; ++i) take("List " + std::to_string(i), Adding("One"));
   EXPECT_EQ(count("playlist"), 3);
   EXPECT_EQ(undo("List 9"), "adding “One”");
   EXPECT_EQ(undo("Mine"), "");
-  const PlaylistStep large = adding(std::string(1500, 'x'));
+  const PlaylistStep large = Adding(std::string(1500, 'x'));
   for (int i = 0; i < 4; ++i) take("Large", large);
   EXPECT_EQ(count("playlist_step"), 1);  // each takes more than half of the room
-  PlaylistStep huge = adding(std::string(9000, 'x'));
+  PlaylistStep huge = Adding(std::string(9000, 'x'));
   take("Large", huge);
   EXPECT_EQ(history.toUndo("Large")->step.items, huge.items);
 }
 
 TEST_F(History, AStepUnderWayIsKnownAfterAKill) {
-  take("Mine", adding("One"));
-  history.begin("Mine", adding("Two"));
+  take("Mine", Adding("One"));
+  history.begin("Mine", Adding("Two"));
   history.turning(history.toUndo("Mine")->id, true);
   PlaylistHistory later(database);
   const auto entries = later.unsettled();
@@ -158,9 +158,9 @@ TEST_F(History, AStepUnderWayIsKnownAfterAKill) {
 }
 
 TEST_F(History, AStepUnderWayThatCannotBeReadHidesNoOther) {
-  history.begin("Mine", adding("One"));
+  history.begin("Mine", Adding("One"));
   database.run("UPDATE playlist_step SET data = '{}'");
-  history.begin("Mine", adding("Two"));
+  history.begin("Mine", Adding("Two"));
   const auto entries = history.unsettled();
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_EQ(WordsOf(entries[0].step), "adding “Two”");
@@ -168,7 +168,7 @@ TEST_F(History, AStepUnderWayThatCannotBeReadHidesNoOther) {
 }
 
 TEST_F(History, AStepThatHasComeHalfWayIsKeptAsFarAsItCame) {
-  PlaylistStep step = adding("One");
+  PlaylistStep step = Adding("One");
   step.items.push_back({"Two", "/music/Two"});
   take("Mine", step);
   auto entry = *history.toUndo("Mine");
@@ -191,7 +191,7 @@ TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
   Database now(folder.path() / "house.db", "The house");
   standin::PrepareSchema(now);
   PlaylistHistory history(now);
-  history.begin("Mine", adding("One"));
+  history.begin("Mine", Adding("One"));
   Statement rows(now, "SELECT text FROM log");
   ASSERT_TRUE(rows.step());
   EXPECT_EQ(rows.text(0), "kept");

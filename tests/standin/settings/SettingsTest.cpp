@@ -23,14 +23,14 @@ namespace {
 
 constexpr const char* kFile = "vxif_WMP.ini";
 
-void writeFile(const std::filesystem::path& path, const std::string& text) {
+void WriteFile(const std::filesystem::path& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
 constexpr auto kNoNewFiles = std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec;
 
 /// In a process of a user whose the folder is and who can't write where he may not.
-void asOwnerOf(const std::filesystem::path& folder, const std::function<void()>& part) {
+void AsOwnerOf(const std::filesystem::path& folder, const std::function<void()>& part) {
   constexpr uid_t kNobody = 65534;
   if (::geteuid() == 0) {
     ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
@@ -124,7 +124,7 @@ TEST(Settings, AByteOrderMarkIsNoPartOfAnyLine) {
 
 TEST(Settings, AFileEditedByHandIsReadWithItsRemarksKept) {
   const support::TempFolder folder;
-  writeFile(folder.path() / "VXIF_WMP.INI",
+  WriteFile(folder.path() / "VXIF_WMP.INI",
             "\xEF\xBB\xBF; my remark\r\n[ Settings ]\r\n  Volume = 70 \r\n# why "
             "not\r\nMusic=C:\\new\r\nnonsense\r\n"
             "Volume=5\r\n");
@@ -163,7 +163,7 @@ TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
     store.save(kFile, "Settings", "Volume", "42");
   }
   const std::string edited = "[Settings]\nVolume=7\nMute=1\n";
-  writeFile(folder.path() / kFile, edited);
+  WriteFile(folder.path() / kFile, edited);
   std::filesystem::last_write_time(
       folder.path() / kFile,
       std::filesystem::last_write_time(folder.path() / "settings.journal") + std::chrono::seconds(5));
@@ -177,7 +177,7 @@ TEST(Settings, AnEditByHandIsKeptWhenTheJournalIsBroughtIn) {
 TEST(Settings, AJournalThatCantBeBroughtInNowGoesOn) {
   const support::TempFolder folder;
   { SettingsStore(folder.path()).save(kFile, "Settings", "Volume", "42"); }
-  asOwnerOf(folder.path(), [&] {
+  AsOwnerOf(folder.path(), [&] {
     std::filesystem::permissions(folder.path(), kNoNewFiles);
     {
       SettingsStore store(folder.path());
@@ -202,7 +202,7 @@ TEST(Settings, AJournalTornAtAnyByteLosesOnlyTheTornChange) {
   }
   for (std::size_t cut = 0; cut <= journal.size(); ++cut) {
     const support::TempFolder folder;
-    writeFile(folder.path() / "settings.journal", journal.substr(0, cut));
+    WriteFile(folder.path() / "settings.journal", journal.substr(0, cut));
     std::size_t whole = 0;
     while (whole + 1 < ends.size() && ends[whole + 1] <= cut) ++whole;
     SettingsStore store(folder.path());
@@ -352,7 +352,7 @@ TEST(Settings, ADiskWithoutRoomTakesNothingAndLosesNothing) {
 
 TEST(Settings, AFileThatCantBeReplacedStaysWholeAndTheJournalKeepsTheChanges) {
   const support::TempFolder folder;
-  asOwnerOf(folder.path(), [&] {
+  AsOwnerOf(folder.path(), [&] {
     SettingsStore store(folder.path());
     store.save(kFile, "Settings", "Volume", "1");
     store.flush();
