@@ -1,4 +1,5 @@
 // The page: its frame, and in it the view that the address names, or the page that the server has put there.
+import {eventsView} from './events/events.js';
 import {Frame} from './frame/frame.js';
 import {House} from './frame/house.js';
 import {launched} from './frame/launched.js';
@@ -18,7 +19,7 @@ const part = (id) => document.getElementById(id);
 const given = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
 const house = new House();
 const router = new Router({page: part('page'), main: part('main'), house,
-  views: [devicesView, libraryView, scriptsView, menuView, logView, accountView]});
+  views: [devicesView, libraryView, eventsView, scriptsView, menuView, logView, accountView]});
 const splash = el('p', {class: 'quiet'});
 const frame = new Frame({nav: part('nav'), pill: part('plugin-state'), live: part('live-state'), banner: part('banner'),
   splash}, house, () => router.views.filter((view) => !view.shown || view.shown(house.state)), () => given || router.current.name);

@@ -5,7 +5,7 @@ import {toast, toastWithButton} from '../kit/toasts.js';
 import {askName} from './adding.js';
 import {address} from './kinds.js';
 import {named, short} from './titles.js';
-import {sentence, Turns} from './turns.js';
+import {sentence, Turns} from '../kit/turns.js';
 import {watch} from './watching.js';
 
 /** What an answer, or what happens, says of a list on its way back. */

@@ -10,7 +10,7 @@ import {Changes} from './changes.js';
 import {address, counted, kTitleWords} from './kinds.js';
 import {deleteList} from './lists-tools.js';
 import {Details, joined, orderOf, play, playButton, rowsOf, searchField, short, titleMain} from './titles.js';
-import {sentence, Turns} from './turns.js';
+import {sentence, Turns} from '../kit/turns.js';
 import {watch} from './watching.js';
 
 const kScrolled = 400;  // milliseconds after which the server hears of other rows in sight

@@ -1,8 +1,8 @@
 // Signing out, the owner's password, and what guests need.
+import {dropAllDrafts} from '../kit/drafts.js';
 import {html, nothing, render} from '../kit/html.js';
 import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
-import {dropDrafts} from './drafts.js';
 
 export const accountView = {name: 'account', title: 'Account', mount};
 
@@ -30,7 +30,7 @@ function page(house, guests, chooseGuests) {
   })}>${words}</button>`;
   const leave = async () => {
     await ask('/api/logout', {});
-    dropDrafts();
+    dropAllDrafts();
   };
   return html`<section class="panel"><h1>Account</h1>
     <p>${user.guest ? 'You look around as a guest: devices work, settings don’t.' : `You are signed in as ${user.name}.`}</p>

@@ -1,5 +1,5 @@
 // Undo and redo: their buttons, their keys, and what is said of a step that stands in the way.
-import {html} from '../kit/html.js';
+import {html} from './html.js';
 
 export const sentence = (words) => words ? words[0].toUpperCase() + words.slice(1) : '';
 

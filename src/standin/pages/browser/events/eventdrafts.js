@@ -1,0 +1,32 @@
+// Events that were changed and not saved yet, each {rule, base, form, template}: the rule as it stands in the editor, the
+// text of the stored one that it was made from, what is open in a form of the plug-in, and the template's choices.
+import {Drafts} from '../kit/drafts.js';
+
+export const drafts = new Drafts('event-drafts');
+
+export const kNew = 'new';
+
+/** The editor's address of a draft's name: an event's number, "new", or "new/" and a template's name. */
+export const addressOf = (name) => `#events/${name}`;
+
+export const nameOfDraft = (draft) => draft.rule.name?.trim() || 'New event';
+
+/** A rule without what only the page knows of it. */
+export function bare(rule) {
+  const part = ({key, shown, ...rest}) => (rest.not === undefined && !('not' in rest) ? rest : {...rest, not: Boolean(rest.not)});
+  const {id, version, name, group, on, triggers, any, conditions, actions, again} = rule;
+  return {...(id ? {id, version} : {}), name, group, on, triggers: triggers.map(part), any, conditions: conditions.map(part),
+    actions: actions.map(part), again};
+}
+
+/** What counts as a change: all but the version. */
+export const textOf = (rule) => JSON.stringify({...bare(rule), id: undefined, version: undefined});
+
+export const freshRule = () => ({name: '', group: '', on: true, triggers: [], any: false, conditions: [], actions: [],
+  again: 'leave'});
+
+/** A stored event as the editor has it: its parts with the server's words. */
+export function opened({words, ...rule}) {
+  const worded = (list) => (rule[list] ?? []).map((part, at) => ({...part, shown: words?.[list]?.[at] ?? ''}));
+  return {...freshRule(), ...rule, triggers: worded('triggers'), conditions: worded('conditions'), actions: worded('actions')};
+}
