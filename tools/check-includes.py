@@ -45,6 +45,7 @@ MAY_INCLUDE = {
     "standin/events": "",
     "standin/calendar": "standin/events",
     "standin/eventrun": "base standin/calendar standin/events standin/house",
+    "standin/rules": "base database standin/events standin/house",
     "standin/voice": "base bus standin/house",
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/house",

@@ -1,32 +1,38 @@
 #include "standin/house/EventStore.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/house/EventRows.hpp"
 
 namespace standin {
 
 EventStore::EventStore(database::Database& database) : database_(database) {
-  database::Statement rows(database, "SELECT id, name, vcmd, misc, misc2, abs_time, grp FROM event");
-  while (rows.step()) {
-    Event event;
-    event.id = static_cast<std::int32_t>(rows.integer(0));
-    event.name = rows.text(1);
-    event.vcmd = rows.text(2);
-    event.misc = static_cast<std::int32_t>(rows.integer(3));
-    event.misc2 = static_cast<std::int32_t>(rows.integer(4));
-    event.absTime = static_cast<std::int16_t>(rows.integer(5));
-    event.group = rows.text(6);
-    events_.emplace(event.id, std::move(event));
-  }
-  database::Statement devices(database, "SELECT event, id, devid, func FROM event_device ORDER BY id");
-  while (devices.step()) {
-    const auto found = events_.find(static_cast<std::int32_t>(devices.integer(0)));
-    if (found == events_.end()) continue;
-    found->second.devices.push_back({devices.integer(1), static_cast<std::int32_t>(devices.integer(2)),
-                                     static_cast<std::int16_t>(devices.integer(3))});
-  }
+  for (auto& [id, event] : ReadEvents(database)) take(std::move(event));
+}
+
+const Event& EventStore::take(Event event) {
+  byName_[base::LowerCase(event.name)].insert(event.id);
+  const std::int32_t id = event.id;
+  return events_.insert_or_assign(id, std::move(event)).first->second;
+}
+
+void EventStore::forget(std::int32_t id) {
+  const auto event = events_.find(id);
+  if (event == events_.end()) return;
+  const auto named = byName_.find(base::LowerCase(event->second.name));
+  named->second.erase(id);
+  if (named->second.empty()) byName_.erase(named);
+  events_.erase(event);
+}
+
+void EventStore::reload(std::int32_t id) {
+  std::optional<Event> event = ReadEvent(database_, id);
+  forget(id);
+  if (event) take(std::move(*event));
 }
 
 const Event* EventStore::byId(std::int32_t id) const {
@@ -35,9 +41,8 @@ const Event* EventStore::byId(std::int32_t id) const {
 }
 
 const Event* EventStore::byName(std::string_view name) const {
-  const auto found = std::find_if(events_.begin(), events_.end(),
-                                  [&](const auto& entry) { return base::SameText(entry.second.name, name); });
-  return found == events_.end() ? nullptr : &found->second;
+  const auto found = byName_.find(base::LowerCase(name));
+  return found == byName_.end() ? nullptr : byId(*found->second.begin());
 }
 
 Event& EventStore::need(std::int32_t id) {
@@ -49,14 +54,10 @@ Event& EventStore::need(std::int32_t id) {
 }
 
 const Event& EventStore::create(const std::string& name) {
-  database::Statement(
-      database_, "INSERT INTO event (name, vcmd, misc, misc2, abs_time, grp) VALUES (?, '', 0, 0, 0, '')")
-      .with(name)
-      .run();
   Event event;
-  event.id = static_cast<std::int32_t>(database_.lastId());
   event.name = name;
-  return events_.emplace(event.id, std::move(event)).first->second;
+  event.id = InsertEvent(database_, event);
+  return take(std::move(event));
 }
 
 void EventStore::update(std::int32_t id, const char* column, const std::string& value) {
@@ -75,7 +76,15 @@ void EventStore::put(std::int32_t id, std::string Event::*field, const std::stri
   Event& event = need(id);
   if (event.*field == value) return;
   update(id, field == &Event::name ? "name" : field == &Event::vcmd ? "vcmd" : "grp", value);
-  event.*field = value;
+  if (field == &Event::name) {
+    Event renamed = event;
+    renamed.name = value;
+    forget(id);
+    take(std::move(renamed));
+  } else {
+    event.*field = value;
+  }
+  if (field != &Event::vcmd) onRename(id);
 }
 
 void EventStore::put(std::int32_t id, std::int32_t Event::*field, std::int32_t value) {

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,7 +40,7 @@ class EventStore {
 
   [[nodiscard]] const std::map<std::int32_t, Event>& all() const { return events_; }
   [[nodiscard]] const Event* byId(std::int32_t id) const;
-  /// Without regard to case.
+  /// Without regard to case; the oldest of several.
   [[nodiscard]] const Event* byName(std::string_view name) const;
 
   const Event& create(const std::string& name);
@@ -53,13 +54,21 @@ class EventStore {
   void removeDevice(std::int32_t id, std::int32_t position);
   void putDevice(std::int32_t id, const EventDevice& device);
 
+  /// Reads the event anew after somebody else has written or erased its rows.
+  void reload(std::int32_t id);
+  /// Called when the name or group of an event has been changed here. Not by `reload`.
+  std::function<void(std::int32_t id)> onRename = [](std::int32_t) {};
+
  private:
+  const Event& take(Event event);
+  void forget(std::int32_t id);
   Event& need(std::int32_t id);
   void update(std::int32_t id, const char* column, const std::string& value);
   void update(std::int32_t id, const char* column, std::int64_t value);
 
   database::Database& database_;
   std::map<std::int32_t, Event> events_;
+  std::map<std::string, std::set<std::int32_t>, std::less<>> byName_;  ///< in lower case
 };
 
 }  // namespace standin

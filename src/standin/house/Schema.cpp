@@ -5,7 +5,7 @@
 namespace standin {
 namespace {
 
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 constexpr const char* kTables = R"(
 CREATE TABLE device (ref INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, location TEXT NOT NULL,
@@ -39,6 +39,23 @@ CREATE INDEX playlist_step_list ON playlist_step (list);
 CREATE INDEX playlist_step_turn ON playlist_step (turn);
 )";
 
+/// Since version 3: what events do by themselves, what has been changed of that, and what came of it. A name
+/// or group that is changed by another way than the rule's makes a new version of the rule too. Evaluations
+/// outlive their event, which may come back.
+constexpr const char* kRuleTables = R"(
+CREATE TABLE event_rule (event INTEGER PRIMARY KEY REFERENCES event ON DELETE CASCADE, version INTEGER NOT NULL,
+  active INTEGER NOT NULL, rule TEXT NOT NULL);
+CREATE TRIGGER event_renamed AFTER UPDATE OF name, grp ON event
+  BEGIN UPDATE event_rule SET version = version + 1 WHERE event = NEW.id; END;
+CREATE TABLE event_step (id INTEGER PRIMARY KEY AUTOINCREMENT, event INTEGER NOT NULL, undone INTEGER NOT NULL,
+  size INTEGER NOT NULL, data TEXT NOT NULL);
+CREATE TABLE evaluation (id INTEGER PRIMARY KEY AUTOINCREMENT, event INTEGER NOT NULL, time INTEGER NOT NULL,
+  outcome INTEGER NOT NULL, dull INTEGER NOT NULL, size INTEGER NOT NULL, data TEXT NOT NULL);
+CREATE INDEX evaluation_event ON evaluation (event, dull);
+CREATE INDEX evaluation_running ON evaluation (outcome) WHERE outcome = 0;
+CREATE TABLE place (id INTEGER PRIMARY KEY, latitude TEXT NOT NULL, longitude TEXT NOT NULL);
+)";
+
 }  // namespace
 
 void PrepareSchema(database::Database& database) {
@@ -53,6 +70,7 @@ void PrepareSchema(database::Database& database) {
   database::Transaction whole(database);
   if (version < 1) database.run(kTables);
   if (version < 2) database.run(kPlaylistTables);
+  if (version < 3) database.run(kRuleTables);
   database.run("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   whole.commit();
 }
