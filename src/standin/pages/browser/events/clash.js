@@ -1,6 +1,6 @@
 // Two versions of one event side by side, when somebody else has saved another one meanwhile.
 import {html, live} from '../kit/html.js';
-import {bare} from './eventdrafts.js';
+import {textOf} from './eventdrafts.js';
 
 const kAgain = {leave: 'leave it alone', restart: 'begin anew', queue: 'run again after', together: 'run beside it'};
 
@@ -25,8 +25,7 @@ export class Clash {
   }
 
   #differs(properties) {
-    const [mine, theirs] = [bare(this.#mine), bare(this.#theirs)];
-    return properties.some((name) => JSON.stringify(mine[name]) !== JSON.stringify(theirs[name]));
+    return textOf(this.#mine, properties) !== textOf(this.#theirs, properties);
   }
 
   #shown(rule, part) {

@@ -197,9 +197,18 @@ class Editor {
     } catch (error) {
       if (error.status === 409 && error.answer.theirs) this.#meet(error.answer.theirs);
       else if (error.status === 404) this.#takeLost({rule: this.rule});
-      else this.#say(error.message);
+      else this.#refused(error);
       this.draw();
     }
+  }
+
+  /** Leads to what the server has refused. */
+  #refused(error) {
+    const [list, at] = (error.answer?.place ?? '').split('/');
+    this.#lists[list]?.show(Number(at));
+    this.#say(error.message);
+    const wrong = list === 'name' ? '#event-name' : '.part-open .part-words';
+    this.place.querySelector(wrong)?.focus();
   }
 
   #say(problem) {
@@ -222,9 +231,20 @@ class Editor {
     if (fresh) {
       drafts.drop(this.#name);
       location.replace(addressOf(id));
-    } else {
-      this.draw();
+      return;
     }
+    this.draw();
+    await this.#readAgain();
+  }
+
+  /** With the words of what was saved. */
+  async #readAgain() {
+    try {
+      const stored = opened(await ask(`/api/event?id=${this.id}`, undefined, this.signal));
+      const words = (list) => this.rule[list].forEach((part, at) => { part.shown = stored[list][at]?.shown; });
+      if (textOf(stored) === this.#base) for (const list of ['triggers', 'conditions', 'actions']) words(list);
+    } catch { /* in the page's own words then */ }
+    this.draw();
   }
 
   async #meet(theirs) {

@@ -19,8 +19,20 @@ export function bare(rule) {
     actions: actions.map(part), again};
 }
 
-/** What counts as a change: all but the version. */
-export const textOf = (rule) => JSON.stringify({...bare(rule), id: undefined, version: undefined});
+const isNothing = (value) => value === '' || value === 0 || value === false || (Array.isArray(value) && !value.length);
+
+/** Two parts that say the same have the same text, whoever has written them. */
+const canonical = (value) => {
+  if (Array.isArray(value)) return value.map(canonical);
+  if (typeof value !== 'object' || value === null) return value;
+  return Object.fromEntries(Object.keys(value).sort().filter((name) => !isNothing(value[name])).map((name) => [name, canonical(value[name])]));
+};
+
+/** What counts as a change: all but the version. `names` are some of a rule's properties. */
+export function textOf(rule, names = ['name', 'group', 'on', 'triggers', 'any', 'conditions', 'actions', 'again']) {
+  const whole = bare(rule);
+  return JSON.stringify(names.map((name) => canonical(whole[name])));
+}
 
 export const freshRule = () => ({name: '', group: '', on: true, triggers: [], any: false, conditions: [], actions: [],
   again: 'leave'});

@@ -42,6 +42,7 @@ class EventList {
   #timer = 0;
   #last = 0;
   #changed = new Map();  // switches that were pressed, until the server's answer is read
+  #drawing = false;
 
   constructor(place, {signal, house, keep, kept}) {
     this.#place = place;
@@ -50,7 +51,7 @@ class EventList {
     this.#edit = !house.state.user.guest;
     this.#sought = kept.sought ?? '';
     this.#shown = Math.max(kFirst, kept.shown ?? 0);
-    keep(() => ({sought: this.#sought, shown: this.#shown}));
+    keep(() => ({sought: this.#sought, shown: this.#above()}));
     if (this.#edit) this.#turns = new Turns((action) => this.#turn(action), () => this.#draw(), signal);
     house.on('event', () => this.#soon(), signal);
     house.on('again', () => this.look(), signal);
@@ -60,6 +61,11 @@ class EventList {
 
   async begin() {
     await this.look();
+  }
+
+  /** How many rows lead to the end of what is seen. */
+  #above() {
+    return [...this.#place.querySelectorAll('.event')].filter((row) => row.getBoundingClientRect().top < innerHeight).length;
   }
 
   #soon() {
@@ -100,13 +106,11 @@ class EventList {
     requestAnimationFrame(() => setTimeout(() => {
       this.#drawing = false;
       if (this.#signal.aborted) return;
-      this.#shown += kMore;
+      this.#shown += Math.max(kMore, Math.floor(this.#shown / 2));
       this.#draw();
       this.#drawMore();
     }));
   }
-
-  #drawing = false;
 
   #seek(text) {
     this.#sought = text;
@@ -115,13 +119,17 @@ class EventList {
     this.#drawMore();
   }
 
+  /** A step that somebody else's change stands in the way of is only forgotten when the reader says so. */
   async #turn(action) {
+    const [, skip, step] = /^(skip-)?(.*)$/.exec(action);
     try {
-      const answer = await ask(`/api/events/${action}`, {});
-      toast(sentence(answer.done));
+      const answer = await ask(`/api/events/${step}`, skip ? {skip: true} : {});
+      this.#turns.stuck(null);
+      if (answer.done) toast(sentence(answer.done));
       await this.look();
     } catch (error) {
-      toast(error.message, 'bad');
+      if (error.status === 409) this.#turns.stuck(error.message, step);
+      else complain(error);
     }
   }
 
@@ -150,7 +158,7 @@ class EventList {
         <a class="button" href="#events/history">History</a>
         ${this.#edit ? html`<a class="button" href="#events/templates">Templates</a>
           <a class="button primary" href="#events/new">New event</a>` : ''}</div></div>
-      ${this.#edit ? this.#unsaved() : ''}
+      ${this.#edit ? [this.#turns.notice(), this.#unsaved()] : ''}
       ${none ? this.#empty() : this.#list()}`, this.#place);
   }
 

@@ -68,7 +68,7 @@ function deviceCommandFields(part, change, tools) {
     ${choice('Do', part.command, commands, (command) => change({command, caption: part.caption || buttons[0] || '', value: part.value ?? 0}))}
     ${part.command === 'press' ? choice('Button', part.caption, captions.map((each) => [each, each]), (caption) => change({caption})) : ''}
     ${part.command === 'value' ? (device?.values ? namedValue(part, change, tools, device)
-      : number('Value', part.value ?? 0, {min: -1000000, max: 1000000}, (value) => change({value}))) : ''}`;
+      : number('Value', part.value ?? 0, {min: 0, max: 32767}, (value) => change({value}))) : ''}`;
 }
 
 export const kOwn = {
@@ -95,7 +95,7 @@ export const kOwn = {
       fields: (part, change, tools) => comparedFields(part, change, tools, false)},
     window: {label: 'Time of day', fresh: () => ({from: '22:00', to: '06:00', not: false}),
       fields: (part, change) => html`${time('From', part.from, (from) => change({from}))}${time('To', part.to, (to) => change({to}))}
-        <p class="quiet part-wide">${part.from === part.to ? 'Never: both are the same time' : part.from > part.to ? 'Over midnight' : ''}</p>`},
+        <p class="quiet part-wide">${part.from > part.to ? 'Over midnight' : ''}</p>`},
     days: {label: 'Days of the week', fresh: () => ({days: [1, 2, 3, 4, 5], not: false}),
       fields: (part, change) => weekdays(part.days ?? [], (days) => change({days}))},
   },
@@ -128,6 +128,8 @@ export const kOwn = {
 export function missingIn(list, part) {
   if (part.kind === 'device' && !part.ref) return 'Choose a device';
   if (part.kind === 'device' && part.command === 'press' && !part.caption) return 'Choose a button';
+  if (['above', 'below'].includes(part.is) && !/^[+-]?\d+(\.\d+)?$/.test(part.value)) return 'Write a number';
+  if (part.kind === 'window' && part.from === part.to) return 'Choose two different times';
   if (part.kind === 'speak' && !part.text.trim()) return 'Write what is to be said';
   if (list === 'actions' && part.kind === 'script' && !part.name) return 'Choose a script';
   if (part.kind === 'event' && !part.id) return 'Choose an event';

@@ -57,7 +57,13 @@ export class Parts {
 
   /** Shows the fields of the first part that lacks something. */
   showMissing() {
-    this.#open = this.#parts.find((part) => missingIn(this.#list, part)) ?? this.#open;
+    this.show(this.#parts.findIndex((part) => missingIn(this.#list, part)));
+  }
+
+  /** Shows the fields of a part, if they are the house's own. */
+  show(at) {
+    const part = this.#parts[at];
+    if (part && part.kind !== 'plugin') this.#open = part;
   }
 
   template({edit, empty}) {

@@ -59,7 +59,7 @@ export class PluginForm {
       if (again) await this.#press(this.#pressed);
     } catch (error) {
       if (mine !== this.#turn || error.name === 'AbortError') return;
-      this.#stop(error.status === 409 ? 'held' : this.#ready ? 'failed' : 'away',
+      this.#stop(error.status === 409 ? 'held' : error.status === 502 || !this.#ready ? 'away' : 'failed',
         error.answer?.who ? `${error.message} (${error.answer.who})` : error.message);
     } finally {
       if (mine === this.#turn) {
@@ -88,8 +88,14 @@ export class PluginForm {
   #happened({dialog, taken, gone, changed}) {
     if (!this.#dialog || dialog !== this.#dialog) return;
     if (taken) this.#stop('taken', 'Another browser has taken this form over.');
-    else if (gone) this.#stop('away', 'The player has gone away.');
+    else if (gone) this.#lose();
     else if (changed) this.#look();
+  }
+
+  /** A player that has started again knows nothing of the form. */
+  #lose() {
+    this.#stop('away', 'The player has gone away.');
+    if (this.#ready) this.#open();
   }
 
   #playerChanged() {
@@ -148,8 +154,8 @@ export class PluginForm {
       this.#errors = error.answer?.fields ?? {};
       const known = this.#form.fields.some(({number}) => this.#errors[number]);
       this.#problem = known ? '' : error.message;
-      if (error.status === 404 || error.status === 410) this.#stop('taken', error.message);
-      else if (!this.#ready) this.#stop('away', error.message);
+      if (error.status === 410) this.#stop('taken', error.message);
+      else if (error.status === 502 || !this.#ready) this.#stop('away', error.message);
     } finally {
       this.#busy = false;
       this.#draw();
@@ -184,7 +190,8 @@ export class PluginForm {
     render(html`${this.#notice()}
       ${this.#form ? html`<p class="quiet form-title">${this.#form.title}</p>
         <div class="form-rows">${rowsOf(this.#form.fields).map((row) => html`<div class="form-row">
-          ${row.map((field) => this.#field(field, off))}</div>`)}</div>` : ''}
+          ${row.map((field) => this.#field(field, off))}</div>`)}</div>
+        ${(this.#form.notes ?? []).map((note) => html`<p class="quiet">${note}</p>`)}` : ''}
       ${!this.#form && this.#busy ? html`<p class="quiet" role="status">The player fills the form…</p>` : ''}
       <p class="problem" role="alert" ?hidden=${!this.#problem}>${this.#problem}</p>
       <div class="row form-end">
@@ -197,7 +204,7 @@ export class PluginForm {
     const [words, button, take] = {
       held: [this.#why, 'Take it over', true],
       taken: [`${this.#why} What you have entered is still here.`, 'Take it back', true],
-      away: [`${this.#why} What you have entered stays; the form goes on when the player is back.`, '', false],
+      away: [`${this.#why} What you have entered stays; the form goes on when the player is back.`, 'Try again', false],
       failed: [this.#why, 'Try again', false],
     }[this.#trouble];
     return html`<div class="notice-bar form-trouble" role="alert"><p>${words}</p>
