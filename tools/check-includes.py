@@ -48,7 +48,7 @@ MAY_INCLUDE = {
     "standin/rules": "base database standin/events standin/house",
     "standin/voice": "base bus standin/house",
     "standin/hostobjects": "base bus standin/house standin/voice",
-    "standin/player": "base bus standin/house",
+    "standin/player": "base bus standin/hostobjects standin/house",
     "standin/playlists": "base database standin/house standin/player",
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/routes": "base standin/hostobjects standin/house standin/player standin/playlists standin/scripts "

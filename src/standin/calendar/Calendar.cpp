@@ -12,7 +12,7 @@ constexpr std::int64_t kWeek = 8;     ///< days within which each weekday comes 
 constexpr std::int64_t kYear = 370;   ///< days, with those of the longest night in them
 constexpr std::int64_t kLongest = 2;  ///< days that clocks and the sun's hours may lie apart
 
-std::optional<std::int64_t> nextOf(const WallClock& clock, const TimeTrigger& trigger, std::int64_t after) {
+std::optional<std::int64_t> NextOf(const WallClock& clock, const TimeTrigger& trigger, std::int64_t after) {
   const std::int64_t today = LocalTimeAt(clock, after).day;
   for (std::int64_t day = today - 1; day <= today + kWeek; ++day) {
     if (!Allows(trigger.days, day)) continue;
@@ -22,7 +22,7 @@ std::optional<std::int64_t> nextOf(const WallClock& clock, const TimeTrigger& tr
   return std::nullopt;
 }
 
-std::optional<std::int64_t> nextOf(const WallClock& clock, const Place& place, const SunTrigger& trigger,
+std::optional<std::int64_t> NextOf(const WallClock& clock, const Place& place, const SunTrigger& trigger,
                                    std::int64_t after) {
   const std::int64_t today = LocalTimeAt(clock, after).day;
   for (std::int64_t day = today - kLongest; day <= today + kYear; ++day) {
@@ -33,7 +33,7 @@ std::optional<std::int64_t> nextOf(const WallClock& clock, const Place& place, c
   return std::nullopt;
 }
 
-std::optional<std::int64_t> nextOf(const WallClock& clock, const EveryTrigger& trigger, std::int64_t after) {
+std::optional<std::int64_t> NextOf(const WallClock& clock, const EveryTrigger& trigger, std::int64_t after) {
   if (trigger.minutes < 1) return std::nullopt;
   const std::int64_t step = trigger.minutes * kMinute;
   const std::int64_t today = LocalTimeAt(clock, after).day;
@@ -50,10 +50,10 @@ std::optional<std::int64_t> nextOf(const WallClock& clock, const EveryTrigger& t
 
 std::optional<std::int64_t> NextDue(const WallClock& clock, const std::optional<Place>& place,
                                     const Trigger& trigger, std::int64_t after) {
-  if (const auto* time = std::get_if<TimeTrigger>(&trigger)) return nextOf(clock, *time, after);
-  if (const auto* every = std::get_if<EveryTrigger>(&trigger)) return nextOf(clock, *every, after);
+  if (const auto* time = std::get_if<TimeTrigger>(&trigger)) return NextOf(clock, *time, after);
+  if (const auto* every = std::get_if<EveryTrigger>(&trigger)) return NextOf(clock, *every, after);
   if (const auto* sun = std::get_if<SunTrigger>(&trigger); sun != nullptr && place)
-    return nextOf(clock, *place, *sun, after);
+    return NextOf(clock, *place, *sun, after);
   return std::nullopt;
 }
 

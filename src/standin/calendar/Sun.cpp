@@ -21,7 +21,7 @@ struct Sun {
 };
 
 /// `moment` in days since 1970.
-Sun sunAt(double moment) {
+Sun SunAt(double moment) {
   const double year = std::floor(moment / kDaysPerYear);
   const double angle = 2 * std::numbers::pi * (moment - year * kDaysPerYear - 0.5) / kDaysPerYear;
   const double c1 = std::cos(angle);
@@ -37,11 +37,11 @@ Sun sunAt(double moment) {
 
 /// Minutes since the world's midnight of the day; the sun is taken as it stands at noon and then, once more,
 /// as it stands at the moment found.
-std::optional<double> minutesOf(std::int64_t day, const Place& place, bool rise) {
+std::optional<double> MinutesOf(std::int64_t day, const Place& place, bool rise) {
   const double latitude = std::fmin(std::fmax(place.latitude, -kMostLatitude), kMostLatitude) * kRadians;
   double minutes = kDayMinutes / 2 - 4 * place.longitude;
   for (int pass = 0; pass < 2; ++pass) {
-    const Sun sun = sunAt(static_cast<double>(day) + minutes / kDayMinutes);
+    const Sun sun = SunAt(static_cast<double>(day) + minutes / kDayMinutes);
     const double angle = std::cos(kZenith) / (std::cos(latitude) * std::cos(sun.declination)) -
                          std::tan(latitude) * std::tan(sun.declination);
     if (angle < -1 || angle > 1) return std::nullopt;
@@ -61,7 +61,7 @@ std::optional<std::int64_t> SunMoment(const WallClock& clock, const Place& place
   const double noon = kDayMinutes / 2 - 4 * place.longitude;
   const std::int64_t noonMoment = day * kDay + std::llround(noon * kMinute);
   const std::int64_t worldDay = 2 * day - LocalTimeAt(clock, noonMoment).day;
-  const std::optional<double> minutes = minutesOf(worldDay, place, rise);
+  const std::optional<double> minutes = MinutesOf(worldDay, place, rise);
   if (!minutes) return std::nullopt;
   return worldDay * kDay + std::llround(*minutes) * 60000;
 }

@@ -11,10 +11,10 @@ constexpr std::int64_t kSecond = 1000;
 constexpr std::int64_t kDaySeconds = 86400;
 constexpr std::int64_t kDay = kDaySeconds * kSecond;
 
-std::int64_t floorDivide(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
+std::int64_t FloorDivide(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
 /// The first millisecond of (from, to] at which the clocks are no longer as far ahead as at `from`.
-std::int64_t changeBetween(const WallClock& clock, std::int64_t from, std::int64_t to) {
+std::int64_t ChangeBetween(const WallClock& clock, std::int64_t from, std::int64_t to) {
   const std::int32_t before = clock.offset(from);
   while (to - from > 1) {
     const std::int64_t middle = from + (to - from) / 2;
@@ -32,15 +32,15 @@ std::int64_t SystemClock::now() const {
 }
 
 std::int32_t SystemClock::offset(std::int64_t moment) const {
-  const auto seconds = static_cast<std::time_t>(floorDivide(moment, kSecond));
+  const auto seconds = static_cast<std::time_t>(FloorDivide(moment, kSecond));
   std::tm local{};
   if (::localtime_r(&seconds, &local) == nullptr) return 0;
   return static_cast<std::int32_t>(local.tm_gmtoff);
 }
 
 LocalTime LocalTimeAt(const WallClock& clock, std::int64_t moment) {
-  const std::int64_t shown = floorDivide(moment, kSecond) + clock.offset(moment);
-  const std::int64_t day = floorDivide(shown, kDaySeconds);
+  const std::int64_t shown = FloorDivide(moment, kSecond) + clock.offset(moment);
+  const std::int64_t day = FloorDivide(shown, kDaySeconds);
   return {day, static_cast<std::int32_t>((shown - day * kDaySeconds) / 60)};
 }
 
@@ -52,7 +52,7 @@ std::int64_t MomentOf(const WallClock& clock, LocalTime time) {
   const std::int64_t second = shown - std::min(before, after) * kSecond;
   for (const std::int64_t moment : {first, second})
     if (moment + clock.offset(moment) * kSecond == shown) return moment;
-  return changeBetween(clock, first, second);
+  return ChangeBetween(clock, first, second);
 }
 
 std::int32_t WeekdayOf(std::int64_t day) {

@@ -9,7 +9,7 @@ namespace {
 constexpr std::int64_t kMostCounted =
     2000;  // of those that were missed; a year of days, and a day of minutes
 
-bool isOfTime(const Trigger& trigger) {
+bool IsOfTime(const Trigger& trigger) {
   return std::holds_alternative<TimeTrigger>(trigger) || std::holds_alternative<SunTrigger>(trigger) ||
          std::holds_alternative<EveryTrigger>(trigger);
 }
@@ -31,7 +31,7 @@ void Alarms::put(std::int32_t event, const Rule* rule) {
   if (rule != nullptr && rule->on) {
     for (std::size_t i = 0; i < rule->triggers.size(); ++i) {
       const Trigger& trigger = rule->triggers[i];
-      if (!isOfTime(trigger)) continue;
+      if (!IsOfTime(trigger)) continue;
       // One that has just become due and waits to ring must not be lost by a change beside it.
       const auto kept = std::find_if(before.begin(), before.end(),
                                      [&](const auto& each) { return each.second.trigger == trigger; });

@@ -7,18 +7,18 @@
 namespace standin {
 namespace {
 
-std::string clockText(std::int32_t minute) {
+std::string ClockText(std::int32_t minute) {
   const auto two = [](std::int32_t n) { return (n < 10 ? "0" : "") + std::to_string(n); };
   return two(minute / 60) + ":" + two(minute % 60);
 }
 
-const char* weekdayText(std::int64_t day) {
+const char* WeekdayText(std::int64_t day) {
   static constexpr std::array<const char*, 7> kNames = {"Monday", "Tuesday",  "Wednesday", "Thursday",
                                                         "Friday", "Saturday", "Sunday"};
   return kNames[static_cast<std::size_t>(WeekdayOf(day))];
 }
 
-bool isWithin(const WindowCondition& window, std::int32_t minute) {
+bool IsWithin(const WindowCondition& window, std::int32_t minute) {
   return window.from <= window.to ? minute >= window.from && minute < window.to
                                   : minute >= window.from || minute < window.to;
 }
@@ -61,9 +61,9 @@ void Asking::ask(const Condition& condition) {
   } else if (const auto* device = std::get_if<DeviceCondition>(&condition.asked)) {
     seeDevice(*device, condition.negated);
   } else if (const auto* window = std::get_if<WindowCondition>(&condition.asked)) {
-    see(clockText(now.minute), isWithin(*window, now.minute) != condition.negated);
+    see(ClockText(now.minute), IsWithin(*window, now.minute) != condition.negated);
   } else if (const auto* days = std::get_if<DaysCondition>(&condition.asked)) {
-    see(weekdayText(now.day), Allows(days->days, now.day) != condition.negated);
+    see(WeekdayText(now.day), Allows(days->days, now.day) != condition.negated);
   }
 }
 

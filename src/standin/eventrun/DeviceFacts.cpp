@@ -9,7 +9,7 @@
 namespace standin {
 namespace {
 
-std::string fieldOf(const DeviceFacts& device, DeviceField field) {
+std::string FieldOf(const DeviceFacts& device, DeviceField field) {
   switch (field) {
     case DeviceField::kStatus: return std::to_string(device.status);
     case DeviceField::kValue: return std::to_string(device.value);
@@ -18,7 +18,7 @@ std::string fieldOf(const DeviceFacts& device, DeviceField field) {
   return device.text;
 }
 
-std::optional<double> numberOf(const std::string& text) {
+std::optional<double> NumberOf(const std::string& text) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -28,7 +28,7 @@ std::optional<double> numberOf(const std::string& text) {
 }  // namespace
 
 std::string Shown(const DeviceFacts& device, DeviceField field) {
-  const std::string plain = fieldOf(device, field);
+  const std::string plain = FieldOf(device, field);
   if (field != DeviceField::kStatus) return plain;
   if (device.status == kStatusOn) return "on";
   if (device.status == kStatusOff) return "off";
@@ -36,9 +36,9 @@ std::string Shown(const DeviceFacts& device, DeviceField field) {
 }
 
 bool IsSo(const DeviceFacts& device, DeviceField field, Compared is, const std::string& wanted) {
-  const std::string seen = fieldOf(device, field);
-  const std::optional<double> seenNumber = numberOf(seen);
-  const std::optional<double> wantedNumber = numberOf(wanted);
+  const std::string seen = FieldOf(device, field);
+  const std::optional<double> seenNumber = NumberOf(seen);
+  const std::optional<double> wantedNumber = NumberOf(wanted);
   const bool numbers = seenNumber && wantedNumber;
   switch (is) {
     case Compared::kEquals: return numbers ? *seenNumber == *wantedNumber : base::SameText(seen, wanted);
@@ -51,7 +51,7 @@ bool IsSo(const DeviceFacts& device, DeviceField field, Compared is, const std::
 
 bool HasCome(const DeviceFacts& before, const DeviceFacts& after, const DeviceTrigger& trigger) {
   if (trigger.is == Compared::kChanges)
-    return fieldOf(before, trigger.field) != fieldOf(after, trigger.field);
+    return FieldOf(before, trigger.field) != FieldOf(after, trigger.field);
   return !IsSo(before, trigger.field, trigger.is, trigger.value) &&
          IsSo(after, trigger.field, trigger.is, trigger.value);
 }

@@ -9,7 +9,7 @@ namespace {
 constexpr char kSeparator = '\2';
 
 /// The text without its second field, and that field. Empty fields at the end say nothing.
-std::pair<std::string, std::string> withoutSecond(std::string_view text) {
+std::pair<std::string, std::string> WithoutSecond(std::string_view text) {
   while (!text.empty() && text.back() == kSeparator) text.remove_suffix(1);
   const std::size_t first = text.find(kSeparator);
   if (first == std::string_view::npos) return {std::string(text), {}};
@@ -19,7 +19,7 @@ std::pair<std::string, std::string> withoutSecond(std::string_view text) {
 }
 
 template <class Entries>
-void eraseOf(std::int32_t event, Entries& entries) {
+void EraseOf(std::int32_t event, Entries& entries) {
   std::erase_if(entries, [&](const auto& each) { return each.event == event; });
 }
 
@@ -33,7 +33,7 @@ void TriggerIndex::put(std::int32_t event, const Rule* rule) {
     const Entry entry{event, i};
     const Trigger& trigger = rule->triggers[i];
     if (const auto* plugin = std::get_if<PluginTrigger>(&trigger)) {
-      auto [key, second] = withoutSecond(plugin->stored);
+      auto [key, second] = WithoutSecond(plugin->stored);
       plugin_[key].push_back({std::move(second), entry});
       places.plugin.push_back(std::move(key));
     } else if (const auto* device = std::get_if<DeviceTrigger>(&trigger)) {
@@ -60,16 +60,16 @@ void TriggerIndex::drop(std::int32_t event) {
   for (const std::int32_t ref : found->second.devices) {
     const auto entries = devices_.find(ref);
     if (entries == devices_.end()) continue;
-    eraseOf(event, entries->second);
+    EraseOf(event, entries->second);
     if (entries->second.empty()) devices_.erase(entries);
   }
-  eraseOf(event, start_);
+  EraseOf(event, start_);
   scripts_.erase(event);
   places_.erase(found);
 }
 
 std::vector<TriggerIndex::Entry> TriggerIndex::ofPlugin(const std::string& composed) const {
-  const auto [key, second] = withoutSecond(composed);
+  const auto [key, second] = WithoutSecond(composed);
   const auto found = plugin_.find(key);
   std::vector<Entry> entries;
   if (found == plugin_.end()) return entries;

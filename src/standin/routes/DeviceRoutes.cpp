@@ -1,18 +1,15 @@
 // What the pages ask of the plug-in: buttons, devices, menu, voice.
-#include <algorithm>
-#include <limits>
+#include <functional>
 #include <utility>
 
+#include "base/Failure.hpp"
 #include "standin/house/EventStore.hpp"
+#include "standin/player/DeviceCommands.hpp"
 #include "standin/routes/Routes.hpp"
 #include "standin/voice/Voice.hpp"
 
 namespace standin {
 namespace {
-
-constexpr std::int16_t kCommandOn = 2;
-constexpr std::int16_t kCommandOff = 3;
-constexpr std::int16_t kCommandValue = 19;
 
 /// What the commands of this area work with.
 struct Parts {
@@ -25,40 +22,41 @@ PluginKeeper::Done Answering(const Reply& reply) {
   return [reply](const std::string& failure) { reply(OutcomeOf(failure)); };
 }
 
-void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
-  const auto caption = call.json.at("caption").get<std::string>();
-  const Device* device = parts.house.devices.byRef(call.json.at("ref").get<std::int32_t>());
-  const bool known =
-      device != nullptr && std::any_of(device->buttons.begin(), device->buttons.end(),
-                                       [&](const DeviceButton& each) { return each.caption == caption; });
-  if (!known) return reply(Refusal(404, "The device has no such button"));
-  parts.plugin.command([caption](base::Object& vxif) { vxif.invoke("ButtonPress", caption); },
-                       Answering(reply));
+/// Gives the plug-in what the device is to be told, and says what of it can't be done.
+void TellDevice(const Parts& parts,
+                const std::function<PluginKeeper::Command(const DeviceCommands& tells)>& what,
+                const Reply& reply) {
+  PluginKeeper::Command command;
+  try {
+    command = what(DeviceCommands(parts.house, parts.objects));
+  } catch (const base::Failure& failure) {
+    if (failure.number() == base::number::kFileNotFound) return reply(Refusal(404, failure.description()));
+    if (failure.number() == base::number::kInvalidArgument) return reply(Refusal(400, failure.description()));
+    throw;
+  }
+  parts.plugin.command(std::move(command), Answering(reply));
 }
 
-void SetIo(const Parts& parts, const Device& device, std::int16_t command, std::int16_t brightness,
-           const Reply& reply) {
-  const base::ObjectRef object = parts.objects.device(device.ref);
-  parts.plugin.command(
-      [object, hc = device.hc, dc = device.dc, command, brightness](base::Object& vxif) {
-        vxif.invoke("SetIO", object, hc, dc, command, brightness, std::int16_t{0}, std::int16_t{0});
-      },
-      Answering(reply));
+void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
+  const auto caption = call.json.at("caption").get<std::string>();
+  const auto ref = call.json.at("ref").get<std::int32_t>();
+  TellDevice(
+      parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); }, reply);
 }
 
 void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto ref = call.json.at("ref").get<std::int32_t>();
   const auto word = call.json.at("command").get<std::string>();
   const auto value = call.json.value("value", std::int64_t{0});
-  const Device* device = parts.house.devices.byRef(ref);
-  if (device == nullptr) return reply(Refusal(404, "There is no such device"));
-  if (word == "on" || word == "off")
-    return SetIo(parts, *device, word == "on" ? kCommandOn : kCommandOff, 0, reply);
-  if (word != "value") return reply(Refusal(400, "There is no such command"));
-  if (value < 0 || value > std::numeric_limits<std::int16_t>::max())
-    return reply(Refusal(400, "The value is out of range"));
-  parts.house.devices.putValue(ref, static_cast<std::int32_t>(value));
-  SetIo(parts, *device, kCommandValue, static_cast<std::int16_t>(value), reply);
+  if (parts.house.devices.byRef(ref) == nullptr) return reply(Refusal(404, "There is no such device"));
+  if (word != "on" && word != "off" && word != "value")
+    return reply(Refusal(400, "There is no such command"));
+  TellDevice(
+      parts,
+      [&](const DeviceCommands& tells) {
+        return word == "value" ? tells.set(ref, value) : tells.turn(ref, word == "on");
+      },
+      reply);
 }
 
 void SelectMenu(const Parts& parts, const WebCall& call, const Reply& reply) {

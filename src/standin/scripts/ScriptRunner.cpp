@@ -57,6 +57,7 @@ void ScriptRunner::ended() {
   const ScriptOutcome outcome = run_->report(0).outcome;
   if (!outcome.error.empty()) house_.log.write("Warning", "Script " + run_->name() + ": " + outcome.error);
   house_.live.tell("script", "{}");
+  onEnd();
 }
 
 void ScriptRunner::watch() {
@@ -69,6 +70,7 @@ void ScriptRunner::watch() {
   objects_.reset();
   house_.log.write("Warning", "Script " + run_->name() + " could not be stopped");
   house_.live.tell("script", "{}");
+  onEnd();
 }
 
 void ScriptRunner::stop() {

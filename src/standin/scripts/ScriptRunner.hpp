@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,6 +28,8 @@ class ScriptRunner {
   [[nodiscard]] std::optional<ScriptRun::Report> report(std::size_t from) const;
   /// Counts the runs, so that a page can tell them apart.
   [[nodiscard]] int number() const { return number_; }
+  /// Called when a script has ended, however it did, and another one may be started.
+  std::function<void()> onEnd = [] {};
 
  private:
   void ended();

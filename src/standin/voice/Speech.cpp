@@ -28,15 +28,24 @@ Speech::~Speech() {
   thread_.join();
 }
 
-void Speech::speak(const std::string& text, bool wait) {
-  house_.log.write("Speech", text);
+std::shared_ptr<Speech::Order> Speech::take(Order order) {
+  house_.log.write("Speech", order.text);
   // More than anybody would listen to: the log has it.
-  if (text.empty() || orders_.size() >= kMostWaiting) return;
-  const auto order = std::make_shared<Order>(Order{text});
-  orders_.push_back(order);
+  if (order.text.empty() || orders_.size() >= kMostWaiting) return nullptr;
+  const auto taken = std::make_shared<Order>(std::move(order));
+  orders_.push_back(taken);
   if (!busy_) beginSoon();
+  return taken;
+}
+
+void Speech::speak(const std::string& text, bool tone, std::function<void()> said) {
+  if (!take({text, tone, said}) && said) said();
+}
+
+void Speech::speak(const std::string& text, bool wait) {
+  const auto order = take({text});
   // Asked for while a listener is being told, it could only be said after the listener has answered.
-  if (!wait || telling_) return;
+  if (!order || !wait || telling_) return;
   const base::Milliseconds end = loop_.now() + longest_;
   loop_.whileOpen([&] {
     while (!order->over && loop_.now() < end && !loop_.quitting())
@@ -57,17 +66,18 @@ void Speech::begin() {
   cut_->enabled(true);
   saying_ = true;
   try {
-    thread_ = std::thread([this, text = orders_.front()->text] { say(text); });
+    thread_ = std::thread([this, order = *orders_.front()] { say(order); });
   } catch (const std::system_error& failure) {  // the machine has no thread to spare
     saying_ = false;
     said(failure.what());
   }
 }
 
-void Speech::say(const std::string& text) {
+void Speech::say(const Order& order) {
   std::string failure;
   try {
-    voice_.say(text);
+    if (order.tone) voice_.tone();
+    voice_.say(order.text);
   } catch (...) {
     failure = base::CurrentFailure().description();
   }
@@ -85,10 +95,12 @@ void Speech::said(const std::string& failure) {
   }
   toldFailure_ = failure;
   tellSinks(false);
-  orders_.front()->over = true;
+  const std::shared_ptr<Order> over = orders_.front();
+  over->over = true;
   orders_.pop_front();
   busy_ = false;
   if (!orders_.empty()) beginSoon();
+  if (over->said) over->said();
 }
 
 void Speech::tellSinks(bool started) {

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -29,15 +30,21 @@ class Speech {
   /// Writes the text to the log and says it when those before it have been said. With `wait` it returns
   /// after that; everything else goes on meanwhile.
   void speak(const std::string& text, bool wait);
+  /// The same without waiting: `said` is called when it has been said, or at once where it is only written to
+  /// the log, unless the speech itself ends before. With `tone`, that comes first.
+  void speak(const std::string& text, bool tone, std::function<void()> said);
 
  private:
   struct Order {
     std::string text;
+    bool tone = false;
+    std::function<void()> said{};
     bool over = false;
   };
+  std::shared_ptr<Order> take(Order order);
   void beginSoon();
   void begin();
-  void say(const std::string& text);  ///< on the thread
+  void say(const Order& order);  ///< on the thread
   void said(const std::string& failure);
   void tellSinks(bool started);
 

@@ -15,8 +15,8 @@ using support::Day;
 using support::Utc;
 using testing::ElementsAre;
 
-constexpr std::int32_t at(int hour, int minute = 0) { return hour * 60 + minute; }
-constexpr Weekdays days(std::initializer_list<int> list) {
+constexpr std::int32_t At(int hour, int minute = 0) { return hour * 60 + minute; }
+constexpr Weekdays Days(std::initializer_list<int> list) {
   Weekdays bits = 0;
   for (const int day : list) bits = static_cast<Weekdays>(bits | (1U << unsigned(day - 1)));
   return bits;
@@ -38,35 +38,35 @@ class Calendar : public testing::Test {
 };
 
 TEST_F(Calendar, ATimeOfDayComesOnceADayAsTheClocksOnTheWallShowIt) {
-  EXPECT_THAT(all(TimeTrigger{at(22)}, Utc(2026, 1, 1), Utc(2026, 1, 3)),
+  EXPECT_THAT(all(TimeTrigger{At(22)}, Utc(2026, 1, 1), Utc(2026, 1, 3)),
               ElementsAre(Utc(2026, 1, 1, 21), Utc(2026, 1, 2, 21)));
-  EXPECT_THAT(all(TimeTrigger{at(22)}, Utc(2026, 7, 1), Utc(2026, 7, 3)),
+  EXPECT_THAT(all(TimeTrigger{At(22)}, Utc(2026, 7, 1), Utc(2026, 7, 3)),
               ElementsAre(Utc(2026, 7, 1, 20), Utc(2026, 7, 2, 20)));
 }
 
 TEST_F(Calendar, AMomentThatIsNowIsOver) {
-  EXPECT_EQ(NextDue(clock, place, TimeTrigger{at(22)}, Utc(2026, 1, 1, 21)), Utc(2026, 1, 2, 21));
+  EXPECT_EQ(NextDue(clock, place, TimeTrigger{At(22)}, Utc(2026, 1, 1, 21)), Utc(2026, 1, 2, 21));
 }
 
 TEST_F(Calendar, WeekdaysAreThoseOfTheHouse) {
   // 2026-01-05 is a Monday; its first minutes are Sunday's for the world.
-  EXPECT_THAT(all(TimeTrigger{at(0, 10), days({1})}, Utc(2026, 1, 1), Utc(2026, 1, 13)),
+  EXPECT_THAT(all(TimeTrigger{At(0, 10), Days({1})}, Utc(2026, 1, 1), Utc(2026, 1, 13)),
               ElementsAre(Utc(2026, 1, 4, 23, 10), Utc(2026, 1, 11, 23, 10)));
-  EXPECT_EQ(all(TimeTrigger{at(7), days({6, 7})}, Utc(2026, 1, 1), Utc(2026, 1, 15)).size(), 4U);
+  EXPECT_EQ(all(TimeTrigger{At(7), Days({6, 7})}, Utc(2026, 1, 1), Utc(2026, 1, 15)).size(), 4U);
 }
 
 TEST_F(Calendar, ATimeThatDoesNotExistThatDayComesOnceAtTheChange) {
-  EXPECT_THAT(all(TimeTrigger{at(2, 30)}, Utc(2026, 3, 28, 0), Utc(2026, 3, 31)),
+  EXPECT_THAT(all(TimeTrigger{At(2, 30)}, Utc(2026, 3, 28, 0), Utc(2026, 3, 31)),
               ElementsAre(Utc(2026, 3, 28, 1, 30), Utc(2026, 3, 29, 1, 0), Utc(2026, 3, 30, 0, 30)));
 }
 
 TEST_F(Calendar, ATimeThatExistsTwiceComesOnce) {
-  EXPECT_THAT(all(TimeTrigger{at(2, 30)}, Utc(2026, 10, 24, 12), Utc(2026, 10, 26, 12)),
+  EXPECT_THAT(all(TimeTrigger{At(2, 30)}, Utc(2026, 10, 24, 12), Utc(2026, 10, 26, 12)),
               ElementsAre(Utc(2026, 10, 25, 0, 30), Utc(2026, 10, 26, 1, 30)));
 }
 
 TEST_F(Calendar, EachDayOfAYearHasEachMinuteOfTheDayOnce) {
-  for (const int minute : {at(0), at(1, 59), at(2), at(2, 1), at(2, 59), at(3), at(23, 59)})
+  for (const int minute : {At(0), At(1, 59), At(2), At(2, 1), At(2, 59), At(3), At(23, 59)})
     EXPECT_EQ(all(TimeTrigger{minute}, Utc(2025, 12, 31, 23) - 1, Utc(2026, 12, 31, 23)).size(), 365U)
         << minute;
 }
@@ -100,8 +100,8 @@ TEST_F(Calendar, TheHouseBelievesTheMachinesTimeZone) {
   EXPECT_EQ(system.offset(Utc(2026, 7, 1)), 7200);
   EXPECT_EQ(system.offset(Utc(2026, 3, 29, 1) - 1), 3600);
   EXPECT_EQ(system.offset(Utc(2026, 3, 29, 1)), 7200);
-  EXPECT_EQ(MomentOf(system, {Day(2026, 3, 29), at(2, 30)}), Utc(2026, 3, 29, 1));
-  EXPECT_EQ(LocalTimeAt(system, Utc(2026, 7, 1, 22, 5)), (LocalTime{Day(2026, 7, 2), at(0, 5)}));
+  EXPECT_EQ(MomentOf(system, {Day(2026, 3, 29), At(2, 30)}), Utc(2026, 3, 29, 1));
+  EXPECT_EQ(LocalTimeAt(system, Utc(2026, 7, 1, 22, 5)), (LocalTime{Day(2026, 7, 2), At(0, 5)}));
   EXPECT_GT(system.now(), Utc(2020, 1, 1));
 }
 

@@ -1,0 +1,122 @@
+// Events that trigger each other.
+#include "standin/eventrun/EventStage.hpp"
+
+namespace {
+
+using namespace standin;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using support::EventStage;
+using support::kEndedTold;
+using support::kStartedTold;
+using testing::ElementsAre;
+
+class Circle : public EventStage {
+ protected:
+  static Rule firing(std::vector<std::int32_t> events, Again again = Again::kQueue) {
+    Rule rule = whenEnded({});
+    for (const std::int32_t each : events) rule.actions.emplace_back(EventAction{each});
+    rule.again = again;
+    return rule;
+  }
+  int runs(std::int32_t event) const {
+    return static_cast<int>(std::count_if(history.begun.begin(), history.begun.end(),
+                                          [&](const Evaluation& each) { return each.event == event; }));
+  }
+};
+
+TEST_F(Circle, OfTwoEventsIsCutAndToldInHistoryAndLog) {
+  rules.put(1, firing({2}));
+  rules.put(2, firing({1}));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(runs(1), 20);
+  EXPECT_EQ(runs(2), 20);
+  ASSERT_EQ(world.notes.size(), 1U);
+  EXPECT_EQ(world.notes[0],
+            "Warning: Event “Event 1”: Events trigger each other in a circle; it was cut after 20 rounds");
+}
+
+TEST_F(Circle, OfAnEventWithItselfIsCut) {
+  rules.put(1, firing({1}, Again::kTogether));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  EXPECT_EQ(runs(1), 20);
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+}
+
+TEST_F(Circle, WithWaitsInItIsCutTheSame) {
+  Rule rule = firing({2});
+  rule.actions.insert(rule.actions.begin(), WaitAction{60});
+  rules.put(1, rule);
+  rules.put(2, firing({1}));
+  engine.run(1, {});
+  loop.leap(std::chrono::hours(2));
+  EXPECT_EQ(runs(1), 20);
+}
+
+TEST_F(Circle, ThatBranchesEndsToo) {
+  rules.put(1, firing({1, 1, 1, 2, 2}, Again::kTogether));
+  rules.put(2, firing({1, 1, 2, 1}, Again::kTogether));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  EXPECT_EQ(engine.running(1) + engine.running(2), 0U);
+  EXPECT_GT(count(Outcome::kCircle), 0);
+  EXPECT_LT(history.ended.size(), 20000U);
+}
+
+TEST_F(Circle, ThroughThePlayerIsCut) {
+  // Two events that trigger each other by turns: what the player was made to do, it tells a little later.
+  rules.put(1, when(PluginTrigger{support::kEnded}, {"play"}));
+  rules.put(2, when(PluginTrigger{support::kStarted}, {"stop"}));
+  std::vector<std::unique_ptr<base::Timer>> timers;
+  world.onAction = [&](const std::string& action) {
+    timers.push_back(loop.makeTimer(milliseconds(300), [&, action, at = timers.size()] {
+      timers[at]->enabled(false);
+      engine.pluginTriggered(action == "play" ? kStartedTold : kEndedTold);
+    }));
+    timers.back()->enabled(true);
+  };
+  playbackEnds();
+  loop.leap(std::chrono::minutes(5));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(runs(1), 20);
+  world.onAction = nullptr;
+  playbackEnds();
+  EXPECT_EQ(runs(1), 21) << "the next one that nobody has caused runs again";
+}
+
+TEST_F(Circle, IsNotSeenInAnEventThatIsOftenTriggered) {
+  rules.put(1, whenEnded());
+  for (int i = 0; i < 200; ++i) {
+    playbackEnds();
+    loop.leap(seconds(4));
+  }
+  EXPECT_EQ(count(Outcome::kDone), 200);
+}
+
+TEST_F(Circle, IsNotSeenInAnEventThatFiresAnotherManyTimes) {
+  rules.put(1, firing(std::vector<std::int32_t>(50, 2)));
+  Rule rung = when(ScriptTrigger{}, {"ring"});
+  rung.again = Again::kTogether;
+  rules.put(2, rung);
+  engine.run(1, {});
+  settle();
+  EXPECT_EQ(count(Outcome::kCircle), 0);
+  EXPECT_EQ(done().size(), 50U);
+}
+
+TEST_F(Circle, LeavesTheHouseResponsive) {
+  rules.put(1, firing({2}));
+  rules.put(2, firing({1}));
+  rules.put(3, when(PluginTrigger{support::kStarted}, {"c"}));
+  engine.run(1, {});
+  engine.pluginTriggered(kStartedTold);
+  loop.pump();
+  loop.pump();
+  loop.pump();
+  EXPECT_THAT(done(), ElementsAre("do c")) << "it had its turn while the others went round";
+}
+
+}  // namespace
