@@ -67,7 +67,7 @@ export const devicesOf = (house) => [...house.state.devices.values()]
 export function devicePick({label, ref, house, change, wanted = () => true, empty}) {
   const devices = devicesOf(house).filter(wanted);
   const names = new Map(devices.map((device) => [nameIn(devices, device), device.ref]));
-  const nameOf = (number) => [...names].find(([, each]) => each === number)?.[0] ?? (number ? 'a device that is gone' : '');
+  const nameOf = (number) => [...names].find(([, each]) => each === number)?.[0] ?? (number ? `Device ${number} (gone)` : '');
   return new PickList({label, value: nameOf(ref), placeholder: 'Choose a device', empty,
     fetch: fromHere([...(empty ? [''] : []), ...names.keys()]), change: (name) => change(names.get(name) ?? 0)});
 }

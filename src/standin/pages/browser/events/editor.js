@@ -93,7 +93,7 @@ class Editor {
     }
     this.#loaded = true;
     if (!id && this.edit) this.#filled = FilledTemplate.of(this.#name, draft, this);
-    if (this.#filled && !draft) this.#filled.fill();
+    if (this.#filled && !draft) this.#filled.begin();
     this.draw();
     if (draft?.form) this.#lists[draft.form.list]?.resume(draft.form);
     this.#trying.look();
@@ -253,7 +253,7 @@ class Editor {
       stored = await ask(`/api/event?id=${theirs.id}`, undefined, this.signal);  // with its words
     } catch { /* without them then */ }
     this.#clash = new Clash(this.rule, opened(stored), {draw: () => this.draw(),
-      words: (list, part) => part.shown || wordsOf(list, part, {devices: this.#house.state.devices, events: this.tools.choices.events}),
+      words: (list, part) => wordsOf(list, part, this.tools),
       back: () => { this.#clash = null; this.draw(); },
       decide: (rule) => {
         this.rule = rule;

@@ -39,6 +39,7 @@ export const freshRule = () => ({name: '', group: '', on: true, triggers: [], an
 
 /** A stored event as the editor has it: its parts with the server's words. */
 export function opened({words, ...rule}) {
-  const worded = (list) => (rule[list] ?? []).map((part, at) => ({...part, shown: words?.[list]?.[at] ?? ''}));
+  const shown = (part, words) => (part.kind === 'plugin' && part.not ? words.replace(/^Not: /, '') : words);
+  const worded = (list) => (rule[list] ?? []).map((part, at) => ({...part, shown: shown(part, words?.[list]?.[at] ?? '')}));
   return {...freshRule(), ...rule, triggers: worded('triggers'), conditions: worded('conditions'), actions: worded('actions')};
 }

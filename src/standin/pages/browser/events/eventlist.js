@@ -83,7 +83,7 @@ class EventList {
       this.#changed.clear();
       this.#read = true;
       this.#find();
-      this.#turns?.show(answer);
+      this.#turns?.show({undo: named(answer.undo), redo: named(answer.redo)});
       this.#draw();
       this.#drawMore();
     } catch (error) {
@@ -194,6 +194,9 @@ class EventList {
           draft: event.id in unsaved, flip: () => this.#switch(event), act: (action) => this.#act(action, event)}))}</ul></section>`)}</div>`;
   }
 }
+
+/** A step as its button names it. */
+const named = (step) => step && step[0].toLowerCase() + step.slice(1);
 
 function groupsOf(rows) {
   const groups = new Map();

@@ -2,8 +2,10 @@
 import {html, nothing} from '../kit/html.js';
 import {run} from '../kit/server.js';
 import {outcomePill, timeOf, whenWords} from './outcomes.js';
+import {within} from './words.js';
 
-const line = (word, texts, between) => (texts.length ? html`<dt>${word}</dt><dd>${texts.join(between)}</dd>` : nothing);
+const line = (word, texts, between) => (texts.length ? html`<dt>${word}</dt><dd>${
+  texts.map((text, at) => (at ? within(text) : text)).join(between)}</dd>` : nothing);
 
 /** `draft`: it has changes that are not saved yet; `act(action)` runs or stops it. */
 export function eventRow(event, {edit, on, draft, flip, act}) {
@@ -15,7 +17,7 @@ export function eventRow(event, {edit, on, draft, flip, act}) {
       class="toggle-knob" aria-hidden="true"></span></button>
     <div class="event-main"><h3><a href=${`#events/${id}`}>${name}</a>${draft ? html`<span class="draft-mark" title="Not saved yet"> ●<span
         class="sr">, not saved yet</span></span>` : ''}</h3>
-      <dl class="rule-words">${line('When', event.when, ' · ')}${line('If', event.if, event.any ? ' or ' : ' and ')}${line('Do', event.do, ', then ')}</dl>
+      <dl class="rule-words">${line('When', event.when, ', or ')}${line('If', event.if, event.any ? ' or ' : ' and ')}${line('Do', event.do, ', then ')}</dl>
       <p class="event-last">${lastWords(last, running)}${event.next && on ? html`<span class="quiet">Next ${whenWords(event.next)}</span>` : ''}</p></div>
     <div class="event-tools">${edit ? (running ? button('stop', 'Stop the actions', '■') : button('run', 'Run the actions', '▶')) : ''}</div></li>`;
 }

@@ -32,6 +32,18 @@ export class FilledTemplate {
     return known ? new FilledTemplate(known, editor, draft?.template) : null;
   }
 
+  /** Fills the draft for the first time. A house without playlists begins with its albums. */
+  async begin() {
+    this.fill();
+    const asked = this.#known.asks.filter(([name, kind]) => kind === 'music' && this.#choices[name].category === 'PlayList');
+    if (!asked.length) return;
+    try {
+      const {total} = await ask('/api/library?category=PlayList&limit=1', undefined, this.#editor.signal);
+      if (total || this.#byHand || asked.some(([name]) => this.#choices[name].name)) return;
+      this.#choose(Object.fromEntries(asked.map(([name]) => [name, {category: 'Album', name: ''}])));
+    } catch { /* the player is away: the reader chooses */ }
+  }
+
   /** What the draft keeps of it. */
   state() {
     return {choices: this.#choices, byHand: this.#byHand, partner: this.#partner};
@@ -115,8 +127,7 @@ export class FilledTemplate {
   partnerTemplate() {
     if (!this.#partner) return '';
     const {tools} = this.#editor;
-    const words = (list) => this.#partner[list].map((part) => part.shown
-      || wordsOf(list, part, {devices: tools.house.state.devices, events: tools.choices.events})).join(', ');
+    const words = (list) => this.#partner[list].map((part) => wordsOf(list, part, tools)).join(', ');
     return html`<section class="filling partner" aria-labelledby="partner-head"><h2 id="partner-head">And “${this.#partner.name}”</h2>
       <p>A second event is saved with this one.</p>
       <dl class="rule-words"><dt>When</dt><dd>${words('triggers')}</dd><dt>If</dt><dd>${words('conditions')}</dd><dt>Do</dt><dd>${words('actions')}</dd></dl></section>`;

@@ -78,25 +78,21 @@ export class Parts {
   }
 
   #words(part) {
-    const {tools} = this.#editor;
     // The server's words hold as long as the part is what it was.
-    const plain = part.shown && part.kind !== 'plugin' ? part.shown
-      : wordsOf(this.#list, {...part, not: false}, {devices: tools.house.state.devices, events: tools.choices.events});
-    return plain;
+    return part.shown && part.kind !== 'plugin' ? part.shown : wordsOf(this.#list, part, this.#editor.tools);
   }
 
   #part(part, at, edit) {
     const open = this.#open === part || this.#form?.part === part;
     const words = this.#words(part);
-    const shown = html`${part.not ? html`<strong class="not">Not:</strong> ` : ''}${words}`;
     const missing = missingIn(this.#list, part);
     const one = kOne[this.#list];
-    if (!edit) return html`<li class="part"><div class="part-line"><span class="part-words">${shown}</span></div></li>`;
+    if (!edit) return html`<li class="part"><div class="part-line"><span class="part-words">${words}</span></div></li>`;
     return html`<li class="part ${open ? 'part-open' : ''}" data-key=${part.key}>
       <div class="part-line">
         ${this.#parts.length > 1 ? html`<button type="button" class="handle" aria-pressed="false" aria-label=${`Move: ${words}`}
           title="Drag, or arrow keys">⠿</button>` : ''}
-        <button type="button" class="part-words" aria-expanded=${String(open)} @click=${() => this.#toggle(part)}>${shown}
+        <button type="button" class="part-words" aria-expanded=${String(open)} @click=${() => this.#toggle(part)}>${words}
           ${missing ? html`<span class="pill pill-wait">${missing}</span>` : ''}</button>
         <button type="button" class="round plain" aria-label=${`Remove the ${one}: ${words}`} @click=${(event) => this.#remove(part, at, event)}>✕</button>
       </div>
@@ -105,7 +101,7 @@ export class Parts {
 
   #negation(part) {
     return html`<label class="part-wide part-check"><input type="checkbox" .checked=${live(Boolean(part.not))}
-      @change=${(event) => this.#change(part, {not: event.target.checked}, true)}><span>The event runs only if this does <em>not</em>
+      @change=${(event) => this.#change(part, {not: event.target.checked}, part.kind === 'plugin')}><span>The event runs only if this does <em>not</em>
       hold</span></label>`;
   }
 

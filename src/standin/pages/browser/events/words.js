@@ -1,84 +1,115 @@
-// An event's parts in words, for those that are not stored yet; the server words the others.
+// An event's parts in words, as the server words those that are stored.
 import {bareWords} from './stored.js';
 
 const kDays = ['Mon', 'Tue', 'Wed', 'Thu', 'Fri', 'Sat', 'Sun'];
+const kMostOfText = 120;
 
-/** "Mon–Fri", "Sat, Sun"; nothing for every day. */
+/** "Mon to Fri", "Sat, Sun"; nothing for every day. */
 export function daysWords(days = []) {
-  const all = [...days].sort((one, other) => one - other);
-  if (!all.length || all.length === 7) return '';
-  if (all.length > 2 && all.at(-1) - all[0] === all.length - 1) return `${kDays[all[0] - 1]}–${kDays[all.at(-1) - 1]}`;
-  return all.map((day) => kDays[day - 1]).join(', ');
+  const set = new Set(days);
+  if (!set.size || set.size === 7) return '';
+  const parts = [];
+  for (let first = 1; first <= 7; first++) {
+    if (!set.has(first)) continue;
+    let last = first;
+    while (set.has(last + 1)) last++;
+    if (last < first + 2) last = first;  // two are named both
+    parts.push(last > first ? `${kDays[first - 1]} to ${kDays[last - 1]}` : kDays[first - 1]);
+    first = last;
+  }
+  return parts.join(', ');
 }
 
-const counted = (count, word) => `${count.toLocaleString()} ${word}${count === 1 ? '' : 's'}`;
+const counted = (count, word) => `${count} ${word}${count === 1 ? '' : 's'}`;
 
-/** 90 as "1 minute 30 seconds". */
 export function timeWords(seconds) {
-  const parts = [[Math.floor(seconds / 3600), 'hour'], [Math.floor(seconds / 60) % 60, 'minute'], [seconds % 60, 'second']];
-  return parts.filter(([count]) => count).map(([count, word]) => counted(count, word)).join(' ') || 'no time';
+  if (seconds && seconds % 3600 === 0) return counted(seconds / 3600, 'hour');
+  if (seconds && seconds % 60 === 0) return counted(seconds / 60, 'minute');
+  return counted(seconds, 'second');
 }
 
-const onDays = (days) => (daysWords(days) ? `, ${daysWords(days)}` : '');
+const onDays = (days) => (daysWords(days) ? ` on ${daysWords(days)}` : '');
+const quoted = (text) => `“${text.length > kMostOfText ? `${text.slice(0, kMostOfText)}…` : text}”`;
 
-export const deviceName = (device) => [device?.location, device?.name].filter(Boolean).join(' ') || 'a device that is gone';
+export const deviceName = (device) => [device?.location, device?.name].filter(Boolean).join(' ');
 
-const kStatus = {2: 'on', 3: 'off', 4: 'dimmed', 17: 'unknown'};
+const kStatus = {2: 'on', 3: 'off'};
 export const kStatusChoices = [['2', 'on'], ['3', 'off'], ['17', 'unknown']];
 
-function comparison({field, is, value}) {
-  const what = {status: '', value: 'value ', text: 'text '}[field];
-  if (is === 'changes') return field === 'status' ? 'goes on or off' : `${what}changes`;
-  const shown = field === 'status' ? kStatus[value] ?? value : field === 'text' ? `“${value}”` : value;
-  return `${what}is ${{equals: '', above: 'above ', below: 'below '}[is]}${shown}`;
+const nameOf = (ref, devices) => (!ref ? 'A device' : devices.has(ref) ? deviceName(devices.get(ref)) : `Device ${ref} (gone)`);
+const valueOf = ({field, value}) => (field === 'text' ? quoted(value) : value);
+
+function deviceTrigger(part, {devices}) {
+  const name = nameOf(part.ref, devices);
+  const its = `${name}'s ${part.field}`;
+  if (part.is === 'changes') return `${its} changes`;
+  if (part.is !== 'equals') return `${its} goes ${part.is} ${valueOf(part)}`;
+  return part.field === 'status' && kStatus[part.value] ? `${name} turns ${kStatus[part.value]}` : `${its} becomes ${valueOf(part)}`;
 }
 
-const deviceWords = (part, devices) => `${part.ref ? deviceName(devices.get(part.ref)) : 'A device'} ${comparison(part)}`;
+function deviceCondition(part, {devices}) {
+  const name = nameOf(part.ref, devices);
+  const is = part.not ? 'is not' : 'is';
+  if (part.field === 'status' && part.is === 'equals' && kStatus[part.value]) return `${name} ${is} ${kStatus[part.value]}`;
+  return `${name}'s ${part.field} ${is} ${part.is === 'equals' ? '' : `${part.is} `}${valueOf(part)}`;
+}
 
 function sunWords({what, offset = 0, days}) {
-  const around = offset ? `${timeWords(Math.abs(offset) * 60)} ${offset < 0 ? 'before ' : 'after '}` : 'At ';
-  return `${around}${what}${onDays(days)}`;
+  const when = offset ? `${timeWords(Math.abs(offset) * 60)} ${offset < 0 ? 'before' : 'after'} ${what}`
+    : what === 'sunrise' ? 'Sunrise' : 'Sunset';
+  return when + onDays(days);
 }
 
-const plugin = (part) => part.shown || bareWords(part.stored);
+function deviceAction({ref, command, value, caption}, {devices}) {
+  const name = nameOf(ref, devices);
+  if (command === 'press') return `Press ${quoted(caption || '…')} of ${name}`;
+  return command === 'value' ? `Set ${name} to ${value}` : `Turn ${name} ${command}`;
+}
+
+function wakeWords({choices, words, volume, seconds}, {stored}) {
+  const tried = [...choices.map(stored), words ? `a tone and ${quoted(words)}` : 'a tone'].join(', else ');
+  return `Wake up with ${tried}; the volume rises to ${volume}${seconds ? ` over ${timeWords(seconds)}` : ' at once'}`;
+}
+
 const kThen = {nothing: '', pause: ', then pause', stop: ', then stop'};
-const kCommands = {on: 'on', off: 'off'};
+const plugin = (part) => (part.not ? 'Not: ' : '') + (part.shown || bareWords(part.stored));
 
 const kWords = {
   triggers: {
     plugin,
-    time: ({at, days}) => `At ${at}${onDays(days)}`,
+    time: ({at, days}) => at + onDays(days),
     sun: sunWords,
-    every: ({minutes}) => `Every ${minutes === 1 ? 'minute' : counted(minutes, 'minute')}`,
+    every: ({minutes}) => (minutes === 1 ? 'Every minute' : minutes === 60 ? 'Every hour' : `Every ${timeWords(minutes * 60)}`),
     start: () => 'The house starts',
-    device: deviceWords,
+    device: deviceTrigger,
     script: () => 'A script asks for it',
   },
   conditions: {
     plugin,
-    device: deviceWords,
-    window: ({from, to}) => `It is between ${from} and ${to}`,
-    days: ({days}) => (daysWords(days) ? `It is ${daysWords(days)}` : 'It is any day'),
+    device: deviceCondition,
+    window: ({from, to, not}) => `It ${not ? 'is not' : 'is'} between ${from} and ${to}`,
+    days: ({days, not}) => `It ${not ? 'is not' : 'is'} ${daysWords(days) || 'any day'}`,
   },
   actions: {
     plugin,
-    device: ({ref, command, value, caption}, devices) => {
-      const name = ref ? deviceName(devices.get(ref)) : 'A device';
-      if (command === 'press') return `${name}: ${caption || '…'}`;
-      return `${name} ${kCommands[command] ?? `to ${value}`}`;
-    },
-    speak: ({text}) => `Say “${text}”`,
+    device: deviceAction,
+    speak: ({text}) => `Say ${quoted(text)}`,
     wait: ({seconds}) => `Wait ${timeWords(seconds)}`,
-    script: ({name}) => `Run the script ${name || '…'}`,
-    event: ({id}, devices, events) => `Trigger ${events.find((event) => event.id === id)?.name ?? 'another event'}`,
-    fade: ({to, seconds, then}) => `Fade to ${to} % in ${timeWords(seconds)}${kThen[then]}`,
-    wake: ({choices, volume, seconds}) => `Wake with ${choices.length ? counted(choices.length, 'choice') : 'nothing yet'}, `
-      + `rising to ${volume} % in ${timeWords(seconds)}`,
+    script: ({name}) => `Run the script ${quoted(name || '…')}`,
+    event: ({id}, {events}) => (id ? `Trigger ${quoted(events.find((event) => event.id === id)?.name ?? `event ${id} (gone)`)}` : 'Trigger another event'),
+    fade: ({to, seconds, then}) => `Fade the volume to ${to} over ${timeWords(seconds)}${kThen[then]}`,
+    wake: wakeWords,
   },
 };
 
-/** `list` is triggers, conditions or actions. */
-export function wordsOf(list, part, {devices, events}) {
-  const words = kWords[list][part.kind]?.(part, devices, events) ?? part.kind;
-  return part.not ? `Not: ${words}` : words;
+/**
+ * `list` is triggers, conditions or actions; `tools` know the house, what there is to choose from, and the words of the
+ * player's texts.
+ */
+export function wordsOf(list, part, {house, choices, storedWords}) {
+  const known = {devices: house.state.devices, events: choices.events, stored: (text) => storedWords.get(text) ?? bareWords(text)};
+  return kWords[list][part.kind]?.(part, known) ?? part.kind;
 }
+
+/** A part's words within a sentence. */
+export const within = (words) => words.replace(/^(Turn|Press|Set|Say|Wait|Run|Trigger|Fade|Wake|It|A|The)\b/, (word) => word.toLowerCase());

@@ -130,7 +130,7 @@ export class PickList {
     this.#list.hidden = false;
     this.#input.setAttribute('aria-expanded', 'true');
     this.#space.style.height = `${Math.max(1, this.#count) * kRow}px`;
-    this.#space.textContent = this.#count ? '' : 'Nothing is called that';
+    this.#space.textContent = this.#count ? '' : search ? 'Nothing is called that' : 'There is nothing to choose from';
     this.#list.scrollTop = 0;
     this.#mark(search && this.#count ? 0 : this.#options.findIndex((option) => this.#same(option)));
   }
