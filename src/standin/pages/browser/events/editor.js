@@ -3,7 +3,7 @@ import {html, live, render} from '../kit/html.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
 import {Clash} from './clash.js';
-import {addressOf, bare, drafts, freshRule, opened, textOf} from './eventdrafts.js';
+import {addressOf, bare, drafts, freshRule, fromDraft, opened, textOf} from './eventdrafts.js';
 import {takeBack} from './eventlist.js';
 import {Parts} from './parts.js';
 import {Place} from './place.js';
@@ -102,7 +102,7 @@ class Editor {
 
   #take(stored, draft) {
     this.#base = textOf(stored);
-    this.rule = draft ? {...freshRule(), ...draft.rule} : stored;
+    this.rule = draft ? fromDraft(draft.rule) : stored;
     for (const [text, words] of draft?.words ?? []) this.tools.storedWords.set(text, words);
     this.#newer = Boolean(draft && stored.version && draft.rule.version !== stored.version);
     this.#form = draft?.form ?? null;
@@ -111,7 +111,7 @@ class Editor {
   /** An event that has been deleted while its draft was kept is a new one. */
   #takeLost(draft) {
     const {id, version, ...rule} = draft.rule;
-    this.rule = {...freshRule(), ...rule};
+    this.rule = fromDraft(rule);
     this.#problem = 'This event has been deleted meanwhile. Saving makes it anew.';
   }
 
@@ -159,18 +159,20 @@ class Editor {
       drafts.drop(this.#name);
       return;
     }
-    const kept = drafts.keep(this.#name, {rule: this.rule, form: this.#form, words: [...this.tools.storedWords],
-      template: this.#filled?.state()});
-    if (!kept) this.#problem = 'This browser keeps no more drafts: save before you leave the page';
+    if (!drafts.keep(this.#name, this.#draft())) this.#problem = 'This browser keeps no more drafts: save before you leave the page';
+  }
+
+  #draft() {
+    return {rule: this.rule, form: this.#form, words: [...this.tools.storedWords], template: this.#filled?.state()};
   }
 
   #discard() {
+    for (const list of Object.values(this.#lists)) list.reset();
     drafts.drop(this.#name);
     if (!Number(this.#name)) {
       location.hash = '#events';
       return undefined;
     }
-    for (const list of Object.values(this.#lists)) list.reset();
     this.#newer = false;
     this.#problem = '';
     this.#form = null;
@@ -224,12 +226,12 @@ class Editor {
     this.#newer = false;
     this.#problem = '';
     this.#clash = null;
-    if (!this.#form) drafts.drop(this.#name);
+    drafts.drop(this.#name);
+    if (this.#form) drafts.keep(id, this.#draft());  // what is still being entered in a form goes on there
     toast(`“${this.rule.name}” is saved`);
     await this.#filled?.savePartner();
     if (this.signal.aborted) return;
     if (fresh) {
-      drafts.drop(this.#name);
       location.replace(addressOf(id));
       return;
     }

@@ -37,6 +37,12 @@ export function textOf(rule, names = ['name', 'group', 'on', 'triggers', 'any', 
 export const freshRule = () => ({name: '', group: '', on: true, triggers: [], any: false, conditions: [], actions: [],
   again: 'leave'});
 
+/** A rule as a draft has kept it; its parts were drawn by another page. */
+export function fromDraft(kept) {
+  const parts = (list) => (kept[list] ?? []).map(({key, ...part}) => part);
+  return {...freshRule(), ...kept, triggers: parts('triggers'), conditions: parts('conditions'), actions: parts('actions')};
+}
+
 /** A stored event as the editor has it: its parts with the server's words. */
 export function opened({words, ...rule}) {
   const shown = (part, words) => (part.kind === 'plugin' && part.not ? words.replace(/^Not: /, '') : words);

@@ -145,6 +145,7 @@ export class PluginForm {
   }
 
   async #command(work) {
+    const had = document.activeElement;
     this.#busy = true;
     this.#draw();
     try {
@@ -160,7 +161,9 @@ export class PluginForm {
       this.#busy = false;
       this.#draw();
     }
-    this.node.querySelector('[aria-invalid=true]')?.focus();
+    // What is switched off loses the focus.
+    const next = this.node.querySelector('[aria-invalid=true]') ?? (document.activeElement === document.body ? had : null);
+    next?.focus();
   }
 
   #press(number) {
