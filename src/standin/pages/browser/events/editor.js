@@ -81,10 +81,7 @@ class Editor {
     const id = Number(this.#name) || 0;
     const draft = this.edit ? drafts.of(this.#name) : null;
     try {
-      const [stored, choices] = await Promise.all([
-        id ? ask(`/api/event?id=${id}`, undefined, this.signal) : freshRule(),
-        ask('/api/event/choices', undefined, this.signal)]);
-      this.tools.choices = choices;
+      const [stored] = await Promise.all([id ? ask(`/api/event?id=${id}`, undefined, this.signal) : freshRule(), this.#readChoices()]);
       this.#take(opened(stored), draft);
     } catch (error) {
       if (error.status !== 404) complain(error);
@@ -98,6 +95,15 @@ class Editor {
     if (draft?.form) this.#lists[draft.form.list]?.resume(draft.form);
     this.#trying.look();
     if (!id && !draft && !this.#filled) this.place.querySelector('#event-name')?.focus({preventScroll: true});
+  }
+
+  /** An event can be looked at and saved without them. */
+  async #readChoices() {
+    try {
+      this.tools.choices = await ask('/api/event/choices', undefined, this.signal);
+    } catch (error) {
+      complain(error);
+    }
   }
 
   #take(stored, draft) {
