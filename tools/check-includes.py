@@ -51,6 +51,7 @@ MAY_INCLUDE = {
     "standin/player": "base bus standin/hostobjects standin/house",
     "standin/playlists": "base database standin/house standin/player",
     "standin/scripts": "base bus files standin/house standin/player",
+    "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
     "standin/routes": "base standin/hostobjects standin/house standin/player standin/playlists standin/scripts "
                       "standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",

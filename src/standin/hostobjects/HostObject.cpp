@@ -94,6 +94,11 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
          waits.speak(base::ToText(args[0]), base::ToBoolean(args[1]));
          return Value();
        }},
+      {"TriggerEvent",
+       MemberKind::kOperation,
+       {{"name", Type::kText}},
+       Type::kBoolean,
+       [&house](Args& args) { return Value(house.onScriptTrigger(base::ToText(args[0]))); }},
       {"WaitEvents",
        MemberKind::kOperation,
        {},
@@ -161,8 +166,9 @@ base::MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
             {{"trigger", Type::kText}},
             Type::kBoolean,
             [&house](Args& args) {
-              house.log.write("Trigger", Readable(base::ToText(args[0])));
-              return Value(false);
+              const std::string trigger = base::ToText(args[0]);
+              house.log.write("Trigger", Readable(trigger));
+              return Value(house.onTrigger(trigger));
             }},
            {"forcefront",
             MemberKind::kOperation,

@@ -28,7 +28,10 @@ House::House(const std::filesystem::path& dataFolder)
       events(database),
       log(database),
       users(database) {
-  devices.onChange = [this](const Device& device) { live.tell("device", Dump(DeviceJson(device))); };
+  devices.onChange = [this](const Device& device) {
+    live.tell("device", Dump(DeviceJson(device)));
+    onDevice(device);
+  };
   devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
   log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };
   seedPictures();

@@ -1,5 +1,6 @@
 #pragma once
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,13 @@ class House {
   Menu menu;
   std::vector<PageLink> links;
   std::vector<EventSink> eventSinks;
+
+  // Set by whoever carries out the house's events.
+  /// The plug-in tells a trigger; true when an event has it.
+  std::function<bool(const std::string& composed)> onTrigger = [](const std::string&) { return false; };
+  /// A script triggers an event by its name; false when it can't.
+  std::function<bool(const std::string& event)> onScriptTrigger = [](const std::string&) { return false; };
+  std::function<void(const Device& device)> onDevice = [](const Device&) {};
 
   std::string version = "1.7.0";  ///< what the host says of itself
   int webPort = 0;

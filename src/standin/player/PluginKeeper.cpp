@@ -70,6 +70,7 @@ void PluginKeeper::enter(PluginPhase state, std::string reason) {
   if (state == PluginPhase::kReady) pulse_.start();
   lookForDelay();
   house_.live.tell("frame", "{}");
+  for (const auto& heard : phaseHeard_) heard(state);
 }
 
 void PluginKeeper::start() {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
@@ -56,6 +58,8 @@ class PluginKeeper {
   /// Runs the command when those before it have ended. `done` is called in every case.
   void command(Command command, Done done);
 
+  /// Adds a listener, for good: called whenever the plug-in enters a phase, also the one that it is in.
+  void onPhase(std::function<void(PluginPhase phase)> heard) { phaseHeard_.push_back(std::move(heard)); }
   [[nodiscard]] PluginPhase state() const { return state_; }
   /// Why it failed or was lost; empty otherwise.
   [[nodiscard]] const std::string& reason() const { return reason_; }
@@ -93,6 +97,7 @@ class PluginKeeper {
   std::string reason_;
   std::string name_;
   std::string toldReason_;  ///< of a start that failed, as the log has it
+  std::vector<std::function<void(PluginPhase)>> phaseHeard_;
   std::deque<Waiting> waiting_;
   bool busy_ = false;
   bool launching_ = false;

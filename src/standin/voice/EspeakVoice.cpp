@@ -3,6 +3,7 @@
 #include <espeak-ng/espeak_ng.h>
 #include <espeak-ng/speak_lib.h>
 
+#include <array>
 #include <atomic>
 
 #include "base/Failure.hpp"
@@ -35,7 +36,32 @@ void EspeakVoice::prepare() {
   espeak_SetVoiceByName("en");
 }
 
-void EspeakVoice::say(const std::string& text) {
+void EspeakVoice::say(const std::string& text) { utter(text, espeakCHARS_UTF8); }
+
+// The voice hums: three high notes of one pitch, louder than it speaks.
+void EspeakVoice::tone() {
+  struct Change {
+    espeak_PARAMETER parameter;
+    int value;
+    int before = espeak_GetParameter(parameter, 1);
+  };
+  prepare();
+  const std::array<Change, 4> changes{
+      {{espeakPITCH, 99}, {espeakRANGE, 0}, {espeakRATE, 80}, {espeakVOLUME, 200}}};
+  for (const Change& each : changes) espeak_SetParameter(each.parameter, each.value, 0);
+  const auto back = [&] {
+    for (const Change& each : changes) espeak_SetParameter(each.parameter, each.before, 0);
+  };
+  try {
+    utter("[[u:_:u:_:u:]]", espeakCHARS_UTF8 | espeakPHONEMES);
+  } catch (...) {
+    back();
+    throw;
+  }
+  back();
+}
+
+void EspeakVoice::utter(const std::string& text, unsigned int flags) {
   using Clock = std::chrono::steady_clock;
   if (Clock::now() < notBefore_) throw base::Failure(base::number::kDeviceIo, "There is no sound device");
   notBefore_ = Clock::now() + std::chrono::minutes(1);
@@ -43,8 +69,8 @@ void EspeakVoice::say(const std::string& text) {
   const auto mode = static_cast<espeak_ng_OUTPUT_MODE>(ENOUTPUT_MODE_SYNCHRONOUS | ENOUTPUT_MODE_SPEAK_AUDIO);
   Check(espeak_ng_InitializeOutput(mode, 0, nullptr), "sound device");
   hushed_ = false;
-  const auto status = espeak_ng_Synthesize(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
-                                           espeakCHARS_UTF8, nullptr, &hushed_);
+  const auto status =
+      espeak_ng_Synthesize(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0, flags, nullptr, &hushed_);
   Check(status, "sound device");
   notBefore_ = {};
 }

@@ -18,10 +18,12 @@ class EspeakVoice : public VoiceOutput {
   EspeakVoice& operator=(EspeakVoice&&) = delete;
 
   void say(const std::string& text) override;
+  void tone() override;
   void hush() override { hushed_ = true; }
 
  private:
   void prepare();
+  void utter(const std::string& text, unsigned int flags);
   bool prepared_ = false;
   std::chrono::steady_clock::time_point notBefore_{};  ///< after a failure
   std::atomic<bool> hushed_ = false;

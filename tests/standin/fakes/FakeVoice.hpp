@@ -20,6 +20,10 @@ class FakeVoice : public standin::VoiceOutput {
     changed_.wait_for(lock, time, [this] { return hushed_; });
     hushed_ = false;
   }
+  void tone() override {
+    const std::lock_guard lock(mutex_);
+    said_.emplace_back("(a tone)");
+  }
   void hush() override {
     {
       const std::lock_guard lock(mutex_);

@@ -95,6 +95,7 @@ TEST_F(Host, HasEveryOperationUnderItsOwnName) {
                                  {"RegisterLink", {Type::kObject}, Type::kNone},
                                  {"WriteLog", {kText, kText, kText}, Type::kNone},
                                  {"Speak", {kText, Type::kBoolean}, Type::kNone},
+                                 {"TriggerEvent", {kText}, Type::kBoolean},
                                  {"WaitEvents", {}, Type::kNone},
                                  {"WaitSecs", {Type::kInt16}, Type::kNone},
                                  {"GetUrl", {kText, kText, Type::kBoolean, Type::kInt32}, kText},
@@ -118,7 +119,7 @@ TEST_F(Host, HasEveryOperationUnderItsOwnName) {
                                  {"GetEventEx", {kText}, Type::kObject},
                                  {"NewEvent", {kText}, Type::kInt32},
                                  {"NewDevFunc", {}, Type::kObject}});
-  EXPECT_EQ(host->members()->list().size(), 32U);
+  EXPECT_EQ(host->members()->list().size(), 33U);
   EXPECT_EQ(callback->members()->list().size(), 6U);
 }
 
@@ -276,6 +277,26 @@ TEST_F(Host, TriggersAndSpeechAreLines) {
   EXPECT_EQ(lines.at(0).type, "Trigger");
   EXPECT_EQ(lines.at(0).text, "Media Player | 10");
   EXPECT_EQ(lines.at(1).type, "Speech");
+}
+
+TEST_F(Host, HandsTriggersToTheHousesEvents) {
+  std::vector<std::string> heard;
+  house.onTrigger = [&](const std::string& composed) {
+    heard.push_back(composed);
+    return composed == "known";
+  };
+  house.onScriptTrigger = [](const std::string& event) { return event == "Good night"; };
+  EXPECT_EQ(callback->invoke("checktrigger", "known"), Value(true));
+  EXPECT_EQ(callback->invoke("checktrigger", "unknown"), Value(false));
+  EXPECT_EQ(heard, (std::vector<std::string>{"known", "unknown"}));
+  EXPECT_EQ(call("TriggerEvent", {"Good night"}), Value(true));
+  EXPECT_EQ(call("TriggerEvent", {"Good morning"}), Value(false));
+  std::vector<std::int32_t> devices;
+  house.onDevice = [&](const Device& device) { devices.push_back(device.ref); };
+  const std::int32_t ref = house.devices.create("Lamp").ref;
+  house.devices.putValue(ref, 3);
+  EXPECT_FALSE(devices.empty());
+  EXPECT_EQ(devices.back(), ref);
 }
 
 TEST_F(Host, SaysWhatItIs) {

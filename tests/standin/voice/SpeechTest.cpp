@@ -75,6 +75,17 @@ TEST_F(HouseSpeech, WithoutWaitingGoesOnByItself) {
   EXPECT_EQ(events, (Lines{"player started after 0", "player stopped after 1"}));
 }
 
+TEST_F(HouseSpeech, TellsWhoDoesNotWaitThatItHasBeenSaid) {
+  bool said = false;
+  speech.speak("Good morning", true, [&] { said = true; });
+  EXPECT_FALSE(said);
+  ASSERT_TRUE(support::TurnUntil(loop, [&] { return said; }));
+  EXPECT_EQ(voice.said(), (Lines{"(a tone)", "Good morning"}));
+  said = false;
+  speech.speak("", false, [&] { said = true; });
+  EXPECT_TRUE(said) << "there was nothing to say";
+}
+
 TEST_F(HouseSpeech, TakesTextsInTheirOrder) {
   house.eventSinks = {EventSink{8, listener("player")}};
   speech.speak("One", false);
