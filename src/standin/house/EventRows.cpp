@@ -8,7 +8,7 @@ namespace {
 constexpr const char* kEvents = "SELECT id, name, vcmd, misc, misc2, abs_time, grp FROM event";
 constexpr const char* kDevices = "SELECT event, id, devid, func FROM event_device";
 
-Event eventOf(const database::Statement& row) {
+Event EventOf(const database::Statement& row) {
   Event event;
   event.id = static_cast<std::int32_t>(row.integer(0));
   event.name = row.text(1);
@@ -20,7 +20,7 @@ Event eventOf(const database::Statement& row) {
   return event;
 }
 
-EventDevice deviceOf(const database::Statement& row) {
+EventDevice DeviceOf(const database::Statement& row) {
   return {row.integer(1), static_cast<std::int32_t>(row.integer(2)),
           static_cast<std::int16_t>(row.integer(3))};
 }
@@ -30,10 +30,10 @@ EventDevice deviceOf(const database::Statement& row) {
 std::optional<Event> ReadEvent(database::Database& database, std::int32_t id) {
   database::Statement row(database, std::string(kEvents) + " WHERE id = ?");
   if (!row.with(id).step()) return std::nullopt;
-  Event event = eventOf(row);
+  Event event = EventOf(row);
   database::Statement devices(database, std::string(kDevices) + " WHERE event = ? ORDER BY id");
   devices.with(id);
-  while (devices.step()) event.devices.push_back(deviceOf(devices));
+  while (devices.step()) event.devices.push_back(DeviceOf(devices));
   return event;
 }
 
@@ -41,13 +41,13 @@ std::map<std::int32_t, Event> ReadEvents(database::Database& database) {
   std::map<std::int32_t, Event> events;
   database::Statement rows(database, std::string(kEvents) + " ORDER BY id");
   while (rows.step()) {
-    Event event = eventOf(rows);
+    Event event = EventOf(rows);
     events.emplace_hint(events.end(), event.id, std::move(event));
   }
   database::Statement devices(database, std::string(kDevices) + " ORDER BY id");
   while (devices.step()) {
     const auto found = events.find(static_cast<std::int32_t>(devices.integer(0)));
-    if (found != events.end()) found->second.devices.push_back(deviceOf(devices));
+    if (found != events.end()) found->second.devices.push_back(DeviceOf(devices));
   }
   return events;
 }

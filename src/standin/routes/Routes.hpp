@@ -1,4 +1,6 @@
 #pragma once
+#include "standin/events/EventControl.hpp"
+#include "standin/events/EventWords.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
 #include "standin/player/LibrarySearch.hpp"
@@ -8,6 +10,8 @@
 #include "standin/routes/LoginLimit.hpp"
 #include "standin/routes/Route.hpp"
 #include "standin/routes/Visitors.hpp"
+#include "standin/rules/EvaluationStore.hpp"
+#include "standin/rules/RuleStore.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
 
@@ -24,6 +28,17 @@ Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin);
 Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
 /// The player's playlists.
 Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
+/// What the events' routes work with.
+struct EventParts {
+  House& house;
+  RuleStore& rules;
+  const EvaluationStore& evaluations;
+  const EventWords& words;
+  EventControl& control;
+  const ScriptStore& scripts;
+};
+/// The events of the house: what they do, what came of it, and what would.
+Routes EventRoutes(const EventParts& parts);
 /// The house's scripts.
 Routes ScriptRoutes(ScriptStore& store, ScriptRunner& runner);
 /// Signing in and out, the owner's password, and what guests need. `now` tells how long who guesses has to

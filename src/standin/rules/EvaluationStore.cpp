@@ -14,19 +14,20 @@ namespace {
 constexpr std::size_t kMostUnwritten = 1000;
 constexpr std::size_t kLargestPage = 200;
 
-std::int64_t numberOf(Outcome outcome) { return static_cast<std::int64_t>(outcome); }
+std::int64_t NumberOf(Outcome outcome) { return static_cast<std::int64_t>(outcome); }
 
-database::Database& ready(House& house) { return house.database; }
+database::Database& DatabaseOf(House& house) { return house.database; }
 
 }  // namespace
 
 EvaluationStore::EvaluationStore(House& house, Limits limits)
     : house_(house),
       limits_(limits),
-      insert_(ready(house),
+      insert_(DatabaseOf(house),
               "INSERT INTO evaluation (event, time, outcome, dull, size, data) VALUES (?, ?, ?, ?, ?, ?)"),
-      update_(ready(house), "UPDATE evaluation SET outcome = ?, dull = ?, size = ?, data = ? WHERE id = ?"),
-      trim_(ready(house),
+      update_(DatabaseOf(house),
+              "UPDATE evaluation SET outcome = ?, dull = ?, size = ?, data = ? WHERE id = ?"),
+      trim_(DatabaseOf(house),
             "DELETE FROM evaluation WHERE outcome <> 0 AND id IN (SELECT id FROM evaluation WHERE event = ? "
             "AND "
             "dull = ? ORDER BY id DESC LIMIT -1 OFFSET ?) RETURNING size") {
@@ -57,7 +58,7 @@ void EvaluationStore::cutWhatRan() {
       evaluation.outcome = Outcome::kCut;
       evaluation.why = "The house ended before the last action";
       const std::string cut = textOf(evaluation);
-      update_.with(numberOf(Outcome::kCut), false, cut.size(), cut, id).run();
+      update_.with(NumberOf(Outcome::kCut), false, cut.size(), cut, id).run();
     } catch (const base::Failure& failure) {
       if (failure.description() != "An evaluation can't be read") throw;
       database::Statement(house_.database, "DELETE FROM evaluation WHERE id = ?").with(id).run();
@@ -98,6 +99,7 @@ void EvaluationStore::remember(const Evaluation& evaluation) {
 std::int64_t EvaluationStore::begin(const Evaluation& evaluation) {
   writeTheUnwritten();
   Evaluation begun = evaluation;
+  begun.id = 0;
   begun.outcome = Outcome::kRunning;
   write(begun);
   begun.id = house_.database.lastId();
@@ -137,9 +139,9 @@ void EvaluationStore::write(const Evaluation& evaluation) {
       database::Statement old(house_.database, "SELECT size FROM evaluation WHERE id = ?");
       if (old.with(evaluation.id).step()) bytes_ -= old.integer(0);
       old.with(std::int64_t{0});
-      update_.with(numberOf(evaluation.outcome), dull, size, text, evaluation.id).run();
+      update_.with(NumberOf(evaluation.outcome), dull, size, text, evaluation.id).run();
     } else {
-      insert_.with(evaluation.event, evaluation.time, numberOf(evaluation.outcome), dull, size, text).run();
+      insert_.with(evaluation.event, evaluation.time, NumberOf(evaluation.outcome), dull, size, text).run();
     }
     bytes_ += size;
     if (evaluation.outcome != Outcome::kRunning) trim(evaluation.event, dull);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kRules = "SELECT event, version, active, rule FROM event_rule";
 
-RuledEvent ruleOf(const database::Statement& row, const Event& event) {
+RuledEvent RuledFrom(const database::Statement& row, const Event& event) {
   RuledEvent ruled;
   ruled.rule = RuleOfText(row.text(3));
   ruled.rule.on = row.integer(2) != 0;
@@ -24,13 +24,13 @@ RuledEvent ruleOf(const database::Statement& row, const Event& event) {
 }
 
 /// The shortest text that reads back as the same number.
-std::string textOf(double number) {
+std::string TextOfNumber(double number) {
   std::array<char, 40> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
   return {text.data(), end};
 }
 
-double numberOf(const std::string& text) {
+double NumberOf(const std::string& text) {
   double number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
   return number;
@@ -45,7 +45,7 @@ void RuleStore::load() {
     const Event* event = house_.events.byId(static_cast<std::int32_t>(rows.integer(0)));
     if (event == nullptr) continue;
     try {
-      rules_.emplace_hint(rules_.end(), event->id, ruleOf(rows, *event));
+      rules_.emplace_hint(rules_.end(), event->id, RuledFrom(rows, *event));
     } catch (const BadRule& bad) {
       unreadable.push_back("The rule of the event “" + event->name + "” can't be read: " + bad.description());
     }
@@ -63,12 +63,12 @@ void RuleStore::read(std::int32_t id) {
     rules_.erase(id);
     return;
   }
-  rules_.insert_or_assign(id, ruleOf(row, *event));
+  rules_.insert_or_assign(id, RuledFrom(row, *event));
 }
 
 void RuleStore::loadPlace() {
   database::Statement row(house_.database, "SELECT latitude, longitude FROM place");
-  if (row.step()) place_ = Place{numberOf(row.text(0)), numberOf(row.text(1))};
+  if (row.step()) place_ = Place{NumberOf(row.text(0)), NumberOf(row.text(1))};
 }
 
 void RuleStore::setPlace(const std::optional<Place>& place) {
@@ -77,7 +77,7 @@ void RuleStore::setPlace(const std::optional<Place>& place) {
   house_.database.run("DELETE FROM place");
   if (place) {
     database::Statement(house_.database, "INSERT INTO place (latitude, longitude) VALUES (?, ?)")
-        .with(textOf(place->latitude), textOf(place->longitude))
+        .with(TextOfNumber(place->latitude), TextOfNumber(place->longitude))
         .run();
   }
   whole.commit();

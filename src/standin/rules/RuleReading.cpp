@@ -18,11 +18,11 @@ constexpr std::int32_t kHalfDay = 12 * 60;
 constexpr std::int32_t kDay = 24 * 60;
 
 template <class Enum, std::size_t N>
-Enum wordAt(const JsonPlace& place, const std::array<const char*, N>& words) {
+Enum WordAt(const JsonPlace& place, const std::array<const char*, N>& words) {
   return static_cast<Enum>(place.word(words));
 }
 
-std::int32_t clockAt(const JsonPlace& place) {
+std::int32_t ClockAt(const JsonPlace& place) {
   const std::string text = place.text();
   const auto digit = [&](std::size_t at) { return text[at] >= '0' && text[at] <= '9'; };
   const bool form = text.size() == 5 && digit(0) && digit(1) && text[2] == ':' && digit(3) && digit(4);
@@ -32,13 +32,13 @@ std::int32_t clockAt(const JsonPlace& place) {
   return hours * 60 + minutes;
 }
 
-Weekdays daysAt(const JsonPlace& place) {
+Weekdays DaysAt(const JsonPlace& place) {
   unsigned days = 0;
   for (std::size_t i = 0; i < place.size(100); ++i) days |= 1U << (place.entry(i, "day").number(1, 7) - 1);
   return static_cast<Weekdays>(days);
 }
 
-bool isNumber(const std::string& text) {
+bool IsNumber(const std::string& text) {
   // The texts that are compared are written with a point, whatever the place where the house stands.
   if (text.empty() || text.find_first_not_of("0123456789+-.eE") != std::string::npos) return false;
   char* end = nullptr;
@@ -48,20 +48,20 @@ bool isNumber(const std::string& text) {
 
 /// What triggers and conditions ask of devices; `least` is the first comparison allowed.
 template <class Asked>
-Asked deviceAt(const JsonPlace& place, bool mayChange) {
+Asked DeviceAt(const JsonPlace& place, bool mayChange) {
   Asked asked;
   asked.ref = place.needed("ref").number(1, kMost);
   const JsonPlace field = place.field("field");
-  if (field.given()) asked.field = wordAt<DeviceField>(field, rulenames::kFields);
+  if (field.given()) asked.field = WordAt<DeviceField>(field, rulenames::kFields);
   const JsonPlace is = place.needed("is");
-  asked.is = wordAt<Compared>(is, rulenames::kCompared);
+  asked.is = WordAt<Compared>(is, rulenames::kCompared);
   if (asked.is == Compared::kChanges) {
     if (!mayChange) is.refuse("must be equals, above or below");
     return asked;
   }
   const JsonPlace value = place.needed("value");
   asked.value = value.text();
-  if (asked.is != Compared::kEquals && !isNumber(asked.value)) value.refuse("must be a number");
+  if (asked.is != Compared::kEquals && !IsNumber(asked.value)) value.refuse("must be a number");
   return asked;
 }
 
@@ -73,7 +73,7 @@ struct Kind {
 };
 
 template <class Made, std::size_t N>
-Made kindAt(const JsonPlace& place, const Kind<Made> (&kinds)[N]) {
+Made KindAt(const JsonPlace& place, const Kind<Made> (&kinds)[N]) {
   std::array<const char*, N> words{};
   std::transform(std::begin(kinds), std::end(kinds), words.begin(),
                  [](const auto& kind) { return kind.word; });
@@ -85,7 +85,7 @@ constexpr Kind<Trigger> kTriggers[] = {
      [](const JsonPlace& place) -> Trigger { return PluginTrigger{place.needed("stored").someText()}; }},
     {"time",
      [](const JsonPlace& place) -> Trigger {
-       return TimeTrigger{clockAt(place.needed("at")), daysAt(place.field("days"))};
+       return TimeTrigger{ClockAt(place.needed("at")), DaysAt(place.field("days"))};
      }},
     {"sun",
      [](const JsonPlace& place) -> Trigger {
@@ -93,38 +93,38 @@ constexpr Kind<Trigger> kTriggers[] = {
        const bool rise = place.needed("what").word(kWhat) == 1;
        const JsonPlace offset = place.field("offset");
        return SunTrigger{rise, offset.given() ? offset.number(-kHalfDay, kHalfDay) : 0,
-                         daysAt(place.field("days"))};
+                         DaysAt(place.field("days"))};
      }},
     {"every",
      [](const JsonPlace& place) -> Trigger { return EveryTrigger{place.needed("minutes").number(1, kDay)}; }},
     {"start", [](const JsonPlace&) -> Trigger { return StartTrigger{}; }},
-    {"device", [](const JsonPlace& place) -> Trigger { return deviceAt<DeviceTrigger>(place, true); }},
+    {"device", [](const JsonPlace& place) -> Trigger { return DeviceAt<DeviceTrigger>(place, true); }},
     {"script", [](const JsonPlace&) -> Trigger { return ScriptTrigger{}; }}};
 
 using Asked = decltype(Condition::asked);
 constexpr Kind<Asked> kConditions[] = {
     {"plugin",
      [](const JsonPlace& place) -> Asked { return PluginCondition{place.needed("stored").someText()}; }},
-    {"device", [](const JsonPlace& place) -> Asked { return deviceAt<DeviceCondition>(place, false); }},
+    {"device", [](const JsonPlace& place) -> Asked { return DeviceAt<DeviceCondition>(place, false); }},
     {"window",
      [](const JsonPlace& place) -> Asked {
        const JsonPlace to = place.needed("to");
-       const WindowCondition window{clockAt(place.needed("from")), clockAt(to)};
+       const WindowCondition window{ClockAt(place.needed("from")), ClockAt(to)};
        if (window.from == window.to) to.refuse("must differ from the beginning");
        return window;
      }},
-    {"days", [](const JsonPlace& place) -> Asked { return DaysCondition{daysAt(place.field("days"))}; }}};
+    {"days", [](const JsonPlace& place) -> Asked { return DaysCondition{DaysAt(place.field("days"))}; }}};
 
-Action deviceAction(const JsonPlace& place) {
+Action DeviceActionAt(const JsonPlace& place) {
   DeviceAction action;
   action.ref = place.needed("ref").number(1, kMost);
-  action.kind = wordAt<DeviceAction::Kind>(place.needed("command"), rulenames::kCommands);
+  action.kind = WordAt<DeviceAction::Kind>(place.needed("command"), rulenames::kCommands);
   if (action.kind == DeviceAction::Kind::kValue) action.value = place.needed("value").number(0, kMostValue);
   if (action.kind == DeviceAction::Kind::kPress) action.caption = place.needed("caption").someText();
   return action;
 }
 
-Action wakeAction(const JsonPlace& place) {
+Action WakeActionAt(const JsonPlace& place) {
   WakeAction wake;
   const JsonPlace choices = place.field("choices");
   for (std::size_t i = 0; i < choices.size(RuleBounds::kChoices); ++i)
@@ -141,7 +141,7 @@ Action wakeAction(const JsonPlace& place) {
 constexpr Kind<Action> kActions[] = {
     {"plugin",
      [](const JsonPlace& place) -> Action { return PluginAction{place.needed("stored").someText()}; }},
-    {"device", &deviceAction},
+    {"device", &DeviceActionAt},
     {"speak", [](const JsonPlace& place) -> Action { return SpeakAction{place.needed("text").someText()}; }},
     {"wait",
      [](const JsonPlace& place) -> Action { return WaitAction{place.needed("seconds").number(1, 86'400)}; }},
@@ -153,13 +153,13 @@ constexpr Kind<Action> kActions[] = {
      [](const JsonPlace& place) -> Action {
        FadeAction fade{place.needed("to").number(0, 100), place.needed("seconds").number(1, 7200)};
        const JsonPlace then = place.field("then");
-       if (then.given()) fade.then = wordAt<FadeAction::Then>(then, rulenames::kThen);
+       if (then.given()) fade.then = WordAt<FadeAction::Then>(then, rulenames::kThen);
        return fade;
      }},
-    {"wake", &wakeAction}};
+    {"wake", &WakeActionAt}};
 
 /// One line without blanks around it.
-std::string nameAt(const JsonPlace& place) {
+std::string NameAt(const JsonPlace& place) {
   std::string name = base::TrimBlanks(place.text());
   const auto control = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
   if (std::any_of(name.begin(), name.end(), control)) place.refuse("must be one line");
@@ -167,44 +167,44 @@ std::string nameAt(const JsonPlace& place) {
   return name;
 }
 
-Rule ruleAt(const JsonPlace& whole) {
+Rule RuleAt(const JsonPlace& whole) {
   whole.mustBeObject();
   Rule rule;
   rule.on = whole.field("on").flag(true);
   rule.any = whole.field("any").flag(false);
   const JsonPlace triggers = whole.field("triggers");
   for (std::size_t i = 0; i < triggers.size(RuleBounds::kTriggers); ++i)
-    rule.triggers.push_back(kindAt(triggers.entry(i, "Trigger"), kTriggers));
+    rule.triggers.push_back(KindAt(triggers.entry(i, "Trigger"), kTriggers));
   const JsonPlace conditions = whole.field("conditions");
   for (std::size_t i = 0; i < conditions.size(RuleBounds::kConditions); ++i) {
     const JsonPlace condition = conditions.entry(i, "Condition");
-    rule.conditions.push_back({kindAt(condition, kConditions), condition.field("not").flag(false)});
+    rule.conditions.push_back({KindAt(condition, kConditions), condition.field("not").flag(false)});
   }
   const JsonPlace actions = whole.field("actions");
   for (std::size_t i = 0; i < actions.size(RuleBounds::kActions); ++i)
-    rule.actions.push_back(kindAt(actions.entry(i, "Action"), kActions));
+    rule.actions.push_back(KindAt(actions.entry(i, "Action"), kActions));
   const JsonPlace again = whole.field("again");
-  if (again.given()) rule.again = wordAt<Again>(again, rulenames::kAgain);
+  if (again.given()) rule.again = WordAt<Again>(again, rulenames::kAgain);
   return rule;
 }
 
 }  // namespace
 
-Rule RuleOf(const nlohmann::json& json) { return ruleAt(JsonPlace(json)); }
+Rule RuleOf(const nlohmann::json& json) { return RuleAt(JsonPlace(json)); }
 
 RuledEvent RuledEventOf(const nlohmann::json& json) {
   const JsonPlace whole(json);
   RuledEvent event;
-  event.rule = ruleAt(whole);
+  event.rule = RuleAt(whole);
   const JsonPlace id = whole.field("id");
   if (id.given()) event.id = id.number(0, kMost);
   const JsonPlace version = whole.field("version");
   if (version.given()) event.version = version.whole(0, std::numeric_limits<std::int64_t>::max());
   const JsonPlace name = whole.needed("name");
-  event.name = nameAt(name);
+  event.name = NameAt(name);
   if (event.name.empty()) name.refuse("is empty");
   const JsonPlace group = whole.field("group");
-  if (group.given()) event.group = nameAt(group);
+  if (group.given()) event.group = NameAt(group);
   return event;
 }
 

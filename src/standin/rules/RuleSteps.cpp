@@ -15,24 +15,24 @@ using Json = nlohmann::json;
 constexpr std::array kKinds{"make", "change", "switch", "delete"};
 
 /// The plug-in's texts may be of any bytes, and JSON's may not.
-Json bytesOf(const std::string& text) {
+Json BytesOf(const std::string& text) {
   return base::IsPlainUtf8(text) ? Json(text) : Json(std::vector<unsigned char>(text.begin(), text.end()));
 }
 
-std::string textOf(const Json& json) {
+std::string TextOfBytes(const Json& json) {
   if (json.is_string()) return json.get<std::string>();
   const auto bytes = json.get<std::vector<unsigned char>>();
   return {bytes.begin(), bytes.end()};
 }
 
-Json jsonOf(const std::optional<WholeEvent>& whole) {
+Json JsonOfWhole(const std::optional<WholeEvent>& whole) {
   if (!whole) return nullptr;
   Json json{{"rule", JsonOf(whole->rule)}};
   const Event& event = whole->event;
   if (event.id == 0) return json;
   Json devices = Json::array();
   for (const EventDevice& device : event.devices) devices.push_back({device.id, device.devid, device.func});
-  json["event"] = {{"vcmd", bytesOf(event.vcmd)},
+  json["event"] = {{"vcmd", BytesOf(event.vcmd)},
                    {"misc", event.misc},
                    {"misc2", event.misc2},
                    {"absTime", event.absTime},
@@ -40,7 +40,7 @@ Json jsonOf(const std::optional<WholeEvent>& whole) {
   return json;
 }
 
-std::optional<WholeEvent> wholeOf(const Json& json) {
+std::optional<WholeEvent> WholeOf(const Json& json) {
   if (json.is_null()) return std::nullopt;
   WholeEvent whole;
   const Json& rule = json.at("rule");
@@ -56,7 +56,7 @@ std::optional<WholeEvent> wholeOf(const Json& json) {
   event.id = whole.rule.id;
   event.name = whole.rule.name;
   event.group = whole.rule.group;
-  event.vcmd = textOf(given.at("vcmd"));
+  event.vcmd = TextOfBytes(given.at("vcmd"));
   event.misc = given.at("misc").get<std::int32_t>();
   event.misc2 = given.at("misc2").get<std::int32_t>();
   event.absTime = given.at("absTime").get<std::int16_t>();
@@ -72,8 +72,8 @@ std::optional<WholeEvent> wholeOf(const Json& json) {
 std::string TextOf(const RuleStep& step) {
   return Dump({{"kind", kKinds.at(static_cast<std::size_t>(step.kind))},
                {"event", step.event},
-               {"before", jsonOf(step.before)},
-               {"after", jsonOf(step.after)}});
+               {"before", JsonOfWhole(step.before)},
+               {"after", JsonOfWhole(step.after)}});
 }
 
 RuleStep StepOfText(const std::string& text) {
@@ -85,8 +85,8 @@ RuleStep StepOfText(const std::string& text) {
     while (kKinds.at(number) != kind) ++number;
     step.kind = static_cast<RuleStep::Kind>(number);
     step.event = json.at("event").get<std::int32_t>();
-    step.before = wholeOf(json.at("before"));
-    step.after = wholeOf(json.at("after"));
+    step.before = WholeOf(json.at("before"));
+    step.after = WholeOf(json.at("after"));
     const bool complete = (step.before.has_value() || step.kind == RuleStep::Kind::kMake) &&
                           (step.after.has_value() || step.kind == RuleStep::Kind::kDelete);
     if (!complete) throw base::Failure(base::number::kDeviceIo);

@@ -10,19 +10,19 @@
 namespace standin {
 namespace {
 
-[[noreturn]] void throwGone() { throw base::Failure(base::number::kFileNotFound, "The event is gone"); }
+[[noreturn]] void ThrowGone() { throw base::Failure(base::number::kFileNotFound, "The event is gone"); }
 
-[[noreturn]] void throwChanged(const std::string& text) {
+[[noreturn]] void ThrowChanged(const std::string& text) {
   throw base::Failure(base::number::kChangedMeanwhile, text);
 }
 
 /// What both have in common where they are the same: numbers and versions aside.
-bool sameContent(const RuledEvent& left, const RuledEvent& right) {
+bool SameContent(const RuledEvent& left, const RuledEvent& right) {
   return left.name == right.name && left.group == right.group && left.rule == right.rule;
 }
 
 /// What a switch leaves behind; the rest of the rule is not its business.
-RuledEvent switchOf(const RuledEvent& event) {
+RuledEvent SwitchOf(const RuledEvent& event) {
   RuledEvent bare = event;
   bare.rule = Rule();
   bare.rule.on = event.rule.on;
@@ -49,7 +49,7 @@ const RuledEvent* RuleStore::byId(std::int32_t id) const {
 
 const RuledEvent& RuleStore::need(std::int32_t id) const {
   const RuledEvent* event = byId(id);
-  if (event == nullptr) throwGone();
+  if (event == nullptr) ThrowGone();
   return *event;
 }
 
@@ -99,8 +99,8 @@ const RuledEvent& RuleStore::make(const RuledEvent& event) {
 
 const RuledEvent& RuleStore::change(const RuledEvent& event) {
   const RuledEvent& before = need(event.id);
-  if (before.version != event.version) throwChanged(InQuotes(before.name) + " has been changed meanwhile");
-  if (sameContent(before, event)) return before;
+  if (before.version != event.version) ThrowChanged(InQuotes(before.name) + " has been changed meanwhile");
+  if (SameContent(before, event)) return before;
   if (!base::SameText(before.name, event.name)) mustBeFree(event.name, event.id);
   database::Transaction whole(house_.database);
   rewrite(event, before.version + 1);
@@ -115,7 +115,7 @@ const RuledEvent& RuleStore::change(const RuledEvent& event) {
 const RuledEvent& RuleStore::turn(std::int32_t id, bool on) {
   const RuledEvent& before = need(id);
   if (before.rule.on == on) return before;
-  RuledEvent after = switchOf(before);
+  RuledEvent after = SwitchOf(before);
   after.rule.on = on;
   database::Transaction whole(house_.database);
   database::Statement(house_.database,
@@ -124,7 +124,7 @@ const RuledEvent& RuleStore::turn(std::int32_t id, bool on) {
       .run();
   steps_.add({.kind = RuleStep::Kind::kSwitch,
               .event = id,
-              .before = WholeEvent{switchOf(before), {}},
+              .before = WholeEvent{SwitchOf(before), {}},
               .after = WholeEvent{after, {}}});
   whole.commit();
   return *changed(id);
@@ -132,7 +132,7 @@ const RuledEvent& RuleStore::turn(std::int32_t id, bool on) {
 
 void RuleStore::remove(std::int32_t id, std::int64_t version) {
   const RuledEvent& before = need(id);
-  if (before.version != version) throwChanged(InQuotes(before.name) + " has been changed meanwhile");
+  if (before.version != version) ThrowChanged(InQuotes(before.name) + " has been changed meanwhile");
   database::Transaction whole(house_.database);
   steps_.add({.kind = RuleStep::Kind::kDelete, .event = id, .before = wholeOf(id)});
   EraseEvent(house_.database, id);
@@ -161,18 +161,18 @@ void RuleStore::turnInto(RuleStep& step, bool undo) {
   const RuledEvent* now = byId(step.event);
   if (left) {
     const std::string name = InQuotes(left->rule.name);
-    if (now == nullptr) throwChanged(name + " is gone");
+    if (now == nullptr) ThrowChanged(name + " is gone");
     const bool same = step.kind == RuleStep::Kind::kSwitch ? now->rule.on == left->rule.rule.on
-                                                           : sameContent(*now, left->rule);
-    if (!same) throwChanged(name + " has been changed since");
+                                                           : SameContent(*now, left->rule);
+    if (!same) ThrowChanged(name + " has been changed since");
   } else if (house_.events.byId(step.event) != nullptr) {
-    throwChanged(InQuotes(wanted->rule.name) + " is there already");
+    ThrowChanged(InQuotes(wanted->rule.name) + " is there already");
   }
   if (wanted && step.kind != RuleStep::Kind::kSwitch &&
       !(now != nullptr && base::SameText(now->name, wanted->rule.name))) {
     const Event* other = house_.events.byName(wanted->rule.name);
     if (other != nullptr && other->id != step.event)
-      throwChanged("Another event has the name " + InQuotes(other->name) + " now");
+      ThrowChanged("Another event has the name " + InQuotes(other->name) + " now");
   }
   if (!left) {
     insert(*wanted);

@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-Json daysOf(Weekdays days) {
+Json DaysOf(Weekdays days) {
   Json list = Json::array();
   for (int day = 0; day < 7; ++day)
     if ((days >> day & 1) != 0) list.push_back(day + 1);
@@ -17,16 +17,16 @@ Json daysOf(Weekdays days) {
 }
 
 template <std::size_t N, class Enum>
-const char* nameOf(const std::array<const char*, N>& names, Enum value) {
+const char* NameOf(const std::array<const char*, N>& names, Enum value) {
   return names.at(static_cast<std::size_t>(value));
 }
 
 template <class Compared>
-Json comparison(const Compared& asked) {
+Json Comparison(const Compared& asked) {
   return {{"kind", "device"},
           {"ref", asked.ref},
-          {"field", nameOf(rulenames::kFields, asked.field)},
-          {"is", nameOf(rulenames::kCompared, asked.is)},
+          {"field", NameOf(rulenames::kFields, asked.field)},
+          {"is", NameOf(rulenames::kCompared, asked.is)},
           {"value", asked.value}};
 }
 
@@ -35,17 +35,17 @@ struct TriggerWriter {
     return {{"kind", "plugin"}, {"stored", plugin.stored}};
   }
   Json operator()(const TimeTrigger& time) const {
-    return {{"kind", "time"}, {"at", ClockOf(time.minute)}, {"days", daysOf(time.days)}};
+    return {{"kind", "time"}, {"at", ClockOf(time.minute)}, {"days", DaysOf(time.days)}};
   }
   Json operator()(const SunTrigger& sun) const {
     return {{"kind", "sun"},
             {"what", sun.rise ? "sunrise" : "sunset"},
             {"offset", sun.offset},
-            {"days", daysOf(sun.days)}};
+            {"days", DaysOf(sun.days)}};
   }
   Json operator()(const EveryTrigger& every) const { return {{"kind", "every"}, {"minutes", every.minutes}}; }
   Json operator()(const StartTrigger&) const { return {{"kind", "start"}}; }
-  Json operator()(const DeviceTrigger& device) const { return comparison(device); }
+  Json operator()(const DeviceTrigger& device) const { return Comparison(device); }
   Json operator()(const ScriptTrigger&) const { return {{"kind", "script"}}; }
 };
 
@@ -53,11 +53,11 @@ struct ConditionWriter {
   Json operator()(const PluginCondition& plugin) const {
     return {{"kind", "plugin"}, {"stored", plugin.stored}};
   }
-  Json operator()(const DeviceCondition& device) const { return comparison(device); }
+  Json operator()(const DeviceCondition& device) const { return Comparison(device); }
   Json operator()(const WindowCondition& window) const {
     return {{"kind", "window"}, {"from", ClockOf(window.from)}, {"to", ClockOf(window.to)}};
   }
-  Json operator()(const DaysCondition& days) const { return {{"kind", "days"}, {"days", daysOf(days.days)}}; }
+  Json operator()(const DaysCondition& days) const { return {{"kind", "days"}, {"days", DaysOf(days.days)}}; }
 };
 
 struct ActionWriter {
@@ -66,7 +66,7 @@ struct ActionWriter {
   }
   Json operator()(const DeviceAction& device) const {
     Json json{
-        {"kind", "device"}, {"ref", device.ref}, {"command", nameOf(rulenames::kCommands, device.kind)}};
+        {"kind", "device"}, {"ref", device.ref}, {"command", NameOf(rulenames::kCommands, device.kind)}};
     if (device.kind == DeviceAction::Kind::kValue) json["value"] = device.value;
     if (device.kind == DeviceAction::Kind::kPress) json["caption"] = device.caption;
     return json;
@@ -79,7 +79,7 @@ struct ActionWriter {
     return {{"kind", "fade"},
             {"to", fade.to},
             {"seconds", fade.seconds},
-            {"then", nameOf(rulenames::kThen, fade.then)}};
+            {"then", NameOf(rulenames::kThen, fade.then)}};
   }
   Json operator()(const WakeAction& wake) const {
     return {{"kind", "wake"},
@@ -109,7 +109,7 @@ Json JsonOf(const Rule& rule) {
   for (const Action& action : rule.actions) actions.push_back(std::visit(ActionWriter(), action));
   return {
       {"on", rule.on},   {"triggers", std::move(triggers)}, {"conditions", std::move(conditions)},
-      {"any", rule.any}, {"actions", std::move(actions)},   {"again", nameOf(rulenames::kAgain, rule.again)}};
+      {"any", rule.any}, {"actions", std::move(actions)},   {"again", NameOf(rulenames::kAgain, rule.again)}};
 }
 
 Json JsonOf(const RuledEvent& event) {

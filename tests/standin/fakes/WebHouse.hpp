@@ -8,11 +8,14 @@
 #include <string>
 #include <thread>
 
+#include "standin/fakes/FakeEventControl.hpp"
 #include "standin/fakes/WebClient.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/http/PageRoutes.hpp"
 #include "standin/http/WebServer.hpp"
 #include "standin/routes/Routes.hpp"
+#include "standin/rules/PluginFormats.hpp"
+#include "standin/rules/Wordings.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/TempFolder.hpp"
 
@@ -54,6 +57,10 @@ class WebHouse {
     onLoop([&](standin::House& house) { token = house.users.begin(user); });
     return "vantorix=" + token;
   }
+  /// What the events' routes work with; on the loop.
+  standin::RuleStore& rules() { return rules_; }
+  standin::EvaluationStore& evaluations() { return evaluations_; }
+  FakeEventControl& control() { return control_; }
   [[nodiscard]] int port() const { return port_.port(); }
   [[nodiscard]] const standin::Routes& routes() const { return api_.routes(); }
 
@@ -72,6 +79,11 @@ class WebHouse {
   standin::Playlists playlists_{loop_, connection_, plugin_, house_, library_};
   standin::ScriptStore scripts_{folder_.path() / "scripts"};
   standin::ScriptRunner runner_{loop_, connection_, house_, plugin_, nullptr, {}};
+  standin::RuleStore rules_{house_};
+  standin::EvaluationStore evaluations_{house_};
+  standin::PluginWords pluginWords_{loop_, standin::FormatsOf(plugin_)};
+  standin::Wordings words_{house_, pluginWords_};
+  FakeEventControl control_;
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
   standin::Visitors visitors_{house_.users, false};
   std::optional<standin::RefusedPosts> refused_;
@@ -82,6 +94,7 @@ class WebHouse {
           {standin::HouseRoutes(house_, plugin_, visitors_), standin::DeviceRoutes(house_, objects_, plugin_),
            standin::LibraryRoutes(library_, search_), standin::PlaylistRoutes(playlists_, library_),
            standin::ScriptRoutes(scripts_, runner_),
+           standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
            standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
            standin::PageRoutes(house_, plugin_)})};
   std::optional<standin::WebServer> web_{std::in_place, port_,

@@ -62,22 +62,22 @@ struct Wrong {
   std::string told;
 };
 
-Json with(const char* list, const Json& entry) { return {{"name", "x"}, {list, Json::array({entry})}}; }
-Json trigger(const Json& entry) { return with("triggers", entry); }
-Json condition(const Json& entry) { return with("conditions", entry); }
-Json action(const Json& entry) { return with("actions", entry); }
-Json many(const char* list, std::size_t count, const Json& entry) {
+Json With(const char* list, const Json& entry) { return {{"name", "x"}, {list, Json::array({entry})}}; }
+Json Trigger(const Json& entry) { return With("triggers", entry); }
+Json Condition(const Json& entry) { return With("conditions", entry); }
+Json Action(const Json& entry) { return With("actions", entry); }
+Json Many(const char* list, std::size_t count, const Json& entry) {
   return {{"name", "x"}, {list, Json(count, entry)}};
 }
 /// A whole with a name and one more field.
-Json whole(const char* field, const Json& value) { return {{"name", "x"}, {field, value}}; }
-Json at(const char* time) { return trigger({{"kind", "time"}, {"at", time}}); }
-Json on(const Json& days) { return trigger({{"kind", "time"}, {"at", "07:00"}, {"days", days}}); }
-Json above(const char* value) {
-  return trigger({{"kind", "device"}, {"ref", 1}, {"is", "above"}, {"value", value}});
+Json Whole(const char* field, const Json& value) { return {{"name", "x"}, {field, value}}; }
+Json At(const char* time) { return Trigger({{"kind", "time"}, {"at", time}}); }
+Json On(const Json& days) { return Trigger({{"kind", "time"}, {"at", "07:00"}, {"days", days}}); }
+Json Above(const char* value) {
+  return Trigger({{"kind", "device"}, {"ref", 1}, {"is", "above"}, {"value", value}});
 }
 
-std::vector<Wrong> wrongWholes() {
+std::vector<Wrong> WrongWholes() {
   const std::string long201(201, 'x');
   return {
       {"a list", Json::array(), "", "The event: is no object"},
@@ -87,101 +87,101 @@ std::vector<Wrong> wrongWholes() {
       {"long name", {{"name", long201}}, "name", "name: is longer than 200 characters"},
       {"number as name", {{"name", 5}}, "name", "name: must be a text"},
       {"null as name", {{"name", nullptr}}, "name", "name: must be a text"},
-      {"long group", whole("group", long201), "group", "group: is longer"},
-      {"text as on", whole("on", "yes"), "on", "on: must be true or false"},
-      {"number as any", whole("any", 1), "any", "any: must be true or false"},
-      {"unknown again", whole("again", "often"), "again", "again: must be leave, restart, queue or together"},
-      {"negative id", whole("id", -1), "id", "id: must be a whole number"},
-      {"huge id", whole("id", 1ULL << 63U), "id", "id: must be a whole number"},
-      {"half a version", whole("version", 1.5), "version", "version: must be a whole number"},
-      {"object for a list", whole("triggers", Json::object()), "triggers", "triggers: is no list"},
-      {"too many triggers", many("triggers", 101, {{"kind", "start"}}), "triggers",
+      {"long group", Whole("group", long201), "group", "group: is longer"},
+      {"text as on", Whole("on", "yes"), "on", "on: must be true or false"},
+      {"number as any", Whole("any", 1), "any", "any: must be true or false"},
+      {"unknown again", Whole("again", "often"), "again", "again: must be leave, restart, queue or together"},
+      {"negative id", Whole("id", -1), "id", "id: must be a whole number"},
+      {"huge id", Whole("id", 1ULL << 63U), "id", "id: must be a whole number"},
+      {"half a version", Whole("version", 1.5), "version", "version: must be a whole number"},
+      {"object for a list", Whole("triggers", Json::object()), "triggers", "triggers: is no list"},
+      {"too many triggers", Many("triggers", 101, {{"kind", "start"}}), "triggers",
        "triggers: holds more than 100"},
-      {"too many conditions", many("conditions", 101, {{"kind", "days"}}), "conditions",
+      {"too many conditions", Many("conditions", 101, {{"kind", "days"}}), "conditions",
        "conditions: holds more than 100"},
-      {"too many actions", many("actions", 201, {{"kind", "wait"}, {"seconds", 1}}), "actions",
+      {"too many actions", Many("actions", 201, {{"kind", "wait"}, {"seconds", 1}}), "actions",
        "actions: holds more than 200"}};
 }
 
-std::vector<Wrong> wrongTriggers() {
+std::vector<Wrong> WrongTriggers() {
   return {
-      {"a text", trigger("start"), "triggers/0", "Trigger 1: is no object"},
-      {"no kind", trigger(Json::object()), "triggers/0/kind", "Trigger 1, kind: is missing"},
-      {"unknown kind", trigger({{"kind", "moon"}}), "triggers/0/kind",
+      {"a text", Trigger("start"), "triggers/0", "Trigger 1: is no object"},
+      {"no kind", Trigger(Json::object()), "triggers/0/kind", "Trigger 1, kind: is missing"},
+      {"unknown kind", Trigger({{"kind", "moon"}}), "triggers/0/kind",
        "Trigger 1, kind: must be plugin, time, sun, every, start, device or script"},
-      {"plug-in's without its text", trigger({{"kind", "plugin"}}), "triggers/0/stored",
+      {"plug-in's without its text", Trigger({{"kind", "plugin"}}), "triggers/0/stored",
        "Trigger 1, stored: is missing"},
-      {"plug-in's with an empty text", trigger({{"kind", "plugin"}, {"stored", ""}}), "triggers/0/stored",
+      {"plug-in's with an empty text", Trigger({{"kind", "plugin"}, {"stored", ""}}), "triggers/0/stored",
        "Trigger 1, stored: is empty"},
-      {"text with code 0", trigger({{"kind", "plugin"}, {"stored", std::string("a\0b", 3)}}),
+      {"text with code 0", Trigger({{"kind", "plugin"}, {"stored", std::string("a\0b", 3)}}),
        "triggers/0/stored", "holds what is no character"},
-      {"hour 24", at("24:00"), "triggers/0/at", "Trigger 1, at: must be a time of day"},
-      {"minute 60", at("23:60"), "triggers/0/at", "must be a time of day"},
-      {"short time", at("7:00"), "triggers/0/at", "must be a time of day"},
-      {"time with a sign", at("+7:00"), "triggers/0/at", "must be a time of day"},
-      {"day 0", on({1, 0}), "triggers/0/days/1", "Trigger 1, day 2: must be a whole number from 1 to 7"},
-      {"day 8", on({8}), "triggers/0/days/0", "from 1 to 7"},
-      {"a day's name", on({"Mon"}), "triggers/0/days/0", "from 1 to 7"},
-      {"moonrise", trigger({{"kind", "sun"}, {"what", "moonrise"}}), "triggers/0/what",
+      {"hour 24", At("24:00"), "triggers/0/at", "Trigger 1, at: must be a time of day"},
+      {"minute 60", At("23:60"), "triggers/0/at", "must be a time of day"},
+      {"short time", At("7:00"), "triggers/0/at", "must be a time of day"},
+      {"time with a sign", At("+7:00"), "triggers/0/at", "must be a time of day"},
+      {"day 0", On({1, 0}), "triggers/0/days/1", "Trigger 1, day 2: must be a whole number from 1 to 7"},
+      {"day 8", On({8}), "triggers/0/days/0", "from 1 to 7"},
+      {"a day's name", On({"Mon"}), "triggers/0/days/0", "from 1 to 7"},
+      {"moonrise", Trigger({{"kind", "sun"}, {"what", "moonrise"}}), "triggers/0/what",
        "must be sunset or sunrise"},
-      {"sun a day late", trigger({{"kind", "sun"}, {"what", "sunset"}, {"offset", 721}}), "triggers/0/offset",
+      {"sun a day late", Trigger({{"kind", "sun"}, {"what", "sunset"}, {"offset", 721}}), "triggers/0/offset",
        "from -720 to 720"},
-      {"every 0 minutes", trigger({{"kind", "every"}, {"minutes", 0}}), "triggers/0/minutes",
+      {"every 0 minutes", Trigger({{"kind", "every"}, {"minutes", 0}}), "triggers/0/minutes",
        "from 1 to 1440"},
-      {"every 1441 minutes", trigger({{"kind", "every"}, {"minutes", 1441}}), "triggers/0/minutes",
+      {"every 1441 minutes", Trigger({{"kind", "every"}, {"minutes", 1441}}), "triggers/0/minutes",
        "from 1 to 1440"},
-      {"device 0", trigger({{"kind", "device"}, {"ref", 0}, {"is", "changes"}}), "triggers/0/ref",
+      {"device 0", Trigger({{"kind", "device"}, {"ref", 0}, {"is", "changes"}}), "triggers/0/ref",
        "must be a whole number from 1"},
       {"unknown field of a device",
-       trigger({{"kind", "device"}, {"ref", 1}, {"field", "hc"}, {"is", "changes"}}), "triggers/0/field",
+       Trigger({{"kind", "device"}, {"ref", 1}, {"field", "hc"}, {"is", "changes"}}), "triggers/0/field",
        "must be status, value or text"},
-      {"no comparison", trigger({{"kind", "device"}, {"ref", 1}}), "triggers/0/is", "is missing"},
-      {"above a word", above("two"), "triggers/0/value", "must be a number"},
-      {"above infinity", above("1e999"), "triggers/0/value", "must be a number"},
-      {"above nothing", above(""), "triggers/0/value", "must be a number"},
-      {"a number to be equal to", trigger({{"kind", "device"}, {"ref", 1}, {"is", "equals"}, {"value", 2}}),
+      {"no comparison", Trigger({{"kind", "device"}, {"ref", 1}}), "triggers/0/is", "is missing"},
+      {"above a word", Above("two"), "triggers/0/value", "must be a number"},
+      {"above infinity", Above("1e999"), "triggers/0/value", "must be a number"},
+      {"above nothing", Above(""), "triggers/0/value", "must be a number"},
+      {"a number to be equal to", Trigger({{"kind", "device"}, {"ref", 1}, {"is", "equals"}, {"value", 2}}),
        "triggers/0/value", "must be a text"}};
 }
 
-std::vector<Wrong> wrongConditions() {
-  return {{"one that changes", condition({{"kind", "device"}, {"ref", 1}, {"is", "changes"}}),
+std::vector<Wrong> WrongConditions() {
+  return {{"one that changes", Condition({{"kind", "device"}, {"ref", 1}, {"is", "changes"}}),
            "conditions/0/is", "Condition 1, is: must be equals, above or below"},
-          {"unknown kind", condition({{"kind", "start"}}), "conditions/0/kind",
+          {"unknown kind", Condition({{"kind", "start"}}), "conditions/0/kind",
            "must be plugin, device, window or days"},
-          {"window of no length", condition({{"kind", "window"}, {"from", "06:00"}, {"to", "06:00"}}),
+          {"window of no length", Condition({{"kind", "window"}, {"from", "06:00"}, {"to", "06:00"}}),
            "conditions/0/to", "must differ"},
-          {"text as not", condition({{"kind", "days"}, {"not", "no"}}), "conditions/0/not",
+          {"text as not", Condition({{"kind", "days"}, {"not", "no"}}), "conditions/0/not",
            "must be true or false"}};
 }
 
-std::vector<Wrong> wrongActions() {
+std::vector<Wrong> WrongActions() {
   const std::string long64(RuleBounds::kText + 1, 'x');
   return {
-      {"unknown kind", action({{"kind", "explode"}}), "actions/0/kind",
+      {"unknown kind", Action({{"kind", "explode"}}), "actions/0/kind",
        "must be plugin, device, speak, wait, script, event, fade or wake"},
-      {"unknown command", action({{"kind", "device"}, {"ref", 1}, {"command", "dim"}}), "actions/0/command",
+      {"unknown command", Action({{"kind", "device"}, {"ref", 1}, {"command", "dim"}}), "actions/0/command",
        "must be on, off, value or press"},
-      {"too high a value", action({{"kind", "device"}, {"ref", 1}, {"command", "value"}, {"value", 40000}}),
+      {"too high a value", Action({{"kind", "device"}, {"ref", 1}, {"command", "value"}, {"value", 40000}}),
        "actions/0/value", "from 0 to 32767"},
-      {"press of nothing", action({{"kind", "device"}, {"ref", 1}, {"command", "press"}}),
+      {"press of nothing", Action({{"kind", "device"}, {"ref", 1}, {"command", "press"}}),
        "actions/0/caption", "is missing"},
-      {"nothing to say", action({{"kind", "speak"}, {"text", ""}}), "actions/0/text", "is empty"},
-      {"long speech", action({{"kind", "speak"}, {"text", long64}}), "actions/0/text", "longer than 64 KiB"},
-      {"wait of no time", action({{"kind", "wait"}, {"seconds", 0}}), "actions/0/seconds", "from 1 to 86400"},
-      {"wait of two days", action({{"kind", "wait"}, {"seconds", 172800}}), "actions/0/seconds",
+      {"nothing to say", Action({{"kind", "speak"}, {"text", ""}}), "actions/0/text", "is empty"},
+      {"long speech", Action({{"kind", "speak"}, {"text", long64}}), "actions/0/text", "longer than 64 KiB"},
+      {"wait of no time", Action({{"kind", "wait"}, {"seconds", 0}}), "actions/0/seconds", "from 1 to 86400"},
+      {"wait of two days", Action({{"kind", "wait"}, {"seconds", 172800}}), "actions/0/seconds",
        "from 1 to 86400"},
-      {"script without a name", action({{"kind", "script"}}), "actions/0/name", "is missing"},
-      {"event 0", action({{"kind", "event"}, {"id", 0}}), "actions/0/id", "must be a whole number from 1"},
-      {"louder than all", action({{"kind", "fade"}, {"to", 101}, {"seconds", 1}}), "actions/0/to",
+      {"script without a name", Action({{"kind", "script"}}), "actions/0/name", "is missing"},
+      {"event 0", Action({{"kind", "event"}, {"id", 0}}), "actions/0/id", "must be a whole number from 1"},
+      {"louder than all", Action({{"kind", "fade"}, {"to", 101}, {"seconds", 1}}), "actions/0/to",
        "from 0 to 100"},
-      {"fade of three hours", action({{"kind", "fade"}, {"to", 0}, {"seconds", 10800}}), "actions/0/seconds",
+      {"fade of three hours", Action({{"kind", "fade"}, {"to", 0}, {"seconds", 10800}}), "actions/0/seconds",
        "from 1 to 7200"},
-      {"fade and then what", action({{"kind", "fade"}, {"to", 0}, {"seconds", 1}, {"then", "eject"}}),
+      {"fade and then what", Action({{"kind", "fade"}, {"to", 0}, {"seconds", 1}, {"then", "eject"}}),
        "actions/0/then", "must be nothing, pause or stop"},
-      {"silent alarm", action({{"kind", "wake"}, {"volume", 0}}), "actions/0/volume", "from 1 to 100"},
-      {"empty choice", action({{"kind", "wake"}, {"choices", {"a", ""}}}), "actions/0/choices/1",
+      {"silent alarm", Action({{"kind", "wake"}, {"volume", 0}}), "actions/0/volume", "from 1 to 100"},
+      {"empty choice", Action({{"kind", "wake"}, {"choices", {"a", ""}}}), "actions/0/choices/1",
        "Action 1, choice 2: is empty"},
-      {"too many choices", action({{"kind", "wake"}, {"choices", Json(21, "a")}}), "actions/0/choices",
+      {"too many choices", Action({{"kind", "wake"}, {"choices", Json(21, "a")}}), "actions/0/choices",
        "holds more than 20"}};
 }
 
@@ -201,14 +201,14 @@ TEST_P(NoRule, IsRefusedWithItsPlace) {
   }
 }
 INSTANTIATE_TEST_SUITE_P(Of, NoRule,
-                         testing::Values(&wrongWholes, &wrongTriggers, &wrongConditions, &wrongActions));
+                         testing::Values(&WrongWholes, &WrongTriggers, &WrongConditions, &WrongActions));
 
 TEST(RuleJson, TheLastOfWhatIsAllowedIsTaken) {
-  EXPECT_EQ(RuledEventOf(many("triggers", 100, {{"kind", "start"}})).rule.triggers.size(), 100U);
-  EXPECT_EQ(RuledEventOf(many("conditions", 100, {{"kind", "days"}})).rule.conditions.size(), 100U);
-  EXPECT_EQ(RuledEventOf(many("actions", 200, {{"kind", "wait"}, {"seconds", 86400}})).rule.actions.size(),
+  EXPECT_EQ(RuledEventOf(Many("triggers", 100, {{"kind", "start"}})).rule.triggers.size(), 100U);
+  EXPECT_EQ(RuledEventOf(Many("conditions", 100, {{"kind", "days"}})).rule.conditions.size(), 100U);
+  EXPECT_EQ(RuledEventOf(Many("actions", 200, {{"kind", "wait"}, {"seconds", 86400}})).rule.actions.size(),
             200U);
-  EXPECT_NO_THROW(RuledEventOf(action({{"kind", "speak"}, {"text", std::string(RuleBounds::kText, 'x')}})));
+  EXPECT_NO_THROW(RuledEventOf(Action({{"kind", "speak"}, {"text", std::string(RuleBounds::kText, 'x')}})));
   std::string name;
   for (int i = 0; i < 200; ++i) name += "夜";
   EXPECT_EQ(RuledEventOf({{"name", name}}).name, name);
