@@ -1,6 +1,7 @@
 #include "pages/WebSetupForm.hpp"
 
 #include "base/Attempt.hpp"
+#include "base/MemberWords.hpp"
 #include "base/Text.hpp"
 #include "pages/UnknownArgument.hpp"
 #include "web/Concatenate.hpp"
@@ -8,12 +9,9 @@
 
 namespace pages {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Attempt;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
 
 namespace {
 
@@ -35,22 +33,13 @@ WebSetupForm::WebSetupForm(const SetupParts& parts)
   setTable(table());
 }
 
-base::MemberTable WebSetupForm::table() {
-  const auto page = [this](const char* name, const char* argument,
-                           std::string (WebSetupForm::*answer)(const std::string&)) {
-    return Member{
-        name, MemberKind::kOperation, {{argument, Type::kText}}, Type::kText, [this, answer](Args& args) {
-          return Value((this->*answer)(base::ToText(args[0])));
-        }};
-  };
+MemberTable WebSetupForm::table() {
   return {"WebSetupForm",
-          {
-              base::TextField("Link", Link_),
-              base::TextField("LinkText", LinkText_),
-              base::TextField("Page_Title", Page_Title_),
-              page("GenPage", "lnk", &WebSetupForm::GenPage),
-              page("PagePut", "data", &WebSetupForm::PagePut),
-          }};
+          {TextField("Link", Link_), TextField("LinkText", LinkText_), TextField("Page_Title", Page_Title_),
+           Operation("GenPage", {Text("lnk")}, Type::kText,
+                     [this](Args& args) { return GenPage(TextAt(args, 0)); }),
+           Operation("PagePut", {Text("data")}, Type::kText,
+                     [this](Args& args) { return PagePut(TextAt(args, 0)); })}};
 }
 
 void WebSetupForm::Form_Load() {

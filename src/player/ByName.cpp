@@ -1,17 +1,17 @@
 #include "player/ByName.hpp"
 
 #include "player/ByNameLibrary.hpp"
-#include "player/ByNameTable.hpp"
+#include "player/Shown.hpp"
 
 namespace player {
 
-using namespace table;  // NOLINT(google-build-using-namespace): the words exist for these tables
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 namespace {
 
 base::ObjectRef ShowControls(Controls& controls) {
   const auto step = [&controls](const char* name, void (Controls::*act)()) {
-    return Command(name, {}, [&controls, act](Args&) { (controls.*act)(); });
+    return Command(name, {}, [&controls, act] { (controls.*act)(); });
   };
   return Show(
       "Controls",
@@ -39,8 +39,8 @@ base::ObjectRef ShowSettings(PlayerSettings& settings) {
            [&settings](const Value& value) { settings.volume(base::ToInt32(value)); }),
        Operation("getMode", {Text("mode")}, Type::kBoolean,
                  [&settings](Args& args) { return settings.getMode(TextAt(args, 0)); }),
-       Command("setMode", {Text("mode"), {"value", Type::kBoolean}},
-               [&settings](Args& args) { settings.setMode(TextAt(args, 0), base::ToBoolean(args[1])); }),
+       Command("setMode", {Text("mode"), Flag("value")},
+               [&settings](Args& args) { settings.setMode(TextAt(args, 0), FlagAt(args, 1)); }),
        ReadField("mediaAccessRights", Type::kText, [&settings] { return settings.mediaAccessRights(); }),
        Operation("requestMediaAccessRights", {Text("rights")}, Type::kBoolean,
                  [&settings](Args& args) { return settings.requestMediaAccessRights(TextAt(args, 0)); })});
@@ -57,7 +57,7 @@ base::ObjectRef ShowErrors(ErrorQueue& errors) {
       {ReadField("errorCount", Type::kInt32, [&errors] { return errors.errorCount(); }),
        Operation("item", {Number("index")}, Type::kObject,
                  [&errors, showItem](Args& args) { return showItem(errors.item(NumberAt(args, 0))); }),
-       Command("clearErrorQueue", {}, [&errors](Args&) { errors.clearErrorQueue(); })});
+       Command("clearErrorQueue", {}, [&errors] { errors.clearErrorQueue(); })});
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
-#include "player/ByNameTable.hpp"
+#include "player/Shown.hpp"
 
 namespace player {
 
-using namespace table;  // NOLINT(google-build-using-namespace): the words exist for these tables
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 namespace {
 
@@ -20,7 +20,7 @@ base::ObjectRef ShowDrive(const std::shared_ptr<Cdrom>& drive) {
   return Show<Cdrom>(drive, "Cdrom",
                      {ReadField("driveSpecifier", Type::kText, [drive] { return drive->driveSpecifier(); }),
                       ReadField("playlist", Type::kObject, [drive] { return ShowByName(drive->playlist()); }),
-                      Command("eject", {}, [drive](Args&) { drive->eject(); })});
+                      Command("eject", {}, [drive] { drive->eject(); })});
 }
 
 /// A field of an item, or else its attribute of that name; empty where it can't be read.
@@ -113,20 +113,20 @@ base::ObjectRef ShowByName(const PlaylistRef& playlist) {
                  [playlist](Args& args) { return ShowByName(playlist->item(NumberAt(args, 0))); }),
        // Of this system's own: the texts of these fields and attributes for at most `count` items, one item
        // behind the other; fewer items when their texts are long.
-       Operation("readItems", {{"fields", Type::kTextList}, Number("from"), Number("count")}, Type::kTextList,
+       Operation("readItems", {Texts("fields"), Number("from"), Number("count")}, Type::kTextList,
                  [playlist](Args& args) {
                    return ReadItems(*playlist, args[0], NumberAt(args, 1), NumberAt(args, 2));
                  }),
-       Command("appendItem", {Object("media")},
+       Command("appendItem", {Reference("media")},
                [playlist](Args& args) { playlist->appendItem(MediaBehind(args[0])); }),
-       Command("insertItem", {Number("index"), Object("media")},
+       Command("insertItem", {Number("index"), Reference("media")},
                [playlist](Args& args) { playlist->insertItem(NumberAt(args, 0), MediaBehind(args[1])); }),
-       Command("insertItems", {Number("index"), {"fields", Type::kTextList}, {"texts", Type::kTextList}},
+       Command("insertItems", {Number("index"), Texts("fields"), Texts("texts")},
                [playlist](Args& args) {
                  playlist->insertItems(NumberAt(args, 0), ToldIn(args[1].array(), args[2].array()));
                }),
        ReadField("revision", Type::kDouble, [playlist] { return static_cast<double>(playlist->revision()); }),
-       Command("removeItem", {Object("media")},
+       Command("removeItem", {Reference("media")},
                [playlist](Args& args) { playlist->removeItem(MediaBehind(args[0])); }),
        Command("moveItem", {Number("oldIndex"), Number("newIndex")},
                [playlist](Args& args) { playlist->moveItem(NumberAt(args, 0), NumberAt(args, 1)); })});
@@ -152,8 +152,7 @@ base::ObjectRef ShowByName(MediaCollection& collection) {
       "MediaCollection",
       {Operation("add", {Text("url")}, Type::kObject,
                  [&collection](Args& args) { return ShowByName(collection.add(TextAt(args, 0))); }),
-       Operation("getAll", {}, Type::kObject,
-                 [&collection](Args&) { return ShowByName(collection.getAll()); }),
+       Operation("getAll", {}, Type::kObject, [&collection] { return ShowByName(collection.getAll()); }),
        Operation("getByName", {Text("name")}, Type::kObject,
                  [&collection](Args& args) { return ShowByName(collection.getByName(TextAt(args, 0))); }),
        Operation("getByAttribute", {Text("attribute"), Text("value")}, Type::kObject,
@@ -170,13 +169,12 @@ base::ObjectRef ShowByName(MediaCollection& collection) {
 base::ObjectRef ShowByName(PlaylistCollection& collection) {
   return Show(
       "PlaylistCollection",
-      {Operation("getAll", {}, Type::kObject,
-                 [&collection](Args&) { return ShowByName(collection.getAll()); }),
+      {Operation("getAll", {}, Type::kObject, [&collection] { return ShowByName(collection.getAll()); }),
        Operation("getByName", {Text("name")}, Type::kObject,
                  [&collection](Args& args) { return ShowByName(collection.getByName(TextAt(args, 0))); }),
        Operation("newPlaylist", {Text("name")}, Type::kObject,
                  [&collection](Args& args) { return ShowByName(collection.newPlaylist(TextAt(args, 0))); }),
-       Command("remove", {Object("playlist")},
+       Command("remove", {Reference("playlist")},
                [&collection](Args& args) { collection.remove(PlaylistBehind(args[0])); })});
 }
 

@@ -1,98 +1,61 @@
 #include "plugin/VxifEvents.hpp"
 
-#include <functional>
-
-#include "player/ByNameTable.hpp"
+#include "base/MemberWords.hpp"
 
 namespace plugin {
 
-using base::Args;
-using base::Member;
-using base::Param;
-using base::Type;
-using base::Value;
-using player::table::Command;
-using player::table::Operation;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 namespace {
 
-Param InOut(const char* name, Type type) {
-  Param param{name, type};
-  param.inOut = true;
-  return param;
-}
-Param OptionalInOut(const char* name, Type type) {
-  Param param = InOut(name, type);
-  param.fallback = base::EmptyOf(type);
-  return param;
-}
-
 /// An operation on one string of the host, which the caller gets back as it was.
-Member OnText(const char* name, Param param, std::function<Value(const std::string&)> handler, Type result) {
-  return Operation(name, {std::move(param)}, result,
-                   [handler = std::move(handler)](Args& args) { return handler(base::ToText(args[0])); });
+template <class Answer>
+Member OnText(const char* name, Param param, Type result, Answer answer) {
+  return Operation(name, {InOut(std::move(param))}, result,
+                   [answer = std::move(answer)](Args& args) { return answer(TextAt(args, 0)); });
 }
 
 }  // namespace
 
 std::vector<Member> EventMembers(const EventParts& parts) {
   const EventParts in = parts;
-  const auto actionStr = [] { return InOut("ActionStr", Type::kText); };
   return {
-      Operation("ActionUI", {actionStr()}, Type::kText,
+      Operation("ActionUI", {InOut(Text("ActionStr"))}, Type::kText,
                 [in](Args& args) {
-                  std::string text = base::ToText(args[0]);
-                  Value dialog = in.actionDialog.ActionUI(text);
+                  std::string text = TextAt(args, 0);
+                  std::string dialog = in.actionDialog.ActionUI(text);
                   args[0] = text;
                   return dialog;
                 }),
-      OnText(
-          "ActionUIFormat", InOut("ActionString", Type::kText),
-          [in](const std::string& text) { return Value(in.actionDialog.ActionUIFormat(text)); }, Type::kText),
-      Command("ModifyActionUI", {InOut("controls", Type::kAny)},
+      OnText("ActionUIFormat", Text("ActionString"), Type::kText,
+             [in](const std::string& text) { return in.actionDialog.ActionUIFormat(text); }),
+      Command("ModifyActionUI", {InOut(Any("controls"))},
               [in](Args& args) { in.actionDialog.ModifyActionUI(args[0]); }),
-      OnText(
-          "ValidateActionUI", actionStr(),
-          [in](const std::string& text) { return Value(in.actionDialog.ValidateActionUI(text)); },
-          Type::kText),
-      OnText(
-          "TriggerAction", actionStr(),
-          [in](const std::string& text) {
-            in.actionRun.TriggerAction(text);
-            return Value();
-          },
-          Type::kNone),
-      OnText(
-          "TriggerUI", OptionalInOut("TrigString", Type::kText),
-          [](const std::string&) { return Value(automation::Triggers::TriggerUI()); }, Type::kText),
-      OnText(
-          "TriggerUIFormat", InOut("TrigString", Type::kText),
-          [](const std::string& text) { return Value(automation::Triggers::TriggerUIFormat(text)); },
-          Type::kText),
+      OnText("ValidateActionUI", Text("ActionStr"), Type::kText,
+             [in](const std::string& text) { return in.actionDialog.ValidateActionUI(text); }),
+      Command("TriggerAction", {InOut(Text("ActionStr"))},
+              [in](Args& args) { in.actionRun.TriggerAction(TextAt(args, 0)); }),
+      OnText("TriggerUI", Text("TrigString", ""), Type::kText,
+             [](const std::string&) { return automation::Triggers::TriggerUI(); }),
+      OnText("TriggerUIFormat", Text("TrigString"), Type::kText,
+             [](const std::string& text) { return automation::Triggers::TriggerUIFormat(text); }),
       // A trigger's dialog is as it is, and every trigger is valid.
-      Command("ModifyTriggerUI", {InOut("controls", Type::kAny)}, [](Args&) {}),
-      OnText(
-          "ValidateTriggerUI", InOut("trigstr", Type::kText), [](const std::string&) { return Value(""); },
-          Type::kText),
-      Operation("SupportsConditionUI", {}, Type::kBoolean, [](Args&) { return Value(true); }),
-      Operation(
-          "ConditionUI", {InOut("cond_num", Type::kInt16)}, Type::kText,
-          [](Args& args) { return Value(automation::Conditions::ConditionUI(base::ToInt16(args[0]))); }),
-      OnText(
-          "ConditionUIFormat", InOut("cond_str", Type::kAny),
-          [](const std::string& text) { return Value(automation::Conditions::ConditionUIFormat(text)); },
-          Type::kText),
-      OnText(
-          "ConditionCheck", InOut("cond_str", Type::kText),
-          [in](const std::string& text) { return Value(in.conditions.ConditionCheck(text)); },
-          Type::kBoolean),
+      Command("ModifyTriggerUI", {InOut(Any("controls"))}, [] {}),
+      Operation("ValidateTriggerUI", {InOut(Text("trigstr"))}, Type::kText, [] { return ""; }),
+      Constant("SupportsConditionUI", Type::kBoolean, true),
+      Operation("ConditionUI", {InOut(Short("cond_num"))}, Type::kText,
+                [](Args& args) { return automation::Conditions::ConditionUI(ShortAt(args, 0)); }),
+      OnText("ConditionUIFormat", Any("cond_str"), Type::kText,
+             [](const std::string& text) { return automation::Conditions::ConditionUIFormat(text); }),
+      OnText("ConditionCheck", Text("cond_str"), Type::kBoolean,
+             [in](const std::string& text) { return in.conditions.ConditionCheck(text); }),
       Command("CustomActionDialogUI", {},
-              [in](Args&) {
+              [in] {
                 const std::string& shown = in.openDialog.ActionDialogState;
                 if (in.state.Initialized && shown != automation::OpenActionDialog::kNotInitialized)
                   in.dropLists.FileDropListModify();
               }),
-      Command("VXEvent", {{"parms", Type::kArray}}, [in](Args& args) { in.speech.VXEvent(args[0].array()); }),
+      Command("VXEvent", {List("parms")}, [in](Args& args) { in.speech.VXEvent(args[0].array()); }),
   };
 }
 

@@ -1,13 +1,10 @@
-#include "base/Members.hpp"
+#include "base/MemberWords.hpp"
 
 #include <gtest/gtest.h>
 
 #include "support/FailureNumber.hpp"
 
-using base::Args;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 namespace {
 
@@ -15,48 +12,35 @@ class Lamp : public base::TableObject {
  public:
   using base::TableObject::call;
   Lamp() {
-    setTable({"Lamp",
-              {{"Dim",
-                MemberKind::kOperation,
-                {{"by", Type::kInt16, Value(std::int16_t{10})}},
-                Type::kInt32,
-                [this](Args& args) { return Value(level -= base::ToInt16(args[0])); }},
-               {"Swap",
-                MemberKind::kOperation,
-                {{"text", Type::kText, {}, true}},
-                Type::kNone,
-                [](Args& args) {
-                  args[0] = "swapped " + base::ToText(args[0]);
-                  return Value();
-                }},
-               {"Level",
-                MemberKind::kField,
-                {},
-                Type::kInt32,
-                [this](Args&) { return Value(level); },
-                [this](const Value& value) { level = base::ToInt32(value); }},
-               {"Watts", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(40); }},
-               {"Paint",
-                MemberKind::kField,
-                {},
-                Type::kInt16,
-                [](Args&) { return Value(); },
-                [this](const Value& value) { painted = value; },
-                true},
-               {"Spray",
-                MemberKind::kOperation,
-                {{"colour", Type::kInt16}},
-                Type::kNone,
-                [this](Args& args) {
-                  painted = args[0];
-                  return Value();
-                },
-                {},
-                true}}});
+    Member paint = Field(
+        "Paint", Type::kInt16, [] { return Value(); }, [this](const Value& value) { painted = value; });
+    Member spray = Command("Spray", {Short("colour")}, [this](Args& args) { painted = args[0]; });
+    paint.convertsItself = spray.convertsItself = true;
+    setTable(
+        {"Lamp",
+         {Operation("Dim", {Short("by", 10)}, Type::kInt32,
+                    [this](Args& args) { return level -= ShortAt(args, 0); }),
+          Command("Swap", {InOut(Text("text"))}, [](Args& args) { args[0] = "swapped " + TextAt(args, 0); }),
+          Field(
+              "Level", Type::kInt32, [this] { return level; },
+              [this](const Value& value) { level = base::ToInt32(value); }),
+          ReadField("Watts", Type::kInt16, [] { return 40; }), std::move(paint), std::move(spray),
+          WriteField("Secret", Type::kText, [this](const Value& value) { painted = value; }),
+          TextField("Label", label), Constant("Maker", Type::kText, "Vantorix"),
+          Operation("Colours", {}, Type::kTextList, [] {
+            return base::Array{"red", 7};
+          })}});
   }
   std::int32_t level = 100;
+  std::string label = "desk";
   Value painted;
 };
+
+std::vector<std::string> NamesOf(const std::vector<Member>& members) {
+  std::vector<std::string> names;
+  for (const Member& member : members) names.push_back(member.name);
+  return names;
+}
 
 }  // namespace
 
@@ -107,4 +91,49 @@ TEST(TableObject, HandsValuesAsTheyComeToAMemberThatConvertsItself) {
   lamp.put("Paint", "blue");
   EXPECT_EQ(lamp.painted, Value("blue"));
   EXPECT_EQ(support::FailureNumberOf([&] { lamp.put("Level", "blue"); }), base::number::kTypeMismatch);
+}
+
+TEST(MemberWords, AHandlerMayTakeNothingAndGiveNothing) {
+  Lamp lamp;
+  EXPECT_EQ(lamp.invoke("Colours"), Value(base::Array{"red", "7"}));
+  EXPECT_EQ(lamp.invoke("Maker"), Value("Vantorix"));
+  EXPECT_TRUE(lamp.invoke("Spray", 1).empty());
+}
+
+TEST(MemberWords, ATextFieldIsTheObjectsOwnText) {
+  Lamp lamp;
+  lamp.put("Label", 7);
+  EXPECT_EQ(lamp.label, "7");
+  EXPECT_EQ(lamp.get("Label"), Value("7"));
+}
+
+TEST(MemberWords, AWriteFieldIsNotRead) {
+  Lamp lamp;
+  lamp.put("Secret", 5);
+  EXPECT_EQ(lamp.painted, Value("5"));
+  EXPECT_EQ(support::FailureNumberOf([&] { lamp.get("Secret"); }), base::number::kNoSuchMember);
+}
+
+TEST(MemberWords, AnArgumentHasItsTypeAndMayHaveAFallback) {
+  const std::vector<Param> params{Any("a"),      Flag("b", true), Short("c", 3), Number("d", 4),
+                                  Text("e", ""), Texts("f"),      List("g"),     InOut(Reference("h"))};
+  const std::vector<Type> types{Type::kAny,  Type::kBoolean,  Type::kInt16, Type::kInt32,
+                                Type::kText, Type::kTextList, Type::kArray, Type::kObject};
+  for (std::size_t i = 0; i < params.size(); ++i) {
+    EXPECT_EQ(params[i].type, types[i]) << params[i].name;
+    EXPECT_EQ(params[i].inOut, params[i].name == "h");
+    EXPECT_EQ(params[i].fallback.has_value(), i >= 1 && i <= 4) << params[i].name;
+  }
+  EXPECT_EQ(params[1].fallback, Value(true));
+  EXPECT_EQ(params[2].fallback, Value(std::int16_t{3}));
+  EXPECT_EQ(params[3].fallback, Value(4));
+  EXPECT_EQ(params[4].fallback, Value(""));
+}
+
+TEST(MemberWords, PartsAreJoinedInTheirOrder) {
+  const auto part = [](const char* first, const char* second) {
+    return std::vector<Member>{Command(first, {}, [] {}), Command(second, {}, [] {})};
+  };
+  EXPECT_EQ(NamesOf(Joined(part("a", "b"), part("c", "d"), part("e", "f"))),
+            (std::vector<std::string>{"a", "b", "c", "d", "e", "f"}));
 }

@@ -1,49 +1,31 @@
 #include "standin/hostobjects/DeviceObject.hpp"
 
-#include "base/Failure.hpp"
 #include "standin/hostobjects/StoredFields.hpp"
 
 namespace standin {
+
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 namespace {
 
-using base::Args;
-using base::MemberKind;
-using base::Type;
-using base::Value;
-
-const Device& Need(const House& house, std::int32_t ref) {
-  const Device* device = house.devices.byRef(ref);
-  if (device == nullptr) throw base::Failure(base::number::kObjectMissing, "The device has been deleted");
-  return *device;
-}
-
-base::MemberTable DeviceTable(House& house, std::int32_t ref) {
-  const auto stored = [&house, ref](const char* name, auto field) {
-    return StoredField(
-        name, field, [&house, ref]() -> const Device& { return Need(house, ref); },
-        [&house, ref](auto member, const auto& value) { house.devices.put(ref, member, value); });
+MemberTable DeviceTable(House& house, std::int32_t ref) {
+  const auto row = [&house, ref]() -> const Device& {
+    return Present(house.devices.byRef(ref), "The device has been deleted");
+  };
+  const auto stored = [&house, ref, row](const char* name, auto field) {
+    return StoredField(name, field, row, [&house, ref](auto member, const auto& value) {
+      house.devices.put(ref, member, value);
+    });
   };
   return {"Device",
-          {stored("location", &Device::location),
-           stored("hc", &Device::hc),
-           stored("dc", &Device::dc),
-           stored("interface", &Device::interface),
-           stored("iotype", &Device::iotype),
-           stored("Status", &Device::status),
-           stored("misc", &Device::misc),
+          {stored("location", &Device::location), stored("hc", &Device::hc), stored("dc", &Device::dc),
+           stored("interface", &Device::interface), stored("iotype", &Device::iotype),
+           stored("Status", &Device::status), stored("misc", &Device::misc),
            stored("dev_type_string", &Device::devType),
-           {"Values",
-            MemberKind::kField,
-            {},
-            Type::kText,
-            [&house, ref](Args&) { return Value(Need(house, ref).values); },
-            [&house, ref](const Value& value) { house.devices.putValues(ref, base::ToText(value)); }},
-           {"ref",
-            MemberKind::kReadField,
-            {},
-            Type::kInt32,
-            [&house, ref](Args&) { return Value(Need(house, ref).ref); }},
-           stored("name", &Device::name)}};
+           Field(
+               "Values", Type::kText, [row] { return row().values; },
+               [&house, ref](const Value& value) { house.devices.putValues(ref, base::ToText(value)); }),
+           ReadField("ref", Type::kInt32, [row] { return row().ref; }), stored("name", &Device::name)}};
 }
 
 }  // namespace

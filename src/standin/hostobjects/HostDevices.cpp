@@ -1,17 +1,15 @@
 #include "standin/hostobjects/HostDevices.hpp"
 
 #include <charconv>
-#include <functional>
 #include <utility>
 
-namespace standin {
-namespace {
+#include "base/MemberWords.hpp"
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+namespace standin {
+
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
+namespace {
 
 /// A device that `NewDevice` has made is told from a position by the mark before its number.
 constexpr char kKeyMark = '#';
@@ -28,144 +26,103 @@ const Device* ByKey(const House& house, const Value& key) {
   return house.devices.byPosition(base::ToInt32(key));
 }
 
-/// An operation without result.
-Member Action(std::string name, std::vector<base::Param> params, std::function<void(Args&)> work) {
-  return {std::move(name), MemberKind::kOperation, std::move(params), Type::kNone,
-          [work = std::move(work)](Args& args) {
-            work(args);
-            return Value();
-          }};
-}
-
 const Device* ByAddress(const House& house, const Args& args) {
-  return house.devices.byAddress(base::ToText(args[0]));
+  return house.devices.byAddress(TextAt(args, 0));
 }
 
 const Device* ByName(const House& house, const Args& args) {
-  return house.devices.byFullName(base::ToText(args[0]));
+  return house.devices.byFullName(TextAt(args, 0));
 }
 
-const base::Param kUpdate{"update", Type::kBoolean, Value(true)};
+base::ObjectRef ObjectOf(HouseObjects& objects, const Device* device) {
+  return device == nullptr ? base::ObjectRef() : objects.device(device->ref);
+}
 
 std::vector<Member> Lookups(House& house, HouseObjects& objects) {
   return {
-      {"DeviceCount",
-       MemberKind::kOperation,
-       {},
-       Type::kInt32,
-       [&house](Args&) { return Value(static_cast<std::int32_t>(house.devices.all().size())); }},
-      {"GetDevice",
-       MemberKind::kOperation,
-       {{"key"}},
-       Type::kObject,
-       [&house, &objects](Args& args) {
-         const Device* device = ByKey(house, args[0]);
-         return Value(device == nullptr ? base::ObjectRef() : objects.device(device->ref));
-       }},
-      {"GetDeviceEx",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kObject,
-       [&house, &objects](Args& args) {
-         const Device* device = ByName(house, args);
-         return Value(device == nullptr ? base::ObjectRef() : objects.device(device->ref));
-       }},
-      {"GetDeviceCode",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kText,
-       [&house](Args& args) {
-         const Device* device = ByName(house, args);
-         return Value(device == nullptr ? std::string() : device->address());
-       }},
-      {"NewDevice",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kText,
-       [&house, &objects](Args& args) {
-         const Device& device = house.devices.create(base::ToText(args[0]));
-         objects.device(device.ref);
-         return Value(KeyOf(device));
-       }},
+      Operation("DeviceCount", {}, Type::kInt32,
+                [&house] { return static_cast<std::int32_t>(house.devices.all().size()); }),
+      Operation("GetDevice", {Any("key")}, Type::kObject,
+                [&house, &objects](Args& args) { return ObjectOf(objects, ByKey(house, args[0])); }),
+      Operation("GetDeviceEx", {Text("name")}, Type::kObject,
+                [&house, &objects](Args& args) { return ObjectOf(objects, ByName(house, args)); }),
+      Operation("GetDeviceCode", {Text("name")}, Type::kText,
+                [&house](Args& args) {
+                  const Device* device = ByName(house, args);
+                  return device == nullptr ? std::string() : device->address();
+                }),
+      Operation("NewDevice", {Text("name")}, Type::kText,
+                [&house, &objects](Args& args) {
+                  const Device& device = house.devices.create(TextAt(args, 0));
+                  objects.device(device.ref);
+                  return KeyOf(device);
+                }),
+  };
+}
+
+/// An operation on the device that `find` sees in its arguments; without such a device it does nothing.
+template <class Act>
+Member OnDevice(House& house, const char* name, std::vector<Param> params,
+                const Device* (*find)(const House&, const Args&), Act act) {
+  return Command(name, std::move(params), [&house, find, act](Args& args) {
+    if (const Device* device = find(house, args)) act(*device, args);
+  });
+}
+
+std::vector<Member> Changes(House& house) {
+  DeviceStore& devices = house.devices;
+  const auto putText = [&devices](const Device& device, const Args& args) {
+    devices.put(device.ref, &Device::text, TextAt(args, 1));
+  };
+  return {
+      Command("DeleteIODevices", {Text("interface")},
+              [&devices](Args& args) { devices.removeInterface(TextAt(args, 0)); }),
+      OnDevice(house, "DeviceButtonAdd", {Text("code"), Text("interface"), Text("caption")}, ByAddress,
+               [&devices](const Device& device, const Args& args) {
+                 devices.addButton(device.ref, TextAt(args, 1), TextAt(args, 2));
+               }),
+      OnDevice(house, "DeviceValuesAdd", {Text("code"), Text("values"), Flag("flag", true)}, ByAddress,
+               [&devices](const Device& device, const Args& args) {
+                 const std::string added = TextAt(args, 1);
+                 devices.putValues(device.ref, device.values.empty() ? added : device.values + '\1' + added);
+               }),
+      OnDevice(house, "SetDeviceStatus", {Text("code"), Short("status")}, ByAddress,
+               [&devices](const Device& device, const Args& args) {
+                 devices.put(device.ref, &Device::status, ShortAt(args, 1));
+               }),
+      OnDevice(house, "SetDeviceString", {Text("code"), Text("text"), Flag("update", true)}, ByAddress,
+               putText),
+      OnDevice(house, "SetDeviceStringByName", {Text("name"), Text("text"), Flag("update", true)}, ByName,
+               putText),
+      OnDevice(house, "SetDeviceValueByName", {Text("name"), Number("value")}, ByName,
+               [&devices](const Device& device, const Args& args) {
+                 devices.putValue(device.ref, NumberAt(args, 1));
+               }),
   };
 }
 
 }  // namespace
 
 std::vector<Member> DeviceMembers(House& house, HouseObjects& objects) {
-  std::vector<Member> members = Lookups(house, objects);
-  members.push_back(Action("DeleteIODevices", {{"interface", Type::kText}},
-                           [&house](Args& args) { house.devices.removeInterface(base::ToText(args[0])); }));
-  members.push_back(
-      Action("DeviceButtonAdd", {{"code", Type::kText}, {"interface", Type::kText}, {"caption", Type::kText}},
-             [&house](Args& args) {
-               if (const Device* device = ByAddress(house, args)) {
-                 house.devices.addButton(device->ref, base::ToText(args[1]), base::ToText(args[2]));
-               }
-             }));
-  members.push_back(Action(
-      "DeviceValuesAdd",
-      {{"code", Type::kText}, {"values", Type::kText}, {"flag", Type::kBoolean, Value(true)}},
-      [&house](Args& args) {
-        const Device* device = ByAddress(house, args);
-        if (device == nullptr) return;
-        const std::string added = base::ToText(args[1]);
-        house.devices.putValues(device->ref, device->values.empty() ? added : device->values + '\1' + added);
-      }));
-  members.push_back(
-      Action("SetDeviceStatus", {{"code", Type::kText}, {"status", Type::kInt16}}, [&house](Args& args) {
-        const Device* device = ByAddress(house, args);
-        if (device != nullptr) house.devices.put(device->ref, &Device::status, base::ToInt16(args[1]));
-      }));
-  members.push_back(Action("SetDeviceString", {{"code", Type::kText}, {"text", Type::kText}, kUpdate},
-                           [&house](Args& args) {
-                             const Device* device = ByAddress(house, args);
-                             if (device != nullptr)
-                               house.devices.put(device->ref, &Device::text, base::ToText(args[1]));
-                           }));
-  members.push_back(Action("SetDeviceStringByName", {{"name", Type::kText}, {"text", Type::kText}, kUpdate},
-                           [&house](Args& args) {
-                             const Device* device = ByName(house, args);
-                             if (device != nullptr)
-                               house.devices.put(device->ref, &Device::text, base::ToText(args[1]));
-                           }));
-  members.push_back(
-      Action("SetDeviceValueByName", {{"name", Type::kText}, {"value", Type::kInt32}}, [&house](Args& args) {
-        const Device* device = ByName(house, args);
-        if (device != nullptr) house.devices.putValue(device->ref, base::ToInt32(args[1]));
-      }));
-  return members;
+  return Joined(Lookups(house, objects), Changes(house));
 }
 
 std::vector<Member> EventMembers(House& house, HouseObjects& objects) {
   return {
-      {"GetEvent",
-       MemberKind::kOperation,
-       {{"index", Type::kInt32}},
-       Type::kObject,
-       [&objects](Args& args) { return Value(objects.event(base::ToInt32(args[0]))); }},
-      {"GetEventEx",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kObject,
-       [&house, &objects](Args& args) {
-         const Event* event = house.events.byName(base::ToText(args[0]));
-         return Value(event == nullptr ? base::ObjectRef() : objects.event(event->id));
-       }},
-      {"NewEvent",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kInt32,
-       [&house, &objects](Args& args) {
-         const std::int32_t id = house.events.create(base::ToText(args[0])).id;
-         objects.event(id);
-         return Value(id);
-       }},
-      {"NewDevFunc",
-       MemberKind::kOperation,
-       {},
-       Type::kObject,
-       [&objects](Args&) { return Value(objects.newDevFunc()); }},
+      Operation("GetEvent", {Number("index")}, Type::kObject,
+                [&objects](Args& args) { return objects.event(NumberAt(args, 0)); }),
+      Operation("GetEventEx", {Text("name")}, Type::kObject,
+                [&house, &objects](Args& args) {
+                  const Event* event = house.events.byName(TextAt(args, 0));
+                  return event == nullptr ? base::ObjectRef() : objects.event(event->id);
+                }),
+      Operation("NewEvent", {Text("name")}, Type::kInt32,
+                [&house, &objects](Args& args) {
+                  const std::int32_t id = house.events.create(TextAt(args, 0)).id;
+                  objects.event(id);
+                  return id;
+                }),
+      Operation("NewDevFunc", {}, Type::kObject, [&objects] { return objects.newDevFunc(); }),
   };
 }
 

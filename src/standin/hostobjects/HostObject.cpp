@@ -3,19 +3,17 @@
 #include <memory>
 #include <utility>
 
+#include "base/MemberWords.hpp"
 #include "standin/hostobjects/HostDevices.hpp"
 #include "standin/hostobjects/HostSettings.hpp"
 #include "standin/hostobjects/UrlFetcher.hpp"
 #include "standin/house/HouseJson.hpp"
 
 namespace standin {
-namespace {
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
+namespace {
 
 /// A trigger as a line of the log: its fields are separated by control characters.
 std::string Readable(const std::string& trigger) {
@@ -30,164 +28,80 @@ std::string Readable(const std::string& trigger) {
   return out;
 }
 
-void Append(std::vector<Member>& table, std::vector<Member> more) {
-  for (Member& member : more) table.push_back(std::move(member));
-}
-
 std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectRef& system) {
   return {
-      {"Version", MemberKind::kOperation, {}, Type::kText, [&house](Args&) { return Value(house.version); }},
-      {"System", MemberKind::kOperation, {}, Type::kObject, [system](Args&) { return Value(system); }},
-      {"GetAppPath",
-       MemberKind::kOperation,
-       {},
-       Type::kText,
-       [&house](Args&) { return Value(house.folder.string()); }},
-      {"Launch",
-       MemberKind::kOperation,
-       {{"url", Type::kText}},
-       Type::kNone,
-       [&house](Args& args) {
-         const std::string url = base::ToText(args[0]);
-         house.log.write("Info", "Open " + url);
-         house.live.tell("launch", Dump(url));
-         return Value();
-       }},
-      {"WEBLoggedInUser",
-       MemberKind::kOperation,
-       {},
-       Type::kText,
-       [&house](Args&) { return Value(house.webUser); }},
-      {"RegisterEventCB",
-       MemberKind::kOperation,
-       {{"mask", Type::kInt16}, {"plugin", Type::kObject}},
-       Type::kNone,
-       [&house](Args& args) {
-         base::Deref(args[1]);
-         house.eventSinks.push_back({base::ToInt16(args[0]), base::ToObject(args[1])});
-         return Value();
-       }},
-      {"RegisterLink",
-       MemberKind::kOperation,
-       {{"page", Type::kObject}},
-       Type::kNone,
-       [&house](Args& args) {
-         base::Object& page = base::Deref(args[0]);
-         PageLink link{base::ToText(page.get("Link")), base::ToText(page.get("LinkText")),
-                       base::ToText(page.get("Page_Title")), base::ToObject(args[0])};
-         house.addLink(std::move(link));
-         return Value();
-       }},
-      {"WriteLog",
-       MemberKind::kOperation,
-       {{"type", Type::kText}, {"text", Type::kText}, {"more", Type::kText, Value("")}},
-       Type::kNone,
-       [&house](Args& args) {
-         house.log.write(base::ToText(args[0]), base::ToText(args[1]) + base::ToText(args[2]));
-         return Value();
-       }},
-      {"Speak",
-       MemberKind::kOperation,
-       {{"text", Type::kText}, {"wait", Type::kBoolean, Value(false)}},
-       Type::kNone,
-       [&waits](Args& args) {
-         waits.speak(base::ToText(args[0]), base::ToBoolean(args[1]));
-         return Value();
-       }},
-      {"TriggerEvent",
-       MemberKind::kOperation,
-       {{"name", Type::kText}},
-       Type::kBoolean,
-       [&house](Args& args) { return Value(house.onScriptTrigger(base::ToText(args[0]))); }},
-      {"WaitEvents",
-       MemberKind::kOperation,
-       {},
-       Type::kNone,
-       [&waits](Args&) {
-         waits.pendingEvents();
-         return Value();
-       }},
-      {"WaitSecs",
-       MemberKind::kOperation,
-       {{"seconds", Type::kInt16}},
-       Type::kNone,
-       [&waits](Args& args) {
-         waits.seconds(base::ToInt16(args[0]));
-         return Value();
-       }},
-      {"GetUrl",
-       MemberKind::kOperation,
-       {{"host", Type::kText},
-        {"page", Type::kText},
-        {"strip_tags", Type::kBoolean, Value(false)},
-        {"port", Type::kInt32, Value(80)}},
-       Type::kText,
-       [&waits](Args& args) {
-         // A port above 32767 comes as the negative number of the same bits.
-         const auto port = static_cast<std::uint16_t>(base::ToInt32(args[3]));
-         const std::string body = waits.fetch(base::ToText(args[0]), base::ToText(args[1]), port);
-         return Value(base::ToBoolean(args[2]) ? StripTags(body) : body);
-       }},
+      Operation("Version", {}, Type::kText, [&house] { return house.version; }),
+      Constant("System", Type::kObject, system),
+      Operation("GetAppPath", {}, Type::kText, [&house] { return house.folder.string(); }),
+      Command("Launch", {Text("url")},
+              [&house](Args& args) {
+                const std::string url = TextAt(args, 0);
+                house.log.write("Info", "Open " + url);
+                house.live.tell("launch", Dump(url));
+              }),
+      Operation("WEBLoggedInUser", {}, Type::kText, [&house] { return house.webUser; }),
+      Command("RegisterEventCB", {Short("mask"), Reference("plugin")},
+              [&house](Args& args) {
+                base::Deref(args[1]);
+                house.eventSinks.push_back({ShortAt(args, 0), ReferenceAt(args, 1)});
+              }),
+      Command("RegisterLink", {Reference("page")},
+              [&house](Args& args) {
+                base::Object& page = base::Deref(args[0]);
+                PageLink link{base::ToText(page.get("Link")), base::ToText(page.get("LinkText")),
+                              base::ToText(page.get("Page_Title")), ReferenceAt(args, 0)};
+                house.addLink(std::move(link));
+              }),
+      Command("WriteLog", {Text("type"), Text("text"), Text("more", "")},
+              [&house](Args& args) { house.log.write(TextAt(args, 0), TextAt(args, 1) + TextAt(args, 2)); }),
+      Command("Speak", {Text("text"), Flag("wait", false)},
+              [&waits](Args& args) { waits.speak(TextAt(args, 0), FlagAt(args, 1)); }),
+      Operation("TriggerEvent", {Text("name")}, Type::kBoolean,
+                [&house](Args& args) { return house.onScriptTrigger(TextAt(args, 0)); }),
+      Command("WaitEvents", {}, [&waits] { waits.pendingEvents(); }),
+      Command("WaitSecs", {Short("seconds")}, [&waits](Args& args) { waits.seconds(ShortAt(args, 0)); }),
+      Operation("GetUrl", {Text("host"), Text("page"), Flag("strip_tags", false), Number("port", 80)},
+                Type::kText,
+                [&waits](Args& args) {
+                  // A port above 32767 comes as the negative number of the same bits.
+                  const auto port = static_cast<std::uint16_t>(NumberAt(args, 3));
+                  const std::string body = waits.fetch(TextAt(args, 0), TextAt(args, 1), port);
+                  return FlagAt(args, 2) ? StripTags(body) : body;
+                }),
   };
 }
 
-base::MemberTable HostTable(House& house, HouseObjects& objects, HostWaits& waits,
-                            const base::ObjectRef& system) {
-  std::vector<Member> members = Sundries(house, waits, system);
-  Append(members, SettingsMembers(house));
-  Append(members, DeviceMembers(house, objects));
-  Append(members, EventMembers(house, objects));
-  return {"Host", std::move(members)};
+MemberTable HostTable(House& house, HouseObjects& objects, HostWaits& waits, const base::ObjectRef& system) {
+  return {"Host", Joined(Sundries(house, waits, system), SettingsMembers(house),
+                         DeviceMembers(house, objects), EventMembers(house, objects))};
 }
 
-base::MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
-  return {"HostCallback",
-          {{"GetVXIface", MemberKind::kOperation, {}, Type::kObject, [host](Args&) { return Value(host); }},
-           {"writesplash",
-            MemberKind::kOperation,
-            {{"text", Type::kText}},
-            Type::kNone,
-            [&house](Args& args) {
-              house.splash = base::ToText(args[0]);
-              house.live.tell("frame", "{}");
-              return Value();
-            }},
-           {"registermenu",
-            MemberKind::kOperation,
-            {{"section", Type::kText}, {"item", Type::kText}},
-            Type::kNone,
-            [&house](Args& args) {
-              house.menu.add(base::ToText(args[0]), base::ToText(args[1]));
-              house.live.tell("frame", "{}");
-              return Value();
-            }},
-           {"checktrigger",
-            MemberKind::kOperation,
-            {{"trigger", Type::kText}},
-            Type::kBoolean,
-            [&house](Args& args) {
-              const std::string trigger = base::ToText(args[0]);
-              house.log.write("Trigger", Readable(trigger));
-              return Value(house.onTrigger(trigger));
-            }},
-           {"forcefront",
-            MemberKind::kOperation,
-            {{"window", Type::kInt32}},
-            Type::kNone,
-            [](Args&) { return Value(); }},
-           {"GetNextFreeIOCode", MemberKind::kOperation, {}, Type::kInt16, [&house](Args&) {
-              return Value(house.devices.freeHouseCode());
-            }}}};
+MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
+  return {
+      "HostCallback",
+      {Constant("GetVXIface", Type::kObject, host),
+       Command("writesplash", {Text("text")},
+               [&house](Args& args) {
+                 house.splash = TextAt(args, 0);
+                 house.live.tell("frame", "{}");
+               }),
+       Command("registermenu", {Text("section"), Text("item")},
+               [&house](Args& args) {
+                 house.menu.add(TextAt(args, 0), TextAt(args, 1));
+                 house.live.tell("frame", "{}");
+               }),
+       Operation("checktrigger", {Text("trigger")}, Type::kBoolean,
+                 [&house](Args& args) {
+                   const std::string trigger = TextAt(args, 0);
+                   house.log.write("Trigger", Readable(trigger));
+                   return house.onTrigger(trigger);
+                 }),
+       Command("forcefront", {Number("window")}, [] {}),
+       Operation("GetNextFreeIOCode", {}, Type::kInt16, [&house] { return house.devices.freeHouseCode(); })}};
 }
 
-base::MemberTable SystemTable(House& house) {
-  return {"System",
-          {{"LastVoiceCommand",
-            MemberKind::kField,
-            {},
-            Type::kText,
-            [&house](Args&) { return Value(house.lastVoiceCommand); },
-            [&house](const Value& value) { house.lastVoiceCommand = base::ToText(value); }}}};
+MemberTable SystemTable(House& house) {
+  return {"System", {TextField("LastVoiceCommand", house.lastVoiceCommand)}};
 }
 
 }  // namespace

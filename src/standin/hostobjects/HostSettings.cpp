@@ -2,15 +2,14 @@
 
 #include <optional>
 
+#include "base/MemberWords.hpp"
 #include "base/Text.hpp"
 
 namespace standin {
-namespace {
 
-using base::Args;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
+namespace {
 
 /// The host's own settings, when a call names no file.
 constexpr const char* kOwnFile = "server.ini";
@@ -30,41 +29,22 @@ std::optional<std::string> Read(House& house, const std::string& file, const std
 
 }  // namespace
 
-std::vector<base::Member> SettingsMembers(House& house) {
-  const base::Param file{"file", Type::kText, Value("")};
+std::vector<Member> SettingsMembers(House& house) {
+  const Param file = Text("file", "");
   return {
-      {"GetINISetting",
-       MemberKind::kOperation,
-       {{"section", Type::kText}, {"key", Type::kText}, {"fallback", Type::kAny, Value("")}, file},
-       Type::kAny,
-       [&house](Args& args) {
-         const auto stored = Read(house, FileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]));
-         return stored ? Value(*stored) : args[2];
-       }},
-      {"SaveINISetting",
-       MemberKind::kOperation,
-       {{"section", Type::kText}, {"key", Type::kText}, {"value", Type::kText}, file},
-       Type::kNone,
-       [&house](Args& args) {
-         house.settings.save(FileOf(args[3]), base::ToText(args[0]), base::ToText(args[1]),
-                             base::ToText(args[2]));
-         return Value();
-       }},
-      {"GetINISection",
-       MemberKind::kOperation,
-       {{"section", Type::kText}, file},
-       Type::kText,
-       [&house](Args& args) {
-         return Value(house.settings.section(FileOf(args[1]), base::ToText(args[0])));
-       }},
-      {"ClearINISection",
-       MemberKind::kOperation,
-       {{"section", Type::kText}, file},
-       Type::kNone,
-       [&house](Args& args) {
-         house.settings.clear(FileOf(args[1]), base::ToText(args[0]));
-         return Value();
-       }},
+      Operation("GetINISetting", {Text("section"), Text("key"), Any("fallback", ""), file}, Type::kAny,
+                [&house](Args& args) {
+                  const auto stored = Read(house, FileOf(args[3]), TextAt(args, 0), TextAt(args, 1));
+                  return stored ? Value(*stored) : args[2];
+                }),
+      Command("SaveINISetting", {Text("section"), Text("key"), Text("value"), file},
+              [&house](Args& args) {
+                house.settings.save(FileOf(args[3]), TextAt(args, 0), TextAt(args, 1), TextAt(args, 2));
+              }),
+      Operation("GetINISection", {Text("section"), file}, Type::kText,
+                [&house](Args& args) { return house.settings.section(FileOf(args[1]), TextAt(args, 0)); }),
+      Command("ClearINISection", {Text("section"), file},
+              [&house](Args& args) { house.settings.clear(FileOf(args[1]), TextAt(args, 0)); }),
   };
 }
 
