@@ -117,7 +117,13 @@ void EventEngine::rang(const Alarms::Alarm& alarm) {
   if (event == nullptr) return;
   EventTurns::Order given = orderOf(*event, parts_.words.of(event->rule.triggers[alarm.trigger]));
   given.chain = rounds_.fresh();
-  if (alarm.missed == 0) return order(alarm.event, std::move(given));
+  if (alarm.missed == 0) {
+    const std::int64_t late = (given.evaluation.time - alarm.due) / 60000;
+    if (late > 0)
+      given.evaluation.trigger +=
+          ", " + std::to_string(late) + (late == 1 ? " minute late" : " minutes late");
+    return order(alarm.event, std::move(given));
+  }
   const std::string times = alarm.missed == 1 ? std::string() : std::to_string(alarm.missed) + " times";
   given.evaluation.time = alarm.last;
   const std::string why =
@@ -134,11 +140,13 @@ void EventEngine::come(const TriggerIndex::Entry& entry, const std::shared_ptr<C
   order(entry.event, std::move(given));
 }
 
-std::string EventEngine::fire(std::int32_t event, const std::shared_ptr<Chain>& chain) {
+std::string EventEngine::fire(std::int32_t event, const std::shared_ptr<Chain>& chain, std::int32_t by) {
   const RuledEvent* found = parts_.rules.byId(event);
   if (found == nullptr) return "There is no such event";
   if (!found->rule.on) return "The event “" + found->name + "” is off";
-  EventTurns::Order given = orderOf(*found, "another event");
+  const RuledEvent* firing = parts_.rules.byId(by);
+  EventTurns::Order given =
+      orderOf(*found, firing == nullptr ? "another event" : "event “" + firing->name + "”");
   given.chain = chain;
   order(event, std::move(given));
   return {};
@@ -232,8 +240,8 @@ std::shared_ptr<const Rule> EventEngine::ruleOf(const RuledEvent& event) const {
 EventTurns& EventEngine::turnsOf(std::int32_t event) {
   return turns_
       .try_emplace(event, parts_,
-                   EventTurns::Ways{[this](std::int32_t fired, const std::shared_ptr<Chain>& chain) {
-                                      return fire(fired, chain);
+                   EventTurns::Ways{[this, event](std::int32_t fired, const std::shared_ptr<Chain>& chain) {
+                                      return fire(fired, chain, event);
                                     },
                                     [this](const std::shared_ptr<Chain>& chain) { rounds_.acted(chain); },
                                     [this, event] { changed_(event); }},

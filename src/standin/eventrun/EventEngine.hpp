@@ -56,7 +56,7 @@ class EventEngine : public EventControl {
   void take(const RuledEvent& event);
   void rang(const Alarms::Alarm& alarm);
   void come(const TriggerIndex::Entry& entry, const std::shared_ptr<Chain>& chain);
-  std::string fire(std::int32_t event, const std::shared_ptr<Chain>& chain);
+  std::string fire(std::int32_t event, const std::shared_ptr<Chain>& chain, std::int32_t by);
   void order(std::int32_t event, EventTurns::Order order);
   [[nodiscard]] EventTurns::Order orderOf(const RuledEvent& event, std::string trigger) const;
   [[nodiscard]] const RuledEvent& need(std::int32_t event) const;

@@ -72,6 +72,11 @@ void EventTurns::decide(Order order) {
     case Again::kQueue:
       if (queue_.size() >= limits_.queued)
         return refuse(std::move(order), Outcome::kLeft, "Too many were waiting already");
+      if (const EventControl::Told told = std::exchange(order.told, nullptr)) {
+        Evaluation waiting = order.evaluation;
+        waiting.why = "It waits for its turn";
+        told(waiting);
+      }
       queue_.push_back(std::move(order));
       return;
     case Again::kTogether:

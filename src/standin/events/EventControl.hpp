@@ -36,8 +36,8 @@ class EventControl {
   EventControl& operator=(EventControl&&) = delete;
   virtual ~EventControl() = default;
 
-  /// Called once, later: when the first action is about to begin (outcome kRunning), or when there is none
-  /// to begin and why. The number is 0 where nothing ran.
+  /// Called once, at once or later: when the first action is about to begin or has to wait for its turn
+  /// (outcome kRunning), or when there is none to begin and why. The number is 0 where nothing runs yet.
   using Told = std::function<void(const Evaluation& evaluation)>;
   /// Runs the actions, whatever the conditions say and whether or not the event is on.
   virtual void run(std::int32_t event, Told told) = 0;

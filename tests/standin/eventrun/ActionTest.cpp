@@ -91,6 +91,7 @@ TEST_F(Actions, ThatFireAnotherEventGoThroughItsConditions) {
   playbackEnds();
   EXPECT_THAT(done(), IsEmpty());
   EXPECT_EQ(count(Outcome::kRefused), 1);
+  EXPECT_EQ(last().trigger == "event “Event 1”" || history.ended.front().trigger == "event “Event 1”", true);
   const Evaluation& run = *std::find_if(history.ended.begin(), history.ended.end(),
                                         [](const Evaluation& each) { return each.event == 1; });
   EXPECT_EQ(run.outcome, Outcome::kFailed);
@@ -173,6 +174,21 @@ TEST_F(Actions, WaitForTheirTurnWhereTriggersQueue) {
   world.finish();
   settle();
   EXPECT_THAT(done(), ElementsAre("do a", "do b", "do a"));
+  EXPECT_EQ(history.begun.size(), 2U);
+}
+
+TEST_F(Actions, ThatAreAskedForByHandAndMustWaitAreAnsweredAtOnce) {
+  world.held = {"a"};
+  rules.put(1, again(Again::kQueue));
+  playbackEnds();
+  std::vector<Evaluation> told;
+  engine.run(1, [&](const Evaluation& each) { told.push_back(each); });
+  settle();
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_EQ(told[0].why, "It waits for its turn");
+  world.finish();
+  settle();
+  EXPECT_EQ(told.size(), 1U);
   EXPECT_EQ(history.begun.size(), 2U);
 }
 

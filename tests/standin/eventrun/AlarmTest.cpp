@@ -53,6 +53,7 @@ TEST_F(Alarm, RingsLateWhereTheClockWasSetForwardOverIt) {
   clock.setBy(minutes(65));
   loop.leap(minutes(1));
   EXPECT_THAT(outcomes(), ElementsAre("done 13:5"));
+  EXPECT_EQ(last().trigger, "at 780, 5 minutes late");
   loop.leap(hours(2));
   EXPECT_EQ(history.ended.size(), 1U);
 }
