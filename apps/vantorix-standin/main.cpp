@@ -10,6 +10,8 @@
 #include "files/WriteFile.hpp"
 #include "standin/AddressFile.hpp"
 #include "standin/Options.hpp"
+#include "standin/calendar/WallClock.hpp"
+#include "standin/eventworld/HouseEvents.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/hostobjects/Shelf.hpp"
@@ -23,6 +25,10 @@
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
 #include "standin/routes/Routes.hpp"
+#include "standin/rules/EvaluationStore.hpp"
+#include "standin/rules/PluginFormats.hpp"
+#include "standin/rules/RuleStore.hpp"
+#include "standin/rules/Wordings.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
 #include "standin/voice/EspeakVoice.hpp"
@@ -73,6 +79,12 @@ int Serve(const Options& options) {
   LibrarySearch search(loop, library);
   Playlists playlists(loop, connection, plugin, house, library);
   ScriptStore scripts(house.folder / "scripts");
+  RuleStore rules(house);
+  EvaluationStore history(house);
+  PluginWords pluginWords(loop, FormatsOf(plugin));
+  pluginWords.onNews = [&] { house.live.tell("event", R"({"id":0})"); };
+  const Wordings words(house, pluginWords);
+  const SystemClock clock;
   const auto end = [&] {
     // A call under way may hang, and nothing is stopped before it has returned.
     if (!loop.quitting()) connection.replyWithin(std::chrono::milliseconds(700));
@@ -86,10 +98,12 @@ int Serve(const Options& options) {
     ScriptLimits limits;
     limits.computing = std::chrono::seconds(options.scriptSeconds);
     ScriptRunner runner(loop, connection, house, plugin, host, limits);
+    HouseEvents events({loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
     WebApi api(visitors, gate,
                Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
+                       EventRoutes({house, rules, history, words, events.control(), scripts}),
                        LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
                        ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),
                        PageRoutes(house, plugin)}));
