@@ -183,8 +183,8 @@ TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
   {
     Database first(folder.path() / "house.db", "The house");
     standin::PrepareSchema(first);
-    first.run("DROP TABLE playlist_step");
-    first.run("DROP TABLE playlist");
+    for (const char* later : {"playlist_step", "playlist", "event_rule", "event_step", "evaluation", "place"})
+      first.run("DROP TABLE " + std::string(later));
     first.run("INSERT INTO log (time, type, text) VALUES (1, 'Info', 'kept')");
     first.run("PRAGMA user_version = 1");
   }
