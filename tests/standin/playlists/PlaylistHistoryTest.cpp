@@ -185,6 +185,7 @@ TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
     standin::PrepareSchema(first);
     for (const char* later : {"playlist_step", "playlist", "event_rule", "event_step", "evaluation", "place"})
       first.run("DROP TABLE " + std::string(later));
+    first.run("DROP TRIGGER event_renamed");
     first.run("INSERT INTO log (time, type, text) VALUES (1, 'Info', 'kept')");
     first.run("PRAGMA user_version = 1");
   }
