@@ -7,29 +7,21 @@
 
 namespace {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Array;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
 
 constexpr int kTitles = 10'000;
 
 std::shared_ptr<support::TableOf> MakeObject() {
-  return std::make_shared<support::TableOf>(
-      "Bench", std::vector<Member>{
-                   {"Setting",
-                    MemberKind::kOperation,
-                    {{"section", Type::kText}, {"key", Type::kText}, {"fallback", Type::kText, Value("")}},
-                    Type::kText,
-                    [](Args& args) { return args[2]; }},
-                   {"Titles", MemberKind::kOperation, {}, Type::kTextList, [](Args&) {
-                      Array titles;
-                      for (int i = 0; i < kTitles; ++i)
-                        titles.emplace_back("Title number " + std::to_string(i));
-                      return titles;
-                    }}});
+  return support::ObjectOf(
+      "Bench", {Operation("Setting", {Text("section"), Text("key"), Text("fallback", "")}, Type::kText,
+                          [](Args& args) { return args[2]; }),
+                Operation("Titles", {}, Type::kTextList, [] {
+                  Array titles;
+                  for (int i = 0; i < kTitles; ++i) titles.emplace_back("Title number " + std::to_string(i));
+                  return titles;
+                })});
 }
 
 /// An object served by another thread over a bus of its own, beside the same object in process.

@@ -42,7 +42,7 @@ class TriggeringPlugin {
       : peer_(bus, [this](bus::Connection& connection, bus::PollLoop& loop) {
           loop_ = &loop;
           connection.claimName("org.vantorix.vxif_WMP9");
-          connection.exportObject("/vxif", std::make_shared<support::TableOf>("vxif", members()));
+          connection.exportObject("/vxif", support::ObjectOf("vxif", members()));
         }) {}
 
   /// Milliseconds from the trigger to the event's action, and to the answer to the trigger.
@@ -63,34 +63,14 @@ class TriggeringPlugin {
 
  private:
   std::vector<base::Member> members() {
-    using base::Args;
-    using base::MemberKind;
-    using base::Type;
-    using base::Value;
-    return {{"RegisterCallback",
-             MemberKind::kOperation,
-             {{"callback", Type::kObject}},
-             Type::kNone,
-             [this](Args& args) {
-               callback_ = base::ToObject(args[0]);
-               return Value();
-             }},
-            {"Name", MemberKind::kOperation, {}, Type::kText, [](Args&) { return Value("Media Player"); }},
-            {"InitIO",
-             MemberKind::kOperation,
-             {{"port", Type::kInt32}},
-             Type::kText,
-             [](Args&) { return Value(""); }},
-            {"InterfaceStatus",
-             MemberKind::kOperation,
-             {},
-             Type::kInt16,
-             [](Args&) { return Value(std::int16_t{0}); }},
-            {"ShutdownIO", MemberKind::kOperation, {}, Type::kNone, [](Args&) { return Value(); }},
-            {"TriggerAction", MemberKind::kOperation, {{"action", Type::kText}}, Type::kNone, [this](Args&) {
-               action_.set_value(Clock::now());
-               return Value();
-             }}};
+    using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+    return {Command("RegisterCallback", {Reference("callback")},
+                    [this](Args& args) { callback_ = ReferenceAt(args, 0); }),
+            Constant("Name", Type::kText, "Media Player"),
+            Operation("InitIO", {Number("port")}, Type::kText, [] { return ""; }),
+            Constant("InterfaceStatus", Type::kInt16, 0),
+            Command("ShutdownIO", {}, [] {}),
+            Command("TriggerAction", {Text("action")}, [this] { action_.set_value(Clock::now()); })};
   }
   bus::PollLoop* loop_ = nullptr;
   base::ObjectRef callback_;

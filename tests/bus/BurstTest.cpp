@@ -10,22 +10,18 @@
 
 namespace {
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using support::ForeignProgram;
 
 constexpr int kBurst = 5000;
 
 class Burst : public testing::Test {
  protected:
-  Value work(bus::Connection& own, const Args& args) {
-    begun.push_back(base::ToInt32(args[0]));
+  void work(bus::Connection& own, const Args& args) {
+    begun.push_back(NumberAt(args, 0));
     EXPECT_EQ(Value("answer"), own.proxy(server.name(), "/any")->invoke("Ask"));
     ++ended;
-    return {};
   }
   void send(ForeignProgram& client) {
     for (int i = 0; i < kBurst; ++i) client.send(worker.uniqueName(), "/object", "Work", "i", i);
@@ -46,13 +42,8 @@ class Burst : public testing::Test {
   support::BusPeer worker{
       daemon.address(), [this](bus::Connection& own, bus::PollLoop&) {
         own.exportObject(
-            "/object",
-            std::make_shared<support::TableOf>(
-                "Worker", std::vector<Member>{{"Work",
-                                               MemberKind::kOperation,
-                                               {{"number", Type::kInt32}},
-                                               Type::kNone,
-                                               [this, &own](Args& args) { return work(own, args); }}}));
+            "/object", support::ObjectOf("Worker", {Command("Work", {Number("number")},
+                                                            [this, &own](Args& args) { work(own, args); })}));
       }};
 };
 

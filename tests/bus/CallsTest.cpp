@@ -8,16 +8,14 @@
 
 namespace {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Array;
-using base::Member;
-using base::MemberKind;
 using base::ObjectRef;
 using base::Record;
-using base::Type;
-using base::Value;
 using support::BusPeer;
 using support::FailureNumberOf;
+using support::ObjectOf;
 using support::TableOf;
 using testing::HasSubstr;
 
@@ -35,68 +33,30 @@ struct Sample {
 
 /// An object with an operation of every shape.
 std::shared_ptr<TableOf> MakeSample(const std::shared_ptr<Sample>& sample) {
-  return std::make_shared<TableOf>(
+  return ObjectOf(
       "Sample",
-      std::vector<Member>{
-          {"Echo", MemberKind::kOperation, {{"value"}}, Type::kAny, [](Args& a) { return a[0]; }},
-          {"Texts",
-           MemberKind::kOperation,
-           {{"count", Type::kInt32}},
-           Type::kTextList,
-           [](Args& a) {
-             Array texts;
-             for (int i = 0; i < base::ToInt32(a[0]); ++i) texts.emplace_back(std::to_string(i));
-             return texts;
-           }},
-          {"List", MemberKind::kOperation, {}, Type::kTextList, [sample](Args&) { return sample->list; }},
-          {"Sum",
-           MemberKind::kOperation,
-           {{"left", Type::kInt32}, {"right", Type::kInt32, Value(100)}},
-           Type::kInt32,
-           [](Args& a) { return base::ToInt32(a[0]) + base::ToInt32(a[1]); }},
-          {"Swap",
-           MemberKind::kOperation,
-           {{"first", Type::kText, {}, true}, {"between", Type::kInt16}, {"second", Type::kText, {}, true}},
-           Type::kBoolean,
-           [](Args& a) {
-             std::swap(a[0], a[2]);
-             return true;
-           }},
-          {"Count",
-           MemberKind::kOperation,
-           {{"counter", Type::kInt32, {}, true}},
-           Type::kNone,
-           [](Args& a) {
-             a[0] = base::ToInt32(a[0]) + 1;
-             return Value();
-           }},
-          {"Fail",
-           MemberKind::kOperation,
-           {{"number", Type::kInt32}, {"text", Type::kText}},
-           Type::kNone,
-           [](Args& a) -> Value { throw base::Failure(base::ToInt32(a[0]), base::ToText(a[1])); }},
-          {"Break",
-           MemberKind::kOperation,
-           {},
-           Type::kNone,
-           [](Args&) -> Value { throw std::runtime_error("broken"); }},
-          {"Give",
-           MemberKind::kOperation,
-           {{"object", Type::kObject}},
-           Type::kNone,
-           [sample](Args& a) {
-             sample->given = base::ToObject(a[0]);
-             return Value();
-           }},
-          {"GiveBack", MemberKind::kOperation, {}, Type::kObject, [sample](Args&) { return sample->given; }},
-          {"Field",
-           MemberKind::kField,
-           {},
-           Type::kText,
-           [sample](Args&) { return Value(sample->field); },
-           [sample](const Value& value) { sample->field = base::ToText(value); }},
-          {"Fixed", MemberKind::kReadField, {}, Type::kInt16, [](Args&) { return Value(std::int16_t{5}); }},
-      });
+      {Operation("Echo", {Any("value")}, Type::kAny, [](Args& args) { return args[0]; }),
+       Operation("Texts", {Number("count")}, Type::kTextList,
+                 [](Args& args) {
+                   Array texts;
+                   for (int i = 0; i < NumberAt(args, 0); ++i) texts.emplace_back(std::to_string(i));
+                   return texts;
+                 }),
+       Operation("List", {}, Type::kTextList, [sample] { return sample->list; }),
+       Operation("Sum", {Number("left"), Number("right", 100)}, Type::kInt32,
+                 [](Args& args) { return NumberAt(args, 0) + NumberAt(args, 1); }),
+       Operation("Swap", {InOut(Text("first")), Short("between"), InOut(Text("second"))}, Type::kBoolean,
+                 [](Args& args) {
+                   std::swap(args[0], args[2]);
+                   return true;
+                 }),
+       Command("Count", {InOut(Number("counter"))}, [](Args& args) { args[0] = NumberAt(args, 0) + 1; }),
+       Command("Fail", {Number("number"), Text("text")},
+               [](Args& args) { throw base::Failure(NumberAt(args, 0), TextAt(args, 1)); }),
+       Command("Break", {}, [] { throw std::runtime_error("broken"); }),
+       Command("Give", {Reference("object")}, [sample](Args& args) { sample->given = ReferenceAt(args, 0); }),
+       Operation("GiveBack", {}, Type::kObject, [sample] { return sample->given; }),
+       TextField("Field", sample->field), ReadField("Fixed", Type::kInt16, [] { return 5; })});
 }
 
 class Calls : public testing::Test {
@@ -221,12 +181,8 @@ TEST_F(Calls, NamesOfMembersAndFieldsThatNoObjectCanHaveAreFailure438) {
 TEST_F(Calls, IntrospectionStaysReadableWhateverTheNames) {
   peer.run([](bus::Connection& other, bus::PollLoop&) {
     other.exportObject("/strange",
-                       std::make_shared<TableOf>(
-                           "Strange", std::vector<Member>{{"Take",
-                                                           MemberKind::kOperation,
-                                                           {{kNoncharacters, Type::kText, kNoncharacters}},
-                                                           Type::kText,
-                                                           [](Args& a) { return a[0]; }}}));
+                       ObjectOf("Strange", {Operation("Take", {Text(kNoncharacters, kNoncharacters)},
+                                                      Type::kText, [](Args& args) { return args[0]; })}));
   });
   const auto node = bus::ParseNode(connection.introspect("org.example.Sample", "/strange"));
   ASSERT_NE(nullptr, node.findMethod("Take"));
@@ -280,9 +236,7 @@ TEST_F(Calls, IntrospectionTellsMembersTypesAndArgumentNames) {
 }
 
 TEST_F(Calls, IntrospectionOfThePathsAboveLeadsToTheObjects) {
-  peer.run([](bus::Connection& other, bus::PollLoop&) {
-    other.exportObject("/deep/er", std::make_shared<TableOf>("Deep", std::vector<Member>{}));
-  });
+  peer.run([](bus::Connection& other, bus::PollLoop&) { other.exportObject("/deep/er", ObjectOf("Deep")); });
   EXPECT_EQ((std::vector<std::string>{"deep", "sample"}),
             bus::ParseNode(connection.introspect("org.example.Sample", "/")).children);
   EXPECT_EQ(std::vector<std::string>{"er"},
@@ -290,7 +244,7 @@ TEST_F(Calls, IntrospectionOfThePathsAboveLeadsToTheObjects) {
 }
 
 TEST_F(Calls, AnObjectThatComesBackToItsOwnerIsTheVerySameObject) {
-  const ObjectRef mine = std::make_shared<TableOf>("Mine", std::vector<Member>{});
+  const ObjectRef mine = ObjectOf("Mine");
   remote->invoke("Give", mine);
   EXPECT_EQ(Value(mine), remote->invoke("GiveBack"));
   EXPECT_EQ(connection.uniqueName(), bus::Connection::peerOf(*sample->given));
@@ -298,7 +252,7 @@ TEST_F(Calls, AnObjectThatComesBackToItsOwnerIsTheVerySameObject) {
 }
 
 TEST_F(Calls, TheOwnersOwnObjectComesBackUnwrappedThere) {
-  const auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  const auto theirs = ObjectOf("Theirs");
   peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = theirs; });
   const Value reference = remote->invoke("GiveBack");
   peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = nullptr; });
@@ -307,7 +261,7 @@ TEST_F(Calls, TheOwnersOwnObjectComesBackUnwrappedThere) {
 }
 
 TEST_F(Calls, ASentObjectLivesUntilItsLastProxyHasGone) {
-  auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  auto theirs = ObjectOf("Theirs");
   const std::weak_ptr<TableOf> watched = theirs;
   peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = std::move(theirs); });
   Value first = remote->invoke("GiveBack");
@@ -322,7 +276,7 @@ TEST_F(Calls, ASentObjectLivesUntilItsLastProxyHasGone) {
 }
 
 TEST_F(Calls, ASentObjectGoesWithTheProcessThatHeldIt) {
-  auto theirs = std::make_shared<TableOf>("Theirs", std::vector<Member>{});
+  auto theirs = ObjectOf("Theirs");
   const std::weak_ptr<TableOf> watched = theirs;
   peer.run([&](bus::Connection&, bus::PollLoop&) { sample->given = std::move(theirs); });
   {

@@ -8,10 +8,12 @@
 
 namespace {
 
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using support::FailureNumberOf;
 using support::TableOf;
 
-std::shared_ptr<TableOf> NewObject() { return std::make_shared<TableOf>("Any", std::vector<base::Member>{}); }
+std::shared_ptr<TableOf> NewObject() { return support::ObjectOf("Any"); }
 
 TEST(Exports, ASentObjectKeepsItsPathWhileAnyoneHoldsIt) {
   bus::Exports exports;
@@ -71,12 +73,9 @@ TEST(Errors, OtherErrorsAreToldByNameAndText) {
 }
 
 TEST(Introspection, NamesAndDefaultsSurviveTheText) {
-  const base::MemberTable table("Odd", {{"Say",
-                                         base::MemberKind::kOperation,
-                                         {{"text", base::Type::kText, base::Value("<\"&\">"), true},
-                                          {"list", base::Type::kArray, base::Array()}},
-                                         base::Type::kNone,
-                                         [](base::Args&) { return base::Value(); }}});
+  Param list = List("list");
+  list.fallback = base::Array();
+  const MemberTable table("Odd", {Command("Say", {InOut(Text("text", "<\"&\">")), list}, [] {})});
   const auto node = bus::ParseNode(bus::DescribeNode(&table, {"child"}));
   const auto* say = node.findMethod("SAY");
   ASSERT_NE(nullptr, say);

@@ -9,13 +9,10 @@
 
 namespace {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Array;
-using base::Member;
-using base::MemberKind;
 using base::Record;
-using base::Type;
-using base::Value;
 
 /// A client that knows nothing of the system, only D-Bus.
 class ForeignTypes : public testing::Test {
@@ -63,30 +60,15 @@ class ForeignTypes : public testing::Test {
   support::BusPeer peer{
       daemon.address(), [this](bus::Connection& connection, bus::PollLoop&) {
         connection.exportObject(
-            "/seen",
-            std::make_shared<support::TableOf>(
-                "Seen",
-                std::vector<Member>{
-                    {"See",
-                     MemberKind::kOperation,
-                     {{"value"}},
-                     Type::kNone,
-                     [this](Args& args) {
-                       seen = args[0];
-                       return Value();
-                     }},
-                    {"Tell", MemberKind::kOperation, {}, Type::kAny, [this](Args&) { return answer; }},
-                    {"List", MemberKind::kOperation, {}, Type::kTextList, [](Args&) { return Array{}; }},
-                    {"Anything", MemberKind::kOperation, {}, Type::kArray, [](Args&) { return Array{}; }},
-                    {"Field",
-                     MemberKind::kField,
-                     {},
-                     Type::kAny,
-                     [this](Args&) { return seen; },
-                     [this](const Value& value) { seen = value; }},
-                    {"Dead", MemberKind::kReadField, {}, Type::kAny, [](Args&) -> Value {
-                       throw base::Failure(5);
-                     }}}));
+            "/seen", support::ObjectOf(
+                         "Seen", {Command("See", {Any("value")}, [this](Args& args) { seen = args[0]; }),
+                                  Operation("Tell", {}, Type::kAny, [this] { return answer; }),
+                                  Operation("List", {}, Type::kTextList, [] { return Array{}; }),
+                                  Operation("Anything", {}, Type::kArray, [] { return Array{}; }),
+                                  Field(
+                                      "Field", Type::kAny, [this] { return seen; },
+                                      [this](const Value& value) { seen = value; }),
+                                  ReadField("Dead", Type::kAny, []() -> Value { throw base::Failure(5); })}));
       }};
   bus::Bus client;
 };
@@ -231,11 +213,7 @@ TEST_F(ForeignTypes, TextThatTheBusCannotCarryTravelsAsBytes) {
 TEST_F(ForeignTypes, NegativeFailureNumbersAreMarkedWithM) {
   peer.run([](bus::Connection& connection, bus::PollLoop&) {
     connection.exportObject(
-        "/seen",
-        std::make_shared<support::TableOf>(
-            "Seen", std::vector<Member>{{"See", MemberKind::kOperation, {}, Type::kNone, [](Args&) -> Value {
-                                           throw base::Failure(-1072889802);
-                                         }}}));
+        "/seen", support::ObjectOf("Seen", {Command("See", {}, [] { throw base::Failure(-1072889802); })}));
   });
   EXPECT_FALSE(send(newCall(nullptr, "See")));
   EXPECT_EQ("org.vantorix.Failure.NM1072889802", error);

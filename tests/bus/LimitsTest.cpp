@@ -7,13 +7,10 @@
 
 namespace {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Array;
-using base::Member;
-using base::MemberKind;
 using base::Record;
-using base::Type;
-using base::Value;
 using support::FailureNumberOf;
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
@@ -32,12 +29,9 @@ Value Nested(int levels) {
 /// An object whose answers are as large as its caller asks, on a bus that cuts off whoever sends too much.
 class Limits : public testing::Test {
  protected:
-  static Member operation(std::string name, Type result, std::function<Value(Args&)> answer) {
-    return {std::move(name),
-            MemberKind::kOperation,
-            {{"argument", Type::kAny, Value()}},
-            result,
-            std::move(answer)};
+  template <class Answer>
+  static Member sized(std::string name, Type result, Answer answer) {
+    return Operation(std::move(name), {Any("argument", Value())}, result, std::move(answer));
   }
   void expectRefused(const std::function<void()>& call) {
     try {
@@ -56,39 +50,25 @@ class Limits : public testing::Test {
       daemon.address(), [this](bus::Connection& connection, bus::PollLoop&) {
         connection.exportObject(
             "/large",
-            std::make_shared<support::TableOf>(
+            support::ObjectOf(
                 "Large",
-                std::vector<Member>{
-                    operation("Echo", Type::kAny, [](Args& args) { return args[0]; }),
-                    operation("Text", Type::kText, [](Args& args) { return Large(base::ToInt32(args[0])); }),
-                    operation("Bytes", Type::kText,
-                              [](Args& args) { return Large(base::ToInt32(args[0])) + kNoncharacter; }),
-                    operation("List", Type::kTextList,
-                              [](Args& args) { return Array(base::ToInt32(args[0]), Large(1)); }),
-                    operation("Record", Type::kRecord,
-                              [](Args& args) {
-                                return Record(base::ToInt32(args[0]), {"key", Large(1)});
-                              }),
-                    operation("Nested", Type::kArray,
-                              [](Args& args) { return Nested(base::ToInt32(args[0])); }),
-                    operation(
-                        "Fail", Type::kNone,
-                        [](Args& args) -> Value { throw base::Failure(7, Large(base::ToInt32(args[0]))); }),
-                    {"Back",
-                     MemberKind::kOperation,
-                     {{"text", Type::kText, {}, true}},
-                     Type::kNone,
-                     [](Args& args) {
-                       args[0] = Large(128);
-                       return Value();
-                     }},
-                    {"Field",
-                     MemberKind::kField,
-                     {},
-                     Type::kText,
-                     [](Args&) { return Large(128); },
-                     [this](const Value& value) { field = base::ToText(value); }},
-                }));
+                {sized("Echo", Type::kAny, [](Args& args) { return args[0]; }),
+                 sized("Text", Type::kText, [](Args& args) { return Large(NumberAt(args, 0)); }),
+                 sized("Bytes", Type::kText,
+                       [](Args& args) { return Large(NumberAt(args, 0)) + kNoncharacter; }),
+                 sized("List", Type::kTextList,
+                       [](Args& args) { return Array(NumberAt(args, 0), Large(1)); }),
+                 sized("Record", Type::kRecord,
+                       [](Args& args) {
+                         return Record(NumberAt(args, 0), {"key", Large(1)});
+                       }),
+                 sized("Nested", Type::kArray, [](Args& args) { return Nested(NumberAt(args, 0)); }),
+                 sized("Fail", Type::kNone,
+                       [](Args& args) -> Value { throw base::Failure(7, Large(NumberAt(args, 0))); }),
+                 Command("Back", {InOut(Text("text"))}, [](Args& args) { args[0] = Large(128); }),
+                 Field(
+                     "Field", Type::kText, [] { return Large(128); },
+                     [this](const Value& value) { field = base::ToText(value); })}));
         connection.claimName("org.example.Large");
       }};
   bus::PollLoop loop;

@@ -8,14 +8,11 @@
 
 namespace {
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using support::BusPeer;
 using support::FailureNumberOf;
-using support::TableOf;
+using support::ObjectOf;
 using support::TurnUntil;
 
 constexpr const char* kActivated = "org.example.Activated";
@@ -57,9 +54,7 @@ TEST_F(Loss, AServiceThatCannotBeStartedIsFailure429WithTheReason) {
 
 TEST_F(Loss, AnotherProcessMayAskBackWhileItIsCalled) {
   connection.startService(kActivated);
-  const auto asker = std::make_shared<TableOf>(
-      "Asker", std::vector<Member>{
-                   {"Answer", MemberKind::kOperation, {}, Type::kInt32, [](Args&) { return Value(42); }}});
+  const auto asker = ObjectOf("Asker", {Constant("Answer", Type::kInt32, 42)});
   EXPECT_EQ(Value(42), service->invoke("AskBack", asker));
   service->invoke("Quit");
 }
@@ -91,13 +86,7 @@ TEST_F(Loss, ABusThatDiesInTheMiddleOfACallIsFailure462AndIsTold) {
   bool gone = false;
   connection.onDisconnect([&] { gone = true; });
   BusPeer peer(daemon.address(), [this](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject(
-        "/killer",
-        std::make_shared<TableOf>(
-            "Killer", std::vector<Member>{{"Kill", MemberKind::kOperation, {}, Type::kNone, [this](Args&) {
-                                             daemon.kill();
-                                             return Value();
-                                           }}}));
+    own.exportObject("/killer", ObjectOf("Killer", {Command("Kill", {}, [this] { daemon.kill(); })}));
   });
   const auto killer = connection.proxy(peer.uniqueName(), "/killer");
   EXPECT_EQ(base::number::kHostGone, FailureNumberOf([&] { killer->invoke("Kill"); }));
@@ -117,13 +106,7 @@ TEST_F(Loss, ABusThatDiesWhileTheLoopTurnsIsTold) {
 
 TEST_F(Loss, ABusThatDiesInAnOpenWaitEndsTheWait) {
   BusPeer peer(daemon.address(), [this](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject(
-        "/killer",
-        std::make_shared<TableOf>(
-            "Killer", std::vector<Member>{{"Kill", MemberKind::kOperation, {}, Type::kNone, [this](Args&) {
-                                             daemon.kill();
-                                             return Value();
-                                           }}}));
+    own.exportObject("/killer", ObjectOf("Killer", {Command("Kill", {}, [this] { daemon.kill(); })}));
   });
   EXPECT_EQ(base::number::kHostGone, FailureNumberOf([&] {
               loop.whileOpen([&] { connection.proxy(peer.uniqueName(), "/killer")->invoke("Kill"); });

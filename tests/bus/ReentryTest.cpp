@@ -12,31 +12,27 @@
 
 namespace {
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Milliseconds;
 using base::ObjectRef;
-using base::Type;
-using base::Value;
 using support::BusPeer;
 using support::FailureNumberOf;
+using support::ObjectOf;
 using support::TableOf;
 
-Member Operation(std::string name, std::function<Value(Args&)> handler) {
-  return {std::move(name),
-          MemberKind::kOperation,
-          {{"argument", Type::kAny, Value()}},
-          Type::kAny,
-          std::move(handler)};
+/// An operation with an argument that may be left out.
+template <class Answer>
+Member Call(std::string name, Answer answer) {
+  return Operation(std::move(name), {Any("argument", Value())}, Type::kAny, std::move(answer));
 }
 
 /// An object that counts down together with a partner that has the same operation.
 ObjectRef Half(
     bus::Connection& connection, std::string partner, std::function<void()> atTheBottom = [] {}) {
-  return std::make_shared<TableOf>(
-      "Half", std::vector<Member>{Operation("Down", [&connection, partner = std::move(partner),
-                                                     bottom = std::move(atTheBottom)](Args& args) {
+  return ObjectOf(
+      "Half",
+      {Call("Down", [&connection, partner = std::move(partner), bottom = std::move(atTheBottom)](Args& args) {
         const auto left = base::ToInt32(args[0]);
         if (left == 0) {
           bottom();
@@ -58,11 +54,11 @@ class Reentry : public testing::Test {
   /// A peer whose operation "Sleep" blocks its whole thread for some milliseconds.
   std::unique_ptr<BusPeer> sleeper() {
     return std::make_unique<BusPeer>(daemon.address(), [](bus::Connection& own, bus::PollLoop&) {
-      own.exportObject("/sleeper", std::make_shared<TableOf>(
-                                       "Sleeper", std::vector<Member>{Operation("Sleep", [](Args& args) {
-                                         std::this_thread::sleep_for(Milliseconds(base::ToInt32(args[0])));
-                                         return Value("slept");
-                                       })}));
+      own.exportObject("/sleeper",
+                       ObjectOf("Sleeper", {Call("Sleep", [](Args& args) {
+                                  std::this_thread::sleep_for(Milliseconds(base::ToInt32(args[0])));
+                                  return Value("slept");
+                                })}));
     });
   }
 
@@ -95,11 +91,7 @@ TEST_F(Circle, ACallThatIsDeeperIsRefusedAndHarmsNobody) {
 TEST_F(Circle, IsEndedWhileOtherCallsComeAndNoneOfThoseIsLost) {
   int hits = 0;
   right->run([&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/target",
-                     std::make_shared<TableOf>("Target", std::vector<Member>{Operation("Hit", [&](Args&) {
-                                                 ++hits;
-                                                 return Value();
-                                               })}));
+    own.exportObject("/target", ObjectOf("Target", {Call("Hit", [&] { ++hits; })}));
   });
   constexpr int kOthers = 300;
   std::atomic<int> refused = 0;
@@ -123,14 +115,12 @@ TEST_F(Circle, IsEndedWhileOtherCallsComeAndNoneOfThoseIsLost) {
 
 TEST_F(Circle, AReferenceIsTakenBackAtAnyDepth) {
   BusPeer taker(daemon.address(), [](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/taker",
-                     std::make_shared<TableOf>(
-                         "Taker", std::vector<Member>{Operation("Take", [](Args&) { return Value(); })}));
+    own.exportObject("/taker", ObjectOf("Taker", {Call("Take", [] {})}));
   });
   std::weak_ptr<TableOf> sent;
   bool givenBack = false;
   atTheBottom = [&] {
-    auto held = std::make_shared<TableOf>("Held", std::vector<Member>{});
+    auto held = ObjectOf("Held");
     sent = held;
     connection.proxy(taker.uniqueName(), "/taker")->invoke("Take", ObjectRef(std::move(held)));
     givenBack = sent.expired();
@@ -159,28 +149,24 @@ TEST_F(Reentry, AReplyThatComesDuringAnInnerCallIsKeptForTheOuterOne) {
   std::promise<void> outerMayReply;
   std::promise<void> outerHasReplied;
   BusPeer outer(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/object",
-                     std::make_shared<TableOf>("Outer", std::vector<Member>{Operation("Wait", [&](Args&) {
-                                                 outerHasBegun.set_value();
-                                                 outerMayReply.get_future().get();
-                                                 return Value("outer");
-                                               })}));
+    own.exportObject("/object", ObjectOf("Outer", {Call("Wait", [&] {
+                                           outerHasBegun.set_value();
+                                           outerMayReply.get_future().get();
+                                           return Value("outer");
+                                         })}));
   });
   BusPeer inner(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/object",
-                     std::make_shared<TableOf>("Inner", std::vector<Member>{Operation("Wait", [&](Args&) {
-                                                 outerHasReplied.get_future().get();
-                                                 return Value("inner");
-                                               })}));
+    own.exportObject("/object", ObjectOf("Inner", {Call("Wait", [&] {
+                                           outerHasReplied.get_future().get();
+                                           return Value("inner");
+                                         })}));
   });
   Value innerResult;
   connection.exportObject(
-      "/own", std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Enter", [&](Args&) {
-                                          outerMayReply.set_value();
-                                          innerResult =
-                                              connection.proxy(inner.uniqueName(), "/object")->invoke("Wait");
-                                          return Value();
-                                        })}));
+      "/own", ObjectOf("Own", {Call("Enter", [&] {
+                         outerMayReply.set_value();
+                         innerResult = connection.proxy(inner.uniqueName(), "/object")->invoke("Wait");
+                       })}));
   std::thread caller([&] {
     bus::PollLoop ownLoop;
     bus::Connection own(ownLoop, daemon.address());
@@ -208,12 +194,11 @@ TEST_F(Reentry, ASignalIsHandledInAPlainWaitToo) {
     stopped.set_value();
   });
   BusPeer hanging(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/hanging",
-                     std::make_shared<TableOf>("Hanging", std::vector<Member>{Operation("Hang", [&](Args&) {
-                                                 ::kill(::getpid(), SIGUSR1);
-                                                 stopped.get_future().get();
-                                                 return Value("at last");
-                                               })}));
+    own.exportObject("/hanging", ObjectOf("Hanging", {Call("Hang", [&] {
+                                            ::kill(::getpid(), SIGUSR1);
+                                            stopped.get_future().get();
+                                            return Value("at last");
+                                          })}));
   });
   EXPECT_EQ(Value("at last"), connection.proxy(hanging.uniqueName(), "/hanging")->invoke("Hang"));
   EXPECT_EQ(1, signals);
@@ -223,16 +208,11 @@ TEST_F(Reentry, RepliesOfAHangingProcessAreGivenUpWhenTimeIsLimited) {
   std::promise<void> stopped;
   int reached = 0;
   BusPeer hanging(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/hanging", std::make_shared<TableOf>(
-                                     "Hanging", std::vector<Member>{Operation("Hang",
-                                                                              [&](Args&) {
-                                                                                stopped.get_future().get();
-                                                                                return Value();
-                                                                              }),
-                                                                    Operation("Save", [&](Args&) {
-                                                                      ++reached;
-                                                                      return Value("saved");
-                                                                    })}));
+    own.exportObject(
+        "/hanging", ObjectOf("Hanging", {Call("Hang", [&] { stopped.get_future().get(); }), Call("Save", [&] {
+                                           ++reached;
+                                           return Value("saved");
+                                         })}));
   });
   const auto remote = connection.proxy(hanging.uniqueName(), "/hanging");
   loop.post([&] { connection.replyWithin(Milliseconds(1)); });
@@ -249,20 +229,14 @@ TEST_F(Reentry, RepliesOfAHangingProcessAreGivenUpWhenTimeIsLimited) {
 TEST_F(Reentry, APlainWaitServesCallsAndRunsNoTimers) {
   int served = 0;
   int fired = 0;
-  connection.exportObject("/own",
-                          std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Hit", [&](Args&) {
-                                                      ++served;
-                                                      return Value();
-                                                    })}));
+  connection.exportObject("/own", ObjectOf("Own", {Call("Hit", [&] { ++served; })}));
   BusPeer caller(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/object",
-                     std::make_shared<TableOf>("Caller", std::vector<Member>{Operation("Go", [&](Args&) {
-                                                 for (int i = 0; i < 3; ++i) {
-                                                   own.proxy(connection.uniqueName(), "/own")->invoke("Hit");
-                                                   std::this_thread::sleep_for(Milliseconds(5));
-                                                 }
-                                                 return Value();
-                                               })}));
+    own.exportObject("/object", ObjectOf("Caller", {Call("Go", [&] {
+                                           for (int i = 0; i < 3; ++i) {
+                                             own.proxy(connection.uniqueName(), "/own")->invoke("Hit");
+                                             std::this_thread::sleep_for(Milliseconds(5));
+                                           }
+                                         })}));
   });
   const auto timer = loop.makeTimer(Milliseconds(1), [&] { ++fired; });
   timer->enabled(true);
@@ -308,11 +282,7 @@ TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
 
 TEST_F(Reentry, ACallThatComesInWhilePumpingIsServed) {
   int served = 0;
-  connection.exportObject("/own",
-                          std::make_shared<TableOf>("Own", std::vector<Member>{Operation("Hit", [&](Args&) {
-                                                      ++served;
-                                                      return Value();
-                                                    })}));
+  connection.exportObject("/own", ObjectOf("Own", {Call("Hit", [&] { ++served; })}));
   auto caller = std::async(std::launch::async, [&] {
     bus::PollLoop ownLoop;
     bus::Connection own(ownLoop, daemon.address());

@@ -12,13 +12,10 @@
 
 namespace {
 
-using base::Args;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+
 using base::Array;
-using base::Member;
-using base::MemberKind;
 using base::Record;
-using base::Type;
-using base::Value;
 using testing::HasSubstr;
 
 struct Outcome {
@@ -57,89 +54,47 @@ class Vxcall : public testing::Test {
   support::BusDaemon daemon;
   Value seen;  // belongs to the peer's thread
   support::BusPeer peer{daemon.address(), [this](bus::Connection& connection, bus::PollLoop&) {
-                          connection.exportObject("/host",
-                                                  std::make_shared<support::TableOf>("Host", members()));
+                          connection.exportObject("/host", support::ObjectOf("Host", members()));
                           connection.claimName("org.vantorix.Host");
                         }};
 
  private:
   base::ObjectRef player() {
-    const Member say{"Say", MemberKind::kOperation, {}, Type::kText, [](Args&) { return "deep"; }};
-    const auto inner = std::make_shared<support::TableOf>("Inner", std::vector<Member>{say});
-    return std::make_shared<support::TableOf>(
-        "Player", std::vector<Member>{{"volume",
-                                       MemberKind::kField,
-                                       {},
-                                       Type::kInt16,
-                                       [](Args&) { return std::int16_t{1}; },
-                                       [this](const Value& value) { seen = value; }},
-                                      {"inner", MemberKind::kOperation, {}, Type::kObject, [inner](Args&) {
-                                         return inner;
-                                       }}});
+    const auto inner = support::ObjectOf("Inner", {Constant("Say", Type::kText, "deep")});
+    return support::ObjectOf("Player", {Field(
+                                            "volume", Type::kInt16, [] { return 1; },
+                                            [this](const Value& value) { seen = value; }),
+                                        Constant("inner", Type::kObject, inner)});
   }
 
   std::vector<Member> members() {
     return {
-        {"Play",
-         MemberKind::kOperation,
-         {{"category", Type::kText}, {"name", Type::kText, Value("all")}},
-         Type::kText,
-         [](Args& a) { return base::ToText(a[0]) + "/" + base::ToText(a[1]); }},
-        {"List",
-         MemberKind::kOperation,
-         {},
-         Type::kTextList,
-         [](Args&) {
-           return Array{"one", "two"};
-         }},
-        {"Info",
-         MemberKind::kOperation,
-         {},
-         Type::kRecord,
-         [](Args&) {
-           return Record{{"Title", "Blue"}, {"Length", 3}};
-         }},
-        {"Raw", MemberKind::kOperation, {}, Type::kText, [](Args&) { return std::string("a\0b", 3); }},
-        {"Count",
-         MemberKind::kOperation,
-         {{"counter", Type::kInt32, {}, true}},
-         Type::kText,
-         [](Args& a) {
-           a[0] = base::ToInt32(a[0]) + 1;
-           return "counted";
-         }},
-        {"See",
-         MemberKind::kOperation,
-         {{"value"}},
-         Type::kNone,
-         [this](Args& a) {
-           seen = a[0];
-           return Value();
-         }},
-        {"Typed",
-         MemberKind::kOperation,
-         {{"flag", Type::kBoolean}, {"number", Type::kDouble}},
-         Type::kText,
-         [](Args& a) { return base::ToText(a[0]) + base::ToText(a[1]); }},
-        {"Fail",
-         MemberKind::kOperation,
-         {},
-         Type::kNone,
-         [](Args&) -> Value { throw base::Failure(35601, "no such node"); }},
-        {"Self",
-         MemberKind::kOperation,
-         {},
-         Type::kObject,
-         [](Args&) { return std::make_shared<support::TableOf>("Part", std::vector<Member>{}); }},
-        {"Player", MemberKind::kReadField, {}, Type::kObject, [this](Args&) { return player(); }},
-        {"Gone", MemberKind::kReadField, {}, Type::kObject, [](Args&) { return base::ObjectRef(); }},
-        {"Volume",
-         MemberKind::kField,
-         {},
-         Type::kInt16,
-         [this](Args&) { return seen; },
-         [this](const Value& value) { seen = value; }},
-        {"Version", MemberKind::kReadField, {}, Type::kText, [](Args&) { return "1"; }},
+        Operation("Play", {Text("category"), Text("name", "all")}, Type::kText,
+                  [](Args& args) { return TextAt(args, 0) + "/" + TextAt(args, 1); }),
+        Operation("List", {}, Type::kTextList,
+                  [] {
+                    return Array{"one", "two"};
+                  }),
+        Operation("Info", {}, Type::kRecord,
+                  [] {
+                    return Record{{"Title", "Blue"}, {"Length", 3}};
+                  }),
+        Operation("Raw", {}, Type::kText, [] { return std::string("a\0b", 3); }),
+        Operation("Count", {InOut(Number("counter"))}, Type::kText,
+                  [](Args& args) {
+                    args[0] = NumberAt(args, 0) + 1;
+                    return "counted";
+                  }),
+        Command("See", {Any("value")}, [this](Args& args) { seen = args[0]; }),
+        Operation("Typed", {Flag("flag"), {"number", Type::kDouble}}, Type::kText,
+                  [](Args& args) { return TextAt(args, 0) + TextAt(args, 1); }),
+        Command("Fail", {}, [] { throw base::Failure(35601, "no such node"); }),
+        Operation("Self", {}, Type::kObject, [] { return support::ObjectOf("Part"); }),
+        ReadField("Player", Type::kObject, [this] { return player(); }),
+        ReadField("Gone", Type::kObject, [] { return base::ObjectRef(); }),
+        Field(
+            "Volume", Type::kInt16, [this] { return seen; }, [this](const Value& value) { seen = value; }),
+        ReadField("Version", Type::kText, [] { return "1"; }),
     };
   }
 };

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/Failure.hpp"
-#include "base/Members.hpp"
+#include "base/MemberWords.hpp"
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
 #include "support/FailureNumber.hpp"
@@ -21,6 +21,11 @@ class TableOf : public base::TableObject {
   TableOf(std::string interfaceName, std::vector<base::Member> members)
       : TableObject(base::MemberTable(std::move(interfaceName), std::move(members))) {}
 };
+
+/// An object made of these members.
+inline std::shared_ptr<TableOf> ObjectOf(std::string interfaceName, std::vector<base::Member> members = {}) {
+  return std::make_shared<TableOf>(std::move(interfaceName), std::move(members));
+}
 
 /// Another party on the bus: a thread with a loop and a connection of its own.
 class BusPeer {

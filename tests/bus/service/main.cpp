@@ -3,44 +3,28 @@
 #include <iostream>
 
 #include "base/Failure.hpp"
-#include "base/Members.hpp"
+#include "base/MemberWords.hpp"
 #include "bus/Connection.hpp"
 
 namespace {
 
-using base::Args;
-using base::Member;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 /// The object of a process that the bus starts and that ends in every way.
 class Service : public base::TableObject {
  public:
   explicit Service(bus::PollLoop& loop)
-      : TableObject(base::MemberTable(
-            "Service", std::vector<Member>{{"Greet",
-                                            MemberKind::kOperation,
-                                            {{"name", Type::kText, Value("you")}},
-                                            Type::kText,
-                                            [](Args& args) { return "Hello, " + base::ToText(args[0]); }},
-                                           {"Die",
-                                            MemberKind::kOperation,
-                                            {},
-                                            Type::kText,
-                                            [](Args&) -> Value {
-                                              std::raise(SIGKILL);
-                                              return "not reached";
-                                            }},
-                                           {"AskBack",
-                                            MemberKind::kOperation,
-                                            {{"asker", Type::kObject}},
-                                            Type::kAny,
-                                            [](Args& args) { return base::Deref(args[0]).invoke("Answer"); }},
-                                           {"Quit", MemberKind::kOperation, {}, Type::kNone, [&loop](Args&) {
-                                              loop.quit(0);
-                                              return Value();
-                                            }}})) {}
+      : TableObject({"Service",
+                     {Operation("Greet", {Text("name", "you")}, Type::kText,
+                                [](Args& args) { return "Hello, " + TextAt(args, 0); }),
+                      Operation("Die", {}, Type::kText,
+                                [] {
+                                  std::raise(SIGKILL);
+                                  return "not reached";
+                                }),
+                      Operation("AskBack", {Reference("asker")}, Type::kAny,
+                                [](Args& args) { return base::Deref(args[0]).invoke("Answer"); }),
+                      Command("Quit", {}, [&loop] { loop.quit(0); })}}) {}
 };
 
 }  // namespace
