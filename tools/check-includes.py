@@ -35,7 +35,7 @@ MAY_INCLUDE = {
     "engine/scan": "base database engine/common engine/tags files",
     "engine/library": "base engine/common files engine/scan engine/tags player",
     "engine/playlists": "base engine/common files engine/library engine/scan player",
-    "engine/playback": "base engine/common engine/library player",
+    "engine/playback": "base engine/common engine/library files player",
     "engine/machine": "base engine/library player",
     "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists player",
     "demo": "base engine/common",

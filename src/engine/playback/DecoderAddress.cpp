@@ -8,6 +8,7 @@
 
 #include "base/Text.hpp"
 #include "engine/library/Attributes.hpp"
+#include "engine/playback/MediaDoor.hpp"
 
 namespace engine {
 namespace {
@@ -22,28 +23,19 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 6> kNetwork{
     {"mmsu", "mmst"},
 }};
 
-DecoderAddress Refused(std::string reason) { return {{}, {}, std::move(reason), false}; }
+DecoderAddress Refused(std::string reason) { return {{}, {}, std::move(reason)}; }
 
 bool HasControls(std::string_view text) {
   return std::any_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
-/// Files there are doors to the machine and to this process's own descriptors.
-bool IsOfTheMachine(const std::filesystem::path& path) {
-  const std::string plain = path.lexically_normal().string();
-  const auto name = plain.find_first_not_of('/');
-  if (name == std::string::npos) return false;
-  const std::string top = plain.substr(name, plain.find('/', name) - name);
-  return top == "proc" || top == "dev" || top == "sys";
-}
-
 DecoderAddress ForPath(const std::string& path) {
   std::error_code error;
   const std::filesystem::path whole = std::filesystem::absolute(path, error);  // no option, no protocol
   if (path.empty() || error) return Refused("there is no such file");
-  if (IsOfTheMachine(whole)) return Refused("a file of the machine's own is not played");
-  return {whole.string(), {}, {}, false};
+  if (IsOfTheMachine(whole.string())) return Refused("a file of the machine's own is not played");
+  return {whole.string(), {}, {}, DecoderAddress::Kind::kFile};
 }
 
 /// The decoder takes a disc for one file, so the track is told to it as an option.
@@ -54,7 +46,7 @@ DecoderAddress ForTrackOfDisc(std::string_view place, const IsDrive& isDrive) {
   const bool number =
       !track.empty() && track.size() <= 2 && track.find_first_not_of("0123456789") == std::string_view::npos;
   if (!number || !isDrive(device)) return Refused("it is no track of a disc in one of the player's drives");
-  return {"cdda://" + device, "cdda-span=" + std::string(track) + "-" + std::string(track), {}, false};
+  return {"cdda://" + device, "cdda-span=" + std::string(track) + "-" + std::string(track), {}};
 }
 
 }  // namespace
@@ -70,7 +62,7 @@ DecoderAddress AddressFor(const std::string& location, const IsDrive& isDrive) {
       std::find_if(kNetwork.begin(), kNetwork.end(), [&](const auto& entry) { return entry.first == kind; });
   if (known == kNetwork.end()) return Refused("\"" + kind + "\" is no kind of address that is played");
   if (rest.empty() || HasControls(rest)) return Refused("it is no complete address");
-  return {std::string(known->second) + "://" + std::string(rest), {}, {}, true};
+  return {std::string(known->second) + "://" + std::string(rest), {}, {}, DecoderAddress::Kind::kStation};
 }
 
 }  // namespace engine

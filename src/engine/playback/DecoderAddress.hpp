@@ -8,10 +8,16 @@ namespace engine {
 /// media for, among them open descriptors of this very process; so only what is known to be media comes this
 /// way.
 struct DecoderAddress {
-  std::string address;    ///< empty when the item is refused
-  std::string options;    ///< the decoder's, for this item alone
-  std::string refusal;    ///< why it is refused, as people read it
-  bool followed = false;  ///< it may lead on to other addresses, as a station's does
+  enum class Kind {
+    kFile,     ///< a path, to be opened by `OpenMedia` only
+    kStation,  ///< may lead on to other addresses
+    kTrack     ///< of a disc
+  };
+
+  std::string address;  ///< empty when the item is refused
+  std::string options;  ///< the decoder's, for this item alone
+  std::string refusal;  ///< why it is refused, as people read it
+  Kind kind = Kind::kTrack;
 };
 
 /// Whether the player has a drive of that name.

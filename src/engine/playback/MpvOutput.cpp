@@ -39,6 +39,9 @@ MpvOptions Options(const Config& config) {
       {"cover-art-auto", "no"},
       {"demuxer-lavf-o", ProtocolLimit()},
       {"stream-lavf-o", ProtocolLimit()},
+      // What may be read ahead and kept of a station, and of a file whose parts lie far from each other.
+      {"demuxer-max-bytes", "33554432"},
+      {"demuxer-max-back-bytes", "16777216"},
       {"vid", "no"},
       {"sid", "no"},
       {"audio-display", "no"},
@@ -77,6 +80,7 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       post_(loop),
       mpv_(Options(config)) {
+  decoderFiles_.serve(*mpv_.get());
   mpv_observe_property(mpv_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
   mpv_observe_property(mpv_.get(), 0, "duration", MPV_FORMAT_DOUBLE);
   mpv_observe_property(mpv_.get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
@@ -95,6 +99,7 @@ MpvOutput::~MpvOutput() = default;
 void MpvOutput::forget() {
   files_.clear();
   entries_.clear();
+  decoderFiles_.forgetAll();
   dropped_.clear();
   held_ = startedMeanwhile_ = 0;
   heardTimer_->enabled(false);
@@ -104,10 +109,13 @@ void MpvOutput::forget() {
 void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
   DecoderAddress address = AddressFor(location, isDrive_);
   // The decoder comes to a refused item in its turn, as to any other that can't be played.
-  if (!address.refusal.empty()) address.address = kOpensNothing;
+  if (!address.refusal.empty())
+    address.address = kOpensNothing;
+  else if (address.kind == DecoderAddress::Kind::kFile)
+    address.address = decoderFiles_.give(entry, address.address);
   entries_[entry] = std::move(address.refusal);
   // Of a file on disk nothing else is opened; of a station a list of addresses may be all that it sends.
-  mpv_.set("access-references", address.followed);
+  mpv_.set("access-references", address.kind == DecoderAddress::Kind::kStation);
   std::vector<std::string> words{"loadfile", address.address, how};
   if (!address.options.empty()) words.push_back(address.options);
   mpv_.command(entry, words);
@@ -197,7 +205,9 @@ void MpvOutput::fileStarted(FileId file) {
   const EntryId entry = entryOf(file);
   // It was dropped at the moment at which the decoder went on to it.
   if (dropped_.contains(entry)) mpv_.command(0, {"playlist-next", "force"});
-  if (entry != 0) dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
+  if (entry == 0) return;
+  dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
+  decoderFiles_.forgetBefore(entry);
 }
 
 void MpvOutput::askHeard() {
@@ -278,6 +288,7 @@ void MpvOutput::fileEnded(const mpv_event_end_file& end) {
   if (!entries_.contains(entry)) return;
   if (end.reason == MPV_END_FILE_REASON_ERROR || silent) {
     std::string reason = entries_.extract(entry).mapped();
+    if (reason.empty()) reason = decoderFiles_.refusal(entry);
     if (reason.empty()) {
       reason = silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error);
     }

@@ -10,6 +10,7 @@
 #include "engine/common/Config.hpp"
 #include "engine/common/Poster.hpp"
 #include "engine/playback/DecoderAddress.hpp"
+#include "engine/playback/DecoderFiles.hpp"
 #include "engine/playback/MpvHandle.hpp"
 #include "engine/playback/Output.hpp"
 
@@ -78,6 +79,7 @@ class MpvOutput : public Output {
   EntryId held_ = 0;      ///< decoded to its end, still being heard
   EntryId startedMeanwhile_ = 0;
   bool paused_ = false;
+  DecoderFiles decoderFiles_;
   std::set<EntryId> dropped_;  ///< what may still be begun, as the decoder was about to when it was dropped
   double position_ = 0;
   double duration_ = 0;

@@ -7,8 +7,8 @@
 
 #include "database/Database.hpp"
 #include "engine/common/Fixtures.hpp"
+#include "engine/common/TagBuilder.hpp"
 #include "engine/tags/MediaFile.hpp"
-#include "engine/tags/TagBuilder.hpp"
 #include "engine/tags/TagFields.hpp"
 #include "support/InChild.hpp"
 

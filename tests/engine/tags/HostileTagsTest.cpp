@@ -3,8 +3,8 @@
 #include <random>
 
 #include "engine/common/Fixtures.hpp"
+#include "engine/common/TagBuilder.hpp"
 #include "engine/tags/MediaFile.hpp"
-#include "engine/tags/TagBuilder.hpp"
 
 namespace engine::testing {
 namespace {

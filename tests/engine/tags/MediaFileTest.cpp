@@ -7,7 +7,7 @@
 #include "base/Failure.hpp"
 #include "demo/Cover.hpp"
 #include "engine/common/Fixtures.hpp"
-#include "engine/tags/TagBuilder.hpp"
+#include "engine/common/TagBuilder.hpp"
 
 namespace engine::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "engine/tags/TagBuilder.hpp"
+#include "engine/common/TagBuilder.hpp"
 
 #include <sys/resource.h>
 #include <zlib.h>
