@@ -9,6 +9,8 @@
 #include "engine/common/GiveBack.hpp"
 #include "engine/library/Lists.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "engine/tags/TagFields.hpp"
+#include "engine/tags/TextForms.hpp"
 #include "files/Stamp.hpp"
 
 namespace engine {
@@ -39,6 +41,7 @@ TrackTags TagsOfAddress(const std::string& address) {
   TrackTags tags;
   tags.title = TitleFromPath(address);
   if (tags.title.empty()) tags.title = address;
+  tags.title = tags::Shortened(tags.title, tags::TagFields::kLongest);
   return tags;
 }
 

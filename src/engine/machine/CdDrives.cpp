@@ -11,6 +11,8 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "engine/library/Lists.hpp"
+#include "engine/tags/TagFields.hpp"
+#include "engine/tags/TextForms.hpp"
 
 namespace engine {
 namespace {
@@ -33,7 +35,8 @@ Disc Open(const std::string& device) {
 
 std::string CdText(cdtext_t* text, cdtext_field_t field, track_t track) {
   const char* found = text != nullptr ? cdtext_get_const(text, field, track) : nullptr;
-  return found != nullptr ? base::RepairUtf8(found) : std::string();
+  return found != nullptr ? std::string(tags::Shortened(base::RepairUtf8(found), tags::TagFields::kLongest))
+                          : std::string();
 }
 
 /// The table of contents as disc databases ask for it: number of tracks and all starts, in hexadecimal.

@@ -10,6 +10,8 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "engine/library/Attributes.hpp"
+#include "engine/tags/TagFields.hpp"
+#include "engine/tags/TextForms.hpp"
 
 namespace engine {
 namespace {
@@ -22,7 +24,6 @@ constexpr std::string_view kItemTag = "#EXTINF:";
 /// Ends the list's own lines, where it would else be doubtful which those are.
 constexpr std::string_view kItemsTag = "#VANTORIX-ITEMS";
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
-constexpr std::size_t kLongestTitle = 4096;
 
 bool IsControl(char character) {
   const auto byte = static_cast<unsigned char>(character);
@@ -147,14 +148,10 @@ std::size_t CommaOf(std::string_view text) {
 void ReadTag(std::string_view text, M3uItem& item) {
   item.seconds = SecondsOf(text);
   const auto comma = CommaOf(text);
-  if (comma != std::string_view::npos) item.title = base::TrimBlanks(TextOf(text.substr(comma + 1)));
-}
-
-std::string ShortTitle(std::string title) {
-  if (title.size() <= kLongestTitle) return title;
-  title.resize(kLongestTitle);
-  while (!base::IsPlainUtf8(title)) title.pop_back();
-  return title;
+  if (comma == std::string_view::npos) return;
+  const std::string title = base::TrimBlanks(TextOf(text.substr(comma + 1)));
+  item.title = tags::Shortened(title, tags::TagFields::kLongest);
+  item.cut = item.title.size() < title.size();
 }
 
 }  // namespace
@@ -219,7 +216,7 @@ void M3uText::needHeader() {
   hasHeader_ = true;
 }
 
-std::string M3uText::name() const {
+std::string M3uText::wholeName() const {
   std::string_view lines = nameLines_;
   if (lines.empty()) return {};
   std::string name = base::TrimBlanks(TextOf(Readable(TakeLine(lines)).substr(kNameTag.size())));
@@ -230,7 +227,15 @@ std::string M3uText::name() const {
   return fits && !exact.empty() ? exact : name;
 }
 
+std::string M3uText::name() const {
+  return std::string(tags::Shortened(wholeName(), tags::TagFields::kLongest));
+}
+
+bool M3uText::nameIsCut() const { return wholeName().size() > tags::TagFields::kLongest; }
+
 void M3uText::name(const std::string& value) {
+  if (value.size() > tags::TagFields::kLongest)
+    throw base::Failure(base::number::kInvalidArgument, "That is too long for a playlist's name");
   const std::string plain = std::string(kNameTag) + OneLine(value);
   CheckLine(plain);
   std::string lines = plain + lineEnd_;
@@ -265,8 +270,8 @@ void M3uText::insertAll(std::size_t index, const std::vector<M3uItem>& items) {
     if (!IsItem(Readable(line)))
       throw base::Failure(base::number::kInvalidArgument, "The item has no address");
     const std::size_t begin = added.size();
-    added += std::string(kItemTag) + std::to_string(item.seconds) + ',' + ShortTitle(OneLine(item.title)) +
-             lineEnd_ + line + lineEnd_;
+    const std::string title(tags::Shortened(OneLine(item.title), tags::TagFields::kLongest));
+    added += std::string(kItemTag) + std::to_string(item.seconds) + ',' + title + lineEnd_ + line + lineEnd_;
     pieces.push_back({text_.size() + begin, added.size() - begin});
   }
   needHeader();

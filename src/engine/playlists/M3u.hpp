@@ -11,8 +11,9 @@ constexpr int kLongestItem = 4'000'000;  ///< seconds, so that milliseconds are 
 /// An item as a playlist file tells it.
 struct M3uItem {
   std::string location;  ///< a path or an address
-  std::string title;     ///< "Artist - Title", empty if unknown
-  int seconds = -1;      ///< -1 if unknown
+  std::string title;  ///< "Artist - Title", empty if unknown; at most `tags::TagFields::kLongest` bytes of it
+  int seconds = -1;   ///< -1 if unknown
+  bool cut = false;   ///< the file tells a longer title
 };
 
 /// A playlist file's text. It is edited by lines, and what an edit does not concern stays as it stands:
@@ -26,9 +27,10 @@ class M3uText {
 
   explicit M3uText(std::string text = {});
 
-  /// Empty if the file does not tell.
+  /// Empty if the file does not tell; at most `tags::TagFields::kLongest` bytes of what it tells.
   [[nodiscard]] std::string name() const;
-  /// Throws 5 for a name that is longer than a line may be.
+  [[nodiscard]] bool nameIsCut() const;
+  /// Throws 5 for a name of more than `tags::TagFields::kLongest` bytes.
   void name(const std::string& value);
 
   [[nodiscard]] std::size_t count() const { return items_.size(); }
@@ -53,6 +55,7 @@ class M3uText {
     return std::string_view(text_).substr(piece.begin, piece.size);
   }
   void readHead(std::string_view head);
+  [[nodiscard]] std::string wholeName() const;
   void needHeader();
   void add(std::string& text, std::string_view piece) const;
 

@@ -9,6 +9,7 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "engine/scan/TagReader.hpp"
+#include "engine/tags/TextForms.hpp"
 #include "files/FileError.hpp"
 #include "files/ReadFile.hpp"
 #include "files/Stamp.hpp"
@@ -176,6 +177,9 @@ StoredPlaylists::Changes StoredPlaylists::lookAround() {
   std::erase_if(unreadable_, [&](const auto& entry) {
     return !std::binary_search(paths->begin(), paths->end(), entry.first);
   });
+  std::erase_if(cutTold_, [&](const std::string& path) {
+    return !std::binary_search(paths->begin(), paths->end(), path);
+  });
   for (const std::string& path : *paths) {
     base::Attempt step;
     step([&] { look(path, changes); });
@@ -210,7 +214,14 @@ void StoredPlaylists::read(const std::string& path, const files::FileStamp& stam
   const std::string name = NameOf(text, path);
   std::vector<player::MediaRef> items;
   items.reserve(text.count());
-  for (std::size_t i = 0; i < text.count(); ++i) items.push_back(mediaOf(text.item(i, folder)));
+  bool cut = text.nameIsCut();
+  for (std::size_t i = 0; i < text.count(); ++i) {
+    const M3uItem item = text.item(i, folder);
+    cut = cut || item.cut;
+    items.push_back(mediaOf(item));
+  }
+  if (cut && cutTold_.insert(path).second)
+    events_.message("The playlist " + SafeName(path) + ": a name in it is too long and was cut");
   const auto known = byPath_.find(path);
   const bool isKnown = known != byPath_.end();
   Stored playlist = found(path, stamp, isKnown);
@@ -295,10 +306,7 @@ bool StoredPlaylists::taken(const std::string& name, const StoredPlaylist* own) 
 
 std::string StoredPlaylists::freePath(const std::string& name, const std::string& own) const {
   std::string stem = EscapeFileName(name);
-  if (stem.size() > kLongestStem) {
-    stem.resize(kLongestStem);
-    while (!base::IsPlainUtf8(stem)) stem.pop_back();
-  }
+  stem.resize(tags::Shortened(stem, kLongestStem).size());
   const std::string ending = own.empty() ? ".m3u8" : fs::path(own).extension().string();
   std::string path = folder_ + '/' + stem + ending;
   std::error_code ignored;

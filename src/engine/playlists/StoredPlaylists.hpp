@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -93,6 +94,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   std::map<std::string, Stored> byPath_;
   std::vector<std::weak_ptr<StoredPlaylist>> lost_;     ///< in their order; several may have had one path
   std::map<std::string, files::FileStamp> unreadable_;  ///< that have been told as such
+  std::set<std::string> cutTold_;                       ///< files with a name too long that have been told
   bool folderTold_ = false;                             ///< that it can't be read
   std::unique_ptr<base::Timer> timer_;
 };

@@ -48,6 +48,26 @@ TEST(PlaylistText, AnAddressIsOneLineWhateverIsInIt) {
               ElementsAre("http://x/a%0Ahttp://x/b%0D%0A", "http://x/c%20%20", "http://x/caf%E9"));
 }
 
+TEST(PlaylistText, NamesAreReadUpToABoundAndStayAsTheyStandInTheFile) {
+  const std::string wide = "x" + Repeated("\xF0\x9F\x8E\xB5", 2000);  // four bytes each
+  const std::string whole = "#EXTM3U\n#PLAYLIST:" + wide + "\n#EXTINF:5," + wide + "\n/a.mp3\n";
+  M3uText text(whole);
+  const std::string cut = "x" + Repeated("\xF0\x9F\x8E\xB5", 1023);
+  EXPECT_EQ(text.name(), cut);
+  EXPECT_TRUE(text.nameIsCut());
+  EXPECT_EQ(text.item(0, "/").title, cut);
+  EXPECT_TRUE(text.item(0, "/").cut);
+  EXPECT_EQ(text.item(0, "/").seconds, 5);
+  EXPECT_EQ(text.text(), whole);
+  const M3uText latin("#EXTINF:5," + Repeated("\xE9", 4000) + "\n/a.mp3\n");
+  EXPECT_EQ(latin.item(0, "/").title, Repeated("\xC3\xA9", 2048));
+  EXPECT_TRUE(latin.item(0, "/").cut);
+  const M3uText usual("#PLAYLIST:" + Repeated("x", 4096) + "\n#EXTINF:5," + Repeated("y", 4096) +
+                      "\n/a.mp3\n");
+  EXPECT_FALSE(usual.nameIsCut());
+  EXPECT_FALSE(usual.item(0, "/").cut);
+}
+
 TEST(PlaylistText, ATitleIsOneReadableLineWhateverIsInIt) {
   M3uText text;
   text.insert(0, {"/a.mp3", std::string("A\0B\nC", 5), 7});
@@ -74,8 +94,8 @@ TEST(PlaylistText, EveryNameSurvivesTheFile) {
   for (const std::string& name :
        {std::string("Plain"), std::string(" blanks "), std::string("two\nlines"), std::string("cr\r"),
         std::string("\n"), std::string("   "), std::string("100%0A"), std::string("\t tab\t"),
-        std::string("\xEF\xBB\xBFmark"), std::string("#EXTM3U"), std::string("\x01\x7F"),
-        Repeated("Ä", 20000), std::string("#PLAYLIST:x"), std::string("a\\b/c:d\"e")}) {
+        std::string("\xEF\xBB\xBFmark"), std::string("#EXTM3U"), std::string("\x01\x7F"), Repeated("Ä", 2000),
+        std::string("#PLAYLIST:x"), std::string("a\\b/c:d\"e")}) {
     M3uText text;
     text.insert(0, {"/a.mp3", "A", 1});
     text.name(name);

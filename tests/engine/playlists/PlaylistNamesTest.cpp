@@ -28,7 +28,7 @@ TEST(PlaylistNames, EveryNameSurvivesARestart) {
   std::vector<std::string> names = OddNames();
   names.push_back(std::string(300, 'n'));
   names.push_back(std::string(299, 'n') + 'm');
-  names.push_back(std::string(1, 'x') + std::string(60000, ' ') + 'y');
+  names.push_back(std::string(1, 'x') + std::string(4000, ' ') + 'y');
   {
     PlaylistFolder playlists(root.path());
     for (const std::string& name : names) playlists.make(name, {address});
@@ -58,13 +58,35 @@ TEST(PlaylistNames, EveryNameCanBeGivenAnew) {
   }
 }
 
+TEST(PlaylistNames, ThatAreTooLongAreCutAndToldOnceForEachFile) {
+  const support::TempFolder root;
+  PlaylistFolder playlists(root.path());
+  const std::string huge(60000, 'n');
+  std::string items;
+  for (int i = 0; i < 100; ++i) items += "#EXTINF:5," + huge + "\nhttp://x/" + std::string(60000, 'a') + "\n";
+  WriteText(playlists.path("list.m3u8"), "#PLAYLIST:" + huge + "\n" + items);
+  WriteText(playlists.path("plain.m3u8"), "#EXTINF:5,Ann - Song\nhttp://x/a\n");
+  const std::string name(4096, 'n');
+  EXPECT_THAT(playlists.names(), ::testing::UnorderedElementsAre(name, "plain"));
+  const auto list = playlists.named(name);
+  ASSERT_EQ(list->count(), 100);
+  for (std::int32_t i = 0; i < list->count(); ++i) EXPECT_EQ(list->item(i)->name(), name);
+  WriteText(playlists.path("list.m3u8"), "#PLAYLIST:" + huge + "\n" + items + "http://x/" + huge + "\n");
+  EXPECT_EQ(list->count(), 100);
+  playlists.names();
+  EXPECT_EQ(playlists.named(name)->item(100)->name(), name) << "the name that its address gives";
+  EXPECT_THAT(playlists.messages,
+              ElementsAre(::testing::HasSubstr("list.m3u8: a name in it is too long and was cut")));
+}
+
 TEST(PlaylistNames, WhatIsNoNameIsRefusedAndChangesNothing) {
   const support::TempFolder root;
   PlaylistFolder playlists(root.path());
   auto list = playlists.make("L", {"http://127.0.0.1/1.mp3"});
   const std::string before = playlists.content("L.m3u8");
-  for (const std::string& name : {std::string(), std::string("\xFF\xFE"), std::string("a\xE9"),
-                                  std::string("nul\0in", 6), std::string(1 << 20, 'x')}) {
+  for (const std::string& name :
+       {std::string(), std::string("\xFF\xFE"), std::string("a\xE9"), std::string("nul\0in", 6),
+        std::string(1 << 20, 'x'), std::string(4097, 'x')}) {
     EXPECT_EQ(FailureOf([&] { playlists.lists.newPlaylist(name); }), base::number::kInvalidArgument);
     EXPECT_EQ(FailureOf([&] { list->name(name); }), base::number::kInvalidArgument);
   }
