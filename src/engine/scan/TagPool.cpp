@@ -16,9 +16,10 @@ TagResult ReadRecord(FileRecord record) {
     result.complaint = std::move(reading.remark);
   } catch (const base::Failure& failure) {
     switch (failure.number()) {
-      case base::number::kFileNotFound: result.outcome = TagResult::Outcome::kGone; break;
-      case base::number::kPermissionDenied: result.outcome = TagResult::Outcome::kUnreadable; break;
-      default: result.outcome = TagResult::Outcome::kNoMedia;
+      case base::number::kFileNotFound:
+      case base::number::kPathNotFound: result.outcome = TagResult::Outcome::kGone; break;
+      case base::number::kInvalidArgument: result.outcome = TagResult::Outcome::kNoMedia; break;
+      default: result.outcome = TagResult::Outcome::kUnreadable;
     }
     if (result.outcome != TagResult::Outcome::kGone) result.complaint = failure.description();
   } catch (const std::exception& failure) {

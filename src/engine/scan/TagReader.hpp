@@ -16,8 +16,8 @@ struct TagReading {
   std::string remark;  ///< one line for people, empty when all was as usual
 };
 
-/// Reads the tags of a media file. Safe on any thread. Throws number 53 when the file has gone, 70 when it
-/// can't be read, 5 when there is no media in it.
+/// Reads the tags of a media file. Safe on any thread. Throws as `files::FailOn` when the file
+/// can't be opened, 5 when there is no media in it.
 TagReading ReadTags(const std::string& path);
 
 }  // namespace engine

@@ -11,6 +11,7 @@
 #include "base/Text.hpp"
 #include "engine/tags/Readers.hpp"
 #include "files/Descriptor.hpp"
+#include "files/FileError.hpp"
 
 namespace engine::tags {
 namespace {
@@ -76,10 +77,7 @@ struct OpenFile {
 /// Opening anything but a file could wait for ever.
 OpenFile Open(const std::string& path) {
   OpenFile file{files::Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))};
-  if (!file.descriptor.valid()) {
-    throw base::Failure(errno == ENOENT ? base::number::kFileNotFound : base::number::kPermissionDenied,
-                        base::RepairUtf8(path) + " can't be read");
-  }
+  if (!file.descriptor.valid()) throw files::FileFailure(errno, path, "Can't read ");
   struct stat info {};
   if (::fstat(file.descriptor.get(), &info) != 0 || !S_ISREG(info.st_mode))
     throw base::Failure(base::number::kInvalidArgument, base::RepairUtf8(path) + " holds no music");

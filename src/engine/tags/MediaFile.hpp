@@ -18,8 +18,7 @@ struct MediaFile {
   bool cut = false;   ///< a text was longer than is kept
 };
 
-/// Safe on any thread. Throws number 53 when the file has gone, 70 when it can't be read, 5 when it is no
-/// file.
+/// Safe on any thread. Throws as `files::FailOn` when the file can't be opened, 5 when it is no file.
 MediaFile ReadMediaFile(const std::string& path);
 
 /// The front cover inside a file, or its first picture; empty without one, or with one that is too large.
