@@ -90,7 +90,7 @@ if [ $# -eq 0 ]; then
   { sources '*.cpp'; sources '*.hpp'; } | xargs clang-format --dry-run -Werror
 
   step "Shell scripts"
-  shellcheck -x run.sh test.sh .ci/run packaging/*.sh tools/*.sh
+  shellcheck -x run.sh test.sh .ci/run packaging/*.sh tools/*.sh bench/engine/*.sh
 fi
 
 step "Build with sanitizers"

@@ -20,6 +20,8 @@ TEST_PACKAGES=(
   chromium chromium-driver python3 ffmpeg
   xvfb xdotool x11-utils imagemagick
 )
+# What bench/engine/beside-mpd.sh takes beside those of the build.
+BENCH_PACKAGES=(mpd ffmpeg)
 
 # install_packages NAME...: installs what is missing, says what it does, asks nothing.
 install_packages() {

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The player's library beside MPD's, on the same files: processor time a scanned file, the start with a known library,
-# memory. Installs Debian's mpd where it is missing; it runs with a configuration and a socket of its own.
+# the titles of each genre, memory. Installs Debian's mpd where it is missing; it runs with a configuration and a
+# socket of its own.
 #
 #   bench/engine/beside-mpd.sh [COUNT...]        20000 and 100000 files without
 #
@@ -9,9 +10,9 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 bin=${BIN:-build/bench/bin}
 [ $# -gt 0 ] || set -- 20000 100000
-if ! command -v mpd >/dev/null || ! command -v ffmpeg >/dev/null; then
-  DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends mpd ffmpeg >/dev/null
-fi
+source packaging/packages.sh
+install_packages "${BENCH_PACKAGES[@]}"
+rounds=10 # of asking for the titles of every genre
 work=${WORK:-$(mktemp -d)}
 mkdir -p "$work"
 daemon=
@@ -67,9 +68,9 @@ stop_mpd() {
   rm -f "$place/socket"
 }
 
-line() { # line NAME FILES SECONDS-OF-PROCESSOR RESIDENT-KIB
-  awk -v name="$1" -v files="$2" -v used="$3" -v kib="$4" 'BEGIN {
-    printf "%-34s %8d files %9.1f us of processor a file %8.1f MiB\n", name, files, used * 1e6 / files, kib / 1024 }'
+line() { # line NAME COUNT SECONDS-OF-PROCESSOR RESIDENT-KIB [title]
+  awk -v name="$1" -v count="$2" -v used="$3" -v kib="$4" -v what="${5:-file}" 'BEGIN {
+    printf "%-34s %8d %ss %9.2f us of processor a %s %8.1f MiB\n", name, count, what, used * 1e6 / count, what, kib / 1024 }'
 }
 
 for count in "$@"; do
@@ -110,6 +111,14 @@ CONF
   stop_mpd
   start_mpd
   line "MPD: start" "$songs" "$(awk -v a="$(ticks "$daemon")" 'BEGIN { print a / 100 }')" "$(resident "$daemon")"
+  mapfile -t genres < <(ask "list genre" | sed -n 's/^Genre: //p')
+  questions=()
+  for ((round = 0; round < rounds; ++round)); do
+    for genre in "${genres[@]}"; do questions+=("find genre \"$genre\""); done
+  done
+  before=$(ticks "$daemon")
+  told=$(ask "${questions[@]}" | grep -c '^file: ')
+  line "MPD: titles of each genre" "$told" "$(awk -v a="$before" -v b="$(ticks "$daemon")" 'BEGIN { print (b - a) / 100 }')" "$(resident "$daemon")" title
   printf '%-34s %62.1f MiB\n' "MPD: with an empty library" "$(awk -v k="$base" 'BEGIN { print k / 1024 }')"
   stop_mpd
 
@@ -117,6 +126,8 @@ CONF
   line "the player: scan" "$files" "$used" "$kib"
   read -r files _ used kib < <("$bin/library_run" start "$music" "$data")
   line "the player: start" "$files" "$used" "$kib"
+  read -r files _ used kib < <("$bin/library_run" genres "$music" "$data" "$rounds")
+  line "the player: titles of each genre" "$files" "$used" "$kib" title
   mkdir -p "$work/empty"
   rm -rf "$work/empty-data"
   read -r _ _ _ kib < <("$bin/library_run" start "$work/empty" "$work/empty-data")
