@@ -7,6 +7,8 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "engine/playlists/M3u.hpp"
+#include "engine/tags/TagFields.hpp"
+#include "fuzz/Alphabet.hpp"
 
 namespace {
 
@@ -32,7 +34,7 @@ void CheckSame(const std::vector<M3uItem>& left, const std::vector<M3uItem>& rig
   CheckPlaces(left, right);
   for (std::size_t i = 0; i < left.size(); ++i) {
     Check(left[i].title == right[i].title && left[i].seconds == right[i].seconds);
-    Check(base::IsPlainUtf8(left[i].title));
+    Check(base::IsPlainUtf8(left[i].title) && left[i].title.size() <= engine::tags::TagFields::kLongest);
   }
 }
 
@@ -64,7 +66,7 @@ void Edit(M3uText& text, std::vector<M3uItem>& items, unsigned char what, const 
 
 /// Whatever a playlist file holds: it is read, and what was read survives edits and being written.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string whole(reinterpret_cast<const char*>(data), size);
+  const std::string whole = support::Spelled(data, size);
   M3uText text(whole);
   std::vector<M3uItem> items = Items(text);
   const M3uText again(text.text());
