@@ -85,8 +85,8 @@ class Preferences : public player::PlayerSettings {
       playback_.loop(value);
     else
       playback_.shuffle(value);
-    // Told is a change, not a call: a caller that sends the present mode round again must hear nothing, or it
-    // would save the mode that a new player begins with over the one it is about to read.
+    // Only a change is told. A new player has modes of its own until the saved ones are set: if setting the
+    // mode that it has already were told as well, its listener would save that one over the saved one.
     if (changed) changed_(loop ? "Loop" : "Shuffle", value);
   }
 
