@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "base/Text.hpp"
+#include "standin/routes/JsonWriter.hpp"
 #include "standin/rules/EvaluationJson.hpp"
 #include "standin/rules/RuleJson.hpp"
 
@@ -19,28 +20,41 @@ Json WordsOfAll(const EventWords& words, const Parts& parts) {
   return all;
 }
 
-Json LastJson(const Evaluation* last) {
-  if (last == nullptr) return nullptr;
-  return {{"time", last->time},
-          {"outcome", NameOf(last->outcome)},
-          {"why", last->why},
-          {"trigger", last->trigger}};
+template <class Parts>
+void PutWords(JsonWriter& out, const char* field, const EventWords& words, const Parts& parts) {
+  out.key(field).open('[');
+  for (const auto& part : parts) out.put(words.of(part));
+  out.close(']');
 }
 
-Json RowJson(const EventParts& parts, const RuledEvent& event) {
+void PutLast(JsonWriter& out, const Evaluation* last) {
+  out.key("last");
+  if (last == nullptr) return out.putNothing();
+  out.open('{');
+  out.key("time").put(last->time);
+  out.key("outcome").put(NameOf(last->outcome));
+  out.key("why").put(last->why);
+  out.key("trigger").put(last->trigger);
+  out.close('}');
+}
+
+void PutRow(JsonWriter& out, const EventParts& parts, const RuledEvent& event) {
+  out.open('{');
+  out.key("id").put(std::int64_t{event.id});
+  out.key("version").put(event.version);
+  out.key("name").put(event.name);
+  out.key("group").put(event.group);
+  out.key("on").put(event.rule.on);
+  PutWords(out, "when", parts.words, event.rule.triggers);
+  PutWords(out, "if", parts.words, event.rule.conditions);
+  out.key("any").put(event.rule.any);
+  PutWords(out, "do", parts.words, event.rule.actions);
+  PutLast(out, parts.evaluations.last(event.id));
+  out.key("running").put(static_cast<std::int64_t>(parts.control.running(event.id)));
+  out.key("next");
   const std::optional<std::int64_t> next = parts.control.next(event.id);
-  return {{"id", event.id},
-          {"version", event.version},
-          {"name", event.name},
-          {"group", event.group},
-          {"on", event.rule.on},
-          {"when", WordsOfAll(parts.words, event.rule.triggers)},
-          {"if", WordsOfAll(parts.words, event.rule.conditions)},
-          {"any", event.rule.any},
-          {"do", WordsOfAll(parts.words, event.rule.actions)},
-          {"last", LastJson(parts.evaluations.last(event.id))},
-          {"running", parts.control.running(event.id)},
-          {"next", next ? Json(*next) : Json()}};
+  next ? out.put(*next) : out.putNothing();
+  out.close('}');
 }
 
 std::vector<const RuledEvent*> Sorted(const std::map<std::int32_t, RuledEvent>& events) {
@@ -72,13 +86,17 @@ Json ClockOrNull(const std::optional<std::int32_t>& minute) {
 
 }  // namespace
 
-Json EventListJson(const EventParts& parts) {
-  Json rows = Json::array();
-  for (const RuledEvent* event : Sorted(parts.rules.all())) rows.push_back(RowJson(parts, *event));
-  return {{"events", std::move(rows)},
-          {"undo", parts.rules.toUndo()},
-          {"redo", parts.rules.toRedo()},
-          {"place", PlaceOnly(parts.rules.place())}};
+std::string EventListText(const EventParts& parts) {
+  JsonWriter out;
+  out.open('{');
+  out.key("events").open('[');
+  for (const RuledEvent* event : Sorted(parts.rules.all())) PutRow(out, parts, *event);
+  out.close(']');
+  out.key("undo").put(parts.rules.toUndo());
+  out.key("redo").put(parts.rules.toRedo());
+  out.key("place").put(PlaceOnly(parts.rules.place()));
+  out.close('}');
+  return out.take();
 }
 
 Json EventJson(const EventParts& parts, const RuledEvent& event) {

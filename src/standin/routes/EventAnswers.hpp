@@ -1,5 +1,6 @@
 #pragma once
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "standin/routes/Routes.hpp"
 
@@ -7,8 +8,9 @@ namespace standin {
 
 // What the pages are told of the events.
 
-/// All of them, by group and name, as the list shows them, with what can be undone.
-nlohmann::json EventListJson(const EventParts& parts);
+/// All of them, by group and name, as the list shows them, with what can be undone: JSON, written at once, as
+/// there may be thousands.
+std::string EventListText(const EventParts& parts);
 /// One with all that it does, and how that reads.
 nlohmann::json EventJson(const EventParts& parts, const RuledEvent& event);
 /// What there is to choose from in an event's parts.

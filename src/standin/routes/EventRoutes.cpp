@@ -179,24 +179,24 @@ Routes EventRoutes(const EventParts& parts) {
       Start(given, call, reply, asTriggered);
     };
   };
-  return {
-      look("/api/events", [](const EventParts& given, const WebCall&) { return Told(EventListJson(given)); }),
-      look("/api/event", &One),
-      look("/api/event/choices",
-           [](const EventParts& given, const WebCall&) { return Told(EventChoicesJson(given)); }),
-      look("/api/event/history", &History),
-      look("/api/events/place",
-           [](const EventParts& given, const WebCall&) { return Told(PlaceJson(given)); }),
-      change("/api/event/save", &Save, Route::kLargestBody),
-      change("/api/event/delete", &Delete),
-      change("/api/event/switch", &Switch),
-      change("/api/events/undo", turn(true)),
-      change("/api/events/redo", turn(false)),
-      change("/api/events/place", &SetPlace),
-      change("/api/event/stop", &Stop),
-      act("/api/event/run", start(false)),
-      act("/api/event/trigger", start(true)),
-      act("/api/event/dry", &Dry, Route::kLargestBody)};
+  return {look("/api/events", [](const EventParts& given,
+                                 const WebCall&) { return WebAnswer{.body = EventListText(given)}; }),
+          look("/api/event", &One),
+          look("/api/event/choices",
+               [](const EventParts& given, const WebCall&) { return Told(EventChoicesJson(given)); }),
+          look("/api/event/history", &History),
+          look("/api/events/place",
+               [](const EventParts& given, const WebCall&) { return Told(PlaceJson(given)); }),
+          change("/api/event/save", &Save, Route::kLargestBody),
+          change("/api/event/delete", &Delete),
+          change("/api/event/switch", &Switch),
+          change("/api/events/undo", turn(true)),
+          change("/api/events/redo", turn(false)),
+          change("/api/events/place", &SetPlace),
+          change("/api/event/stop", &Stop),
+          act("/api/event/run", start(false)),
+          act("/api/event/trigger", start(true)),
+          act("/api/event/dry", &Dry, Route::kLargestBody)};
 }
 
 }  // namespace standin

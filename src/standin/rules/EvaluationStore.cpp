@@ -1,6 +1,7 @@
 #include "standin/rules/EvaluationStore.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -181,11 +182,14 @@ const Evaluation* EvaluationStore::last(std::int32_t event) const {
 EvaluationStore::Page EvaluationStore::page(std::int32_t event, std::int64_t before,
                                             std::size_t count) const {
   count = std::clamp<std::size_t>(count, 1, kLargestPage);
-  std::string sql = "SELECT id, data FROM evaluation WHERE (?1 = 0 OR id < ?1)";
-  if (event != 0) sql += " AND event = ?2";
-  sql += " ORDER BY id DESC LIMIT ?3";
+  // Few are one event's: sorted, not sought among those of all others.
+  const char* sql = event == 0
+                        ? "SELECT id, data FROM evaluation WHERE id < ?1 ORDER BY id DESC LIMIT ?2"
+                        : "SELECT id, data FROM evaluation INDEXED BY evaluation_event WHERE event = ?3 AND "
+                          "id < ?1 ORDER BY id DESC LIMIT ?2";
   database::Statement rows(house_.database, sql);
-  rows.with(before, event, count + 1);
+  const std::int64_t end = before == 0 ? std::numeric_limits<std::int64_t>::max() : before;
+  event == 0 ? rows.with(end, count + 1) : rows.with(end, count + 1, event);
   Page page;
   while (rows.step()) {
     if (page.evaluations.size() == count) {
