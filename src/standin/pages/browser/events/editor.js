@@ -52,7 +52,7 @@ class Editor {
     this.#lists = {triggers: new Parts('triggers', this), conditions: new Parts('conditions', this), actions: new Parts('actions', this)};
     this.#trying = new Trying(this, {signal, house});
     keep(() => ({}));
-    house.on('event', ({id}) => { if (id === this.id) this.#look(); }, signal);
+    house.on('event', ({id}) => { if (!id || id === this.id) this.#look(); }, signal);
     house.on('again', () => this.#look(), signal);
     place.addEventListener('keydown', (event) => this.#key(event), {signal});
   }
@@ -127,7 +127,10 @@ class Editor {
     this.#trying.look();
     try {
       const stored = opened(await ask(`/api/event?id=${this.id}`, undefined, this.signal));
-      if (stored.version === this.rule.version) return;
+      if (stored.version === this.rule.version) {
+        this.#reword(stored);
+        return;
+      }
       if (this.dirty) {
         this.#newer = true;
       } else {
@@ -248,10 +251,16 @@ class Editor {
   /** With the words of what was saved. */
   async #readAgain() {
     try {
-      const stored = opened(await ask(`/api/event?id=${this.id}`, undefined, this.signal));
-      const words = (list) => this.rule[list].forEach((part, at) => { part.shown = stored[list][at]?.shown; });
-      if (textOf(stored) === this.#base) for (const list of ['triggers', 'conditions', 'actions']) words(list);
+      this.#reword(opened(await ask(`/api/event?id=${this.id}`, undefined, this.signal)));
     } catch { /* in the page's own words then */ }
+  }
+
+  /** The player's words for a part may come later than the part itself. */
+  #reword(stored) {
+    if (this.dirty || textOf(stored) !== this.#base) return;
+    for (const list of ['triggers', 'conditions', 'actions']) {
+      this.rule[list].forEach((part, at) => { part.shown = stored[list][at].shown; });
+    }
     this.draw();
   }
 

@@ -19,7 +19,8 @@ function actionLine(action) {
 export const evaluationDetails = (evaluation) => html`
   ${evaluation.conditions.length ? html`<h4>If</h4>${seenConditions(evaluation.conditions)}` : nothing}
   ${evaluation.actions.length ? html`<h4>Do</h4><ul class="seen">${evaluation.actions.map(actionLine)}</ul>` : nothing}
-  ${evaluation.conditions.length + evaluation.actions.length ? nothing : html`<p class="quiet">Nothing was asked, and nothing done.</p>`}`;
+  ${evaluation.conditions.length + evaluation.actions.length ? nothing : html`<p class="quiet">${
+    evaluation.outcome === 'running' ? 'It is under way.' : 'Nothing was asked, and nothing done.'}</p>`}`;
 
 /** In one line. */
 export const evaluationLine = (evaluation, {named = false} = {}) => html`<span class="evaluation-time">${timeOf(evaluation.time, true)}</span>
