@@ -50,10 +50,12 @@ void EventRun::carryOut(const Action& action) {
   if (const auto* pause = std::get_if<WaitAction>(&action)) return wait(*pause);
   if (const auto* event = std::get_if<EventAction>(&action)) return fire(*event);
   ways_.acted(chain_);
-  auto deed = parts_.world.carryOut(action, [weak = weak_from_this(), at = at_](const std::string& failure) {
+  const std::size_t at = at_;
+  auto deed = parts_.world.carryOut(action, [weak = weak_from_this(), at](const std::string& failure) {
     if (const auto self = weak.lock()) self->done(at, failure);
   });
-  if (!over_ && under_) deed_ = std::move(deed);
+  // The next one may have begun already, if the world has let the loop go on.
+  if (!over_ && under_ && at_ == at) deed_ = std::move(deed);
 }
 
 void EventRun::done(std::size_t action, const std::string& failure) {

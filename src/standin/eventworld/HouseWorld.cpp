@@ -15,7 +15,9 @@ HouseWorld::HouseWorld(base::Loop& loop, House& house, HouseObjects& objects, Pl
       devices_(house, objects),
       plugin_(loop, plugin),
       scripts_(loop, scripts, runner),
-      memory_(loop, plugin_) {}
+      memory_(loop, plugin_, [this](const std::string& failure) {
+        note("Warning", "What was in the player before somebody was woken can't be put back: " + failure);
+      }) {}
 
 void HouseWorld::check(const std::string& stored, Checked checked) {
   const auto holds = std::make_shared<bool>(false);

@@ -42,15 +42,23 @@ std::shared_ptr<KeeperCalls::Pending> KeeperCalls::begin(PluginKeeper::Command c
     if (const auto late = weak.lock()) end(late, "The plug-in has not answered in time");
   });
   pending->patience->enabled(true);
-  // The keeper holds what it was given until its turn has come, and so it holds the patience.
+  // Not here: the keeper may go on with others' commands before it returns, and what is answered meanwhile
+  // would come before whoever asks knows by what to hold it.
+  loop_.post([this, pending, alive = std::weak_ptr(alive_), command = std::move(command)] {
+    if (alive.lock() && !pending->over) send(pending, command);
+  });
+  return pending;
+}
+
+// The keeper holds what it is given until its turn has come, and so it holds the patience.
+void KeeperCalls::send(const std::shared_ptr<Pending>& pending, const PluginKeeper::Command& command) {
   plugin_.command(
-      [pending, alive = std::weak_ptr(alive_), command = std::move(command)](base::Object& vxif) {
-        if (!pending->over && alive.lock()) command(vxif);
+      [pending, alive = std::weak_ptr(alive_), command](base::Object& vxif) {
+        if (!pending->over && !pending->ended && alive.lock()) command(vxif);
       },
       [this, pending, alive = std::weak_ptr(alive_)](const std::string& failure) {
         if (alive.lock()) end(pending, failure);
       });
-  return pending;
 }
 
 // On a later turn: what is told may ask for the next thing, and it is still the keeper's turn.

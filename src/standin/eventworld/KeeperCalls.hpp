@@ -27,6 +27,7 @@ class KeeperCalls : public PluginCalls {
   };
   class Held;
   std::shared_ptr<Pending> begin(PluginKeeper::Command command, EventWorld::Done done);
+  void send(const std::shared_ptr<Pending>& pending, const PluginKeeper::Command& command);
   void end(const std::shared_ptr<Pending>& pending, const std::string& failure);
 
   base::Loop& loop_;

@@ -17,8 +17,8 @@ class PluginCalls {
   PluginCalls& operator=(PluginCalls&&) = delete;
   virtual ~PluginCalls() = default;
 
-  /// `done` is called once, on a later turn of the loop, unless what is answered ends before. A command must
-  /// not touch what may have ended while it was carried out.
+  /// `done` is called once, on a later turn of the loop, unless what is answered ends before; nothing happens
+  /// within this call. A command must not touch what may have ended while it was carried out.
   [[nodiscard]] virtual std::unique_ptr<Deed> call(PluginKeeper::Command command, EventWorld::Done done) = 0;
   /// The same, for whom nothing takes the interest away. `done` may be empty.
   virtual void callAnyway(PluginKeeper::Command command, EventWorld::Done done) = 0;

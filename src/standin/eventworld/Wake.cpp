@@ -149,8 +149,10 @@ class Wake : public Deed {
 
 }  // namespace
 
-WakeMemory::WakeMemory(base::Loop& loop, PluginCalls& plugin)
-    : plugin_(plugin), soon_(loop.makeTimer(std::chrono::milliseconds(500), [this] {
+WakeMemory::WakeMemory(base::Loop& loop, PluginCalls& plugin, EventWorld::Done failed)
+    : plugin_(plugin),
+      failed_(std::move(failed)),
+      soon_(loop.makeTimer(std::chrono::milliseconds(500), [this] {
         soon_->enabled(false);
         look();
       })) {}
@@ -163,9 +165,11 @@ void WakeMemory::remember(const PlayerPlace& place, const std::string& mark) {
 
 void WakeMemory::putBack() {
   if (!place_) return;
-  plugin_.callAnyway(
-      [place = *std::exchange(place_, std::nullopt)](base::Object& vxif) { RawPlayer(vxif).putBack(place); },
-      {});
+  const PlayerPlace place = *std::exchange(place_, std::nullopt);
+  plugin_.callAnyway([place](base::Object& vxif) { RawPlayer(vxif).putBack(place); },
+                     [this](const std::string& failure) {
+                       if (!failure.empty()) failed_(failure);
+                     });
 }
 
 // Not at once: between two titles of a list the player stops for a moment too.

@@ -13,7 +13,8 @@ namespace standin {
 /// somebody has put something else into it since.
 class WakeMemory {
  public:
-  WakeMemory(base::Loop& loop, PluginCalls& plugin);
+  /// `failed` is told why something could not be put back.
+  WakeMemory(base::Loop& loop, PluginCalls& plugin, EventWorld::Done failed);
 
   /// A waking begins: what is in the player is remembered, but not what an earlier waking has put there.
   void remember(const PlayerPlace& place, const std::string& mark);
@@ -29,6 +30,7 @@ class WakeMemory {
   void look();
 
   PluginCalls& plugin_;
+  EventWorld::Done failed_;
   std::optional<PlayerPlace> place_;
   std::string mark_;
   std::unique_ptr<base::Timer> soon_;

@@ -38,6 +38,17 @@ TEST_F(Actions, BeginWhenTheOneBeforeHasEnded) {
   EXPECT_GE(last().actions[1].time - last().actions[0].time, 5000);
 }
 
+TEST_F(Actions, AreNotBrokenOffByTheLateReturnOfTheOneBefore) {
+  world.slow = {"a"};
+  world.held = {"b"};
+  rules.put(1, whenEnded({"a", "b"}));
+  playbackEnds();
+  EXPECT_THAT(world.journal.lines(), ElementsAre("do a", "do b", "over a"));
+  world.finish();
+  settle();
+  EXPECT_EQ(last().outcome, Outcome::kDone);
+}
+
 TEST_F(Actions, AreWrittenDownBeforeTheFirstOneBegins) {
   world.onAction = [&](const std::string&) { EXPECT_EQ(history.begun.size(), 1U); };
   rules.put(1, whenEnded());

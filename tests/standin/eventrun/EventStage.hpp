@@ -12,12 +12,6 @@
 
 namespace support {
 
-inline constexpr const char* kEnded = "Media Player\2Media Player Triggers\2Playback Ended";
-inline constexpr const char* kStarted = "Media Player\2Media Player Triggers\2Playback Started";
-/// As the plug-in tells it.
-inline constexpr const char* kEndedTold = "Media Player\2*\2Playback Ended";
-inline constexpr const char* kStartedTold = "Media Player\2*\2Playback Started";
-
 /// An engine in virtual time, with everything about it under the test's hand. It begins on a Thursday.
 class EventStage : public ::testing::Test {
  protected:

@@ -30,7 +30,8 @@ class Waking : public testing::Test {
   support::VirtualLoop loop;
   support::StagedPlayer player;
   support::StagedCalls calls{loop, player.vxif};
-  WakeMemory memory{loop, calls};
+  WakeMemory memory{loop, calls, [&](const std::string& failure) { failures.push_back(failure); }};
+  std::vector<std::string> failures;
   std::vector<std::string> ended;
   std::vector<std::string> spoken;
   std::unique_ptr<Deed> deed;
