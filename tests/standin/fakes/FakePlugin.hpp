@@ -78,6 +78,14 @@ class FakePlugin {
   static Member constant(const std::string& name, const std::string& text) {
     return {name, base::MemberKind::kReadField, {}, Type::kText, [text](Args&) { return Value(text); }};
   }
+  /// The last field, with the operation's name before it.
+  Member wording(const std::string& name) {
+    return {name, kOperation, {{"text", Type::kText, {}, true}}, Type::kText, [this, name](Args& args) {
+              const std::string text = base::ToText(args[0]);
+              note(name + " " + text);
+              return Value(name + " of " + text.substr(text.rfind('\2') + 1));
+            }};
+  }
   base::ObjectRef object() {
     return std::
         make_shared<TableOf>(
@@ -85,6 +93,9 @@ class FakePlugin {
             std::vector<Member>{constant("Link", "WMP_PListEdit"),
                                 constant("LinkText", "PlayList Editor"),
                                 constant("Page_Title", "Vantorix Media Player"),
+                                wording("TriggerUIFormat"),
+                                wording("ConditionUIFormat"),
+                                wording("ActionUIFormat"),
                                 {"Name",
                                  kOperation,
                                  {},

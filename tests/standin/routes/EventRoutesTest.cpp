@@ -71,6 +71,18 @@ TEST_F(EventPages, EventsStandByGroupAndName) {
   EXPECT_THAT(names, ElementsAre("z", "A", "b"));
 }
 
+TEST_F(EventPages, NamesOfAnyKindAreListedAsTheyAre) {
+  for (const char* name : {"\"quoted\" \\ and /", "<b>&amp;</b>", "夜 😴 \xEF\xBF\xBF", "‘’“”…"}) {
+    Json rule = simple(name);
+    rule["actions"] = {{{"kind", "speak"}, {"text", std::string("\x01\n\t\x7F ") + name}}};
+    const Json id = save(rule).at("id");
+    const Json row = list().at("events").at(0);
+    EXPECT_EQ(row.at("name"), name);
+    EXPECT_EQ(row.at("do"), Json({std::string("Say “\x01\n\t\x7F ") + name + "”"}));
+    EXPECT_EQ(post("/api/event/delete", {{"id", id}, {"version", 1}}), 200);
+  }
+}
+
 TEST_F(EventPages, EventsThatThePluginHasMadeAreNotListed) {
   house.onLoop([](standin::House& all) { all.events.create("Album VR"); });
   EXPECT_EQ(list().at("events"), Json::array());
