@@ -10,11 +10,9 @@
 
 namespace engine {
 
-namespace {
-
-/// Where its first thread can't be started, the decoder waits for it for ever instead of failing; where
-/// memory ends a little later, it ends the process. So there must be room for all that it takes at first.
-void CheckRoom() {
+// Where its first thread can't be started, the decoder waits for it for ever instead of failing; where
+// memory ends a little later, it ends the process. So there must be room for all that it takes at first.
+void CheckRoomForDecoder() {
   constexpr std::size_t kRoom = std::size_t{256} << 20U;
   void* const room = ::mmap(nullptr, kRoom, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (room == MAP_FAILED)
@@ -22,15 +20,13 @@ void CheckRoom() {
   ::munmap(room, kRoom);
 }
 
-}  // namespace
-
 void MpvHandle::Destroyer::operator()(mpv_handle* handle) const {
   mpv_set_wakeup_callback(handle, nullptr, nullptr);
   mpv_terminate_destroy(handle);
 }
 
 MpvHandle::MpvHandle(const MpvOptions& options) {
-  CheckRoom();
+  CheckRoomForDecoder();
   std::setlocale(LC_NUMERIC, "C");  // it refuses to be created otherwise
   handle_.reset(mpv_create());
   if (!handle_) throw base::Failure(base::number::kCannotCreate, "The decoder can't be created");

@@ -11,6 +11,9 @@ namespace engine {
 
 using MpvOptions = std::vector<std::pair<std::string, std::string>>;
 
+/// Throws number 429 when there is too little memory for a decoder. What it has asked for is given back.
+void CheckRoomForDecoder();
+
 /// One decoder. Commands and properties are asynchronous: their answers come as events.
 class MpvHandle {
  public:

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/Failure.hpp"
+
 namespace engine {
 namespace {
 
@@ -76,17 +78,25 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
                      std::function<void(const std::string&)> message)
     : isDrive_(std::move(isDrive)),
       message_(std::move(message)),
+      options_(Options(config)),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
-      post_(loop),
-      mpv_(Options(config)) {
-  decoderFiles_.serve(*mpv_.get());
-  mpv_observe_property(mpv_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
-  mpv_observe_property(mpv_.get(), 0, "duration", MPV_FORMAT_DOUBLE);
-  mpv_observe_property(mpv_.get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
-  if (wantsDevice_) mpv_observe_property(mpv_.get(), 0, "current-ao", MPV_FORMAT_STRING);
+      post_(loop) {
+  CheckRoomForDecoder();
+}
+
+void MpvOutput::needDecoder() {
+  if (mpv_) return;
+  mpv_.emplace(options_);
+  decoderFiles_.serve(*mpv_->get());
+  mpv_->set("volume", static_cast<double>(volume_));
+  mpv_->set("mute", mute_);
+  mpv_observe_property(mpv_->get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
+  mpv_observe_property(mpv_->get(), 0, "duration", MPV_FORMAT_DOUBLE);
+  mpv_observe_property(mpv_->get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
+  if (wantsDevice_) mpv_observe_property(mpv_->get(), 0, "current-ao", MPV_FORMAT_STRING);
   mpv_set_wakeup_callback(
-      mpv_.get(),
+      mpv_->get(),
       [](void* context) {
         auto* self = static_cast<MpvOutput*>(context);
         if (!self->woken_.exchange(true)) self->post_([self] { self->drain(); });
@@ -115,41 +125,53 @@ void MpvOutput::addFile(EntryId entry, const std::string& location, const char* 
     address.address = decoderFiles_.give(entry, address.address);
   entries_[entry] = std::move(address.refusal);
   // Of a file on disk nothing else is opened; of a station a list of addresses may be all that it sends.
-  mpv_.set("access-references", address.kind == DecoderAddress::Kind::kStation);
+  mpv_->set("access-references", address.kind == DecoderAddress::Kind::kStation);
   std::vector<std::string> words{"loadfile", address.address, how};
   if (!address.options.empty()) words.push_back(address.options);
-  mpv_.command(entry, words);
+  mpv_->command(entry, words);
 }
 
 void MpvOutput::load(EntryId entry, const std::string& location) {
   forget();
-  mpv_.set("speed", 1.0);
-  pause(false);
+  paused_ = false;
+  try {
+    needDecoder();
+  } catch (const base::Failure& failure) {
+    entries_[entry] = failure.description();
+    post_([this, entry] {
+      // Unless something else has been asked for meanwhile.
+      if (auto known = entries_.extract(entry)) events_->failed(entry, known.mapped());
+    });
+    return;
+  }
+  mpv_->set("speed", 1.0);
+  mpv_->set("pause", false);
   addFile(entry, location, "replace");
 }
 
 void MpvOutput::append(EntryId entry, const std::string& location) {
-  addFile(entry, location, "append-play");
+  if (mpv_) addFile(entry, location, "append-play");
 }
 
 bool MpvOutput::dropNext() {
+  if (!mpv_) return true;
   if (held_ != 0) return false;  // the decoder is on the next one while the end of the last still sounds
   const EntryId now = entryOf(playing_);
   for (const auto& known : entries_) {
     if (known.first != now) dropped_.insert(known.first);
   }
   std::erase_if(entries_, [&](const auto& known) { return known.first != now; });
-  mpv_.command(0, {"playlist-clear"});
+  mpv_->command(0, {"playlist-clear"});
   return true;
 }
 
 void MpvOutput::stop() {
   forget();
-  mpv_.command(0, {"stop"});
+  if (mpv_) mpv_->command(0, {"stop"});
 }
 
 void MpvOutput::pause(bool value) {
-  mpv_.set("pause", value);
+  if (mpv_) mpv_->set("pause", value);
   if (value == paused_) return;
   paused_ = value;
   heardTimer_->enabled(false);
@@ -158,12 +180,22 @@ void MpvOutput::pause(bool value) {
 
 void MpvOutput::seek(double seconds) {
   position_ = seconds;
-  mpv_.command(0, {"seek", std::to_string(seconds), "absolute+exact"});
+  if (mpv_) mpv_->command(0, {"seek", std::to_string(seconds), "absolute+exact"});
 }
 
-void MpvOutput::speed(double factor) { mpv_.set("speed", factor); }
-void MpvOutput::volume(std::int32_t percent) { mpv_.set("volume", static_cast<double>(percent)); }
-void MpvOutput::mute(bool value) { mpv_.set("mute", value); }
+void MpvOutput::speed(double factor) {
+  if (mpv_) mpv_->set("speed", factor);
+}
+
+void MpvOutput::volume(std::int32_t percent) {
+  volume_ = percent;
+  if (mpv_) mpv_->set("volume", static_cast<double>(percent));
+}
+
+void MpvOutput::mute(bool value) {
+  mute_ = value;
+  if (mpv_) mpv_->set("mute", value);
+}
 
 EntryId MpvOutput::entryOf(FileId file) const {
   const auto found = files_.find(file);
@@ -173,7 +205,7 @@ EntryId MpvOutput::entryOf(FileId file) const {
 void MpvOutput::drain() {
   woken_ = false;
   while (true) {
-    const mpv_event* event = mpv_wait_event(mpv_.get(), 0);
+    const mpv_event* event = mpv_wait_event(mpv_->get(), 0);
     if (event->event_id == MPV_EVENT_NONE) return;
     handle(*event);
   }
@@ -204,14 +236,14 @@ void MpvOutput::fileStarted(FileId file) {
   duration_ = 0;
   const EntryId entry = entryOf(file);
   // It was dropped at the moment at which the decoder went on to it.
-  if (dropped_.contains(entry)) mpv_.command(0, {"playlist-next", "force"});
+  if (dropped_.contains(entry)) mpv_->command(0, {"playlist-next", "force"});
   if (entry == 0) return;
   dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
   decoderFiles_.forgetBefore(entry);
 }
 
 void MpvOutput::askHeard() {
-  mpv_get_property_async(mpv_.get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
+  mpv_get_property_async(mpv_->get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
 }
 
 void MpvOutput::heardTold(const mpv_event& event) {

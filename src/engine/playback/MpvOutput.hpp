@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -20,10 +21,13 @@ struct mpv_event_property;
 
 namespace engine {
 
-/// The output through libmpv. Its threads only wake the loop; all of its events are handled there.
+/// The output through libmpv. Its threads only wake the loop; all of its events are handled there. The
+/// decoder takes more memory than all the rest of the player, so it is made when something is played for the
+/// first time.
 class MpvOutput : public Output {
  public:
-  /// `message` gets lines for people, on the loop's thread. Throws number 429 when there is no decoder.
+  /// `message` gets lines for people, on the loop's thread. Throws number 429 when there is too little memory
+  /// for the decoder; should that be so when it is made, what was to be played fails.
   MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
             std::function<void(const std::string&)> message);
   ~MpvOutput() override;
@@ -49,6 +53,8 @@ class MpvOutput : public Output {
  private:
   using FileId = std::int64_t;
 
+  /// Makes the decoder if there is none yet. Throws as `MpvHandle`.
+  void needDecoder();
   void drain();
   void handle(const mpv_event& event);
   void fileGiven(const mpv_event& event);
@@ -69,6 +75,7 @@ class MpvOutput : public Output {
   OutputEvents* events_ = nullptr;
   IsDrive isDrive_;
   std::function<void(const std::string&)> message_;
+  MpvOptions options_;
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;
   std::unique_ptr<base::Timer> heardTimer_;
@@ -79,13 +86,15 @@ class MpvOutput : public Output {
   EntryId held_ = 0;      ///< decoded to its end, still being heard
   EntryId startedMeanwhile_ = 0;
   bool paused_ = false;
+  std::int32_t volume_ = 100;
+  bool mute_ = false;
   DecoderFiles decoderFiles_;
   std::set<EntryId> dropped_;  ///< what may still be begun, as the decoder was about to when it was dropped
   double position_ = 0;
   double duration_ = 0;
   std::atomic<bool> woken_{false};
   Poster post_;
-  MpvHandle mpv_;  // last: its threads call `woken_` and `post_`
+  std::optional<MpvHandle> mpv_;  // last: its threads call `woken_` and `post_`
 };
 
 }  // namespace engine
