@@ -39,6 +39,7 @@ class Running {
 };
 
 struct TimerEntry {
+  PollLoop::Clock clock;
   Milliseconds interval{0};
   bool enabled = false;
   bool alive = true;
@@ -47,7 +48,7 @@ struct TimerEntry {
   std::function<void()> event;
 
   [[nodiscard]] bool armed() const { return alive && enabled && !running && interval.count() > 0; }
-  void restart() { due = SteadyClock::now() + interval; }
+  void restart() { due = clock() + interval; }
 
   void fire(SteadyClock::time_point time) {
     due += interval;
@@ -140,6 +141,9 @@ struct PollLoop::State {
     short events = 0;
   };
 
+  explicit State(Clock clock) : clock(std::move(clock)) {}
+
+  Clock clock;
   files::Descriptor wake{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::vector<std::shared_ptr<TimerEntry>> timers;
   std::vector<std::shared_ptr<WatchEntry>> watches;
@@ -166,7 +170,7 @@ struct PollLoop::State {
 
   int waitFor(Milliseconds limit) {
     if (anyPosted()) return 0;
-    const auto time = SteadyClock::now();
+    const auto time = clock();
     auto wait = std::max(limit, Milliseconds(0));
     for (const auto& timer : timers) {
       if (!timer->armed()) continue;
@@ -207,7 +211,7 @@ struct PollLoop::State {
   }
 
   void runTimers() {
-    const auto time = SteadyClock::now();
+    const auto time = clock();
     std::vector<std::shared_ptr<TimerEntry>> due;
     for (const auto& timer : timers) {
       if (timer->armed() && timer->due <= time) due.push_back(timer);
@@ -241,7 +245,7 @@ struct PollLoop::State {
   }
 };
 
-PollLoop::PollLoop() : state_(std::make_unique<State>()) {
+PollLoop::PollLoop(Clock clock) : state_(std::make_unique<State>(std::move(clock))) {
   if (state_->wake.get() < 0) throw base::Failure(base::number::kDeviceIo);
 }
 
@@ -249,6 +253,7 @@ PollLoop::~PollLoop() = default;
 
 std::unique_ptr<base::Timer> PollLoop::makeTimer(Milliseconds interval, std::function<void()> event) {
   auto entry = std::make_shared<TimerEntry>();
+  entry->clock = state_->clock;
   entry->interval = interval;
   entry->event = std::move(event);
   state_->timers.push_back(entry);
@@ -295,7 +300,7 @@ void PollLoop::whileClosed(const std::function<void()>& body) {
 }
 
 Milliseconds PollLoop::now() const {
-  return std::chrono::duration_cast<Milliseconds>(SteadyClock::now().time_since_epoch());
+  return std::chrono::duration_cast<Milliseconds>(state_->clock().time_since_epoch());
 }
 
 std::unique_ptr<PollLoop::Watch> PollLoop::watch(int descriptor, short events,

@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -14,7 +15,11 @@ namespace bus {
 /// turned on afterwards. Timers and watches may outlive the loop; they are dead from then on.
 class PollLoop : public base::Loop {
  public:
-  PollLoop();
+  /// What the loop takes for the time. Timers look at it whenever the loop turns, and the loop sleeps no
+  /// longer than it says at that moment.
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+  explicit PollLoop(Clock clock = std::chrono::steady_clock::now);
   ~PollLoop() override;
   PollLoop(const PollLoop&) = delete;
   PollLoop& operator=(const PollLoop&) = delete;

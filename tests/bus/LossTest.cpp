@@ -59,13 +59,11 @@ TEST_F(Loss, AnotherProcessMayAskBackWhileItIsCalled) {
   service->invoke("Quit");
 }
 
-TEST_F(Loss, AProcessThatDiesInTheMiddleOfACallIsFailure462AtOnce) {
+TEST_F(Loss, AProcessThatDiesInTheMiddleOfACallIsFailure462) {
   connection.startService(kActivated);
   bool gone = false;
   connection.onNameLost(kActivated, [&] { gone = true; });
-  const auto start = loop.now();
   EXPECT_EQ(base::number::kHostGone, FailureNumberOf([&] { service->invoke("Die"); }));
-  EXPECT_LT(loop.now() - start, std::chrono::seconds(10));
   EXPECT_TRUE(TurnUntil(loop, [&] { return gone; }));
   EXPECT_EQ(base::number::kHostGone, FailureNumberOf([&] { service->invoke("Greet"); }));
 }

@@ -1,8 +1,10 @@
 #include "desktop/QtWindows.hpp"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <QtCore/QTimer>
+#include <array>
 #include <clocale>
 
 #include "desktop/BoxWindow.hpp"
@@ -24,6 +26,17 @@ class QtWindows : public ::testing::Test {
     while (wakeUpsIn(std::chrono::milliseconds(300)) > 2) {
     }
   }
+  /// In how many milliseconds Qt wants to be woken; -1 for never.
+  static int plannedWakeUp() {
+    GMainContext* context = g_main_context_default();
+    EXPECT_TRUE(g_main_context_acquire(context));
+    gint timeout = 0;
+    std::array<GPollFD, 64> descriptors{};
+    g_main_context_prepare(context, nullptr);
+    g_main_context_query(context, G_MAXINT, &timeout, descriptors.data(), descriptors.size());
+    g_main_context_release(context);
+    return timeout;
+  }
 
   support::Screen screen;
   bus::PollLoop loop;
@@ -34,7 +47,7 @@ class QtWindows : public ::testing::Test {
 
 TEST_F(QtWindows, AnIdleDesktopWakesNobody) {
   settle();
-  EXPECT_LE(wakeUpsIn(std::chrono::seconds(2)), 2);
+  EXPECT_EQ(plannedWakeUp(), -1);
 }
 
 TEST_F(QtWindows, AnIdleDesktopWakesNobodyBehindAWindowEither) {
@@ -44,7 +57,7 @@ TEST_F(QtWindows, AnIdleDesktopWakesNobodyBehindAWindowEither) {
     desktop::ShowBox(*windows, base::BoxKind::kPlain, "Media Player", "Read");
   }
   settle();
-  EXPECT_LE(wakeUpsIn(std::chrono::seconds(2)), 2);
+  EXPECT_EQ(plannedWakeUp(), -1);
 }
 
 TEST_F(QtWindows, QtsOwnTimersRunOnTheLoop) {
@@ -57,7 +70,7 @@ TEST_F(QtWindows, QtsOwnTimersRunOnTheLoop) {
   EXPECT_GE((loop.now() - start).count(), 80);
   timer.stop();
   settle();
-  EXPECT_LE(wakeUpsIn(std::chrono::seconds(1)), 2);
+  EXPECT_EQ(plannedWakeUp(), -1);
 }
 
 TEST_F(QtWindows, WorkPostedByAnotherThreadRunsOnTheLoop) {
@@ -68,10 +81,9 @@ TEST_F(QtWindows, WorkPostedByAnotherThreadRunsOnTheLoop) {
         qApp, [&] { ran = true; }, Qt::QueuedConnection);
   });
   const auto start = loop.now();
-  while (!ran && loop.now() - start < std::chrono::seconds(20)) loop.turn(std::chrono::seconds(20));
+  while (!ran) loop.turn(std::chrono::hours(1));
   other.join();
-  EXPECT_TRUE(ran);
-  EXPECT_LT((loop.now() - start).count(), 10'000);
+  EXPECT_LT(loop.now() - start, std::chrono::seconds(55));  // by itself the loop would look after a minute
 }
 
 TEST_F(QtWindows, TheProcessKeepsItsLocale) { EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C"); }

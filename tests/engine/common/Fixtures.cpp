@@ -25,11 +25,6 @@ bool TurnUntil(bus::PollLoop& loop, const std::function<bool()>& condition, std:
   return true;
 }
 
-void TurnFor(bus::PollLoop& loop, std::chrono::milliseconds time) {
-  const auto end = std::chrono::steady_clock::now() + time;
-  while (std::chrono::steady_clock::now() < end) loop.turn(std::chrono::milliseconds(10));
-}
-
 PlayerTest::PlayerTest() {
   config.musicFolders = {folder / "music"};
   config.dataFolder = folder / "data";
@@ -89,6 +84,11 @@ bool PlayerTest::libraryHolds(int tracks) {
 
 bool PlayerTest::untilState(std::int32_t state) {
   return until([&] { return !told.states.empty() && told.states.back() == state; });
+}
+
+void PlayerTest::minutesPass() {
+  clock.skip(std::chrono::minutes(2));
+  for (int i = 0; i < 10; ++i) loop.pump();
 }
 
 std::vector<std::string> Names(player::Playlist& list) {

@@ -15,6 +15,7 @@
 #include "engine/Player.hpp"
 #include "engine/common/Config.hpp"
 #include "player/WMP9.hpp"
+#include "support/SkippingClock.hpp"
 
 namespace engine::testing {
 
@@ -40,8 +41,6 @@ class TempFolder {
 /// Turns the loop until `condition` holds. False when it does not within the time.
 bool TurnUntil(bus::PollLoop& loop, const std::function<bool()>& condition,
                std::chrono::seconds limit = std::chrono::seconds(60));
-/// Turns the loop for that long.
-void TurnFor(bus::PollLoop& loop, std::chrono::milliseconds time);
 
 /// Everything the player tells.
 class Recorder : public player::WMP9Events {
@@ -88,12 +87,15 @@ class PlayerTest : public ::testing::Test {
   bool libraryHolds(int tracks);
   bool until(const std::function<bool()>& condition) { return TurnUntil(loop, condition); }
   bool untilState(std::int32_t state);
+  /// Whatever waits for its time has come to it; what the decoder plays meanwhile is a moment.
+  void minutesPass();
   [[nodiscard]] std::string music(const std::string& name) const {
     return config.musicFolders.front() + "/" + name;
   }
 
   TempFolder folder;
-  bus::PollLoop loop;
+  support::SkippingClock clock;
+  bus::PollLoop loop{clock.reader()};
   Config config;
   Recorder told;
   std::vector<std::string> log;
