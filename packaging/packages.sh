@@ -11,8 +11,8 @@ BUILD_PACKAGES=(
 )
 # Installs what the pages import. It may have come another way than as a package.
 command -v npm >/dev/null || BUILD_PACKAGES+=(npm)
-# What running them takes beyond the libraries that come with those.
-RUN_PACKAGES=(dbus-daemon webp-pixbuf-loader)
+# What running them takes beyond the libraries that come with those; the decoder's is loaded when it is needed.
+RUN_PACKAGES=(dbus-daemon libmpv2 webp-pixbuf-loader)
 # What the tests and checks take on top.
 TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev

@@ -4,10 +4,6 @@
 #include <mpv/stream_cb.h>
 #include <sys/stat.h>
 
-extern "C" {
-#include <libavutil/mem.h>
-}
-
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -16,6 +12,7 @@ extern "C" {
 #include <string_view>
 
 #include "engine/playback/MediaDoor.hpp"
+#include "engine/playback/MpvHandle.hpp"
 #include "engine/playback/UnreadTags.hpp"
 
 namespace engine {
@@ -76,9 +73,9 @@ EntryId EntryOf(std::string_view address) {
 
 }  // namespace
 
-void DecoderFiles::serve(mpv_handle& decoder) {
-  av_max_alloc(kLargestBlock);
-  mpv_stream_cb_add_ro(&decoder, std::string(kKind).c_str(), this, &DecoderFiles::Open);
+void DecoderFiles::serve(const MpvHandle& decoder) {
+  decoder.library().limitBlocks(kLargestBlock);
+  decoder.library().serve(decoder.get(), std::string(kKind).c_str(), this, &DecoderFiles::Open);
 }
 
 std::string DecoderFiles::give(EntryId entry, const std::string& path) {

@@ -5,17 +5,18 @@
 
 #include "engine/playback/Output.hpp"
 
-struct mpv_handle;
 struct mpv_stream_cb_info;
 
 namespace engine {
+
+class MpvHandle;
 
 /// The files that the decoder may open, each under an address that we make for one entry; it opens no path
 /// itself. So what it reads is what was found to be a file, and passes `UnreadTags`.
 class DecoderFiles {
  public:
   /// Once for each decoder, before it opens anything; it must end before this.
-  void serve(mpv_handle& decoder);
+  void serve(const MpvHandle& decoder);
 
   /// The address under which the decoder finds that file. It is opened when the decoder comes to it, on a
   /// thread of the decoder's.

@@ -88,15 +88,14 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
 void MpvOutput::needDecoder() {
   if (mpv_) return;
   mpv_.emplace(options_);
-  decoderFiles_.serve(*mpv_->get());
+  decoderFiles_.serve(*mpv_);
   mpv_->set("volume", static_cast<double>(volume_));
   mpv_->set("mute", mute_);
-  mpv_observe_property(mpv_->get(), 0, "time-pos", MPV_FORMAT_DOUBLE);
-  mpv_observe_property(mpv_->get(), 0, "duration", MPV_FORMAT_DOUBLE);
-  mpv_observe_property(mpv_->get(), 0, "paused-for-cache", MPV_FORMAT_FLAG);
-  if (wantsDevice_) mpv_observe_property(mpv_->get(), 0, "current-ao", MPV_FORMAT_STRING);
-  mpv_set_wakeup_callback(
-      mpv_->get(),
+  mpv_->observe("time-pos", MPV_FORMAT_DOUBLE);
+  mpv_->observe("duration", MPV_FORMAT_DOUBLE);
+  mpv_->observe("paused-for-cache", MPV_FORMAT_FLAG);
+  if (wantsDevice_) mpv_->observe("current-ao", MPV_FORMAT_STRING);
+  mpv_->onWakeup(
       [](void* context) {
         auto* self = static_cast<MpvOutput*>(context);
         if (!self->woken_.exchange(true)) self->post_([self] { self->drain(); });
@@ -205,9 +204,9 @@ EntryId MpvOutput::entryOf(FileId file) const {
 void MpvOutput::drain() {
   woken_ = false;
   while (true) {
-    const mpv_event* event = mpv_wait_event(mpv_->get(), 0);
-    if (event->event_id == MPV_EVENT_NONE) return;
-    handle(*event);
+    const mpv_event& event = mpv_->nextEvent();
+    if (event.event_id == MPV_EVENT_NONE) return;
+    handle(event);
   }
 }
 
@@ -242,9 +241,7 @@ void MpvOutput::fileStarted(FileId file) {
   decoderFiles_.forgetBefore(entry);
 }
 
-void MpvOutput::askHeard() {
-  mpv_get_property_async(mpv_->get(), kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE);
-}
+void MpvOutput::askHeard() { mpv_->ask(kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE); }
 
 void MpvOutput::heardTold(const mpv_event& event) {
   if (held_ == 0 || paused_) return;  // asked again when it is no longer paused
@@ -266,7 +263,7 @@ void MpvOutput::fileGiven(const mpv_event& event) {
   if (!entries_.contains(entry) && !dropped_.contains(entry)) return;
   if (event.error < 0) {
     if (dropped_.erase(entry) != 0) return;
-    events_->failed(entry, mpv_error_string(event.error));
+    events_->failed(entry, mpv_->textOf(event.error));
     return;
   }
   const auto* command = static_cast<const mpv_event_command*>(event.data);
@@ -322,7 +319,7 @@ void MpvOutput::fileEnded(const mpv_event_end_file& end) {
     std::string reason = entries_.extract(entry).mapped();
     if (reason.empty()) reason = decoderFiles_.refusal(entry);
     if (reason.empty()) {
-      reason = silent && end.error == 0 ? "there is no sound in it" : mpv_error_string(end.error);
+      reason = silent && end.error == 0 ? "there is no sound in it" : mpv_->textOf(end.error);
     }
     events_->failed(entry, reason);
     return;
