@@ -18,7 +18,6 @@ namespace support {
 struct FakeLibrary {
   std::map<std::string, std::vector<std::string>> categories;  ///< the groups of "Album", "Genre" ...
   std::map<std::string, std::vector<std::string>> groups;      ///< the titles of "Album/Blue" ...
-  std::chrono::milliseconds slowness{0};                       ///< of a category's list
   std::shared_ptr<FakePlaylists> playlists{};                  ///< behind the raw player; none without it
 };
 
@@ -64,7 +63,6 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
                          return texts(library.playlists->lists());
                        if (library.playlists && library.playlists->categories.count(category) != 0)
                          return texts(library.playlists->categories.at(category));
-                       std::this_thread::sleep_for(library.slowness);
                        const auto found = library.categories.find(category);
                        return found == library.categories.end() ? texts({}) : texts(found->second);
                      }});
