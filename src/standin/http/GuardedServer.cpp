@@ -167,7 +167,7 @@ class GuardedQueue : public httplib::TaskQueue {
   GuardedQueue(const WebLimits& limits, WebConnections& connections)
       : limits_(limits), connections_(connections), threads_(limits.threads) {}
   void enqueue(std::function<void()> work) override {
-    if (++pending_ > static_cast<int>(limits_.connections)) connections_.endOldestWaiting();
+    if (++pending_ > static_cast<int>(limits_.connections)) connections_.makeRoom();
     threads_.enqueue([this, work = std::move(work)] {
       work();
       --pending_;
@@ -187,11 +187,12 @@ class GuardedQueue : public httplib::TaskQueue {
 WebConnections::Entry WebConnections::add(socket_t socket) {
   const std::lock_guard lock(mutex_);
   if (ending_) ::shutdown(socket, SHUT_RD);
-  return open_.insert(open_.end(), WebConnection{socket, false});
+  return open_.insert(open_.end(), WebConnection{socket});
 }
 
 void WebConnections::remove(Entry entry) {
   const std::lock_guard lock(mutex_);
+  if (!entry->ended && owed_ > 0) --owed_;
   ::shutdown(entry->socket, SHUT_RDWR);
   ::close(entry->socket);  // under the lock: nobody ends another one that has got its number
   open_.erase(entry);
@@ -200,6 +201,9 @@ void WebConnections::remove(Entry entry) {
 void WebConnections::waits(Entry entry, bool value) {
   const std::lock_guard lock(mutex_);
   entry->waits = value;
+  if (!value || owed_ == 0 || entry->ended) return;
+  --owed_;
+  end(*entry);
 }
 
 std::size_t WebConnections::count() const {
@@ -212,13 +216,20 @@ bool WebConnections::ending() const {
   return ending_;
 }
 
-bool WebConnections::endOldestWaiting() {
+void WebConnections::end(WebConnection& connection) {
+  ::shutdown(connection.socket, SHUT_RDWR);
+  connection.ended = true;  // the next one makes room by another
+}
+
+void WebConnections::makeRoom() {
   const std::lock_guard lock(mutex_);
-  const auto oldest = std::find_if(open_.begin(), open_.end(), [](const auto& each) { return each.waits; });
-  if (oldest == open_.end()) return false;
-  ::shutdown(oldest->socket, SHUT_RDWR);
-  oldest->waits = false;  // the next one makes room by another
-  return true;
+  const auto oldest =
+      std::find_if(open_.begin(), open_.end(), [](const auto& each) { return each.waits && !each.ended; });
+  if (oldest != open_.end()) {
+    end(*oldest);
+  } else {
+    ++owed_;
+  }
 }
 
 void WebConnections::endReading() {

@@ -13,6 +13,7 @@ namespace standin {
 struct WebConnection {
   socket_t socket = INVALID_SOCKET;
   bool waits = false;  ///< for something to read
+  bool ended = false;  ///< to make room
 };
 
 /// The connections that are open, so that room can be made and all can be ended. Thread-safe.
@@ -25,16 +26,20 @@ class WebConnections {
   void waits(Entry entry, bool value);
   [[nodiscard]] std::size_t count() const;
   [[nodiscard]] bool ending() const;
-  /// Ends the oldest one that waits for its peer; false when all are at work.
-  bool endOldestWaiting();
+  /// Ends the oldest one that waits for its peer. When all are at work it is the next one that begins to
+  /// wait, unless one has gone by itself before.
+  void makeRoom();
   /// Ends what is read, now and of connections yet to come; what is being answered may go on.
   void endReading();
   /// Ends them all.
   void endAll();
 
  private:
+  static void end(WebConnection& connection);
+
   mutable std::mutex mutex_;
   std::list<WebConnection> open_;  ///< the oldest first
+  int owed_ = 0;                   ///< so many are still to make room
   bool ending_ = false;
 };
 
