@@ -32,6 +32,7 @@
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
 #include "standin/voice/EspeakVoice.hpp"
+#include "standin/voice/RestingVoice.hpp"
 
 namespace {
 
@@ -62,7 +63,8 @@ int Serve(const Options& options) {
 
   BusShelf shelf(connection);
   HouseObjects objects(house, shelf);
-  EspeakVoice voice;
+  EspeakVoice espeak;
+  RestingVoice voice(espeak);
   Speech speech(loop, house, voice);
   LoopWaits waits(loop, speech);
   const auto system = std::make_shared<SystemObject>(house);

@@ -1,13 +1,12 @@
 #pragma once
 #include <atomic>
-#include <chrono>
 
 #include "standin/voice/VoiceOutput.hpp"
 
 namespace standin {
 
 /// A synthetic voice on the machine's sound. There may be one in a process. It is made ready at its first
-/// text; after a failure the machine's sound is left alone for a minute.
+/// text.
 class EspeakVoice : public VoiceOutput {
  public:
   EspeakVoice() = default;
@@ -25,7 +24,6 @@ class EspeakVoice : public VoiceOutput {
   void prepare();
   void utter(const std::string& text, unsigned int flags);
   bool prepared_ = false;
-  std::chrono::steady_clock::time_point notBefore_{};  ///< after a failure
   std::atomic<bool> hushed_ = false;
 };
 
