@@ -25,21 +25,13 @@ class PlaylistWatchers : public support::PlaylistHouse {
 
 }  // namespace
 
-TEST_F(PlaylistWatchers, HearOfAChangeAndNobodyIsAskedWithoutThem) {
+TEST_F(PlaylistWatchers, HearOfAChange) {
   LivePage page(*server);
   show();
   watch("Mine", "p");
   changeMine();
   EXPECT_TRUE(page.hears(kOfMine));
   EXPECT_EQ(show().at("names"), json({"A", "C", "B", "D"}));
-  // Another reader asks for nothing: the lease of the page ends by itself, and with it the looks.
-  EXPECT_TRUE(Eventually(
-      [&] {
-        const int before = lists->asked();
-        std::this_thread::sleep_for(std::chrono::seconds(3));
-        return lists->asked() == before;
-      },
-      std::chrono::minutes(2)));
 }
 
 TEST_F(PlaylistWatchers, HearOfAChangeFarBelowTheRowsThatAPageShows) {
