@@ -17,6 +17,8 @@ std::future<void> Configure(const std::string& bus) {
   });
 }
 
+constexpr std::chrono::minutes kLongest(2);
+
 bool Ready(const std::future<void>& call, std::chrono::milliseconds limit) {
   return call.wait_for(limit) == std::future_status::ready;
 }
@@ -31,11 +33,12 @@ TEST(TheDesktop, ABoxWaitsForItsReaderAndTheHouseGoesOn) {
   auto call = Configure(house.busAddress());
   const std::string display = "DISPLAY=" + screen.display();
   support::Process finder(
-      {"timeout", "20", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"}, {display});
+      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
+      {display});
   ASSERT_EQ(finder.wait(), 0) << finder.output();
-  EXPECT_FALSE(Ready(call, std::chrono::milliseconds(300)));
   EXPECT_EQ(house.press("Loop Mode", "Loop toggle"), 200);
   EXPECT_TRUE(house.textBecomes("Loop Mode", "Loop"));
+  EXPECT_FALSE(Ready(call, std::chrono::milliseconds(0)));
   // The window may be seen before it has the keyboard.
   EXPECT_TRUE(support::Eventually([&] {
     support::Process key({"xdotool", "key", "Return"}, {display});
@@ -50,7 +53,7 @@ TEST(TheDesktop, WithoutAScreenABoxIsALineOfTheLog) {
   support::RealHouse house({.music = music.path()});
   ASSERT_TRUE(house.startReady());
   auto call = Configure(house.busAddress());
-  EXPECT_TRUE(Ready(call, std::chrono::seconds(10)));
+  EXPECT_TRUE(Ready(call, kLongest));
   EXPECT_NO_THROW(call.get());
   EXPECT_TRUE(house.logHas("Warning: Media Player: Configure device Q5"));
 }
@@ -73,17 +76,17 @@ TEST_P(WithoutItsScreen, TheMusicGoesOnAndTheVolumeIsKept) {
   ASSERT_TRUE(house.textBecomes("Status", "Playing"));
   auto call = Configure(house.busAddress());
   support::Process finder(
-      {"timeout", "20", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
+      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
       {"DISPLAY=" + screen.display()});
   ASSERT_EQ(finder.wait(), 0) << finder.output();
   screen.end(GetParam());
   EXPECT_TRUE(
       house.logHas("Warning: Media Player: The desktop has gone, the player goes on without windows"));
-  EXPECT_TRUE(Ready(call, std::chrono::seconds(10)));
+  EXPECT_TRUE(Ready(call, kLongest));
   EXPECT_NO_THROW(call.get());
   EXPECT_TRUE(house.logHas("Warning: Media Player: Configure device Q5"));
   auto next = Configure(house.busAddress());
-  EXPECT_TRUE(Ready(next, std::chrono::seconds(10)));
+  EXPECT_TRUE(Ready(next, kLongest));
   EXPECT_EQ(house.text("Status"), "Playing");
   EXPECT_EQ(house.press("Status", "Next"), 200);
   EXPECT_TRUE(house.textBecomes("Title", "Two"));

@@ -35,14 +35,13 @@ class Busy {
   int devices = 0;
 };
 
-/// Pulls the plug of the plug-in alone. False when it is not there yet after a while.
+/// Pulls the plug of the plug-in alone. False when it does not come.
 bool KillPlugin(const std::string& busAddress) {
   try {
     bus::PollLoop loop;
     bus::Connection connection(loop, busAddress);
     std::uint32_t process = 0;
-    support::Eventually([&] { return (process = connection.processOf("org.vantorix.vxif_WMP9")) != 0; },
-                        std::chrono::seconds(3));
+    support::Eventually([&] { return (process = connection.processOf("org.vantorix.vxif_WMP9")) != 0; });
     return process != 0 && ::kill(static_cast<pid_t>(process), SIGKILL) == 0;
   } catch (const base::Failure&) {
     return false;

@@ -17,7 +17,7 @@ namespace support {
 
 /// Waits until `condition` holds, at most `limit`. True when it did.
 template <class Condition>
-bool Eventually(Condition&& condition, std::chrono::milliseconds limit = std::chrono::seconds(60)) {
+bool Eventually(Condition&& condition, std::chrono::milliseconds limit = std::chrono::minutes(2)) {
   const auto end = std::chrono::steady_clock::now() + limit;
   for (;;) {
     if (condition()) return true;
@@ -76,7 +76,7 @@ class Process {
     id_ = -1;
   }
   /// Its exit code, or -1 when it does not end by itself in time.
-  int wait(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
+  int wait(std::chrono::milliseconds limit = std::chrono::minutes(2)) {
     int status = 0;
     const bool ended = Eventually(
         [&] {
@@ -96,7 +96,7 @@ class Process {
   }
   /// Waits for a text in its output and gives all of it. Throws when it does not come.
   const std::string& outputWith(const std::string& wanted,
-                                std::chrono::milliseconds limit = std::chrono::seconds(60)) {
+                                std::chrono::milliseconds limit = std::chrono::minutes(2)) {
     const auto end = std::chrono::steady_clock::now() + limit;
     while (text_.find(wanted) == std::string::npos) {
       if (std::chrono::steady_clock::now() > end || !read(std::chrono::milliseconds(200)))

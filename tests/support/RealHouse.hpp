@@ -43,7 +43,7 @@ class RealHouse {
     server_ = std::make_unique<Process>(words);
     const std::string greeting = "Vantorix is at http://127.0.0.1:";
     server_->outputWith(greeting);
-    const std::string said = server_->outputWith("\n", std::chrono::seconds(30));
+    const std::string said = server_->outputWith("\n");
     address_ = said.substr(said.find(greeting) + greeting.find("http"));
     address_.resize(address_.find('\n'));
     port_ = std::stoi(said.substr(said.find(greeting) + greeting.size()));
@@ -55,7 +55,7 @@ class RealHouse {
     return becomes("ready");
   }
   bool becomes(const std::string& state) {
-    return Eventually([&] { return pluginState() == state; }, std::chrono::seconds(60));
+    return Eventually([&] { return pluginState() == state; });
   }
 
   [[nodiscard]] std::filesystem::path folder() const { return folder_.path(); }

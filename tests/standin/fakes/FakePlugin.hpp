@@ -18,11 +18,11 @@ namespace support {
 class FakePlugin {
  public:
   struct Manner {
-    int statusTwice = 0;          ///< how often InterfaceStatus says "not yet"
-    std::function<void()> end;    ///< what ShutdownIO does besides
-    std::string refusal;          ///< what InitIO answers
-    std::function<void()> press;  ///< what a button does besides
-    FakeLibrary library{};        ///< what its script object knows
+    std::function<bool()> ready{};  ///< whether InterfaceStatus says so; without it, always
+    std::function<void()> end;      ///< what ShutdownIO does besides
+    std::string refusal;            ///< what InitIO answers
+    std::function<void()> press;    ///< what a button does besides
+    FakeLibrary library{};          ///< what its script object knows
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init{};
     std::function<std::string(const std::string& link)> genPage{};  ///< in place of a line of its own
     std::function<std::string(const std::string& data)> pagePut{};
@@ -125,7 +125,8 @@ class FakePlugin {
                                  {},
                                  Type::kInt16,
                                  [this](Args&) {
-                                   return Value(static_cast<std::int16_t>(manner_.statusTwice-- > 0 ? 2 : 0));
+                                   const bool ready = !manner_.ready || manner_.ready();
+                                   return Value(static_cast<std::int16_t>(ready ? 0 : 2));
                                  }},
                                 {"ShutdownIO",
                                  kOperation,

@@ -2,10 +2,8 @@
 // "hanging" its start never ends.
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <string>
-#include <thread>
 
 #include "standin/fakes/FakePlugin.hpp"
 
@@ -22,7 +20,7 @@ int main(int argc, char** argv) {
   }
   manner.end = [stubborn] {
     if (!stubborn) _exit(0);
-    std::this_thread::sleep_for(std::chrono::minutes(5));
+    for (;;) pause();
   };
   const support::FakePlugin plugin(address, manner);
   for (;;) pause();

@@ -142,8 +142,7 @@ TEST_F(Server, CommandsReachThePlugin) {
 TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   FakePlugin::Manner slow = furnishing();
   std::promise<void> enough;
-  const auto waits = enough.get_future().share();
-  slow.press = [waits] { waits.wait_for(std::chrono::minutes(2)); };
+  slow.press = [waits = enough.get_future().share()] { waits.wait(); };
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
   WebClient web(server);
@@ -230,9 +229,7 @@ TEST_F(Server, OpenLivePagesDontHoldUpTheEnd) {
     });
   }
   EXPECT_TRUE(Eventually([&] { return open == 5; }));
-  const auto begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(server.end(SIGINT), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  EXPECT_EQ(server.end(SIGINT), 0);  // no page goes by itself
   for (std::thread& page : pages) page.join();
 }
 
@@ -270,19 +267,21 @@ TEST_F(Server, ALostPluginIsShownLoggedAndStartedAgain) {
 }
 
 TEST_F(Server, ThePluginIsReadyWhenItSaysSo) {
+  std::atomic<bool> ready = false;
   FakePlugin::Manner slow;
-  slow.statusTwice = 3;
+  slow.ready = [&] { return ready.load(); };
   FakePlugin plugin(bus.address(), slow);
   ServerProcess server(bus.address(), data);
   WebClient web(server);
   ASSERT_TRUE(plugin.heard("InitIO " + std::to_string(server.port())));
   EXPECT_EQ(stateOf(web), "starting");
+  ready = true;
   EXPECT_TRUE(Eventually([&] { return stateOf(web) == "ready"; }));
 }
 
 TEST_F(Server, AFailureAfterTheStartIsShownToo) {
   FakePlugin::Manner failing;
-  failing.statusTwice = 1000000;
+  failing.ready = [] { return false; };
   FakePlugin plugin(bus.address(), failing);
   ServerProcess server(bus.address(), data);
   WebClient web(server);
@@ -327,9 +326,7 @@ TEST_F(ServerWithService, APluginThatDoesNotEndIsEndedByForce) {
   ServerProcess server(stubborn.address(), data);
   WebClient web(server);
   ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
-  const auto begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(server.end(), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(25));
+  EXPECT_EQ(server.end(), 0);  // such a plug-in never ends by itself
 }
 
 TEST_F(ServerWithService, APluginThatHangsInItsStartIsStartedAgainWhenTheUserAsks) {
@@ -364,9 +361,7 @@ TEST_F(Server, AWaitOfThePluginsDoesntHoldUpTheEnd) {
     });
   });
   ASSERT_TRUE(Eventually([&] { return waiting.load(); }));
-  const auto begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(server.end(SIGINT), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+  EXPECT_EQ(server.end(SIGINT), 0);  // an hour before the wait is over
   wait.join();
 }
 
