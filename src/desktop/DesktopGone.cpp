@@ -12,9 +12,13 @@ struct LastWords::Ear {
   static void hear(QtMsgType type, const QMessageLogContext& context, const QString& text) {
     // Whatever Qt complains of when the desktop has gone comes of that. The words themselves count too, as
     // this way to the desktop may close a moment after Qt's own.
-    if (owner->awaiting_ > 0 && std::this_thread::get_id() == owner->thread_ &&
-        (owner->display_.gone() || text.contains("connection broke")))
+    const bool guarded = owner->awaiting_ > 0 || owner->starting_;
+    if (guarded && std::this_thread::get_id() == owner->thread_ &&
+        (owner->display_.gone() || text.contains("connection broke"))) {
+      if (owner->starting_)
+        std::longjmp(owner->outOfStart_, 1);  // NOLINT(cert-err52-cpp): nothing is to be taken apart
       throw DesktopGone();
+    }
     former(type, context, text);
   }
 };
@@ -22,6 +26,17 @@ struct LastWords::Ear {
 LastWords::LastWords(const Display& display) : display_(display) {
   Ear::owner = this;
   Ear::former = qInstallMessageHandler(&Ear::hear);
+}
+
+bool LastWords::outliveStart(const std::function<void()>& start) {
+  if (setjmp(outOfStart_) != 0) {  // NOLINT(cert-err52-cpp)
+    starting_ = false;
+    return false;
+  }
+  starting_ = true;
+  start();
+  starting_ = false;
+  return true;
 }
 
 LastWords::~LastWords() {

@@ -1,4 +1,6 @@
 #pragma once
+#include <csetjmp>
+#include <functional>
 #include <thread>
 
 #include "desktop/loader/Display.hpp"
@@ -20,6 +22,11 @@ class LastWords {
   LastWords(LastWords&&) = delete;
   LastWords& operator=(LastWords&&) = delete;
 
+  /// Runs Qt's own start. It can't be thrown through, as it takes apart what it has not yet put together; so
+  /// when the desktop goes meanwhile, it is left for good where it stands, and Qt must not be entered any
+  /// more. False then.
+  bool outliveStart(const std::function<void()>& start);
+
   /// While it lives, somebody is there to catch `DesktopGone`.
   class Awaited {
    public:
@@ -40,6 +47,8 @@ class LastWords {
   const Display& display_;
   std::thread::id thread_ = std::this_thread::get_id();
   int awaiting_ = 0;
+  bool starting_ = false;
+  std::jmp_buf outOfStart_{};
 };
 
 }  // namespace desktop

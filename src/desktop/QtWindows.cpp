@@ -42,7 +42,9 @@ bool Loads(const QString& plugin) {
 
 std::unique_ptr<QtWindows> QtWindows::open(WindowsParts parts) {
   if (!Loads(parts.display.kind() == Display::Kind::kX ? "qxcb" : "qwayland-generic")) return nullptr;
-  return std::unique_ptr<QtWindows>(new QtWindows(std::move(parts)));
+  if (QCoreApplication::instance() != nullptr) return nullptr;  // a start that was left where it stood
+  std::unique_ptr<QtWindows> windows(new QtWindows(std::move(parts)));
+  return windows->gone_ ? nullptr : std::move(windows);
 }
 
 QtWindows::QtWindows(WindowsParts parts)
@@ -54,7 +56,14 @@ QtWindows::QtWindows(WindowsParts parts)
   qunsetenv("QT_NO_GLIB");                   // the loop knows how to wait for GLib's context
   qputenv("QT_XCB_GL_INTEGRATION", "none");  // no window is drawn by OpenGL, whose libraries are large
   const LocaleKept locale;
-  application_ = std::make_unique<QApplication>(argumentCount_, static_cast<char**>(arguments_));
+  const bool started = words_->outliveStart([this] {
+    application_ = std::make_unique<QApplication>(argumentCount_, static_cast<char**>(arguments_));
+  });
+  if (!started) {
+    gone_ = true;
+    loop_.post(tellGone_);
+    return;
+  }
   QApplication::setQuitOnLastWindowClosed(false);
   ApplyLook(*application_);
   context_ = std::make_unique<MainContext>(loop_, [this] { work(); });

@@ -116,6 +116,29 @@ TEST_P(ScreenGoneInTheMiddle, OfDrawingLetsTheProcessLive) {
   }
 }
 
+TEST(ScreenGoneBeforeQt, HasFoundItIsAsNone) {
+  EXPECT_TRUE(support::InChild([] {
+    const support::Screen screen;
+    bus::PollLoop loop;
+    int told = 0;
+    auto display = desktop::Display::reach(desktop::Display::Kind::kX);
+    ASSERT_TRUE(display);
+    screen.end();
+    ASSERT_TRUE(support::Eventually([&] { return display->gone(); }));
+    desktop::WindowsParts parts{loop, std::move(*display), [&] { ++told; }};
+    EXPECT_EQ(desktop::QtWindows::open(std::move(parts)), nullptr);
+    EXPECT_TRUE(support::TurnUntil(loop, [&] { return told == 1; }));
+
+    // Another screen comes too late: what Qt has begun is never taken up again.
+    const support::Screen other;
+    auto second = desktop::Display::reach(desktop::Display::Kind::kX);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(desktop::QtWindows::open({loop, std::move(*second), [&] { ++told; }}), nullptr);
+    loop.pump();
+    EXPECT_EQ(told, 1);
+  }));
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, ScreenGone, ::testing::Values(SIGTERM, SIGKILL),
                          [](const auto& signal) { return signal.param == SIGTERM ? "Closing" : "Broken"; });
 INSTANTIATE_TEST_SUITE_P(Signals, ScreenGoneInTheMiddle, ::testing::Values(SIGTERM, SIGKILL),
