@@ -12,7 +12,7 @@ struct DesktopGone {};
 
 /// Qt ends the process when it finds that its desktop has gone, by `exit` for X and by `_exit` for Wayland,
 /// and there is no way to ask it not to. But it says so before, and what hears it throws `DesktopGone`
-/// through Qt. There is one.
+/// through Qt. One of Wayland's own threads that says so is held for good. There is one.
 class LastWords {
  public:
   explicit LastWords(const Display& display);
@@ -26,6 +26,8 @@ class LastWords {
   /// when the desktop goes meanwhile, it is left for good where it stands, and Qt must not be entered any
   /// more. False then.
   bool outliveStart(const std::function<void()>& start);
+  /// Whether that has happened in this process.
+  static bool startWasLeft();
 
   /// While it lives, somebody is there to catch `DesktopGone`.
   class Awaited {

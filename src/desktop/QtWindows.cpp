@@ -42,7 +42,7 @@ bool Loads(const QString& plugin) {
 
 std::unique_ptr<QtWindows> QtWindows::open(WindowsParts parts) {
   if (!Loads(parts.display.kind() == Display::Kind::kX ? "qxcb" : "qwayland-generic")) return nullptr;
-  if (QCoreApplication::instance() != nullptr) return nullptr;  // a start that was left where it stood
+  if (LastWords::startWasLeft()) return nullptr;
   std::unique_ptr<QtWindows> windows(new QtWindows(std::move(parts)));
   return windows->gone_ ? nullptr : std::move(windows);
 }

@@ -3,7 +3,10 @@
 #include <QtCore/QTimer>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
+#include <optional>
 #include <thread>
+#include <utility>
 
 #include "desktop/BoxWindow.hpp"
 #include "desktop/MsgFormWindow.hpp"
@@ -11,6 +14,8 @@
 #include "support/BusPeer.hpp"
 #include "support/FakeHost.hpp"
 #include "support/InChild.hpp"
+#include "support/Process.hpp"
+#include "support/TempFolder.hpp"
 #include "support/WindowUser.hpp"
 #include "ui/myMsgForm.hpp"
 
@@ -139,6 +144,39 @@ TEST(ScreenGoneBeforeQt, HasFoundItIsAsNone) {
   }));
 }
 
+/// Wayland's desktop is read by threads of Qt's own, which end the process when it breaks.
+class WaylandGone : public ::testing::TestWithParam<int> {};
+
+TEST_P(WaylandGone, LetsTheProcessLive) {
+  for (int round = 0; round < 5; ++round) {
+    EXPECT_TRUE(support::InChild([] {
+      const support::TempFolder runtime;
+      ::setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1);
+      ::setenv("WAYLAND_DISPLAY", "test", 1);
+      for (const char* name : {"DISPLAY", "QT_QPA_PLATFORM"}) ::unsetenv(name);
+      const support::Process weston(
+          {"weston", "--backend=headless-backend.so", "--socket=test", "--idle-time=0"});
+      std::optional<desktop::Display> display;
+      ASSERT_TRUE(support::Eventually(
+          [&] { return (display = desktop::Display::reach(desktop::Display::Kind::kWayland)).has_value(); }));
+      bus::PollLoop loop;
+      int told = 0;
+      const auto windows = desktop::QtWindows::open({loop, std::move(*display), [&] { ++told; }});
+      ASSERT_NE(windows, nullptr);
+      desktop::ProgBarWindow progress(*windows);
+      progress.show();
+      progress.refresh();
+      weston.signal(GetParam());
+      EXPECT_TRUE(support::TurnUntil(loop, [&] { return told == 1; }));
+      EXPECT_TRUE(windows->gone());
+      progress.hide();
+      for (int i = 0; i < 20; ++i) loop.turn(base::Milliseconds(10));
+    })) << round;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, WaylandGone, ::testing::Values(SIGTERM, SIGKILL),
+                         [](const auto& signal) { return signal.param == SIGTERM ? "Closing" : "Broken"; });
 INSTANTIATE_TEST_SUITE_P(Signals, ScreenGone, ::testing::Values(SIGTERM, SIGKILL),
                          [](const auto& signal) { return signal.param == SIGTERM ? "Closing" : "Broken"; });
 INSTANTIATE_TEST_SUITE_P(Signals, ScreenGoneInTheMiddle, ::testing::Values(SIGTERM, SIGKILL),
