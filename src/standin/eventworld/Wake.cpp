@@ -90,6 +90,7 @@ class Wake : public Deed {
 
   void heard() {
     rising_ = true;
+    memory_.watch();
     since_ = loop_.now();
     ramp_ = {0, action_.volume, std::chrono::seconds(action_.seconds)};
     timer_->interval(ramp_.step());
@@ -158,6 +159,7 @@ WakeMemory::WakeMemory(base::Loop& loop, PluginCalls& plugin, EventWorld::Done f
       })) {}
 
 void WakeMemory::remember(const PlayerPlace& place, const std::string& mark) {
+  watching_ = false;
   if (place_ && mark == mark_) return;
   place_ = place;
   mark_ = mark;
@@ -174,10 +176,11 @@ void WakeMemory::putBack() {
 
 // Not at once: between two titles of a list the player stops for a moment too.
 void WakeMemory::playbackEnded() {
-  if (place_) soon_->enabled(true);
+  if (place_ && watching_) soon_->enabled(true);
 }
 
 void WakeMemory::look() {
+  if (!place_ || !watching_) return;
   enum class Seen { kPlays, kStopped, kOther };
   const auto seen = std::make_shared<Seen>(Seen::kPlays);
   plugin_.callAnyway(

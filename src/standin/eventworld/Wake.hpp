@@ -20,6 +20,8 @@ class WakeMemory {
   void remember(const PlayerPlace& place, const std::string& mark);
   /// What the waking plays, as `RawPlayer::mark` tells it.
   void plays(std::string mark) { mark_ = std::move(mark); }
+  /// The waking is heard: from now on what was there before comes back when the player stops.
+  void watch() { watching_ = true; }
   /// Puts it back at once, or when the plug-in can be asked.
   void putBack();
   /// The player has stopped, or may have.
@@ -33,6 +35,7 @@ class WakeMemory {
   EventWorld::Done failed_;
   std::optional<PlayerPlace> place_;
   std::string mark_;
+  bool watching_ = false;
   std::unique_ptr<base::Timer> soon_;
 };
 

@@ -118,6 +118,17 @@ TEST_F(Waking, PutsTheQueueItsItemAndItsPlaceBackWhenItIsStopped) {
   EXPECT_TRUE(player.shuffled);
 }
 
+TEST_F(Waking, DoesNotTakeItsOwnStopForTheEnd) {
+  player.missing = {"one"};
+  begin();
+  loop.leap(seconds(1));
+  memory.playbackEnded();  // what was in the player has been stopped for the waking
+  loop.leap(seconds(80));
+  ASSERT_EQ(player.source(), "two.mp3");
+  stopsPlaying();
+  EXPECT_EQ(player.source(), "b.mp3");
+}
+
 TEST_F(Waking, LeavesAloneWhatSomebodyHasPutIntoThePlayerSince) {
   begin();
   loop.leap(seconds(70));
