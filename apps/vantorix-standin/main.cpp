@@ -85,6 +85,9 @@ int Serve(const Options& options) {
   EvaluationStore history(house);
   PluginWords pluginWords(loop, FormatsOf(plugin));
   pluginWords.onNews = [&] { house.live.tell("event", R"({"id":0})"); };
+  plugin.onPhase([&](PluginPhase phase) {
+    if (phase == PluginPhase::kReady) pluginWords.askAgain();
+  });
   const Wordings words(house, pluginWords);
   const SystemClock clock;
   const auto end = [&] {

@@ -60,6 +60,12 @@ std::string PluginWords::of(PluginPart part, const std::string& stored) {
   return bare(stored);
 }
 
+void PluginWords::askAgain() {
+  if (asking_ || waiting_.empty()) return;
+  timer_->interval(kSoon);
+  timer_->enabled(true);
+}
+
 bool PluginWords::makeRoom(std::size_t bytes) {
   const auto fits = [&] { return bytes_ + bytes <= limits_.bytes; };
   const base::Milliseconds now = loop_.now();

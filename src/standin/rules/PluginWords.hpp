@@ -45,6 +45,8 @@ class PluginWords {
 
   /// At once. What isn't known is asked for on a later turn of the loop.
   std::string of(PluginPart part, const std::string& stored);
+  /// The plug-in is there again: what it couldn't be asked for is asked for soon.
+  void askAgain();
   /// Called when all that was asked for has been told, and is different from what was shown before.
   std::function<void()> onNews = [] {};
   /// What is shown without the plug-in: the fields behind the two that the house puts first.

@@ -92,6 +92,20 @@ TEST_F(Words, OfAPluginThatIsAwayAreAskedForAgainLater) {
   EXPECT_EQ(words.of(PluginPart::kTrigger, "b"), "words 0b");
 }
 
+TEST_F(Words, OfAPluginThatHasComeBackAreAskedForAtOnce) {
+  gone = true;
+  PluginWords words(loop, asking());
+  words.of(PluginPart::kTrigger, "a");
+  later();
+  gone = false;
+  words.askAgain();
+  later();
+  EXPECT_EQ(words.of(PluginPart::kTrigger, "a"), "words 0a");
+  words.askAgain();
+  later();
+  EXPECT_EQ(questions.size(), 2U) << "there was nothing more to ask";
+}
+
 TEST_F(Words, WhereThePluginHasNoneTheFieldsAreShownForGood) {
   prefix.clear();
   PluginWords words(loop, asking());
