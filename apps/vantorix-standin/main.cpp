@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "base/Failure.hpp"
+#include "bus/ReplyLimit.hpp"
 #include "files/FolderLock.hpp"
 #include "files/WriteFile.hpp"
 #include "standin/AddressFile.hpp"
@@ -92,7 +93,7 @@ int Serve(const Options& options) {
   const SystemClock clock;
   const auto end = [&] {
     // A call under way may hang, and nothing is stopped before it has returned.
-    if (!loop.quitting()) connection.replyWithin(std::chrono::milliseconds(700));
+    if (!loop.quitting()) connection.replyWithin(bus::ReplyLimit::kForStop);
     loop.quit(0);
     plugin.endWithin(std::chrono::seconds(15));
   };

@@ -11,6 +11,7 @@
 #include "base/Attempt.hpp"
 #include "bus/Connection.hpp"
 #include "bus/HouseBus.hpp"
+#include "bus/ReplyLimit.hpp"
 #include "engine/Player.hpp"
 #include "engine/common/Config.hpp"
 #include "pictures/CoverDesk.hpp"
@@ -22,7 +23,6 @@ namespace {
 
 constexpr const char* kBusName = "org.vantorix.vxif_WMP9";
 constexpr const char* kHostName = "org.vantorix.Host";
-constexpr base::Milliseconds kLastReplies{700};
 
 /// A process that the bus has started is told which bus that was.
 std::string BusAddress() {
@@ -56,7 +56,7 @@ int Serve() {
   const auto onTerminate = loop.onSignal(SIGTERM, [&] {
     if (owner == nullptr) return;
     // It may come while a call to the host hangs, and what is saved now may go unanswered too.
-    connection.replyWithin(kLastReplies);
+    connection.replyWithin(bus::ReplyLimit::kForStop);
     owner->lifecycle.ShutdownIO();
   });
   PluginLog log;

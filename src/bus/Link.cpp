@@ -72,7 +72,7 @@ std::shared_ptr<Link> Link::connect(PollLoop& loop, const std::string& address) 
   return link;
 }
 
-Link::Link(PollLoop& loop, Bus bus) : loop_(loop), bus_(std::move(bus)), calls_(loop) {}
+Link::Link(PollLoop& loop, Bus bus) : loop_(loop), bus_(std::move(bus)), calls_(loop), replyLimit_(loop) {}
 
 void Link::start() {
   sd_bus_slot* slot = nullptr;
@@ -133,7 +133,7 @@ Message Link::call(const Message& message, bool untilQuit) {
   refresh();
   while (!waiting.reply) {
     const bool quits = untilQuit && loop_.open() && loop_.quitting();
-    if (!alive_ || quits || outOfTime()) ThrowGone();
+    if (!alive_ || quits || replyLimit_.over()) ThrowGone();
     waitOnce(waiting);
   }
   if (const sd_bus_error* error = sd_bus_message_get_error(waiting.reply.get()))
@@ -185,17 +185,17 @@ void Link::giveUpStuck() {
 }
 
 void Link::replyWithin(std::optional<Milliseconds> limit) {
-  replyBefore_ = limit ? std::optional(loop_.now() + *limit) : std::nullopt;
+  if (limit)
+    replyLimit_.begin(*limit);
+  else
+    replyLimit_.lift();
 }
-
-bool Link::outOfTime() const { return replyBefore_ && loop_.now() >= *replyBefore_; }
 
 Milliseconds Link::timeout() const {
   std::uint64_t until = 0;
   if (sd_bus_get_timeout(bus_.get(), &until) < 0) return Milliseconds(0);
   const Milliseconds now = loop_.now();
-  Milliseconds limit = calls_.held() ? kLookAtHeld : kLongestWait;
-  if (replyBefore_) limit = std::min(limit, *replyBefore_ - now);
+  Milliseconds limit = replyLimit_.cut(calls_.held() ? kLookAtHeld : kLongestWait);
   // The bus library tells microseconds of the same clock, or the largest number for never.
   const auto end = std::chrono::duration_cast<std::chrono::microseconds>(now + limit);
   if (until < static_cast<std::uint64_t>(end.count()))

@@ -13,6 +13,7 @@
 #include "bus/Marshal.hpp"
 #include "bus/Message.hpp"
 #include "bus/PollLoop.hpp"
+#include "bus/ReplyLimit.hpp"
 
 namespace bus {
 
@@ -74,7 +75,6 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   void servePosted();
   void giveUpStuck();
   void waitForBus();
-  [[nodiscard]] bool outOfTime() const;
   void lost();
   int received(sd_bus_message* message);
   void nameLost(const std::string& name);
@@ -90,7 +90,7 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   CallQueue calls_;
   bool servesSoon_ = false;
   std::vector<const Waiting*> waits_;  // the innermost last
-  std::optional<base::Milliseconds> replyBefore_;
+  ReplyLimit replyLimit_;
   Exports exports_;
   std::set<std::string> ownNames_;
   std::map<std::string, std::string> owners_;  // well-known names of others, as far as asked for
