@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Checks that includes form a tree: no circle between files, no folder of src/ includes one that it may not build on,
-no permission stands here that nobody uses, and no folder holds more files than a newcomer can look through."""
+none links such a one either, no permission stands here that nobody uses, and no folder holds more files than a newcomer
+can look through."""
 import pathlib
 import re
 import sys
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent / "src"
+TREE = pathlib.Path(__file__).resolve().parent.parent
+ROOT = TREE / "src"
 MOST_FILES = 30
 
 # What each folder includes besides itself, lowest first, as docs/architecture.md draws it.
@@ -58,6 +60,7 @@ MAY_INCLUDE = {
     "standin": "base files",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+LIBRARY = re.compile(r"(?:vantorix_library|target_link_libraries)\(\s*(\w+)\s(.*?)\)", re.S)
 
 
 def folder(path):
@@ -86,6 +89,34 @@ def circles(edges):
     return found
 
 
+def forbidden_links(allowed):
+    """The libraries of src/ that link one of a folder that theirs may not build on, as lines of text."""
+    links = []
+    home = {}
+    for lists in ROOT.rglob("CMakeLists.txt"):
+        if "node_modules" in lists.parts:
+            continue
+        text = re.sub(r"#.*", "", lists.read_text(encoding="utf-8"))
+        for name, rest in LIBRARY.findall(text):
+            home[name] = folder(lists)
+            links += [(name, word) for word in rest.split() if word.startswith("vx_")]
+    return [f"{name} links {other}: {home[name]} may not build on {home.get(other, 'what is nowhere')}"
+            for name, other in links
+            if home.get(other) != home[name] and home.get(other) not in allowed.get(home[name], set())]
+
+
+def full_folders():
+    """The folders that hold too many files, as lines of text."""
+    lines = []
+    for top in ("src", "tests", "bench", "fuzz", "apps"):
+        own = (p for p in (TREE / top).rglob("*") if "node_modules" not in p.parts)  # npm's are not ours to cut
+        for place in sorted({p.parent for p in own}):
+            count = sum(p.is_file() for p in place.iterdir())
+            if count > MOST_FILES:
+                lines.append(f"{place.relative_to(TREE)} holds {count} files")
+    return lines
+
+
 def main():
     files = sorted(p for p in ROOT.rglob("*") if p.suffix in (".hpp", ".cpp"))
     edges = {f: [] for f in files}
@@ -109,11 +140,8 @@ def main():
                 wrong.append(f"{room} is to build on {name}, which stands above it or nowhere")
     wrong += [f"{a} may build on {b} and does not" for a, b in sorted(unused)]
     wrong += circles(edges)
-    own = (p for p in ROOT.rglob("*") if "node_modules" not in p.parts)  # what npm installs is not ours to cut
-    for place in sorted({p.parent for p in own}):
-        count = sum(p.is_file() for p in place.iterdir())
-        if count > MOST_FILES:
-            wrong.append(f"{place.relative_to(ROOT)} holds {count} files")
+    wrong += forbidden_links(allowed)
+    wrong += full_folders()
     for line in wrong:
         print(line)
     print(f"{len(files)} files, {sum(map(len, edges.values()))} includes, {len(wrong)} wrong")

@@ -1,6 +1,6 @@
 #include "catalogue/MediaKey.hpp"
 #include "support/LibraryHouse.hpp"
-#include "support/ShortOfMemory.hpp"
+#include "support/faults/ShortOfMemory.hpp"
 
 using support::LibraryHouse;
 using ::testing::ElementsAre;

@@ -4,7 +4,7 @@
 
 #include <QtWidgets/QLabel>
 
-#include "support/WindowUser.hpp"
+#include "support/desktop/WindowUser.hpp"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "support/BusPeer.hpp"
 #include "support/FakeHost.hpp"
 #include "support/SkippingClock.hpp"
-#include "support/WindowUser.hpp"
+#include "support/desktop/WindowUser.hpp"
 #include "ui/myMsgForm.hpp"
 
 using ::testing::ElementsAre;

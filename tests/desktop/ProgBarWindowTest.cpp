@@ -5,7 +5,7 @@
 #include <QtWidgets/QProgressBar>
 
 #include "support/FakeHost.hpp"
-#include "support/WindowUser.hpp"
+#include "support/desktop/WindowUser.hpp"
 #include "ui/ProgBar.hpp"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "desktop/BoxWindow.hpp"
 #include "support/BusPeer.hpp"
-#include "support/WindowUser.hpp"
+#include "support/desktop/WindowUser.hpp"
 
 namespace {
 

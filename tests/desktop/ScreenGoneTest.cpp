@@ -16,7 +16,7 @@
 #include "support/InChild.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
-#include "support/WindowUser.hpp"
+#include "support/desktop/WindowUser.hpp"
 #include "ui/myMsgForm.hpp"
 
 namespace {

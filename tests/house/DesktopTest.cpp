@@ -3,7 +3,7 @@
 #include "support/BusPeer.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
-#include "support/XServer.hpp"
+#include "support/desktop/XServer.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "support/FakeHost.hpp"
 #include "support/House.hpp"
-#include "support/ShortOfMemory.hpp"
+#include "support/faults/ShortOfMemory.hpp"
 #include "web/HtmlFields.hpp"
 
 using ::testing::ElementsAre;

@@ -9,8 +9,8 @@
 #include "engine/playlists/PlaylistFolder.hpp"
 #include "files/SyncSpy.hpp"
 #include "support/InChild.hpp"
-#include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/SmallDisk.hpp"
 
 namespace engine::testing {
 namespace {

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "engine/playlists/PlaylistFolder.hpp"
-#include "support/KilledWhile.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/KilledWhile.hpp"
 
 namespace engine::testing {
 namespace {

@@ -6,8 +6,8 @@
 #include "base/Failure.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
 #include "support/InChild.hpp"
-#include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/SmallDisk.hpp"
 
 namespace engine::testing {
 namespace {

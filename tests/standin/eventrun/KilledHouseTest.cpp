@@ -7,8 +7,8 @@
 #include "standin/eventrun/StagedHouse.hpp"
 #include "standin/rules/EvaluationStore.hpp"
 #include "standin/rules/RuleStore.hpp"
-#include "support/KilledWhile.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/KilledWhile.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "base/Failure.hpp"
 #include "standin/house/House.hpp"
-#include "support/KilledWhile.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/KilledWhile.hpp"
 
 namespace standin {
 namespace {

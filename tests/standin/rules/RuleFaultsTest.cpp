@@ -12,9 +12,9 @@
 #include "standin/rules/RuleStore.hpp"
 #include "standin/rules/Rules.hpp"
 #include "support/InChild.hpp"
-#include "support/KilledWhile.hpp"
-#include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/KilledWhile.hpp"
+#include "support/faults/SmallDisk.hpp"
 
 namespace standin {
 namespace {

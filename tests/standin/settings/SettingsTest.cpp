@@ -14,9 +14,9 @@
 #include "standin/settings/SettingsStore.hpp"
 #include "support/FailureNumber.hpp"
 #include "support/InChild.hpp"
-#include "support/KilledWhile.hpp"
-#include "support/SmallDisk.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/KilledWhile.hpp"
+#include "support/faults/SmallDisk.hpp"
 
 namespace standin {
 namespace {

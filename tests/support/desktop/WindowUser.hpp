@@ -16,7 +16,7 @@
 #include "bus/PollLoop.hpp"
 #include "desktop/QtWindows.hpp"
 #include "support/Process.hpp"
-#include "support/XServer.hpp"
+#include "support/desktop/XServer.hpp"
 
 namespace support {
 

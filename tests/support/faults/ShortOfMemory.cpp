@@ -1,4 +1,4 @@
-#include "support/ShortOfMemory.hpp"
+#include "support/faults/ShortOfMemory.hpp"
 
 #include <atomic>
 #include <cstdlib>
