@@ -250,11 +250,11 @@ TEST_F(Reentry, APlainWaitServesCallsAndRunsNoTimers) {
 TEST_F(Reentry, AnOpenWaitRunsTimersAndPostedWorkToo) {
   std::promise<void> both;
   BusPeer peer(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/waiter",
-                     std::make_shared<TableOf>("Waiter", std::vector<Member>{Operation("Wait", [&](Args&) {
-                                                 both.get_future().wait();
-                                                 return Value("waited");
-                                               })}));
+    own.exportObject("/waiter", std::make_shared<TableOf>("Waiter", std::vector<Member>{Operation(
+                                                                        "Wait", {}, Type::kText, [&](Args&) {
+                                                                          both.get_future().wait();
+                                                                          return Value("waited");
+                                                                        })}));
   });
   int fired = 0;
   bool posted = false;
