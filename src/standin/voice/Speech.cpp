@@ -61,7 +61,7 @@ void Speech::beginSoon() {
 }
 
 void Speech::begin() {
-  tellSinks(true);
+  if (!std::exchange(orders_.front()->told, true)) tellSinks(true);
   cut_->interval(longest_);
   cut_->enabled(true);
   saying_ = true;
@@ -94,6 +94,7 @@ void Speech::said(const std::string& failure) {
     house_.log.write("Info", "Speech is written to the log only: " + failure);
   }
   toldFailure_ = failure;
+  if (orders_.size() > 1 && !std::exchange(orders_[1]->told, true)) tellSinks(true);
   tellSinks(false);
   const std::shared_ptr<Order> over = orders_.front();
   over->over = true;

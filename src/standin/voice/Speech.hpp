@@ -14,7 +14,8 @@
 namespace standin {
 
 /// The house's speech: one text after the other, with an audio event before and after each to whoever has
-/// asked for them, so that a player can make room. All use is on the loop's thread.
+/// asked for them, so that a player can make room. Where a text waits, its event comes before the end of the
+/// one that is said: a player that counts them is not heard between the two. All use is on the loop's thread.
 class Speech {
  public:
   Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice)
@@ -39,6 +40,7 @@ class Speech {
     std::string text;
     bool tone = false;
     std::function<void()> said{};
+    bool told = false;  ///< the event before it
     bool over = false;
   };
   std::shared_ptr<Order> take(Order order);
