@@ -12,6 +12,7 @@
 #include "standin/AddressFile.hpp"
 #include "standin/Options.hpp"
 #include "standin/calendar/WallClock.hpp"
+#include "standin/dialogs/OpenDialog.hpp"
 #include "standin/eventworld/HouseEvents.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
@@ -81,6 +82,7 @@ int Serve(const Options& options) {
   PlayerLibrary library(loop, connection, plugin);
   LibrarySearch search(loop, library);
   Playlists playlists(loop, connection, plugin, house, library);
+  OpenDialog dialog(loop, plugin, house);
   ScriptStore scripts(house.folder / "scripts");
   RuleStore rules(house);
   EvaluationStore history(house);
@@ -107,12 +109,13 @@ int Serve(const Options& options) {
     HouseEvents events({loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
-    WebApi api(visitors, gate,
-               Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
-                       EventRoutes({house, rules, history, words, events.control(), scripts}),
-                       LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
-                       ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),
-                       PageRoutes(house, plugin)}));
+    WebApi api(
+        visitors, gate,
+        Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
+                DialogRoutes(dialog), EventRoutes({house, rules, history, words, events.control(), scripts}),
+                LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
+                ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),
+                PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,
                                .live = house.live,

@@ -153,6 +153,21 @@ TEST_F(RefreshedTitles, KeepTheWholeListAndLetAPromptGo) {
   EXPECT_EQ(pressed().selected, 0);
 }
 
+TEST_F(RefreshedTitles, GoOutByTheThousandWhereTheHostsListTakesThemSo) {
+  for (int i = 0; i < 2500; ++i) library.addTrack("T" + std::to_string(i), "Many", "Large", "Folk");
+  (*controls)[6].show("Large");
+  (*controls)[12].show("T1800");
+  const std::vector<std::string> oneByOne = pressed().lines;
+  EXPECT_EQ(oneByOne.size(), 2502U);
+  EXPECT_EQ((*controls)[12].asked, 1 + 1 + 2502) << "the list is cleared, refuses AddItems, and is filled";
+  (*controls)[12].show("T1800");
+  (*controls)[12].takesMany = true;
+  (*controls)[12].asked = 0;
+  EXPECT_EQ(pressed().lines, oneByOne);
+  EXPECT_EQ((*controls)[12].selected, 1802);
+  EXPECT_EQ((*controls)[12].asked, 1 + 1 + 3) << "cut where the chosen title is";
+}
+
 TEST_F(RefreshedTitles, AreAPromptForTypedText) {
   (*controls)[2].show("Play: URL");
   EXPECT_THAT(pressed().lines, ElementsAre("Please enter URL below..."));

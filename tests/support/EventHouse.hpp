@@ -21,6 +21,8 @@ class FakeControl : public base::Object {
   float left = 0;
   float width = 100;
   bool fails = false;
+  bool takesMany = false;  ///< knows `AddItems`
+  int asked = 0;           ///< calls
 
   [[nodiscard]] std::string text() const {
     return selected >= 0 && static_cast<std::size_t>(selected) < lines.size()
@@ -33,7 +35,11 @@ class FakeControl : public base::Object {
   }
   base::Value call(std::string_view name, base::Args& args) override {
     if (fails) throw Failure(base::number::kDeviceIo);
-    if (name == "Clear") {
+    ++asked;
+    if (name == "AddItems" && takesMany) {
+      auto at = lines.begin() + base::ToInt32(args.at(0));
+      for (const base::Value& line : args.at(1).array()) at = lines.insert(at, base::ToText(line)) + 1;
+    } else if (name == "Clear") {
       lines.clear();
       selected = -1;
     } else if (name == "AddItem" && args.size() == 1) {

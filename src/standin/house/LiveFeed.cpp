@@ -34,6 +34,12 @@ std::size_t LiveFeed::readers() const {
   return readers_;
 }
 
+std::size_t LiveFeed::readersOf(const std::string& session) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = ofSession_.find(session);
+  return found == ofSession_.end() ? 0 : found->second;
+}
+
 LiveFeed::Reader::Reader(LiveFeed& feed, std::string session, const std::string& last)
     : feed_(feed), session_(std::move(session)) {
   const std::lock_guard lock(feed.mutex_);

@@ -28,6 +28,8 @@ class LiveFeed {
   void close();
   /// How many listen now.
   [[nodiscard]] std::size_t readers() const;
+  /// How many of a session's do.
+  [[nodiscard]] std::size_t readersOf(const std::string& session) const;
 
   /// A place among the readers, taken for as long as the object lives.
   class Reader {

@@ -1,4 +1,5 @@
 #pragma once
+#include "standin/dialogs/OpenDialog.hpp"
 #include "standin/events/EventControl.hpp"
 #include "standin/events/EventWords.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
@@ -24,6 +25,8 @@ namespace standin {
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
 /// Buttons, devices, menu and voice.
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin);
+/// The dialogs of the plug-in's actions, triggers and conditions.
+Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.
 Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
 /// The player's playlists.

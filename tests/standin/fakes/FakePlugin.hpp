@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -26,6 +27,7 @@ class FakePlugin {
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init{};
     std::function<std::string(const std::string& link)> genPage{};  ///< in place of a line of its own
     std::function<std::string(const std::string& data)> pagePut{};
+    std::vector<base::Member> more{};  ///< operations besides, or in place of its own
   };
 
   explicit FakePlugin(const std::string& address) : FakePlugin(address, Manner()) {}
@@ -86,115 +88,127 @@ class FakePlugin {
               return Value(name + " of " + text.substr(text.rfind('\2') + 1));
             }};
   }
+  /// Of two members of one name the first counts.
+  std::vector<Member> withMore(std::vector<Member> own) {
+    std::vector<Member> all = manner_.more;
+    std::move(own.begin(), own.end(), std::back_inserter(all));
+    return all;
+  }
   base::ObjectRef object() {
-    return std::
-        make_shared<TableOf>(
-            "vxif",
-            std::vector<Member>{constant("Link", "WMP_PListEdit"),
-                                constant("LinkText", "PlayList Editor"),
-                                constant("Page_Title", "Vantorix Media Player"),
-                                wording("TriggerUIFormat"),
-                                wording("ConditionUIFormat"),
-                                wording("ActionUIFormat"),
-                                {"Name",
-                                 kOperation,
-                                 {},
-                                 Type::kText,
-                                 [](Args&) { return Value("Media Player"); }},
-                                {"RegisterCallback",
-                                 kOperation,
-                                 {{"frm", Type::kObject}},
-                                 Type::kNone,
-                                 [this](Args& args) {
-                                   note("RegisterCallback");
-                                   callback_ = base::ToObject(args[0]);
-                                   host_ = base::ToObject(callback_->call("GetVXIface"));
-                                   return Value();
-                                 }},
-                                {"InitIO",
-                                 kOperation,
-                                 {{"port", Type::kInt32}},
-                                 Type::kText,
-                                 [this](Args& args) {
-                                   note("InitIO " + base::ToText(args[0]));
-                                   if (manner_.init) manner_.init(*callback_, *host_, self_);
-                                   return Value(manner_.refusal);
-                                 }},
-                                {"InterfaceStatus",
-                                 kOperation,
-                                 {},
-                                 Type::kInt16,
-                                 [this](Args&) {
-                                   const bool ready = !manner_.ready || manner_.ready();
-                                   return Value(static_cast<std::int16_t>(ready ? 0 : 2));
-                                 }},
-                                {"ShutdownIO",
-                                 kOperation,
-                                 {},
-                                 Type::kNone,
-                                 [this](Args&) {
-                                   note("ShutdownIO");
-                                   if (manner_.end) manner_.end();
-                                   return Value();
-                                 }},
-                                {"SetIO",
-                                 kOperation,
-                                 {{"dv", Type::kObject},
-                                  {"hc", Type::kText},
-                                  {"dc", Type::kText},
-                                  {"Command", Type::kInt16},
-                                  {"Brightness", Type::kInt16},
-                                  {"data1", Type::kInt16},
-                                  {"data2", Type::kInt16}},
-                                 Type::kNone,
-                                 [this](Args& args) {
-                                   std::string line =
-                                       "SetIO " + base::ToText(base::Deref(args[0]).get("name"));
-                                   for (std::size_t i = 1; i < args.size(); ++i)
-                                     line += " " + base::ToText(args[i]);
-                                   note(line + " after " +
-                                        base::ToText(
-                                            base::Deref(host_->call("System")).get("LastVoiceCommand")));
-                                   return Value();
-                                 }},
-                                {"ButtonPress",
-                                 kOperation,
-                                 {{"button", Type::kText}},
-                                 Type::kNone,
-                                 [this](Args& args) {
-                                   note("ButtonPress " + base::ToText(args[0]));
-                                   if (manner_.press) manner_.press();
-                                   return Value();
-                                 }},
-                                {"SelectMenu",
-                                 kOperation,
-                                 {{"menu", Type::kText}},
-                                 Type::kNone,
-                                 [this](Args& args) {
-                                   note("SelectMenu " + base::ToText(args[0]));
-                                   return Value();
-                                 }},
-                                {"GenPage",
-                                 kOperation,
-                                 {{"lnk", Type::kText}},
-                                 Type::kText,
-                                 [this](Args& args) {
-                                   if (manner_.genPage) return Value(manner_.genPage(base::ToText(args[0])));
-                                   return Value(
-                                       "<p>page " + base::ToText(args[0]) + " for " +
-                                       base::ToText(host_->call("WEBLoggedInUser")) +
-                                       "</p><form method=\"post\"><input class=formtext name=\"a\"></form>");
-                                 }},
-                                {"PagePut",
-                                 kOperation,
-                                 {{"data", Type::kText}},
-                                 Type::kText,
-                                 [this](Args& args) {
-                                   const std::string data = base::ToText(args[0]);
-                                   if (manner_.pagePut) return Value(manner_.pagePut(data));
-                                   return Value("<p>put " + std::to_string(data.size()) + ":" +
-                                                data.substr(0, 40) + "</p>");
-                                 }}});
+    return std::make_shared<TableOf>("vxif", withMore(
+                                                 std::vector<Member>{
+                                                     constant("Link", "WMP_PListEdit"),
+                                                     constant("LinkText", "PlayList Editor"),
+                                                     constant("Page_Title", "Vantorix Media Player"),
+                                                     wording("TriggerUIFormat"),
+                                                     wording("ConditionUIFormat"),
+                                                     wording("ActionUIFormat"),
+                                                     {"Name",
+                                                      kOperation,
+                                                      {},
+                                                      Type::kText,
+                                                      [](Args&) { return Value("Media Player"); }},
+                                                     {"RegisterCallback",
+                                                      kOperation,
+                                                      {{"frm", Type::kObject}},
+                                                      Type::kNone,
+                                                      [this](Args& args) {
+                                                        note("RegisterCallback");
+                                                        callback_ = base::ToObject(args[0]);
+                                                        host_ = base::ToObject(callback_->call("GetVXIface"));
+                                                        return Value();
+                                                      }},
+                                                     {"InitIO",
+                                                      kOperation,
+                                                      {{"port", Type::kInt32}},
+                                                      Type::kText,
+                                                      [this](Args& args) {
+                                                        note("InitIO " + base::ToText(args[0]));
+                                                        if (manner_.init)
+                                                          manner_.init(*callback_, *host_, self_);
+                                                        return Value(manner_.refusal);
+                                                      }},
+                                                     {"InterfaceStatus",
+                                                      kOperation,
+                                                      {},
+                                                      Type::kInt16,
+                                                      [this](Args&) {
+                                                        const bool ready = !manner_.ready || manner_.ready();
+                                                        return Value(
+                                                            static_cast<std::int16_t>(ready ? 0 : 2));
+                                                      }},
+                                                     {"ShutdownIO",
+                                                      kOperation,
+                                                      {},
+                                                      Type::kNone,
+                                                      [this](Args&) {
+                                                        note("ShutdownIO");
+                                                        if (manner_.end) manner_.end();
+                                                        return Value();
+                                                      }},
+                                                     {"SetIO",
+                                                      kOperation,
+                                                      {{"dv", Type::kObject},
+                                                       {"hc", Type::kText},
+                                                       {"dc", Type::kText},
+                                                       {"Command", Type::kInt16},
+                                                       {"Brightness", Type::kInt16},
+                                                       {"data1", Type::kInt16},
+                                                       {"data2", Type::kInt16}},
+                                                      Type::kNone,
+                                                      [this](Args& args) {
+                                                        std::string line =
+                                                            "SetIO " +
+                                                            base::ToText(base::Deref(args[0]).get("name"));
+                                                        for (std::size_t i = 1; i < args.size(); ++i)
+                                                          line += " " + base::ToText(args[i]);
+                                                        note(line + " after " +
+                                                             base::ToText(base::Deref(host_->call("System"))
+                                                                              .get("LastVoiceCommand")));
+                                                        return Value();
+                                                      }},
+                                                     {"ButtonPress",
+                                                      kOperation,
+                                                      {{"button", Type::kText}},
+                                                      Type::kNone,
+                                                      [this](Args& args) {
+                                                        note("ButtonPress " + base::ToText(args[0]));
+                                                        if (manner_.press) manner_.press();
+                                                        return Value();
+                                                      }},
+                                                     {"SelectMenu",
+                                                      kOperation,
+                                                      {{"menu", Type::kText}},
+                                                      Type::kNone,
+                                                      [this](Args& args) {
+                                                        note("SelectMenu " + base::ToText(args[0]));
+                                                        return Value();
+                                                      }},
+                                                     {"GenPage",
+                                                      kOperation,
+                                                      {{"lnk", Type::kText}},
+                                                      Type::kText,
+                                                      [this](Args& args) {
+                                                        if (manner_.genPage)
+                                                          return Value(
+                                                              manner_.genPage(base::ToText(args[0])));
+                                                        return Value(
+                                                            "<p>page " + base::ToText(args[0]) + " for " +
+                                                            base::ToText(host_->call("WEBLoggedInUser")) +
+                                                            "</p><form method=\"post\"><input class=formtext "
+                                                            "name=\"a\"></form>");
+                                                      }},
+                                                     {"PagePut",
+                                                      kOperation,
+                                                      {{"data", Type::kText}},
+                                                      Type::kText,
+                                                      [this](Args& args) {
+                                                        const std::string data = base::ToText(args[0]);
+                                                        if (manner_.pagePut)
+                                                          return Value(manner_.pagePut(data));
+                                                        return Value("<p>put " + std::to_string(data.size()) +
+                                                                     ":" + data.substr(0, 40) + "</p>");
+                                                      }}}));
   }
 
   Manner manner_;

@@ -90,7 +90,10 @@ TEST(LiveFeed, ReadersAreCountedInAllAndByBrowser) {
     EXPECT_TRUE(third.admitted());
     EXPECT_FALSE(LiveFeed::Reader(feed, "c").admitted());
     EXPECT_EQ(feed.readers(), 3U);
+    EXPECT_EQ(feed.readersOf("a"), 2U);
   }
+  EXPECT_EQ(feed.readersOf("a"), 1U);
+  EXPECT_EQ(feed.readersOf("b"), 0U);
   EXPECT_EQ(feed.readers(), 1U);
   EXPECT_TRUE(LiveFeed::Reader(feed, "a").admitted());
 }

@@ -93,7 +93,8 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
       linesFor(Method::kPost, Role::kGuest),
       testing::ElementsAre("/api/command", "/api/play", "/api/playlist/watch", "/api/press", "/api/voice"));
   EXPECT_THAT(linesFor(Method::kGet, Role::kOwner),
-              testing::ElementsAre("/api/script", "/api/script/run", "/api/scripts"));
+              testing::ElementsAre("/api/dialog", "/api/dialog/options", "/api/script", "/api/script/run",
+                                   "/api/scripts"));
 }
 
 TEST(TheTableOfRoutes, HasOneLineForAnAddress) {
