@@ -62,13 +62,6 @@ LoopGate::Outcome LoopGate::run(std::function<void(std::function<void()>)> work)
   return done ? Outcome::kDone : closed ? Outcome::kClosed : Outcome::kTooLate;
 }
 
-LoopGate::Outcome LoopGate::runNow(std::function<void()> work) {
-  return run([work = std::move(work)](const std::function<void()>& done) {
-    work();
-    done();
-  });
-}
-
 void LoopGate::close() {
   const std::lock_guard lock(mutex_);
   closed_ = true;

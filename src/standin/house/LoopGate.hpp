@@ -21,8 +21,6 @@ class LoopGate {
   /// calling the function given to it. Work that has not begun when the limit passes is never begun. What
   /// `work` throws is thrown here.
   Outcome run(std::function<void(std::function<void()> done)> work);
-  /// The same for work that is at its end when it returns.
-  Outcome runNow(std::function<void()> work);
   /// Ends all waits, now and later.
   void close();
 

@@ -49,7 +49,10 @@ class WebHouse {
   /// Time goes on for those who guess passwords; it stands still otherwise.
   void wait(std::chrono::seconds time) { time_ = time_.load() + time; }
   void onLoop(const std::function<void(standin::House&)>& work) {
-    gate_.runNow([&] { work(house_); });
+    gate_.run([&](const auto& done) {
+      work(house_);
+      done();
+    });
   }
   /// The cookie of a new session.
   std::string sessionOf(const std::string& user) {

@@ -120,9 +120,13 @@ TEST(LoopGate, WorkRunsOnTheLoopAndItsFailureComesBack) {
   const auto home = std::this_thread::get_id();
   std::thread web([&] {
     std::thread::id ran;
-    EXPECT_EQ(gate.runNow([&] { ran = std::this_thread::get_id(); }), LoopGate::Outcome::kDone);
+    const auto outcome = gate.run([&](const auto& done) {
+      ran = std::this_thread::get_id();
+      done();
+    });
+    EXPECT_EQ(outcome, LoopGate::Outcome::kDone);
     EXPECT_EQ(ran, home);
-    EXPECT_THROW(gate.runNow([] { throw base::Failure(61); }), base::Failure);
+    EXPECT_THROW(gate.run([](const auto&) { throw base::Failure(61); }), base::Failure);
     loop.post([&] { loop.quit(0); });
   });
   loop.run();
@@ -133,7 +137,7 @@ TEST(LoopGate, WorkThatComesTooLateIsNeverBegun) {
   bus::PollLoop loop;
   LoopGate gate(loop, std::chrono::milliseconds(20));
   bool begun = false;
-  EXPECT_EQ(gate.runNow([&] { begun = true; }), LoopGate::Outcome::kTooLate);
+  EXPECT_EQ(gate.run([&](const auto&) { begun = true; }), LoopGate::Outcome::kTooLate);
   loop.pump();
   EXPECT_FALSE(begun);
 }
@@ -143,7 +147,7 @@ TEST(LoopGate, AClosedGateAnswersAtOnce) {
   LoopGate gate(loop, std::chrono::minutes(5));
   std::atomic<bool> done = false;
   std::thread web([&] {
-    EXPECT_EQ(gate.runNow([] {}), LoopGate::Outcome::kClosed);
+    EXPECT_EQ(gate.run([](const auto&) {}), LoopGate::Outcome::kClosed);
     done = true;
   });
   gate.close();
