@@ -23,7 +23,8 @@ WebAnswer StateOf(const House& house, const PluginKeeper& plugin, const Visitors
   }
   Json links = Json::array();
   for (const PageLink& link : house.links) {
-    links.push_back({{"link", link.link}, {"text", link.text}, {"title", link.title}});
+    // The plug-in's own pages turn guests away.
+    if (!user.guest) links.push_back({{"link", link.link}, {"text", link.text}, {"title", link.title}});
   }
   return Told({{"user",
                 {{"name", user.name},

@@ -97,6 +97,19 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
                                    "/api/scripts"));
 }
 
+TEST_F(Roles, AGuestIsSentNoLinksThatOnlyRefuse) {
+  house.onLoop([](standin::House& all) {
+    all.addLink({"WMP_PListEdit", "PlayList Editor", "Vantorix Media Player", nullptr});
+  });
+  const auto linksFor = [&](const std::string& user) {
+    support::WebClient web(house.port());
+    web.cookie = house.sessionOf(user);
+    return support::TextOf(web.json("/api/state").at("links"));
+  };
+  EXPECT_THAT(linksFor(standin::kFirstUser), testing::HasSubstr("PlayList Editor"));
+  EXPECT_EQ(linksFor(standin::kGuest), "[]");
+}
+
 TEST(TheTableOfRoutes, HasOneLineForAnAddress) {
   bus::PollLoop loop;
   standin::LoopGate gate(loop, std::chrono::seconds(1));

@@ -57,13 +57,11 @@ export class Frame {
     const {nav} = this.#parts;
     const here = this.#current();
     const link = (href, text, name) => html`<a href=${href} aria-current=${here === name ? 'page' : nothing}>${text}</a>`;
-    // The plug-in's own pages turn guests away.
-    const foreign = user && !user.guest ? links : [];
     render(user ? html`
       ${this.#views().map((view) => link(`/#${view.name}`, view.title, view.name))}
-      ${foreign.length ? html`<span class="nav-group" role="group" aria-labelledby="nav-plugin">
+      ${links.length ? html`<span class="nav-group" role="group" aria-labelledby="nav-plugin">
         <span class="nav-words" id="nav-plugin">Plug-in</span>
-        ${foreign.map((each) => link('/' + encodeURIComponent(each.link), each.text, each.link))}</span>` : nothing}
+        ${links.map((each) => link('/' + encodeURIComponent(each.link), each.text, each.link))}</span>` : nothing}
     ` : nothing, nav);
     const current = nav.querySelector('[aria-current]');
     if (current) nav.scrollLeft = current.offsetLeft - (nav.clientWidth - current.offsetWidth) / 2;
