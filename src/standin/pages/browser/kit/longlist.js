@@ -55,7 +55,7 @@ class LongList {
   }
 
   /** The rows in sight: from `first` to before `last`. */
-  range() {
+  #range() {
     const {scrollTop, clientHeight} = this.node;
     return {first: Math.max(0, Math.floor(scrollTop / kRow)),
       last: Math.min(this.total(), Math.ceil((scrollTop + clientHeight) / kRow))};
@@ -87,7 +87,7 @@ class LongList {
   /** Fetches what is in sight anew; the place, the focus and what stays the same are kept. False when the list has
    * been changed meanwhile, so that what came is too old. */
   async refresh() {
-    const {first, last} = this.range();
+    const {first, last} = this.#range();
     if (!await this.#data.load(first, last)) return false;
     this.#dataChanged();
     return true;
@@ -149,7 +149,7 @@ class LongList {
   }
 
   #show() {
-    const seen = this.range();
+    const seen = this.#range();
     const first = Math.max(0, seen.first - kSpare);
     const last = Math.min(this.total(), seen.last + kSpare);
     this.#dropOutside(first, last);

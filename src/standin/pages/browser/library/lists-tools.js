@@ -21,7 +21,7 @@ export class ListsTools {
   constructor({signal, house}, edit, draw) {
     this.#edit = edit;
     this.#draw = draw;
-    watch(() => ({name: '', from: 0, rows: 0}), signal);
+    watch(() => '', signal);
     house.on('playlist', (event) => this.#happened(event), signal);
     if (!edit) return;
     this.#turns = new Turns((action) => this.#turn(action), draw, signal);

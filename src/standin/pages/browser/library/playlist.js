@@ -13,8 +13,6 @@ import {Details, joined, orderOf, play, playButton, rowsOf, searchField, short, 
 import {sentence, Turns} from '../kit/turns.js';
 import {watch} from './watching.js';
 
-const kScrolled = 400;  // milliseconds after which the server hears of other rows in sight
-
 export class PlaylistPage {
   #body;
   #context;
@@ -204,15 +202,7 @@ export class PlaylistPage {
   }
 
   #watchList() {
-    this.#tellWatch = watch(() => {
-      const {first, last} = this.#list.range();
-      return {name: this.#me.name, from: first, rows: last - first};
-    }, this.#context.signal);
-    let scrolled = 0;
-    this.#list.node.addEventListener('scroll', () => {
-      clearTimeout(scrolled);
-      scrolled = setTimeout(this.#tellWatch, kScrolled);
-    }, {passive: true});
+    this.#tellWatch = watch(() => this.#me.name, this.#context.signal);
   }
 
   // What the user does.

@@ -4,12 +4,11 @@ import {ask} from '../kit/server.js';
 const kAgain = 5000;  // milliseconds between two words of it
 const kPage = Math.random().toString(36).slice(2) + Date.now().toString(36);
 
-/** `shown()` answers {name, from, rows}: the rows in sight, or no name for the names of all lists. Answers what tells
- * it at once. */
+/** `shown()` answers the list's name, or an empty one for the names of all lists. Answers what tells it at once. */
 export function watch(shown, signal) {
   const tell = () => {
     if (signal.aborted || document.visibilityState !== 'visible') return;
-    ask('/api/playlist/watch', {page: kPage, ...shown()}).catch(() => {});
+    ask('/api/playlist/watch', {page: kPage, name: shown()}).catch(() => {});
   };
   const timer = setInterval(tell, kAgain);
   signal.addEventListener('abort', () => clearInterval(timer));
