@@ -205,19 +205,15 @@ void PluginKeeper::restartLater() {
   pause_ = std::min(pause_ * 2, kLongestPause);
 }
 
-bool PluginKeeper::call(const Waiting& waiting, std::string& failure) {
+std::string PluginKeeper::failureOf(const Waiting& waiting) {
   const base::ObjectRef vxif = vxif_;  // it may be lost while it is being called
-  if (!vxif || (state_ == PluginPhase::kFailed && !waiting.evenIfFailed)) {
-    failure = "The plug-in isn't running";
-    return false;
-  }
+  if (!vxif || (state_ == PluginPhase::kFailed && !waiting.evenIfFailed)) return "The plug-in isn't running";
   try {
     loop_.whileOpen([&] { waiting.command(*vxif); });
-    return true;
+    return {};
   } catch (...) {
     const base::Failure caught = base::CurrentFailure();
-    failure = caught.number() == base::number::kHostGone ? "The plug-in has gone" : caught.description();
-    return false;
+    return caught.number() == base::number::kHostGone ? "The plug-in has gone" : caught.description();
   }
 }
 
@@ -234,9 +230,8 @@ void PluginKeeper::runCommands() {
   while (!waiting_.empty()) {
     const Waiting next = std::move(waiting_.front());
     waiting_.pop_front();
-    std::string failure;
     pulse_.begins();
-    call(next, failure);
+    const std::string failure = failureOf(next);
     pulse_.ends();
     try {
       next.done(failure);

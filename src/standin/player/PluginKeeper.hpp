@@ -81,7 +81,8 @@ class PluginKeeper {
   void restartLater();
   void runCommands();
   void enter(PluginPhase state, std::string reason);
-  bool call(const Waiting& waiting, std::string& failure);
+  /// Calls the plug-in. Answers why it failed; an empty text where it did not.
+  std::string failureOf(const Waiting& waiting);
   void shutDown(base::Milliseconds limit);
   void lookForDelay();
   [[nodiscard]] std::uint32_t process();
