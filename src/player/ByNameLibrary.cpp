@@ -4,6 +4,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
+#include "player/ManyOut.hpp"
 #include "player/Shown.hpp"
 
 namespace player {
@@ -80,6 +81,15 @@ std::vector<ToldMedia> ToldIn(const base::Array& fields, const base::Array& text
   return told;
 }
 
+void RemoveItems(Playlist& playlist, const base::Array& numbers) {
+  auto* const list = dynamic_cast<ManyOut*>(&playlist);
+  if (list == nullptr) throw base::Failure(base::number::kInvalidArgument, "The list can't be changed so");
+  std::vector<std::int32_t> places;
+  places.reserve(numbers.size());
+  for (const Value& each : numbers) places.push_back(base::ToInt32(each));
+  list->removeItems(places);
+}
+
 }  // namespace
 
 MediaRef MediaBehind(const Value& value) { return Behind<Media>(value); }
@@ -125,6 +135,8 @@ base::ObjectRef ShowByName(const PlaylistRef& playlist) {
                [playlist](Args& args) {
                  playlist->insertItems(NumberAt(args, 0), ToldIn(args[1].array(), args[2].array()));
                }),
+       Command("removeItems", {{"places", Type::kArray}},
+               [playlist](Args& args) { RemoveItems(*playlist, args[0].array()); }),
        ReadField("revision", Type::kDouble, [playlist] { return static_cast<double>(playlist->revision()); }),
        Command("removeItem", {Reference("media")},
                [playlist](Args& args) { playlist->removeItem(MediaBehind(args[0])); }),

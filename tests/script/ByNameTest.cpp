@@ -1,6 +1,7 @@
 #include "player/ByName.hpp"
 
 #include "player/ByNameLibrary.hpp"
+#include "player/ManyOut.hpp"
 #include "support/ScriptHouse.hpp"
 
 using base::Value;
@@ -95,16 +96,18 @@ TEST_F(PlayerByName, LongTextsAreReadInPieces) {
 
 namespace {
 
-class StoredList : public support::FakePlaylist {
+class StoredList : public support::FakePlaylist, public player::ManyOut {
  public:
   using FakePlaylist::FakePlaylist;
   void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override {
     at = index;
     told = items;
   }
+  void removeItems(const std::vector<std::int32_t>& places) override { removed = places; }
   [[nodiscard]] std::int64_t revision() const override { return (std::int64_t{1} << 52) + 1; }
   std::int32_t at = -1;
   std::vector<player::ToldMedia> told;
+  std::vector<std::int32_t> removed;
 };
 
 }  // namespace
@@ -125,6 +128,8 @@ TEST_F(PlayerByName, ManyItemsArePutInAtOnceAsTheyAreRead) {
   EXPECT_EQ(list->told[1].seconds, 0);
   EXPECT_THROW(shown->invoke("insertItems", 0, fields, base::Array{"A", "/1"}), base::Failure);
   EXPECT_THROW(shown->invoke("insertItems", 0, base::Array(), base::Array()), base::Failure);
+  shown->invoke("removeItems", base::Array{std::int32_t{1}, std::int32_t{4}});
+  EXPECT_EQ(list->removed, (std::vector<std::int32_t>{1, 4}));
   EXPECT_EQ(shown->get("revision"), Value(4503599627370497.0));  // to the last digit
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Failure.hpp"
+#include "engine/common/EraseAt.hpp"
 
 namespace engine {
 namespace {
@@ -66,6 +67,20 @@ std::size_t ListPlaylist::placeOf(const player::MediaRef& media) {
 void ListPlaylist::removeItem(const player::MediaRef& media) {
   const std::size_t place = placeOf(media);
   own().erase(own().begin() + static_cast<std::ptrdiff_t>(place));
+}
+
+void ListPlaylist::removeItems(const std::vector<std::int32_t>& places) {
+  checkPlaces(places);
+  EraseAt(own(), places);
+}
+
+void ListPlaylist::checkPlaces(const std::vector<std::int32_t>& places) const {
+  std::int32_t before = -1;
+  for (const std::int32_t place : places) {
+    if (place <= before) throw base::Failure(base::number::kIndex);
+    check(place, size());
+    before = place;
+  }
 }
 
 void ListPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {

@@ -5,13 +5,14 @@
 
 #include "engine/library/Media.hpp"
 #include "engine/library/TrackIndex.hpp"
+#include "player/ManyOut.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {
 
 /// An ordered list of media in memory. One that answers a question shares the index's own list until it is
 /// changed; changing it changes nothing else.
-class ListPlaylist : public player::Playlist {
+class ListPlaylist : public player::Playlist, public player::ManyOut {
  public:
   ListPlaylist(std::string name, ShelfRef shelf, TrackList tracks)
       : name_(std::move(name)), shelf_(std::move(shelf)), tracks_(std::move(tracks)) {}
@@ -26,6 +27,7 @@ class ListPlaylist : public player::Playlist {
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
   /// This very item, or else the first one with the same source.
   void removeItem(const player::MediaRef& media) override;
+  void removeItems(const std::vector<std::int32_t>& places) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
 
  protected:
@@ -36,6 +38,8 @@ class ListPlaylist : public player::Playlist {
   [[nodiscard]] std::size_t size() const { return items_ ? items_->size() : tracks_->size(); }
   /// Throws 9 unless the index is below the limit.
   static void check(std::int32_t index, std::size_t limit);
+  /// Throws 9 unless there is an item at each of the places and they rise.
+  void checkPlaces(const std::vector<std::int32_t>& places) const;
 
  private:
   std::string name_;

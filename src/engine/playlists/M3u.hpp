@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/common/EraseAt.hpp"
+
 namespace engine {
 
 constexpr int kLongestItem = 4'000'000;  ///< seconds, so that milliseconds are a 32-bit number
@@ -40,6 +42,8 @@ class M3uText {
   void insertAll(std::size_t index, const std::vector<M3uItem>& items);
   void insert(std::size_t index, const M3uItem& item) { insertAll(index, {item}); }
   void remove(std::size_t index);
+  /// The places rise, and there is an item at each.
+  void removeAll(const std::vector<std::int32_t>& places) { EraseAt(items_, places); }
   void move(std::size_t from, std::size_t to);
 
   /// The text as it is to be written.

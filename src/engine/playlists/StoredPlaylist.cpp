@@ -108,6 +108,17 @@ void StoredPlaylist::removeItem(const player::MediaRef& media) {
   keeper_->tellContent();
 }
 
+void StoredPlaylist::removeItems(const std::vector<std::int32_t>& places) {
+  if (keeper_ == nullptr) return ListPlaylist::removeItems(places);
+  M3uText text = keeper_->open(*this);
+  checkPlaces(places);
+  text.removeAll(places);
+  keeper_->save(*this, text.text());
+  ListPlaylist::removeItems(places);
+  revision_ += static_cast<std::int64_t>(places.size());
+  keeper_->tellContent();
+}
+
 void StoredPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {
   if (keeper_ == nullptr) return ListPlaylist::moveItem(oldIndex, newIndex);
   M3uText text = keeper_->open(*this);

@@ -49,6 +49,7 @@ class StoredPlaylist : public ListPlaylist {
   void appendItem(const player::MediaRef& media) override;
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
   void removeItem(const player::MediaRef& media) override;
+  void removeItems(const std::vector<std::int32_t>& places) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
   void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override;
   [[nodiscard]] std::int64_t revision() const override { return revision_; }

@@ -2,6 +2,7 @@
 #include "base/Failure.hpp"
 #include "engine/common/Fixtures.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
+#include "player/ManyOut.hpp"
 
 namespace engine::testing {
 namespace {
@@ -9,6 +10,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+
+void RemoveItems(const player::PlaylistRef& list, const std::vector<std::int32_t>& places) {
+  dynamic_cast<player::ManyOut&>(*list).removeItems(places);
+}
 
 class Playlists : public PlayerTest {
  protected:
@@ -167,6 +172,25 @@ TEST_F(Playlists, ManyItemsGoInAtOnceTheMissingOnesAmongThem) {
   EXPECT_EQ(list->item(1)->getItemInfo("Artist"), "Bob");
   EXPECT_EQ(list->item(1)->duration(), 12);
   EXPECT_GT(list->revision(), before + 3);
+}
+
+TEST_F(Playlists, ManyItemsGoOutAtOnce) {
+  begin();
+  auto list = playlists().newPlaylist("L");
+  for (const char* title : {"One", "Two", "One", "Two"}) list->appendItem(track(title));
+  const std::int64_t before = list->revision();
+  EXPECT_EQ(FailureOf([&] { RemoveItems(list, {1, 4}); }), base::number::kIndex);
+  EXPECT_EQ(FailureOf([&] { RemoveItems(list, {2, 1}); }), base::number::kIndex);
+  EXPECT_THAT(Names(*list), ElementsAre("One", "Two", "One", "Two"));
+  RemoveItems(list, {0, 3});
+  EXPECT_EQ(list->revision(), before + 2);
+  EXPECT_THAT(Names(*list), ElementsAre("Two", "One"));
+  EXPECT_THAT(located("L.m3u8"), ElementsAre(music("2.flac"), music("1.flac")));
+  const auto all = player->mediaCollection().getAll();  // which is no stored one
+  const std::int32_t count = all->count();
+  RemoveItems(all, {0});
+  EXPECT_EQ(all->count(), count - 1);
+  EXPECT_EQ(player->mediaCollection().getAll()->count(), count);
 }
 
 TEST_F(Playlists, ARevisionGrowsWithEveryChange) {
