@@ -6,6 +6,7 @@
 #include <csignal>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "base/Failure.hpp"
 
@@ -17,8 +18,12 @@ constexpr base::Milliseconds kLongestPause = std::chrono::seconds(60);
 constexpr base::Milliseconds kStable = std::chrono::seconds(60);
 constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(300);
 constexpr base::Milliseconds kDelayInterval = std::chrono::seconds(1);
+/// Until InitIO has answered a plug-in opens its library and reads its names, which takes seconds where there
+/// are many. From then on it answers at once, and is seen to hang like one that is ready.
 constexpr base::Milliseconds kLongStart = std::chrono::seconds(15);
-constexpr base::Milliseconds kFailedStart = std::chrono::seconds(2);
+/// What a plug-in writes as an error when its start fails behind InitIO.
+constexpr const char* kStartFailed = "Media Player background initialization FAILED";
+constexpr std::size_t kErrorsLookedAt = 100;
 constexpr base::Milliseconds kFailedInterval = std::chrono::seconds(3);
 constexpr base::Milliseconds kLongEnd = std::chrono::seconds(10);
 constexpr base::Milliseconds kGrace = std::chrono::seconds(5);
@@ -114,6 +119,7 @@ void PluginKeeper::launch() {
 
 void PluginKeeper::launchSteps() {
   linesBefore_ = house_.log.lastId();
+  refused_ = false;
   statusTimer_->interval(kStatusInterval);
   enter(PluginPhase::kStarting, {});
   std::string refusal;
@@ -144,6 +150,7 @@ void PluginKeeper::launchSteps() {
   if (ending_ || loop_.quitting() || vxif_ != vxif) return;
   if (!refusal.empty()) {
     house_.log.write("Error", "The plug-in has refused to start: " + refusal);
+    refused_ = true;
     enter(PluginPhase::kFailed, refusal);
     return;
   }
@@ -170,15 +177,15 @@ void PluginKeeper::hearStatus(bool ready) {
     return;
   }
   if (state_ == PluginPhase::kFailed) return;
-  // A plug-in whose start fails behind InitIO stays as it is for good. All that is known of it then is that
-  // it is not ready and what it has told the log as an error; one that gets ready all the same is taken for
-  // ready.
-  const std::optional<LogLine> error = house_.log.newestSince("Error", linesBefore_);
-  if (!error) return;
-  if (std::exchange(trouble_, error->id) != error->id) troubleSince_ = loop_.now();
-  if (loop_.now() - troubleSince_ < kFailedStart) return;
+  // A plug-in whose start fails behind InitIO stays as it is for good, and has no other way to say so than
+  // this one line; one that gets ready all the same is taken for ready.
+  const std::vector<LogLine> errors = house_.log.newest(kErrorsLookedAt, "Error");
+  const auto failed = std::find_if(errors.begin(), errors.end(), [&](const LogLine& line) {
+    return line.id > linesBefore_ && line.text.starts_with(kStartFailed);
+  });
+  if (failed == errors.end()) return;
   statusTimer_->interval(kFailedInterval);
-  enter(PluginPhase::kFailed, error->text);
+  enter(PluginPhase::kFailed, failed->text);
 }
 
 void PluginKeeper::lost() {
@@ -187,7 +194,7 @@ void PluginKeeper::lost() {
   vxif_ = nullptr;
   statusTimer_->enabled(false);
   house_.forgetPlugin();
-  if (state_ == PluginPhase::kFailed) return;  // it had nothing more to do; the reason stays on the page
+  if (refused_) return;  // it would refuse again; the reason stays on the page
   if (state_ == PluginPhase::kReady && loop_.now() - readySince_ >= kStable) pause_ = kFirstPause;
   house_.log.write("Error", "The plug-in has been lost");
   enter(PluginPhase::kLost, "The plug-in has ended unexpectedly");

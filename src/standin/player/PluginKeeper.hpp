@@ -104,10 +104,9 @@ class PluginKeeper {
   bool launching_ = false;
   bool ending_ = false;
   bool stuck_ = false;
+  bool refused_ = false;  ///< by InitIO's answer
   base::Milliseconds startingSince_{0};
   std::int64_t linesBefore_ = 0;  ///< in the log when the start began
-  std::int64_t trouble_ = 0;      ///< the line that the start has ended in, as it seems
-  base::Milliseconds troubleSince_{0};
   base::Milliseconds pause_;
   base::Milliseconds readySince_{0};
   std::unique_ptr<base::Timer> startTimer_;
