@@ -137,15 +137,60 @@ TEST_F(Views, ALeftViewHearsOfNothing) {
   EXPECT_EQ(browser.run("return document.querySelector('#page > *').className"), "view view-devices");
 }
 
-TEST_F(Views, NothingIsGreenWhileTheServerIsDown) {
+TEST_F(Views, WhatAViewDoesLaterEndsWithIt) {
   open("#devices");
+  const json told = browser.runAsync(
+      "const done = arguments[0];"
+      "import(document.querySelector('script[src$=\"app.js\"]').src.replace('app.js', 'kit/lasting.js'))"
+      "  .then(({whileShown, Timer, later, every}) => {"
+      "    const told = []; const view = new AbortController(); const {signal} = view;"
+      "    const work = whileShown(signal, (word) => told.push(word)); work('shown');"
+      "    const timer = new Timer(signal, () => told.push('timer')); timer.start();"
+      "    later(signal, () => told.push('later')); every(signal, 1, () => told.push('again'));"
+      "    view.abort();"
+      "    work('left'); timer.start(); later(signal, () => told.push('late'));"
+      "    every(signal, 1, () => told.push('for ever'));"
+      "    setTimeout(() => done(told), 50); }, error => done([String(error)]))");
+  EXPECT_EQ(told, json({"shown"}));
+}
+
+TEST_F(Views, ASearchThatWasLeftBeforeItBeganIsNotMade) {
+  manyLists();
+  open("#library/PlayList");
+  ASSERT_TRUE(has(".long-row button"));
+  // The search waits for a pause of 200 milliseconds.
+  browser.runAsync(
+      "const done = arguments[0]; const field = document.querySelector('#library-search');"
+      "field.value = 'nobody'; field.dispatchEvent(new Event('input')); location.hash = '#log';"
+      "setTimeout(() => setTimeout(done, 150), 150)");
+  ASSERT_TRUE(has(".log li"));
+  EXPECT_EQ(browser.run("return performance.getEntriesByType('resource')"
+                        ".filter(each => each.name.includes('q=nobody')).length"),
+            0);
+}
+
+TEST_F(Views, NothingIsGreenWhileTheServerIsDown) {
+  plugin.withHost([](base::Object&, base::Object& host) {
+    for (const auto& [name, text] : {std::pair("Status", "Playing"), std::pair("Title", "River")}) {
+      const base::ObjectRef device = base::ToObject(host.invoke("GetDevice", host.invoke("NewDevice", name)));
+      device->put("location", "Media Player");
+      host.invoke("SetDeviceStringByName", "Media Player " + std::string(name), text, true);
+    }
+  });
+  open("#devices");
+  ASSERT_TRUE(browser.eventually("return document.querySelector('.now-state')?.textContent === 'Playing'"));
+  EXPECT_EQ(browser.run("return document.querySelector('.now.stale, .cards.stale')"), nullptr);
   const std::string port = std::to_string(server->port());
   server->end(SIGKILL);
   EXPECT_TRUE(browser.eventually("return !document.querySelector('#live-state').hidden"));
   EXPECT_EQ(browser.run("return document.querySelectorAll('.pill-good').length"), 0);
   EXPECT_EQ(browser.run("return document.querySelector('#plugin-state').textContent"), "");
+  EXPECT_TRUE(browser.eventually("return document.querySelector('.now.stale') !== null"));
+  EXPECT_EQ(browser.run("return document.querySelector('.now-state').textContent"), "Last heard of");
+  EXPECT_NE(browser.run("return document.querySelector('.cards.stale')"), nullptr) << "the Status card too";
   server.emplace(bus.address(), folder.path() / "data", std::vector<std::string>{"--port", port});
   EXPECT_TRUE(browser.eventually("return document.querySelectorAll('.pill-good').length === 1"));
+  EXPECT_TRUE(browser.eventually("return document.querySelector('.now.stale, .cards.stale') === null"));
 }
 
 TEST_F(Views, AConnectionThatDiesWithoutAWordIsFoundOut) {

@@ -1,5 +1,6 @@
 // The player's library: categories, their groups, the titles in a group, and one search over all of it.
 import {html, nothing, render} from '../kit/html.js';
+import {later} from '../kit/lasting.js';
 import {addingBar} from './adding.js';
 import {groupView} from './group.js';
 import {address, kindOf, kTabs} from './kinds.js';
@@ -27,7 +28,7 @@ async function mount(place, context) {
   house.on('again', () => view.again(), signal);
   if (tabWanted && tab) {
     tabWanted = false;
-    setTimeout(() => place.querySelector('[role=tab][aria-selected=true]')?.focus());
+    later(signal, () => place.querySelector('[role=tab][aria-selected=true]')?.focus());
   }
   await view.start(kept.list);
 

@@ -1,5 +1,6 @@
 // Above the names of all playlists: a new one, and the way back from a deletion.
 import {html} from '../kit/html.js';
+import {later} from '../kit/lasting.js';
 import {ask} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
 import {askName} from './adding.js';
@@ -25,7 +26,7 @@ export class ListsTools {
     house.on('playlist', (event) => this.#happened(event), signal);
     if (!edit) return;
     this.#turns = new Turns((action) => this.#turn(action), draw, signal);
-    setTimeout(() => this.#look());
+    later(signal, () => this.#look());  // when there is something to draw
   }
 
   template() {

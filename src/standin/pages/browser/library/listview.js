@@ -1,6 +1,7 @@
 // A long list with a field to search in it, a line that counts, and words for when there is nothing.
 import {el} from '../kit/dom.js';
 import {html, render} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {longList} from '../kit/longlist.js';
 import {ask, complain, run} from '../kit/server.js';
 import {rowsOf, searchField} from './titles.js';
@@ -38,8 +39,9 @@ export class ListView {
     fetched.add(parts.query);
     this.#list = longList(parts.label, (offset, limit) => this.#fetch(offset, limit), parts.row, (total) => this.#sized(total));
     this.#field = parts.placeholder && searchField(parts.searchLabel, parts.placeholder, kept.sought ?? '',
-      {sought: () => this.#sought(), down: () => this.focusFirst()});
+      {sought: () => this.#sought(), down: () => this.focusFirst(), signal});
     keep(() => ({sought: this.sought, list: this.#loaded ? this.#list.place() : kept.list}));
+    this.draw = whileShown(signal, () => this.#drawn());
     this.draw();
   }
 
@@ -47,8 +49,7 @@ export class ListView {
     return this.#field ? this.#field.value.trim() : '';
   }
 
-  draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     const none = this.#answer?.total === 0;
     this.#list.node.hidden = Boolean(this.#found) || none;
     render(html`${this.#parts.above?.() ?? ''}

@@ -1,6 +1,7 @@
 // The page of a playlist: its titles are moved, added and removed, the list renamed and deleted, and all of it undone.
 import {el} from '../kit/dom.js';
 import {html, render} from '../kit/html.js';
+import {later, whileShown} from '../kit/lasting.js';
 import {longList} from '../kit/longlist.js';
 import {reorder} from '../kit/reorder.js';
 import {ask, complain, run} from '../kit/server.js';
@@ -29,6 +30,9 @@ export class PlaylistPage {
   #tellWatch;
   #answer = null;
   #gone = false;
+  #draw;    // and what a late answer brings, while the address is this page's
+  #show;
+  #isGone;
 
   constructor(body, context, name, edit) {
     this.#body = body;
@@ -36,8 +40,11 @@ export class PlaylistPage {
     this.#edit = edit;
     this.#me = {name, version: 0, fresh: true};
     const {signal, house, keep, kept} = context;
+    this.#draw = whileShown(signal, () => this.#drawn());
+    this.#show = whileShown(signal, (name) => this.#shown(name));
+    this.#isGone = whileShown(signal, () => this.#goes());
     this.#search = searchField(`Search in ${name}`, 'Search titles', kept.sought ?? '',
-      {sought: () => this.#load(), down: () => this.#list.focusFirst()});
+      {sought: () => this.#load(), down: () => this.#list.focusFirst(), signal});
     this.#list = longList(short(name), (offset, limit) => this.#fetch(offset, limit),
       (title, index, place) => this.#row(title, index, place), (total) => this.#sized(total));
     this.#changes = new Changes(this.#me, {told: (answer) => this.#turns?.show(answer),
@@ -46,7 +53,7 @@ export class PlaylistPage {
     this.#drag = reorder(this.#list, {allowed: () => edit && !this.#sought && this.#list.total() > 1, signal,
       onMove: (from, to, byKey) => this.#move(from, to, byKey), say: (text) => this.#say(text),
       nameOf: (index) => this.#list.known(index)?.name ?? 'The title',
-      onSettled: () => setTimeout(() => this.#changes.settle())});
+      onSettled: () => later(signal, () => this.#changes.settle())});
     this.#list.node.addEventListener('keydown', (event) => this.#key(event));
     keep(() => ({sought: this.#search.value, list: this.#answer ? this.#list.place() : kept.list}));
     house.on('playlist', (event) => this.#happened(event), signal);
@@ -73,8 +80,8 @@ export class PlaylistPage {
 
   // What is shown.
 
-  #draw() {
-    if (this.#context.signal.aborted || this.#gone) return;
+  #drawn() {
+    if (this.#gone) return;
     const {name} = this.#me;
     const none = this.#answer?.total === 0;
     this.#list.node.hidden = none;
@@ -155,7 +162,7 @@ export class PlaylistPage {
     try {
       if (await this.#list.refresh()) this.#me.version = this.#answer.version;
       else changes.late = true;
-      if (changes.late) setTimeout(() => { if (!this.#context.signal.aborted) changes.settle(); });
+      if (changes.late) later(this.#context.signal, () => changes.settle());
     } catch (error) {
       this.#failed(error);
     }
@@ -186,15 +193,17 @@ export class PlaylistPage {
   #renamed(now) {
     renamedTarget(this.#me.name, now);
     this.#me.name = now;
-    if (this.#context.signal.aborted) return;  // a late answer: the address belongs to another page
+    this.#show(now);
+  }
+
+  #shown(now) {
     history.replaceState(history.state, '', address('PlayList', now));
     this.#context.title(now);
     this.#draw();
     this.#tellWatch?.();
   }
 
-  #isGone() {
-    if (this.#context.signal.aborted) return;
+  #goes() {
     this.#drag.end();
     this.#gone = true;
     render(html`<div class="notice"><p>The playlist “<bdi>${short(this.#me.name)}</bdi>” is no longer there.</p>
@@ -239,9 +248,8 @@ export class PlaylistPage {
     list.remove(index);
     if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(button, 0));
     this.#changes.send('remove', async () => ({at: place, title: title.name}));
-    toastWithButton(`Removed ${short(title.name)}`, 'Undo', () => {  // which is read out as well
-      if (!this.#context.signal.aborted) this.#turn('undo');
-    }, 5000);
+    const undo = whileShown(this.#context.signal, () => this.#turn('undo'));
+    toastWithButton(`Removed ${short(title.name)}`, 'Undo', undo, 5000);  // which is read out as well
   }
 
   #turn(action) {

@@ -1,6 +1,7 @@
 // What the library's lists have in common: names, playing, and what a title tells of itself.
 import {el} from '../kit/dom.js';
 import {html, nothing, render} from '../kit/html.js';
+import {Timer} from '../kit/lasting.js';
 import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
 
@@ -32,14 +33,11 @@ export const rowsOf = ({names, titles}) => titles
 export const orderOf = (title, at) => ({at, title: short(title.name), mark: title.mark});
 
 /** The search begins when the keys pause; the arrow leads into the list. */
-export function searchField(label, placeholder, text, {sought, down}) {
-  let timer = 0;
+export function searchField(label, placeholder, text, {sought, down, signal}) {
+  const pause = new Timer(signal, sought);
   const field = el('input', {type: 'search', id: 'library-search', autocomplete: 'off', 'aria-label': short(label), placeholder,
     value: text});
-  field.addEventListener('input', () => {
-    clearTimeout(timer);
-    timer = setTimeout(sought, kPause);
-  });
+  field.addEventListener('input', () => pause.start(kPause));
   field.addEventListener('keydown', (event) => {
     if (event.key !== 'ArrowDown') return;
     event.preventDefault();

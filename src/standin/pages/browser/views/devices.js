@@ -1,5 +1,6 @@
 // The devices: one card each, changed in place when the house says so.
 import {html, nothing, render, repeat} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {DeviceCard} from './device-card.js';
 import {nowPlaying} from './now-playing.js';
 import {voiceBox} from './voice-box.js';
@@ -8,9 +9,7 @@ export const devicesView = {name: 'devices', title: 'Devices', mount};
 
 function mount(place, {signal, house}) {
   const cards = new Map();
-  const draw = () => {
-    if (!signal.aborted) render(page(house, cardOf), place);
-  };
+  const draw = whileShown(signal, () => render(page(house, cardOf), place));
   const cardOf = (ref) => {
     if (!cards.has(ref)) cards.set(ref, new DeviceCard(ref, {signal, draw}));
     return cards.get(ref);
@@ -34,5 +33,5 @@ function page({state: {devices}, connected}, cardOf) {
     ${devices.size ? nothing : html`<div class="empty" id="no-devices"><p>No devices yet.</p>
       <p>They appear as soon as the player has started; the log tells how far it is.</p>
       <a class="way" href="/#log">To the log</a></div>`}
-    <div class="cards" id="cards">${repeat(devices.values(), ({ref}) => ref, (device) => cardOf(device.ref).template(device, devices))}</div>`;
+    <div class="cards ${connected ? '' : 'stale'}" id="cards">${repeat(devices.values(), ({ref}) => ref, (device) => cardOf(device.ref).template(device, devices))}</div>`;
 }

@@ -1,5 +1,6 @@
 // The log: newest last, by type, live.
 import {html, live, render, repeat} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {ask, complain} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
 
@@ -20,6 +21,7 @@ class Log {
   #lines = [];
   #types = [];
   #read = false;
+  #draw;
   #top;  // of the list, where the reader has left it
 
   constructor(place, {signal, house, keep, kept}) {
@@ -28,6 +30,7 @@ class Log {
     this.#house = house;
     this.#type = kept.type ?? '';
     this.#top = kept.top;
+    this.#draw = whileShown(signal, () => this.#drawn());
     keep(() => ({type: this.#type, top: this.#atEnd() ? undefined : this.#list.scrollTop}));
     house.on('log', (line) => this.#add(line), signal);
     house.on('again', () => this.load(), signal);
@@ -43,8 +46,7 @@ class Log {
     return !list || list.scrollHeight - list.scrollTop - list.clientHeight < kNearEnd;
   }
 
-  #draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     render(html`<div class="page-head"><h1>Log</h1>
         <div class="tools"><label for="log-type">Show</label>
           <select id="log-type" @change=${(event) => { this.#type = event.target.value; this.load(true); }}>

@@ -1,5 +1,6 @@
 // What a script that runs, or has run, has to say.
 import {html} from '../kit/html.js';
+import {Timer} from '../kit/lasting.js';
 import {ask} from '../kit/server.js';
 
 const kLookAgain = 400;    // milliseconds between looks at a script that runs
@@ -11,7 +12,7 @@ export class ScriptRun {
   #run = -1;
   #next = 0;
   #turn = 0;
-  #timer = 0;
+  #timer;
   #told = {};
   #output = '';
 
@@ -19,7 +20,7 @@ export class ScriptRun {
   constructor({signal, draw}) {
     this.#signal = signal;
     this.#draw = draw;
-    signal.addEventListener('abort', () => clearTimeout(this.#timer));
+    this.#timer = new Timer(signal, () => this.look());
   }
 
   get running() {
@@ -29,7 +30,7 @@ export class ScriptRun {
   /** Looks now, and again while the script runs. */
   async look() {
     const mine = ++this.#turn;
-    clearTimeout(this.#timer);
+    this.#timer.stop();
     try {
       let told = await this.#ask(this.#next);
       if (told.run !== this.#run && this.#next > 0) told = await this.#ask(0);
@@ -46,7 +47,7 @@ export class ScriptRun {
   }
 
   #again(mine, time) {
-    if (mine === this.#turn && !this.#signal.aborted) this.#timer = setTimeout(() => this.look(), time);
+    if (mine === this.#turn) this.#timer.start(time);
   }
 
   #take(told) {

@@ -1,5 +1,6 @@
 // The house's scripts: a list, an editor, and what a run has to say.
 import {html, nothing, render, repeat} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
 import {draftOf, dropDraft, keepDraft} from './drafts.js';
@@ -22,6 +23,10 @@ class Scripts {
   #saved = '';     // its text as it is stored
   #lines = 1;
   #run;
+  #draw;           // and what follows an answer, while this is shown
+  #show;
+  #keep;
+  #back;
   #left;           // where the reader was before
 
   constructor(place, {signal, house, title, keep, kept}) {
@@ -29,8 +34,11 @@ class Scripts {
     this.#signal = signal;
     this.#title = title;
     this.#left = kept;
-    const draw = () => this.#draw();
-    this.#run = new ScriptRun({signal, draw});
+    this.#draw = whileShown(signal, () => this.#drawn());
+    this.#show = whileShown(signal, (name, text) => this.#shown(name, text));
+    this.#keep = whileShown(signal, (name, text) => this.#kept(name, text));
+    this.#back = whileShown(signal, (name) => this.#cameBack(name));
+    this.#run = new ScriptRun({signal, draw: this.#draw});
     keep(() => ({script: this.#opened, top: this.#text?.scrollTop}));
     house.on('script', () => this.#run.look(), signal);
     house.on('again', () => { this.#list(); this.#run.look(); }, signal);
@@ -54,8 +62,7 @@ class Scripts {
     return this.#place.querySelector('#script-name');
   }
 
-  #draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     const act = (work) => (event) => run(event.currentTarget, () => work.call(this));
     const stored = this.#known.includes(this.#opened);
     const unsaved = this.#opened !== null && draftOf(this.#opened);
@@ -108,7 +115,10 @@ class Scripts {
         return;
       }
     }
-    if (this.#signal.aborted) return;
+    this.#show(name, text);
+  }
+
+  #shown(name, text) {
     this.#opened = name;
     this.#saved = text;
     const draft = draftOf(name);
@@ -163,11 +173,14 @@ class Scripts {
     toast(`${name} is saved`);
     dropDraft(this.#opened);
     dropDraft(name);
-    if (this.#signal.aborted) return;
+    await this.#keep(name, text);
+  }
+
+  #kept(name, text) {
     this.#opened = name;
     this.#saved = text;
     this.#title(`${name} · Scripts`);
-    await this.#list();
+    return this.#list();
   }
 
   async #start() {
@@ -187,15 +200,18 @@ class Scripts {
       try {
         await ask('/api/script', {name, text});
         toast(`${name} is back`);
-        if (this.#signal.aborted) return;
-        await this.#list();
-        await this.#open(name);
+        await this.#back(name);
       } catch (error) {
         complain(error);
       }
     });
     await this.#list();
     await this.#open('');
+  }
+
+  async #cameBack(name) {
+    await this.#list();
+    await this.#open(name);
   }
 
   /** Puts the cursor to the line of the error. */
