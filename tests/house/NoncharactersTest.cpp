@@ -159,7 +159,13 @@ TEST_F(Noncharacters, AreInTheServersLists) {
   EXPECT_THAT(house.get("/api/library?category=Album&limit=50&group=" + encoded(album)), HasSubstr(title));
   EXPECT_THAT(house.get("/api/library?category=Album&limit=50&group=" + encoded(album)), HasSubstr(artist));
   EXPECT_THAT(house.get("/api/playlist?offset=0&limit=50&group=" + encoded(list)), HasSubstr(list));
-  EXPECT_EQ(house.post("/api/play", {{"category", "Album"}, {"name", album}, {"title", title}}), 200);
+  const auto row = support::JsonOf(house.get("/api/library?category=Album&limit=50&group=" + encoded(album)));
+  EXPECT_EQ(house.post("/api/play", {{"category", "Album"},
+                                     {"name", album},
+                                     {"at", 0},
+                                     {"title", title},
+                                     {"mark", row.at("titles").at(0).at("mark")}}),
+            200);
   EXPECT_TRUE(house.textBecomes("Title", title));
 }
 

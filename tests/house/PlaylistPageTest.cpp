@@ -41,11 +41,25 @@ class PlaylistInABrowser : public testing::Test {
     return house.post("/api/playlist/" + action, body);
   }
   void addTitle(const std::string& title) {
+    const json group =
+        support::JsonOf(house.get("/api/library?offset=0&limit=50&category=Album&group=Counting"));
+    const json& names = group.at("names");
+    const auto at = std::find(names.begin(), names.end(), title) - names.begin();
     ASSERT_EQ(post("add", {{"name", "Mine"},
                            {"category", "Album"},
                            {"group", "Counting"},
-                           {"titles", {{{"at", 0}, {"title", title}}}}}),
+                           {"titles", {rowOf(group, static_cast<std::size_t>(at))}}}),
               200);
+  }
+  /// A row as a page posts it.
+  static json rowOf(const json& page, std::size_t at) {
+    return {{"at", at}, {"title", page.at("names").at(at)}, {"mark", page.at("titles").at(at).at("mark")}};
+  }
+  /// Takes the title out that stands there now.
+  int removeAt(std::size_t at) {
+    json row = rowOf(support::JsonOf(house.get("/api/playlist?fresh=1&offset=0&limit=50&group=Mine")), at);
+    row["name"] = "Mine";
+    return post("remove", row);
   }
   Names stored() { return storedIn("Mine"); }
   Names storedIn(const std::string& list) {
@@ -126,10 +140,10 @@ TEST_F(PlaylistInABrowser, OfTwoAlikeTheVeryOneIsTaken) {
   addTitle("One");
   addTitle("Two");
   ASSERT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five", "One", "Two"}));
-  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 5}, {"title", "One"}}), 200);
+  EXPECT_EQ(removeAt(5), 200);
   EXPECT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five", "Two"}));
   EXPECT_EQ(post("undo", {{"name", "Mine"}}), 200);
-  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 0}, {"title", "One"}}), 200);
+  EXPECT_EQ(removeAt(0), 200);
   EXPECT_EQ(stored(), (Names{"Two", "Three", "Four", "Five", "One", "Two"}));
   for (int i = 0; i < 3; ++i) EXPECT_EQ(post("undo", {{"name", "Mine"}}), 200);
   EXPECT_EQ(stored(), (Names{"One", "Two", "Three", "Four", "Five"}));
@@ -212,7 +226,7 @@ TEST_F(PlaylistInABrowser, ADragOutlivesAChangeThatComesInBetween) {
   ListUser user(house, 1280);
   user.openList("Mine");
   user.take(1, 3);
-  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 0}, {"title", "One"}}), 200);
+  EXPECT_EQ(removeAt(0), 200);
   EXPECT_EQ(user.browser.run("return !!document.querySelector('.long-row.moving')"), true);
   user.drop();
   EXPECT_TRUE(isStored({"Three", "Four", "Two", "Five"}));
@@ -223,7 +237,7 @@ TEST_F(PlaylistInABrowser, AMoveThatIsRefusedIsPutBackAndTold) {
   ListUser user(house, 1280);
   user.openList("Mine");
   user.take(1, 3);
-  EXPECT_EQ(post("remove", {{"name", "Mine"}, {"at", 1}, {"title", "Two"}}), 200);
+  EXPECT_EQ(removeAt(1), 200);
   user.drop();
   EXPECT_TRUE(user.toasts("“Two” is no longer in the list"));
   EXPECT_TRUE(user.shows({"One", "Three", "Four", "Five"}));
@@ -285,7 +299,7 @@ TEST_F(PlaylistInABrowser, AGuestLooksAndHasNothingToChangeItWith) {
   EXPECT_EQ(user.browser.runAsync("const done = arguments[0]; fetch('/api/playlist/remove', {method: 'POST', "
                                   "headers: {'Content-Type': 'application/json'}, "
                                   "body: JSON.stringify({name: 'Mine', "
-                                  "at: 0, title: 'One'})}).then(a => done(a.status))"),
+                                  "at: 0, title: 'One', mark: ''})}).then(a => done(a.status))"),
             403);
   EXPECT_TRUE(user.shows({"One", "Two", "Three", "Four", "Five"}));
 }

@@ -58,6 +58,11 @@ class PlayerLibrary {
   /// Plays this very title, whatever others of its name there are.
   void play(const TitleAddress& title, Played played);
 
+  using Added = std::function<void(const std::optional<std::string>& title, const Failed& failed)>;
+  /// Has the work done, and tells which title it has put at the end of that playlist; none where the list is
+  /// no longer than before.
+  void addition(const std::string& list, PluginKeeper::Command work, Added added);
+
   using Heard = std::function<void(std::int32_t volume, const Failed& failed)>;
   /// How loud the player is: 0 to 100.
   void volume(Heard heard);

@@ -14,11 +14,31 @@ void PlaySource(base::Object& script, const std::string& name, const std::string
                         "The player could not play “" + name + "” (error " + std::to_string(result) + ")");
 }
 
+/// What lies outside of the library has its name and artist from the list alone: played by its address it
+/// would be called after that, and who adds it to a playlist would add it under that name.
+void PlayRow(PlayerLists& lists, const PlayerList& list, std::int32_t at) {
+  const ListedItem item = list.at(at);
+  const std::string name = list.name();
+  if (lists.findsByName(list, at)) {
+    // From then on the title's name leads to how this list spells it.
+    lists.script().invoke("GetMediaInfo", "PlayList", name, item.name);
+    if (base::ToInt32(lists.script().invoke("Play", "PlayList", name, item.name)) == 0) return;
+  }
+  if (lists.isInLibrary(item)) return PlaySource(lists.script(), item.name, item.source);
+  // What is added to a playlist from now on is looked for in this one.
+  lists.script().invoke("Play", "PlayList", name);
+  lists.play(list.mediaAt(at));
+}
+
+std::int32_t LengthOf(const std::optional<PlayerList>& list) { return list ? list->count() : 0; }
+
 /// Leaves in the list what the artist has in it; a list that answers a question belongs to who has asked.
 void KeepOnly(PlayerList& list, const std::string& artist) {
   const std::vector<Title> titles = list.titles(0, list.count());
-  for (auto at = static_cast<std::int32_t>(titles.size()) - 1; at >= 0; --at)
-    if (!IsBy(titles[static_cast<std::size_t>(at)], artist)) list.removeAt(at);
+  std::vector<std::int32_t> others;
+  for (std::size_t at = 0; at < titles.size(); ++at)
+    if (!IsBy(titles[at], artist)) others.push_back(static_cast<std::int32_t>(at));
+  if (!others.empty()) list.removeAll(others);
 }
 
 }  // namespace
@@ -29,7 +49,9 @@ void PlayerLibrary::play(const TitleAddress& title, Played played) {
   ask(
       [title](PlayerLists& lists) {
         const PlayerList list = groupOf(lists, title.category, title.group);
-        PlaySource(lists.script(), title.name, list.sourceAt(list.placeOf(title)));
+        const std::int32_t at = list.placeOf(title);
+        if (title.category == "PlayList") return PlayRow(lists, list, at);
+        PlaySource(lists.script(), title.name, list.sourceAt(at));
       },
       std::move(played));
 }
@@ -49,6 +71,24 @@ void PlayerLibrary::play(const std::string& category, const std::string& group, 
         if (!itself || result != 0) lists.play(list);
       },
       std::move(played));
+}
+
+// The plug-in adds what was chosen to be played, and says only to the log what has become of it. So the list
+// itself is looked at.
+void PlayerLibrary::addition(const std::string& list, PluginKeeper::Command work, Added added) {
+  const auto title = std::make_shared<std::optional<std::string>>();
+  plugin_.command(
+      [this, list, title, work = std::move(work)](base::Object& vxif) {
+        PlayerLists lists(script());
+        const std::int32_t before = LengthOf(lists.find(list));
+        work(vxif);
+        const std::optional<PlayerList> now = lists.find(list);
+        if (const std::int32_t after = LengthOf(now); after > before) *title = now->nameAt(after - 1);
+      },
+      [this, title, added = std::move(added)](const std::string& failure) {
+        if (*title) forget("PlayList");
+        added(*title, {failure});
+      });
 }
 
 void PlayerLibrary::volume(Heard heard) {

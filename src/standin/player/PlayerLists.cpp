@@ -83,8 +83,9 @@ std::string PlayerList::nameAt(std::int32_t at) const { return TextOf(mediaAt(at
 std::string PlayerList::sourceAt(std::int32_t at) const { return TextOf(mediaAt(at), "sourceURL"); }
 
 ListedItem PlayerList::at(std::int32_t at) const {
-  const base::ObjectRef media = mediaAt(at);
-  return {TextOf(media, "name"), TextOf(media, "sourceURL")};
+  const std::vector<Title> here = at < 0 ? std::vector<Title>() : titles(at, 1);
+  if (here.empty()) throw base::Failure(base::number::kIndex);
+  return ListedItem(here.front());
 }
 
 std::vector<Title> PlayerList::titles(std::int32_t from, std::int32_t count) const {
@@ -139,15 +140,10 @@ std::int32_t PlayerList::placeOf(const TitleAddress& title) const {
   return *nearest;
 }
 
-void PlayerList::insert(std::int32_t at, const base::ObjectRef& media) {
-  if (at == count()) {
-    object_->invoke("appendItem", media);
-  } else {
-    object_->invoke("insertItem", at, media);
-  }
+void PlayerList::removeAll(const std::vector<std::int32_t>& places) {
+  object_->invoke("removeItems", base::Array(places.begin(), places.end()));
 }
 
-void PlayerList::removeAt(std::int32_t at) { object_->invoke("removeItem", mediaAt(at)); }
 void PlayerList::move(std::int32_t from, std::int32_t to) { object_->invoke("moveItem", from, to); }
 void PlayerList::rename(const std::string& name) { object_->put("name", base::Value(name)); }
 
@@ -202,6 +198,25 @@ bool PlayerLists::sharesKey(const std::string& category, const std::string& name
          1;
 }
 
+bool PlayerLists::findsByName(const PlayerList& list, std::int32_t at) {
+  const std::vector<std::string> names = list.names(0, list.count());
+  const std::string& name = names.at(static_cast<std::size_t>(at));
+  // The plug-in doubles quotes in what it looks up, and an empty title means the whole list.
+  if (name.empty() || name.find('"') != std::string::npos) return false;
+  const std::string key = KeyOf(name);
+  const auto taken = [&](const std::string& each) {
+    return key.empty() ? base::SameText(each, name) : KeyOf(each) == key;
+  };
+  return std::count_if(names.begin(), names.end(), taken) == 1 && !sharesKey("PlayList", list.name());
+}
+
+bool PlayerLists::isInLibrary(const ListedItem& item) {
+  const PlayerList named(base::ToObject(media()->invoke("getByName", item.name)));
+  const std::vector<Title> titles = named.titles(0, named.count());
+  return std::any_of(titles.begin(), titles.end(),
+                     [&](const Title& each) { return each.source == item.source; });
+}
+
 std::optional<PlayerList> PlayerLists::group(const std::string& category, const std::string& name) {
   if (base::SameText(category, "PlayList")) return find(name);
   if (base::SameText(category, "Media Library")) return PlayerList(base::ToObject(media()->call("getAll")));
@@ -224,10 +239,9 @@ void PlayerLists::play(const PlayerList& list) {
   base::Deref(player_->get("controls")).call("play");
 }
 
-base::ObjectRef PlayerLists::mediaOf(const std::string& source) {
-  base::ObjectRef found = base::ToObject(media()->invoke("add", source));
-  base::Deref(found);
-  return found;
+void PlayerLists::play(const base::ObjectRef& media) {
+  player_->put("currentMedia", media);
+  base::Deref(player_->get("controls")).call("play");
 }
 
 }  // namespace standin

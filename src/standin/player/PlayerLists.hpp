@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Object.hpp"
@@ -13,8 +14,14 @@ namespace standin {
 struct ListedItem {
   std::string name;
   std::string source;
-  std::string artist{};  ///< this and the length only of what may have to be told to the player anew
+  std::string artist{};
   double seconds = 0;
+
+  ListedItem() = default;
+  ListedItem(std::string name, std::string source, std::string artist = {}, double seconds = 0)
+      : name(std::move(name)), source(std::move(source)), artist(std::move(artist)), seconds(seconds) {}
+  explicit ListedItem(const Title& title)
+      : ListedItem(title.name, title.source, title.artist, title.seconds) {}
   bool operator==(const ListedItem&) const = default;
 };
 
@@ -38,11 +45,11 @@ class PlayerList {
   /// Grows by one with each title put in, taken out or moved, and by some number when titles may be shown as
   /// others; as long as it is the same, all of the list is.
   [[nodiscard]] std::int64_t revision() const;
-  /// Puts them in at one go: those whose source the player can't find now too, as they were.
+  /// Puts them in at one go: those whose source the player can't find now too, as they were. `at` may be the
+  /// count, for the end.
   void insert(std::int32_t at, const std::vector<ListedItem>& items);
-  /// `at` may be the count, for the end.
-  void insert(std::int32_t at, const base::ObjectRef& media);
-  void removeAt(std::int32_t at);
+  /// Takes those at these places out at one go; the places rise and count as before.
+  void removeAll(const std::vector<std::int32_t>& places);
   void move(std::int32_t from, std::int32_t to);
   void rename(const std::string& name);
   [[nodiscard]] const base::ObjectRef& object() const { return object_; }
@@ -66,13 +73,17 @@ class PlayerLists {
   void remove(const PlayerList& list);
   /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name, or all of "Media Library".
   std::optional<PlayerList> group(const std::string& category, const std::string& name);
-  /// The media of that source.
-  base::ObjectRef mediaOf(const std::string& source);
   /// Plays the titles of a list, which may be one of no name.
   void play(const PlayerList& list);
+  /// Plays this one item, with what its list says of it.
+  void play(const base::ObjectRef& media);
   /// Whether the plug-in, which knows names by their letters and digits alone, may take the name for
   /// another's.
   bool sharesKey(const std::string& category, const std::string& name);
+  /// Whether the plug-in, asked for a playlist's title by its name, takes the one at that place.
+  bool findsByName(const PlayerList& list, std::int32_t at);
+  /// Whether the library has it, and does not only hear of it from a playlist.
+  bool isInLibrary(const ListedItem& item);
   [[nodiscard]] base::Object& script() const { return *script_; }
 
  private:

@@ -23,15 +23,16 @@ bool IsBy(const Title& title, const std::string& artist);
 
 /// What tells the title from others of its name: a short text of its name and source that shows neither.
 std::string MarkOf(const std::string& name, const std::string& source);
+inline std::string MarkOf(const Title& title) { return MarkOf(title.name, title.source); }
 
 /// A title that somebody has seen at a place of a group; the place counts from 0. It is still that one where
 /// the mark is the same. The group "Media Library" has no name.
 struct TitleAddress {
-  std::string category;
-  std::string group;
+  std::string category{};
+  std::string group{};
   std::int32_t at = 0;
-  std::string name;
-  std::string mark;
+  std::string name{};
+  std::string mark{};
 };
 
 }  // namespace standin

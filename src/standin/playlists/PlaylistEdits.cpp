@@ -10,7 +10,10 @@ namespace {
 
 using base::Failure;
 
-constexpr std::size_t kMostAdded = 500;
+/// One call puts them in, and the player does nothing else meanwhile: for less than a second.
+constexpr std::size_t kMostAdded = 10'000;
+/// Each is looked for in the group.
+constexpr std::size_t kMostChosen = 500;
 
 [[noreturn]] void Collided(const std::string& why) {
   throw Failure(base::number::kChangedMeanwhile, why + ". Nothing was changed");
@@ -55,28 +58,34 @@ bool Fits(const List& list, const ListPlace& place) {
          SourceOrNone(list, place.at, count) == place.after;
 }
 
-std::size_t OnlyPlaceOf(const std::vector<std::string>& names, const std::string& title) {
-  const auto found = std::find(names.begin(), names.end(), title);
-  if (found == names.end()) Collided(Quoted(title) + " is no longer in the list");
-  if (std::find(found + 1, names.end(), title) != names.end())
+std::vector<std::string> MarksOf(const PlayerList& list, std::int32_t from, std::int32_t count) {
+  std::vector<std::string> marks;
+  for (const Title& title : list.titles(from, count)) marks.push_back(MarkOf(title));
+  return marks;
+}
+
+std::size_t OnlyPlaceOf(const std::vector<std::string>& marks, const std::string& mark,
+                        const std::string& title) {
+  const auto found = std::find(marks.begin(), marks.end(), mark);
+  if (found == marks.end()) Collided(Quoted(title) + " is no longer in the list");
+  if (std::find(found + 1, marks.end(), mark) != marks.end())
     Collided("The list has changed meanwhile, and there are several " + Quoted(title));
-  return static_cast<std::size_t>(found - names.begin());
+  return static_cast<std::size_t>(found - marks.begin());
 }
 
-std::int32_t PlaceNow(const PlayerList& list, std::int32_t at, const std::string& title) {
-  if (at >= 0 && at < list.count() && list.nameAt(at) == title) return at;
-  return static_cast<std::int32_t>(OnlyPlaceOf(list.names(0, list.count()), title));
+bool IsAt(const PlayerList& list, std::int32_t at, const std::string& mark) {
+  return at >= 0 && MarksOf(list, at, 1) == std::vector{mark};
 }
 
-/// The place between the titles that the user has seen on either side; `names` are without the title itself.
-std::size_t TargetNow(const std::vector<std::string>& names, const MoveOrder& order) {
-  const auto before = [&](std::size_t at) { return at == 0 ? !order.before : names[at - 1] == order.before; };
+/// The place between the titles that the user has seen on either side; `marks` are without the title itself.
+std::size_t TargetNow(const std::vector<std::string>& marks, const MoveOrder& order) {
+  const auto before = [&](std::size_t at) { return at == 0 ? !order.before : marks[at - 1] == order.before; };
   const auto after = [&](std::size_t at) {
-    return at == names.size() ? !order.after : names[at] == order.after;
+    return at == marks.size() ? !order.after : marks[at] == order.after;
   };
   std::vector<std::size_t> both;
   std::vector<std::size_t> one;
-  for (std::size_t at = 0; at <= names.size(); ++at) {
+  for (std::size_t at = 0; at <= marks.size(); ++at) {
     const int sides = (before(at) ? 1 : 0) + (after(at) ? 1 : 0);
     if (sides == 2) both.push_back(at);
     if (sides == 1) one.push_back(at);
@@ -88,36 +97,21 @@ std::size_t TargetNow(const std::vector<std::string>& names, const MoveOrder& or
   Collided("The list has changed meanwhile, and " + Quoted(order.title) + " has no clear place in it");
 }
 
-void TakeOut(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
-  const auto size = static_cast<std::int32_t>(items.size());
-  if (place.at + size > list.count()) Collided(Quoted(items.back().name) + " is no longer where it was put");
-  for (std::int32_t i = 0; i < size; ++i) {
-    const ListedItem& item = items[static_cast<std::size_t>(i)];
-    if (list.sourceAt(place.at + i) != item.source)
-      Collided(Quoted(item.name) + " is no longer where it was put");
-  }
-  for (std::int32_t i = size; i > 0; --i) list.removeAt(place.at + i - 1);
+std::vector<std::string> SourcesOf(const PlayerList& list, std::int32_t from, std::int32_t count) {
+  std::vector<std::string> sources;
+  for (Title& title : list.titles(from, count)) sources.push_back(std::move(title.source));
+  return sources;
 }
 
-/// Puts all of them in or none. Where not even that can be kept, `items` are those that are there now.
-void PutIn(PlayerLists& lists, PlayerList list, std::int32_t at, std::vector<ListedItem>& items,
-           std::vector<base::ObjectRef> media = {}) {
-  std::size_t done = 0;
-  try {
-    if (media.size() != items.size()) {
-      media.clear();
-      for (const ListedItem& item : items) media.push_back(lists.mediaOf(item.source));
-    }
-    for (; done < items.size(); ++done) list.insert(at + static_cast<std::int32_t>(done), media[done]);
-  } catch (const Failure& failure) {
-    if (failure.number() == base::number::kHostGone) throw;
-    try {
-      for (; done > 0; --done) list.removeAt(at + static_cast<std::int32_t>(done) - 1);
-    } catch (const Failure&) {  // the failure told is the first
-    }
-    items.resize(done);
-    throw;
+void TakeOut(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
+  const std::vector<std::string> there = SourcesOf(list, place.at, static_cast<std::int32_t>(items.size()));
+  std::vector<std::int32_t> places;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i >= there.size() || there[i] != items[i].source)
+      Collided(Quoted(items[i].name) + " is no longer where it was put");
+    places.push_back(place.at + static_cast<std::int32_t>(i));
   }
+  list.removeAll(places);
 }
 
 PlayerList Existing(PlayerLists& lists, const std::string& name) {
@@ -126,10 +120,9 @@ PlayerList Existing(PlayerLists& lists, const std::string& name) {
   return *list;
 }
 
-void PutBack(PlayerLists& lists, const PlayerList& list, const ListPlace& place,
-             std::vector<ListedItem> items) {
+void PutBack(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
   if (!Fits(list, place)) Collided("The list has changed since around place " + std::to_string(place.at + 1));
-  PutIn(lists, list, place.at, items);
+  list.insert(place.at, items);
 }
 
 void MoveBack(PlayerList list, const ListedItem& item, std::int32_t from, const ListPlace& to) {
@@ -147,15 +140,9 @@ void RenameTo(PlayerLists& lists, const std::string& from, const std::string& to
   list->rename(to);
 }
 
-std::vector<std::string> SourcesOf(const PlayerList& list) {
-  std::vector<std::string> sources;
-  for (Title& title : list.titles(0, list.count())) sources.push_back(std::move(title.source));
-  return sources;
-}
-
 void RemoveAsItWas(PlayerLists& lists, const PlaylistStep& step) {
   const PlayerList list = Existing(lists, step.oldName);
-  const std::vector<std::string> sources = SourcesOf(list);
+  const std::vector<std::string> sources = SourcesOf(list, 0, list.count());
   const bool same =
       std::equal(step.items.begin(), step.items.end(), sources.begin(), sources.end(),
                  [](const ListedItem& item, const std::string& source) { return item.source == source; });
@@ -171,21 +158,21 @@ PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order) {
   step.count = list.count();
   std::int32_t from = order.from;
   std::int32_t to = order.to;
-  const auto nameAround = [&](std::int32_t at) -> std::optional<std::string> {  // without the title itself
-    if (at < 0 || at >= step.count - 1) return std::nullopt;
-    return list.nameAt(at < from ? at : at + 1);
+  const auto isAround = [&](std::int32_t at, const std::optional<std::string>& mark) {
+    if (at < 0 || at >= step.count - 1) return !mark;  // without the title itself
+    return mark && IsAt(list, at < from ? at : at + 1, *mark);
   };
   const bool asSeen = from >= 0 && from < step.count && to >= 0 && to < step.count &&
-                      list.nameAt(from) == order.title && nameAround(to - 1) == order.before &&
-                      nameAround(to) == order.after;
+                      IsAt(list, from, order.mark) && isAround(to - 1, order.before) &&
+                      isAround(to, order.after);
   if (!asSeen) {
-    std::vector<std::string> names = list.names(0, step.count);
+    std::vector<std::string> marks = MarksOf(list, 0, step.count);
     const auto seen = static_cast<std::size_t>(std::max(from, 0));
     const std::size_t found =
-        seen < names.size() && names[seen] == order.title ? seen : OnlyPlaceOf(names, order.title);
-    names.erase(names.begin() + static_cast<std::ptrdiff_t>(found));
+        seen < marks.size() && marks[seen] == order.mark ? seen : OnlyPlaceOf(marks, order.mark, order.title);
+    marks.erase(marks.begin() + static_cast<std::ptrdiff_t>(found));
     from = static_cast<std::int32_t>(found);
-    to = static_cast<std::int32_t>(TargetNow(names, order));
+    to = static_cast<std::int32_t>(TargetNow(marks, order));
   }
   step.items = {list.at(from)};
   const Reduced reduced(list, from);
@@ -194,11 +181,14 @@ PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order) {
   return step;
 }
 
-PlaylistStep PlanRemove(const PlayerList& list, std::int32_t at, const std::string& title) {
+PlaylistStep PlanRemove(const PlayerList& list, const TitleAddress& title) {
   PlaylistStep step;
   step.kind = StepKind::kRemove;
   step.count = list.count();
-  const std::int32_t from = PlaceNow(list, at, title);
+  const std::int32_t from =
+      IsAt(list, title.at, title.mark)
+          ? title.at
+          : static_cast<std::int32_t>(OnlyPlaceOf(MarksOf(list, 0, step.count), title.mark, title.name));
   step.items = {list.at(from)};
   step.from = PlaceIn(Reduced(list, from), from);
   return step;
@@ -209,33 +199,20 @@ PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const Titl
   PlaylistStep step;
   step.kind = StepKind::kAdd;
   step.count = list.count();
-  const std::int32_t count = group.count();
-  const auto take = [&](std::int32_t at) {
-    const base::ObjectRef media = group.mediaAt(at);
-    step.items.push_back({base::ToText(media->get("name")), base::ToText(media->get("sourceURL"))});
-    step.media.push_back(media);
+  const std::size_t most = choice.all ? kMostAdded : kMostChosen;
+  const auto mayBe = [&](std::size_t wanted) {
+    if (wanted > most)
+      throw Failure(base::number::kInvalidArgument,
+                    "At most " + std::to_string(most) + " titles can be added at once");
+    if (wanted == 0) throw Failure(base::number::kInvalidArgument, "There is nothing to add");
   };
-  const std::size_t wanted = choice.all ? static_cast<std::size_t>(count) : choice.titles.size();
-  if (wanted > kMostAdded) {
-    throw Failure(base::number::kInvalidArgument,
-                  "At most " + std::to_string(kMostAdded) + " titles can be added at once");
-  }
-  if (wanted == 0) throw Failure(base::number::kInvalidArgument, "There is nothing to add");
   if (choice.all) {
-    for (std::int32_t i = 0; i < count; ++i) take(i);
-  }
-  for (const TitleChoice::One& one : choice.all ? std::vector<TitleChoice::One>() : choice.titles) {
-    if (!one.mark.empty()) {
-      take(group.placeOf({{}, {}, one.at, one.title, one.mark}));
-      continue;
-    }
-    std::int32_t at = one.at;
-    if (at < 0 || at >= count || group.nameAt(at) != one.title) {
-      for (at = 0; at < count && group.nameAt(at) != one.title;) ++at;
-    }
-    if (at == count)
-      throw Failure(base::number::kElementNotFound, Quoted(one.title) + " is no longer in the library");
-    take(at);
+    for (const Title& title : group.titles(0, group.count()))
+      if (choice.by.empty() || IsBy(title, choice.by)) step.items.emplace_back(title);
+    mayBe(step.items.size());
+  } else {
+    mayBe(choice.titles.size());
+    for (const TitleAddress& one : choice.titles) step.items.push_back(group.at(group.placeOf(one)));
   }
   step.to = PlaceIn(list, std::clamp(to, 0, step.count));
   return step;
@@ -265,16 +242,15 @@ PlaylistStep PlanDelete(const PlayerList& list) {
   step.kind = StepKind::kDelete;
   step.oldName = list.name();
   step.count = list.count();
-  for (const Title& title : list.titles(0, step.count))
-    step.items.push_back({title.name, title.source, title.artist, title.seconds});
+  for (const Title& title : list.titles(0, step.count)) step.items.emplace_back(title);
   if (static_cast<std::int32_t>(step.items.size()) != step.count) Collided("The list has changed meanwhile");
   return step;
 }
 
-void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list) {
+void Take(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
-    case StepKind::kAdd: PutIn(lists, Existing(lists, list), step.to.at, step.items, step.media); return;
-    case StepKind::kRemove: Existing(lists, list).removeAt(step.from.at); return;
+    case StepKind::kAdd: Existing(lists, list).insert(step.to.at, step.items); return;
+    case StepKind::kRemove: Existing(lists, list).removeAll({step.from.at}); return;
     case StepKind::kMove: Existing(lists, list).move(step.from.at, step.to.at); return;
     case StepKind::kRename: Existing(lists, list).rename(step.newName); return;
     case StepKind::kCreate: lists.make(step.newName); return;
@@ -285,7 +261,7 @@ void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list) {
 void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
     case StepKind::kAdd: TakeOut(Existing(lists, list), step.to, step.items); return;
-    case StepKind::kRemove: PutBack(lists, Existing(lists, list), step.from, step.items); return;
+    case StepKind::kRemove: PutBack(Existing(lists, list), step.from, step.items); return;
     case StepKind::kMove: MoveBack(Existing(lists, list), step.items.front(), step.to.at, step.from); return;
     case StepKind::kRename: RenameTo(lists, step.newName, step.oldName); return;
     case StepKind::kCreate: {
@@ -305,7 +281,7 @@ void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
 
 void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
-    case StepKind::kAdd: PutBack(lists, Existing(lists, list), step.to, step.items); return;
+    case StepKind::kAdd: PutBack(Existing(lists, list), step.to, step.items); return;
     case StepKind::kRemove: TakeOut(Existing(lists, list), step.from, step.items); return;
     case StepKind::kMove: MoveBack(Existing(lists, list), step.items.front(), step.from.at, step.to); return;
     case StepKind::kRename: RenameTo(lists, step.oldName, step.newName); return;
@@ -317,18 +293,7 @@ void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
   }
 }
 
-std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
-  const std::optional<PlayerList> found = lists.find(list);
-  const std::int32_t added = found ? found->count() - step.count : 0;
-  if (added <= 0 || static_cast<std::size_t>(added) > step.items.size()) return 0;
-  for (std::int32_t i = 0; i < added; ++i) {
-    if (found->sourceAt(step.to.at + i) != step.items[static_cast<std::size_t>(i)].source) return 0;
-  }
-  return static_cast<std::size_t>(added);
-}
-
 bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
-  if (step.kind == StepKind::kAdd) return AddedOf(lists, step, list) == step.items.size();
   if (step.kind == StepKind::kRename) {
     const std::optional<PlayerList> found = lists.find(step.newName);
     return found && found->name() == step.newName;
@@ -340,6 +305,14 @@ bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& li
   if (!found) return false;
   const std::int32_t count = found->count();
   if (step.kind == StepKind::kRemove) return count == step.count - 1;
+  if (step.kind == StepKind::kAdd) {
+    const auto added = static_cast<std::int32_t>(step.items.size());
+    const std::vector<std::string> there = SourcesOf(*found, step.to.at, added);
+    return count == step.count + added &&
+           std::equal(
+               there.begin(), there.end(), step.items.begin(), step.items.end(),
+               [](const std::string& source, const ListedItem& item) { return source == item.source; });
+  }
   return step.to.at < count && found->sourceAt(step.to.at) == step.items.front().source &&
          PlaceIn(Reduced(*found, step.to.at), step.to.at) == step.to;
 }
@@ -358,7 +331,8 @@ PlayerList PlaylistRestore::open(PlayerLists& lists) {
   }
   // What an interrupted return has left are some of the titles in their order.
   std::size_t at = 0;
-  const std::vector<std::string> sources = resumed_ ? SourcesOf(*list) : std::vector<std::string>();
+  const std::vector<std::string> sources =
+      resumed_ ? SourcesOf(*list, 0, list->count()) : std::vector<std::string>();
   for (std::size_t i = 0; i < step_.items.size() && at < sources.size(); ++i) {
     there_[i] = sources[at] == step_.items[i].source;
     if (there_[i]) ++at;

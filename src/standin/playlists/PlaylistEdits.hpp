@@ -12,21 +12,18 @@ namespace standin {
 struct MoveOrder {
   std::int32_t from = 0;
   std::int32_t to = 0;
-  std::string title;
-  std::optional<std::string> before;  ///< the titles on either side afterwards; nothing at an end
+  std::string title;  ///< for messages; the mark says which it is
+  std::string mark;
+  std::optional<std::string>
+      before;  ///< the marks of the titles on either side afterwards; nothing at an end
   std::optional<std::string> after;
 };
 
-/// Which of a group's titles: all of them, or those at these places, with the names they are known by, and
-/// with their marks where others may have the same name.
+/// Which of a group's titles: these, or all that an artist has in it, or all.
 struct TitleChoice {
-  struct One {
-    std::int32_t at = 0;
-    std::string title;
-    std::string mark{};
-  };
   bool all = false;
-  std::vector<One> titles;
+  std::string by{};  ///< of all; empty for anybody's
+  std::vector<TitleAddress> titles{};
 };
 
 // The changes of a list, each as a step that knows how to be undone. `Plan…` reads what is there and changes
@@ -35,7 +32,7 @@ struct TitleChoice {
 // in the way.
 
 PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order);
-PlaylistStep PlanRemove(const PlayerList& list, std::int32_t at, const std::string& title);
+PlaylistStep PlanRemove(const PlayerList& list, const TitleAddress& title);
 /// `to` may be beyond the end.
 PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
                      std::int32_t to);
@@ -43,16 +40,12 @@ PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::s
 PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name);
 PlaylistStep PlanDelete(const PlayerList& list);
 
-/// What fails midway leaves in `step` what has been done.
-void Take(PlayerLists& lists, PlaylistStep& step, const std::string& list);
+/// Each is one change of the player's: what fails has not been done.
+void Take(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 /// All but the undoing of a deletion, which takes its time; see PlaylistRestore.
 void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
-/// How many of an addition's titles are there, from the first on, when nothing else of the list has changed;
-/// none otherwise.
-std::size_t AddedOf(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
-/// Whether the step's effect is there, as far as that can be told after the process that took it has ended;
-/// of an addition, all of it.
+/// Whether the step's effect is there, as far as that can be told after the process that took it has ended.
 bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& list);
 
 /// The undoing of a deletion, some titles at a time. All of them come back, those too whose files can't be

@@ -26,8 +26,6 @@ struct PlaylistStep {
   std::int32_t count = 0;         ///< the list's length before the step
   std::string oldName;            ///< of a renamed or deleted list
   std::string newName;            ///< of a renamed or created list
-  /// The items themselves, while the process that made the step has them; not stored.
-  std::vector<base::ObjectRef> media;
 };
 
 /// For storing. `StepOf` throws number 57 for a text that is none of these.

@@ -247,25 +247,19 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
         if (restoring_.contains(base::LowerCase(known)))
           throw base::Failure(base::number::kChangedMeanwhile, "The playlist is still on its way back");
         const std::int64_t before = list->revision();
-        PlaylistStep step = plan(lists, *list);
+        const PlaylistStep step = plan(lists, *list);
         const std::int64_t id = history_.begin(known, step);
-        std::optional<base::Failure> failure;
         try {
           Take(lists, step, known);
         } catch (...) {
-          failure = base::CurrentFailure();
-          const bool some = step.kind == StepKind::kAdd && !step.items.empty() &&
-                            failure->number() != base::number::kHostGone;
           // Whether a call that was never answered was carried out is seen when the player is back.
-          if (failure->number() == base::number::kHostGone) {
+          if (base::CurrentFailure().number() == base::number::kHostGone) {
             settled_ = false;
             forget(known);
-            throw;
-          }
-          if (!some) {
+          } else {
             history_.drop(id);
-            throw;
           }
+          throw;
         }
         history_.finish(id, step);
         follow(lists, step, false, known, before);
@@ -277,7 +271,6 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
           fill(lists, outcome, now);
         }
         outcome.said = WordsOf(step);
-        if (failure) throw base::Failure(*failure);
       },
       std::move(done));
 }
@@ -285,7 +278,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
 void Playlists::create(const std::string& name, Done done) {
   ask(
       [this, name](PlayerLists& lists, Outcome& outcome) {
-        PlaylistStep step = PlanCreate(lists, name);
+        const PlaylistStep step = PlanCreate(lists, name);
         const std::int64_t id = history_.begin(name, step);
         try {
           Take(lists, step, name);

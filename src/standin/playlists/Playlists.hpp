@@ -83,7 +83,7 @@ class Playlists {
 
   void ask(Work work, Done done);
   void settle(PlayerLists& lists);
-  void settle(PlayerLists& lists, PlaylistHistory::Entry entry);
+  void settle(PlayerLists& lists, const PlaylistHistory::Entry& entry);
   void tellSteps(Outcome& outcome, const std::string& list);
   /// The list as it is kept; it is the one used last now. Null for one that isn't.
   Kept* kept(const std::string& name);

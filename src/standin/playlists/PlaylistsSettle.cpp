@@ -1,6 +1,4 @@
 // Steps that were under way when the player or this process ended: what is there tells how far they came.
-#include <utility>
-
 #include "base/Failure.hpp"
 #include "standin/playlists/Playlists.hpp"
 
@@ -8,10 +6,10 @@ namespace standin {
 
 void Playlists::settle(PlayerLists& lists) {
   if (settled_) return;
-  for (PlaylistHistory::Entry& entry : history_.unsettled()) {
+  for (const PlaylistHistory::Entry& entry : history_.unsettled()) {
     const std::string words = WordsOf(entry.step);
     try {
-      settle(lists, std::move(entry));
+      settle(lists, entry);
     } catch (const base::Failure& failure) {
       if (failure.number() == base::number::kHostGone) throw;
       // It keeps nobody from the other lists, and is looked at again by the next process.
@@ -21,17 +19,9 @@ void Playlists::settle(PlayerLists& lists) {
   settled_ = true;
 }
 
-void Playlists::settle(PlayerLists& lists, PlaylistHistory::Entry entry) {
+void Playlists::settle(PlayerLists& lists, const PlaylistHistory::Entry& entry) {
   const bool beginning = entry.state == PlaylistHistory::State::kBeginning;
-  bool taken = false;
-  if (entry.step.kind == StepKind::kAdd) {
-    // Titles go in one by one and out again from the last: those that are there are a step of their own.
-    const std::size_t added = AddedOf(lists, entry.step, entry.list);
-    taken = added > 0;
-    if (taken) entry.step.items.resize(added);
-  } else {
-    taken = IsTaken(lists, entry.step, entry.list);
-  }
+  const bool taken = IsTaken(lists, entry.step, entry.list);
   if (beginning && taken) {
     history_.finish(entry.id, entry.step);
   } else if (beginning) {

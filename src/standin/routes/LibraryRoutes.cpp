@@ -127,7 +127,8 @@ void Play(const Music& music, const WebCall& call, const Reply& reply) {
   const std::string category = CategoryIn(call.json.at("category").get<std::string>());
   const auto group = call.json.at("name").get<std::string>();
   const auto done = [reply](const PlayerLibrary::Failed& failed) { reply(OutcomeOf(failed)); };
-  if (call.json.contains("mark")) {
+  // A title that is not clear is no wish for all of them.
+  if (call.json.contains("mark") || call.json.contains("title") || call.json.contains("at")) {
     const TitleAddress title{category, group, call.json.at("at").get<std::int32_t>(),
                              call.json.at("title").get<std::string>(),
                              call.json.at("mark").get<std::string>()};

@@ -58,43 +58,35 @@ Playlists::Plan Moving(const Json& json) {
   order.from = json.at("from").get<std::int32_t>();
   order.to = json.at("to").get<std::int32_t>();
   order.title = json.at("title").get<std::string>();
+  order.mark = json.at("mark").get<std::string>();
   order.before = Neighbour(json, "before");
   order.after = Neighbour(json, "after");
   return [order](PlayerLists&, const PlayerList& list) { return PlanMove(list, order); };
 }
 
-Playlists::Plan Removing(const Json& json) {
-  const auto at = json.at("at").get<std::int32_t>();
-  const auto title = json.at("title").get<std::string>();
-  return [at, title](PlayerLists&, const PlayerList& list) { return PlanRemove(list, at, title); };
+/// The very title of a row.
+TitleAddress TitleIn(const Json& json) {
+  return {.at = json.at("at").get<std::int32_t>(),
+          .name = json.at("title").get<std::string>(),
+          .mark = json.at("mark").get<std::string>()};
 }
 
-/// What an artist has in the group.
-TitleChoice ChoiceBy(const PlayerList& group, const std::string& by) {
-  TitleChoice choice;
-  const std::vector<Title> all = group.titles(0, group.count());
-  for (std::size_t i = 0; i < all.size(); ++i)
-    if (IsBy(all[i], by)) choice.titles.push_back({static_cast<std::int32_t>(i), all[i].name, {}});
-  return choice;
+Playlists::Plan Removing(const Json& json) {
+  return [title = TitleIn(json)](PlayerLists&, const PlayerList& list) { return PlanRemove(list, title); };
 }
 
 Playlists::Plan Adding(const Json& json) {
   constexpr std::int32_t kEnd = std::numeric_limits<std::int32_t>::max();
   const auto category = json.at("category").get<std::string>();
   const auto group = json.at("group").get<std::string>();
-  const auto by = json.value("by", std::string());
-  TitleChoice choice;
-  choice.all = !json.contains("titles") && by.empty();
-  if (json.contains("titles")) {
-    for (const Json& each : json.at("titles"))
-      choice.titles.push_back({each.at("at").get<std::int32_t>(), each.at("title").get<std::string>(),
-                               each.value("mark", std::string())});
-  }
+  TitleChoice choice{.all = !json.contains("titles"), .by = json.value("by", std::string())};
+  if (!choice.all)
+    for (const Json& each : json.at("titles")) choice.titles.push_back(TitleIn(each));
   const auto to = json.value("to", kEnd);
-  return [category, group, by, choice, to](PlayerLists& lists, const PlayerList& list) {
+  return [category, group, choice, to](PlayerLists& lists, const PlayerList& list) {
     const std::optional<PlayerList> from = lists.group(category, group);
     if (!from) throw base::Failure(base::number::kElementNotFound, "The player can't find “" + group + "”");
-    return PlanAdd(list, *from, by.empty() ? choice : ChoiceBy(*from, by), to);
+    return PlanAdd(list, *from, choice, to);
   };
 }
 

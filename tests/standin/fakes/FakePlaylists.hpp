@@ -24,7 +24,7 @@ class FakePlaylists {
   };
   using Names = std::vector<std::string>;
 
-  /// What the library has; an "add" of anything else fails.
+  /// What the library has.
   std::vector<Title> library;
   /// What a category's groups hold, "Album/Blue"; of others, the titles whose source begins with the name.
   std::map<std::string, std::vector<Title>> groups;
@@ -40,7 +40,25 @@ class FakePlaylists {
   void dieAfter(int changes) {
     locked([&] { changesLeft_ = changes; });
   }
-  void comeBack() { dieAfter(-1); }
+  /// The last of them is made, but its caller does not hear of it.
+  void dieBehind(int changes) {
+    locked([&] {
+      changesLeft_ = changes;
+      heard_ = false;
+    });
+  }
+  void comeBack() {
+    locked([&] {
+      changesLeft_ = -1;
+      heard_ = true;
+    });
+  }
+  /// How many changes have been made, of whatever size.
+  [[nodiscard]] int changes() {
+    int count = 0;
+    locked([&] { count = changes_; });
+    return count;
+  }
   /// The list's length can't be read, or can again.
   void spoil(const std::string& list, bool value) {
     locked([&] { found(list)->spoilt = value; });
@@ -83,7 +101,7 @@ class FakePlaylists {
     });
     return names;
   }
-  /// The sources of the list that was played last.
+  /// The sources of what was played last through the raw player.
   [[nodiscard]] Names played() {
     Names sources;
     locked([&] {
@@ -110,8 +128,16 @@ class FakePlaylists {
          operation("remove", {reference("playlist")}, [this](base::Args& args) { return remove(args[0]); })});
     const auto media = object(
         "MediaCollection",
-        {operation("add", {text("url")}, [this](base::Args& args) { return add(base::ToText(args[0])); }),
-         operation("getAll", {}, [this](base::Args&) { return temporary("", library); }),
+        {operation("getAll", {}, [this](base::Args&) { return temporary("", library); }),
+         operation("getByName", {text("name")},
+                   [this](base::Args& args) {
+                     std::vector<Title> named;
+                     std::copy_if(library.begin(), library.end(), std::back_inserter(named),
+                                  [name = base::ToText(args[0])](const Title& each) {
+                                    return base::SameText(each.name, name);
+                                  });
+                     return temporary("", named);
+                   }),
          operation("getByAttribute", {text("attribute"), text("value")},
                    [this](base::Args& args) { return group(base::ToText(args[0]), base::ToText(args[1])); }),
          operation("getAttributeStringCollection", {text("attribute"), text("mediaType")},
@@ -123,10 +149,16 @@ class FakePlaylists {
       const std::lock_guard lock(mutex_);
       played_ = behind<ListRef>(value)->titles;
     };
-    return object("WMP9",
-                  {field("playlistCollection", [lists] { return base::Value(lists); }),
-                   field("mediaCollection", [media] { return base::Value(media); }),
-                   field("controls", [controls] { return base::Value(controls); }), std::move(current)});
+    base::Member one = field("currentMedia", [] { return Value(base::ObjectRef()); });
+    one.kind = base::MemberKind::kField;
+    one.writer = [this](const Value& value) {
+      const std::lock_guard lock(mutex_);
+      played_ = {titleBehind(value)};
+    };
+    return object("WMP9", {field("playlistCollection", [lists] { return base::Value(lists); }),
+                           field("mediaCollection", [media] { return base::Value(media); }),
+                           field("controls", [controls] { return base::Value(controls); }),
+                           std::move(current), std::move(one)});
   }
 
  private:
@@ -202,6 +234,11 @@ class FakePlaylists {
     if (refuses_) throw base::Failure(base::number::kPermissionDenied, "The disc is read-only");
     if (changesLeft_ == 0) throw base::Failure(base::number::kHostGone, "Message recipient disconnected");
     if (changesLeft_ > 0) --changesLeft_;
+    ++changes_;
+  }
+  void hear() const {
+    if (!heard_ && changesLeft_ == 0)
+      throw base::Failure(base::number::kHostGone, "Message recipient disconnected");
   }
 
   Value array(const std::vector<ListRef>& lists) {
@@ -222,11 +259,11 @@ class FakePlaylists {
     std::erase(lists_, behind<ListRef>(list));
     return {};
   }
-  Value add(const std::string& source) {
+  /// As the library has it, where it knows the source.
+  Title knownOr(const Title& title) {
     const auto known = std::find_if(library.begin(), library.end(),
-                                    [&](const Title& each) { return each.source == source; });
-    if (known == library.end()) throw base::Failure(base::number::kFileNotFound, source + " can't be found");
-    return show(*known);
+                                    [&](const Title& each) { return each.source == title.source; });
+    return known == library.end() ? title : *known;
   }
   Value temporary(const std::string& name, const std::vector<Title>& titles) {
     return show(std::make_shared<List>(List{name, titles}));
@@ -277,19 +314,6 @@ class FakePlaylists {
               texts.emplace_back(textOf(list->titles[i], base::ToText(field)));
           return Value(texts);
         }));
-    members.push_back(operation("appendItem", {reference("media")}, [this, list](base::Args& args) {
-      mayChange();
-      list->titles.push_back(titleBehind(args[0]));
-      ++list->revision;
-      return Value();
-    }));
-    members.push_back(
-        operation("insertItem", {number("index"), reference("media")}, [this, list, place](base::Args& args) {
-          mayChange();
-          list->titles.insert(place(args[0], list->titles.size() + 1), titleBehind(args[1]));
-          ++list->revision;
-          return Value();
-        }));
     members.push_back(operation(
         "insertItems", {number("index"), {"fields", base::Type::kTextList}, {"texts", base::Type::kTextList}},
         [this, list, place](base::Args& args) {
@@ -303,28 +327,35 @@ class FakePlaylists {
             if (field == "name") title.name = base::ToText(texts[i]);
             if (field == "sourceURL") title.source = base::ToText(texts[i]);
           }
+          for (Title& title : titles) title = knownOr(title);
           list->titles.insert(place(args[0], list->titles.size() + 1), titles.begin(), titles.end());
           list->revision += static_cast<std::int64_t>(titles.size());
+          hear();
           return Value();
         }));
     members.push_back(field("revision", [list] {
       mayRead(*list);
       return static_cast<double>(list->revision);
     }));
-    members.push_back(operation("removeItem", {reference("media")}, [this, list](base::Args& args) {
-      mayChange();
-      // The very item handed over, as long as it is where it was.
-      const auto& [title, at] = behind<Item>(args[0]);
-      auto here = list->titles.begin() + at;
-      if (static_cast<std::size_t>(at) >= list->titles.size() || here->source != title.source)
-        here = std::find_if(list->titles.begin(), list->titles.end(),
-                            [&, wanted = title.source](const Title& each) { return each.source == wanted; });
-      if (here == list->titles.end())
-        throw base::Failure(base::number::kInvalidArgument, "The item is not in the playlist");
-      list->titles.erase(here);
-      ++list->revision;
-      return Value();
-    }));
+    members.push_back(
+        operation("removeItems", {{"places", base::Type::kArray}}, [this, list](base::Args& args) {
+          mayChange();
+          const base::Array& places = args[0].array();
+          std::vector<Title> kept;
+          std::size_t next = 0;
+          for (std::size_t i = 0; i < list->titles.size(); ++i) {
+            if (next < places.size() && base::ToInt32(places[next]) == static_cast<std::int32_t>(i)) {
+              ++next;
+            } else {
+              kept.push_back(list->titles[i]);
+            }
+          }
+          if (next < places.size()) throw base::Failure(base::number::kIndex);
+          list->titles = std::move(kept);
+          list->revision += static_cast<std::int64_t>(places.size());
+          hear();
+          return Value();
+        }));
     members.push_back(operation("moveItem", {number("oldIndex"), number("newIndex")},
                                 [this, list, place](base::Args& args) {
                                   mayChange();
@@ -365,6 +396,8 @@ class FakePlaylists {
   std::vector<Title> played_;
   bool refuses_ = false;
   int changesLeft_ = -1;  ///< no end of them
+  int changes_ = 0;
+  bool heard_ = true;
   int asked_ = 0;
 };
 

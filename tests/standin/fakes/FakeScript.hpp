@@ -96,7 +96,9 @@ inline base::ObjectRef MakeFakeScript(const FakeLibrary& library,
        [library, note](Args& args) {
          const std::string group = base::ToText(args[0]) + "/" + base::ToText(args[1]);
          note("Play " + group + "/" + base::ToText(args[2]));
-         const bool known = group == "URL/" || library.groups.find(group) != library.groups.end();
+         const std::string name = base::ToText(args[1]);
+         const bool list = group == "PlayList/" + name && library.playlists && library.playlists->has(name);
+         const bool known = list || group == "URL/" || library.groups.find(group) != library.groups.end();
          return Value(std::int32_t{known ? 0 : -1});
        }});
   members.push_back({"Fail", MemberKind::kOperation, {}, Type::kNone, [](Args&) -> Value {

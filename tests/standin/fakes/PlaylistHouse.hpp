@@ -8,6 +8,7 @@
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
+#include "standin/player/Title.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
@@ -53,9 +54,23 @@ class PlaylistHouse : public testing::Test {
     return status;
   }
   int move(int from, int to, const std::string& title, const json& before, const json& after) {
-    return act("move", {{"from", from}, {"to", to}, {"title", title}, {"before", before}, {"after", after}});
+    const auto marked = [&](const json& name) { return name.is_null() ? name : json(mark(at(name))); };
+    return act("move", {{"from", from},
+                        {"to", to},
+                        {"title", title},
+                        {"mark", mark(at(title))},
+                        {"before", marked(before)},
+                        {"after", marked(after)}});
   }
-  int remove(int place, const std::string& title) { return act("remove", {{"at", place}, {"title", title}}); }
+  int remove(int place, const std::string& title) { return act("remove", row(place, at(title))); }
+  /// What tells a row's title from others of its name.
+  static std::string mark(const FakePlaylists::Title& title) {
+    return standin::MarkOf(title.name, title.source);
+  }
+  /// A row as a page posts it.
+  static json row(int place, const FakePlaylists::Title& title) {
+    return {{"at", place}, {"title", title.name}, {"mark", mark(title)}};
+  }
   int turn(const std::string& action, const std::string& name = "Mine") {
     return act(action, {{"name", name}});
   }

@@ -236,6 +236,33 @@ TEST_F(LibraryPage, APlaylistsTitlesTellWhatTheyAre) {
   EXPECT_EQ(timesAsked("Play URL///music/Björk/Debut/Intro"), 1);
 }
 
+TEST_F(LibraryPage, ARowOfAPlaylistIsPlayedAsThePlaylistNamesIt) {
+  waitReady();
+  raw->put("Mine", {raw->library[1], {"Outside", "/elsewhere/plain.flac"}, {"Radio", "http://radio/live"}});
+  const json page = web.json("/api/playlist?group=mine&limit=10");
+  EXPECT_EQ(web.post("/api/play", order(page, 1, "PlayList", "mine")), 200);
+  EXPECT_EQ(timesAsked("Play PlayList/Mine/Outside"), 1);
+  EXPECT_EQ(web.post("/api/play", order(page, 2, "PlayList", "mine")), 200);
+  EXPECT_EQ(timesAsked("Play PlayList/Mine/Radio"), 1);
+  EXPECT_TRUE(raw->played().empty());
+}
+
+TEST_F(LibraryPage, OfTwoRowsWithTheLettersOfOneNameEachIsPlayedForItself) {
+  waitReady();
+  raw->put("Mine", {{"Outside", "/elsewhere/1.flac"}, {"Outside!", "/elsewhere/2.flac"}});
+  const json page = web.json("/api/playlist?group=Mine&limit=10");
+  EXPECT_EQ(web.post("/api/play", order(page, 1, "PlayList", "Mine")), 200);
+  EXPECT_EQ(raw->played(), FakePlaylists::Names{"/elsewhere/2.flac"});
+  EXPECT_EQ(timesAsked("Play PlayList/Mine/"), 1) << "for those who add it to a playlist";
+}
+
+TEST_F(LibraryPage, ATitleWithoutItsMarkIsNoWishForAllOfTheGroup) {
+  waitReady();
+  EXPECT_EQ(web.post("/api/play", {{"category", "Genre"}, {"name", "Folk"}, {"title", "Intro"}}), 400);
+  EXPECT_EQ(web.post("/api/play", {{"category", "Genre"}, {"name", "Folk"}, {"at", 1}}), 400);
+  EXPECT_EQ(timesAsked("Play Genre/Folk/"), 0);
+}
+
 TEST_F(LibraryPage, TheTitleThatWasChosenIsAdded) {
   waitReady();
   raw->put("Mine", {});

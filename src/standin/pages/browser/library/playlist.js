@@ -229,15 +229,15 @@ export class PlaylistPage {
   #move(from, to, byKey) {
     const list = this.#list;
     const title = list.known(from)?.name ?? 'The title';
-    const nameAt = async (index) => (await list.nameAt(index < from ? index : index + 1))?.name ?? null;  // without it
-    const around = Promise.all([to > 0 ? nameAt(to - 1) : null, to < list.total() - 1 ? nameAt(to) : null]);
+    const rowAt = (index) => list.nameAt(index < from ? index : index + 1);  // without the title itself
+    const seen = Promise.all([list.nameAt(from), to > 0 ? rowAt(to - 1) : null, to < list.total() - 1 ? rowAt(to) : null]);
     list.move(from, to);
     if (byKey) list.focusRow(to, 0);
     else list.rowAt(to)?.classList.add('landed');
     const place = `Place ${to + 1} of ${list.total()}`;
     this.#changes.send('move', async () => {
-      const [before, after] = await around;
-      return {from, to, title, before, after};
+      const [moved, before, after] = await seen;
+      return {from, to, title, mark: moved.mark, before: before?.mark ?? null, after: after?.mark ?? null};
     }, `${short(title)}: ${place}`);
     if (byKey) this.#say(`${short(title)}: ${place}`);
   }
@@ -247,7 +247,7 @@ export class PlaylistPage {
     const button = [...list.rowAt(index)?.querySelectorAll('button') ?? []].indexOf(document.activeElement);
     list.remove(index);
     if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(button, 0));
-    this.#changes.send('remove', async () => ({at: place, title: title.name}));
+    this.#changes.send('remove', async () => orderOf(title, place));
     const undo = whileShown(this.#context.signal, () => this.#turn('undo'));
     toastWithButton(`Removed ${short(title.name)}`, 'Undo', undo, 5000);  // which is read out as well
   }
