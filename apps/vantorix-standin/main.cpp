@@ -111,7 +111,7 @@ int Serve(const Options& options) {
     Visitors visitors(house.users, local);
     WebApi api(
         visitors, gate,
-        Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin),
+        Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin, library),
                 DialogRoutes(dialog), EventRoutes({house, rules, history, words, events.control(), scripts}),
                 LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
                 ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),

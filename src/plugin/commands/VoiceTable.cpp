@@ -50,6 +50,12 @@ const VoiceRow kVoiceTable[] = {
 
 }  // namespace
 
+std::vector<std::string> VoicePhrases() {
+  std::vector<std::string> phrases;
+  for (const VoiceRow& row : kVoiceTable) phrases.emplace_back(row.phrase);
+  return phrases;
+}
+
 void ActOnVoiceCommand(const std::string& command, player::WMPCalls& calls, LibraryCalls& library,
                        HostServices& host) {
   const std::string spoken = base::LowerCase(command);

@@ -1,11 +1,15 @@
 #pragma once
 #include <string>
+#include <vector>
 
 #include "player/WMPCalls.hpp"
 #include "plugin/host/HostServices.hpp"
 #include "plugin/host/Neighbours.hpp"
 
 namespace plugin {
+
+/// The phrases in the order in which they are looked for.
+std::vector<std::string> VoicePhrases();
 
 /// Acts on the first phrase of the voice table that occurs anywhere in `command`, also inside a longer word.
 /// Failures are skipped.

@@ -1,6 +1,10 @@
 // What the pages ask of the plug-in: buttons, devices, menu, voice.
+#include <algorithm>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "base/Failure.hpp"
 #include "standin/house/EventStore.hpp"
@@ -11,21 +15,41 @@
 namespace standin {
 namespace {
 
+/// The button that adds what was played to the player's own playlist, and that playlist.
+constexpr const char* kAddButton = "Add to PlayList";
+constexpr const char* kOwnList = "Vantorix";
+/// How what the plug-in tells the log of its player begins.
+constexpr const char* kOfPlayer = "Media Player";
+constexpr std::size_t kErrorsLookedAt = 20;
+
 /// What the commands of this area work with.
 struct Parts {
   House& house;
   HouseObjects& objects;
   PluginKeeper& plugin;
+  PlayerLibrary& library;
 };
 
 PluginKeeper::Done Answering(const Reply& reply) {
   return [reply](const std::string& failure) { reply(OutcomeOf(failure)); };
 }
 
+/// Has what may add to the player's own playlist done, and tells what it has added.
+void Add(const Parts& parts, PluginKeeper::Command work, const Reply& reply) {
+  parts.library.addition(
+      kOwnList, std::move(work),
+      [reply](const std::optional<std::string>& title, const PlayerLibrary::Failed& failed) {
+        if (!failed.text.empty()) return reply(OutcomeOf(failed.text));
+        if (!title)
+          return reply(Refusal(409, "Nothing was added: choose something of the library to play first"));
+        reply(Told({{"added", *title}, {"list", kOwnList}, {"done", "Added " + *title + " to " + kOwnList}}));
+      });
+}
+
 /// Gives the plug-in what the device is to be told, and says what of it can't be done.
 void TellDevice(const Parts& parts,
                 const std::function<PluginKeeper::Command(const DeviceCommands& tells)>& what,
-                const Reply& reply) {
+                const Reply& reply, bool adds = false) {
   PluginKeeper::Command command;
   try {
     command = what(DeviceCommands(parts.house, parts.objects));
@@ -34,6 +58,7 @@ void TellDevice(const Parts& parts,
     if (failure.number() == base::number::kInvalidArgument) return reply(Refusal(400, failure.description()));
     throw;
   }
+  if (adds) return Add(parts, std::move(command), reply);
   parts.plugin.command(std::move(command), Answering(reply));
 }
 
@@ -41,7 +66,8 @@ void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto caption = call.json.at("caption").get<std::string>();
   const auto ref = call.json.at("ref").get<std::int32_t>();
   TellDevice(
-      parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); }, reply);
+      parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); }, reply,
+      caption == kAddButton);
 }
 
 void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
@@ -83,23 +109,31 @@ void TakeVoice(const Parts& parts, const WebCall& call, const Reply& reply) {
     targets.push_back({parts.objects.device(ref), device.hc, device.dc});
   }
   // The text is set when its turn comes: another one may be waiting before it.
-  parts.plugin.command(
-      [&house = parts.house, text, targets](base::Object& vxif) {
-        house.lastVoiceCommand = text;
-        for (const Target& each : targets) {
-          const std::int16_t none = 0;
-          vxif.invoke("SetIO", each.object, each.hc, each.dc, kFuncVoice, none, none, none);
-        }
-      },
-      [reply, said = act.said](const std::string& failure) {
-        reply(failure.empty() ? Told({{"done", said}}) : OutcomeOf(failure));
-      });
+  const auto line = std::make_shared<std::int64_t>(0);
+  const PluginKeeper::Command say = [&house = parts.house, text, targets, line](base::Object& vxif) {
+    *line = house.log.lastId();
+    house.lastVoiceCommand = text;
+    for (const Target& each : targets) {
+      const std::int16_t none = 0;
+      vxif.invoke("SetIO", each.object, each.hc, each.dc, kFuncVoice, none, none, none);
+    }
+  };
+  if (act.adds) return Add(parts, say, reply);
+  parts.plugin.command(say, [&house = parts.house, reply, line, said = act.said](const std::string& failure) {
+    if (!failure.empty()) return reply(OutcomeOf(failure));
+    // The player answers nothing: what it could not do it has told the log meanwhile.
+    const std::vector<LogLine> errors = house.log.newest(kErrorsLookedAt, "Error");
+    const auto error = std::find_if(errors.begin(), errors.end(), [&](const LogLine& each) {
+      return each.id > *line && each.text.starts_with(kOfPlayer);
+    });
+    reply(error != errors.end() ? Refusal(409, error->text) : Told({{"done", said}}));
+  });
 }
 
 }  // namespace
 
-Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin) {
-  const auto with = [parts = Parts{house, objects, plugin}](auto handle) {
+Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library) {
+  const auto with = [parts = Parts{house, objects, plugin, library}](auto handle) {
     return Later{[parts, handle](const WebCall& call, const Reply& reply) { handle(parts, call, reply); }};
   };
   return {{Method::kPost, "/api/press", Role::kGuest, with(Press)},

@@ -1,8 +1,10 @@
 // The house's state, its log, the values of a device, the start of its plug-in.
+#include <algorithm>
 #include <utility>
 
-#include "base/Text.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/player/Folding.hpp"
+#include "standin/player/SearchTable.hpp"
 #include "standin/routes/Routes.hpp"
 
 namespace standin {
@@ -46,14 +48,15 @@ WebAnswer StateOf(const House& house, const PluginKeeper& plugin, const Visitors
 WebAnswer ValuesOf(const House& house, std::int32_t ref, const std::string& sought) {
   const Device* device = house.devices.byRef(ref);
   if (device == nullptr) return Refusal(404, "There is no such device");
-  const std::string folded = base::LowerCase(sought);
+  const std::vector<ValueEntry> entries = SplitValues(device->values);
+  SearchTable table;
+  table.reserve(entries.size());
+  for (const ValueEntry& entry : entries) table.add({entry.name});
+  const std::vector<std::uint32_t> places = table.find(SoughtWords(sought));
   Json found = Json::array();
-  std::size_t total = 0;
-  for (const ValueEntry& entry : SplitValues(device->values)) {
-    const bool fits = folded.empty() || base::LowerCase(entry.name).find(folded) != std::string::npos;
-    if (fits && ++total <= kMostValues) found.push_back({{"name", entry.name}, {"value", entry.value}});
-  }
-  return Told({{"values", std::move(found)}, {"total", total}});
+  for (std::size_t i = 0; i < std::min(places.size(), kMostValues); ++i)
+    found.push_back({{"name", entries[places[i]].name}, {"value", entries[places[i]].value}});
+  return Told({{"values", std::move(found)}, {"total", places.size()}});
 }
 
 WebAnswer LinesOf(House& house, const std::string& type, std::int64_t before) {

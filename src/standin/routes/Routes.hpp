@@ -24,7 +24,7 @@ namespace standin {
 /// The house's state, its log, the values of a device, the start of its plug-in.
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
 /// Buttons, devices, menu and voice.
-Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin);
+Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library);
 /// The dialogs of the plug-in's actions, triggers and conditions.
 Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.

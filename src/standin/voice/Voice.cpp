@@ -14,9 +14,10 @@ namespace {
 struct PlayerPhrase {
   const char* phrase;
   const char* said;
+  bool adds = false;
 };
 
-/// The first one found counts, so those with "no" stand before the plain ones.
+/// As the plug-in has them: the first one found counts, so those with "no" stand before the plain ones.
 constexpr std::array kPlayerPhrases{
     PlayerPhrase{"stop", "Stop"},
     PlayerPhrase{"resume", "Resume"},
@@ -36,10 +37,16 @@ constexpr std::array kPlayerPhrases{
     PlayerPhrase{"volume down", "Volume down"},
     PlayerPhrase{"no display controls", "Player window hidden"},
     PlayerPhrase{"display controls", "Player window shown"},
-    PlayerPhrase{"add to playlist", "Add to the playlist"},
+    PlayerPhrase{"add to playlist", "Add to the playlist", true},
 };
 
 }  // namespace
+
+std::vector<std::string> PlayerPhrases() {
+  std::vector<std::string> phrases;
+  for (const PlayerPhrase& each : kPlayerPhrases) phrases.emplace_back(each.phrase);
+  return phrases;
+}
 
 VoiceAct ActOfVoice(const House& house, const std::string& text) {
   VoiceAct act;
@@ -61,7 +68,7 @@ VoiceAct ActOfVoice(const House& house, const std::string& text) {
                    [&](const PlayerPhrase& each) { return spoken.find(each.phrase) != std::string::npos; });
   const Device* status = house.devices.byFullName("Media Player Status");
   if (found == kPlayerPhrases.end() || status == nullptr) return act;
-  return {{status->ref}, found->said};
+  return {{status->ref}, found->said, found->adds};
 }
 
 }  // namespace standin

@@ -19,11 +19,12 @@ namespace support {
 class FakePlugin {
  public:
   struct Manner {
-    std::function<bool()> ready{};  ///< whether InterfaceStatus says so; without it, always
-    std::function<void()> end;      ///< what ShutdownIO does besides
-    std::string refusal;            ///< what InitIO answers
-    std::function<void()> press;    ///< what a button does besides
-    FakeLibrary library{};          ///< what its script object knows
+    std::function<bool()> ready{};                  ///< whether InterfaceStatus says so; without it, always
+    std::function<void()> end;                      ///< what ShutdownIO does besides
+    std::string refusal;                            ///< what InitIO answers
+    std::function<void()> press;                    ///< what a button does besides
+    std::function<void(base::Object& host)> act{};  ///< what a device's command does besides
+    FakeLibrary library{};                          ///< what its script object knows
     std::function<void(base::Object& callback, base::Object& host, const base::ObjectRef& self)> init{};
     std::function<std::string(const std::string& link)> genPage{};  ///< in place of a line of its own
     std::function<std::string(const std::string& data)> pagePut{};
@@ -162,6 +163,7 @@ class FakePlugin {
                                                             base::ToText(base::Deref(args[0]).get("name"));
                                                         for (std::size_t i = 1; i < args.size(); ++i)
                                                           line += " " + base::ToText(args[i]);
+                                                        if (manner_.act) manner_.act(*host_);
                                                         note(line + " after " +
                                                              base::ToText(base::Deref(host_->call("System"))
                                                                               .get("LastVoiceCommand")));

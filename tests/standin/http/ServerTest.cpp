@@ -139,6 +139,34 @@ TEST_F(Server, CommandsReachThePlugin) {
   EXPECT_EQ(std::vector<std::string>(calls.begin() + 2, calls.end()), expected);
 }
 
+TEST_F(Server, TheValuesOfADeviceAreFoundByTheirWordsAsTheLibraryIs) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server);
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  plugin.withHost([](base::Object&, base::Object& host) {
+    host.invoke("DeviceValuesAdd", "Q12",
+                "Björk\x02"
+                "7\x01"
+                "Anna Cohen\x02"
+                "8",
+                true);
+  });
+  const auto found = [&](const std::string& sought) {
+    json names = json::array();
+    const std::string ref = std::to_string(refOf(web, "Quick Album"));
+    const json answer =
+        web.json("/api/values?ref=" + ref + "&q=" + httplib::detail::encode_query_param(sought));
+    for (const json& each : answer.at("values")) names.push_back(each.at("name"));
+    EXPECT_EQ(answer.at("total"), names.size());
+    return names;
+  };
+  EXPECT_EQ(found("bjork"), json({"Björk"}));
+  EXPECT_EQ(found("cohen anna"), json({"Anna Cohen"}));
+  EXPECT_EQ(found("anna bjork"), json::array());
+  EXPECT_EQ(found(""), json({"Björk", "Anna Cohen"}));
+}
+
 TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
   FakePlugin::Manner slow = furnishing();
   std::promise<void> enough;

@@ -29,7 +29,7 @@ export class DeviceCard {
     this.#changes++;
   }
 
-  template(device, devices) {
+  template(device) {
     const parts = partsOf(device);
     const words = wordsOf(parts);
     // Of two names of one movement the other begins it anew.
@@ -43,7 +43,7 @@ export class DeviceCard {
       <div class="status ${words ? '' : 'blank'}">${shownParts(parts)}${words ? nothing : html`<span class="quiet">—</span>`}</div>
       <div class="controls">${device.switchable ? switchOf(device) : nothing}${this.#valueOf(device)}${
         device.buttons.map((caption) => html`<button type="button"
-          @click=${(event) => pressed(event.currentTarget, device, caption, devices)}>${captionOf(device, caption)}</button>`)}</div>
+          @click=${(event) => pressed(event.currentTarget, device, caption)}>${captionOf(device, caption)}</button>`)}</div>
     </article>`;
   }
 

@@ -33,5 +33,5 @@ function page({state: {devices}, connected}, cardOf) {
     ${devices.size ? nothing : html`<div class="empty" id="no-devices"><p>No devices yet.</p>
       <p>They appear as soon as the player has started; the log tells how far it is.</p>
       <a class="way" href="/#log">To the log</a></div>`}
-    <div class="cards ${connected ? '' : 'stale'}" id="cards">${repeat(devices.values(), ({ref}) => ref, (device) => cardOf(device.ref).template(device, devices))}</div>`;
+    <div class="cards ${connected ? '' : 'stale'}" id="cards">${repeat(devices.values(), ({ref}) => ref, (device) => cardOf(device.ref).template(device))}</div>`;
 }
