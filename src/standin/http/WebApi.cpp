@@ -34,10 +34,6 @@ WebAnswer WebApi::signIn() const {
   return answer;
 }
 
-WebAnswer WebApi::unknown() {
-  return AskLoop(gate_, [this](const Reply& reply) { reply(signIn()); });
-}
-
 std::optional<WebAnswer> WebApi::admit(const Route& route, WebCall& call) {
   const std::optional<User> user = visitors_.of(call.token);
   if (user) call.user = *user;

@@ -25,8 +25,6 @@ class WebApi {
   std::optional<WebAnswer> refusal(const Route& route, const std::string& token);
   /// The user of a session token, if the house knows one.
   std::optional<User> visitor(const std::string& token);
-  /// What one is told whom the house doesn't know: how he gets in.
-  WebAnswer unknown();
   [[nodiscard]] const Routes& routes() const { return routes_; }
 
  private:

@@ -20,10 +20,6 @@ constexpr std::size_t kLongestPath = 2048;
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr std::chrono::seconds kSessionCheck{15};
 
-std::string TokenOf(const httplib::Request& request) {
-  return CookieValue(request.get_header_value("Cookie"), "vantorix");
-}
-
 void Give(httplib::Response& response, const WebAnswer& answer) {
   response.status = answer.status;
   response.set_content(answer.body, answer.type);
@@ -126,7 +122,8 @@ WebServer::WebServer(WebPort& port, const Parts& parts)
       live_(parts.live),
       refused_(parts.refused),
       hosts_(parts.hosts),
-      htmlFolder_(parts.htmlFolder) {
+      htmlFolder_(parts.htmlFolder),
+      cookie_(CookieName(port.port())) {
   server_.set_payload_max_length(Route::kLargestBody);
   server_.set_keep_alive_timeout(2);
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
@@ -188,6 +185,10 @@ WebServer::~WebServer() {
   thread_.join();
 }
 
+std::string WebServer::tokenOf(const httplib::Request& request) const {
+  return CookieValue(request.get_header_value("Cookie"), cookie_);
+}
+
 void WebServer::answerGet(const httplib::Request& request, httplib::Response& response) {
   if (!hosts_.allows(request.get_header_value("Host"))) {
     return Give(response, Refusal(403, "This server doesn't answer to that name"));
@@ -198,7 +199,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
     return GiveIfNew(request, response,
                      {.type = "text/html; charset=utf-8", .body = Framed("Vantorix", "", "")});
   }
-  const std::string token = TokenOf(request);
+  const std::string token = tokenOf(request);
   const LoadReason reason{.site = request.get_header_value("Sec-Fetch-Site"),
                           .mode = request.get_header_value("Sec-Fetch-Mode"),
                           .dest = request.get_header_value("Sec-Fetch-Dest"),
@@ -213,7 +214,8 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   }
   if (!path.starts_with("/api/")) {
     if (const auto found = FileBelow(htmlFolder_, path)) {
-      if (!api_.visitor(token)) return GiveFor(request, response, api_.unknown());
+      if (auto refused = api_.refusal(*api_.find(Method::kGet, kHouseFiles), token))
+        return GiveFor(request, response, std::move(*refused));
       const auto content = files::TextOf(*found);
       if (content)
         return GiveIfNew(request, response,
@@ -232,7 +234,8 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
          .body = "<!doctype html><meta http-equiv=\"refresh\" content=\"0\"><title>Vantorix</title>\n"});
   }
   const Route* route = api_.find(Method::kGet, path);
-  if (route == nullptr) return GiveFor(request, response, Refusal(404, "There is no such page"));
+  if (route == nullptr || std::holds_alternative<HouseFile>(route->handler))
+    return GiveFor(request, response, Refusal(404, "There is no such page"));
   if (std::holds_alternative<Live>(route->handler)) return stream(*route, request, response);
   WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = request.remote_addr};
   for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
@@ -259,14 +262,14 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
   WebAnswer answer = api_.answer(*route, {.method = Method::kPost,
                                           .path = request.path,
                                           .body = std::move(body),
-                                          .token = TokenOf(request),
+                                          .token = tokenOf(request),
                                           .peer = request.remote_addr});
   if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
   GiveFor(request, response, std::move(answer));
 }
 
 void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {
-  const std::string token = TokenOf(request);
+  const std::string token = tokenOf(request);
   if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return Give(response, *refused);
   const auto reader =
       std::make_shared<LiveFeed::Reader>(live_, token, request.get_header_value("Last-Event-ID"));
@@ -277,23 +280,25 @@ void WebServer::stream(const Route& route, const httplib::Request& request, http
     SteadyClock::time_point checked = SteadyClock::now();
   };
   const auto progress = std::make_shared<Progress>();
-  response.set_chunked_content_provider(
-      "text/event-stream", [this, token, reader, progress](std::size_t, httplib::DataSink& sink) {
-        std::string text = "retry: 1000\n\n";
-        if (progress->begun) {
-          text = reader->wait(kHeartbeat);
-          if (SteadyClock::now() - progress->checked >= kSessionCheck) {
-            progress->checked = SteadyClock::now();
-            if (!StillKnown(api_, token)) text.clear();
-          }
-        }
-        progress->begun = true;
-        if (text.empty()) {
-          sink.done();
-          return true;
-        }
-        return sink.write(text.data(), text.size());
-      });
+  response.set_chunked_content_provider("text/event-stream", [this, token, reader, progress](
+                                                                 std::size_t, httplib::DataSink& sink) {
+    std::string text = "retry: 1000\n\n";
+    if (progress->begun) {
+      text = reader->wait(kHeartbeat);
+      // A session also ends by its age.
+      const bool doubted = text.find("\nevent: " + std::string(kSessionsEnded) + "\n") != std::string::npos;
+      if (doubted || SteadyClock::now() - progress->checked >= kSessionCheck) {
+        progress->checked = SteadyClock::now();
+        if (!StillKnown(api_, token)) text.clear();
+      }
+    }
+    progress->begun = true;
+    if (text.empty()) {
+      sink.done();
+      return true;
+    }
+    return sink.write(text.data(), text.size());
+  });
 }
 
 }  // namespace standin

@@ -55,6 +55,8 @@ class WebServer {
   WebServer& operator=(WebServer&&) = delete;
 
  private:
+  /// Of the session, as the browser sends it.
+  [[nodiscard]] std::string tokenOf(const httplib::Request& request) const;
   void answerGet(const httplib::Request& request, httplib::Response& response);
   /// `route` is null where there is none.
   void answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
@@ -68,6 +70,7 @@ class WebServer {
   RefusedPosts& refused_;
   AllowedHosts hosts_;
   std::filesystem::path htmlFolder_;
+  std::string cookie_;  ///< its name
   std::thread thread_;
 };
 

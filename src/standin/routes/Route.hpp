@@ -82,6 +82,8 @@ struct Aside {
 };
 /// The stream of what happens in the house.
 struct Live {};
+/// A file of the house's own, below its html folder.
+struct HouseFile {};
 
 /// One line of the table of what the web may be asked for.
 struct Route {
@@ -91,11 +93,13 @@ struct Route {
   Method method;
   std::string path;  ///< "/*": all that no other line takes, but nothing below /api/
   Role role;
-  std::variant<Now, Later, Aside, Live> handler;
+  std::variant<Now, Later, Aside, Live, HouseFile> handler;
   std::string refused = "Guests can't do that";  ///< what a guest is told where only the owner may ask
   std::size_t limit = kUsualBody;                ///< bytes of a post's body
 };
 using Routes = std::vector<Route>;
+/// The line of all files below the html folder, whatever they are called.
+inline constexpr const char* kHouseFiles = "/*/*";
 /// All of them in one table.
 Routes Joined(const std::vector<Routes>& areas);
 

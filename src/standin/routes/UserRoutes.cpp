@@ -14,11 +14,14 @@ constexpr std::size_t kLongestPassword = 1024;
 constexpr std::size_t kShortestPassword = 8;
 constexpr int kDone = 200;
 
-std::string SessionCookie(const std::string& token) {
-  return "vantorix=" + token + "; Path=/; HttpOnly; SameSite=Strict; Max-Age=2592000";
+constexpr int kMonth = 2592000;  // seconds
+
+std::string SessionCookie(int port, const std::string& token, int seconds = kMonth) {
+  return CookieName(port) + "=" + token +
+         "; Path=/; HttpOnly; SameSite=Strict; Max-Age=" + std::to_string(seconds);
 }
 
-std::string NoCookie() { return "vantorix=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0"; }
+std::string NoCookie(int port) { return SessionCookie(port, {}, 0); }
 
 WebAnswer TooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
 WebAnswer WrongLogin() { return Refusal(403, "The name or the password is wrong"); }
@@ -34,7 +37,7 @@ class Commands {
     WebAnswer answer{.location = "/"};
     const bool known = call.user.name == kFirstUser;
     if (!known && visitors_.isKey(call.parameter("key")))
-      answer.cookie = SessionCookie(house_.users.begin(kFirstUser));
+      answer.cookie = SessionCookie(house_.webPort, house_.users.begin(kFirstUser));
     return answer;
   }
 
@@ -71,14 +74,19 @@ class Commands {
       limits_.succeeded(name, call.peer);
     }
     const auto token = std::make_shared<std::string>();
-    asked = onLoop([this, name = user.name, token] { *token = house_.users.begin(name); });
-    if (asked.status == kDone) asked.cookie = SessionCookie(*token);
+    asked = onLoop([this, name = user.name, before = call.token, token] {
+      house_.users.end(before);  // the browser keeps one
+      *token = house_.users.begin(name);
+      tellEnd();
+    });
+    if (asked.status == kDone) asked.cookie = SessionCookie(house_.webPort, *token);
     return asked;
   }
 
   WebAnswer logout(const WebCall& call) {
     house_.users.end(call.token);
-    return {.cookie = NoCookie()};
+    tellEnd();
+    return {.cookie = NoCookie(house_.webPort)};
   }
 
   WebAnswer setPassword(const WebCall& call) {
@@ -110,10 +118,11 @@ class Commands {
       house_.users.setHash(name, made);
       *fresh = house_.users.begin(name);
       visitors_.passwordChanged();
+      tellEnd();
       house_.log.write(
           "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
     });
-    if (asked.status == kDone) asked.cookie = SessionCookie(*fresh);
+    if (asked.status == kDone) asked.cookie = SessionCookie(house_.webPort, *fresh);
     return asked;
   }
 
@@ -131,6 +140,7 @@ class Commands {
     }
     return onLoop([this, stored] {
       house_.users.setHash(kGuest, stored);
+      tellEnd();
       house_.log.write("Info", stored == kBarred     ? "Guests are no longer let in"
                                : stored == kAdmitted ? "Guests are let in"
                                                      : "Guests are let in with a password");
@@ -138,6 +148,8 @@ class Commands {
   }
 
  private:
+  void tellEnd() { house_.live.tell(kSessionsEnded, "{}"); }
+
   WebAnswer onLoop(std::function<void()> work) {
     return AskLoop(gate_, [work = std::move(work)](const Reply& reply) {
       work();

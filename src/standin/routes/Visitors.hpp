@@ -7,6 +7,14 @@
 
 namespace standin {
 
+/// Of the cookie with the session. A browser sends a cookie to every port of a machine, so that the houses of
+/// one machine are told apart by the name.
+inline std::string CookieName(int port) { return "vantorix-" + std::to_string(port); }
+
+/// What the live feed tells when sessions have ended: each stream asks whether its own is among them, before
+/// it passes on what came with it or behind it.
+inline constexpr const char* kSessionsEnded = "sessions";
+
 /// Who comes to the server, and on what terms. On the loop's thread.
 ///
 /// While the owner has no password he is known by a key in the address that the server prints: that of the

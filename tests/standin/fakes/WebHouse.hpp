@@ -28,6 +28,7 @@ class WebHouse {
   /// The log is told of refused posts at the first one, and of the others behind that pause.
   explicit WebHouse(base::Milliseconds pause = std::chrono::minutes(1))
       : refused_(std::in_place, loop_, house_.log, pause) {
+    house_.webPort = port_.port();
     thread_ = std::thread([this] { loop_.run(); });
   }
   ~WebHouse() { end(); }
@@ -58,7 +59,7 @@ class WebHouse {
   std::string sessionOf(const std::string& user) {
     std::string token;
     onLoop([&](standin::House& house) { token = house.users.begin(user); });
-    return "vantorix=" + token;
+    return standin::CookieName(port()) + "=" + token;
   }
   /// What the events' routes work with; on the loop.
   standin::RuleStore& rules() { return rules_; }

@@ -299,8 +299,22 @@ TEST_F(Web, ThePrintedAddressLetsABrowserInAtOneClick) {
   const ServerProcess next(bus.address(), data);
   EXPECT_NE(next.key(), before);
   WebClient later(next.port());
-  later.cookie = browser.cookie;
+  later.cookie = "vantorix-" + std::to_string(next.port()) + browser.cookie.substr(browser.cookie.find('='));
   EXPECT_EQ(later.get("/api/state")->status, 200);
+}
+
+TEST_F(Web, TwoHousesOfAMachineLeaveEachOthersSessionAlone) {
+  const support::BusDaemon otherBus;
+  const ServerProcess other(otherBus.address(), folder.path() / "second");
+  WebClient there(other);
+  // A browser sends what it has from one port to every other one.
+  const std::string both = there.cookie + "; " + web.cookie;
+  web.cookie = there.cookie = both;
+  EXPECT_EQ(web.json("/api/state").at("user").at("name"), "owner");
+  EXPECT_EQ(there.json("/api/state").at("user").at("name"), "owner");
+  EXPECT_EQ(there.post("/api/logout", json::object()), 200);
+  EXPECT_TRUE(there.cookieHeader.starts_with("vantorix-" + std::to_string(other.port()) + "=;"));
+  EXPECT_EQ(web.get("/api/state")->status, 200);
 }
 
 TEST_F(Web, TheKeyIsNoWayRoundAPassword) {
