@@ -158,6 +158,16 @@ void DialogControl::addListMembers(std::vector<base::Member>& members) {
                                                              : base::ToInt32(args[1]));
                        return Value();
                      }});
+  members.push_back({"AddItems",
+                     MemberKind::kOperation,
+                     {{"index", Type::kInt32}, {"texts", Type::kTextList}},
+                     Type::kNone,
+                     [this](Args& args) {
+                       std::vector<std::string> texts;
+                       for (const Value& text : args[1].array()) texts.push_back(base::ToText(text));
+                       addItems(std::move(texts), base::ToInt32(args[0]));
+                       return Value();
+                     }});
 }
 
 base::MemberTable DialogControl::table() {

@@ -110,7 +110,7 @@ TEST_F(Dialog, OfManyOptionsIsReadInPages) {
   EXPECT_EQ(field(form, 12)["options"].size(), 200U);
   const std::string from = "/api/dialog/options?field=12&dialog=" + id(opened);
   EXPECT_EQ(web->json(from + "&from=2999&count=100")["options"].size(), 2U);
-  EXPECT_EQ(web->json(from + "&from=0&count=1&search=BLUE+song")["count"], 3000);
+  EXPECT_EQ(web->json(from + "&from=0&count=1&search=BLUE%20song")["count"], 3000);
   EXPECT_EQ(web->get("/api/dialog/options?field=3&count=1&dialog=" + id(opened))->status, 410);
 }
 
