@@ -164,7 +164,7 @@ TEST_F(Server, TheValuesOfADeviceAreFoundByTheirWordsAsTheLibraryIs) {
   EXPECT_EQ(found("bjork"), json({"Björk"}));
   EXPECT_EQ(found("cohen anna"), json({"Anna Cohen"}));
   EXPECT_EQ(found("anna bjork"), json::array());
-  EXPECT_EQ(found(""), json({"Björk", "Anna Cohen"}));
+  EXPECT_EQ(found(""), json({" ", "*Refresh Albums*", "Blue", "Björk", "Anna Cohen"}));
 }
 
 TEST_F(Server, TheHouseAnswersWhileThePluginIsBusy) {
