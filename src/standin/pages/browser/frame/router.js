@@ -72,10 +72,15 @@ export class Router {
     };
     title(view.title);
     if (moved) this.#toTop();
-    await view.mount(node, {
-      signal: controller.signal, house: this.#house, path: pathBehind(location.hash), title,
-      keep: (work) => { shown.keep = work; }, kept: place?.kept ?? {},
-    });
+    node.ariaBusy = 'true';  // what stands below it is shown once it is there
+    try {
+      await view.mount(node, {
+        signal: controller.signal, house: this.#house, path: pathBehind(location.hash), title,
+        keep: (work) => { shown.keep = work; }, kept: place?.kept ?? {},
+      });
+    } finally {
+      node.ariaBusy = null;
+    }
     if (controller.signal.aborted || !place) return;
     scrollTo({top: place.top});
     focusAgain(node, place.focus);
