@@ -1,5 +1,6 @@
 #include "standin/rules/EvaluationJson.hpp"
 
+#include <algorithm>
 #include <array>
 
 #include "base/Failure.hpp"
@@ -24,8 +25,11 @@ Outcome OutcomeOfName(const std::string& name) {
 
 }  // namespace
 
-bool IsDull(Outcome outcome) {
-  return outcome == Outcome::kRefused || outcome == Outcome::kLeft || outcome == Outcome::kMissed;
+bool IsDull(const Evaluation& evaluation) {
+  // What the end of the house cut had been let run; how far it came is not known.
+  if (evaluation.outcome == Outcome::kRunning || evaluation.outcome == Outcome::kCut) return false;
+  return std::none_of(evaluation.actions.begin(), evaluation.actions.end(),
+                      [](const DoneAction& each) { return each.begun; });
 }
 
 Json JsonOf(const Evaluation& evaluation) {

@@ -11,7 +11,7 @@ namespace standin {
 nlohmann::json JsonOf(const Evaluation& evaluation);
 /// The other way. Throws number 57 for a text that is none of these.
 Evaluation EvaluationOfText(const std::string& text);
-/// Nothing has run, so that it may go sooner than those that ran or failed.
-bool IsDull(Outcome outcome);
+/// No action of it was begun, whatever became of it, so that it may go sooner than those that ran or failed.
+bool IsDull(const Evaluation& evaluation);
 
 }  // namespace standin

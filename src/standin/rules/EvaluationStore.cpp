@@ -132,7 +132,7 @@ void EvaluationStore::writeTheUnwritten() {
 void EvaluationStore::write(const Evaluation& evaluation) {
   const std::string text = textOf(evaluation);
   const auto size = static_cast<std::int64_t>(text.size());
-  const bool dull = IsDull(evaluation.outcome);
+  const bool dull = IsDull(evaluation);
   const std::int64_t before = bytes_;
   try {
     database::Transaction whole(house_.database);

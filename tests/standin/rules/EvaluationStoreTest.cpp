@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <optional>
 
 #include "standin/rules/EvaluationStore.hpp"
@@ -38,6 +39,7 @@ class History : public testing::Test {
   void ran(std::int32_t event, Outcome outcome = Outcome::kDone, std::int64_t time = 0) {
     Evaluation evaluation = of(event, outcome, time);
     evaluation.id = store->begin(evaluation);
+    evaluation.actions = {{.words = "Turn Lamp on", .begun = true}};
     store->end(evaluation);
   }
   std::vector<Outcome> outcomes(std::int32_t event) {
@@ -99,14 +101,29 @@ TEST_F(History, DullOnesNeverPushOutThoseThatRanOrFailed) {
     ran(event, Outcome::kDone);
     ran(event, Outcome::kFailed);
   }
+  constexpr std::array kDull{Outcome::kRefused, Outcome::kLeft, Outcome::kMissed, Outcome::kCircle,
+                             Outcome::kStopped};
   for (int i = 0; i < 400; ++i)
-    store->end(of(event, i % 3 == 0 ? Outcome::kRefused : i % 3 == 1 ? Outcome::kLeft : Outcome::kMissed, i));
+    store->end(of(event, kDull.at(static_cast<std::size_t>(i) % kDull.size()), i));
   std::size_t ranOrFailed = 0;
   for (const Outcome each : outcomes(event))
     if (each == Outcome::kDone || each == Outcome::kFailed) ++ranOrFailed;
   EXPECT_EQ(ranOrFailed, 50U);
   EXPECT_EQ(outcomes(event).size(), 100U);
   EXPECT_EQ(store->last(event)->time, 399);
+}
+
+TEST_F(History, OneThatWasStoppedIsDullOnlyIfNoActionOfItWasBegun) {
+  const std::int32_t event = make("Good night");
+  ran(event, Outcome::kStopped, 7);
+  Evaluation early = of(event, Outcome::kStopped, 8);
+  early.id = store->begin(early);
+  early.actions = {{.words = "Turn Lamp on"}};
+  store->end(early);
+  for (int i = 0; i < 50; ++i) store->end(of(event, Outcome::kCircle, 100 + i));
+  const auto page = store->page(event, 0, 200);
+  ASSERT_EQ(page.evaluations.size(), 51U);
+  EXPECT_EQ(page.evaluations.back().evaluation.time, 7);
 }
 
 TEST_F(History, TheLastFiftyOfEachEventAreKeptWhateverOthersDo) {

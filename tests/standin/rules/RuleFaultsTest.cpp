@@ -124,6 +124,7 @@ TEST(AKill, LosesNoEvaluationThatWasAcknowledgedAndNothingRunsUnknownOrTwice) {
             Evaluation evaluation;
             evaluation.event = event;
             evaluation.time = number;
+            evaluation.actions = {{.words = "Turn Lamp on", .begun = true}};
             evaluation.id = store.begin(evaluation);
             acknowledge(2 * number);
             std::ofstream(carriedOut, std::ios::app) << std::to_string(number) + "\n";
