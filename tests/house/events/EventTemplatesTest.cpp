@@ -92,6 +92,11 @@ TEST_P(EventTemplates, PauseAndResumeAreTwoEvents) {
   EXPECT_EQ(resume["triggers"][0]["value"], "3");
 }
 
+TEST_P(EventTemplates, ThePauseSaysThatItResumesWhateverIsPaused) {
+  user.open();
+  EXPECT_TRUE(user.shows("also music that you had paused yourself"));
+}
+
 TEST_P(EventTemplates, GoodNightPutsTheLampOff) {
   begin("night");
   find("Lamp", "Lamp");

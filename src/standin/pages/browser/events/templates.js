@@ -36,7 +36,7 @@ export const kTemplates = [
       name: 'Announcement', group: '', triggers: [{kind: 'time', at, days}, {kind: 'script'}], conditions: [],
       actions: [{kind: 'speak', text}], again: 'queue'}]},
   {id: 'pause', title: 'Pause for something else',
-    says: 'Pauses the music when a device goes on, a television or a telephone, and resumes it when it goes off.',
+    says: 'Pauses the music when a device goes on, a television or a telephone, and resumes it when it goes off. Whatever is paused then is resumed, also music that you had paused yourself.',
     asks: [['device', 'device', 'Pause while this is on', 0]],
     make: ({device}, player, deviceName) => [{
       name: `Pause for ${deviceName}`, group: 'Pauses', triggers: [goes(device, '2')],
