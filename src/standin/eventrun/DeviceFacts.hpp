@@ -12,6 +12,7 @@ struct DeviceFacts {
   std::int16_t status = 0;
   std::int32_t value = 0;
   std::string text{};
+  bool ofPlugin = false;  ///< the plug-in sets it as the player goes
   bool operator==(const DeviceFacts&) const = default;
 };
 

@@ -67,7 +67,7 @@ void EventEngine::ruleChanged(std::int32_t event) {
 bool EventEngine::pluginTriggered(const std::string& composed) {
   const auto entries = index_.ofPlugin(composed);
   if (entries.empty()) return false;
-  const auto chain = rounds_.incoming();
+  const auto chain = rounds_.ofPlugin();
   for (const auto& entry : entries) come(entry, chain);
   return true;
 }
@@ -92,7 +92,7 @@ void EventEngine::deviceChanged(const DeviceFacts& device) {
     if (event == nullptr || entry.event == last) continue;
     if (!HasCome(before, device, std::get<DeviceTrigger>(event->rule.triggers[entry.trigger]))) continue;
     last = entry.event;
-    if (!chain) chain = rounds_.incoming();
+    if (!chain) chain = rounds_.ofDevice(device.ref, device.ofPlugin);
     come(entry, chain);
   }
 }
@@ -107,7 +107,7 @@ bool EventEngine::scriptTriggers(const std::string& name) {
   const RuledEvent* event = found == names_.end() ? nullptr : parts_.rules.byId(found->second);
   if (event == nullptr) return false;
   EventTurns::Order given = orderOf(*event, parts_.words.of(Trigger(ScriptTrigger{})));
-  given.chain = rounds_.incoming();
+  given.chain = rounds_.ofScript();
   order(event->id, std::move(given));
   return true;
 }
@@ -150,6 +150,13 @@ std::string EventEngine::fire(std::int32_t event, const std::shared_ptr<Chain>& 
   given.chain = chain;
   order(event, std::move(given));
   return {};
+}
+
+Reach EventEngine::reachOf(const Action& action) const {
+  const auto* device = std::get_if<DeviceAction>(&action);
+  if (device == nullptr) return {.player = true, .script = std::holds_alternative<ScriptAction>(action)};
+  const std::optional<DeviceFacts> facts = parts_.world.device(device->ref);
+  return {.player = facts && facts->ofPlugin, .device = device->ref};
 }
 
 void EventEngine::order(std::int32_t event, EventTurns::Order order) {
@@ -243,7 +250,8 @@ EventTurns& EventEngine::turnsOf(std::int32_t event) {
                    EventTurns::Ways{[this, event](std::int32_t fired, const std::shared_ptr<Chain>& chain) {
                                       return fire(fired, chain, event);
                                     },
-                                    [this](const std::shared_ptr<Chain>& chain) { rounds_.acted(chain); },
+                                    [this](const std::shared_ptr<Chain>& chain, const Action& action,
+                                           bool ended) { rounds_.acted(chain, reachOf(action), ended); },
                                     [this, event] { changed_(event); }},
                    limits_.turns)
       .first->second;

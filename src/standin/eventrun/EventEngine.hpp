@@ -58,6 +58,7 @@ class EventEngine : public EventControl {
   void come(const TriggerIndex::Entry& entry, const std::shared_ptr<Chain>& chain);
   std::string fire(std::int32_t event, const std::shared_ptr<Chain>& chain, std::int32_t by);
   void order(std::int32_t event, EventTurns::Order order);
+  [[nodiscard]] Reach reachOf(const Action& action) const;
   [[nodiscard]] EventTurns::Order orderOf(const RuledEvent& event, std::string trigger) const;
   [[nodiscard]] const RuledEvent& need(std::int32_t event) const;
   [[nodiscard]] std::shared_ptr<const Rule> ruleOf(const RuledEvent& event) const;

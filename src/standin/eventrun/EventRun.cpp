@@ -49,7 +49,7 @@ void EventRun::step() {
 void EventRun::carryOut(const Action& action) {
   if (const auto* pause = std::get_if<WaitAction>(&action)) return wait(*pause);
   if (const auto* event = std::get_if<EventAction>(&action)) return fire(*event);
-  ways_.acted(chain_);
+  ways_.acted(chain_, action, false);
   const std::size_t at = at_;
   auto deed = parts_.world.carryOut(action, [weak = weak_from_this(), at](const std::string& failure) {
     if (const auto self = weak.lock()) self->done(at, failure);
@@ -66,7 +66,7 @@ void EventRun::done(std::size_t action, const std::string& failure) {
   told.failure = failure;
   if (const Action& what = rule_->actions[at_];
       !std::holds_alternative<WaitAction>(what) && !std::holds_alternative<EventAction>(what))
-    ways_.acted(chain_);  // the house's answer to it may still be on its way
+    ways_.acted(chain_, what, true);  // the house's answer to it may still be on its way
   ++at_;
   stepSoon();  // and not here: what has called may be the very action that ends with the step
 }

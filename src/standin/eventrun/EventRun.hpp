@@ -16,8 +16,9 @@ class EventRun : public std::enable_shared_from_this<EventRun> {
   struct Ways {
     /// Fires an event; answers why it can't be fired, or an empty text.
     std::function<std::string(std::int32_t event, const std::shared_ptr<Chain>& chain)> fire;
-    std::function<void(const std::shared_ptr<Chain>& chain)> acted;  ///< an action reaches out into the house
-    std::function<void(EventRun& run)> ended;                        ///< the last thing that a run does
+    /// An action begins to reach out into the house, or has ended.
+    std::function<void(const std::shared_ptr<Chain>& chain, const Action& action, bool ended)> acted;
+    std::function<void(EventRun& run)> ended;  ///< the last thing that a run does
   };
   /// `evaluation` is taken down already.
   EventRun(const EngineParts& parts, Evaluation evaluation, std::shared_ptr<const Rule> rule,

@@ -32,7 +32,7 @@ class EventTurns {
   };
   struct Ways {
     std::function<std::string(std::int32_t event, const std::shared_ptr<Chain>& chain)> fire;
-    std::function<void(const std::shared_ptr<Chain>& chain)> acted;
+    std::function<void(const std::shared_ptr<Chain>& chain, const Action& action, bool ended)> acted;
     std::function<void()> changed;  ///< what runs, or its history
   };
   EventTurns(const EngineParts& parts, Ways ways, TurnLimits limits);

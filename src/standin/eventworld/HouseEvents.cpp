@@ -15,7 +15,7 @@ HouseEvents::HouseEvents(const Parts& parts)
     return engine_.pluginTriggered(composed);
   };
   house_.onScriptTrigger = [this](const std::string& event) { return engine_.scriptTriggers(event); };
-  house_.onDevice = [this](const Device& device) { engine_.deviceChanged(FactsOf(device)); };
+  house_.onDevice = [this](const Device& device) { engine_.deviceChanged(world_.factsOf(device)); };
   parts.rules.onChange([this, alive = std::weak_ptr(alive_)](std::int32_t event) {
     if (alive.lock()) teller_.changed(event);
   });

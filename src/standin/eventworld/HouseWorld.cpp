@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "base/Text.hpp"
 #include "standin/eventworld/Fade.hpp"
 
 namespace standin {
@@ -10,6 +11,7 @@ namespace standin {
 HouseWorld::HouseWorld(base::Loop& loop, House& house, HouseObjects& objects, PluginKeeper& plugin,
                        Speech& speech, const ScriptStore& scripts, ScriptRunner& runner)
     : loop_(loop),
+      keeper_(plugin),
       house_(house),
       speech_(speech),
       devices_(house, objects),
@@ -31,7 +33,7 @@ void HouseWorld::check(const std::string& stored, Checked checked) {
 std::optional<DeviceFacts> HouseWorld::device(std::int32_t ref) const {
   const Device* found = house_.devices.byRef(ref);
   if (found == nullptr) return std::nullopt;
-  return FactsOf(*found);
+  return factsOf(*found);
 }
 
 std::unique_ptr<Deed> HouseWorld::carryOut(const Action& action, Done done) {
@@ -73,8 +75,12 @@ std::unique_ptr<Deed> HouseWorld::tell(const DeviceAction& action, Done done) {
 
 void HouseWorld::pluginTriggered() { memory_.playbackEnded(); }
 
-DeviceFacts FactsOf(const Device& device) {
-  return {.ref = device.ref, .status = device.status, .value = device.value, .text = device.text};
+DeviceFacts HouseWorld::factsOf(const Device& device) const {
+  return {.ref = device.ref,
+          .status = device.status,
+          .value = device.value,
+          .text = device.text,
+          .ofPlugin = !device.interface.empty() && base::SameText(device.interface, keeper_.name())};
 }
 
 }  // namespace standin

@@ -20,6 +20,9 @@ class HouseWorld : public EventWorld {
   std::unique_ptr<Deed> carryOut(const Action& action, Done done) override;
   void note(const std::string& kind, const std::string& text) override { house_.log.write(kind, text); }
 
+  /// What events know of a device of the house.
+  [[nodiscard]] DeviceFacts factsOf(const Device& device) const;
+
   /// The plug-in has told a trigger: what was in the player before somebody was woken may come back now.
   void pluginTriggered();
 
@@ -27,6 +30,7 @@ class HouseWorld : public EventWorld {
   std::unique_ptr<Deed> tell(const DeviceAction& action, Done done);
 
   base::Loop& loop_;
+  const PluginKeeper& keeper_;
   House& house_;
   Speech& speech_;
   DeviceCommands devices_;
@@ -34,8 +38,5 @@ class HouseWorld : public EventWorld {
   ScriptTurns scripts_;
   WakeMemory memory_;
 };
-
-/// What events know of a device of the house.
-DeviceFacts FactsOf(const Device& device);
 
 }  // namespace standin

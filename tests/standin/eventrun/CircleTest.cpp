@@ -1,4 +1,6 @@
 // Events that trigger each other.
+#include <functional>
+
 #include "standin/eventrun/EventStage.hpp"
 
 namespace {
@@ -19,6 +21,26 @@ class Circle : public EventStage {
     rule.again = again;
     return rule;
   }
+  static Rule whenDevice(std::int32_t ref, std::vector<std::string> actions) {
+    return when(DeviceTrigger{ref, DeviceField::kStatus, Compared::kChanges, ""}, std::move(actions));
+  }
+  /// The device goes from on to off, or from off to on.
+  void changes(std::int32_t ref) {
+    DeviceFacts& device = world.devices[ref];
+    device.status = device.status == 2 ? 3 : 2;
+    engine.deviceChanged(device);
+  }
+  /// The house answers to each action a little later.
+  void answering(std::function<void(const std::string& action)> answer) {
+    world.onAction = [this, answer = std::move(answer)](const std::string& action) {
+      timers.push_back(loop.makeTimer(milliseconds(300), [this, answer, action, at = timers.size()] {
+        timers[at]->enabled(false);
+        answer(action);
+      }));
+      timers.back()->enabled(true);
+    };
+  }
+  std::vector<std::unique_ptr<base::Timer>> timers;
   int runs(std::int32_t event) const {
     return static_cast<int>(std::count_if(history.begun.begin(), history.begun.end(),
                                           [&](const Evaluation& each) { return each.event == event; }));
@@ -70,14 +92,9 @@ TEST_F(Circle, ThroughThePlayerIsCut) {
   // Two events that trigger each other by turns: what the player was made to do, it tells a little later.
   rules.put(1, when(PluginTrigger{support::kEnded}, {"play"}));
   rules.put(2, when(PluginTrigger{support::kStarted}, {"stop"}));
-  std::vector<std::unique_ptr<base::Timer>> timers;
-  world.onAction = [&](const std::string& action) {
-    timers.push_back(loop.makeTimer(milliseconds(300), [&, action, at = timers.size()] {
-      timers[at]->enabled(false);
-      engine.pluginTriggered(action == "play" ? kStartedTold : kEndedTold);
-    }));
-    timers.back()->enabled(true);
-  };
+  answering([&](const std::string& action) {
+    engine.pluginTriggered(action == "play" ? kStartedTold : kEndedTold);
+  });
   playbackEnds();
   loop.leap(std::chrono::minutes(5));
   EXPECT_EQ(count(Outcome::kCircle), 1);
@@ -85,6 +102,67 @@ TEST_F(Circle, ThroughThePlayerIsCut) {
   world.onAction = nullptr;
   playbackEnds();
   EXPECT_EQ(runs(1), 21) << "the next one that nobody has caused runs again";
+}
+
+TEST_F(Circle, ThroughTheDeviceThatItsActionSetsIsCut) {
+  world.devices[7] = {.ref = 7, .status = 2};
+  Rule rule = whenDevice(7, {});
+  rule.actions.emplace_back(DeviceAction{.ref = 7});
+  rules.put(1, rule);
+  answering([&](const std::string&) { changes(7); });
+  changes(7);
+  loop.leap(std::chrono::minutes(5));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(runs(1), 20);
+}
+
+TEST_F(Circle, ThroughADeviceThatShowsThePlayerIsCut) {
+  world.devices[8] = {.ref = 8, .status = 2, .ofPlugin = true};
+  rules.put(1, whenDevice(8, {"play"}));
+  answering([&](const std::string&) { changes(8); });
+  changes(8);
+  loop.leap(std::chrono::minutes(5));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(runs(1), 20);
+}
+
+TEST_F(Circle, ThroughAScriptIsCut) {
+  Rule rule = when(ScriptTrigger{}, {});
+  rule.actions.emplace_back(ScriptAction{"again"});
+  rules.put(1, rule, "Rung");
+  answering([&](const std::string&) { engine.scriptTriggers("Rung"); });
+  engine.scriptTriggers("Rung");
+  loop.leap(std::chrono::minutes(5));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(runs(1), 20);
+}
+
+TEST_F(Circle, IsNotSeenInASensorThatChangesEverySecond) {
+  world.devices[5] = {.ref = 5, .status = 2};
+  world.devices[7] = {.ref = 7, .status = 2};
+  Rule rule = whenDevice(5, {"a"});
+  rule.actions.emplace_back(DeviceAction{.ref = 7});
+  rule.actions.emplace_back(ScriptAction{"short"});
+  rules.put(1, rule);
+  for (int i = 0; i < 200; ++i) {
+    changes(5);
+    loop.leap(seconds(1));
+  }
+  EXPECT_EQ(count(Outcome::kDone), 200);
+  EXPECT_EQ(count(Outcome::kCircle), 0);
+}
+
+TEST_F(Circle, IsNotSeenInADraggedSliderBesideAnotherEventThatActs) {
+  world.devices[5] = {.ref = 5, .status = 2};
+  world.devices[6] = {.ref = 6, .status = 2};
+  rules.put(1, whenDevice(5, {"a"}));
+  rules.put(2, whenDevice(6, {"b"}));
+  for (int i = 0; i < 100; ++i) {
+    changes(5);
+    changes(6);
+    loop.leap(milliseconds(200));
+  }
+  EXPECT_EQ(count(Outcome::kDone), 200);
 }
 
 TEST_F(Circle, IsNotSeenInAnEventThatIsOftenTriggered) {
