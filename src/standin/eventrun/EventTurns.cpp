@@ -5,6 +5,11 @@
 #include "base/Failure.hpp"
 
 namespace standin {
+namespace {
+
+constexpr const char* kAnew = "It was begun anew";
+
+}  // namespace
 
 EventTurns::EventTurns(const EngineParts& parts, Ways ways, TurnLimits limits)
     : parts_(parts), ways_(std::move(ways)), limits_(limits) {}
@@ -67,7 +72,9 @@ void EventTurns::decide(Order order) {
   switch (order.rule->again) {
     case Again::kLeave: return refuse(std::move(order), Outcome::kLeft, "It was still running");
     case Again::kRestart:
-      for (const auto& each : std::vector(runs_)) each->stop(Outcome::kStopped, "It was begun anew");
+      // Some may wait, from when the rule said so: the end of the one that runs mustn't begin them.
+      for (Order& each : std::exchange(queue_, {})) refuse(std::move(each), Outcome::kStopped, kAnew);
+      for (const auto& each : std::vector(runs_)) each->stop(Outcome::kStopped, kAnew);
       return run(std::move(order));
     case Again::kQueue:
       if (queue_.size() >= limits_.queued)

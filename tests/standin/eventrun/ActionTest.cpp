@@ -188,6 +188,19 @@ TEST_F(Actions, WaitForTheirTurnWhereTriggersQueue) {
   EXPECT_EQ(history.begun.size(), 2U);
 }
 
+TEST_F(Actions, ThatBeginAnewEndThoseThatWaitedAsTheRuleSaidBefore) {
+  world.held = {"a"};
+  rules.put(1, again(Again::kQueue));
+  playbackEnds();
+  playbackEnds();
+  rules.put(1, again(Again::kRestart));
+  playbackEnds();
+  EXPECT_EQ(engine.running(1), 1U);
+  EXPECT_EQ(count(Outcome::kStopped), 2);
+  EXPECT_EQ(history.begun.size(), 2U);
+  EXPECT_THAT(world.journal.lines(), ElementsAre("do a", "over a", "do a"));
+}
+
 TEST_F(Actions, ThatAreAskedForByHandAndMustWaitAreAnsweredAtOnce) {
   world.held = {"a"};
   rules.put(1, again(Again::kQueue));
