@@ -1,9 +1,9 @@
 #include "standin/eventrun/DeviceFacts.hpp"
 
-#include <charconv>
 #include <optional>
 
 #include "base/Text.hpp"
+#include "standin/events/RuleNumber.hpp"
 #include "standin/house/DeviceStore.hpp"
 
 namespace standin {
@@ -18,13 +18,6 @@ std::string FieldOf(const DeviceFacts& device, DeviceField field) {
   return device.text;
 }
 
-std::optional<double> NumberOf(const std::string& text) {
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 }  // namespace
 
 std::string Shown(const DeviceFacts& device, DeviceField field) {
@@ -37,8 +30,8 @@ std::string Shown(const DeviceFacts& device, DeviceField field) {
 
 bool IsSo(const DeviceFacts& device, DeviceField field, Compared is, const std::string& wanted) {
   const std::string seen = FieldOf(device, field);
-  const std::optional<double> seenNumber = NumberOf(seen);
-  const std::optional<double> wantedNumber = NumberOf(wanted);
+  const std::optional<double> seenNumber = RuleNumber(seen);
+  const std::optional<double> wantedNumber = RuleNumber(wanted);
   const bool numbers = seenNumber && wantedNumber;
   switch (is) {
     case Compared::kEquals: return numbers ? *seenNumber == *wantedNumber : base::SameText(seen, wanted);

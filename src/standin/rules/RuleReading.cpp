@@ -1,10 +1,9 @@
 // JSON as a rule.
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <limits>
 
 #include "base/Text.hpp"
+#include "standin/events/RuleNumber.hpp"
 #include "standin/rules/JsonPlace.hpp"
 #include "standin/rules/RuleJson.hpp"
 #include "standin/rules/RuleNames.hpp"
@@ -38,14 +37,6 @@ Weekdays DaysAt(const JsonPlace& place) {
   return static_cast<Weekdays>(days);
 }
 
-bool IsNumber(const std::string& text) {
-  // The texts that are compared are written with a point, whatever the place where the house stands.
-  if (text.empty() || text.find_first_not_of("0123456789+-.eE") != std::string::npos) return false;
-  char* end = nullptr;
-  const double value = std::strtod(text.c_str(), &end);
-  return end == text.c_str() + text.size() && std::isfinite(value);
-}
-
 /// What triggers and conditions ask of devices; `least` is the first comparison allowed.
 template <class Asked>
 Asked DeviceAt(const JsonPlace& place, bool mayChange) {
@@ -61,7 +52,7 @@ Asked DeviceAt(const JsonPlace& place, bool mayChange) {
   }
   const JsonPlace value = place.needed("value");
   asked.value = value.text();
-  if (asked.is != Compared::kEquals && !IsNumber(asked.value)) value.refuse("must be a number");
+  if (asked.is != Compared::kEquals && !RuleNumber(asked.value)) value.refuse("must be a number");
   return asked;
 }
 

@@ -87,6 +87,17 @@ TEST_F(Triggers, OfADeviceComeWhenItsFieldComesToBeAsWanted) {
   EXPECT_THAT(becomes(2, 30, "on"), ElementsAre("do on", "do loud"));
 }
 
+TEST_F(Triggers, OfADeviceReadNumbersAsRulesDo) {
+  const DeviceFacts warm{.ref = 5, .status = 2, .value = 6, .text = "+6.5"};
+  EXPECT_TRUE(IsSo(warm, DeviceField::kValue, Compared::kAbove, "+5"));
+  EXPECT_TRUE(IsSo(warm, DeviceField::kText, Compared::kBelow, "7"));
+  EXPECT_TRUE(IsSo(warm, DeviceField::kText, Compared::kEquals, "6.50"));
+  for (const char* none : {"+-5", "++5", "inf", "-nan", "", "+", " 5", "5,5", "0x1", "1e999"})
+    EXPECT_FALSE(IsSo(warm, DeviceField::kValue, Compared::kAbove, none)) << none;
+  const DeviceFacts broken{.ref = 5, .status = 2, .value = 0, .text = "nan"};
+  EXPECT_TRUE(IsSo(broken, DeviceField::kText, Compared::kEquals, "NaN")) << "a text like any other";
+}
+
 TEST_F(Triggers, OfADeviceThatHasOnlyJustComeAreNone) {
   rules.put(1, when(DeviceTrigger{5, DeviceField::kText, Compared::kChanges, ""}));
   engine.deviceChanged({5, 2, 0, "new"});

@@ -137,6 +137,7 @@ std::vector<Wrong> WrongTriggers() {
        "must be status, value or text"},
       {"no comparison", Trigger({{"kind", "device"}, {"ref", 1}}), "triggers/0/is", "is missing"},
       {"above a word", Above("two"), "triggers/0/value", "must be a number"},
+      {"above two signs", Above("+-5"), "triggers/0/value", "must be a number"},
       {"above infinity", Above("1e999"), "triggers/0/value", "must be a number"},
       {"above nothing", Above(""), "triggers/0/value", "must be a number"},
       {"a number to be equal to", Trigger({{"kind", "device"}, {"ref", 1}, {"is", "equals"}, {"value", 2}}),
