@@ -14,7 +14,7 @@ HouseWorld::HouseWorld(base::Loop& loop, House& house, HouseObjects& objects, Pl
       keeper_(plugin),
       house_(house),
       speech_(speech),
-      devices_(house, objects),
+      devices_(house, objects, plugin),
       plugin_(loop, plugin),
       scripts_(loop, scripts, runner),
       memory_(loop, plugin_, [this](const std::string& failure) {
@@ -62,15 +62,18 @@ std::unique_ptr<Deed> HouseWorld::carryOut(const Action& action, Done done) {
 }
 
 std::unique_ptr<Deed> HouseWorld::tell(const DeviceAction& action, Done done) {
+  std::optional<PluginKeeper::Command> command;
   switch (action.kind) {
-    case DeviceAction::Kind::kPress:
-      return plugin_.call(devices_.press(action.ref, action.caption), std::move(done));
-    case DeviceAction::Kind::kValue:
-      return plugin_.call(devices_.set(action.ref, action.value), std::move(done));
+    case DeviceAction::Kind::kPress: command = devices_.press(action.ref, action.caption); break;
+    case DeviceAction::Kind::kValue: command = devices_.set(action.ref, action.value); break;
     case DeviceAction::Kind::kOn:
-    case DeviceAction::Kind::kOff: break;
+    case DeviceAction::Kind::kOff:
+      command = devices_.turn(action.ref, action.kind == DeviceAction::Kind::kOn);
+      break;
   }
-  return plugin_.call(devices_.turn(action.ref, action.kind == DeviceAction::Kind::kOn), std::move(done));
+  if (command) return plugin_.call(std::move(*command), std::move(done));
+  done({});  // the house has done it
+  return nullptr;
 }
 
 void HouseWorld::pluginTriggered() { memory_.playbackEnded(); }

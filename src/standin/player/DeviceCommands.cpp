@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/Failure.hpp"
+#include "base/Text.hpp"
 
 namespace standin {
 namespace {
@@ -20,25 +21,53 @@ PluginKeeper::Command DeviceCommands::press(std::int32_t ref, const std::string&
       device != nullptr && std::any_of(device->buttons.begin(), device->buttons.end(),
                                        [&](const DeviceButton& each) { return each.caption == caption; });
   if (!known) throw base::Failure(base::number::kFileNotFound, "The device has no such button");
+  if (!isOfPlugin(*device))
+    throw base::Failure(base::number::kFileNotFound, "Nobody answers the buttons of that device");
   return [caption](base::Object& vxif) { vxif.invoke("ButtonPress", caption); };
 }
 
-PluginKeeper::Command DeviceCommands::turn(std::int32_t ref, bool on) const {
-  return setIo(need(ref), on ? kCommandOn : kCommandOff, 0);
+std::optional<PluginKeeper::Command> DeviceCommands::turn(std::int32_t ref, bool on) const {
+  const Device& device = need(ref);
+  if (isOfPlugin(device)) return setIo(device, on ? kCommandOn : kCommandOff, 0);
+  house_.devices.put(ref, &Device::status, on ? kStatusOn : kStatusOff);
+  return std::nullopt;
 }
 
-PluginKeeper::Command DeviceCommands::set(std::int32_t ref, std::int64_t value) const {
+std::optional<PluginKeeper::Command> DeviceCommands::set(std::int32_t ref, std::int64_t value) const {
   const Device& device = need(ref);
   if (value < 0 || value > std::numeric_limits<std::int16_t>::max())
     throw base::Failure(base::number::kInvalidArgument, "The value is out of range");
-  house_.devices.putValue(ref, static_cast<std::int32_t>(value));
-  return setIo(device, kCommandValue, static_cast<std::int16_t>(value));
+  const auto wanted = static_cast<std::int32_t>(value);
+  if (!isOfPlugin(device)) {
+    house_.devices.putValue(ref, wanted);
+    return std::nullopt;
+  }
+  // The device shows it before the plug-in hears of it, which may set it back itself when it has acted.
+  return [&devices = house_.devices, ref, wanted,
+          tell = setIo(device, kCommandValue, static_cast<std::int16_t>(value))](base::Object& vxif) {
+    const Device* before = devices.byRef(ref);
+    if (before == nullptr) throw base::Failure(base::number::kFileNotFound, "The device has been deleted");
+    const std::int32_t old = before->value;
+    devices.putValue(ref, wanted);
+    try {
+      tell(vxif);
+    } catch (...) {
+      const Device* now = devices.byRef(ref);
+      if (now != nullptr && now->value == wanted) devices.putValue(ref, old);
+      throw;
+    }
+  };
 }
 
 const Device& DeviceCommands::need(std::int32_t ref) const {
   const Device* device = house_.devices.byRef(ref);
   if (device == nullptr) throw base::Failure(base::number::kFileNotFound, "There is no such device");
   return *device;
+}
+
+bool DeviceCommands::isOfPlugin(const Device& device) const {
+  if (device.interface.empty()) return false;
+  return plugin_.name().empty() || base::SameText(device.interface, plugin_.name());
 }
 
 PluginKeeper::Command DeviceCommands::setIo(const Device& device, std::int16_t command,

@@ -46,20 +46,21 @@ void Add(const Parts& parts, PluginKeeper::Command work, const Reply& reply) {
       });
 }
 
-/// Gives the plug-in what the device is to be told, and says what of it can't be done.
+/// Has the device told, by the plug-in where it is the plug-in's, and says what of it can't be done.
 void TellDevice(const Parts& parts,
-                const std::function<PluginKeeper::Command(const DeviceCommands& tells)>& what,
+                const std::function<std::optional<PluginKeeper::Command>(const DeviceCommands& tells)>& what,
                 const Reply& reply, bool adds = false) {
-  PluginKeeper::Command command;
+  std::optional<PluginKeeper::Command> command;
   try {
-    command = what(DeviceCommands(parts.house, parts.objects));
+    command = what(DeviceCommands(parts.house, parts.objects, parts.plugin));
   } catch (const base::Failure& failure) {
     if (failure.number() == base::number::kFileNotFound) return reply(Refusal(404, failure.description()));
     if (failure.number() == base::number::kInvalidArgument) return reply(Refusal(400, failure.description()));
     throw;
   }
-  if (adds) return Add(parts, std::move(command), reply);
-  parts.plugin.command(std::move(command), Answering(reply));
+  if (!command) return reply(OutcomeOf({}));  // the house has done it
+  if (adds) return Add(parts, std::move(*command), reply);
+  parts.plugin.command(std::move(*command), Answering(reply));
 }
 
 void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
