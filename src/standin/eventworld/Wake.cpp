@@ -109,11 +109,13 @@ class Wake : public Deed {
   void lastResort() {
     timer_->enabled(false);
     memory_.putBack();
-    say_(action_.words.empty() ? "Wake up" : action_.words, [this, alive = alive_] {
-      if (!*alive) return;
-      end("None of the choices was heard" + (failures_.empty() ? "" : " (" + failures_ + ")") +
-          "; a tone and the words were, instead");
-    });
+    say_(action_.words.empty() ? "Wake up" : action_.words,
+         [this, alive = alive_](const std::string& unheard) {
+           if (!*alive) return;
+           end("None of the choices was heard" + (failures_.empty() ? "" : " (" + failures_ + ")") +
+               (unheard.empty() ? "; a tone and the words were, instead"
+                                : "; nor were the words (" + unheard + ")"));
+         });
   }
 
   void call(PluginKeeper::Command command, EventWorld::Done then) {

@@ -39,8 +39,8 @@ class WakeMemory {
   std::unique_ptr<base::Timer> soon_;
 };
 
-/// Has a tone and then the words heard; `said` is called when they have been.
-using WakeWords = std::function<void(const std::string& words, std::function<void()> said)>;
+/// Has a tone and then the words heard; `said` is called when they have been, or with why they were not.
+using WakeWords = std::function<void(const std::string& words, EventWorld::Done said)>;
 
 /// Plays the first of the action's choices that is heard: the player's position moves within ten seconds. The
 /// volume rises from silence then. When none is heard, what was in the player is put back, and a tone and the

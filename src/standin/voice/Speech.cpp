@@ -38,8 +38,8 @@ std::shared_ptr<Speech::Order> Speech::take(Order order) {
   return taken;
 }
 
-void Speech::speak(const std::string& text, bool tone, std::function<void()> said) {
-  if (!take({text, tone, said}) && said) said();
+void Speech::speak(const std::string& text, bool tone, Said said) {
+  if (!take({text, tone, said}) && said) said(text.empty() ? "" : "Too many texts wait to be said");
 }
 
 void Speech::speak(const std::string& text, bool wait) {
@@ -101,7 +101,7 @@ void Speech::said(const std::string& failure) {
   orders_.pop_front();
   busy_ = false;
   if (!orders_.empty()) beginSoon();
-  if (over->said) over->said();
+  if (over->said) over->said(failure);
 }
 
 void Speech::tellSinks(bool started) {

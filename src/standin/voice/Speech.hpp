@@ -31,15 +31,18 @@ class Speech {
   /// Writes the text to the log and says it when those before it have been said. With `wait` it returns
   /// after that; everything else goes on meanwhile.
   void speak(const std::string& text, bool wait);
+  /// Told why a text was not heard; the empty text where it was.
+  using Said = std::function<void(const std::string& failure)>;
   /// The same without waiting: `said` is called when it has been said, or at once where it is only written to
-  /// the log, unless the speech itself ends before. With `tone`, that comes first.
-  void speak(const std::string& text, bool tone, std::function<void()> said);
+  /// the log, unless the speech itself ends before. With `tone`, that comes first. To say nothing never
+  /// fails.
+  void speak(const std::string& text, bool tone, Said said);
 
  private:
   struct Order {
     std::string text;
     bool tone = false;
-    std::function<void()> said{};
+    Said said{};
     bool told = false;  ///< the event before it
     bool over = false;
   };

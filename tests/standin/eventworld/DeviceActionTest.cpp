@@ -112,6 +112,33 @@ TEST_F(DeviceActions, TurnALampOnAndOffWithoutThePlugin) {
   EXPECT_THAT(told, ElementsAre("Lamp 2 0", "Lamp 3 0", "Lamp 3 70")) << "what events and pages hear";
 }
 
+TEST_F(DeviceActions, WordsThatNobodyHearsAreNotDone) {
+  voice.device = false;
+  std::optional<std::string> outcome;
+  const auto deed =
+      world.carryOut(SpeakAction{"Dinner"}, [&](const std::string& failure) { outcome = failure; });
+  ASSERT_TRUE(TurnUntil(loop, [&] { return outcome.has_value(); }));
+  EXPECT_EQ(*outcome, "There is no sound device");
+  voice.device = true;
+  outcome.reset();
+  const auto again =
+      world.carryOut(SpeakAction{"Dinner"}, [&](const std::string& failure) { outcome = failure; });
+  ASSERT_TRUE(TurnUntil(loop, [&] { return outcome.has_value(); }));
+  EXPECT_EQ(*outcome, "");
+}
+
+TEST_F(DeviceActions, WordsBehindTooManyOthersAreNotDone) {
+  voice.device = false;
+  std::vector<std::string> outcomes;
+  for (int i = 0; i < 101; ++i) {
+    const auto deed = world.carryOut(SpeakAction{"Dinner"},
+                                     [&](const std::string& failure) { outcomes.push_back(failure); });
+  }
+  EXPECT_THAT(outcomes, ElementsAre("Too many texts wait to be said")) << "the last, and at once";
+  ASSERT_TRUE(TurnUntil(loop, [&] { return outcomes.size() == 101; }));
+  EXPECT_EQ(std::count(outcomes.begin(), outcomes.end(), "There is no sound device"), 100);
+}
+
 TEST_F(DeviceActions, AreStored) {
   const std::int32_t lamp = make("Lamp", "");
   EXPECT_EQ(carryOut(Kind::kOff, lamp), "");

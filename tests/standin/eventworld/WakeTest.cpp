@@ -15,9 +15,9 @@ class Waking : public testing::Test {
                  .choices = {"one", "two"}, .words = "Good morning", .volume = 50, .seconds = 60}) {
     deed = BeginWake(
         loop, calls,
-        [&](const std::string& words, const std::function<void()>& said) {
+        [&](const std::string& words, const EventWorld::Done& said) {
           spoken.push_back(words);
-          said();
+          said(voiceless);
         },
         memory, action, [&](const std::string& failure) { ended.push_back(failure); });
   }
@@ -34,6 +34,7 @@ class Waking : public testing::Test {
   std::vector<std::string> failures;
   std::vector<std::string> ended;
   std::vector<std::string> spoken;
+  std::string voiceless;  ///< why the words are not heard
   std::unique_ptr<Deed> deed;
 };
 
@@ -93,6 +94,16 @@ TEST_F(Waking, EndsWithAToneAndWordsWhereThePluginIsGone) {
   EXPECT_THAT(ended,
               ElementsAre("None of the choices was heard (The plug-in isn't running); a tone and the words "
                           "were, instead"));
+}
+
+TEST_F(Waking, DoesNotTellWordsAsHeardThatWereNot) {
+  player.missing = {"one", "two"};
+  voiceless = "There is no sound device";
+  begin();
+  loop.leap(seconds(40));
+  EXPECT_THAT(spoken, ElementsAre("Good morning"));
+  EXPECT_THAT(ended,
+              ElementsAre("None of the choices was heard; nor were the words (There is no sound device)"));
 }
 
 TEST_F(Waking, IsHeardThroughAMute) {

@@ -78,14 +78,14 @@ TEST_F(HouseSpeech, WithoutWaitingGoesOnByItself) {
 }
 
 TEST_F(HouseSpeech, TellsWhoDoesNotWaitThatItHasBeenSaid) {
-  bool said = false;
-  speech.speak("Good morning", true, [&] { said = true; });
-  EXPECT_FALSE(said);
-  ASSERT_TRUE(support::TurnUntil(loop, [&] { return said; }));
+  Lines said;
+  const auto note = [&](const std::string& failure) { said.push_back(failure); };
+  speech.speak("Good morning", true, note);
+  EXPECT_TRUE(said.empty());
+  ASSERT_TRUE(support::TurnUntil(loop, [&] { return !said.empty(); }));
   EXPECT_EQ(voice.said(), (Lines{"(a tone)", "Good morning"}));
-  said = false;
-  speech.speak("", false, [&] { said = true; });
-  EXPECT_TRUE(said) << "there was nothing to say";
+  speech.speak("", false, note);
+  EXPECT_EQ(said, (Lines{"", ""})) << "there was nothing to say";
 }
 
 TEST_F(HouseSpeech, TakesTextsInTheirOrder) {
