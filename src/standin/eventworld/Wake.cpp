@@ -53,11 +53,11 @@ class Wake : public Deed {
   void tryNext() {
     timer_->enabled(false);
     if (choice_ == action_.choices.size()) return lastResort();
-    since_ = loop_.now();
     lastPosition_.reset();
     call([choice = action_.choices[choice_]](base::Object& vxif) { vxif.invoke("TriggerAction", choice); },
          [this](const std::string& failure) {
            if (!failure.empty()) return notHeard(failure);
+           since_ = loop_.now();  // not before: a long list takes its time to begin
            timer_->interval(kLookEvery);
            timer_->enabled(true);
          });

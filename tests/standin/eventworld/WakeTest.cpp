@@ -65,6 +65,19 @@ TEST_F(Waking, TakesTheNextChoiceWhereOneIsMissing) {
   EXPECT_THAT(ended, ElementsAre(""));
 }
 
+TEST_F(Waking, WaitsForAChoiceThatTakesLongToBegin) {
+  auto& act = player.vxif.operations["TriggerAction"];
+  act = [this, acts = act](base::Args& args) {
+    loop.leap(seconds(15));
+    return acts(args);
+  };
+  begin();
+  loop.leap(seconds(90));
+  EXPECT_EQ(player.journal.count("do two"), 0U);
+  EXPECT_EQ(player.source(), "one.mp3");
+  EXPECT_THAT(ended, ElementsAre(""));
+}
+
 TEST_F(Waking, TakesTheNextChoiceWhereOneIsSilent) {
   player.silent = {"one.mp3"};
   begin();
