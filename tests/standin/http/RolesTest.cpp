@@ -103,6 +103,23 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
                                    "/api/scripts"));
 }
 
+TEST_F(Roles, AGuestTurnsALampOfTheHouseOnThoughThereIsNoPlugin) {
+  std::int32_t lamp = 0;
+  house.onLoop([&](standin::House& all) {
+    lamp = all.devices.create("Lamp").ref;
+    all.devices.addButton(lamp, "", "Stop");
+  });
+  support::WebClient guest(house.port());
+  guest.cookie = house.sessionOf(standin::kGuest);
+  EXPECT_EQ(guest.post("/api/command", {{"ref", lamp}, {"command", "on"}}), 200) << guest.last;
+  EXPECT_EQ(guest.post("/api/command", {{"ref", lamp}, {"command", "value"}, {"value", 40}}), 200);
+  EXPECT_EQ(guest.post("/api/press", {{"ref", lamp}, {"caption", "Stop"}}), 404);
+  house.onLoop([&](standin::House& all) {
+    EXPECT_EQ(all.devices.byRef(lamp)->status, standin::kStatusOn);
+    EXPECT_EQ(all.devices.byRef(lamp)->value, 40);
+  });
+}
+
 TEST_F(Roles, AGuestIsSentNoLinksThatOnlyRefuse) {
   house.onLoop([](standin::House& all) {
     all.addLink({"WMP_PListEdit", "PlayList Editor", "Vantorix Media Player", nullptr});
