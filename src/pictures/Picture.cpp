@@ -50,7 +50,7 @@ struct Wish {
   bool refused = false;
 };
 
-void onSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
+void OnSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
   auto& wish = *static_cast<Wish*>(data);
   wish.claimed = {width, height};
   wish.refused = wish.headOnly || width <= 0 || height <= 0 || width > kMostPixels / height;
@@ -74,7 +74,7 @@ Pixbuf Decoded(const std::string& bytes, Wish& wish) {
   if (kind == nullptr || bytes.size() > kMostBytes) return nullptr;
   const Loader loader(gdk_pixbuf_loader_new_with_type(kind, nullptr));
   if (!loader) return nullptr;
-  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&onSize), &wish);
+  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSize), &wish);
   bool good = true;
   for (std::size_t at = 0; good && !wish.refused && at < bytes.size(); at += kPiece) {
     good = gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(bytes.data() + at),
