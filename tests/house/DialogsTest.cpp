@@ -59,7 +59,7 @@ TEST_F(Dialogs, AreDescribedInThesePlugInsWords) {
       "\t\t1\t0\tAction\tNo Action\tPlay: PlayList\tPlay: Album\tPlay: Artist\tPlay: Genre\tPlay: Media "
       "Library\tPlay: URL\tStop\tPause\tResume\tNext\tPrevious\tRestart\tMute\tUnMute\tChange Mode "
       "only\r"
-      "\t\t1\t0\tPlayLists\t\tNo PlayLists found\r"
+      "\t\t1\t0\tPlayLists\t\r"
       "\t\t1\t0\tAlbums\t\tCounting\tSecond\r"
       "\t\t1\t0\tArtists\t\tRock Roll\tThe Testers\r"
       "\t\t1\t0\tGenres\t\tJazz\tNumbers\r"

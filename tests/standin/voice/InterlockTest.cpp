@@ -63,7 +63,7 @@ class SpeechOverMusic : public testing::Test {
   }
   std::string status() {
     for (const auto& [ref, device] : house.devices.all())
-      if (device.name == "Media Player Status") return device.text.substr(device.text.find('>') + 1);
+      if (device.name == "Status") return device.text.substr(device.text.find('>') + 1);
     return {};
   }
   [[nodiscard]] std::string command() const {
