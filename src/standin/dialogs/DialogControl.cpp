@@ -6,14 +6,12 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "base/MemberWords.hpp"
 #include "standin/player/Folding.hpp"
 
 namespace standin {
 
-using base::Args;
-using base::MemberKind;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 namespace {
 
@@ -119,74 +117,53 @@ void DialogControl::select(std::int32_t line) {
 }
 
 base::Member DialogControl::sizeField(const char* name, float ControlPlace::*size) {
-  return {name,
-          MemberKind::kField,
-          {},
-          Type::kSingle,
-          [this, size](Args&) { return Value(place_.*size); },
-          [this, size](const Value& value) {
-            const float given = base::ToSingle(value);
-            if (!std::isfinite(given)) throw base::Failure(base::number::kInvalidArgument);
-            place_.*size = std::clamp(given, size == &ControlPlace::width ? 0 : -kFarthest, kFarthest);
-            change();
-          }};
+  return Field(
+      name, Type::kSingle, [this, size] { return place_.*size; },
+      [this, size](const Value& value) {
+        const float given = base::ToSingle(value);
+        if (!std::isfinite(given)) throw base::Failure(base::number::kInvalidArgument);
+        place_.*size = std::clamp(given, size == &ControlPlace::width ? 0 : -kFarthest, kFarthest);
+        change();
+      });
 }
 
-void DialogControl::addListMembers(std::vector<base::Member>& members) {
-  members.push_back({"ListIndex",
-                     MemberKind::kField,
-                     {},
-                     Type::kInt32,
-                     [this](Args&) { return Value(selected_); },
-                     [this](const Value& value) { select(base::ToInt32(value)); }});
-  members.push_back({"ListCount", MemberKind::kReadField, {}, Type::kInt32, [this](Args&) {
-                       return Value(static_cast<std::int32_t>(lines_.size()));
-                     }});
-  members.push_back({"Clear", MemberKind::kOperation, {}, Type::kNone, [this](Args&) {
-                       clear();
-                       change();
-                       return Value();
-                     }});
-  // Without a place, behind the last line.
-  members.push_back({"AddItem",
-                     MemberKind::kOperation,
-                     {{"text", Type::kText}, {"index", Type::kAny, Value()}},
-                     Type::kNone,
-                     [this](Args& args) {
-                       addItems({base::ToText(args[0])}, args[1].empty()
-                                                             ? static_cast<std::int32_t>(lines_.size())
-                                                             : base::ToInt32(args[1]));
-                       return Value();
-                     }});
-  members.push_back({"AddItems",
-                     MemberKind::kOperation,
-                     {{"index", Type::kInt32}, {"texts", Type::kTextList}},
-                     Type::kNone,
-                     [this](Args& args) {
-                       std::vector<std::string> texts;
-                       for (const Value& text : args[1].array()) texts.push_back(base::ToText(text));
-                       addItems(std::move(texts), base::ToInt32(args[0]));
-                       return Value();
-                     }});
+std::vector<base::Member> DialogControl::listMembers() {
+  return {Field(
+              "ListIndex", Type::kInt32, [this] { return selected_; },
+              [this](const Value& value) { select(base::ToInt32(value)); }),
+          ReadField("ListCount", Type::kInt32, [this] { return static_cast<std::int32_t>(lines_.size()); }),
+          Command("Clear", {},
+                  [this] {
+                    clear();
+                    change();
+                  }),
+          // Without a place, behind the last line.
+          Command("AddItem", {Text("text"), Any("index", Value())},
+                  [this](Args& args) {
+                    addItems({TextAt(args, 0)},
+                             args[1].empty() ? static_cast<std::int32_t>(lines_.size()) : NumberAt(args, 1));
+                  }),
+          Command("AddItems", {Number("index"), Texts("texts")}, [this](Args& args) {
+            std::vector<std::string> texts;
+            for (const Value& text : args[1].array()) texts.push_back(base::ToText(text));
+            addItems(std::move(texts), NumberAt(args, 0));
+          })};
 }
 
 base::MemberTable DialogControl::table() {
   std::vector<base::Member> members{sizeField("Width", &ControlPlace::width),
                                     sizeField("Top", &ControlPlace::top),
                                     sizeField("Left", &ControlPlace::left),
-                                    {"Text",
-                                     MemberKind::kField,
-                                     {},
-                                     Type::kText,
-                                     [this](Args&) { return Value(text()); },
-                                     [this](const Value& value) {
-                                       const std::string given = base::ToText(value);
-                                       if (given.size() > kLongestLine)
-                                         throw base::Failure(base::number::kInvalidArgument);
-                                       if (!gone_) show(given);
-                                       change();
-                                     }}};
-  if (kind_ == FieldKind::kList) addListMembers(members);
+                                    Field(
+                                        "Text", Type::kText, [this] { return text(); },
+                                        [this](const Value& value) {
+                                          const std::string given = base::ToText(value);
+                                          if (given.size() > kLongestLine)
+                                            throw base::Failure(base::number::kInvalidArgument);
+                                          if (!gone_) show(given);
+                                          change();
+                                        })};
+  if (kind_ == FieldKind::kList) members = Joined(std::move(members), listMembers());
   return {"Control", std::move(members)};
 }
 

@@ -56,7 +56,7 @@ class DialogControl : public base::TableObject {
  private:
   base::MemberTable table();
   base::Member sizeField(const char* name, float ControlPlace::*size);
-  void addListMembers(std::vector<base::Member>& members);
+  std::vector<base::Member> listMembers();
   void addItems(std::vector<std::string> texts, std::int32_t at);
   void select(std::int32_t line);
   void clear();

@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "base/MemberWords.hpp"
 
 namespace standin {
 namespace {
 
-using base::Args;
-using base::Type;
-using base::Value;
+using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
 
 // Twips. A label stands above its control, so that both may be widened.
 constexpr float kEdge = 120;
@@ -25,16 +24,9 @@ class DialogControls : public base::TableObject {
  public:
   explicit DialogControls(std::vector<std::shared_ptr<DialogControl>> all) : all_(std::move(all)) {
     setTable({"Controls",
-              {{"Count",
-                base::MemberKind::kReadField,
-                {},
-                Type::kInt32,
-                [this](Args&) { return Value(static_cast<std::int32_t>(all_.size())); }},
-               {"item",
-                base::MemberKind::kOperation,
-                {{"index", Type::kInt32}},
-                Type::kObject,
-                [this](Args& args) { return item(base::ToInt32(args[0])); }}}});
+              {ReadField("Count", Type::kInt32, [this] { return static_cast<std::int32_t>(all_.size()); }),
+               Operation("item", {Number("index")}, Type::kObject,
+                         [this](Args& args) { return item(NumberAt(args, 0)); })}});
   }
 
  private:

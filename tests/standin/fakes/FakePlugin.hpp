@@ -2,13 +2,13 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "base/MemberWords.hpp"
 #include "standin/fakes/FakeScript.hpp"
 #include "support/BusPeer.hpp"
 
@@ -72,145 +72,84 @@ class FakePlugin {
   }
 
  private:
-  using Args = base::Args;
-  using Value = base::Value;
   using Member = base::Member;
-  using Type = base::Type;
-  static constexpr auto kOperation = base::MemberKind::kOperation;
 
-  static Member constant(const std::string& name, const std::string& text) {
-    return {name, base::MemberKind::kReadField, {}, Type::kText, [text](Args&) { return Value(text); }};
-  }
   /// The last field, with the operation's name before it.
   Member wording(const std::string& name) {
-    return {name, kOperation, {{"text", Type::kText, {}, true}}, Type::kText, [this, name](Args& args) {
-              const std::string text = base::ToText(args[0]);
-              note(name + " " + text);
-              return Value(name + " of " + text.substr(text.rfind('\2') + 1));
-            }};
+    using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+    return Operation(name, {InOut(Text("text"))}, Type::kText, [this, name](Args& args) {
+      const std::string text = TextAt(args, 0);
+      note(name + " " + text);
+      return name + " of " + text.substr(text.rfind('\2') + 1);
+    });
   }
   /// Of two members of one name the first counts.
-  std::vector<Member> withMore(std::vector<Member> own) {
-    std::vector<Member> all = manner_.more;
-    std::move(own.begin(), own.end(), std::back_inserter(all));
-    return all;
-  }
   base::ObjectRef object() {
-    return std::make_shared<TableOf>("vxif", withMore(
-                                                 std::vector<Member>{
-                                                     constant("Link", "WMP_PListEdit"),
-                                                     constant("LinkText", "PlayList Editor"),
-                                                     constant("Page_Title", "Vantorix Media Player"),
-                                                     wording("TriggerUIFormat"),
-                                                     wording("ConditionUIFormat"),
-                                                     wording("ActionUIFormat"),
-                                                     {"Name",
-                                                      kOperation,
-                                                      {},
-                                                      Type::kText,
-                                                      [](Args&) { return Value("Media Player"); }},
-                                                     {"RegisterCallback",
-                                                      kOperation,
-                                                      {{"frm", Type::kObject}},
-                                                      Type::kNone,
-                                                      [this](Args& args) {
-                                                        note("RegisterCallback");
-                                                        callback_ = base::ToObject(args[0]);
-                                                        host_ = base::ToObject(callback_->call("GetVXIface"));
-                                                        return Value();
-                                                      }},
-                                                     {"InitIO",
-                                                      kOperation,
-                                                      {{"port", Type::kInt32}},
-                                                      Type::kText,
-                                                      [this](Args& args) {
-                                                        note("InitIO " + base::ToText(args[0]));
-                                                        if (manner_.init)
-                                                          manner_.init(*callback_, *host_, self_);
-                                                        return Value(manner_.refusal);
-                                                      }},
-                                                     {"InterfaceStatus",
-                                                      kOperation,
-                                                      {},
-                                                      Type::kInt16,
-                                                      [this](Args&) {
-                                                        const bool ready = !manner_.ready || manner_.ready();
-                                                        return Value(
-                                                            static_cast<std::int16_t>(ready ? 0 : 2));
-                                                      }},
-                                                     {"ShutdownIO",
-                                                      kOperation,
-                                                      {},
-                                                      Type::kNone,
-                                                      [this](Args&) {
-                                                        note("ShutdownIO");
-                                                        if (manner_.end) manner_.end();
-                                                        return Value();
-                                                      }},
-                                                     {"SetIO",
-                                                      kOperation,
-                                                      {{"dv", Type::kObject},
-                                                       {"hc", Type::kText},
-                                                       {"dc", Type::kText},
-                                                       {"Command", Type::kInt16},
-                                                       {"Brightness", Type::kInt16},
-                                                       {"data1", Type::kInt16},
-                                                       {"data2", Type::kInt16}},
-                                                      Type::kNone,
-                                                      [this](Args& args) {
-                                                        std::string line =
-                                                            "SetIO " +
-                                                            base::ToText(base::Deref(args[0]).get("name"));
-                                                        for (std::size_t i = 1; i < args.size(); ++i)
-                                                          line += " " + base::ToText(args[i]);
-                                                        if (manner_.act) manner_.act(*host_);
-                                                        note(line + " after " +
-                                                             base::ToText(base::Deref(host_->call("System"))
-                                                                              .get("LastVoiceCommand")));
-                                                        return Value();
-                                                      }},
-                                                     {"ButtonPress",
-                                                      kOperation,
-                                                      {{"button", Type::kText}},
-                                                      Type::kNone,
-                                                      [this](Args& args) {
-                                                        note("ButtonPress " + base::ToText(args[0]));
-                                                        if (manner_.press) manner_.press();
-                                                        return Value();
-                                                      }},
-                                                     {"SelectMenu",
-                                                      kOperation,
-                                                      {{"menu", Type::kText}},
-                                                      Type::kNone,
-                                                      [this](Args& args) {
-                                                        note("SelectMenu " + base::ToText(args[0]));
-                                                        return Value();
-                                                      }},
-                                                     {"GenPage",
-                                                      kOperation,
-                                                      {{"lnk", Type::kText}},
-                                                      Type::kText,
-                                                      [this](Args& args) {
-                                                        if (manner_.genPage)
-                                                          return Value(
-                                                              manner_.genPage(base::ToText(args[0])));
-                                                        return Value(
-                                                            "<p>page " + base::ToText(args[0]) + " for " +
-                                                            base::ToText(host_->call("WEBLoggedInUser")) +
-                                                            "</p><form method=\"post\"><input class=formtext "
-                                                            "name=\"a\"></form>");
-                                                      }},
-                                                     {"PagePut",
-                                                      kOperation,
-                                                      {{"data", Type::kText}},
-                                                      Type::kText,
-                                                      [this](Args& args) {
-                                                        const std::string data = base::ToText(args[0]);
-                                                        if (manner_.pagePut)
-                                                          return Value(manner_.pagePut(data));
-                                                        return Value("<p>put " + std::to_string(data.size()) +
-                                                                     ":" + data.substr(0, 40) + "</p>");
-                                                      }}}));
+    return std::make_shared<TableOf>("vxif",
+                                     base::words::Joined(manner_.more, ownMembers(), commandMembers()));
+  }
+  std::vector<Member> ownMembers() {
+    using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+    return {ReadField("Link", Type::kText, [] { return "WMP_PListEdit"; }),
+            ReadField("LinkText", Type::kText, [] { return "PlayList Editor"; }),
+            ReadField("Page_Title", Type::kText, [] { return "Vantorix Media Player"; }),
+            Constant("Name", Type::kText, "Media Player"),
+            Command("RegisterCallback", {Reference("frm")},
+                    [this](Args& args) {
+                      note("RegisterCallback");
+                      callback_ = ReferenceAt(args, 0);
+                      host_ = base::ToObject(callback_->call("GetVXIface"));
+                    }),
+            Operation("InitIO", {Number("port")}, Type::kText,
+                      [this](Args& args) {
+                        note("InitIO " + TextAt(args, 0));
+                        if (manner_.init) manner_.init(*callback_, *host_, self_);
+                        return manner_.refusal;
+                      }),
+            Operation("InterfaceStatus", {}, Type::kInt16,
+                      [this] {
+                        const bool ready = !manner_.ready || manner_.ready();
+                        return static_cast<std::int16_t>(ready ? 0 : 2);
+                      }),
+            Command("ShutdownIO", {}, [this] {
+              note("ShutdownIO");
+              if (manner_.end) manner_.end();
+            })};
+  }
+  std::vector<Member> commandMembers() {
+    using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
+    return {
+        wording("TriggerUIFormat"),
+        wording("ConditionUIFormat"),
+        wording("ActionUIFormat"),
+        Command("SetIO",
+                {Reference("dv"), Text("hc"), Text("dc"), Short("Command"), Short("Brightness"),
+                 Short("data1"), Short("data2")},
+                [this](Args& args) {
+                  std::string line = "SetIO " + base::ToText(base::Deref(args[0]).get("name"));
+                  for (std::size_t i = 1; i < args.size(); ++i) line += " " + TextAt(args, i);
+                  if (manner_.act) manner_.act(*host_);
+                  note(line + " after " +
+                       base::ToText(base::Deref(host_->call("System")).get("LastVoiceCommand")));
+                }),
+        Command("ButtonPress", {Text("button")},
+                [this](Args& args) {
+                  note("ButtonPress " + TextAt(args, 0));
+                  if (manner_.press) manner_.press();
+                }),
+        Command("SelectMenu", {Text("menu")}, [this](Args& args) { note("SelectMenu " + TextAt(args, 0)); }),
+        Operation("GenPage", {Text("lnk")}, Type::kText,
+                  [this](Args& args) {
+                    if (manner_.genPage) return manner_.genPage(TextAt(args, 0));
+                    return "<p>page " + TextAt(args, 0) + " for " +
+                           base::ToText(host_->call("WEBLoggedInUser")) +
+                           "</p><form method=\"post\"><input class=formtext name=\"a\"></form>";
+                  }),
+        Operation("PagePut", {Text("data")}, Type::kText, [this](Args& args) {
+          const std::string data = TextAt(args, 0);
+          if (manner_.pagePut) return manner_.pagePut(data);
+          return "<p>put " + std::to_string(data.size()) + ":" + data.substr(0, 40) + "</p>";
+        })};
   }
 
   Manner manner_;
