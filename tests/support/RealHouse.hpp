@@ -40,7 +40,9 @@ class RealHouse {
     std::vector<std::string> words{STANDIN_PROGRAM, "--port", "0",           "--data",
                                    data().string(), "--bus",  bus_.address()};
     words.insert(words.end(), setup_.serverWords.begin(), setup_.serverWords.end());
-    server_ = std::make_unique<Process>(words);
+    // No house under test speaks aloud, wherever it runs.
+    server_ = std::make_unique<Process>(
+        words, std::vector<std::string>{"PULSE_SERVER=unix:/dev/null", "ALSA_CONFIG_PATH=/dev/null"});
     const std::string greeting = "Vantorix is at http://127.0.0.1:";
     server_->outputWith(greeting);
     const std::string said = server_->outputWith("\n");
