@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "base/Failure.hpp"
-#include "base/Text.hpp"
 #include "standin/eventworld/Fade.hpp"
 
 namespace standin {
@@ -11,7 +10,6 @@ namespace standin {
 HouseWorld::HouseWorld(base::Loop& loop, House& house, HouseObjects& objects, PluginKeeper& plugin,
                        Speech& speech, const ScriptStore& scripts, ScriptRunner& runner)
     : loop_(loop),
-      keeper_(plugin),
       house_(house),
       speech_(speech),
       devices_(house, objects, plugin),
@@ -83,7 +81,7 @@ DeviceFacts HouseWorld::factsOf(const Device& device) const {
           .status = device.status,
           .value = device.value,
           .text = device.text,
-          .ofPlugin = !device.interface.empty() && base::SameText(device.interface, keeper_.name())};
+          .ofPlugin = devices_.isOfPlugin(device)};
 }
 
 }  // namespace standin

@@ -30,7 +30,6 @@ class HouseWorld : public EventWorld {
   std::unique_ptr<Deed> tell(const DeviceAction& action, Done done);
 
   base::Loop& loop_;
-  const PluginKeeper& keeper_;
   House& house_;
   Speech& speech_;
   DeviceCommands devices_;

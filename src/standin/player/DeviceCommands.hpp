@@ -25,10 +25,11 @@ class DeviceCommands {
   [[nodiscard]] std::optional<PluginKeeper::Command> turn(std::int32_t ref, bool on) const;
   /// 0 to 32,767. Nothing when the house has done it.
   [[nodiscard]] std::optional<PluginKeeper::Command> set(std::int32_t ref, std::int64_t value) const;
+  /// Whether the plug-in is the one to tell.
+  [[nodiscard]] bool isOfPlugin(const Device& device) const;
 
  private:
   [[nodiscard]] const Device& need(std::int32_t ref) const;
-  [[nodiscard]] bool isOfPlugin(const Device& device) const;
   [[nodiscard]] PluginKeeper::Command setIo(const Device& device, std::int16_t command,
                                             std::int16_t brightness) const;
 

@@ -7,13 +7,9 @@ namespace {
 
 using support::EventsAtAnyWidth;
 using support::EventsInTheHouse;
-using support::EventUser;
 using testing::HasSubstr;
 
-class EventEditor : public EventsAtAnyWidth {
- protected:
-  EventUser user{house, GetParam()};
-};
+class EventEditor : public EventsAtAnyWidth {};
 
 INSTANTIATE_TEST_SUITE_P(Desk, EventEditor, testing::Values(1280));
 INSTANTIATE_TEST_SUITE_P(Phone, EventEditor, testing::Values(360));

@@ -30,8 +30,6 @@ class EventForm : public EventsAtAnyWidth {
     return user.browser.eventually("return !document.querySelector('.form-end .primary').disabled");
   }
   std::string error(int field) { return user.text("#form-" + std::to_string(field) + "-error"); }
-
-  EventUser user{house, GetParam()};
 };
 
 INSTANTIATE_TEST_SUITE_P(Desk, EventForm, testing::Values(1280));

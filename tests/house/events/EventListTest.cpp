@@ -7,14 +7,10 @@ namespace {
 
 using support::EventsAtAnyWidth;
 using support::EventsInTheHouse;
-using support::EventUser;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class EventList : public EventsAtAnyWidth {
- protected:
-  EventUser user{house, GetParam()};
-};
+class EventList : public EventsAtAnyWidth {};
 
 INSTANTIATE_TEST_SUITE_P(Desk, EventList, testing::Values(1280));
 INSTANTIATE_TEST_SUITE_P(Phone, EventList, testing::Values(360));

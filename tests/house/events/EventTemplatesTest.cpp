@@ -6,7 +6,6 @@
 namespace {
 
 using support::EventsAtAnyWidth;
-using support::EventUser;
 using support::kDown;
 using support::kEnter;
 using testing::HasSubstr;
@@ -36,7 +35,6 @@ class EventTemplates : public EventsAtAnyWidth {
     ASSERT_TRUE(user.browser.eventually("return /^#events\\/\\d+$/.test(location.hash)"))
         << user.text(".event-end");
   }
-  EventUser user{house, GetParam()};
 };
 
 INSTANTIATE_TEST_SUITE_P(Desk, EventTemplates, testing::Values(1280));

@@ -67,6 +67,8 @@ class EventsInTheHouse : public testing::Test {
 class EventsAtAnyWidth : public EventsInTheHouse, public testing::WithParamInterface<int> {
  protected:
   std::string window() { return GetParam() < 500 ? "a phone" : "a desk"; }
+
+  EventUser user{house, GetParam()};
 };
 
 }  // namespace support

@@ -1,5 +1,6 @@
 // The house's events: what each does, whether it is on, and what has come of it last.
 import {html, live, nothing, render, repeat} from '../kit/html.js';
+import {later, Timer} from '../kit/lasting.js';
 import {folded} from '../kit/picklist.js';
 import {ask, complain} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
@@ -39,7 +40,6 @@ class EventList {
   #sought;
   #shown;
   #turns;
-  #timer = 0;
   #last = 0;
   #changed = new Map();  // switches that were pressed, until the server's answer is read
   #drawing = false;
@@ -53,9 +53,9 @@ class EventList {
     this.#shown = Math.max(kFirst, kept.shown ?? 0);
     keep(() => ({sought: this.#sought, shown: this.#above()}));
     if (this.#edit) this.#turns = new Turns((action) => this.#turn(action), () => this.#draw(), signal);
-    house.on('event', () => this.#soon(), signal);
+    const soon = new Timer(signal, () => this.look());
+    house.on('event', () => soon.ensure(Math.max(kTogether, this.#last + kPause - Date.now())), signal);
     house.on('again', () => this.look(), signal);
-    signal.addEventListener('abort', () => clearTimeout(this.#timer));
     this.#draw();
   }
 
@@ -66,13 +66,6 @@ class EventList {
   /** How many rows lead to the end of what is seen. */
   #above() {
     return [...this.#place.querySelectorAll('.event')].filter((row) => row.getBoundingClientRect().top < innerHeight).length;
-  }
-
-  #soon() {
-    this.#timer ||= setTimeout(() => {
-      this.#timer = 0;
-      this.look();
-    }, Math.max(kTogether, this.#last + kPause - Date.now()));
   }
 
   async look() {
@@ -103,9 +96,8 @@ class EventList {
   #drawMore() {
     if (this.#shown >= this.#found.length || this.#drawing) return;
     this.#drawing = true;
-    requestAnimationFrame(() => setTimeout(() => {
+    requestAnimationFrame(() => later(this.#signal, () => {
       this.#drawing = false;
-      if (this.#signal.aborted) return;
       this.#shown += Math.max(kMore, Math.floor(this.#shown / 2));
       this.#draw();
       this.#drawMore();

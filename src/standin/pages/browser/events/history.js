@@ -1,5 +1,6 @@
 // What has come of every trigger: of one event, or of all; newest first, live.
 import {html, live, render, repeat} from '../kit/html.js';
+import {Timer} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {evaluationDetails, evaluationLine} from './evaluation.js';
 
@@ -21,7 +22,6 @@ class History {
   #read = false;
   #ran;           // only what ran or failed
   #open;          // those that are unfolded
-  #timer = 0;
   #wanted;        // how many the reader has seen
 
   constructor(place, {signal, house, title, keep, kept}, id) {
@@ -33,9 +33,9 @@ class History {
     this.#ran = kept.ran ?? false;
     this.#wanted = kept.wanted ?? kPage;
     keep(() => ({open: [...this.#open], ran: this.#ran, wanted: this.#entries.length}));
-    house.on('event', (event) => { if (!id || event.id === id) this.#soon(); }, signal);
+    const soon = new Timer(signal, () => this.#look());
+    house.on('event', (event) => { if (!id || event.id === id) soon.ensure(kTogether); }, signal);
     house.on('again', () => this.#look(), signal);
-    signal.addEventListener('abort', () => clearTimeout(this.#timer));
     title('History · Events');
     this.#draw();
   }
@@ -52,13 +52,6 @@ class History {
       this.#draw();
     } catch {  // it has been deleted; its history is shown all the same
     }
-  }
-
-  #soon() {
-    this.#timer ||= setTimeout(() => {
-      this.#timer = 0;
-      this.#look();
-    }, kTogether);
   }
 
   #ask(before, count) {

@@ -1,5 +1,6 @@
 // Trying an event out: what it would do, what it does, and what has come of it last.
 import {html} from '../kit/html.js';
+import {Timer} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {evaluationDetails, evaluationLine, seenConditions} from './evaluation.js';
 
@@ -10,22 +11,14 @@ export class Trying {
   #signal;
   #answer = null;  // of "What would happen?"
   #last = null;    // the newest evaluation
-  #timer = 0;
 
   /** `editor`: {id, dirty, edit, draft(), draw()}. */
   constructor(editor, {signal, house}) {
     this.#editor = editor;
     this.#signal = signal;
-    house.on('event', (event) => { if (event.id === editor.id) this.#soon(); }, signal);
+    const soon = new Timer(signal, () => this.look());
+    house.on('event', (event) => { if (event.id === editor.id) soon.ensure(kTogether); }, signal);
     house.on('again', () => this.look(), signal);
-    signal.addEventListener('abort', () => clearTimeout(this.#timer));
-  }
-
-  #soon() {
-    this.#timer ||= setTimeout(() => {
-      this.#timer = 0;
-      this.look();
-    }, kTogether);
   }
 
   async look() {

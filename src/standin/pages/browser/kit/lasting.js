@@ -17,11 +17,21 @@ export class Timer {
 
   start(time = 0) {
     this.stop();
-    if (!this.#signal.aborted) this.#id = setTimeout(() => this.#work(), time);
+    if (this.#signal.aborted) return;
+    this.#id = setTimeout(() => {
+      this.#id = 0;
+      this.#work();
+    }, time);
+  }
+
+  /** The same, but what has been started already stays as it is. */
+  ensure(time) {
+    if (!this.#id) this.start(time);
   }
 
   stop() {
     clearTimeout(this.#id);
+    this.#id = 0;
   }
 }
 
