@@ -27,18 +27,14 @@ std::string AddressBehind(const std::string& marker, const std::string& answer, 
   return service + answer.substr(begin, end - begin);
 }
 
-/// The address with its scheme in capitals, as the large cover is asked for.
-std::string WithUpperScheme(std::string address) {
-  const std::size_t end = std::min(address.find(':'), address.size());
-  std::transform(address.begin(), address.begin() + static_cast<std::ptrdiff_t>(end), address.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return address;
-}
+char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-std::string WithLowerScheme(std::string address) {
-  const std::size_t end = std::min(address.find(':'), address.size());
-  std::transform(address.begin(), address.begin() + static_cast<std::ptrdiff_t>(end), address.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+/// The address with its scheme in such letters: the large cover is asked for in capitals, the small one is
+/// not.
+std::string WithScheme(std::string address, char (*letter)(char)) {
+  const auto end = address.begin() + static_cast<std::ptrdiff_t>(std::min(address.find(':'), address.size()));
+  std::transform(address.begin(), end, address.begin(), letter);
   return address;
 }
 
@@ -160,7 +156,7 @@ bool CoverSearch::remote(Pictures& found) {
 
 bool CoverSearch::remoteLarge(const std::string& answer, Pictures& found) {
   std::string url;
-  step_([&] { url = AddressBehind("<largeCoverParams>", answer, WithUpperScheme(services_.cover)); });
+  step_([&] { url = AddressBehind("<largeCoverParams>", answer, WithScheme(services_.cover, Upper)); });
   if (step_.failed() || url.size() < kShortestAddress) {
     log("Could not find image location");
     return false;
@@ -183,7 +179,7 @@ bool CoverSearch::remoteLarge(const std::string& answer, Pictures& found) {
 
 void CoverSearch::remoteSmall(const std::string& answer, Pictures& found) {
   std::string url;
-  step_([&] { url = AddressBehind("<smallCoverParams>", answer, WithLowerScheme(services_.cover)); });
+  step_([&] { url = AddressBehind("<smallCoverParams>", answer, WithScheme(services_.cover, Lower)); });
   // Longer than 43 and longer than 500 characters: for the large cover just as many do.
   if (step_.failed() || url.size() <= kShortestAddress) return;
   std::string image;

@@ -9,8 +9,8 @@ namespace script {
 /// A member of the script object, and what it answers when it can't do its work: the empty value of its type
 /// unless another is named.
 struct Slot {
-  Slot(base::Member
-           member);  // NOLINT(google-explicit-constructor): most members of the table are just members
+  // NOLINTNEXTLINE(google-explicit-constructor): most members of the table are just members
+  Slot(base::Member member);
 
   base::Member member;
   base::Value start;    ///< the answer before start-up is over

@@ -28,6 +28,7 @@ EvaluationStore::EvaluationStore(House& house, Limits limits)
               "INSERT INTO evaluation (event, time, outcome, dull, size, data) VALUES (?, ?, ?, ?, ?, ?)"),
       update_(DatabaseOf(house),
               "UPDATE evaluation SET outcome = ?, dull = ?, size = ?, data = ? WHERE id = ?"),
+      sizeOf_(DatabaseOf(house), "SELECT size FROM evaluation WHERE id = ?"),
       trim_(DatabaseOf(house),
             "DELETE FROM evaluation WHERE outcome <> 0 AND id IN (SELECT id FROM evaluation WHERE event = ? "
             "AND "
@@ -137,9 +138,8 @@ void EvaluationStore::write(const Evaluation& evaluation) {
   try {
     database::Transaction whole(house_.database);
     if (evaluation.id != 0) {
-      database::Statement old(house_.database, "SELECT size FROM evaluation WHERE id = ?");
-      if (old.with(evaluation.id).step()) bytes_ -= old.integer(0);
-      old.with(std::int64_t{0});
+      if (sizeOf_.with(evaluation.id).step()) bytes_ -= sizeOf_.integer(0);
+      sizeOf_.with();
       update_.with(NumberOf(evaluation.outcome), dull, size, text, evaluation.id).run();
     } else {
       insert_.with(evaluation.event, evaluation.time, NumberOf(evaluation.outcome), dull, size, text).run();

@@ -59,6 +59,7 @@ class EvaluationStore : public EvaluationSink {
   Limits limits_;
   database::Statement insert_;
   database::Statement update_;
+  database::Statement sizeOf_;
   database::Statement trim_;
   std::int64_t bytes_ = 0;  ///< of all that is stored
   std::map<std::int32_t, Evaluation> last_;
