@@ -36,7 +36,7 @@ void EmptyOtherLists(const base::ObjectRef& controls, const GroupAction* chosen)
 class GrowingList {
  public:
   /// Clears the list, and puts in the two lines that begin it.
-  explicit GrowingList(const base::ObjectRef& list) : list_(list) {
+  explicit GrowingList(base::ObjectRef list) : list_(std::move(list)) {
     list_->call("Clear");
     lines_ = {base::Value(""), base::Value(kEntireListLine)};
     try {

@@ -94,6 +94,12 @@ class Browser {
         {{"cmd", "Emulation.setEmulatedMedia"},
          {"params", {{"features", {{{"name", "prefers-color-scheme"}, {"value", scheme}}}}}}});
   }
+  /// A finger comes down ("touchStart") or moves ("touchMove") to a place of the window, in CSS pixels.
+  /// Unlike one of `perform` it stays down until `liftFinger`.
+  void putFinger(const std::string& how, double x, double y) {
+    touch(how, Json::array({{{"x", x}, {"y", y}}}));
+  }
+  void liftFinger() { touch("touchEnd", Json::array()); }
   /// Opens a further tab and goes on there; the first has the number 0.
   void openTab() {
     tabs_.push_back(ask("POST", session_ + "/window/new", {{"type", "tab"}})["handle"].get<std::string>());
@@ -115,6 +121,10 @@ class Browser {
   std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }
 
  private:
+  void touch(const std::string& how, const Json& points) {
+    ask("POST", session_ + "/goog/cdp/execute",
+        {{"cmd", "Input.dispatchTouchEvent"}, {"params", {{"type", how}, {"touchPoints", points}}}});
+  }
   /// Does it again when the page has put a new element in the place of the one just found.
   template <class Act>
   static void atElement(Act&& act) {

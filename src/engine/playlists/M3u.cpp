@@ -271,7 +271,8 @@ void M3uText::insertAll(std::size_t index, const std::vector<M3uItem>& items) {
       throw base::Failure(base::number::kInvalidArgument, "The item has no address");
     const std::size_t begin = added.size();
     const std::string title(tags::Shortened(OneLine(item.title), tags::TagFields::kLongest));
-    added += std::string(kItemTag) + std::to_string(item.seconds) + ',' + title + lineEnd_ + line + lineEnd_;
+    added.append(kItemTag).append(std::to_string(item.seconds)).append(",").append(title).append(lineEnd_);
+    added.append(line).append(lineEnd_);
     pieces.push_back({text_.size() + begin, added.size() - begin});
   }
   needHeader();

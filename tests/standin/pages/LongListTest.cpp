@@ -135,17 +135,13 @@ TEST_F(LongLists, ADragNearTheEdgeScrolls) {
       "const l = document.querySelector('.long').getBoundingClientRect();"
       "return [Math.round(h.x + h.width / 2), Math.round(h.y + h.height / 2), Math.round(Math.min(l.bottom, "
       "innerHeight)) - 8]");
-  browser.perform({{{"type", "pointer"},
-                    {"id", "finger"},
-                    {"parameters", {{"pointerType", "touch"}}},
-                    {"actions",
-                     {{{"type", "pointerMove"}, {"duration", 0}, {"x", box[0]}, {"y", box[1]}},
-                      {{"type", "pointerDown"}, {"button", 0}},
-                      {{"type", "pointerMove"}, {"duration", 200}, {"x", box[0]}, {"y", box[2]}},
-                      // The browser ends a touch with the gesture, so it rests here within it.
-                      {{"type", "pause"}, {"duration", 4000}},
-                      {{"type", "pointerUp"}, {"button", 0}}}}}});
-  EXPECT_GT(browser.run("return document.querySelector('.long').scrollTop").get<double>(), 52 * 5);
+  const auto x = box[0].get<double>();
+  browser.putFinger("touchStart", x, box[1].get<double>());
+  browser.putFinger("touchMove", x, box[2].get<double>() - 20);
+  browser.putFinger("touchMove", x, box[2].get<double>());
+  // It rests there, and the list goes on by itself.
+  EXPECT_TRUE(browser.eventually("return document.querySelector('.long').scrollTop > 52 * 15"));
+  browser.liftFinger();
   EXPECT_TRUE(Eventually([&] { return lists->names("Long")[1] == "Title 2"; }));
   const auto names = lists->names("Long");
   EXPECT_GT(std::find(names.begin(), names.end(), "Title 1") - names.begin(), 10);
