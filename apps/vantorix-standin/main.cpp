@@ -30,6 +30,7 @@
 #include "standin/rules/EvaluationStore.hpp"
 #include "standin/rules/PluginFormats.hpp"
 #include "standin/rules/RuleStore.hpp"
+#include "standin/rules/StoredAlarms.hpp"
 #include "standin/rules/Wordings.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
@@ -93,6 +94,7 @@ int Serve(const Options& options) {
   });
   const Wordings words(house, pluginWords);
   const SystemClock clock;
+  StoredAlarms alarms(house, history);
   const auto end = [&] {
     // A call under way may hang, and nothing is stopped before it has returned.
     if (!loop.quitting()) connection.replyWithin(bus::ReplyLimit::kForStop);
@@ -106,7 +108,8 @@ int Serve(const Options& options) {
     ScriptLimits limits;
     limits.computing = std::chrono::seconds(options.scriptSeconds);
     ScriptRunner runner(loop, connection, house, plugin, host, limits);
-    HouseEvents events({loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock});
+    HouseEvents events(
+        {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
     WebApi api(

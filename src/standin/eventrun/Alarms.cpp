@@ -9,6 +9,11 @@ namespace {
 constexpr std::int64_t kMostCounted =
     2000;  // of those that were missed; a year of days, and a day of minutes
 
+/// A moment that the clock has not reached was seen by a clock that has been set back since.
+std::int64_t LeftOff(std::int64_t seen, std::int64_t now, base::Milliseconds wrong) {
+  return seen - now > wrong.count() ? now : seen;
+}
+
 bool IsOfTime(const Trigger& trigger) {
   return std::holds_alternative<TimeTrigger>(trigger) || std::holds_alternative<SunTrigger>(trigger) ||
          std::holds_alternative<EveryTrigger>(trigger);
@@ -16,15 +21,49 @@ bool IsOfTime(const Trigger& trigger) {
 
 }  // namespace
 
-Alarms::Alarms(base::Loop& loop, const WallClock& clock, Heard heard, Limits limits)
+Alarms::Alarms(base::Loop& loop, const WallClock& clock, AlarmMemory* memory, Heard heard, Limits limits)
     : loop_(loop),
       clock_(clock),
+      memory_(memory),
       heard_(std::move(heard)),
       limits_(limits),
       seen_(clock.now()),
-      timer_(loop_.makeTimer(limits.look, [this] { look(); })) {}
+      keptAt_(seen_),
+      seenTo_(seen_),
+      timer_(loop_.makeTimer(limits.look, [this] { look(); })) {
+  if (memory_ == nullptr) return;
+  if (const auto seen = memory_->seen()) {
+    seenTo_ = LeftOff(*seen, seen_, limits_.wrong);
+    waiting_ = true;
+    until_ = loop_.now() + limits_.start;
+  } else {
+    memory_->keep(seen_);  // the first start of all: nothing was missed
+  }
+  wind();
+}
+
+void Alarms::goOn(std::int32_t event, const Rule& rule) {
+  const std::int64_t now = clock_.now();
+  const auto seen = memory_ == nullptr ? std::nullopt : memory_->seen(event);
+  const std::int64_t from = seen ? LeftOff(*seen, now, limits_.wrong) : now;
+  for (std::size_t i = 0; rule.on && i < rule.triggers.size(); ++i)
+    if (IsOfTime(rule.triggers[i])) plan(event, i, {.trigger = rule.triggers[i], .rung = from}, from);
+  wind();
+}
+
+void Alarms::houseStarted() {
+  waiting_ = false;
+  wind();
+}
+
+void Alarms::houseEnds() {
+  if (memory_ == nullptr || waiting_) return;
+  const std::int64_t now = clock_.now();
+  memory_->keep(keys_.empty() ? now : std::min(now, keys_.begin()->due - 1));
+}
 
 void Alarms::put(std::int32_t event, const Rule* rule) {
+  bool isNew = false;
   std::map<std::size_t, Planned> before;
   if (const auto found = planned_.find(event); found != planned_.end()) before = found->second;
   drop(event);
@@ -37,8 +76,10 @@ void Alarms::put(std::int32_t event, const Rule* rule) {
                                      [&](const auto& each) { return each.second.trigger == trigger; });
       const Planned planned = kept == before.end() ? Planned{trigger} : kept->second;
       plan(event, i, planned, planned.due == 0 ? clock_.now() : planned.due - 1);
+      isNew = isNew || kept == before.end();
     }
   }
+  if (isNew && memory_ != nullptr) memory_->keep(event, clock_.now());
   wind();
 }
 
@@ -48,7 +89,8 @@ void Alarms::place(const std::optional<Place>& place) {
   const auto all = planned_;
   for (const auto& [event, triggers] : all)
     for (const auto& [at, planned] : triggers)
-      if (std::holds_alternative<SunTrigger>(planned.trigger)) plan(event, at, planned, clock_.now());
+      if (std::holds_alternative<SunTrigger>(planned.trigger))
+        plan(event, at, planned, std::max(clock_.now(), planned.rung));
   wind();
 }
 
@@ -77,6 +119,8 @@ void Alarms::drop(std::int32_t event) {
 }
 
 void Alarms::look() {
+  if (waiting_ && loop_.now() < until_) return wind();
+  waiting_ = false;
   const std::int64_t now = clock_.now();
   if (now < seen_) setBack(now);
   seen_ = now;
@@ -87,6 +131,7 @@ void Alarms::look() {
   }
   for (const Key& key : due)
     if (keys_.contains(key)) ring(key, now);  // what has rung before it may have changed the plan
+  keep(now);
   wind();
 }
 
@@ -119,11 +164,20 @@ void Alarms::ring(const Key& key, std::int64_t now) {
   if (inTime) heard_({key.event, key.trigger, *inTime, *inTime, 0});
 }
 
+// What rings now comes to its evaluation a little later, so what is kept is what was seen to the last time.
+void Alarms::keep(std::int64_t now) {
+  if (memory_ == nullptr) return;
+  if (now >= keptAt_ && now - keptAt_ < limits_.keep.count()) return;
+  memory_->keep(std::min(seenTo_, now));
+  seenTo_ = keptAt_ = now;
+}
+
 void Alarms::wind() {
-  timer_->enabled(!keys_.empty());
-  if (keys_.empty()) return;
-  const base::Milliseconds left(std::max<std::int64_t>(keys_.begin()->due - clock_.now(), 1));
-  timer_->interval(std::min(left, limits_.look));
+  timer_->enabled(!keys_.empty() || memory_ != nullptr);
+  base::Milliseconds left = limits_.look;
+  if (!keys_.empty()) left = base::Milliseconds(std::max<std::int64_t>(keys_.begin()->due - clock_.now(), 1));
+  if (waiting_) left = std::max(until_ - loop_.now(), base::Milliseconds(1));
+  timer_->interval(std::min(left, waiting_ ? limits_.start : limits_.look));
 }
 
 }  // namespace standin

@@ -2,6 +2,7 @@
 #include "base/Loop.hpp"
 #include "standin/calendar/WallClock.hpp"
 #include "standin/eventrun/EventWorld.hpp"
+#include "standin/events/AlarmMemory.hpp"
 #include "standin/events/Evaluation.hpp"
 #include "standin/events/EventWords.hpp"
 #include "standin/events/RuleSource.hpp"
@@ -16,6 +17,7 @@ struct EngineParts {
   const EventWords& words;
   EvaluationSink& sink;
   const WallClock& clock;
+  AlarmMemory* alarms = nullptr;  ///< null: nothing is known of an earlier run of the house
 };
 
 }  // namespace standin

@@ -15,9 +15,13 @@ EventEngine::EventEngine(const EngineParts& parts, std::function<void(std::int32
       limits_(limits),
       rounds_(parts.loop, limits.rounds),
       alarms_(
-          parts.loop, parts.clock, [this](const Alarms::Alarm& alarm) { rang(alarm); }, limits.alarms) {
+          parts.loop, parts.clock, parts.alarms, [this](const Alarms::Alarm& alarm) { rang(alarm); },
+          limits.alarms) {
   alarms_.place(parts_.rules.place());
-  for (const auto& [id, event] : parts_.rules.all()) take(event);
+  for (const auto& [id, event] : parts_.rules.all()) {
+    take(event);
+    alarms_.goOn(id, event.rule);
+  }
   parts_.rules.onChange([this, alive = std::weak_ptr(alive_)](std::int32_t id) {
     if (alive.lock()) ruleChanged(id);
   });
@@ -25,11 +29,12 @@ EventEngine::EventEngine(const EngineParts& parts, std::function<void(std::int32
 
 EventEngine::~EventEngine() {
   for (const auto& [number, asking] : dry_) asking->cancel();
+  for (auto& [event, turns] : turns_) turns.houseEnds();
+  alarms_.houseEnds();
 }
 
 void EventEngine::take(const RuledEvent& event) {
   index_.put(event.id, &event.rule);
-  alarms_.put(event.id, &event.rule);
   if (index_.byScript(event.id)) names_[base::LowerCase(event.name)] = event.id;
   for (const Trigger& trigger : event.rule.triggers) {
     const auto* device = std::get_if<DeviceTrigger>(&trigger);
@@ -45,6 +50,7 @@ void EventEngine::ruleChanged(std::int32_t event) {
   const RuledEvent* now = parts_.rules.byId(event);
   if (now != nullptr) {
     take(*now);
+    alarms_.put(event, &now->rule);
   } else {
     index_.put(event, nullptr);
     alarms_.put(event, nullptr);
@@ -98,6 +104,7 @@ void EventEngine::deviceChanged(const DeviceFacts& device) {
 }
 
 void EventEngine::houseStarted() {
+  alarms_.houseStarted();
   const auto entries = index_.ofStart();
   for (const auto& entry : entries) come(entry, rounds_.fresh());
 }
@@ -127,7 +134,7 @@ void EventEngine::rang(const Alarms::Alarm& alarm) {
   const std::string times = alarm.missed == 1 ? std::string() : std::to_string(alarm.missed) + " times";
   given.evaluation.time = alarm.last;
   const std::string why =
-      "The clock was set over it, or the house was asleep" + (times.empty() ? "" : ": " + times);
+      "The clock was set over it, or the house was asleep or off" + (times.empty() ? "" : ": " + times);
   parts_.world.note("Warning", "Event “" + event->name + "” was missed. " + why);
   turnsOf(alarm.event).refuse(std::move(given), Outcome::kMissed, why);
 }

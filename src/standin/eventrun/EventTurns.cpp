@@ -120,13 +120,23 @@ void EventTurns::ended(EventRun& run) {
   this->run(std::move(order));
 }
 
-void EventTurns::stop(const std::string& why, bool running) {
+void EventTurns::houseEnds() {
+  for (auto* list : {&orders_, &queue_})
+    for (Order& each : *list) each.told = nullptr;  // whoever asked has gone
+  dropWaiting(Outcome::kCut, "The house ended before the first action");
+}
+
+void EventTurns::dropWaiting(Outcome outcome, const std::string& why) {
   const auto waiting = std::exchange(orders_, {});
   const auto queued = std::exchange(queue_, {});
   if (asking_) asking_->cancel();
   asking_.reset();
   for (const auto* list : {&waiting, &queued})
-    for (const Order& each : *list) refuse(each, Outcome::kStopped, why);
+    for (const Order& each : *list) refuse(each, outcome, why);
+}
+
+void EventTurns::stop(const std::string& why, bool running) {
+  dropWaiting(Outcome::kStopped, why);
   if (!running) return;
   for (const auto& each : std::vector(runs_)) each->stop(Outcome::kStopped, why);
 }

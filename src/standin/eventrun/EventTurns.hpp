@@ -48,10 +48,13 @@ class EventTurns {
   void refuse(Order order, Outcome outcome, const std::string& why);
   /// Ends what waits and, if `running`, what runs.
   void stop(const std::string& why, bool running);
+  /// The house ends: what waits is told as cut. What runs is, too, when the house starts again.
+  void houseEnds();
   [[nodiscard]] std::size_t running() const { return runs_.size(); }
   [[nodiscard]] bool idle() const { return runs_.empty() && orders_.empty() && queue_.empty() && !asking_; }
 
  private:
+  void dropWaiting(Outcome outcome, const std::string& why);
   void nextSoon();
   void next();
   void asked(bool holds, const std::vector<SeenCondition>& seen);

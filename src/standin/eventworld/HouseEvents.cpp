@@ -8,7 +8,7 @@ HouseEvents::HouseEvents(const Parts& parts)
     : house_(parts.house),
       teller_(parts.loop, parts.house.live),
       world_(parts.loop, parts.house, parts.objects, parts.plugin, parts.speech, parts.scripts, parts.runner),
-      engine_({parts.loop, parts.rules, world_, parts.words, parts.history, parts.clock},
+      engine_({parts.loop, parts.rules, world_, parts.words, parts.history, parts.clock, &parts.alarms},
               [this](std::int32_t event) { teller_.changed(event); }) {
   house_.onTrigger = [this](const std::string& composed) {
     world_.pluginTriggered();

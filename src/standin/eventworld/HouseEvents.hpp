@@ -23,6 +23,7 @@ class HouseEvents {
     const EventWords& words;
     EvaluationSink& history;
     const WallClock& clock;
+    AlarmMemory& alarms;
   };
   explicit HouseEvents(const Parts& parts);
   ~HouseEvents();

@@ -5,7 +5,7 @@
 namespace standin {
 namespace {
 
-constexpr int kSchemaVersion = 3;
+constexpr int kSchemaVersion = 4;
 
 constexpr const char* kTables = R"(
 CREATE TABLE device (ref INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, location TEXT NOT NULL,
@@ -56,6 +56,10 @@ CREATE INDEX evaluation_running ON evaluation (outcome) WHERE outcome = 0;
 CREATE TABLE place (id INTEGER PRIMARY KEY, latitude TEXT NOT NULL, longitude TEXT NOT NULL);
 )";
 
+/// Since version 4: up to when the triggers of time have been seen to, of an event, or of all with number 0.
+constexpr const char* kAlarmTables =
+    "CREATE TABLE alarm_seen (event INTEGER PRIMARY KEY, moment INTEGER NOT NULL)";
+
 }  // namespace
 
 void PrepareSchema(database::Database& database) {
@@ -71,6 +75,7 @@ void PrepareSchema(database::Database& database) {
   if (version < 1) database.run(kTables);
   if (version < 2) database.run(kPlaylistTables);
   if (version < 3) database.run(kRuleTables);
+  if (version < 4) database.run(kAlarmTables);
   database.run("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   whole.commit();
 }

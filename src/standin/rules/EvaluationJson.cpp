@@ -26,8 +26,9 @@ Outcome OutcomeOfName(const std::string& name) {
 }  // namespace
 
 bool IsDull(const Evaluation& evaluation) {
-  // What the end of the house cut had been let run; how far it came is not known.
-  if (evaluation.outcome == Outcome::kRunning || evaluation.outcome == Outcome::kCut) return false;
+  if (evaluation.outcome == Outcome::kRunning) return false;
+  // What the end of the house cut had been let run, if it has a number; how far it came is not known.
+  if (evaluation.outcome == Outcome::kCut && evaluation.id != 0) return false;
   return std::none_of(evaluation.actions.begin(), evaluation.actions.end(),
                       [](const DoneAction& each) { return each.begun; });
 }

@@ -64,7 +64,7 @@ TEST_F(Alarm, IsToldAsMissedWhereTheMachineSleptThroughIt) {
   loop.leap(minutes(1));
   EXPECT_THAT(outcomes(), ElementsAre("missed 13:0"));
   EXPECT_THAT(done(), IsEmpty());
-  EXPECT_EQ(last().why, "The clock was set over it, or the house was asleep");
+  EXPECT_EQ(last().why, "The clock was set over it, or the house was asleep or off");
   EXPECT_EQ(world.notes.size(), 1U);
   loop.leap(hours(23));
   EXPECT_EQ(count(Outcome::kDone), 1) << "the next one is in time again";
@@ -75,7 +75,7 @@ TEST_F(Alarm, OfManyDaysOfSleepIsToldOnce) {
   clock.setBy(hours(24 * 5));
   loop.leap(minutes(1));
   EXPECT_EQ(count(Outcome::kMissed), 1);
-  EXPECT_EQ(last().why, "The clock was set over it, or the house was asleep: 5 times");
+  EXPECT_EQ(last().why, "The clock was set over it, or the house was asleep or off: 5 times");
 }
 
 TEST_F(Alarm, OfEveryMinuteRingsOnceForWhatWasSleptThroughWithinTheTolerance) {
@@ -84,7 +84,7 @@ TEST_F(Alarm, OfEveryMinuteRingsOnceForWhatWasSleptThroughWithinTheTolerance) {
   loop.leap(seconds(30));
   EXPECT_EQ(count(Outcome::kDone), 1);
   EXPECT_EQ(count(Outcome::kMissed), 1);
-  EXPECT_EQ(history.ended.front().why, "The clock was set over it, or the house was asleep: 4 times");
+  EXPECT_EQ(history.ended.front().why, "The clock was set over it, or the house was asleep or off: 4 times");
 }
 
 TEST_F(Alarm, OfEveryMinuteSurvivesAYearOfSleep) {

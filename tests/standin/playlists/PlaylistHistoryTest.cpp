@@ -183,7 +183,8 @@ TEST(Schema, AHouseOfTheFirstVersionIsTakenOver) {
   {
     Database first(folder.path() / "house.db", "The house");
     standin::PrepareSchema(first);
-    for (const char* later : {"playlist_step", "playlist", "event_rule", "event_step", "evaluation", "place"})
+    for (const char* later :
+         {"playlist_step", "playlist", "event_rule", "event_step", "evaluation", "place", "alarm_seen"})
       first.run("DROP TABLE " + std::string(later));
     first.run("DROP TRIGGER event_renamed");
     first.run("INSERT INTO log (time, type, text) VALUES (1, 'Info', 'kept')");

@@ -101,8 +101,8 @@ TEST_F(History, DullOnesNeverPushOutThoseThatRanOrFailed) {
     ran(event, Outcome::kDone);
     ran(event, Outcome::kFailed);
   }
-  constexpr std::array kDull{Outcome::kRefused, Outcome::kLeft, Outcome::kMissed, Outcome::kCircle,
-                             Outcome::kStopped};
+  constexpr std::array kDull{Outcome::kRefused, Outcome::kLeft,    Outcome::kMissed,
+                             Outcome::kCircle,  Outcome::kStopped, Outcome::kCut};
   for (int i = 0; i < 400; ++i)
     store->end(of(event, kDull.at(static_cast<std::size_t>(i) % kDull.size()), i));
   std::size_t ranOrFailed = 0;

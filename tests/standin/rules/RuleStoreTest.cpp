@@ -312,7 +312,7 @@ TEST(AHouseFromBefore, TakesRulesInAsWell) {
     id = house.events.create("Album VR").id;
     house.database.run(
         "DROP TRIGGER event_renamed; DROP TABLE event_rule; DROP TABLE event_step; DROP TABLE evaluation; "
-        "DROP TABLE place; PRAGMA user_version = 2");
+        "DROP TABLE place; DROP TABLE alarm_seen; PRAGMA user_version = 2");
   }
   House house(folder.path());
   RuleStore rules(house);
