@@ -38,8 +38,10 @@ MAY_INCLUDE = {
     "engine/library": "base engine/common files engine/scan engine/tags player",
     "engine/playlists": "base engine/common files engine/library engine/scan engine/tags player",
     "engine/playback": "base engine/common engine/library files player",
+    "engine/queue": "base engine/common engine/library engine/playback engine/playlists files player",
     "engine/machine": "base engine/library engine/tags player",
-    "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists player",
+    "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists engine/queue "
+              "player",
     "demo": "base engine/common",
     "standin/settings": "base files",
     "standin/pages": "base",

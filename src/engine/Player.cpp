@@ -1,5 +1,6 @@
 #include "engine/Player.hpp"
 
+#include <optional>
 #include <random>
 #include <utility>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "engine/playback/MpvOutput.hpp"
 #include "engine/playback/Playback.hpp"
 #include "engine/playlists/StoredPlaylists.hpp"
+#include "engine/queue/QueueKeeper.hpp"
 
 namespace engine {
 namespace {
@@ -119,7 +121,10 @@ class Player : public player::WMP9 {
         playback_(
             loop, output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
             {[this](player::PlayState state) { post_([this, state] { events_.PlayStateChange(state); }); },
-             [this] { post_([this] { events_.Error(); }); }}),
+             [this] { post_([this] { events_.Error(); }); },
+             [this] {
+               if (keeper_) keeper_->note();
+             }}),
         controls_(playback_),
         settings_(playback_, output_, config.mediaAccessRights,
                   [this](const std::string& mode, bool value) {
@@ -136,6 +141,7 @@ class Player : public player::WMP9 {
         drives_(config.cdDevices, config.findCdDrives) {
     output_.listener(playback_);
     playback_.preset(library_.getAll());
+    if (config.resume) takeUp(loop, config.dataFolder);
   }
 
   [[nodiscard]] std::string URL() const override {
@@ -171,6 +177,16 @@ class Player : public player::WMP9 {
   player::PlaylistCollection& playlistCollection() override { return playlists_; }
 
  private:
+  /// What an earlier player played, and everything from now on for a later one.
+  void takeUp(base::Loop& loop, const std::string& folder) {
+    keeper_.emplace(QueueKeeper::Parts{loop, playback_, library_, playlists_, [this] { return ownChoice_; },
+                                       [] { return std::int64_t{0}; },
+                                       [this](const std::string& line) { message(line); }},
+                    folder);
+    if (const auto taken = keeper_->takeUp()) ownChoice_ = taken->chosen;
+    keeper_->begin();
+  }
+
   void assign(const player::PlaylistRef& playlist) {
     ownChoice_ = true;
     playback_.assign(playlist);
@@ -207,6 +223,7 @@ class Player : public player::WMP9 {
   Library library_;
   StoredPlaylists playlists_;
   CdDrives drives_;
+  std::optional<QueueKeeper> keeper_;
   bool fullScreen_ = false;
   bool ownChoice_ = false;  ///< somebody has chosen what to play; until then it is the whole library
 };

@@ -1,5 +1,6 @@
 #include "engine/common/Config.hpp"
 
+#include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -61,7 +62,8 @@ class Reader {
     if (text.front() == '[') {
       if (text.back() != ']') return false;
       section_ = base::LowerCase(text.substr(1, text.size() - 2));
-      return section_ == "library" || section_ == "audio" || section_ == "network" || section_ == "cd";
+      return section_ == "library" || section_ == "audio" || section_ == "network" || section_ == "cd" ||
+             section_ == "playback";
     }
     const auto equals = text.find('=');
     if (equals == std::string::npos) return false;
@@ -86,6 +88,11 @@ class Reader {
     if (key == "library.data" && !value.empty()) return set(config_.dataFolder, Folder(value));
     if (key == "library.playlists" && !value.empty()) return set(config_.playlistFolder, Folder(value));
     if (key == "audio.output") return set(config_.audioOutput, value);
+    if (key == "playback.resume") return choice(config_.resume, value);
+    if (key == "playback.replaygain") return gain(value);
+    if (key == "playback.preamp") return number(config_.preamp, value, -24, 24);
+    if (key == "playback.clipping") return choice(config_.clipping, value);
+    if (key == "playback.crossfade") return number(config_.crossfade, value, 0, 12);
     if (key == "network.metadata") return set(config_.metadataAddress, value);
     if (key == "network.cover") return set(config_.coverAddress, value);
     if (key == "cd.drive" && !value.empty()) {
@@ -96,6 +103,26 @@ class Reader {
     return false;
   }
 
+  static bool choice(bool& field, const std::string& value) {
+    const std::string folded = base::LowerCase(value);
+    field = folded == "yes";
+    return field || folded == "no";
+  }
+  bool gain(const std::string& value) {
+    const std::string folded = base::LowerCase(value);
+    if (folded == "track")
+      config_.replayGain = ReplayGain::kTrack;
+    else if (folded == "album")
+      config_.replayGain = ReplayGain::kAlbum;
+    else
+      config_.replayGain = ReplayGain::kOff;
+    return config_.replayGain != ReplayGain::kOff || folded == "off";
+  }
+  static bool number(double& field, const std::string& value, double least, double most) {
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, field);
+    return read.ec == std::errc() && read.ptr == end && field >= least && field <= most;
+  }
   static bool set(std::string& field, const std::string& value) {
     field = value;
     return true;

@@ -6,6 +6,9 @@
 
 namespace engine {
 
+/// Which of the loudnesses that tags tell is made the same for all.
+enum class ReplayGain : std::uint8_t { kOff, kTrack, kAlbum };
+
 /// What the player is set up with. Every field has a default that works.
 struct Config {
   std::vector<std::string> musicFolders;  ///< absolute; scanned with everything below them
@@ -17,6 +20,11 @@ struct Config {
   bool untimed = false;                ///< silence runs as fast as it can instead of in real time
   std::vector<std::string> cdDevices;  ///< drives or CUE files
   bool findCdDrives = true;            ///< whether to look for the machine's own drives: if none are set up
+  ReplayGain replayGain = ReplayGain::kOff;
+  double preamp = 0;      ///< decibels on top of what the tags say
+  bool clipping = false;  ///< louder than full scale is allowed: peaks are cut
+  double crossfade = 0;   ///< seconds in which one title goes over into the next; 0 for none
+  bool resume = true;     ///< what was played is taken up again at the next start, stopped
   std::string metadataAddress;
   std::string coverAddress;
   int tagWorkers = 2;

@@ -48,6 +48,7 @@ void ListPlaylist::insertItem(std::int32_t index, const player::MediaRef& media)
   // Each place has an object of its own, so that one of two equal items can be told from the other.
   const auto* known = dynamic_cast<const EngineMedia*>(media.get());
   own().insert(own().begin() + index, known != nullptr ? known->copy() : media);
+  tell({{static_cast<std::size_t>(index), 0, 1}});
 }
 
 std::size_t ListPlaylist::placeOf(const player::MediaRef& media) {
@@ -67,11 +68,16 @@ std::size_t ListPlaylist::placeOf(const player::MediaRef& media) {
 void ListPlaylist::removeItem(const player::MediaRef& media) {
   const std::size_t place = placeOf(media);
   own().erase(own().begin() + static_cast<std::ptrdiff_t>(place));
+  tell({{place, 1, 0}});
 }
 
 void ListPlaylist::removeItems(const std::vector<std::int32_t>& places) {
   checkPlaces(places);
   EraseAt(own(), places);
+  std::vector<ListStep> steps;
+  for (auto place = places.rbegin(); place != places.rend(); ++place)
+    steps.push_back({static_cast<std::size_t>(*place), 1, 0});
+  tell(steps);
 }
 
 void ListPlaylist::checkPlaces(const std::vector<std::int32_t>& places) const {
@@ -90,6 +96,11 @@ void ListPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {
   const player::MediaRef media = items[static_cast<std::size_t>(oldIndex)];
   items.erase(items.begin() + oldIndex);
   items.insert(items.begin() + newIndex, media);
+  tell({{static_cast<std::size_t>(oldIndex), 1, 0}, {static_cast<std::size_t>(newIndex), 0, 1}});
+}
+
+void ListPlaylist::tell(const std::vector<ListStep>& steps) const {
+  if (watch_ != nullptr) watch_->edited(steps);
 }
 
 player::PlaylistRef ListPlaylistArray::item(std::int32_t index) const {

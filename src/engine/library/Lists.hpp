@@ -10,6 +10,27 @@
 
 namespace engine {
 
+/// One step of a list's change: at a place so many items were taken out, and then so many put in there.
+struct ListStep {
+  std::size_t place = 0;
+  std::size_t removed = 0;
+  std::size_t added = 0;
+};
+
+/// Who is told what happens to a list in memory.
+class ListWatch {
+ public:
+  ListWatch() = default;
+  virtual ~ListWatch() = default;
+  ListWatch(const ListWatch&) = delete;
+  ListWatch& operator=(const ListWatch&) = delete;
+  ListWatch(ListWatch&&) = delete;
+  ListWatch& operator=(ListWatch&&) = delete;
+
+  /// After one change of the list; each step counts places as the step before has left them.
+  virtual void edited(const std::vector<ListStep>& steps) = 0;
+};
+
 /// An ordered list of media in memory. One that answers a question shares the index's own list until it is
 /// changed; changing it changes nothing else.
 class ListPlaylist : public player::Playlist, public player::ManyOut {
@@ -30,6 +51,9 @@ class ListPlaylist : public player::Playlist, public player::ManyOut {
   void removeItems(const std::vector<std::int32_t>& places) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
 
+  /// One watch at a time, or none; it ends before the list or takes itself away.
+  void watch(ListWatch* watch) { watch_ = watch; }
+
  protected:
   /// The items as a list of its own.
   std::vector<player::MediaRef>& own();
@@ -42,10 +66,13 @@ class ListPlaylist : public player::Playlist, public player::ManyOut {
   void checkPlaces(const std::vector<std::int32_t>& places) const;
 
  private:
+  void tell(const std::vector<ListStep>& steps) const;
+
   std::string name_;
   ShelfRef shelf_;
   TrackList tracks_;
   std::optional<std::vector<player::MediaRef>> items_;
+  ListWatch* watch_ = nullptr;
 };
 
 class ListPlaylistArray : public player::PlaylistArray {

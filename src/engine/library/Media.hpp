@@ -67,6 +67,7 @@ class LooseMedia : public EngineMedia {
   [[nodiscard]] std::string location() const override { return location_; }
   /// The same, to be looked at only.
   [[nodiscard]] const std::string& place() const { return location_; }
+  [[nodiscard]] const TrackTags& tags() const { return tags_; }
   [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
     return std::make_shared<LooseMedia>(location_, tags_);
   }

@@ -25,6 +25,14 @@ void PlayQueue::assign(player::PlaylistRef playlist) {
   rewind();
 }
 
+bool PlayQueue::assignAt(player::PlaylistRef playlist, const std::string& source, int near) {
+  assign(std::move(playlist));
+  if (!current_) return false;
+  const int place = placeOf(source, std::clamp(near, 0, knownCount_ - 1));
+  moveTo(place >= 0 ? place : std::clamp(near, 0, knownCount_ - 1));
+  return place >= 0;
+}
+
 void PlayQueue::rewind() {
   knownCount_ = count();
   index_ = 0;

@@ -19,9 +19,14 @@ class PlayQueue {
   void assign(player::PlaylistRef playlist);
   /// Takes a newer version of the playlist without leaving the current item, if it is still in it.
   void replace(player::PlaylistRef playlist);
+  /// Takes up a playlist at the item with that source, the one nearest to `near` if there are several; false
+  /// without one, and then at the place `near` itself, as far as the list goes.
+  bool assignAt(player::PlaylistRef playlist, const std::string& source, int near);
   [[nodiscard]] const player::PlaylistRef& playlist() const { return playlist_; }
   [[nodiscard]] const player::MediaRef& current() const { return current_; }
   [[nodiscard]] int count() const;
+  /// The current item's place, or, when it has gone from the list, the one before what follows.
+  [[nodiscard]] int index() const { return index_; }
 
   /// The playlist itself may have changed.
   void changed() { stale_ = true; }

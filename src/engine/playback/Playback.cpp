@@ -26,6 +26,7 @@ Playback::Playback(base::Loop& loop, Output& output, ErrorList& errors, std::uin
 
 void Playback::tell(PlayState state) {
   state_ = state;
+  events_.place();
   events_.state(state);
 }
 
@@ -51,6 +52,13 @@ void Playback::preset(const player::PlaylistRef& playlist) {
   state_ = queue_.current() ? player::kStopped : player::kUndefined;
 }
 
+void Playback::preset(const player::PlaylistRef& playlist, const std::string& source, int near,
+                      double seconds) {
+  const bool there = queue_.assignAt(playlist, source, near);
+  state_ = queue_.current() ? player::kStopped : player::kUndefined;
+  startAt_ = there && seconds < queue_.current()->duration() ? seconds : 0;
+}
+
 void Playback::refresh(const player::PlaylistRef& playlist) {
   queue_.replace(playlist);
   if (!active() && !queue_.current()) state_ = player::kUndefined;
@@ -63,6 +71,7 @@ void Playback::listChanged() {
   queue_.takeUp();
   if (state_ == player::kUndefined && queue_.current()) state_ = player::kStopped;
   if (running() || state_ == player::kPaused || state_ == player::kBuffering) prepareNext();
+  events_.place();
 }
 
 void Playback::play() {
@@ -95,6 +104,7 @@ void Playback::begin() {
   nextEntry_ = 0;
   putOff_.clear();
   output_.load(entry_, LocationOf(*queue_.current()));
+  events_.place();
   if (state_ != player::kTransitioning) tell(player::kTransitioning);
 }
 
@@ -108,6 +118,7 @@ void Playback::pause() {
 void Playback::stop() {
   if (!active()) return;
   endScan();
+  events_.place();  // for the last time where it was
   entry_ = nextEntry_ = 0;
   putOff_.clear();
   startAt_ = 0;
@@ -203,6 +214,7 @@ void Playback::position(double seconds) {
   } else {
     startAt_ = wanted;
   }
+  events_.place();
 }
 
 void Playback::loop(bool value) {

@@ -18,7 +18,8 @@ class Playback : public OutputEvents {
  public:
   struct Events {
     std::function<void(player::PlayState)> state;
-    std::function<void()> error;  ///< an item was added to the error list
+    std::function<void()> error;          ///< an item was added to the error list
+    std::function<void()> place = [] {};  ///< another list, item or position may be the one to go on from
   };
 
   Playback(base::Loop& loop, Output& output, ErrorList& errors, std::uint32_t seed, Events events);
@@ -30,6 +31,9 @@ class Playback : public OutputEvents {
   void assign(const player::PlaylistRef& playlist);
   /// The library at the start: taken up without telling a state.
   void preset(const player::PlaylistRef& playlist);
+  /// What was played by an earlier player, stopped: `seconds` count from the start of the item with that
+  /// source, which stood at `near`. Without it the item that stands there now begins at its start.
+  void preset(const player::PlaylistRef& playlist, const std::string& source, int near, double seconds);
   /// A newer version of the same playlist.
   void refresh(const player::PlaylistRef& playlist);
   /// The playlist itself may have changed.
@@ -45,6 +49,8 @@ class Playback : public OutputEvents {
   /// Whether the step of that name makes sense now. The name is in lower case.
   [[nodiscard]] bool available(const std::string& step);
 
+  /// Playing or scanning.
+  [[nodiscard]] bool running() const;
   [[nodiscard]] double position() const;
   void position(double seconds);
   void loop(bool value);
@@ -69,8 +75,6 @@ class Playback : public OutputEvents {
   void tellPutOff();
   /// True while an item is loaded or being loaded.
   [[nodiscard]] bool active() const;
-  /// Playing or scanning.
-  [[nodiscard]] bool running() const;
   /// Failures are told one by one; of very many in a row the rest is told as one.
   void noteFailure(const player::Media& media, const std::string& reason);
   void tellUntold();

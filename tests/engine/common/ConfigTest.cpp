@@ -25,6 +25,17 @@ TEST(PlayerConfig, AMissingFileLeavesTheDefaults) {
   EXPECT_TRUE(config.findCdDrives);
 }
 
+TEST(PlayerConfig, WhatWasPlayedIsTakenUpUnlessTheFileSaysNo) {
+  const TempFolder folder;
+  EXPECT_TRUE(LoadConfig(folder / "none.ini").resume);
+  std::ofstream(folder / "player.ini") << "[Playback]\nResume = No\n";
+  EXPECT_FALSE(LoadConfig(folder / "player.ini").resume);
+  std::ofstream(folder / "player.ini") << "[playback]\nresume=yes\n";
+  EXPECT_TRUE(LoadConfig(folder / "player.ini").resume);
+  std::ofstream(folder / "player.ini") << "[playback]\nresume=perhaps\n";
+  EXPECT_THROW(LoadConfig(folder / "player.ini"), base::Failure);
+}
+
 TEST(PlayerConfig, AFileIsReadOverThem) {
   const TempFolder folder;
   std::ofstream(folder / "player.ini") << "# music\n[Library]\nfolder = /srv/music/\nfolder=/srv/more\n"
