@@ -32,13 +32,13 @@ std::shared_ptr<Speech::Order> Speech::take(Order order) {
   house_.log.write("Speech", order.text);
   // More than anybody would listen to: the log has it.
   if (order.text.empty() || orders_.size() >= kMostWaiting) return nullptr;
-  const auto taken = std::make_shared<Order>(std::move(order));
+  auto taken = std::make_shared<Order>(std::move(order));
   orders_.push_back(taken);
   if (!busy_) beginSoon();
   return taken;
 }
 
-void Speech::speak(const std::string& text, bool tone, Said said) {
+void Speech::speak(const std::string& text, bool tone, const Said& said) {
   if (!take({text, tone, said}) && said) said(text.empty() ? "" : "Too many texts wait to be said");
 }
 

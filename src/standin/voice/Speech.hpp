@@ -36,7 +36,7 @@ class Speech {
   /// The same without waiting: `said` is called when it has been said, or at once where it is only written to
   /// the log, unless the speech itself ends before. With `tone`, that comes first. To say nothing never
   /// fails.
-  void speak(const std::string& text, bool tone, Said said);
+  void speak(const std::string& text, bool tone, const Said& said);
 
  private:
   struct Order {

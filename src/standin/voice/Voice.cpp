@@ -44,6 +44,7 @@ constexpr std::array kPlayerPhrases{
 
 std::vector<std::string> PlayerPhrases() {
   std::vector<std::string> phrases;
+  phrases.reserve(kPlayerPhrases.size());
   for (const PlayerPhrase& each : kPlayerPhrases) phrases.emplace_back(each.phrase);
   return phrases;
 }
