@@ -40,7 +40,7 @@ class DialogControls : public base::TableObject {
 
 }  // namespace
 
-DialogForm::DialogForm(DialogText text, DialogControl::Changed changed) : text_(std::move(text)) {
+DialogForm::DialogForm(DialogText text, const DialogControl::Changed& changed) : text_(std::move(text)) {
   float top = kEdge;
   for (DialogRow& row : text_.rows) {
     const bool button = row.kind == FieldKind::kButton;

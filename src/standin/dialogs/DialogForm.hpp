@@ -21,7 +21,7 @@ using DialogValues = std::map<std::int32_t, std::string>;
 class DialogForm {
  public:
   /// `changed` is called whenever the plug-in has changed a control.
-  DialogForm(DialogText text, DialogControl::Changed changed);
+  DialogForm(DialogText text, const DialogControl::Changed& changed);
   /// Whoever still holds one of the controls changes nothing by it from now on.
   ~DialogForm();
   DialogForm(const DialogForm&) = delete;

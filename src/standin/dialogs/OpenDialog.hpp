@@ -99,7 +99,7 @@ class OpenDialog {
   OpenRef usable(std::int64_t dialog);
   [[nodiscard]] bool isOpen(const OpenRef& open) const { return current_ == open; }
   DialogAnswer formOf(const Open& open);
-  DialogAnswer refusalOf(const DialogValues& values) const;
+  [[nodiscard]] DialogAnswer refusalOf(const DialogValues& values) const;
   void end();
   void tell(const Open& open, const char* what);
   void changed(const Open& open);

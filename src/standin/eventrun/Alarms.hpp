@@ -60,6 +60,7 @@ class Alarms {
     std::int64_t due = 0;
     std::int32_t event = 0;
     std::size_t trigger = 0;
+    // NOLINTNEXTLINE(modernize-use-nullptr): the comparison's own zero is taken for a pointer's
     auto operator<=>(const Key&) const = default;
   };
   struct Planned {

@@ -21,7 +21,7 @@ std::string FieldOf(const DeviceFacts& device, DeviceField field) {
 }  // namespace
 
 std::string Shown(const DeviceFacts& device, DeviceField field) {
-  const std::string plain = FieldOf(device, field);
+  std::string plain = FieldOf(device, field);
   if (field != DeviceField::kStatus) return plain;
   if (device.status == kStatusOn) return "on";
   if (device.status == kStatusOff) return "off";

@@ -64,7 +64,8 @@ void EventTurns::asked(bool holds, const std::vector<SeenCondition>& seen) {
   const auto over = std::exchange(asking_, nullptr);
   nextSoon();
   if (holds) return decide(std::move(order));
-  refuse(std::move(order), Outcome::kRefused, Objection(seen, order.rule->any));
+  const std::string why = Objection(seen, order.rule->any);
+  refuse(std::move(order), Outcome::kRefused, why);
 }
 
 void EventTurns::decide(Order order) {

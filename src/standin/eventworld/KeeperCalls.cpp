@@ -36,7 +36,7 @@ void KeeperCalls::callAnyway(PluginKeeper::Command command, EventWorld::Done don
 
 std::shared_ptr<KeeperCalls::Pending> KeeperCalls::begin(PluginKeeper::Command command,
                                                          EventWorld::Done done) {
-  const auto pending = std::make_shared<Pending>();
+  auto pending = std::make_shared<Pending>();
   pending->done = std::move(done);
   pending->patience = loop_.makeTimer(patience_, [this, weak = std::weak_ptr(pending)] {
     if (const auto late = weak.lock()) end(late, "The plug-in has not answered in time");

@@ -22,7 +22,7 @@ RawPlayer::RawPlayer(base::Object& vxif)
 }
 
 base::ObjectRef RawPlayer::part(const char* name) const {
-  const base::ObjectRef found = base::ToObject(player_->get(name));
+  base::ObjectRef found = base::ToObject(player_->get(name));
   base::Deref(found);
   return found;
 }

@@ -55,7 +55,7 @@ PlaylistStep StepOf(const std::string& text) {
     step.from = PlaceOf(json.at("from"));
     step.to = PlaceOf(json.at("to"));
     for (const Json& item : json.at("items")) {
-      step.items.push_back({item.at(0).get<std::string>(), item.at(1).get<std::string>()});
+      step.items.emplace_back(item.at(0).get<std::string>(), item.at(1).get<std::string>());
       if (item.size() < 4) continue;
       step.items.back().artist = item.at(2).get<std::string>();
       step.items.back().seconds = item.at(3).get<double>();

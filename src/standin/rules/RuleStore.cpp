@@ -146,7 +146,7 @@ RuleStore::Turned RuleStore::turnStep(bool undo) {
     throw base::Failure(base::number::kFileNotFound,
                         undo ? "There is nothing to undo" : "There is nothing to redo");
   }
-  const Turned turned{step->event, WordsOf(*step)};
+  Turned turned{step->event, WordsOf(*step)};
   database::Transaction whole(house_.database);
   turnInto(*step, undo);
   steps_.turned(*step, undo);

@@ -63,13 +63,13 @@ class RuleStore : public RuleSource {
   void setPlace(const std::optional<Place>& place);
 
  private:
-  const RuledEvent& need(std::int32_t id) const;
+  [[nodiscard]] const RuledEvent& need(std::int32_t id) const;
   void mustBeFree(const std::string& name, std::int32_t except) const;
   Turned turnStep(bool undo);
   void turnInto(RuleStep& step, bool undo);
   std::int32_t insert(const WholeEvent& whole);
   void rewrite(const RuledEvent& event, std::int64_t version);
-  WholeEvent wholeOf(std::int32_t id) const;
+  [[nodiscard]] WholeEvent wholeOf(std::int32_t id) const;
   void load();
   void loadPlace();
   void read(std::int32_t id);

@@ -112,7 +112,7 @@ void PushLua(lua_State* lua, const base::Value& value) {
     lua_createtable(lua, static_cast<int>(all.size()), 0);
     for (std::size_t i = 0; i < all.size(); ++i) {
       PushLua(lua, all[i]);
-      lua_rawseti(lua, -2, static_cast<lua_Integer>(i + 1));
+      lua_rawseti(lua, -2, static_cast<lua_Integer>(i) + 1);
     }
   } else if (const auto* record = std::get_if<std::shared_ptr<const base::Record>>(&held)) {
     lua_createtable(lua, 0, static_cast<int>((*record)->size()));
