@@ -23,6 +23,7 @@
 #include "standin/http/RefusedPosts.hpp"
 #include "standin/http/WebServer.hpp"
 #include "standin/player/LibrarySearch.hpp"
+#include "standin/player/NowPlaying.hpp"
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
@@ -83,6 +84,7 @@ int Serve(const Options& options) {
   PlayerLibrary library(loop, connection, plugin);
   LibrarySearch search(loop, library);
   Playlists playlists(loop, connection, plugin, house, library);
+  NowPlaying nowPlaying(loop, connection, plugin, house);
   OpenDialog dialog(loop, plugin, house);
   ScriptStore scripts(house.folder / "scripts");
   RuleStore rules(house);
@@ -116,9 +118,9 @@ int Serve(const Options& options) {
         visitors, gate,
         Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin, library),
                 DialogRoutes(dialog), EventRoutes({house, rules, history, words, events.control(), scripts}),
-                LibraryRoutes(library, search), PlaylistRoutes(playlists, library),
-                ScriptRoutes(scripts, runner), UserRoutes(house, visitors, gate),
-                PageRoutes(house, plugin)}));
+                LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
+                PlaylistRoutes(playlists, library), ScriptRoutes(scripts, runner),
+                UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,
                                .live = house.live,

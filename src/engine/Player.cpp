@@ -15,6 +15,7 @@
 #include "engine/playback/ErrorList.hpp"
 #include "engine/playback/MpvOutput.hpp"
 #include "engine/playback/Playback.hpp"
+#include "engine/playback/QueueList.hpp"
 #include "engine/playlists/StoredPlaylists.hpp"
 #include "engine/queue/QueueKeeper.hpp"
 
@@ -165,6 +166,16 @@ class Player : public player::WMP9 {
   [[nodiscard]] player::PlaylistRef currentPlaylist() const override { return playback_.queue().playlist(); }
   void currentPlaylist(const player::PlaylistRef& playlist) override { assign(playlist); }
 
+  player::PlaylistRef queue() override { return queue_; }
+  [[nodiscard]] std::int64_t queueMark() const override { return queue_->mark(); }
+  [[nodiscard]] std::int32_t queuePlace() override { return queueIsShown() ? playback_.place() : -1; }
+  void playFrom(const player::PlaylistRef& playlist, std::int32_t index) override {
+    if (!playlist) throw base::Failure(base::number::kObjectMissing);
+    if (index < 0 || index >= playlist->count()) throw base::Failure(base::number::kIndex);
+    take(playlist);
+    playback_.playAt(index);
+  }
+  void playItem(std::int32_t index) override { playback_.playAt(index); }
   [[nodiscard]] std::int32_t playState() const override { return playback_.state(); }
   [[nodiscard]] std::string status() const override { return StatusText(playback_.state()); }
   [[nodiscard]] std::string versionInfo() const override { return "9.0.23"; }
@@ -180,18 +191,32 @@ class Player : public player::WMP9 {
   /// What an earlier player played, and everything from now on for a later one.
   void takeUp(base::Loop& loop, const std::string& folder) {
     keeper_.emplace(QueueKeeper::Parts{loop, playback_, library_, playlists_, [this] { return ownChoice_; },
-                                       [] { return std::int64_t{0}; },
+                                       [this] { return queue_->mark(); },
                                        [this](const std::string& line) { message(line); }},
                     folder);
-    if (const auto taken = keeper_->takeUp()) ownChoice_ = taken->chosen;
+    if (const auto taken = keeper_->takeUp()) {
+      ownChoice_ = taken->chosen;
+      if (taken->mark != 0) queue_->mark(taken->mark);
+    }
     keeper_->begin();
   }
 
-  void assign(const player::PlaylistRef& playlist) {
+  void take(const player::PlaylistRef& playlist) {
     ownChoice_ = true;
+    queue_->begin();
     playback_.assign(playlist);
+  }
+
+  void assign(const player::PlaylistRef& playlist) {
+    take(playlist);
     if (settings_.autoStart()) playback_.play();
   }
+
+  /// What is there only because nobody has chosen anything is no queue before it plays.
+  [[nodiscard]] bool queueIsShown() const { return ownChoice_ || playback_.playing(); }
+
+  /// Somebody has changed the queue: it is his choice from then on.
+  void queueEdited() { ownChoice_ = true; }
 
   void libraryChanged() {
     if (!ownChoice_) playback_.refresh(library_.getAll());
@@ -223,6 +248,11 @@ class Player : public player::WMP9 {
   Library library_;
   StoredPlaylists playlists_;
   CdDrives drives_;
+  std::shared_ptr<QueueList> queue_{std::make_shared<QueueList>(
+      playback_,
+      QueueList::Parts{.shown = [this] { return queueIsShown(); },
+                       .mediaOf = [this](const player::ToldMedia& told) { return playlists_.mediaOf(told); },
+                       .edited = [this] { queueEdited(); }})};
   std::optional<QueueKeeper> keeper_;
   bool fullScreen_ = false;
   bool ownChoice_ = false;  ///< somebody has chosen what to play; until then it is the whole library

@@ -1,5 +1,6 @@
 #include "player/ByName.hpp"
 
+#include "base/Attempt.hpp"
 #include "player/ByNameLibrary.hpp"
 #include "player/Shown.hpp"
 
@@ -60,6 +61,44 @@ base::ObjectRef ShowErrors(ErrorQueue& errors) {
        Command("clearErrorQueue", {}, [&errors] { errors.clearErrorQueue(); })});
 }
 
+/// What a page shows of the player, at one moment; what can't be read is empty.
+base::Record NowOf(WMP9& control) {
+  base::Record record;
+  const auto add = [&](const char* key, auto&& read) {
+    Value value;
+    base::Attempt step;
+    step([&] { value = read(); });
+    record.emplace_back(key, std::move(value));
+  };
+  const MediaRef media = control.currentMedia();
+  const auto ofMedia = [&](const char* key, auto&& read) {
+    add(key, [&] { return media ? Value(read()) : Value(); });
+  };
+  const auto info = [&](const char* key, const char* attribute) {
+    ofMedia(key, [&] { return media->getItemInfo(attribute); });
+  };
+  add("playState", [&] { return control.playState(); });
+  add("position", [&] { return control.controls().currentPosition(); });
+  add("volume", [&] { return control.settings().volume(); });
+  add("mute", [&] { return control.settings().mute(); });
+  for (const char* mode : {"loop", "shuffle"}) add(mode, [&] { return control.settings().getMode(mode); });
+  for (const char* step : {"play", "pause", "next", "previous", "currentPosition"})
+    add(step, [&] { return control.controls().isAvailable(step); });
+  ofMedia("name", [&] { return media->name(); });
+  ofMedia("source", [&] { return media->sourceURL(); });
+  ofMedia("duration", [&] { return media->duration(); });
+  info("artist", "Artist");
+  info("album", "Album");
+  info("albumArtist", "WM/AlbumArtist");
+  add("queueMark", [&] { return static_cast<double>(control.queueMark()); });
+  add("place", [&] { return control.queuePlace(); });
+  const PlaylistRef queue = control.queue();
+  add("queueName", [&] { return queue ? Value(queue->name()) : Value(); });
+  add("count", [&] { return queue ? queue->count() : 0; });
+  add("revision", [&] { return queue ? static_cast<double>(queue->revision()) : 0.0; });
+  return record;
+}
+
 }  // namespace
 
 base::ObjectRef ShowByName(WMP9& control) {
@@ -76,6 +115,16 @@ base::ObjectRef ShowByName(WMP9& control) {
        Field(
            "currentPlaylist", Type::kObject, [&control] { return ShowByName(control.currentPlaylist()); },
            [&control](const Value& playlist) { control.currentPlaylist(PlaylistBehind(playlist)); }),
+       // Of this system's own: what is played, as a list that may be changed, and all of what is shown of the
+       // player in one answer.
+       ReadField("queue", Type::kObject, [&control] { return ShowByName(control.queue()); }),
+       ReadField("queueMark", Type::kDouble, [&control] { return static_cast<double>(control.queueMark()); }),
+       ReadField("queuePlace", Type::kInt32, [&control] { return control.queuePlace(); }),
+       Operation("now", {}, Type::kRecord, [&control] { return NowOf(control); }),
+       Command("playFrom", {Reference("playlist"), Number("index")},
+               [&control](Args& args) { control.playFrom(PlaylistBehind(args[0]), NumberAt(args, 1)); }),
+       Command("playItem", {Number("index")},
+               [&control](Args& args) { control.playItem(NumberAt(args, 0)); }),
        ReadField("playState", Type::kInt32, [&control] { return control.playState(); }),
        ReadField("status", Type::kText, [&control] { return control.status(); }),
        ReadField("versionInfo", Type::kText, [&control] { return control.versionInfo(); }),

@@ -81,6 +81,19 @@ std::vector<ToldMedia> ToldIn(const base::Array& fields, const base::Array& text
   return told;
 }
 
+/// Of the first item that has each of the values: those fields.
+base::Array ReadFirst(MediaCollection& collection, const std::string& attribute, const base::Array& values,
+                      const base::Array& fields) {
+  base::Array texts;
+  for (const Value& value : values) {
+    const PlaylistRef found = collection.getByAttribute(attribute, base::ToText(value));
+    const MediaRef first = found && found->count() > 0 ? found->item(0) : nullptr;
+    for (const Value& field : fields)
+      texts.emplace_back(first ? TextOf(*first, base::ToText(field)) : std::string());
+  }
+  return texts;
+}
+
 void RemoveItems(Playlist& playlist, const base::Array& numbers) {
   auto* const list = dynamic_cast<ManyOut*>(&playlist);
   if (list == nullptr) throw base::Failure(base::number::kInvalidArgument, "The list can't be changed so");
@@ -170,6 +183,11 @@ base::ObjectRef ShowByName(MediaCollection& collection) {
        Operation("getByAttribute", {Text("attribute"), Text("value")}, Type::kObject,
                  [&collection](Args& args) {
                    return ShowByName(collection.getByAttribute(TextAt(args, 0), TextAt(args, 1)));
+                 }),
+       // Of this system's own, for who shows many groups at once.
+       Operation("readFirst", {Text("attribute"), Texts("values"), Texts("fields")}, Type::kTextList,
+                 [&collection](Args& args) {
+                   return ReadFirst(collection, TextAt(args, 0), args[1].array(), args[2].array());
                  }),
        Operation("getAttributeStringCollection", {Text("attribute"), Text("mediaType")}, Type::kObject,
                  [&collection](Args& args) {

@@ -213,6 +213,23 @@ class WMP9 : public Modelled {
   [[nodiscard]] virtual bool isOnline() const = 0;
   virtual MediaCollection& mediaCollection() = 0;
   virtual PlaylistCollection& playlistCollection() = 0;
+
+  // Of this system's own, for whoever shows and changes from another process what is played.
+
+  /// What is played and comes after it, as a list of the player's own: changing it changes no stored
+  /// playlist, and what sounds goes on. Nothing in it until somebody has chosen something.
+  virtual PlaylistRef queue() { return currentPlaylist(); }
+  /// Names the queue as long as nothing else is chosen to be played; another one does not get it.
+  [[nodiscard]] virtual std::int64_t queueMark() const { return 0; }
+  /// Where the current item stands in the queue, -1 when it is not in it.
+  [[nodiscard]] virtual std::int32_t queuePlace() { return -1; }
+  /// Plays the list from the item at that index on. Throws 9 where there is none.
+  virtual void playFrom(const PlaylistRef& playlist, std::int32_t /*index*/) {
+    currentPlaylist(playlist);
+    controls().play();
+  }
+  /// Goes on with the queue's item at that index. Throws 9 where there is none.
+  virtual void playItem(std::int32_t /*index*/) { controls().play(); }
 };
 
 /// What the player reports. Always called on the loop's thread, on a turn of its own; only a

@@ -43,12 +43,21 @@ std::vector<player::MediaRef>& ListPlaylist::own() {
 void ListPlaylist::appendItem(const player::MediaRef& media) { ListPlaylist::insertItem(count(), media); }
 
 void ListPlaylist::insertItem(std::int32_t index, const player::MediaRef& media) {
-  CheckMedia(media);
+  ListPlaylist::insertAll(index, {media});
+}
+
+void ListPlaylist::insertAll(std::int32_t index, const std::vector<player::MediaRef>& media) {
   check(index, size() + 1);
-  // Each place has an object of its own, so that one of two equal items can be told from the other.
-  const auto* known = dynamic_cast<const EngineMedia*>(media.get());
-  own().insert(own().begin() + index, known != nullptr ? known->copy() : media);
-  tell({{static_cast<std::size_t>(index), 0, 1}});
+  std::vector<player::MediaRef> copies;
+  copies.reserve(media.size());
+  for (const player::MediaRef& each : media) {
+    CheckMedia(each);
+    // Each place has an object of its own, so that one of two equal items can be told from the other.
+    const auto* known = dynamic_cast<const EngineMedia*>(each.get());
+    copies.push_back(known != nullptr ? known->copy() : each);
+  }
+  own().insert(own().begin() + index, copies.begin(), copies.end());
+  tell({{static_cast<std::size_t>(index), 0, copies.size()}});
 }
 
 std::size_t ListPlaylist::placeOf(const player::MediaRef& media) {

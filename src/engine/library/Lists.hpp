@@ -46,6 +46,8 @@ class ListPlaylist : public player::Playlist, public player::ManyOut {
   [[nodiscard]] player::MediaRef item(std::int32_t index) const override;
   void appendItem(const player::MediaRef& media) override;
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
+  /// All of them in their order, at one go; throws as `insertItem`, and nothing is put in then.
+  void insertAll(std::int32_t index, const std::vector<player::MediaRef>& media);
   /// This very item, or else the first one with the same source.
   void removeItem(const player::MediaRef& media) override;
   void removeItems(const std::vector<std::int32_t>& places) override;

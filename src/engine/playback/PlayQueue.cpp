@@ -49,6 +49,28 @@ void PlayQueue::takeUp() {
   if (!current_ && count() > 0) rewind();
 }
 
+void PlayQueue::letGo() {
+  if (!current_) return;
+  catchUp();
+  if (knownCount_ == 0) {
+    rewind();
+  } else if (gone_) {
+    moveTo(following(true).value_or(0));
+  }
+}
+
+int PlayQueue::place() {
+  if (!current_) return -1;
+  catchUp();
+  return gone_ || knownCount_ == 0 ? -1 : index_;
+}
+
+void PlayQueue::comeNext(int first, int count) {
+  if (!shuffle_ || !current_) return;
+  catchUp();
+  order_.comeNext(first, count);
+}
+
 void PlayQueue::replace(player::PlaylistRef playlist) {
   playlist_ = std::move(playlist);
   stale_ = true;

@@ -39,6 +39,12 @@ class PlayQueue {
   void rewind();
   /// The same for a playlist that was empty and has got items since.
   void takeUp();
+  /// Nothing plays: an item that the list no longer has gives way to the one that comes after it.
+  void letGo();
+  /// Where the current item stands, -1 when the list no longer has it.
+  [[nodiscard]] int place();
+  /// `count` items have been put in right behind the current one: with shuffle, too, they come next.
+  void comeNext(int first, int count);
   /// The place after the current one. At the end: the beginning if `wrap`, else none.
   std::optional<int> following(bool wrap);
   std::optional<int> preceding(bool wrap);

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/Failure.hpp"
 #include "engine/library/Media.hpp"
 
 namespace engine {
@@ -69,9 +70,26 @@ void Playback::listChanged() {
   tried_ = 0;
   queue_.changed();
   queue_.takeUp();
+  if (!active()) queue_.letGo();
+  if (!active() && !queue_.current()) state_ = player::kUndefined;
   if (state_ == player::kUndefined && queue_.current()) state_ = player::kStopped;
   if (running() || state_ == player::kPaused || state_ == player::kBuffering) prepareNext();
   events_.place();
+}
+
+void Playback::comeNext(int first, int count) {
+  queue_.comeNext(first, count);
+  if (active()) listChanged();
+}
+
+void Playback::playAt(int index) {
+  if (index < 0 || index >= queue_.count()) throw base::Failure(base::number::kIndex);
+  endScan();
+  startAt_ = 0;
+  forgetFailures();
+  queue_.moveTo(index);
+  if (active()) output_.pause(false);
+  begin();
 }
 
 void Playback::play() {
@@ -187,7 +205,7 @@ void Playback::endScan() {
 }
 
 bool Playback::available(const std::string& step) {
-  const bool any = queue_.count() > 0;
+  const bool any = queue_.count() > 0 || active();  // what plays may have been taken out of its list
   const bool wrap = queue_.loop() || queue_.shuffle();
   const bool seekable = running() || state_ == player::kPaused;
   if (step == "play") return any && state_ != player::kTransitioning && state_ != player::kBuffering;

@@ -25,6 +25,8 @@ class Playback : public OutputEvents {
   Playback(base::Loop& loop, Output& output, ErrorList& errors, std::uint32_t seed, Events events);
 
   [[nodiscard]] player::PlayState state() const { return state_; }
+  /// An item is loaded, or being loaded.
+  [[nodiscard]] bool playing() const { return active(); }
   [[nodiscard]] const PlayQueue& queue() const { return queue_; }
 
   /// Stops what plays and takes up the playlist: ready, or without one, undefined.
@@ -38,8 +40,14 @@ class Playback : public OutputEvents {
   void refresh(const player::PlaylistRef& playlist);
   /// The playlist itself may have changed.
   void listChanged();
+  /// `count` items have been put into it right behind the current one.
+  void comeNext(int first, int count);
+  /// Where the current item stands in the playlist, -1 when it is not in it.
+  [[nodiscard]] int place() { return queue_.place(); }
 
   void play();
+  /// Plays the playlist's item at that place. Throws 9 where there is none.
+  void playAt(int index);
   void pause();
   void stop();
   void next();

@@ -47,6 +47,19 @@ void ShuffleOrder::renumber(const std::vector<int>& to, int count) {
   count_ = count;
 }
 
+void ShuffleOrder::comeNext(int first, int count) {
+  if (round_.empty()) return;
+  const auto among = [&](int number) { return number >= first && number < first + count; };
+  // Those that have had their turn keep their places in the way back.
+  std::vector<int> wanted;
+  for (std::size_t i = place_ + 1; i < round_.size(); ++i)
+    if (among(round_[i])) wanted.push_back(round_[i]);
+  std::sort(wanted.begin(), wanted.end());
+  const auto behind = round_.begin() + static_cast<std::ptrdiff_t>(place_) + 1;
+  round_.erase(std::remove_if(behind, round_.end(), among), round_.end());
+  round_.insert(round_.begin() + static_cast<std::ptrdiff_t>(place_) + 1, wanted.begin(), wanted.end());
+}
+
 int ShuffleOrder::current() const { return round_.empty() ? -1 : round_[place_]; }
 
 std::optional<int> ShuffleOrder::following(bool newRound) {

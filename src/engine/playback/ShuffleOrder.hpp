@@ -17,6 +17,9 @@ class ShuffleOrder {
   /// gone. The round goes on with what is left of it; numbers that are new come at some later place in it.
   void renumber(const std::vector<int>& to, int count);
 
+  /// These numbers come next, in this order.
+  void comeNext(int first, int count);
+
   /// The number at the present place, -1 when there are none or it has gone.
   [[nodiscard]] int current() const;
   /// What comes next in this round; at its end what the next round begins with, if `newRound` is asked for.

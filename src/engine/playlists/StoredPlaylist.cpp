@@ -41,6 +41,13 @@ M3uItem ItemOf(const player::Media& media) {
   return item;
 }
 
+M3uItem ItemOf(const player::ToldMedia& told) {
+  M3uItem item{PathOf(told.url), told.artist.empty() ? told.title : told.artist + " - " + told.title};
+  if (told.seconds > 0 && told.seconds < kLongestItem)
+    item.seconds = static_cast<int>(std::lround(told.seconds));
+  return item;
+}
+
 void StoredPlaylist::name(const std::string& value) {
   if (keeper_ != nullptr)
     keeper_->rename(*this, value);
@@ -84,10 +91,7 @@ void StoredPlaylist::insertItems(std::int32_t index, const std::vector<player::T
   std::vector<player::MediaRef> media;
   std::vector<M3uItem> items;
   for (const player::ToldMedia& each : told) {
-    M3uItem item{PathOf(each.url), each.artist.empty() ? each.title : each.artist + " - " + each.title};
-    if (each.seconds > 0 && each.seconds < kLongestItem)
-      item.seconds = static_cast<int>(std::lround(each.seconds));
-    media.push_back(keeper_->mediaOf(item));
+    media.push_back(keeper_->mediaOf(ItemOf(each)));
     items.push_back(ItemOf(*media.back()));
   }
   text.insertAll(static_cast<std::size_t>(index), items);

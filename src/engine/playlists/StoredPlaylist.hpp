@@ -95,5 +95,7 @@ class StoredPlaylist : public ListPlaylist {
 
 /// An item as it is written to a file.
 M3uItem ItemOf(const player::Media& media);
+/// The same of a title that is only told of.
+M3uItem ItemOf(const player::ToldMedia& told);
 
 }  // namespace engine

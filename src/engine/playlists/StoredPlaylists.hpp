@@ -36,6 +36,10 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   StoredPlaylists(StoredPlaylists&&) = delete;
   StoredPlaylists& operator=(StoredPlaylists&&) = delete;
 
+  /// The media that is told of: the library's own where it knows the address.
+  [[nodiscard]] player::MediaRef mediaOf(const player::ToldMedia& told) const {
+    return mediaOf(ItemOf(told));
+  }
   /// Items that the library has got to know since are its own from now on.
   void libraryChanged();
 

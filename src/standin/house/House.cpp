@@ -31,6 +31,7 @@ House::House(const std::filesystem::path& dataFolder)
   devices.onChange = [this](const Device& device) {
     live.tell("device", Dump(DeviceJson(device)));
     onDevice(device);
+    for (const auto& hear : deviceListeners) hear(device);
   };
   devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
   log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };

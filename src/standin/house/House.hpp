@@ -40,6 +40,8 @@ class House {
   /// A script triggers an event by its name; false when it can't.
   std::function<bool(const std::string& event)> onScriptTrigger = [](const std::string&) { return false; };
   std::function<void(const Device& device)> onDevice = [](const Device&) {};
+  /// Others who hear of each change of a device, for as long as the house lives.
+  std::vector<std::function<void(const Device& device)>> deviceListeners;
 
   std::string version = "1.7.0";  ///< what the host says of itself
   int webPort = 0;

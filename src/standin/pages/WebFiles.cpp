@@ -19,7 +19,7 @@ const WebFile* FindWebFile(std::string_view name) {
 std::string_view AssetsAddress() { return kAssetsAddress; }
 
 std::string_view MediaTypeOf(std::string_view name) {
-  static constexpr std::array<std::pair<std::string_view, std::string_view>, 16> kTypes{{
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 17> kTypes{{
       {"html", "text/html; charset=utf-8"},
       {"htm", "text/html; charset=utf-8"},
       {"css", "text/css; charset=utf-8"},
@@ -36,6 +36,7 @@ std::string_view MediaTypeOf(std::string_view name) {
       {"ico", "image/x-icon"},
       {"wav", "audio/wav"},
       {"mp3", "audio/mpeg"},
+      {"webmanifest", "application/manifest+json"},
   }};
   const std::string ending = base::LowerCase(name.substr(name.rfind('.') + 1));
   for (const auto& [known, type] : kTypes) {

@@ -178,6 +178,13 @@ void PlayerLibrary::titlesAt(const std::string& category, const std::string& gro
       [titles, read = std::move(read)](const Failed& failed) { read(std::move(*titles), failed); });
 }
 
+void PlayerLibrary::artistsOf(std::vector<std::string> albums, ArtistsRead read) {
+  if (albums.empty()) return read({});
+  const auto artists = std::make_shared<std::vector<std::string>>(albums.size());
+  ask([albums = std::move(albums), artists](PlayerLists& lists) { *artists = lists.artistsOf(albums); },
+      [artists, read = std::move(read)](const Failed&) { read(std::move(*artists)); });
+}
+
 void PlayerLibrary::forget(const std::string& category) {
   const auto ofCategory = [&](const std::string& key) {
     return key == category || key.starts_with(category + '\1');

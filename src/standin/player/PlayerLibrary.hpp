@@ -49,6 +49,10 @@ class PlayerLibrary {
   /// The albums of an artist, a genre or a playlist in the order of their first title.
   void albums(const std::string& category, const std::string& group, Listed listed);
 
+  using ArtistsRead = std::function<void(std::vector<std::string> artists)>;
+  /// Whose these albums are, one text for each; none where the player can't tell.
+  void artistsOf(std::vector<std::string> albums, ArtistsRead read);
+
   /// The category's names and titles are asked for anew the next time: somebody has changed them.
   void forget(const std::string& category);
 
@@ -57,6 +61,8 @@ class PlayerLibrary {
   void play(const std::string& category, const std::string& group, const std::string& by, Played played);
   /// Plays this very title, whatever others of its name there are.
   void play(const TitleAddress& title, Played played);
+  /// Plays the title's group from this title on.
+  void playOn(const TitleAddress& title, const std::string& by, Played played);
 
   using Added = std::function<void(const std::optional<std::string>& title, const Failed& failed)>;
   /// Has the work done, and tells which title it has put at the end of that playlist; none where the list is

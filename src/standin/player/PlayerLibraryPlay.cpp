@@ -56,6 +56,20 @@ void PlayerLibrary::play(const TitleAddress& title, Played played) {
       std::move(played));
 }
 
+// The group comes from the plug-in, which remembers it for those who add it to a playlist; that it begins
+// with another title is the raw player's doing.
+void PlayerLibrary::playOn(const TitleAddress& title, const std::string& by, Played played) {
+  ask(
+      [title, by](PlayerLists& lists) {
+        PlayerList list = groupOf(lists, title.category, title.group);
+        if (!by.empty() && title.category != "PlayList") KeepOnly(list, by);
+        const std::int32_t at = list.placeOf(title);
+        if (title.category != "Media Library") lists.script().invoke("Play", title.category, title.group);
+        lists.playFrom(list, at);
+      },
+      std::move(played));
+}
+
 // The plug-in is asked in any case, as it remembers what was played last for those who add it to a playlist.
 // Where it has taken the name for another's, or only a part was meant, the right titles follow at once.
 void PlayerLibrary::play(const std::string& category, const std::string& group, const std::string& by,

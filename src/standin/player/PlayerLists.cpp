@@ -10,6 +10,9 @@
 namespace standin {
 namespace {
 
+/// Names of playlists are one line of plain text.
+const std::string kQueue = "\x1Fqueue";
+
 /// The letters and digits of a name, as the plug-in's keys have them.
 std::string KeyOf(const std::string& name) {
   std::string key;
@@ -76,7 +79,10 @@ void ReadItems(const base::ObjectRef& list, const base::Array& fields, std::int3
 
 }  // namespace
 
-std::string PlayerList::name() const { return TextOf(object_, "name"); }
+std::string QueueName(std::int64_t mark) { return kQueue + (mark == 0 ? "" : " " + std::to_string(mark)); }
+bool IsQueue(const std::string& name) { return name.starts_with(kQueue); }
+
+std::string PlayerList::name() const { return called_.empty() ? TextOf(object_, "name") : called_; }
 std::int32_t PlayerList::count() const { return CountOf(object_); }
 base::ObjectRef PlayerList::mediaAt(std::int32_t at) const { return ItemOf(object_, at); }
 std::string PlayerList::nameAt(std::int32_t at) const { return TextOf(mediaAt(at), "name"); }
@@ -165,7 +171,25 @@ base::ObjectRef PlayerLists::media() {
   return media_;
 }
 
+base::ObjectRef PlayerLists::part(const char* name) const {
+  const base::ObjectRef found = base::ToObject(player_->get(name));
+  base::Deref(found);
+  return found;
+}
+
+PlayerList PlayerLists::queue() {
+  const auto mark = static_cast<std::int64_t>(base::ToDouble(player_->get("queueMark")));
+  return PlayerList(part("queue"), QueueName(mark));
+}
+
+std::int32_t PlayerLists::queuePlace() { return base::ToInt32(player_->get("queuePlace")); }
+
 std::optional<PlayerList> PlayerLists::find(const std::string& name) {
+  if (IsQueue(name)) {
+    PlayerList now = queue();
+    if (name == kQueue || name == now.name()) return now;
+    return std::nullopt;  // something else has been chosen since
+  }
   const base::ObjectRef found = base::ToObject(playlists()->invoke("getByName", name));
   const std::int32_t count = CountOf(found);
   for (std::int32_t i = 0; i < count; ++i) {
@@ -234,9 +258,24 @@ std::optional<PlayerList> PlayerLists::group(const std::string& category, const 
   return std::nullopt;
 }
 
+std::vector<std::string> PlayerLists::artistsOf(const std::vector<std::string>& albums) {
+  base::Array names(albums.begin(), albums.end());
+  std::vector<std::string> artists =
+      TextsOf(media()->invoke("readFirst", "Album", names, base::Array{"WM/AlbumArtist", "Artist"}));
+  std::vector<std::string> of;
+  for (std::size_t i = 0; i + 1 < artists.size(); i += 2)
+    of.push_back(std::move(artists[artists[i].empty() ? i + 1 : i]));
+  of.resize(albums.size());
+  return of;
+}
+
 void PlayerLists::play(const PlayerList& list) {
   player_->put("currentPlaylist", list.object());
   base::Deref(player_->get("controls")).call("play");
+}
+
+void PlayerLists::playFrom(const PlayerList& list, std::int32_t at) {
+  player_->invoke("playFrom", list.object(), at);
 }
 
 void PlayerLists::play(const base::ObjectRef& media) {

@@ -25,10 +25,17 @@ struct ListedItem {
   bool operator==(const ListedItem&) const = default;
 };
 
+/// The name that stands for the queue, for what the player plays: no playlist can have it. With the mark of
+/// one, it stands for that queue alone and for none that comes after it.
+std::string QueueName(std::int64_t mark = 0);
+bool IsQueue(const std::string& name);
+
 /// One playlist of the player's, by name. Every access is a call to the player; places count from 0.
 class PlayerList {
  public:
-  explicit PlayerList(base::ObjectRef object) : object_(std::move(object)) {}
+  /// `called`: the name that it goes by here, where that is not the player's own for it.
+  explicit PlayerList(base::ObjectRef object, std::string called = {})
+      : object_(std::move(object)), called_(std::move(called)) {}
 
   [[nodiscard]] std::string name() const;
   [[nodiscard]] std::int32_t count() const;
@@ -56,6 +63,7 @@ class PlayerList {
 
  private:
   base::ObjectRef object_;
+  std::string called_;
 };
 
 /// The player's playlists and media as its raw player hands them out to scripts. Throws what the player
@@ -68,13 +76,21 @@ class PlayerLists {
   /// The playlist of that name, without regard to case; one of exactly that spelling comes first. A name as
   /// lists show it, with single blanks for several, is found too.
   std::optional<PlayerList> find(const std::string& name);
+  /// What is played, under its name with its mark.
+  PlayerList queue();
+  /// Where in the queue the current item stands, -1 when it is not in it.
+  std::int32_t queuePlace();
   /// Throws what the player throws for a name that is in use.
   PlayerList make(const std::string& name);
   void remove(const PlayerList& list);
   /// The titles of "Album", "Artist", "Genre" or "PlayList" under that name, or all of "Media Library".
   std::optional<PlayerList> group(const std::string& category, const std::string& name);
+  /// Whose each of these albums is: its album's artist, or that of its first title.
+  std::vector<std::string> artistsOf(const std::vector<std::string>& albums);
   /// Plays the titles of a list, which may be one of no name.
   void play(const PlayerList& list);
+  /// Plays a list from one place on.
+  void playFrom(const PlayerList& list, std::int32_t at);
   /// Plays this one item, with what its list says of it.
   void play(const base::ObjectRef& media);
   /// Whether the plug-in, which knows names by their letters and digits alone, may take the name for
@@ -85,6 +101,10 @@ class PlayerLists {
   /// Whether the library has it, and does not only hear of it from a playlist.
   bool isInLibrary(const ListedItem& item);
   [[nodiscard]] base::Object& script() const { return *script_; }
+  /// The raw player.
+  [[nodiscard]] base::Object& player() const { return *player_; }
+  /// A part of it: "controls", "settings".
+  [[nodiscard]] base::ObjectRef part(const char* name) const;
 
  private:
   base::ObjectRef playlists();

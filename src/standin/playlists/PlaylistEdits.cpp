@@ -114,10 +114,12 @@ void TakeOut(PlayerList list, const ListPlace& place, const std::vector<ListedIt
   list.removeAll(places);
 }
 
-PlayerList Existing(PlayerLists& lists, const std::string& name) {
-  std::optional<PlayerList> list = lists.find(name);
-  if (!list) throw Failure(base::number::kElementNotFound, "There is no playlist " + Quoted(name));
-  return *list;
+std::vector<ListedItem> AllOf(const PlayerList& list) {
+  const std::int32_t count = list.count();
+  std::vector<ListedItem> items;
+  for (const Title& title : list.titles(0, count)) items.emplace_back(title);
+  if (static_cast<std::int32_t>(items.size()) != count) Collided("The list has changed meanwhile");
+  return items;
 }
 
 void PutBack(PlayerList list, const ListPlace& place, const std::vector<ListedItem>& items) {
@@ -140,17 +142,37 @@ void RenameTo(PlayerLists& lists, const std::string& from, const std::string& to
   list->rename(to);
 }
 
+/// The list's titles are those of the step.
+bool HoldsStill(const PlayerList& list, const PlaylistStep& step) {
+  const std::vector<std::string> sources = SourcesOf(list, 0, list.count());
+  return std::equal(step.items.begin(), step.items.end(), sources.begin(), sources.end(),
+                    [](const ListedItem& item, const std::string& source) { return item.source == source; });
+}
+
+void MayBeNamed(const PlayerList& list) {
+  if (IsQueue(list.name())) throw Failure(base::number::kInvalidArgument, "The queue is no playlist");
+}
+
+void Make(PlayerLists& lists, const PlaylistStep& step) {
+  PlayerList made = lists.make(step.newName);
+  if (!step.items.empty()) made.insert(0, step.items);
+}
+
 void RemoveAsItWas(PlayerLists& lists, const PlaylistStep& step) {
   const PlayerList list = Existing(lists, step.oldName);
-  const std::vector<std::string> sources = SourcesOf(list, 0, list.count());
-  const bool same =
-      std::equal(step.items.begin(), step.items.end(), sources.begin(), sources.end(),
-                 [](const ListedItem& item, const std::string& source) { return item.source == source; });
-  if (!same) Collided(Quoted(step.oldName) + " holds other titles now");
+  if (!HoldsStill(list, step)) Collided(Quoted(step.oldName) + " holds other titles now");
   lists.remove(list);
 }
 
 }  // namespace
+
+PlayerList Existing(PlayerLists& lists, const std::string& name) {
+  std::optional<PlayerList> list = lists.find(name);
+  if (!list && IsQueue(name))
+    throw Failure(base::number::kElementNotFound, "Something else has been chosen to be played since");
+  if (!list) throw Failure(base::number::kElementNotFound, "There is no playlist " + Quoted(name));
+  return *list;
+}
 
 PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order) {
   PlaylistStep step;
@@ -194,6 +216,15 @@ PlaylistStep PlanRemove(const PlayerList& list, const TitleAddress& title) {
   return step;
 }
 
+PlaylistStep PlanClear(const PlayerList& list) {
+  PlaylistStep step;
+  step.kind = StepKind::kRemove;
+  step.items = AllOf(list);
+  step.count = static_cast<std::int32_t>(step.items.size());
+  if (step.items.empty()) throw Failure(base::number::kInvalidArgument, "There is nothing to take out");
+  return step;
+}
+
 PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
                      std::int32_t to) {
   PlaylistStep step;
@@ -219,6 +250,7 @@ PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const Titl
 }
 
 PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::string& name) {
+  MayBeNamed(list);
   PlaylistStep step;
   step.kind = StepKind::kRename;
   step.oldName = list.name();
@@ -237,23 +269,32 @@ PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name) {
   return step;
 }
 
+PlaylistStep PlanCopy(PlayerLists& lists, const PlayerList& from, const std::string& name) {
+  PlaylistStep step = PlanCreate(lists, name);
+  step.items = AllOf(from);
+  if (step.items.size() > kMostAdded)
+    throw Failure(base::number::kInvalidArgument,
+                  "At most " + std::to_string(kMostAdded) + " titles can be saved at once");
+  return step;
+}
+
 PlaylistStep PlanDelete(const PlayerList& list) {
+  MayBeNamed(list);
   PlaylistStep step;
   step.kind = StepKind::kDelete;
   step.oldName = list.name();
-  step.count = list.count();
-  for (const Title& title : list.titles(0, step.count)) step.items.emplace_back(title);
-  if (static_cast<std::int32_t>(step.items.size()) != step.count) Collided("The list has changed meanwhile");
+  step.items = AllOf(list);
+  step.count = static_cast<std::int32_t>(step.items.size());
   return step;
 }
 
 void Take(PlayerLists& lists, const PlaylistStep& step, const std::string& list) {
   switch (step.kind) {
     case StepKind::kAdd: Existing(lists, list).insert(step.to.at, step.items); return;
-    case StepKind::kRemove: Existing(lists, list).removeAll({step.from.at}); return;
+    case StepKind::kRemove: TakeOut(Existing(lists, list), step.from, step.items); return;
     case StepKind::kMove: Existing(lists, list).move(step.from.at, step.to.at); return;
     case StepKind::kRename: Existing(lists, list).rename(step.newName); return;
-    case StepKind::kCreate: lists.make(step.newName); return;
+    case StepKind::kCreate: Make(lists, step); return;
     case StepKind::kDelete: lists.remove(Existing(lists, list)); return;
   }
 }
@@ -266,7 +307,9 @@ void Undo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
     case StepKind::kRename: RenameTo(lists, step.newName, step.oldName); return;
     case StepKind::kCreate: {
       const PlayerList made = Existing(lists, step.newName);
-      if (made.count() > 0) Collided(Quoted(step.newName) + " holds titles now");
+      if (made.count() > 0 && !HoldsStill(made, step))
+        Collided(Quoted(step.newName) +
+                 (step.items.empty() ? " holds titles now" : " holds other titles now"));
       lists.remove(made);
       return;
     }
@@ -287,7 +330,7 @@ void Redo(PlayerLists& lists, const PlaylistStep& step, const std::string& list)
     case StepKind::kRename: RenameTo(lists, step.oldName, step.newName); return;
     case StepKind::kCreate:
       if (lists.find(step.newName)) Collided("There is another playlist named " + Quoted(step.newName));
-      lists.make(step.newName);
+      Make(lists, step);
       return;
     case StepKind::kDelete: RemoveAsItWas(lists, step); return;
   }
@@ -304,7 +347,8 @@ bool IsTaken(PlayerLists& lists, const PlaylistStep& step, const std::string& li
     return !found || found->count() < static_cast<std::int32_t>(step.items.size());
   if (!found) return false;
   const std::int32_t count = found->count();
-  if (step.kind == StepKind::kRemove) return count == step.count - 1;
+  if (step.kind == StepKind::kRemove)
+    return count == step.count - static_cast<std::int32_t>(step.items.size());
   if (step.kind == StepKind::kAdd) {
     const auto added = static_cast<std::int32_t>(step.items.size());
     const std::vector<std::string> there = SourcesOf(*found, step.to.at, added);

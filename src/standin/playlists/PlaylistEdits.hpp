@@ -33,12 +33,20 @@ struct TitleChoice {
 
 PlaylistStep PlanMove(const PlayerList& list, const MoveOrder& order);
 PlaylistStep PlanRemove(const PlayerList& list, const TitleAddress& title);
+/// All that is in it.
+PlaylistStep PlanClear(const PlayerList& list);
 /// `to` may be beyond the end.
 PlaylistStep PlanAdd(const PlayerList& list, const PlayerList& group, const TitleChoice& choice,
                      std::int32_t to);
 PlaylistStep PlanRename(PlayerLists& lists, const PlayerList& list, const std::string& name);
 PlaylistStep PlanCreate(PlayerLists& lists, const std::string& name);
+/// A new list of that name with what is in another one.
+PlaylistStep PlanCopy(PlayerLists& lists, const PlayerList& from, const std::string& name);
 PlaylistStep PlanDelete(const PlayerList& list);
+
+/// The list of that name, the queue under its own. Throws number 35601 (kElementNotFound) where there is
+/// none.
+PlayerList Existing(PlayerLists& lists, const std::string& name);
 
 /// Each is one change of the player's: what fails has not been done.
 void Take(PlayerLists& lists, const PlaylistStep& step, const std::string& list);

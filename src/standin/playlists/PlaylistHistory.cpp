@@ -120,6 +120,17 @@ void PlaylistHistory::drop(std::int64_t id) {
   whole.commit();
 }
 
+void PlaylistHistory::forgetOthers(const std::string& beginning, const std::string& list) {
+  database::Transaction whole(database_);
+  database::Statement(database_,
+                      "DELETE FROM playlist_step WHERE list IN "
+                      "(SELECT id FROM playlist WHERE substr(folded, 1, length(?1)) = ?1 AND folded <> ?2)")
+      .with(base::LowerCase(beginning), base::LowerCase(list))
+      .run();
+  database_.run("DELETE FROM playlist WHERE id NOT IN (SELECT list FROM playlist_step)");
+  whole.commit();
+}
+
 std::optional<PlaylistHistory::Entry> PlaylistHistory::one(const std::string& condition,
                                                            const std::string& list) {
   database::Statement rows(database_, kColumns + condition + " LIMIT 1");

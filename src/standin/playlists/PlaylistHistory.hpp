@@ -40,6 +40,8 @@ class PlaylistHistory {
   void turned(const Entry& entry, bool undone);
   /// Forgets the step.
   void drop(std::int64_t id);
+  /// Forgets all lists whose name begins so, but for one.
+  void forgetOthers(const std::string& beginning, const std::string& list);
 
   /// The step that would be undone or redone next in a list that exists. One whose undoing was interrupted
   /// can be undone again.

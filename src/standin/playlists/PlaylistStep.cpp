@@ -72,10 +72,14 @@ PlaylistStep StepOf(const std::string& text) {
 std::string WordsOf(const PlaylistStep& step) {
   switch (step.kind) {
     case StepKind::kAdd: return "adding " + ItemsOf(step);
-    case StepKind::kRemove: return "removing " + ItemsOf(step);
+    case StepKind::kRemove:
+      if (step.items.size() > 1 && static_cast<std::size_t>(step.count) == step.items.size())
+        return "clearing the list of " + ItemsOf(step);
+      return "removing " + ItemsOf(step);
     case StepKind::kMove: return "moving " + ItemsOf(step);
     case StepKind::kRename: return "renaming “" + step.oldName + "” to “" + step.newName + "”";
-    case StepKind::kCreate: return "creating “" + step.newName + "”";
+    case StepKind::kCreate:
+      return (step.items.empty() ? "creating “" : "saving " + ItemsOf(step) + " as “") + step.newName + "”";
     case StepKind::kDelete: break;
   }
   return "deleting “" + step.oldName + "”";

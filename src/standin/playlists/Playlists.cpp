@@ -163,9 +163,7 @@ void Playlists::tellCollection() {
 void Playlists::fill(PlayerLists& lists, Outcome& outcome, const std::string& name) {
   Kept* known = kept(name);
   if (known == nullptr) {
-    const std::optional<PlayerList> list = lists.find(name);
-    if (!list) throw base::Failure(base::number::kElementNotFound, "There is no playlist “" + name + "”");
-    known = &keepAsItIs(*list);
+    known = &keepAsItIs(Existing(lists, name));
   }
   outcome.name = known->name;
   outcome.names = known->names;
@@ -186,11 +184,10 @@ void Playlists::show(const std::string& name, bool fresh, Done done) {
   }
   ask(
       [this, name](PlayerLists& lists, Outcome& outcome) {
-        const std::optional<PlayerList> list = lists.find(name);
-        if (!list) throw base::Failure(base::number::kElementNotFound, "There is no playlist “" + name + "”");
+        const PlayerList list = Existing(lists, name);
         const Kept* before = kept(name);
         const std::int64_t version = before != nullptr ? before->version : 0;
-        const Kept& now = keepAsItIs(*list);
+        const Kept& now = keepAsItIs(list);
         if (version != 0 && version != now.version) tellChanged(now);
         fill(lists, outcome, now.name);
       },
@@ -241,13 +238,13 @@ void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone
 void Playlists::change(const std::string& name, Plan plan, Done done) {
   ask(
       [this, name, plan = std::move(plan)](PlayerLists& lists, Outcome& outcome) {
-        const std::optional<PlayerList> list = lists.find(name);
-        if (!list) throw base::Failure(base::number::kElementNotFound, "There is no playlist “" + name + "”");
-        const std::string known = list->name();
+        const PlayerList list = Existing(lists, name);
+        const std::string known = list.name();
         if (restoring_.contains(base::LowerCase(known)))
           throw base::Failure(base::number::kChangedMeanwhile, "The playlist is still on its way back");
-        const std::int64_t before = list->revision();
-        const PlaylistStep step = plan(lists, *list);
+        const std::int64_t before = list.revision();
+        const PlaylistStep step = plan(lists, list);
+        if (IsQueue(known)) history_.forgetOthers(QueueName(), known);
         const std::int64_t id = history_.begin(known, step);
         try {
           Take(lists, step, known);
@@ -275,10 +272,11 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
       std::move(done));
 }
 
-void Playlists::create(const std::string& name, Done done) {
+void Playlists::create(const std::string& name, const std::string& from, Done done) {
   ask(
-      [this, name](PlayerLists& lists, Outcome& outcome) {
-        const PlaylistStep step = PlanCreate(lists, name);
+      [this, name, from](PlayerLists& lists, Outcome& outcome) {
+        const PlaylistStep step =
+            from.empty() ? PlanCreate(lists, name) : PlanCopy(lists, Existing(lists, from), name);
         const std::int64_t id = history_.begin(name, step);
         try {
           Take(lists, step, name);

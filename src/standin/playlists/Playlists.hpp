@@ -48,7 +48,9 @@ class Playlists {
   using Plan = std::function<PlaylistStep(PlayerLists& lists, const PlayerList& list)>;
   /// Takes the step that `plan` makes of what it finds.
   void change(const std::string& name, Plan plan, Done done);
-  void create(const std::string& name, Done done);
+  void create(const std::string& name, Done done) { create(name, {}, std::move(done)); }
+  /// With what is in the list `from`; an empty one for an empty name.
+  void create(const std::string& name, const std::string& from, Done done);
 
   enum class Turn { kUndo, kRedo, kSkipUndo, kSkipRedo };
   /// Undoes or redoes the list's next step, or the collection's for an empty name; or forgets it.

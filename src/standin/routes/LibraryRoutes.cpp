@@ -46,17 +46,23 @@ Json JsonOf(LibrarySearch::Group group) {
 
 void Names(const Music& music, const std::string& category, const WebCall& call, const Reply& reply) {
   const LibrarySearch::Query query = QueryOf(call);
-  music.library.list(
-      category, query.fresh,
-      [query, reply](const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
-        if (!list) return reply(OutcomeOf(failed));
-        NameList::Page page = list->page(query.sought, query.offset, query.limit);
-        reply(Told({{"names", std::move(page.names)},
-                    {"places", std::move(page.places)},
-                    {"offset", query.offset},
-                    {"total", page.total},
-                    {"all", list->size()}}));
-      });
+  music.library.list(category, query.fresh,
+                     [music, query, reply, artists = category == "Album" && call.parameter("artists") == "1"](
+                         const std::shared_ptr<const NameList>& list, const PlayerLibrary::Failed& failed) {
+                       if (!list) return reply(OutcomeOf(failed));
+                       NameList::Page page = list->page(query.sought, query.offset, query.limit);
+                       Json json{{"names", page.names},
+                                 {"places", std::move(page.places)},
+                                 {"offset", query.offset},
+                                 {"total", page.total},
+                                 {"all", list->size()}};
+                       if (!artists) return reply(Told(json));
+                       music.library.artistsOf(std::move(page.names),
+                                               [json, reply](std::vector<std::string> known) mutable {
+                                                 json["artists"] = std::move(known);
+                                                 reply(Told(json));
+                                               });
+                     });
 }
 
 /// A page of a group's rows. The name of a head is its artist's, and its place none.
@@ -122,7 +128,7 @@ void Search(const Music& music, const WebCall& call, const Reply& reply) {
 }
 
 /// {category, name} plays a group, with "by" what that artist has in it; {category, name, at, title, mark}
-/// one of its titles.
+/// one of its titles, and with "on" those behind it too.
 void Play(const Music& music, const WebCall& call, const Reply& reply) {
   const std::string category = CategoryIn(call.json.at("category").get<std::string>());
   const auto group = call.json.at("name").get<std::string>();
@@ -132,6 +138,8 @@ void Play(const Music& music, const WebCall& call, const Reply& reply) {
     const TitleAddress title{category, group, call.json.at("at").get<std::int32_t>(),
                              call.json.at("title").get<std::string>(),
                              call.json.at("mark").get<std::string>()};
+    if (call.json.value("on", false))
+      return music.library.playOn(title, call.json.value("by", std::string()), done);
     return music.library.play(title, done);
   }
   if (group.empty()) return reply(Refusal(400, "Nothing was chosen"));

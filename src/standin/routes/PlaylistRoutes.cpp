@@ -14,40 +14,7 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr std::size_t kLargestPage = 500;
-constexpr std::size_t kLongestName = 1200;  // bytes: 300 characters of any kind
 constexpr std::size_t kLongestPageId = 40;
-
-Json TextOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
-
-/// The state of a list, without its titles.
-Json JsonOf(const Playlists::Outcome& outcome, const User& user) {
-  Json json{{"name", outcome.name},
-            {"version", outcome.version},
-            {"undo", TextOrNull(outcome.undo)},
-            {"redo", TextOrNull(outcome.redo)},
-            {"said", outcome.said},
-            {"edit", !user.guest}};
-  if (outcome.names) json["total"] = outcome.names->size();
-  if (outcome.restoring > 0) json["restoring"] = {outcome.restored, outcome.restoring};
-  return json;
-}
-
-WebAnswer RefusalOf(const Playlists::Outcome& outcome, const User& user) {
-  Json json = JsonOf(outcome, user);
-  json["error"] = outcome.error;
-  json["stuck"] = outcome.stuck;
-  WebAnswer answer = Told(json);
-  answer.status = StatusOfFailure(outcome.failure);
-  return answer;
-}
-
-/// One line, without blanks around it.
-std::string NameIn(const Json& json, const char* field) {
-  auto name = json.at(field).get<std::string>();
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, ' ');
-  return base::TrimBlanks(name);
-}
 
 std::optional<std::string> Neighbour(const Json& json, const char* field) {
   return json.at(field).is_null() ? std::nullopt : std::optional(json.at(field).get<std::string>());
@@ -96,9 +63,7 @@ Playlists::Plan Deleting(const Json&) {
 
 /// Tells the asker what has become of a change.
 Playlists::Done Answering(const WebCall& call, const Reply& reply) {
-  return [user = call.user, reply](const Playlists::Outcome& outcome) {
-    reply(outcome.failure != 0 ? RefusalOf(outcome, user) : Told(JsonOf(outcome, user)));
-  };
+  return [user = call.user, reply](const Playlists::Outcome& outcome) { reply(ListAnswer(outcome, user)); };
 }
 
 /// A page of a list's titles, with what the player tells of each.
@@ -108,9 +73,9 @@ void Show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, con
   playlists.show(call.parameter("group"), call.parameter("fresh") == "1",
                  [&library, sought = call.parameter("q"), offset, limit, user = call.user,
                   reply](const Playlists::Outcome& outcome) {
-                   if (outcome.failure != 0 || !outcome.names) return reply(RefusalOf(outcome, user));
+                   if (outcome.failure != 0 || !outcome.names) return reply(ListAnswer(outcome, user));
                    NameList::Page page = outcome.names->page(sought, offset, limit);
-                   Json json = JsonOf(outcome, user);
+                   Json json = ListJson(outcome, user);
                    json["names"] = std::move(page.names);
                    json["places"] = page.places;
                    json["offset"] = offset;
@@ -130,27 +95,20 @@ void Show(Playlists& playlists, PlayerLibrary& library, const WebCall& call, con
 WebAnswer Watch(Playlists& playlists, const WebCall& call) {
   const auto page = call.json.at("page").get<std::string>().substr(0, kLongestPageId);
   const auto name = call.json.at("name").get<std::string>();
-  if (name.size() > kLongestName) return Refusal(400, "The name is too long");
+  if (name.size() > kLongestListName) return Refusal(400, "The name is too long");
   playlists.watch(page, name);
   return {};
 }
 
-/// A refusal of a name for a list; nothing when it is good.
-std::optional<WebAnswer> WrongName(const std::string& name) {
-  if (name.empty()) return Refusal(400, "A playlist needs a name");
-  if (name.size() > kLongestName) return Refusal(400, "The name is too long");
-  return std::nullopt;
-}
-
 void Create(Playlists& playlists, const WebCall& call, const Reply& reply) {
-  const std::string name = NameIn(call.json, "name");
-  if (const auto wrong = WrongName(name)) return reply(*wrong);
+  const std::string name = ListNameIn(call.json, "name");
+  if (const auto wrong = WrongListName(name)) return reply(*wrong);
   playlists.create(name, Answering(call, reply));
 }
 
 void Rename(Playlists& playlists, const WebCall& call, const Reply& reply) {
-  const std::string to = NameIn(call.json, "to");
-  if (const auto wrong = WrongName(to)) return reply(*wrong);
+  const std::string to = ListNameIn(call.json, "to");
+  if (const auto wrong = WrongListName(to)) return reply(*wrong);
   playlists.change(
       call.json.value("name", std::string()),
       [to](PlayerLists& lists, const PlayerList& list) { return PlanRename(lists, list, to); },

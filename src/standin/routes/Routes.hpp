@@ -5,6 +5,7 @@
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
 #include "standin/player/LibrarySearch.hpp"
+#include "standin/player/NowPlaying.hpp"
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
@@ -29,6 +30,8 @@ Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, P
 Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.
 Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
+/// What plays, the transport and the queue.
+Routes PlayerRoutes(NowPlaying& player, Playlists& playlists);
 /// The player's playlists.
 Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
 /// What the events' routes work with.

@@ -53,6 +53,21 @@ class FakePlaylists {
       heard_ = true;
     });
   }
+  /// Something else is chosen to be played: these titles, and the one at the place is the current one.
+  void choose(const std::vector<Title>& titles, std::int32_t place = 0) {
+    locked([&] {
+      queue_ = std::make_shared<List>(List{"Blue", titles});
+      queuePlace_ = place;
+      ++queueMark_;
+    });
+  }
+  [[nodiscard]] Names queued() {
+    Names names;
+    locked([&] {
+      for (const Title& title : queue_->titles) names.push_back(title.name);
+    });
+    return names;
+  }
   /// How many changes have been made, of whatever size.
   [[nodiscard]] int changes() {
     int count = 0;
@@ -158,6 +173,15 @@ class FakePlaylists {
     return object("WMP9", {field("playlistCollection", [lists] { return base::Value(lists); }),
                            field("mediaCollection", [media] { return base::Value(media); }),
                            field("controls", [controls] { return base::Value(controls); }),
+                           field("queue", [this] { return show(queue_); }),
+                           field("queueMark", [this] { return static_cast<double>(queueMark_); }),
+                           field("queuePlace", [this] { return queuePlace_; }),
+                           operation("playFrom", {reference("playlist"), number("index")},
+                                     [this](base::Args& args) {
+                                       const auto& titles = behind<ListRef>(args[0])->titles;
+                                       played_.assign(titles.begin() + base::ToInt32(args[1]), titles.end());
+                                       return Value();
+                                     }),
                            std::move(current), std::move(one)});
   }
 
@@ -394,6 +418,9 @@ class FakePlaylists {
   std::mutex mutex_;
   std::vector<ListRef> lists_;
   std::vector<Title> played_;
+  ListRef queue_ = std::make_shared<List>();
+  std::int32_t queuePlace_ = -1;
+  std::int64_t queueMark_ = 1'790'000'000'000;
   bool refuses_ = false;
   int changesLeft_ = -1;  ///< no end of them
   int changes_ = 0;

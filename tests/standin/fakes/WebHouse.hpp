@@ -81,6 +81,7 @@ class WebHouse {
   standin::PlayerLibrary library_{loop_, connection_, plugin_};
   standin::LibrarySearch search_{loop_, library_};
   standin::Playlists playlists_{loop_, connection_, plugin_, house_, library_};
+  standin::NowPlaying nowPlaying_{loop_, connection_, plugin_, house_};
   standin::OpenDialog dialog_{loop_, plugin_, house_};
   standin::ScriptStore scripts_{folder_.path() / "scripts"};
   standin::ScriptRunner runner_{loop_, connection_, house_, plugin_, nullptr, {}};
@@ -95,14 +96,14 @@ class WebHouse {
   std::atomic<standin::LoginLimits::Time> time_{standin::LoginLimits::Time()};
   standin::WebApi api_{
       visitors_, gate_,
-      standin::Joined({standin::HouseRoutes(house_, plugin_, visitors_),
-                       standin::DeviceRoutes(house_, objects_, plugin_, library_),
-                       standin::DialogRoutes(dialog_), standin::LibraryRoutes(library_, search_),
-                       standin::PlaylistRoutes(playlists_, library_),
-                       standin::ScriptRoutes(scripts_, runner_),
-                       standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
-                       standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
-                       standin::PageRoutes(house_, plugin_)})};
+      standin::Joined(
+          {standin::HouseRoutes(house_, plugin_, visitors_),
+           standin::DeviceRoutes(house_, objects_, plugin_, library_), standin::DialogRoutes(dialog_),
+           standin::LibraryRoutes(library_, search_), standin::PlayerRoutes(nowPlaying_, playlists_),
+           standin::PlaylistRoutes(playlists_, library_), standin::ScriptRoutes(scripts_, runner_),
+           standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
+           standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
+           standin::PageRoutes(house_, plugin_)})};
   std::optional<standin::WebServer> web_{std::in_place, port_,
                                          standin::WebServer::Parts{.api = api_,
                                                                    .gate = gate_,

@@ -7,6 +7,11 @@ import {Router} from './frame/router.js';
 import {el} from './kit/dom.js';
 import {toasts} from './kit/toasts.js';
 import {libraryView} from './library/library.js';
+import {Bar} from './player/bar.js';
+import {install} from './player/install.js';
+import {nowPlayingView} from './player/nowpage.js';
+import {Player} from './player/now.js';
+import {Session} from './player/session.js';
 import {preparePluginPage} from './plugin/pluginpage.js';
 import {accountView} from './views/account.js';
 import {devicesView} from './views/devices.js';
@@ -18,8 +23,9 @@ import {signInView} from './views/signin.js';
 const part = (id) => document.getElementById(id);
 const given = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
 const house = new House();
+const player = new Player(house);
 const router = new Router({page: part('page'), main: part('main'), house,
-  views: [devicesView, libraryView, eventsView, scriptsView, menuView, logView, accountView]});
+  views: [devicesView, nowPlayingView(player), libraryView, eventsView, scriptsView, menuView, logView, accountView]});
 const splash = el('p', {class: 'quiet'});
 const frame = new Frame({nav: part('nav'), pill: part('plugin-state'), live: part('live-state'), banner: part('banner'),
   splash}, house, () => router.views.filter((view) => !view.shown || view.shown(house.state)), () => given || router.current.name);
@@ -34,16 +40,23 @@ function userChanged(before) {
 house.on('state', (before) => { if (house.connected) userChanged(before); });
 house.on('signed-out', () => { if (router.shown !== signInView) router.show({view: signInView}); });
 house.on('launch', launched);
-document.body.append(toasts, el('footer', {}, splash));
+const bar = new Bar(player, () => given || router.current.name);
+document.body.append(el('footer', {}, splash), bar.node, toasts);
+new Session(player);
 if (given) {
   await preparePluginPage(document.querySelector('.plugin-page'));
 } else {
   router.start();
-  addEventListener('hashchange', () => frame.drawNav());
+  addEventListener('hashchange', () => {
+    frame.drawNav();
+    bar.draw();
+  });
 }
 part('skip').addEventListener('click', (event) => {
   event.preventDefault();  // an address of its own would be another view
   part('main').focus();
 });
 await house.load();
+await player.read();
 house.listen();
+install();

@@ -9,7 +9,8 @@ const kTogether = 120;   // milliseconds in which several changes of the frame a
 /**
  * Tells its listeners, with the words behind each kind:
  * 'state' (before) the state was read, or the connection changed; 'again' something may have been missed: look anew;
- * 'device' (device), 'removed' (ref), 'log' (line), 'script' (event), 'playlist' (event), 'event' ({id} of an event of
+ * 'device' (device), 'removed' (ref), 'log' (line), 'script' (event), 'playlist' (event), 'player' (what it is like
+ * now), 'cover' the picture of what plays may be another, 'event' ({id} of an event of
  * the house), 'dialog' (what has become of the plug-in's open dialog), 'launch' (address) as it happens; 'signed-out'
  * nobody is signed in.
  */

@@ -14,7 +14,9 @@ const kSpare = 8;
  */
 export const longList = (label, fetchPage, makeRow, onTotal) => new LongList(label, fetchPage, makeRow, onTotal);
 
-const buttonsOf = (row) => [...row.querySelectorAll('button, a[href]')];
+const allButtonsOf = (row) => [...row.querySelectorAll('button, a[href]')];
+// Some are there for wide or for narrow pages alone.
+const buttonsOf = (row) => allButtonsOf(row).filter((each) => !each.checkVisibility || each.checkVisibility());
 
 class LongList {
   #data;
@@ -108,6 +110,17 @@ class LongList {
   /** Shows the row `from` at another place: `to`, or `top` pixels down. */
   arrange(next) {
     this.#shift = next;
+    this.#show();
+  }
+
+  /** What a row shows besides its own content has changed. */
+  redraw() {
+    this.#refill();
+  }
+
+  /** Scrolls so that the row is the first in sight. */
+  toTop(index) {
+    this.node.scrollTop = Math.max(0, index) * kRow;
     this.#show();
   }
 
@@ -216,7 +229,7 @@ class LongList {
   }
 
   #mark(row, index) {
-    for (const button of buttonsOf(row)) button.tabIndex = index === this.#active ? 0 : -1;
+    for (const button of allButtonsOf(row)) button.tabIndex = index === this.#active ? 0 : -1;
   }
 
   #activate(index) {

@@ -38,7 +38,7 @@ export function addButton(order, what, words) {
     @click=${(event) => start(event.currentTarget)}>${words || html`<span aria-hidden="true">+</span>`}</button>`;
 }
 
-function dialog(heading, ...content) {
+export function dialog(heading, ...content) {
   const close = el('button', {type: 'button', class: 'round plain', 'aria-label': 'Close', onclick: () => node.close()}, '✕');
   const node = el('dialog', {class: 'box', 'aria-label': heading}, el('div', {class: 'box-head'}, el('h2', {}, heading), close),
     ...content);

@@ -5,6 +5,8 @@ import {addButton} from './adding.js';
 import {address, counted, kTitleWords} from './kinds.js';
 import {ListView} from './listview.js';
 import {nothingFound} from './search.js';
+import {albumHead, albumStrip} from './covers.js';
+import {queueButtons, queueTools} from './queueing.js';
 import {Details, joined, orderOf, play, playButton, short, titleMain} from './titles.js';
 
 const kMostAlbums = 200;
@@ -22,8 +24,9 @@ export function groupView(body, context, {category, group, by, edit}) {
   const number = (title) => category === 'Album' ? html`<span class="row-number">${title.track ?? ''}</span>` : '';
   const row = (item, index, place) => item.head !== undefined ? headRow(group, item.head, edit) : html`${number(item)}
     ${titleMain(item, facts(item), details)}
-    ${edit ? addButton({category, group, titles: [orderOf(item, place)]}, item.name) : ''}
-    ${playButton({category, name: group, ...orderOf(item, place)}, item.name)}`;
+    ${edit ? html`${queueButtons({category, group, titles: [orderOf(item, place)]}, item.name)}
+      ${addButton({category, group, titles: [orderOf(item, place)]}, item.name)}` : ''}
+    ${playButton({category, name: group, ...orderOf(item, place), ...(category === 'Album' ? {on: true, by} : {})}, item.name)}`;
 
   const view = new ListView(body, context, {
     label: short(group), searchLabel: `Search in ${group}`, placeholder: 'Search titles',
@@ -32,8 +35,8 @@ export function groupView(body, context, {category, group, by, edit}) {
     empty: (sought) => sought ? nothingFound(sought)
       : html`<p class="empty">There are no titles here any more. “Refresh” looks again.</p>`,
     above: () => html`<div class="group-head"><a href=${address(category)} class="back" aria-label="Back to the list">‹</a>
-        <h2>${group}${by ? html` <span class="by">by <bdi>${by}</bdi></span>` : ''}</h2>
-        <div class="tools">${edit ? addButton(adding, group, 'Add all') : ''}<button type="button" class="primary"
+        ${category === 'Album' ? albumHead(group, by) : ''}<h2>${group}${by ? html` <span class="by">by <bdi>${by}</bdi></span>` : ''}</h2>
+        <div class="tools">${edit ? html`${queueTools(adding, group)}${addButton(adding, group, 'Add all')}` : ''}<button type="button" class="primary"
           @click=${(event) => play(event.currentTarget, order, group)}>Play all</button></div></div>
       ${hasAlbums ? albumsLine(albums, category === 'Artist' ? group : '') : ''}`,
   });
@@ -57,6 +60,6 @@ const headRow = (album, artist, edit) => html`<a class="row-main row-head" href=
   ${artist ? playButton({category: 'Album', name: album, by: artist}, `${album} by ${artist}`) : ''}`;
 
 /** Its height is there before its content. */
-const albumsLine = (albums, by) => html`<nav class="albums" aria-label="Albums">${albums?.slice(0, kMostAlbums).map((name) =>
-  html`<a href=${address('Album', name, by)}>${short(name)}</a>`)}${albums?.length > kMostAlbums
+const albumsLine = (albums, by) => html`<nav class="albums" aria-label="Albums">${albums
+  && albumStrip(albums.slice(0, kMostAlbums), by)}${albums?.length > kMostAlbums
   ? html`<span class="quiet">and ${(albums.length - kMostAlbums).toLocaleString()} more</span>` : ''}</nav>`;

@@ -13,6 +13,7 @@ const fetched = new Set();  // lists seen since the page was opened: the first l
  *   label, searchLabel, placeholder   words; without a placeholder there is no search
  *   query                    the address to ask, with its parameters, but for the page and what is sought
  *   row(item, index, place)  the template of a row
+ *   list(label, fetch, sized)  makes what stands in place of a list of rows, if anything does
  *   words(answer)            what is counted, "3 titles"
  *   empty(sought)            a template for a list of nothing
  *   above()                  a template above the search
@@ -37,7 +38,9 @@ export class ListView {
     this.#parts = parts;
     this.#fresh = !fetched.has(parts.query);
     fetched.add(parts.query);
-    this.#list = longList(parts.label, (offset, limit) => this.#fetch(offset, limit), parts.row, (total) => this.#sized(total));
+    const fetch = (offset, limit) => this.#fetch(offset, limit);
+    const sized = (total) => this.#sized(total);
+    this.#list = parts.list?.(parts.label, fetch, sized) ?? longList(parts.label, fetch, parts.row, sized);
     this.#field = parts.placeholder && searchField(parts.searchLabel, parts.placeholder, kept.sought ?? '',
       {sought: () => this.#sought(), down: () => this.focusFirst(), signal});
     keep(() => ({sought: this.sought, list: this.#loaded ? this.#list.place() : kept.list}));

@@ -1,5 +1,6 @@
 // The pages of names: a category's groups, and all that a search has found in one category.
 import {html} from '../kit/html.js';
+import {albumGrid} from './covers.js';
 import {address, counted, kindOf, kTitles} from './kinds.js';
 import {ListView} from './listview.js';
 import {foundTitle, groupRow, nothingFound, searchEverywhere} from './search.js';
@@ -15,8 +16,9 @@ export function namesView(body, context, kind, {edit, above}) {
   const details = new Details();
   return new ListView(body, context, {
     label: kind.text, searchLabel: 'Search the library', placeholder: 'Search the library',
-    query: `/api/library?category=${kind.word}`, above, details: details.node,
+    query: `/api/library?category=${kind.word}${kind.word === 'Album' ? '&artists=1' : ''}`, above, details: details.node,
     row: (name) => groupRow(kind.word, name, edit),
+    list: kind.word === 'Album' ? albumGrid : undefined,
     words: ({total}) => counted(total, kind),
     empty: () => kind.word === 'PlayList' ? noLists(edit) : noMusic,
     search: (sought, fresh) => searchEverywhere(sought, fresh, {signal: context.signal, details, edit, first: kind.word}),

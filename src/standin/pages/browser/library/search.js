@@ -3,6 +3,7 @@ import {html} from '../kit/html.js';
 import {ask} from '../kit/server.js';
 import {addButton} from './adding.js';
 import {address, counted, kindOf, kTitles} from './kinds.js';
+import {queueButtons} from './queueing.js';
 import {groupMain, joined, orderOf, playButton, short, titleMain} from './titles.js';
 
 const kFirst = 5;  // of each category
@@ -11,12 +12,14 @@ const kFirst = 5;  // of each category
 export function foundTitle(title, place, details, edit) {
   const order = orderOf(title, place);
   return html`${titleMain(title, joined(title.artist, title.album), details)}
-    ${edit ? addButton({category: kTitles, group: '', titles: [order]}, title.name) : ''}
+    ${edit ? html`${queueButtons({category: kTitles, group: '', titles: [order]}, title.name)}
+      ${addButton({category: kTitles, group: '', titles: [order]}, title.name)}` : ''}
     ${playButton({category: kTitles, name: '', ...order}, title.name)}`;
 }
 
 /** The row of a group. */
 export const groupRow = (category, name, edit) => html`${groupMain(name, address(category, name))}
+  ${edit ? queueButtons({category, group: name}, name) : ''}
   ${edit && category !== 'PlayList' ? addButton({category, group: name}, name) : ''}
   ${playButton({category, name}, name)}`;
 

@@ -18,7 +18,7 @@ export function nowPlaying(devices, connected) {
       <p class="now-state">${connected ? textOf(Status) || 'Now playing' : 'Last heard of'}</p>
       ${title ? html`<p class="now-title">${title}</p><p class="now-by">${by}</p>` : html`
         <p class="now-title">Nothing has been played yet</p>
-        <p class="now-by"><a href="#library/Album">Choose an album</a>, or press “Restart”</p>`}
+        <p class="now-by"><a href="#library/Album">Choose an album</a>, or press ▶ below</p>`}
       <p class="now-facts">${facts.map((fact) => html`<span class="chip">${fact}</span>`)}</p>
     </div></section>`;
 }
