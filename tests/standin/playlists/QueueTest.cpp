@@ -57,7 +57,7 @@ TEST_F(QueuePages, EveryChangeIsAStepWithANameThatIsUndoneAndRedone) {
   EXPECT_THAT(queued(), ElementsAre("D", "B", "E", "C")) << "behind the current one";
   EXPECT_EQ(queueing("add", album({row(0, at("A"))})), 200);
   EXPECT_THAT(queued(), ElementsAre("D", "B", "E", "C", "A")) << "at the end";
-  EXPECT_EQ(queueing("clear", {}), 200);
+  EXPECT_EQ(queueing("clear", json::object()), 200);
   EXPECT_EQ(last.at("undo"), "clearing the list of 5 titles");
   EXPECT_THAT(queued(), IsEmpty());
   for (int i = 0; i < 5; ++i) EXPECT_EQ(turn("undo", mine), 200) << last;
@@ -98,11 +98,11 @@ TEST_F(QueuePages, IsSavedAsAPlaylistInOneStep) {
 }
 
 TEST_F(QueuePages, WhatIsNotThereIsNotQueued) {
-  EXPECT_EQ(queueing("add", {{"category", "Album"}, {"group", "Nothing"}}), 400) << last;
+  EXPECT_EQ(queueing("add", {{"category", "Album"}, {"group", "Nothing"}}), 404) << last;
   EXPECT_EQ(queueing("add", album({row(9, {"Nobody", "nowhere"})})), 409);
   EXPECT_EQ(queueing("add", {{"category", "Album"}}), 400);
-  EXPECT_EQ(queueing("clear", {}), 200);
-  EXPECT_EQ(queueing("clear", {}), 400) << "there is nothing left";
+  EXPECT_EQ(queueing("clear", json::object()), 200);
+  EXPECT_EQ(queueing("clear", json::object()), 400) << "there is nothing left";
   EXPECT_EQ(act("rename", {{"name", name()}, {"to", "Other"}}), 400) << last;
   EXPECT_EQ(act("delete", {{"name", name()}}), 400) << last;
 }
