@@ -114,12 +114,14 @@ int Serve(const Options& options) {
         {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
+    PlayerCovers playerCovers(connection, plugin, house);
+    Covers covers(gate, playerCovers, options.data / "covers");
     WebApi api(
         visitors, gate,
         Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin, library),
                 DialogRoutes(dialog), EventRoutes({house, rules, history, words, events.control(), scripts}),
                 LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
-                PlaylistRoutes(playlists, library), ScriptRoutes(scripts, runner),
+                PlaylistRoutes(playlists, library), CoverRoutes(covers), ScriptRoutes(scripts, runner),
                 UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,

@@ -5,6 +5,9 @@
 #include <taglib/flacfile.h>
 #include <taglib/flacpicture.h>
 #include <taglib/id3v2tag.h>
+#include <taglib/mp4file.h>
+#include <taglib/mpegfile.h>
+#include <taglib/opusfile.h>
 #include <taglib/tpropertymap.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/wavfile.h>
@@ -33,16 +36,25 @@ TagLib::FLAC::Picture* CoverOf(const TagLib::ByteVector& data) {
   return picture.release();  // the file owns it
 }
 
+TagLib::ID3v2::AttachedPictureFrame* FrameOf(const TagLib::ByteVector& data) {
+  auto frame = std::make_unique<TagLib::ID3v2::AttachedPictureFrame>();
+  frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
+  frame->setMimeType("image/png");
+  frame->setPicture(data);
+  return frame.release();  // the tag owns it
+}
+
 void PutCover(TagLib::File* file, const std::string& png) {
   const TagLib::ByteVector data(png.data(), static_cast<unsigned>(png.size()));
   if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) flac->addPicture(CoverOf(data));
   if (auto* vorbis = dynamic_cast<TagLib::Ogg::Vorbis::File*>(file)) vorbis->tag()->addPicture(CoverOf(data));
-  if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) {
-    auto frame = std::make_unique<TagLib::ID3v2::AttachedPictureFrame>();
-    frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
-    frame->setMimeType("image/png");
-    frame->setPicture(data);
-    wav->ID3v2Tag()->addFrame(frame.release());  // the tag owns it
+  if (auto* opus = dynamic_cast<TagLib::Ogg::Opus::File*>(file)) opus->tag()->addPicture(CoverOf(data));
+  if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) wav->ID3v2Tag()->addFrame(FrameOf(data));
+  if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) mpeg->ID3v2Tag(true)->addFrame(FrameOf(data));
+  if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(file)) {
+    TagLib::MP4::CoverArtList covers;
+    covers.append(TagLib::MP4::CoverArt(TagLib::MP4::CoverArt::PNG, data));
+    mp4->tag()->setItem("covr", TagLib::MP4::Item(covers));
   }
 }
 

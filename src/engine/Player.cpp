@@ -139,7 +139,7 @@ class Player : public player::WMP9 {
                     [this] { playback_.listChanged(); }, [this](const std::string& line) { message(line); },
                     // At once: who has renamed a playlist asks for the names on the same turn.
                     [this] { events_.PlaylistCollectionChange(); }}),
-        drives_(config.cdDevices, config.findCdDrives) {
+        drives_(config.cdDevices, config.findCdDrives, library_.shelf()) {
     output_.listener(playback_);
     playback_.preset(library_.getAll());
     if (config.resume) takeUp(loop, config.dataFolder);

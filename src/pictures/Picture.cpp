@@ -87,6 +87,23 @@ Pixbuf Decoded(const std::string& bytes, Wish& wish) {
   return Pixbuf(GDK_PIXBUF(g_object_ref(picture)));
 }
 
+/// As the camera or scanner says that it is to be held.
+Pixbuf UprightOf(Pixbuf picture) {
+  Pixbuf upright(gdk_pixbuf_apply_embedded_orientation(picture.get()));
+  return upright ? std::move(upright) : std::move(picture);
+}
+
+/// A JPEG lets nothing through.
+Pixbuf OnWhite(Pixbuf picture) {
+  constexpr guint32 kWhite = 0xFFFFFF;
+  constexpr int kSolid = 255;
+  constexpr int kSquare = 64;  // of a pattern of two colours, which are the same here
+  if (gdk_pixbuf_get_has_alpha(picture.get()) == FALSE) return picture;
+  return Pixbuf(gdk_pixbuf_composite_color_simple(picture.get(), gdk_pixbuf_get_width(picture.get()),
+                                                  gdk_pixbuf_get_height(picture.get()), GDK_INTERP_NEAREST,
+                                                  kSolid, kSquare, kWhite, kWhite));
+}
+
 }  // namespace
 
 Size SizeOf(const std::string& bytes) {
@@ -114,6 +131,8 @@ std::string Thumbnail(const std::string& bytes, int side) {
                                           std::max(1, height * side / longer), GDK_INTERP_BILINEAR));
     if (!picture) return {};
   }
+  picture = OnWhite(UprightOf(std::move(picture)));
+  if (!picture) return {};
   gchar* data = nullptr;
   gsize size = 0;
   if (gdk_pixbuf_save_to_buffer(picture.get(), &data, &size, "jpeg", nullptr, "quality", kJpegQuality,

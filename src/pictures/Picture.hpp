@@ -20,8 +20,8 @@ Size SizeOf(const std::string& bytes);
 /// Whether the bytes are a picture of one of these kinds, within the bounds, and can be decoded to their end.
 bool CanBeShown(const std::string& bytes);
 
-/// The picture as a JPEG whose longer side is at most `side` pixels; it is never made larger. Empty for what
-/// can't be shown.
+/// The picture, the right way up and on white where it lets through, as a JPEG whose longer side is at most
+/// `side` pixels; it is never made larger. Empty for what can't be shown.
 std::string Thumbnail(const std::string& bytes, int side);
 
 }  // namespace pictures

@@ -5,6 +5,7 @@
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
 #include "player/ManyOut.hpp"
+#include "player/Pictured.hpp"
 #include "player/Shown.hpp"
 
 namespace player {
@@ -24,6 +25,16 @@ base::ObjectRef ShowDrive(const std::shared_ptr<Cdrom>& drive) {
                       Command("eject", {}, [drive] { drive->eject(); })});
 }
 
+std::string MarkOf(const Media& media) {
+  const auto* pictured = dynamic_cast<const Pictured*>(&media);
+  return pictured == nullptr ? std::string() : pictured->pictureMark();
+}
+
+std::string BytesOf(const Media& media) {
+  const auto* pictured = dynamic_cast<const Pictured*>(&media);
+  return pictured == nullptr ? std::string() : pictured->pictureBytes();
+}
+
 /// A field of an item, or else its attribute of that name; empty where it can't be read.
 std::string TextOf(const Media& media, const std::string& field) {
   std::string text;
@@ -33,6 +44,8 @@ std::string TextOf(const Media& media, const std::string& field) {
       text = media.name();
     } else if (base::SameText(field, "sourceURL")) {
       text = media.sourceURL();
+    } else if (base::SameText(field, "pictureMark")) {
+      text = MarkOf(media);
     } else {
       text = media.getItemInfo(field);
     }
@@ -122,7 +135,10 @@ base::ObjectRef ShowByName(const MediaRef& media) {
                  }),
        ReadField("duration", Type::kDouble, [media] { return media->duration(); }),
        ReadField("durationString", Type::kText, [media] { return media->durationString(); }),
-       ReadField("imageSourceHeight", Type::kInt32, [media] { return media->imageSourceHeight(); })});
+       ReadField("imageSourceHeight", Type::kInt32, [media] { return media->imageSourceHeight(); }),
+       // Of this system's own, as no path goes to another process.
+       ReadField("pictureMark", Type::kText, [media] { return MarkOf(*media); }),
+       ReadField("pictureBytes", Type::kText, [media] { return BytesOf(*media); })});
 }
 
 base::ObjectRef ShowByName(const PlaylistRef& playlist) {

@@ -63,7 +63,7 @@ class Reader {
       if (text.back() != ']') return false;
       section_ = base::LowerCase(text.substr(1, text.size() - 2));
       return section_ == "library" || section_ == "audio" || section_ == "network" || section_ == "cd" ||
-             section_ == "playback";
+             section_ == "playback" || section_ == "covers";
     }
     const auto equals = text.find('=');
     if (equals == std::string::npos) return false;
@@ -93,6 +93,7 @@ class Reader {
     if (key == "playback.preamp") return number(config_.preamp, value, -24, 24);
     if (key == "playback.clipping") return choice(config_.clipping, value);
     if (key == "playback.crossfade") return number(config_.crossfade, value, 0, 12);
+    if (key == "covers.folder" && !value.empty()) return set(config_.chosenCovers, Folder(value));
     if (key == "network.metadata") return set(config_.metadataAddress, value);
     if (key == "network.cover") return set(config_.coverAddress, value);
     if (key == "cd.drive" && !value.empty()) {
@@ -140,6 +141,7 @@ Config DefaultConfig() {
   config.musicFolders = {XdgMusicFolder()};
   config.dataFolder = XdgFolder("XDG_DATA_HOME", ".local/share") + "/vantorix/player";
   config.playlistFolder = config.musicFolders.front() + "/Playlists";
+  config.chosenCovers = config.dataFolder + "/covers";
   return config;
 }
 
@@ -150,6 +152,7 @@ Config LoadConfig(const std::string& path) {
   std::ifstream file(path);
   if (!file) throw base::Failure(base::number::kPermissionDenied, path + " can't be read");
   const std::string defaultPlaylists = config.playlistFolder;
+  const std::string defaultCovers = config.chosenCovers;
   Reader reader(config);
   int number = 0;
   for (std::string line; std::getline(file, line);) {
@@ -164,6 +167,7 @@ Config LoadConfig(const std::string& path) {
   if (config.playlistFolder == defaultPlaylists) {
     config.playlistFolder = config.musicFolders.front() + "/Playlists";
   }
+  if (config.chosenCovers == defaultCovers) config.chosenCovers = config.dataFolder + "/covers";
   return config;
 }
 

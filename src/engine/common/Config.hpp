@@ -21,10 +21,11 @@ struct Config {
   std::vector<std::string> cdDevices;  ///< drives or CUE files
   bool findCdDrives = true;            ///< whether to look for the machine's own drives: if none are set up
   ReplayGain replayGain = ReplayGain::kOff;
-  double preamp = 0;      ///< decibels on top of what the tags say
-  bool clipping = false;  ///< louder than full scale is allowed: peaks are cut
-  double crossfade = 0;   ///< seconds in which one title goes over into the next; 0 for none
-  bool resume = true;     ///< what was played is taken up again at the next start, stopped
+  double preamp = 0;         ///< decibels on top of what the tags say
+  bool clipping = false;     ///< louder than full scale is allowed: peaks are cut
+  double crossfade = 0;      ///< seconds in which one title goes over into the next; 0 for none
+  bool resume = true;        ///< what was played is taken up again at the next start, stopped
+  std::string chosenCovers;  ///< a folder of pictures named after albums, before all others
   std::string metadataAddress;
   std::string coverAddress;
   int tagWorkers = 2;

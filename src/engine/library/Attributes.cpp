@@ -171,18 +171,20 @@ std::string BackslashPath(std::string url) {
   return url;
 }
 
-std::string AlbumId(std::string_view albumArtist, std::string_view album) {
-  if (album.empty()) return {};
-  // FNV-1a: the same in every build and on every machine, as pictures are named after it.
+std::string HashText(std::string_view text) {
   std::uint64_t hash = 0xCBF29CE484222325ULL;
-  const std::string text = base::LowerCase(albumArtist) + '\n' + base::LowerCase(album);
-  for (const char character : text) {
+  for (const char character : text) {  // FNV-1a
     hash ^= static_cast<unsigned char>(character);
     hash *= 0x100000001B3ULL;
   }
   std::array<char, 20> digits{};
   std::snprintf(digits.data(), digits.size(), "%016llX", static_cast<unsigned long long>(hash));
   return digits.data();
+}
+
+std::string AlbumId(std::string_view albumArtist, std::string_view album) {
+  if (album.empty()) return {};
+  return HashText(base::LowerCase(albumArtist) + '\n' + base::LowerCase(album));
 }
 
 }  // namespace engine

@@ -44,6 +44,8 @@ std::string PathOf(const std::string& url);
 bool IsAddress(std::string_view text);
 /// A local path in the form in which album art is looked for beside it; an address as it is.
 std::string BackslashPath(std::string url);
+/// Sixteen hexadecimal digits that stand for the text: the same in every build and on every machine.
+std::string HashText(std::string_view text);
 /// An album's id where the tags give none: the same for the same album at all times.
 std::string AlbumId(std::string_view albumArtist, std::string_view album);
 

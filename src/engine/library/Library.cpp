@@ -48,7 +48,7 @@ TrackTags TagsOfAddress(const std::string& address) {
 }  // namespace
 
 Library::Library(base::Loop& loop, const Config& config, Events events)
-    : shelf_(std::make_shared<Shelf>(config.dataFolder + "/pictures")),
+    : shelf_(std::make_shared<Shelf>(config.dataFolder + "/pictures", config.chosenCovers)),
       events_(std::move(events)),
       changeTimer_(loop.makeTimer(kChangeDelay,
                                   [this] {
@@ -117,7 +117,7 @@ player::MediaRef Library::trackAt(const std::string& path) const {
 player::MediaRef Library::mediaAt(const std::string& url) const {
   const std::string path = ExistingPath(url);
   if (auto media = known(path)) return media;
-  return std::make_shared<LooseMedia>(path, TagsOfAddress(path));
+  return std::make_shared<LooseMedia>(path, TagsOfAddress(path), shelf_);
 }
 
 player::MediaRef Library::add(const std::string& url) {

@@ -11,7 +11,33 @@ bool AsksForPicture(const std::string& attribute, std::int32_t index) {
   return index == 0 && base::SameText(attribute, "WM/Picture");
 }
 
+/// The file that the media lies in or belongs to: of a disc's image its table of contents. Empty for what has
+/// no folder.
+std::string FileOf(const std::string& location) {
+  constexpr std::string_view kDisc = "cdda://";
+  if (location.rfind(kDisc, 0) == 0) return location.substr(kDisc.size(), location.rfind('#') - kDisc.size());
+  return IsAddress(location) ? std::string() : location;
+}
+
 }  // namespace
+
+Pictures::Sought EngineMedia::sought() const {
+  return {FileOf(location()), getItemInfo("WM/AlbumArtist"), getItemInfo("Album")};
+}
+
+player::Picture EngineMedia::getItemInfoByType(const std::string& attribute, const std::string& /*language*/,
+                                               std::int32_t index) const {
+  if (pictures() == nullptr || !AsksForPicture(attribute, index)) return {};
+  return {pictures()->urlOf(sought())};
+}
+
+std::string EngineMedia::pictureMark() const {
+  return pictures() == nullptr ? std::string() : pictures()->markOf(sought());
+}
+
+std::string EngineMedia::pictureBytes() const {
+  return pictures() == nullptr ? std::string() : pictures()->bytesOf(sought());
+}
 
 std::string TrackMedia::name() const { return std::string(shelf_->table.text(shelf_->table.row(id_).title)); }
 
@@ -19,19 +45,8 @@ std::string TrackMedia::getItemInfo(const std::string& attribute) const {
   return AttributeText(shelf_->table, id_, AttributeNamed(attribute));
 }
 
-player::Picture TrackMedia::getItemInfoByType(const std::string& attribute, const std::string& /*language*/,
-                                              std::int32_t index) const {
-  if (!AsksForPicture(attribute, index)) return {};
-  return {shelf_->pictures.urlOf(location())};
-}
-
 std::string LooseMedia::getItemInfo(const std::string& attribute) const {
   return AttributeText(tags_, sourceURL(), AttributeNamed(attribute));
-}
-
-player::Picture LooseMedia::getItemInfoByType(const std::string& /*attribute*/,
-                                              const std::string& /*language*/, std::int32_t /*index*/) const {
-  return {};
 }
 
 std::string PlainLocation(const std::string& location) {

@@ -7,13 +7,15 @@
 #include "engine/library/Pictures.hpp"
 #include "engine/library/TrackIndex.hpp"
 #include "engine/library/TrackTable.hpp"
+#include "player/Pictured.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {
 
 /// What media of the library look things up in. It lives as long as anything made from it.
 struct Shelf {
-  explicit Shelf(const std::string& pictureFolder) : index(table), pictures(pictureFolder) {}
+  Shelf(const std::string& pictureFolder, const std::string& chosenPictures)
+      : index(table), pictures(pictureFolder, chosenPictures) {}
 
   TrackTable table;
   TrackIndex index;
@@ -22,7 +24,7 @@ struct Shelf {
 using ShelfRef = std::shared_ptr<Shelf>;
 
 /// Media that the engine can play.
-class EngineMedia : public player::Media {
+class EngineMedia : public player::Media, public player::Pictured {
  public:
   /// What the decoder opens: a path or an address.
   [[nodiscard]] virtual std::string location() const = 0;
@@ -30,6 +32,17 @@ class EngineMedia : public player::Media {
   [[nodiscard]] virtual std::shared_ptr<EngineMedia> copy() const = 0;
   [[nodiscard]] std::string durationString() const override { return ClockText(duration()); }
   [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
+  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
+                                                  std::int32_t index) const override;
+  [[nodiscard]] std::string pictureMark() const override;
+  [[nodiscard]] std::string pictureBytes() const override;
+
+ protected:
+  /// Where pictures are looked up; null without a library.
+  [[nodiscard]] virtual Pictures* pictures() const = 0;
+
+ private:
+  [[nodiscard]] Pictures::Sought sought() const;
 };
 
 /// A track of the library: a number, looked up when asked.
@@ -45,9 +58,10 @@ class TrackMedia : public EngineMedia {
   [[nodiscard]] std::string name() const override;
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location()); }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
-  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
-                                                  std::int32_t index) const override;
   [[nodiscard]] double duration() const override { return shelf_->table.row(id_).milliseconds / 1000.0; }
+
+ protected:
+  [[nodiscard]] Pictures* pictures() const override { return &shelf_->pictures; }
 
  private:
   ShelfRef shelf_;
@@ -57,7 +71,9 @@ class TrackMedia : public EngineMedia {
 /// Media outside the library: an address, a file from elsewhere, a track of a disc.
 class LooseMedia : public EngineMedia {
  public:
-  LooseMedia(std::string location, TrackTags tags) : location_(std::move(location)), tags_(std::move(tags)) {}
+  /// Without a shelf it has no picture.
+  LooseMedia(std::string location, TrackTags tags, ShelfRef shelf = nullptr)
+      : location_(std::move(location)), tags_(std::move(tags)), shelf_(std::move(shelf)) {}
 
   /// Told by the decoder once it knows.
   void duration(double seconds) {
@@ -69,18 +85,20 @@ class LooseMedia : public EngineMedia {
   [[nodiscard]] const std::string& place() const { return location_; }
   [[nodiscard]] const TrackTags& tags() const { return tags_; }
   [[nodiscard]] std::shared_ptr<EngineMedia> copy() const override {
-    return std::make_shared<LooseMedia>(location_, tags_);
+    return std::make_shared<LooseMedia>(location_, tags_, shelf_);
   }
   [[nodiscard]] std::string name() const override { return tags_.title; }
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location_); }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
-  [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
-                                                  std::int32_t index) const override;
   [[nodiscard]] double duration() const override { return tags_.milliseconds / 1000.0; }
+
+ protected:
+  [[nodiscard]] Pictures* pictures() const override { return shelf_ ? &shelf_->pictures : nullptr; }
 
  private:
   std::string location_;
   TrackTags tags_;
+  ShelfRef shelf_;
 };
 
 /// A path without "." and ".." steps; an address as it is.

@@ -7,12 +7,16 @@
 #include <utility>
 
 #include "base/Failure.hpp"
+#include "engine/library/Attributes.hpp"
 #include "engine/tags/MediaFile.hpp"
+#include "files/ReadFile.hpp"
 #include "files/Stamp.hpp"
 #include "files/WriteFile.hpp"
 
 namespace engine {
 namespace {
+
+constexpr std::int64_t kMostBytes = std::int64_t{16} << 20U;
 
 /// The ending that fits the picture's first bytes.
 std::string Ending(const std::string& picture) {
@@ -25,11 +29,45 @@ std::string Ending(const std::string& picture) {
 
 }  // namespace
 
-Pictures::Pictures(std::string folder) : folder_(std::move(folder)) { files::ClearLeftovers(folder_); }
+Pictures::Pictures(std::string folder, std::string chosen)
+    : chosen_(std::move(chosen)), folder_(std::move(folder)) {
+  files::ClearLeftovers(folder_);
+}
 
-std::string Pictures::urlOf(const std::string& path) {
-  const std::string beside = besides_.in(std::filesystem::path(path).parent_path().string());
-  return beside.empty() ? insideOf(path) : "file://" + beside;
+Pictures::Place Pictures::placeOf(const Sought& sought) {
+  if (std::string chosen = chosen_.of(sought.artist, sought.album); !chosen.empty())
+    return {std::move(chosen)};
+  if (sought.path.empty()) return {};
+  std::string beside = besides_.in(std::filesystem::path(sought.path).parent_path().string());
+  if (!beside.empty()) return {std::move(beside)};
+  return {sought.path, true};
+}
+
+std::string Pictures::urlOf(const Sought& sought) {
+  const Place place = placeOf(sought);
+  if (place.path.empty()) return {};
+  return place.inside ? insideOf(place.path) : "file://" + place.path;
+}
+
+std::string Pictures::markOf(const Sought& sought) {
+  const Place place = placeOf(sought);
+  if (place.path.empty() || (place.inside && tags::KindByName(place.path) == MediaKind::kNone)) return {};
+  try {
+    const files::FileStamp stamp = files::StampOf(place.path);
+    return (place.inside ? "i" : "f") +
+           HashText(place.path + '\n' + std::to_string(stamp.modified) + ' ' + std::to_string(stamp.size) +
+                    ' ' + std::to_string(stamp.inode));
+  } catch (const base::Failure&) {
+    return {};
+  }
+}
+
+std::string Pictures::bytesOf(const Sought& sought) {
+  const Place place = placeOf(sought);
+  if (place.path.empty()) return {};
+  if (!place.inside) return files::ReadFile(place.path, kMostBytes).text;
+  if (tags::KindByName(place.path) == MediaKind::kNone) return {};
+  return tags::ReadPicture(place.path);
 }
 
 std::string Pictures::insideOf(const std::string& path) {

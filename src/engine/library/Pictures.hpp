@@ -2,23 +2,45 @@
 #include <string>
 #include <unordered_map>
 
+#include "engine/library/ChosenPictures.hpp"
 #include "engine/library/FolderPictures.hpp"
 
 namespace engine {
 
-/// The pictures of media files: the one in the file's folder, which its owner has chosen, or else the one
-/// inside the file, taken out into a folder of ours when it is first asked for.
+/// The pictures of media files: the one that the user has chosen for the album, before the one in the file's
+/// folder, before the one inside the file, taken out into a folder of ours when its address is first asked
+/// for.
 class Pictures {
  public:
-  /// `folder` is made when it is first needed. What a killed process has left half-written in it is cleared.
-  explicit Pictures(std::string folder);
+  /// What a picture is sought for. Without a path only a chosen one is found, without an album none is.
+  struct Sought {
+    std::string path;
+    std::string artist;  ///< of the album
+    std::string album;
+  };
 
-  /// A "file:" address of the file's picture, empty when there is none or it can't be kept.
-  std::string urlOf(const std::string& path);
+  /// `folder` is made when it is first needed. What a killed process has left half-written in it is cleared.
+  /// `chosen` holds the user's own choices.
+  Pictures(std::string folder, std::string chosen);
+
+  /// A "file:" address of the picture, empty when there is none or it can't be kept.
+  std::string urlOf(const Sought& sought);
+  /// A short text that changes with the picture; empty without one. Nothing is read but folders: for a
+  /// picture inside of a file it stands for the file, and there may turn out to be none.
+  std::string markOf(const Sought& sought);
+  /// The picture itself, empty without one. Throws as files do.
+  std::string bytesOf(const Sought& sought);
 
  private:
+  /// Where a picture is, or may be.
+  struct Place {
+    std::string path{};
+    bool inside = false;  ///< of that media file
+  };
+  Place placeOf(const Sought& sought);
   std::string insideOf(const std::string& path);
 
+  ChosenPictures chosen_;
   FolderPictures besides_;
   std::string folder_;
   std::unordered_map<std::string, std::string> known_;  ///< by path and stamp

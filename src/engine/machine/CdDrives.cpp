@@ -55,7 +55,7 @@ std::string Contents(CdIo_t* disc, track_t first, track_t count) {
 
 class Drive : public player::Cdrom {
  public:
-  explicit Drive(std::string device) : device_(std::move(device)) {}
+  Drive(std::string device, ShelfRef shelf) : device_(std::move(device)), shelf_(std::move(shelf)) {}
 
   [[nodiscard]] std::string driveSpecifier() const override { return device_; }
 
@@ -83,8 +83,8 @@ class Drive : public player::Cdrom {
       tags.artist = CdText(text, CDTEXT_FIELD_PERFORMER, track);
       if (tags.artist.empty()) tags.artist = album.albumArtist;
       tags.milliseconds = cdio_get_track_sec_count(disc.get(), track) * 1000 / CDIO_CD_FRAMES_PER_SEC;
-      items.push_back(
-          std::make_shared<LooseMedia>("cdda://" + device_ + "#" + std::to_string(track), std::move(tags)));
+      items.push_back(std::make_shared<LooseMedia>("cdda://" + device_ + "#" + std::to_string(track),
+                                                   std::move(tags), shelf_));
     }
     return std::make_shared<ListPlaylist>(album.album.empty() ? "Audio CD" : album.album, std::move(items));
   }
@@ -102,20 +102,21 @@ class Drive : public player::Cdrom {
 
  private:
   std::string device_;
+  ShelfRef shelf_;
   bool ejected_ = false;
 };
 
 }  // namespace
 
-CdDrives::CdDrives(const std::vector<std::string>& devices, bool find) {
+CdDrives::CdDrives(const std::vector<std::string>& devices, bool find, const ShelfRef& shelf) {
   if (find) {
     char** found = cdio_get_devices(DRIVER_DEVICE);
     for (char** device = found; device != nullptr && *device != nullptr; ++device) {
-      drives_.push_back(std::make_shared<Drive>(*device));
+      drives_.push_back(std::make_shared<Drive>(*device, shelf));
     }
     if (found != nullptr) cdio_free_device_list(found);
   }
-  for (const std::string& device : devices) drives_.push_back(std::make_shared<Drive>(device));
+  for (const std::string& device : devices) drives_.push_back(std::make_shared<Drive>(device, shelf));
 }
 
 std::shared_ptr<player::Cdrom> CdDrives::item(std::int32_t index) {

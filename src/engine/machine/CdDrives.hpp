@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/library/Media.hpp"
 #include "player/WMP9.hpp"
 
 namespace engine {
@@ -10,8 +11,9 @@ namespace engine {
 /// The machine's CD drives and the disc images set up as such.
 class CdDrives : public player::CdromCollection {
  public:
-  /// `devices` are device files or CUE files; with `find`, the machine's own drives come first.
-  CdDrives(const std::vector<std::string>& devices, bool find);
+  /// `devices` are device files or CUE files; with `find`, the machine's own drives come first. `shelf` knows
+  /// the pictures of discs.
+  CdDrives(const std::vector<std::string>& devices, bool find, const ShelfRef& shelf = nullptr);
 
   [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(drives_.size()); }
   std::shared_ptr<player::Cdrom> item(std::int32_t index) override;

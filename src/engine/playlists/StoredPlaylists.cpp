@@ -68,7 +68,7 @@ player::MediaRef StoredPlaylists::mediaOf(const M3uItem& item) const {
     tags.title.erase(0, dash + 3);
   }
   if (item.seconds > 0) tags.milliseconds = static_cast<std::uint32_t>(item.seconds) * 1000;
-  return std::make_shared<LooseMedia>(LocationOf(*media), std::move(tags));
+  return std::make_shared<LooseMedia>(LocationOf(*media), std::move(tags), library_.shelf());
 }
 
 namespace {

@@ -152,7 +152,7 @@ void QueueKeeper::edited(const std::vector<ListStep>& steps) {
 player::MediaRef QueueKeeper::mediaOf(const DecodedItem& item) const {
   if (auto known = parts_.library.trackAt(item.location)) return known;
   if (item.track) return parts_.library.mediaAt(item.location);
-  return std::make_shared<LooseMedia>(item.location, item.tags);
+  return std::make_shared<LooseMedia>(item.location, item.tags, parts_.library.shelf());
 }
 
 player::PlaylistRef QueueKeeper::listOf(const KeptQueue& queue) const {

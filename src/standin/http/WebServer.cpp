@@ -88,6 +88,7 @@ void GiveFor(const httplib::Request& request, httplib::Response& response, WebAn
     answer.body = RefusalPage(answer.status, text, request.path);
     answer.type = "text/html; charset=utf-8";
   }
+  if (!answer.cache.empty()) Put(response, "Cache-Control", answer.cache);
   if (!answer.policy.empty()) Put(response, "Content-Security-Policy", answer.policy);
   // A page with a policy of its own is made for this one time.
   const bool keeps =

@@ -19,6 +19,7 @@ struct WebAnswer {
   std::string body = "{}";
   std::string cookie{};    ///< content of a Set-Cookie header, if any
   std::string location{};  ///< where the browser goes on, if anywhere
+  std::string cache{};     ///< Cache-Control in place of the usual "private, no-cache", if any
   std::string policy{};    ///< a Content-Security-Policy in place of the server's usual one, if any
 };
 
@@ -47,6 +48,7 @@ struct WebCall {
   std::string peer{};                               ///< the address that it comes from
   User user{};                                      ///< without a name for one whom the house doesn't know
 
+  [[nodiscard]] bool has(const std::string& name) const { return parameters.count(name) != 0; }
   /// Empty when it isn't given.
   [[nodiscard]] std::string parameter(const std::string& name) const {
     const auto found = parameters.find(name);

@@ -1,4 +1,5 @@
 #pragma once
+#include "standin/covers/Covers.hpp"
 #include "standin/dialogs/OpenDialog.hpp"
 #include "standin/events/EventControl.hpp"
 #include "standin/events/EventWords.hpp"
@@ -34,6 +35,8 @@ Routes LibraryRoutes(PlayerLibrary& library, LibrarySearch& search);
 Routes PlayerRoutes(NowPlaying& player, Playlists& playlists);
 /// The player's playlists.
 Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
+/// The covers of albums and of what plays.
+Routes CoverRoutes(Covers& covers);
 /// What the events' routes work with.
 struct EventParts {
   House& house;

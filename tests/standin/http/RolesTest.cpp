@@ -93,11 +93,12 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
   EXPECT_THAT(
       linesFor(Method::kPost, Role::kGuest),
       testing::ElementsAre("/api/command", "/api/play", "/api/playlist/watch", "/api/press", "/api/voice"));
-  EXPECT_THAT(linesFor(Method::kGet, Role::kGuest),
-              testing::ElementsAre("/*", "/*/*", "/api/albums", "/api/event", "/api/event/choices",
-                                   "/api/event/history", "/api/events", "/api/events/place", "/api/library",
-                                   "/api/live", "/api/log", "/api/player", "/api/playlist", "/api/playlists",
-                                   "/api/search", "/api/state", "/api/values", "/api/volume"));
+  EXPECT_THAT(
+      linesFor(Method::kGet, Role::kGuest),
+      testing::ElementsAre("/*", "/*/*", "/api/albums", "/api/cover", "/api/cover/key", "/api/event",
+                           "/api/event/choices", "/api/event/history", "/api/events", "/api/events/place",
+                           "/api/library", "/api/live", "/api/log", "/api/player", "/api/playlist",
+                           "/api/playlists", "/api/search", "/api/state", "/api/values", "/api/volume"));
   EXPECT_THAT(linesFor(Method::kGet, Role::kOwner),
               testing::ElementsAre("/api/dialog", "/api/dialog/options", "/api/script", "/api/script/run",
                                    "/api/scripts"));
