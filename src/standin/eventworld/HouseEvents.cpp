@@ -20,7 +20,9 @@ HouseEvents::HouseEvents(const Parts& parts)
     if (alive.lock()) teller_.changed(event);
   });
   parts.plugin.onPhase([this, alive = std::weak_ptr(alive_)](PluginPhase phase) {
-    if (alive.lock()) begin(phase);
+    if (!alive.lock()) return;
+    world_.pluginIsAnother();
+    begin(phase);
   });
 }
 

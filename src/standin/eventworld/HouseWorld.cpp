@@ -15,9 +15,12 @@ HouseWorld::HouseWorld(base::Loop& loop, House& house, HouseObjects& objects, Pl
       devices_(house, objects, plugin),
       plugin_(loop, plugin),
       scripts_(loop, scripts, runner),
-      memory_(loop, plugin_, [this](const std::string& failure) {
-        note("Warning", "What was in the player before somebody was woken can't be put back: " + failure);
-      }) {}
+      memory_(loop, plugin_,
+              [this](const std::string& failure) {
+                note("Warning",
+                     "What was in the player before somebody was woken can't be put back: " + failure);
+              }),
+      guard_(std::make_shared<RepeatGuard>(loop)) {}
 
 void HouseWorld::check(const std::string& stored, Checked checked) {
   const auto holds = std::make_shared<bool>(false);
@@ -37,7 +40,7 @@ std::optional<DeviceFacts> HouseWorld::device(std::int32_t ref) const {
 std::unique_ptr<Deed> HouseWorld::carryOut(const Action& action, Done done) {
   if (const auto* plugin = std::get_if<PluginAction>(&action)) {
     return plugin_.call(
-        [stored = plugin->stored](base::Object& vxif) { vxif.invoke("TriggerAction", stored); },
+        [guard = guard_, stored = plugin->stored](base::Object& vxif) { guard->carryOut(vxif, stored); },
         std::move(done));
   }
   if (const auto* device = std::get_if<DeviceAction>(&action)) return tell(*device, std::move(done));
@@ -51,7 +54,7 @@ std::unique_ptr<Deed> HouseWorld::carryOut(const Action& action, Done done) {
         [this](const std::string& words, EventWorld::Done said) {
           speech_.speak(words, true, std::move(said));
         },
-        memory_, *wake, std::move(done));
+        memory_, guard_, *wake, std::move(done));
   if (const auto* speak = std::get_if<SpeakAction>(&action)) {
     speech_.speak(speak->text, false, std::move(done));
     return nullptr;

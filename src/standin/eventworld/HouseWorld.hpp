@@ -1,6 +1,7 @@
 #pragma once
 #include "standin/eventrun/EventWorld.hpp"
 #include "standin/eventworld/KeeperCalls.hpp"
+#include "standin/eventworld/RepeatGuard.hpp"
 #include "standin/eventworld/ScriptTurns.hpp"
 #include "standin/eventworld/Wake.hpp"
 #include "standin/house/House.hpp"
@@ -25,6 +26,8 @@ class HouseWorld : public EventWorld {
 
   /// The plug-in has told a trigger: what was in the player before somebody was woken may come back now.
   void pluginTriggered();
+  /// The plug-in has started, or has gone.
+  void pluginIsAnother() { guard_->forget(); }
 
  private:
   std::unique_ptr<Deed> tell(const DeviceAction& action, Done done);
@@ -36,6 +39,7 @@ class HouseWorld : public EventWorld {
   KeeperCalls plugin_;
   ScriptTurns scripts_;
   WakeMemory memory_;
+  std::shared_ptr<RepeatGuard> guard_;  ///< calls under way may outlive the house
 };
 
 }  // namespace standin

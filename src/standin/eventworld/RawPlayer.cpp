@@ -94,19 +94,22 @@ void RawPlayer::putBack(const PlayerPlace& place) {
   if (place.playlist) {
     const bool startsItself = base::ToBoolean(settings->get("autoStart"));
     const bool shuffled = base::ToBoolean(settings->invoke("getMode", "shuffle"));
-    settings->put("autoStart", base::Value(false));
+    const auto restore = [&] {
+      if (shuffled) settings->invoke("setMode", "shuffle", true);
+      settings->put("autoStart", base::Value(startsItself));
+    };
     try {
+      settings->put("autoStart", base::Value(false));
       // In shuffled order the way to the item would be another each time.
       if (shuffled) settings->invoke("setMode", "shuffle", false);
       player_->put("currentPlaylist", base::Value(place.playlist));
       walkTo(place.item);
-      if (shuffled) settings->invoke("setMode", "shuffle", true);
       part("controls")->put("currentPosition", base::Value(place.position));
     } catch (...) {
-      settings->put("autoStart", base::Value(startsItself));
+      restore();
       throw;
     }
-    settings->put("autoStart", base::Value(startsItself));
+    restore();
   }
   volume(place.volume);
   if (muted() != place.muted) mute(place.muted);

@@ -14,12 +14,13 @@ constexpr std::int32_t kPlayStatePlaying = 3;
 /// A waking under way.
 class Wake : public Deed {
  public:
-  Wake(base::Loop& loop, PluginCalls& plugin, WakeWords say, WakeMemory& memory, const WakeAction& action,
-       EventWorld::Done done)
+  Wake(base::Loop& loop, PluginCalls& plugin, WakeWords say, WakeMemory& memory,
+       std::shared_ptr<RepeatGuard> guard, const WakeAction& action, EventWorld::Done done)
       : loop_(loop),
         plugin_(plugin),
         say_(std::move(say)),
         memory_(memory),
+        guard_(std::move(guard)),
         action_(action),
         done_(std::move(done)),
         timer_(loop.makeTimer(kLookEvery, [this] { tick(); })) {}
@@ -53,8 +54,17 @@ class Wake : public Deed {
   void tryNext() {
     timer_->enabled(false);
     if (choice_ == action_.choices.size()) return lastResort();
+    const std::string& choice = action_.choices[choice_];
+    // Woken twice, or by what an event has just played: the plug-in would leave it, and nothing be heard.
+    const base::Milliseconds left = guard_->left(choice);
+    waiting_ = left.count() > 0;
+    if (waiting_) {
+      timer_->interval(left);
+      timer_->enabled(true);
+      return;
+    }
     lastPosition_.reset();
-    call([choice = action_.choices[choice_]](base::Object& vxif) { vxif.invoke("TriggerAction", choice); },
+    call([guard = guard_, choice](base::Object& vxif) { guard->carryOut(vxif, choice); },
          [this](const std::string& failure) {
            if (!failure.empty()) return notHeard(failure);
            since_ = loop_.now();  // not before: a long list takes its time to begin
@@ -65,6 +75,7 @@ class Wake : public Deed {
 
   void tick() {
     if (busy_) return;
+    if (waiting_) return tryNext();
     if (rising_) return rise();
     const auto seen = std::make_shared<std::pair<std::int32_t, double>>();
     call(
@@ -136,6 +147,7 @@ class Wake : public Deed {
   PluginCalls& plugin_;
   WakeWords say_;
   WakeMemory& memory_;
+  std::shared_ptr<RepeatGuard> guard_;
   WakeAction action_;
   EventWorld::Done done_;
   std::size_t choice_ = 0;
@@ -145,6 +157,7 @@ class Wake : public Deed {
   base::Milliseconds since_{0};
   bool busy_ = false;
   bool rising_ = false;
+  bool waiting_ = false;  ///< until the plug-in would carry out the next choice
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
   std::unique_ptr<base::Timer> timer_;
   std::unique_ptr<Deed> call_;
@@ -202,8 +215,10 @@ void WakeMemory::look() {
 }
 
 std::unique_ptr<Deed> BeginWake(base::Loop& loop, PluginCalls& plugin, WakeWords say, WakeMemory& memory,
-                                const WakeAction& action, EventWorld::Done done) {
-  auto wake = std::make_unique<Wake>(loop, plugin, std::move(say), memory, action, std::move(done));
+                                std::shared_ptr<RepeatGuard> guard, const WakeAction& action,
+                                EventWorld::Done done) {
+  auto wake =
+      std::make_unique<Wake>(loop, plugin, std::move(say), memory, std::move(guard), action, std::move(done));
   wake->begin();
   return wake;
 }

@@ -6,6 +6,7 @@
 
 #include "standin/eventworld/PluginCalls.hpp"
 #include "standin/eventworld/RawPlayer.hpp"
+#include "standin/eventworld/RepeatGuard.hpp"
 
 namespace standin {
 
@@ -46,6 +47,7 @@ using WakeWords = std::function<void(const std::string& words, EventWorld::Done 
 /// volume rises from silence then. When none is heard, what was in the player is put back, and a tone and the
 /// words are heard instead.
 std::unique_ptr<Deed> BeginWake(base::Loop& loop, PluginCalls& plugin, WakeWords say, WakeMemory& memory,
-                                const WakeAction& action, EventWorld::Done done);
+                                std::shared_ptr<RepeatGuard> guard, const WakeAction& action,
+                                EventWorld::Done done);
 
 }  // namespace standin

@@ -69,6 +69,7 @@ class StagedPlayer {
       position = base::ToDouble(value);
     };
     controls->operations["next"] = [this](base::Args&) {
+      if (refusesItems) throw base::Failure(base::number::kInternal, "It can't");
       ++item;
       position = 0;
       return base::Value();
@@ -124,6 +125,7 @@ class StagedPlayer {
   bool muted = false;
   bool autoStart = true;
   bool shuffled = false;
+  bool refusesItems = false;
   std::set<std::string> missing{};  ///< actions that play nothing
   std::set<std::string> silent{};   ///< titles that don't move
   std::vector<std::int32_t> volumes{};

@@ -19,8 +19,21 @@ class Waking : public testing::Test {
           spoken.push_back(words);
           said(voiceless);
         },
-        memory, action, [&](const std::string& failure) { ended.push_back(failure); });
+        memory, guard, action, [&](const std::string& failure) { ended.push_back(failure); });
   }
+  /// The player leaves an action alone that it has carried out within the last five seconds.
+  void guarded() {
+    auto& act = player.vxif.operations["TriggerAction"];
+    act = [this, acts = act](base::Args& args) {
+      const std::string action = base::ToText(args[0]);
+      if (action == lastAction && loop.now() - lastTime <= seconds(5)) return base::Value();
+      lastAction = action;
+      lastTime = loop.now();
+      return acts(args);
+    };
+  }
+  std::string lastAction;
+  base::Milliseconds lastTime{0};
   /// As the plug-in tells it.
   void stopsPlaying() {
     player.state = 1;
@@ -31,6 +44,7 @@ class Waking : public testing::Test {
   support::StagedPlayer player;
   support::StagedCalls calls{loop, player.vxif};
   WakeMemory memory{loop, calls, [&](const std::string& failure) { failures.push_back(failure); }};
+  std::shared_ptr<RepeatGuard> guard = std::make_shared<RepeatGuard>(loop);
   std::vector<std::string> failures;
   std::vector<std::string> ended;
   std::vector<std::string> spoken;
@@ -74,6 +88,29 @@ TEST_F(Waking, WaitsForAChoiceThatTakesLongToBegin) {
   begin();
   loop.leap(seconds(90));
   EXPECT_EQ(player.journal.count("do two"), 0U);
+  EXPECT_EQ(player.source(), "one.mp3");
+  EXPECT_THAT(ended, ElementsAre(""));
+}
+
+TEST_F(Waking, IsHeardWhereItIsBegunAnewWithinThePluginsGuard) {
+  guarded();
+  begin();
+  loop.leap(seconds(2));
+  begin();
+  loop.leap(seconds(2));
+  EXPECT_EQ(player.journal.count("do one"), 1U);
+  loop.leap(seconds(90));
+  EXPECT_EQ(player.journal.count("do one"), 2U);
+  EXPECT_EQ(player.journal.count("do two"), 0U);
+  EXPECT_THAT(spoken, IsEmpty());
+  EXPECT_THAT(ended, ElementsAre(""));
+}
+
+TEST_F(Waking, WithWhatAnEventHasJustPlayedIsHeard) {
+  guarded();
+  guard->carryOut(player.vxif, "one");
+  begin();
+  loop.leap(seconds(90));
   EXPECT_EQ(player.source(), "one.mp3");
   EXPECT_THAT(ended, ElementsAre(""));
 }
@@ -140,6 +177,17 @@ TEST_F(Waking, PutsTheQueueItsItemAndItsPlaceBackWhenItIsStopped) {
   EXPECT_NE(player.state, 3) << "nothing begins to sound by itself";
   EXPECT_TRUE(player.autoStart);
   EXPECT_TRUE(player.shuffled);
+}
+
+TEST_F(Waking, LeavesTheOrderAsItWasWhereThePlayerRefusesItsPlace) {
+  player.shuffled = true;
+  begin();
+  loop.leap(seconds(70));
+  player.refusesItems = true;
+  stopsPlaying();
+  EXPECT_EQ(failures.size(), 1U);
+  EXPECT_TRUE(player.shuffled);
+  EXPECT_TRUE(player.autoStart);
 }
 
 TEST_F(Waking, DoesNotTakeItsOwnStopForTheEnd) {
