@@ -5,6 +5,10 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "standin/eventrun/EventEngine.hpp"
 #include "standin/eventrun/StagedHouse.hpp"
@@ -108,8 +112,9 @@ class Stage {
       loop_.leap(std::chrono::minutes(10));
     }
     Require(isIdle());
-    Require(history_.ended.size() >= static_cast<std::size_t>(triggered_));
     judge();
+    judgeTriggers();
+    judgeWorld();
   }
 
  private:
@@ -118,9 +123,7 @@ class Stage {
       case 0: loop_.leap(std::chrono::seconds(bytes_.below(250))); break;
       case 1: loop_.leap(std::chrono::minutes(bytes_.below(250))); break;
       case 2: clock_.setBy(std::chrono::minutes((bytes_.below(250) - 125) * 10)); break;
-      case 3:
-        triggered_ += engine_.scriptTriggers("event " + std::to_string(bytes_.below(kEvents + 2)));
-        break;
+      case 3: askByScript(1 + bytes_.below(kEvents + 1)); break;
       case 4: change(); break;
       case 5: remake(1 + bytes_.below(kEvents)); break;
       case 6: rules_.remove(1 + bytes_.below(kEvents)); break;
@@ -132,10 +135,38 @@ class Stage {
       case 10:
         if (!world_.deeds.empty()) world_.finish(bytes_.yes() ? "it failed" : "");
         break;
-      default: triggered_ += engine_.pluginTriggered("P\2*\2" + std::to_string(bytes_.below(5))); break;
+      default: tell(bytes_.below(5)); break;
     }
     if (bytes_.below(4) == 0) world_.holds[std::to_string(bytes_.below(3))] = bytes_.yes();
     for (std::int32_t id = 1; id <= kEvents; ++id) Require(engine_.running(id) <= 10);
+  }
+
+  /// Each event that is on and has such a trigger comes to one more evaluation.
+  template <class Kind>
+  void expect(std::int32_t id, const Kind& trigger) {
+    const RuledEvent* event = rules_.byId(id);
+    if (event == nullptr || !event->rule.on) return;
+    const auto& all = event->rule.triggers;
+    const auto found = std::find(all.begin(), all.end(), Trigger(trigger));
+    if (found != all.end()) ++expected_[{id, words_.of(*found)}];
+  }
+
+  void askByScript(std::int32_t id) {
+    const std::size_t before = expectedInAll();
+    expect(id, ScriptTrigger{});
+    Require(engine_.scriptTriggers("event " + std::to_string(id)) == (expectedInAll() > before));
+  }
+
+  void tell(std::int32_t number) {
+    const std::size_t before = expectedInAll();
+    for (std::int32_t id = 1; id <= kEvents; ++id) expect(id, PluginTrigger{Stored(number)});
+    Require(engine_.pluginTriggered("P\2*\2" + std::to_string(number)) == (expectedInAll() > before));
+  }
+
+  [[nodiscard]] std::size_t expectedInAll() const {
+    std::size_t all = 0;
+    for (const auto& [which, times] : expected_) all += times;
+    return all;
   }
 
   void remake(std::int32_t id) { rules_.put(id, AnyRule(bytes_, id)); }
@@ -152,7 +183,7 @@ class Stage {
     if (event == nullptr) return;
     switch (bytes_.below(4)) {
       case 0: engine_.stop(id); break;
-      case 1: engine_.dry(event->rule, [](const DryRun&) {}); break;
+      case 1: engine_.dry(id, event->rule, [](const DryRun&) {}); break;
       case 2:
         engine_.run(id, [this](const Evaluation&) { ++told_; });
         ++asked_;
@@ -168,6 +199,33 @@ class Stage {
     for (std::int32_t id = 1; id <= kEvents; ++id)
       if (engine_.running(id) > 0) return false;
     return world_.checks.empty() && world_.deeds.empty();
+  }
+
+  /// No trigger without its evaluation, and none for nothing.
+  void judgeTriggers() const {
+    std::map<std::pair<std::int32_t, std::string>, std::size_t> came;
+    const std::string script = words_.of(Trigger(ScriptTrigger{}));
+    for (const Evaluation& each : history_.ended)
+      if (each.trigger == script || each.trigger.starts_with("P\2")) ++came[{each.event, each.trigger}];
+    Require(came == expected_);
+  }
+
+  /// The house was made to do what history says has begun, and nothing else.
+  void judgeWorld() {
+    std::vector<std::string> told;
+    for (const Evaluation& each : history_.ended)
+      for (const DoneAction& action : each.actions)
+        if (action.begun && IsNumber(action.words)) told.push_back("do " + action.words);
+    std::vector<std::string> done = world_.journal.with("do ");
+    std::sort(told.begin(), told.end());
+    std::sort(done.begin(), done.end());
+    Require(told == done);
+  }
+
+  /// As the plug-in's actions are worded here; the others never reach the house.
+  static bool IsNumber(const std::string& words) {
+    return !words.empty() && std::all_of(words.begin(), words.end(),
+                                         [](char letter) { return letter >= '0' && letter <= '9'; });
   }
 
   void judge() const {
@@ -208,7 +266,7 @@ class Stage {
   support::StagedWorld world_{loop_};
   support::StagedWords words_;
   support::StagedHistory history_;
-  int triggered_ = 0;
+  std::map<std::pair<std::int32_t, std::string>, std::size_t> expected_;
   int asked_ = 0;
   int told_ = 0;
   EventEngine engine_{{loop_, rules_, world_, words_, history_, clock_}, [](std::int32_t) {}};

@@ -7,6 +7,8 @@
 namespace standin {
 namespace {
 
+constexpr base::Milliseconds kLong = std::chrono::seconds(10);  // a plug-in that takes longer to fail hangs
+
 std::string ClockText(std::int32_t minute) {
   const auto two = [](std::int32_t n) { return (n < 10 ? "0" : "") + std::to_string(n); };
   return two(minute / 60) + ":" + two(minute % 60);
@@ -25,8 +27,8 @@ bool IsWithin(const WindowCondition& window, std::int32_t minute) {
 
 }  // namespace
 
-Asking::Asking(const EngineParts& parts, std::shared_ptr<const Rule> rule, Asked asked)
-    : parts_(parts), rule_(std::move(rule)), asked_(std::move(asked)) {}
+Asking::Asking(const EngineParts& parts, std::int32_t event, std::shared_ptr<const Rule> rule, Asked asked)
+    : parts_(parts), event_(event), rule_(std::move(rule)), asked_(std::move(asked)) {}
 
 void Asking::begin() { next(); }
 
@@ -47,24 +49,45 @@ void Asking::next() {
 void Asking::ask(const Condition& condition) {
   const LocalTime now = LocalTimeAt(parts_.clock, parts_.clock.now());
   if (const auto* plugin = std::get_if<PluginCondition>(&condition.asked)) {
-    parts_.world.check(plugin->stored, [weak = weak_from_this(), at = seen_.size(),
-                                        negated = condition.negated](const std::string& failure, bool holds) {
-      const auto self = weak.lock();
-      if (!self || self->seen_.size() != at) return;
-      if (failure.empty()) {
-        self->see(holds ? "yes" : "no", holds != negated);
-      } else {
-        self->see("could not be asked: " + failure, false);
-      }
-      self->next();
-    });
+    askPlugin(*plugin, condition.negated);
   } else if (const auto* device = std::get_if<DeviceCondition>(&condition.asked)) {
     seeDevice(*device, condition.negated);
+  } else if (const auto* event = std::get_if<EventCondition>(&condition.asked)) {
+    seeEvent(*event, condition.negated);
   } else if (const auto* window = std::get_if<WindowCondition>(&condition.asked)) {
     see(ClockText(now.minute), IsWithin(*window, now.minute) != condition.negated);
   } else if (const auto* days = std::get_if<DaysCondition>(&condition.asked)) {
     see(WeekdayText(now.day), Allows(days->days, now.day) != condition.negated);
   }
+}
+
+void Asking::askPlugin(const PluginCondition& asked, bool negated) {
+  if (!hangs_.empty()) return see("not asked: " + hangs_, false);
+  parts_.world.check(asked.stored, [weak = weak_from_this(), at = seen_.size(), negated,
+                                    since = parts_.loop.now()](const std::string& failure, bool holds) {
+    const auto self = weak.lock();
+    if (!self || self->seen_.size() != at) return;
+    if (failure.empty()) {
+      self->see(holds ? "yes" : "no", holds != negated);
+    } else {
+      if (self->parts_.loop.now() - since >= kLong) self->hangs_ = failure;
+      self->see("could not be asked: " + failure, false);
+    }
+    self->next();
+  });
+}
+
+void Asking::seeEvent(const EventCondition& asked, bool negated) {
+  if (parts_.rules.byId(asked.event) == nullptr) return see("there is no such event", false);
+  const Evaluation* other = parts_.sink.last(asked.event);
+  const Evaluation* own = parts_.sink.last(event_);
+  const bool ran =
+      other != nullptr && (other->outcome == Outcome::kDone || other->outcome == Outcome::kRunning);
+  const bool since = ran && (own == nullptr || own->id < other->id);
+  see(since ? "it has run"
+      : ran ? "it has not run since"
+            : "it did not run when it was triggered last",
+      since != negated);
 }
 
 void Asking::seeDevice(const DeviceCondition& asked, bool negated) {

@@ -73,8 +73,8 @@ void EventEngine::ruleChanged(std::int32_t event) {
 bool EventEngine::pluginTriggered(const std::string& composed) {
   const auto entries = index_.ofPlugin(composed);
   if (entries.empty()) return false;
-  const auto chain = rounds_.ofPlugin();
-  for (const auto& entry : entries) come(entry, chain);
+  const CausePtr cause = rounds_.ofPlugin();
+  for (const auto& entry : entries) come(entry, cause);
   return true;
 }
 
@@ -91,15 +91,15 @@ void EventEngine::deviceChanged(const DeviceFacts& device) {
   }
   const DeviceFacts before = known->second;
   devices_[device.ref] = device;
-  std::shared_ptr<Chain> chain;
+  CausePtr cause;
   std::int32_t last = 0;
   for (const auto& entry : entries) {
     const RuledEvent* event = parts_.rules.byId(entry.event);
     if (event == nullptr || entry.event == last) continue;
     if (!HasCome(before, device, std::get<DeviceTrigger>(event->rule.triggers[entry.trigger]))) continue;
     last = entry.event;
-    if (!chain) chain = rounds_.ofDevice(device.ref, device.ofPlugin);
-    come(entry, chain);
+    if (!cause) cause = rounds_.ofDevice(device.ref, device.ofPlugin);
+    come(entry, cause);
   }
 }
 
@@ -114,7 +114,7 @@ bool EventEngine::scriptTriggers(const std::string& name) {
   const RuledEvent* event = found == names_.end() ? nullptr : parts_.rules.byId(found->second);
   if (event == nullptr) return false;
   EventTurns::Order given = orderOf(*event, parts_.words.of(Trigger(ScriptTrigger{})));
-  given.chain = rounds_.ofScript();
+  given.cause = rounds_.ofScript();
   order(event->id, std::move(given));
   return true;
 }
@@ -123,13 +123,14 @@ void EventEngine::rang(const Alarms::Alarm& alarm) {
   const RuledEvent* event = parts_.rules.byId(alarm.event);
   if (event == nullptr) return;
   EventTurns::Order given = orderOf(*event, parts_.words.of(event->rule.triggers[alarm.trigger]));
-  given.chain = rounds_.fresh();
+  given.cause = rounds_.fresh();
   if (alarm.missed == 0) {
     const std::int64_t late = (given.evaluation.time - alarm.due) / 60000;
     if (late > 0)
       given.evaluation.trigger +=
           ", " + std::to_string(late) + (late == 1 ? " minute late" : " minutes late");
-    return order(alarm.event, std::move(given));
+    order(alarm.event, std::move(given));
+    return;
   }
   const std::string times = alarm.missed == 1 ? std::string() : std::to_string(alarm.missed) + " times";
   given.evaluation.time = alarm.last;
@@ -139,24 +140,24 @@ void EventEngine::rang(const Alarms::Alarm& alarm) {
   turnsOf(alarm.event).refuse(std::move(given), Outcome::kMissed, why);
 }
 
-void EventEngine::come(const TriggerIndex::Entry& entry, const std::shared_ptr<Chain>& chain) {
+void EventEngine::come(const TriggerIndex::Entry& entry, const CausePtr& cause) {
   const RuledEvent* event = parts_.rules.byId(entry.event);
   if (event == nullptr) return;
   EventTurns::Order given = orderOf(*event, parts_.words.of(event->rule.triggers[entry.trigger]));
-  given.chain = chain;
+  given.cause = cause;
   order(entry.event, std::move(given));
 }
 
-std::string EventEngine::fire(std::int32_t event, const std::shared_ptr<Chain>& chain, std::int32_t by) {
+std::string EventEngine::fire(std::int32_t event, const CausePtr& cause, std::int32_t by) {
   const RuledEvent* found = parts_.rules.byId(event);
   if (found == nullptr) return "There is no such event";
   if (!found->rule.on) return "The event “" + found->name + "” is off";
+  if (cause->chain->cut) return circleOf(*cause);
   const RuledEvent* firing = parts_.rules.byId(by);
   EventTurns::Order given =
       orderOf(*found, firing == nullptr ? "another event" : "event “" + firing->name + "”");
-  given.chain = chain;
-  order(event, std::move(given));
-  return {};
+  given.cause = cause;
+  return order(event, std::move(given));
 }
 
 Reach EventEngine::reachOf(const Action& action) const {
@@ -166,13 +167,25 @@ Reach EventEngine::reachOf(const Action& action) const {
   return {.player = facts && facts->ofPlugin, .device = device->ref};
 }
 
-void EventEngine::order(std::int32_t event, EventTurns::Order order) {
-  if (rounds_.admits(*order.chain, event)) return turnsOf(event).add(std::move(order));
+std::string EventEngine::circleOf(const Cause& cause) const {
+  const bool many = cause.chain->evaluations >= limits_.rounds.evaluations;
+  return "Events trigger each other in a circle; it was cut after " +
+         (many ? std::to_string(cause.chain->evaluations) + " evaluations"
+               : std::to_string(limits_.rounds.most) + " rounds");
+}
+
+std::string EventEngine::order(std::int32_t event, EventTurns::Order order) {
+  const bool known = order.cause->chain->cut;
+  if (CausePtr cause = rounds_.admit(order.cause, event)) {
+    order.cause = std::move(cause);
+    turnsOf(event).add(std::move(order));
+    return {};
+  }
   const RuledEvent* found = parts_.rules.byId(event);
-  const std::string why = "Events trigger each other in a circle; it was cut after " +
-                          std::to_string(limits_.rounds.most) + " rounds";
-  parts_.world.note("Warning", "Event “" + (found == nullptr ? "" : found->name) + "”: " + why);
+  const std::string why = circleOf(*order.cause);
+  if (!known) parts_.world.note("Warning", "Event “" + (found == nullptr ? "" : found->name) + "”: " + why);
   turnsOf(event).refuse(std::move(order), Outcome::kCircle, why);
+  return why;
 }
 
 EventTurns::Order EventEngine::orderOf(const RuledEvent& event, std::string trigger) const {
@@ -187,14 +200,14 @@ EventTurns::Order EventEngine::orderOf(const RuledEvent& event, std::string trig
 void EventEngine::run(std::int32_t event, Told told) {
   EventTurns::Order given = orderOf(need(event), "by hand");
   given.asks = false;
-  given.chain = rounds_.fresh();
+  given.cause = rounds_.fresh();
   given.told = std::move(told);
   order(event, std::move(given));
 }
 
 void EventEngine::trigger(std::int32_t event, Told told) {
   EventTurns::Order given = orderOf(need(event), "by hand, as if triggered");
-  given.chain = rounds_.fresh();
+  given.cause = rounds_.fresh();
   given.told = std::move(told);
   order(event, std::move(given));
 }
@@ -204,11 +217,11 @@ void EventEngine::stop(std::int32_t event) {
   if (found != turns_.end()) found->second.stop("By hand", true);
 }
 
-void EventEngine::dry(const Rule& rule, std::function<void(const DryRun& answer)> told) {
+void EventEngine::dry(std::int32_t event, const Rule& rule, std::function<void(const DryRun& answer)> told) {
   const std::int64_t number = ++lastDry_;
   const auto asked = std::make_shared<const Rule>(rule);
   const auto asking = std::make_shared<Asking>(
-      parts_, asked,
+      parts_, event, asked,
       [this, asked, number, told = std::move(told)](bool holds, const std::vector<SeenCondition>& seen) {
         DryRun answer{.conditions = seen, .would = holds};
         for (const Action& action : asked->actions) answer.actions.push_back(parts_.words.of(action));
@@ -254,11 +267,12 @@ std::shared_ptr<const Rule> EventEngine::ruleOf(const RuledEvent& event) const {
 EventTurns& EventEngine::turnsOf(std::int32_t event) {
   return turns_
       .try_emplace(event, parts_,
-                   EventTurns::Ways{[this, event](std::int32_t fired, const std::shared_ptr<Chain>& chain) {
-                                      return fire(fired, chain, event);
+                   EventTurns::Ways{[this, event](std::int32_t fired, const CausePtr& cause) {
+                                      return fire(fired, cause, event);
                                     },
-                                    [this](const std::shared_ptr<Chain>& chain, const Action& action,
-                                           bool ended) { rounds_.acted(chain, reachOf(action), ended); },
+                                    [this](const CausePtr& cause, const Action& action, bool ended) {
+                                      rounds_.acted(cause, reachOf(action), ended);
+                                    },
                                     [this, event] { changed_(event); }},
                    limits_.turns)
       .first->second;

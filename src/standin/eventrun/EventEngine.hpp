@@ -46,7 +46,7 @@ class EventEngine : public EventControl {
   void run(std::int32_t event, Told told) override;
   void trigger(std::int32_t event, Told told) override;
   void stop(std::int32_t event) override;
-  void dry(const Rule& rule, std::function<void(const DryRun& answer)> told) override;
+  void dry(std::int32_t event, const Rule& rule, std::function<void(const DryRun& answer)> told) override;
   [[nodiscard]] std::size_t running(std::int32_t event) const override;
   [[nodiscard]] std::optional<std::int64_t> next(std::int32_t event) const override;
   [[nodiscard]] std::optional<SunToday> sun() const override;
@@ -55,9 +55,11 @@ class EventEngine : public EventControl {
   void ruleChanged(std::int32_t event);
   void take(const RuledEvent& event);
   void rang(const Alarms::Alarm& alarm);
-  void come(const TriggerIndex::Entry& entry, const std::shared_ptr<Chain>& chain);
-  std::string fire(std::int32_t event, const std::shared_ptr<Chain>& chain, std::int32_t by);
-  void order(std::int32_t event, EventTurns::Order order);
+  void come(const TriggerIndex::Entry& entry, const CausePtr& cause);
+  std::string fire(std::int32_t event, const CausePtr& cause, std::int32_t by);
+  [[nodiscard]] std::string circleOf(const Cause& cause) const;
+  /// Answers why it is refused, or an empty text.
+  std::string order(std::int32_t event, EventTurns::Order order);
   [[nodiscard]] Reach reachOf(const Action& action) const;
   [[nodiscard]] EventTurns::Order orderOf(const RuledEvent& event, std::string trigger) const;
   [[nodiscard]] const RuledEvent& need(std::int32_t event) const;

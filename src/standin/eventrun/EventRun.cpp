@@ -8,11 +8,11 @@
 namespace standin {
 
 EventRun::EventRun(const EngineParts& parts, Evaluation evaluation, std::shared_ptr<const Rule> rule,
-                   std::shared_ptr<Chain> chain, Ways ways)
+                   CausePtr cause, Ways ways)
     : parts_(parts),
       evaluation_(std::move(evaluation)),
       rule_(std::move(rule)),
-      chain_(std::move(chain)),
+      cause_(std::move(cause)),
       ways_(std::move(ways)) {
   evaluation_.actions.clear();
   for (const Action& action : rule_->actions)
@@ -49,7 +49,7 @@ void EventRun::step() {
 void EventRun::carryOut(const Action& action) {
   if (const auto* pause = std::get_if<WaitAction>(&action)) return wait(*pause);
   if (const auto* event = std::get_if<EventAction>(&action)) return fire(*event);
-  ways_.acted(chain_, action, false);
+  ways_.acted(cause_, action, false);
   const std::size_t at = at_;
   auto deed = parts_.world.carryOut(action, [weak = weak_from_this(), at](const std::string& failure) {
     if (const auto self = weak.lock()) self->done(at, failure);
@@ -66,7 +66,7 @@ void EventRun::done(std::size_t action, const std::string& failure) {
   told.failure = failure;
   if (const Action& what = rule_->actions[at_];
       !std::holds_alternative<WaitAction>(what) && !std::holds_alternative<EventAction>(what))
-    ways_.acted(chain_, what, true);  // the house's answer to it may still be on its way
+    ways_.acted(cause_, what, true);  // the house's answer to it may still be on its way
   ++at_;
   stepSoon();  // and not here: what has called may be the very action that ends with the step
 }
@@ -79,13 +79,7 @@ void EventRun::wait(const WaitAction& action) {
   timer_->enabled(true);
 }
 
-void EventRun::fire(const EventAction& action) {
-  // Fired twice by one run, an event has still gone one round.
-  const bool again = !fired_.insert(action.event).second;
-  const auto own = again ? std::make_shared<Chain>(*chain_) : chain_;
-  if (again) --own->rounds[action.event];
-  done(at_, ways_.fire(action.event, own));
-}
+void EventRun::fire(const EventAction& action) { done(at_, ways_.fire(action.event, cause_)); }
 
 void EventRun::stop(Outcome outcome, const std::string& why) {
   if (over_) return;

@@ -1,7 +1,6 @@
 #pragma once
 #include <functional>
 #include <memory>
-#include <set>
 #include <string>
 
 #include "standin/eventrun/EngineParts.hpp"
@@ -15,14 +14,14 @@ class EventRun : public std::enable_shared_from_this<EventRun> {
  public:
   struct Ways {
     /// Fires an event; answers why it can't be fired, or an empty text.
-    std::function<std::string(std::int32_t event, const std::shared_ptr<Chain>& chain)> fire;
+    std::function<std::string(std::int32_t event, const CausePtr& cause)> fire;
     /// An action begins to reach out into the house, or has ended.
-    std::function<void(const std::shared_ptr<Chain>& chain, const Action& action, bool ended)> acted;
+    std::function<void(const CausePtr& cause, const Action& action, bool ended)> acted;
     std::function<void(EventRun& run)> ended;  ///< the last thing that a run does
   };
   /// `evaluation` is taken down already.
-  EventRun(const EngineParts& parts, Evaluation evaluation, std::shared_ptr<const Rule> rule,
-           std::shared_ptr<Chain> chain, Ways ways);
+  EventRun(const EngineParts& parts, Evaluation evaluation, std::shared_ptr<const Rule> rule, CausePtr cause,
+           Ways ways);
 
   /// Begins on the next turn of the loop.
   void begin();
@@ -43,13 +42,12 @@ class EventRun : public std::enable_shared_from_this<EventRun> {
   EngineParts parts_;
   Evaluation evaluation_;
   std::shared_ptr<const Rule> rule_;
-  std::shared_ptr<Chain> chain_;
+  CausePtr cause_;
   Ways ways_;
   std::size_t at_ = 0;  ///< the action under way, or the next one
   bool under_ = false;  ///< it is under way
   bool over_ = false;
   base::Milliseconds since_{0};
-  std::set<std::int32_t> fired_;  ///< the events that it has fired: however often, it is one round of each
   std::unique_ptr<Deed> deed_;
   std::unique_ptr<base::Timer> timer_;
 };

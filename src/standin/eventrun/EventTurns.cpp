@@ -52,7 +52,8 @@ void EventTurns::next() {
     return refuse(std::move(order), Outcome::kLeft, "It was still running");
   }
   asking_ = std::make_shared<Asking>(
-      parts_, first.rule, [this](bool holds, const std::vector<SeenCondition>& seen) { asked(holds, seen); });
+      parts_, first.evaluation.event, first.rule,
+      [this](bool holds, const std::vector<SeenCondition>& seen) { asked(holds, seen); });
   const auto asking = asking_;
   asking->begin();
 }
@@ -103,7 +104,7 @@ void EventTurns::run(Order order) {
     parts_.world.note("Error", "History can't be written: " + base::CurrentFailure().description());
   }
   const auto run = std::make_shared<EventRun>(
-      parts_, order.evaluation, order.rule, order.chain,
+      parts_, order.evaluation, order.rule, order.cause,
       EventRun::Ways{ways_.fire, ways_.acted, [this](EventRun& ended) { this->ended(ended); }});
   runs_.push_back(run);
   run->begin();

@@ -26,13 +26,13 @@ class EventTurns {
   struct Order {
     Evaluation evaluation{};
     std::shared_ptr<const Rule> rule{};
-    std::shared_ptr<Chain> chain{};
+    CausePtr cause{};
     bool asks = true;           ///< conditions count
     EventControl::Told told{};  ///< may be empty
   };
   struct Ways {
-    std::function<std::string(std::int32_t event, const std::shared_ptr<Chain>& chain)> fire;
-    std::function<void(const std::shared_ptr<Chain>& chain, const Action& action, bool ended)> acted;
+    std::function<std::string(std::int32_t event, const CausePtr& cause)> fire;
+    std::function<void(const CausePtr& cause, const Action& action, bool ended)> acted;
     std::function<void()> changed;  ///< what runs, or its history
   };
   EventTurns(const EngineParts& parts, Ways ways, TurnLimits limits);

@@ -1,33 +1,43 @@
 #include "standin/eventrun/Rounds.hpp"
 
 namespace standin {
+namespace {
 
-std::shared_ptr<Chain> Rounds::fresh() const {
+int TimesAmong(const Cause& causes, std::int32_t event) {
+  int times = 0;
+  for (const Cause* each = &causes; each != nullptr; each = each->before.get())
+    if (each->event == event) ++times;
+  return times;
+}
+
+}  // namespace
+
+CausePtr Rounds::fresh() const {
   auto chain = std::make_shared<Chain>();
   chain->since = loop_.now();
-  return chain;
+  return std::make_shared<Cause>(Cause{.chain = std::move(chain)});
 }
 
 bool Rounds::sounds(const Echo& echo) const {
   const base::Milliseconds now = loop_.now();
-  return echo.chain && now < echo.until && now - echo.chain->since < limits_.age;
+  return echo.cause && now < echo.until && now - echo.cause->chain->since < limits_.age;
 }
 
-std::shared_ptr<Chain> Rounds::chainOf(const Echo& echo) const { return sounds(echo) ? echo.chain : fresh(); }
+CausePtr Rounds::causeOf(const Echo& echo) const { return sounds(echo) ? echo.cause : fresh(); }
 
-std::shared_ptr<Chain> Rounds::ofPlugin() const { return chainOf(plugin_); }
+CausePtr Rounds::ofPlugin() const { return causeOf(plugin_); }
 
-std::shared_ptr<Chain> Rounds::ofScript() const { return chainOf(script_); }
+CausePtr Rounds::ofScript() const { return causeOf(script_); }
 
-std::shared_ptr<Chain> Rounds::ofDevice(std::int32_t ref, bool plugins) const {
+CausePtr Rounds::ofDevice(std::int32_t ref, bool plugins) const {
   const auto set = devices_.find(ref);
-  if (set != devices_.end() && sounds(set->second)) return set->second.chain;
-  if (plugins && sounds(plugin_)) return plugin_.chain;
-  return chainOf(running_);
+  if (set != devices_.end() && sounds(set->second)) return set->second.cause;
+  if (plugins && sounds(plugin_)) return plugin_.cause;
+  return causeOf(running_);
 }
 
-void Rounds::acted(const std::shared_ptr<Chain>& chain, const Reach& reach, bool ended) {
-  const Echo echo{chain, loop_.now() + limits_.echo};
+void Rounds::acted(const CausePtr& cause, const Reach& reach, bool ended) {
+  const Echo echo{cause, loop_.now() + limits_.echo};
   if (reach.player) plugin_ = echo;
   if (reach.device != 0) {
     std::erase_if(devices_, [this](const auto& each) { return !sounds(each.second); });
@@ -38,14 +48,19 @@ void Rounds::acted(const std::shared_ptr<Chain>& chain, const Reach& reach, bool
   running_ = ended ? Echo{} : echo;
 }
 
-bool Rounds::admits(Chain& chain, std::int32_t event) {
-  if (++chain.rounds[event] <= limits_.most) return true;
+CausePtr Rounds::admit(const CausePtr& cause, std::int32_t event) {
+  Chain& chain = *cause->chain;
+  if (!chain.cut && chain.evaluations < limits_.evaluations && TimesAmong(*cause, event) < limits_.most) {
+    ++chain.evaluations;
+    return std::make_shared<Cause>(Cause{.chain = cause->chain, .before = cause, .event = event});
+  }
+  chain.cut = true;
   const auto forget = [&](Echo& echo) {
-    if (echo.chain.get() == &chain) echo = {};
+    if (echo.cause && echo.cause->chain.get() == &chain) echo = {};
   };
   for (Echo* each : {&plugin_, &script_, &running_}) forget(*each);
   for (auto& [ref, echo] : devices_) forget(echo);
-  return false;
+  return nullptr;
 }
 
 }  // namespace standin

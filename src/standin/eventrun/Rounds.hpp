@@ -7,12 +7,20 @@
 
 namespace standin {
 
-/// What one thing that happened in the house has led to: how often each event has been triggered by it, at
-/// one or more removes.
+/// What one thing that happened in the house has led to, at one or more removes.
 struct Chain {
-  std::map<std::int32_t, int> rounds{};
   base::Milliseconds since{0};
+  int evaluations = 0;
+  bool cut = false;  ///< nothing more comes of it
 };
+
+/// A trigger of an event within a chain, with those before it that have led to it.
+struct Cause {
+  std::shared_ptr<Chain> chain{};
+  std::shared_ptr<const Cause> before{};
+  std::int32_t event = 0;  ///< 0 for what stands at the beginning
+};
+using CausePtr = std::shared_ptr<const Cause>;
 
 /// Where an action reaches in the house.
 struct Reach {
@@ -22,12 +30,14 @@ struct Reach {
 };
 
 /// Tells events that trigger each other in a circle from those that are triggered often: an event that fires
-/// another hands its chain on, and what comes in shortly after an action is taken for its echo where the
-/// action can have caused it. A sensor that no action sets is never an echo, however often it changes.
+/// another is the cause of what that does, and what comes in shortly after an action is taken for its echo
+/// where the action can have caused it. A sensor that no action sets is never an echo, however often it
+/// changes.
 class Rounds {
  public:
   struct Limits {
-    int most = 20;                                      ///< rounds that an event may go within one chain
+    int most = 20;                                      ///< how often an event may be among its own causes
+    int evaluations = 1000;                             ///< of one chain, however it branches
     base::Milliseconds echo = std::chrono::seconds(3);  ///< how soon the house answers to an action
     base::Milliseconds age = std::chrono::minutes(10);  ///< of a chain that still has echoes
   };
@@ -35,29 +45,29 @@ class Rounds {
   Rounds(base::Loop& loop, Limits limits) : loop_(loop), limits_(limits) {}
 
   /// For what nobody in the house has caused: a time of day, a press of a button.
-  [[nodiscard]] std::shared_ptr<Chain> fresh() const;
+  [[nodiscard]] CausePtr fresh() const;
 
-  // For what comes in from the house: the chain that it is taken for an echo of, or one of its own.
+  // For what comes in from the house: what it is taken for an echo of, or a beginning.
   /// The plug-in tells of the player.
-  [[nodiscard]] std::shared_ptr<Chain> ofPlugin() const;
+  [[nodiscard]] CausePtr ofPlugin() const;
   /// A script asks.
-  [[nodiscard]] std::shared_ptr<Chain> ofScript() const;
+  [[nodiscard]] CausePtr ofScript() const;
   /// A device has changed; `plugins`: the plug-in sets it as the player goes.
-  [[nodiscard]] std::shared_ptr<Chain> ofDevice(std::int32_t ref, bool plugins) const;
+  [[nodiscard]] CausePtr ofDevice(std::int32_t ref, bool plugins) const;
 
-  /// An action of the chain has begun to reach out, or has just ended.
-  void acted(const std::shared_ptr<Chain>& chain, const Reach& reach, bool ended);
-  /// Counts a round of the event; false when it is one too many. Then the circle is cut, and what comes in
-  /// next begins a chain of its own.
-  bool admits(Chain& chain, std::int32_t event);
+  /// An action has begun to reach out, or has just ended; `cause` is what had its event run.
+  void acted(const CausePtr& cause, const Reach& reach, bool ended);
+  /// The cause that the event runs of when it is triggered by another; nothing when that is one round too
+  /// many, or one evaluation. Then the whole chain is cut, and what comes in next begins one of its own.
+  CausePtr admit(const CausePtr& cause, std::int32_t event);
 
  private:
   struct Echo {
-    std::shared_ptr<Chain> chain{};
+    CausePtr cause{};
     base::Milliseconds until{0};
   };
   [[nodiscard]] bool sounds(const Echo& echo) const;
-  [[nodiscard]] std::shared_ptr<Chain> chainOf(const Echo& echo) const;
+  [[nodiscard]] CausePtr causeOf(const Echo& echo) const;
 
   base::Loop& loop_;
   Limits limits_;

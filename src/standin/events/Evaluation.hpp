@@ -64,6 +64,8 @@ class EvaluationSink {
   virtual std::int64_t begin(const Evaluation& evaluation) = 0;
   /// Takes down the whole of an evaluation that `begin` knows, or of one that has run nothing (number 0).
   virtual void end(const Evaluation& evaluation) = 0;
+  /// The newest of an event, without its conditions and actions; null when there is none.
+  [[nodiscard]] virtual const Evaluation* last(std::int32_t event) const = 0;
 };
 
 }  // namespace standin

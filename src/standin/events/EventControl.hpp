@@ -45,8 +45,9 @@ class EventControl {
   virtual void trigger(std::int32_t event, Told told) = 0;
   /// Ends what runs of it and what waits to run. The action under way is broken off where it can be.
   virtual void stop(std::int32_t event) = 0;
-  /// Asks the rule's conditions and does nothing else. `told` is called once, at once or later.
-  virtual void dry(const Rule& rule, std::function<void(const DryRun& answer)> told) = 0;
+  /// Asks the conditions of a rule for the event, 0 for one that isn't stored yet, and does nothing else.
+  /// `told` is called once, at once or later.
+  virtual void dry(std::int32_t event, const Rule& rule, std::function<void(const DryRun& answer)> told) = 0;
 
   /// How often it runs now.
   [[nodiscard]] virtual std::size_t running(std::int32_t event) const = 0;

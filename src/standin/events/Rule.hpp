@@ -74,8 +74,14 @@ struct DaysCondition {
   Weekdays days = 0;
   bool operator==(const DaysCondition&) const = default;
 };
+/// Another event has run, and the one that asks has not been asked since: what that one has done can be taken
+/// back once.
+struct EventCondition {
+  std::int32_t event = 0;
+  bool operator==(const EventCondition&) const = default;
+};
 struct Condition {
-  std::variant<PluginCondition, DeviceCondition, WindowCondition, DaysCondition> asked{};
+  std::variant<PluginCondition, DeviceCondition, WindowCondition, DaysCondition, EventCondition> asked{};
   bool negated = false;
   bool operator==(const Condition&) const = default;
 };

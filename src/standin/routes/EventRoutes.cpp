@@ -117,14 +117,14 @@ void Dry(const EventParts& parts, const WebCall& call, const Reply& reply) {
   const auto told = [reply](const DryRun& run) { reply(Told(DryRunJson(run))); };
   if (call.json.contains("rule")) {
     try {
-      return parts.control.dry(RuleOf(call.json.at("rule")), told);
+      return parts.control.dry(call.json.value("id", 0), RuleOf(call.json.at("rule")), told);
     } catch (const BadRule& bad) {
       return reply(Misplaced(bad.place(), bad.description()));
     }
   }
   const RuledEvent* event = parts.rules.byId(IdIn(call.json));
   if (event == nullptr) return reply(Gone());
-  parts.control.dry(event->rule, told);
+  parts.control.dry(event->id, event->rule, told);
 }
 
 WebAnswer History(const EventParts& parts, const WebCall& call) {

@@ -41,8 +41,7 @@ class EvaluationStore : public EvaluationSink {
   };
   /// The newest first: those of an event, or of all for 0, older than number `before` unless that is 0.
   [[nodiscard]] Page page(std::int32_t event, std::int64_t before, std::size_t count) const;
-  /// The newest of an event, without its conditions and actions; null when there is none.
-  [[nodiscard]] const Evaluation* last(std::int32_t event) const;
+  [[nodiscard]] const Evaluation* last(std::int32_t event) const override;
 
  private:
   void cutWhatRan();

@@ -104,7 +104,9 @@ constexpr Kind<Asked> kConditions[] = {
        if (window.from == window.to) to.refuse("must differ from the beginning");
        return window;
      }},
-    {"days", [](const JsonPlace& place) -> Asked { return DaysCondition{DaysAt(place.field("days"))}; }}};
+    {"days", [](const JsonPlace& place) -> Asked { return DaysCondition{DaysAt(place.field("days"))}; }},
+    {"event",
+     [](const JsonPlace& place) -> Asked { return EventCondition{place.needed("id").number(1, kMost)}; }}};
 
 Action DeviceActionAt(const JsonPlace& place) {
   DeviceAction action;

@@ -58,6 +58,7 @@ struct ConditionWriter {
     return {{"kind", "window"}, {"from", ClockOf(window.from)}, {"to", ClockOf(window.to)}};
   }
   Json operator()(const DaysCondition& days) const { return {{"kind", "days"}, {"days", DaysOf(days.days)}}; }
+  Json operator()(const EventCondition& event) const { return {{"kind", "event"}, {"id", event.event}}; }
 };
 
 struct ActionWriter {

@@ -120,6 +120,11 @@ std::string Wordings::device(std::int32_t ref) const {
                            : base::RepairUtf8(CutText(device->fullName(), kLongestName));
 }
 
+std::string Wordings::eventOf(std::int32_t id) const {
+  const Event* event = house_.events.byId(id);
+  return event == nullptr ? "event " + std::to_string(id) + " (gone)" : Quoted(base::RepairUtf8(event->name));
+}
+
 std::string Wordings::of(const Trigger& trigger) const {
   return std::visit(
       Each{[&](const PluginTrigger& plugin) { return plugin_.of(PluginPart::kTrigger, plugin.stored); },
@@ -146,6 +151,9 @@ std::string Wordings::of(const Condition& condition) const {
            [&](const DaysCondition& days) {
              const std::string words = DayWords(days.days);
              return "It" + is + (words.empty() ? "any day" : words);
+           },
+           [&](const EventCondition& asked) {
+             return "Since this was asked last, " + eventOf(asked.event) + (no ? " has not run" : " has run");
            }},
       condition.asked);
 }
@@ -176,11 +184,7 @@ std::string Wordings::of(const Action& action) const {
            [](const SpeakAction& speak) { return "Say " + Quoted(speak.text); },
            [](const WaitAction& wait) { return "Wait " + DurationWords(wait.seconds); },
            [](const ScriptAction& script) { return "Run the script " + Quoted(script.name); },
-           [&](const EventAction& event) {
-             const Event* other = house_.events.byId(event.event);
-             return other == nullptr ? "Trigger event " + std::to_string(event.event) + " (gone)"
-                                     : "Trigger " + Quoted(base::RepairUtf8(other->name));
-           },
+           [&](const EventAction& event) { return "Trigger " + eventOf(event.event); },
            [](const FadeAction& fade) { return FadeWords(fade); },
            [&](const WakeAction& wake) { return wordsOf(wake); }},
       action);

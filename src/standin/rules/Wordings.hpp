@@ -19,6 +19,7 @@ class Wordings : public EventWords {
 
  private:
   [[nodiscard]] std::string device(std::int32_t ref) const;
+  [[nodiscard]] std::string eventOf(std::int32_t id) const;
   [[nodiscard]] std::string wordsOf(const DeviceAction& action) const;
   [[nodiscard]] std::string wordsOf(const WakeAction& action) const;
 

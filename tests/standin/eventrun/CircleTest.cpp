@@ -84,8 +84,39 @@ TEST_F(Circle, ThatBranchesEndsToo) {
   engine.run(1, {});
   loop.leap(seconds(10));
   EXPECT_EQ(engine.running(1) + engine.running(2), 0U);
-  EXPECT_GT(count(Outcome::kCircle), 0);
-  EXPECT_LT(history.ended.size(), 20000U);
+  EXPECT_EQ(count(Outcome::kCircle), 1) << "told once";
+  EXPECT_EQ(world.notes.size(), 1U);
+  EXPECT_LE(history.begun.size(), 1000U);
+  EXPECT_LE(history.ended.size(), 1001U) << "and no more is kept of it than ran";
+}
+
+TEST_F(Circle, OfEventsThatFireEachOtherTwiceIsCutOnce) {
+  for (std::int32_t id = 1; id <= 5; ++id)
+    rules.put(id, firing({id % 5 + 1, id % 5 + 1, (id + 1) % 5 + 1}, Again::kTogether));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  EXPECT_EQ(count(Outcome::kCircle), 1);
+  EXPECT_EQ(world.notes.size(), 1U);
+  EXPECT_LE(history.ended.size(), 1001U);
+}
+
+TEST_F(Circle, IsToldByTheActionThatWouldHaveGoneOn) {
+  rules.put(1, firing({1}, Again::kTogether));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  ASSERT_EQ(count(Outcome::kFailed), 1);
+  for (const Evaluation& each : history.ended)
+    if (each.outcome == Outcome::kFailed) {
+      EXPECT_EQ(each.actions[0].failure, "Events trigger each other in a circle; it was cut after 20 rounds");
+    }
+}
+
+TEST_F(Circle, IsNotSeenInALongRowOfEvents) {
+  for (std::int32_t id = 1; id < 300; ++id) rules.put(id, firing({id + 1}));
+  rules.put(300, when(ScriptTrigger{}, {"ring"}));
+  engine.run(1, {});
+  loop.leap(seconds(10));
+  EXPECT_THAT(done(), ElementsAre("do ring"));
 }
 
 TEST_F(Circle, ThroughThePlayerIsCut) {

@@ -73,6 +73,90 @@ TEST_F(Conditions, ThatCannotBeAskedDoNotHoldNegatedOrNot) {
   EXPECT_THAT(seen(), ElementsAre("not p: could not be asked: The plug-in isn't running, no"));
 }
 
+TEST_F(Conditions, OfAPluginThatHangsAreNotAllWaitedFor) {
+  world.holding = true;
+  rules.put(1, asking({plugin("p"), plugin("q"), plugin("r", true), {DaysCondition{0b0001000}}}));
+  playbackEnds();
+  loop.leap(std::chrono::seconds(60));
+  ASSERT_EQ(world.checks.size(), 1U);
+  world.checks.front()("The plug-in has not answered in time", false);
+  settle();
+  EXPECT_THAT(world.journal.with("check "), ElementsAre("check p"));
+  EXPECT_THAT(last().conditions[1].saw, "not asked: The plug-in has not answered in time");
+  EXPECT_FALSE(last().conditions[2].holds) << "negated or not";
+  EXPECT_TRUE(last().conditions[3].holds) << "what the house knows by itself counts";
+}
+
+TEST_F(Conditions, OfAPluginThatRefusesOneAreAskedFurther) {
+  world.holding = true;
+  rules.put(1, asking({plugin("p"), plugin("q")}));
+  playbackEnds();
+  world.checks.front()("It can't", false);
+  EXPECT_THAT(world.journal.with("check "), ElementsAre("check p", "check q"));
+}
+
+/// One event pauses when a device goes on; the other resumes when it goes off, if the first has paused.
+class Resuming : public Conditions {
+ protected:
+  Resuming() {
+    world.devices[7] = {.ref = 7, .status = 3};
+    Rule pause = when(DeviceTrigger{7, DeviceField::kStatus, Compared::kEquals, "2"}, {"pause"});
+    pause.conditions = {plugin("plays")};
+    rules.put(1, pause);
+    Rule resume = when(DeviceTrigger{7, DeviceField::kStatus, Compared::kEquals, "3"}, {"resume"});
+    resume.conditions = {{EventCondition{1}}};
+    rules.put(2, resume);
+  }
+  void device(bool on) {
+    DeviceFacts& facts = world.devices[7];
+    facts.status = on ? 2 : 3;
+    engine.deviceChanged(facts);
+    settle();
+  }
+};
+
+TEST_F(Resuming, FollowsWhatTheEventItselfHasPaused) {
+  device(true);
+  device(false);
+  device(true);
+  device(false);
+  EXPECT_THAT(done(), ElementsAre("do pause", "do resume", "do pause", "do resume"));
+}
+
+TEST_F(Resuming, LeavesAloneWhatWasPausedBefore) {
+  device(true);
+  device(false);
+  world.holds["plays"] = false;
+  device(true);
+  device(false);
+  EXPECT_THAT(done(), ElementsAre("do pause", "do resume"));
+  EXPECT_EQ(last().why, "condition 4 (it did not run when it was triggered last)");
+}
+
+TEST_F(Resuming, IsDoneOnce) {
+  device(true);
+  device(false);
+  world.devices[7].status = 17;
+  engine.deviceChanged(world.devices[7]);
+  device(false);
+  EXPECT_THAT(done(), ElementsAre("do pause", "do resume"));
+  EXPECT_EQ(last().why, "condition 4 (it has not run since)");
+}
+
+TEST_F(Resuming, IsNotDoneWherePausingFailed) {
+  world.failures["pause"] = "The plug-in isn't running";
+  device(true);
+  device(false);
+  EXPECT_THAT(done(), ElementsAre("do pause"));
+}
+
+TEST_F(Resuming, IsNotDoneForAnEventThatIsGone) {
+  device(true);
+  rules.remove(1);
+  device(false);
+  EXPECT_EQ(last().why, "condition 4 (there is no such event)");
+}
+
 TEST_F(Conditions, OfADeviceSeeItsFieldByItsName) {
   world.devices[5] = {.ref = 5, .status = 2, .value = 40, .text = "Blue"};
   rules.put(1, asking({{DeviceCondition{5, DeviceField::kStatus, Compared::kEquals, "2"}},
@@ -167,7 +251,7 @@ TEST_F(Conditions, CountWhenItIsTriggeredByHandAndTheAnswerSaysWhichSaidNo) {
 TEST_F(Conditions, AreAskedByADryRunThatDoesNothingElse) {
   world.holds = {{"p", false}};
   std::vector<DryRun> told;
-  engine.dry(asking({plugin("p"), plugin("q")}), [&](const DryRun& each) { told.push_back(each); });
+  engine.dry(0, asking({plugin("p"), plugin("q")}), [&](const DryRun& each) { told.push_back(each); });
   settle();
   ASSERT_EQ(told.size(), 1U);
   EXPECT_FALSE(told[0].would);
@@ -175,7 +259,7 @@ TEST_F(Conditions, AreAskedByADryRunThatDoesNothingElse) {
   EXPECT_EQ(told[0].conditions.size(), 2U);
   EXPECT_THAT(told[0].actions, ElementsAre("a"));
   world.holds.clear();
-  engine.dry(asking({plugin("p")}), [&](const DryRun& each) { told.push_back(each); });
+  engine.dry(0, asking({plugin("p")}), [&](const DryRun& each) { told.push_back(each); });
   EXPECT_TRUE(told.back().would);
   EXPECT_THAT(done(), IsEmpty());
   EXPECT_THAT(history.ended, IsEmpty());

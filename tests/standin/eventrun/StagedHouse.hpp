@@ -73,16 +73,31 @@ class StagedHistory : public standin::EvaluationSink {
   std::int64_t begin(const standin::Evaluation& evaluation) override {
     begun.push_back(evaluation);
     if (failing) throw base::Failure(base::number::kDiskFull);
+    remember(evaluation);
     return static_cast<std::int64_t>(begun.size());
   }
   void end(const standin::Evaluation& evaluation) override {
     ended.push_back(evaluation);
     ++outcomes[evaluation.outcome];
+    remember(evaluation);
+  }
+  [[nodiscard]] const standin::Evaluation* last(std::int32_t event) const override {
+    const auto found = last_.find(event);
+    return found == last_.end() ? nullptr : &found->second;
   }
   std::vector<standin::Evaluation> begun{};
   std::vector<standin::Evaluation> ended{};
   std::map<standin::Outcome, int> outcomes{};
   bool failing = false;
+
+ private:
+  /// Numbered in the order that they came to be known in.
+  void remember(const standin::Evaluation& evaluation) {
+    last_[evaluation.event] = evaluation;
+    last_[evaluation.event].id = ++number_;
+  }
+  std::map<std::int32_t, standin::Evaluation> last_;
+  std::int64_t number_ = 0;
 };
 
 /// A house that does what it is told: conditions and actions of the plug-in are answered at once, or held

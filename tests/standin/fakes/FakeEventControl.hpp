@@ -21,7 +21,8 @@ class FakeEventControl : public standin::EventControl {
     told(answer);
   }
   void stop(std::int32_t event) override { calls.push_back("stop " + std::to_string(event)); }
-  void dry(const standin::Rule& rule, std::function<void(const standin::DryRun&)> told) override {
+  void dry(std::int32_t, const standin::Rule& rule,
+           std::function<void(const standin::DryRun&)> told) override {
     calls.push_back("dry " + std::to_string(rule.actions.size()));
     told(foreseen);
   }

@@ -148,7 +148,7 @@ std::vector<Wrong> WrongConditions() {
   return {{"one that changes", Condition({{"kind", "device"}, {"ref", 1}, {"is", "changes"}}),
            "conditions/0/is", "Condition 1, is: must be equals, above or below"},
           {"unknown kind", Condition({{"kind", "start"}}), "conditions/0/kind",
-           "must be plugin, device, window or days"},
+           "must be plugin, device, window, days or event"},
           {"window of no length", Condition({{"kind", "window"}, {"from", "06:00"}, {"to", "06:00"}}),
            "conditions/0/to", "must differ"},
           {"text as not", Condition({{"kind", "days"}, {"not", "no"}}), "conditions/0/not",

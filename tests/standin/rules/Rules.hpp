@@ -28,7 +28,8 @@ inline standin::Rule RuleOfEveryKind() {
   rule.conditions = {{PluginCondition{Stored("Media Player¦Media Player Status¦Playing¦Yes")}, false},
                      {DeviceCondition{5, DeviceField::kText, Compared::kEquals, "a “b”"}, true},
                      {WindowCondition{22 * 60, 6 * 60}, false},
-                     {DaysCondition{0b1100000}, true}};
+                     {DaysCondition{0b1100000}, true},
+                     {EventCondition{8}}};
   rule.any = true;
   rule.actions = {PluginAction{Stored("Media Player¦Media Player Actions¦Stop¦¦¦¦¦¦¦No Action¦")},
                   DeviceAction{5, DeviceAction::Kind::kPress, 0, "Play"},

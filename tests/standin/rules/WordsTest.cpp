@@ -232,6 +232,7 @@ TEST_F(Sentences, TellConditionsAndTheirContrary) {
   EXPECT_EQ(ask(WindowCondition{22 * 60, 6 * 60}, true), "It is not between 22:00 and 06:00");
   EXPECT_EQ(ask(DaysCondition{0b1100000}), "It is Sat, Sun");
   EXPECT_EQ(ask(DaysCondition{0}), "It is any day");
+  EXPECT_EQ(ask(EventCondition{99}), "Since this was asked last, event 99 (gone) has run");
   const PluginCondition playing{Stored("Media Player¦Media Player Status¦Playing¦Yes")};
   EXPECT_EQ(ask(playing, true), "Not: Playing, Yes");
   later();

@@ -238,7 +238,7 @@ class Editor {
     drafts.drop(this.#name);
     if (this.#form) drafts.keep(id, this.#draft());  // what is still being entered in a form goes on there
     toast(`“${this.rule.name}” is saved`);
-    await this.#filled?.savePartner();
+    await this.#filled?.savePartner(id);
     if (this.signal.aborted) return;
     if (fresh) {
       location.replace(addressOf(id));

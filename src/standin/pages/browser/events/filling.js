@@ -127,17 +127,20 @@ export class FilledTemplate {
   partnerTemplate() {
     if (!this.#partner) return '';
     const {tools} = this.#editor;
-    const words = (list) => this.#partner[list].map((part) => wordsOf(list, part, tools)).join(', ');
+    const events = [{id: 0, name: this.#editor.rule.name}, ...tools.choices.events];
+    const known = {...tools, choices: {...tools.choices, events}};
+    const words = (list) => this.#partner[list].map((part) => wordsOf(list, part, known)).join(', ');
     return html`<section class="filling partner" aria-labelledby="partner-head"><h2 id="partner-head">And “${this.#partner.name}”</h2>
       <p>A second event is saved with this one.</p>
       <dl class="rule-words"><dt>When</dt><dd>${words('triggers')}</dd><dt>If</dt><dd>${words('conditions')}</dd><dt>Do</dt><dd>${words('actions')}</dd></dl></section>`;
   }
 
-  /** Its draft is kept when it can't be saved. */
-  async savePartner() {
+  /** Saves what goes with the event of that number. Its draft is kept when it can't be saved. */
+  async savePartner(id) {
     const partner = this.#partner;
     if (!partner) return;
     this.#partner = null;
+    for (const part of partner.conditions) if (part.kind === 'event') part.id ||= id;
     try {
       await ask('/api/event/save', bare(partner));
       toast(`“${partner.name}” is saved`);

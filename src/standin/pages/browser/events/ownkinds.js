@@ -52,6 +52,9 @@ const named = (label, names, part, property, change, tools) => html`<div class="
     fetch: fromHere([...names.values()]),
     change: (name) => change({[property]: [...names].find(([, each]) => each === name)[0]})})).node}</div>`;
 
+const eventField = (part, change, tools) =>
+  named('Event', new Map(tools.choices.events.map(({id, name}) => [id, name])), part, 'id', change, tools);
+
 function deviceCommandFields(part, change, tools) {
   const device = tools.house.state.devices.get(part.ref);
   const buttons = device?.buttons ?? [];
@@ -98,6 +101,10 @@ export const kOwn = {
         <p class="quiet part-wide">${part.from > part.to ? 'Over midnight' : ''}</p>`},
     days: {label: 'Days of the week', fresh: () => ({days: [1, 2, 3, 4, 5], not: false}),
       fields: (part, change) => weekdays(part.days ?? [], (days) => change({days}))},
+    event: {label: 'Another event has run', fresh: () => ({id: 0, not: false}),
+      fields: (part, change, tools) => html`${eventField(part, change, tools)}
+        <p class="quiet part-wide">Holds when that event ran the last time that it was triggered, and this one has not been asked since:
+          what the other has done can be taken back once.</p>`},
   },
   actions: {
     device: {label: 'A device', fresh: () => ({ref: 0, command: 'on', value: 0, caption: ''}), fields: deviceCommandFields},
@@ -120,7 +127,7 @@ export const kOwn = {
     script: {label: 'Run a script', fresh: () => ({name: ''}),
       fields: (part, change, tools) => named('Script', new Map(tools.choices.scripts.map((name) => [name, name])), part, 'name', change, tools)},
     event: {label: 'Trigger another event', fresh: () => ({id: 0}),
-      fields: (part, change, tools) => named('Event', new Map(tools.choices.events.map(({id, name}) => [id, name])), part, 'id', change, tools)},
+      fields: eventField},
   },
 };
 

@@ -3,7 +3,7 @@ import {actionOf, statusOf, triggerOf} from './stored.js';
 
 /**
  * `asks` are the choices: [name, kind, label, what it is at first]. `make(choices, player)` answers a rule, or two of
- * which the second is saved with the first; `player` is the plug-in's name.
+ * which the second is saved with the first, and where it names event 0, means the first; `player` is the plug-in's name.
  */
 export const kTemplates = [
   {id: 'wake', title: 'Wake up with music',
@@ -36,14 +36,15 @@ export const kTemplates = [
       name: 'Announcement', group: '', triggers: [{kind: 'time', at, days}, {kind: 'script'}], conditions: [],
       actions: [{kind: 'speak', text}], again: 'queue'}]},
   {id: 'pause', title: 'Pause for something else',
-    says: 'Pauses the music when a device goes on, a television or a telephone, and resumes it when it goes off. Whatever is paused then is resumed, also music that you had paused yourself.',
+    says: 'Pauses the music when a device goes on, a television or a telephone, and resumes it when it goes off. Music that you had paused yourself stays paused.',
     asks: [['device', 'device', 'Pause while this is on', 0]],
     make: ({device}, player, deviceName) => [{
       name: `Pause for ${deviceName}`, group: 'Pauses', triggers: [goes(device, '2')],
       conditions: [{kind: 'plugin', stored: statusOf(player, 'Playing', true), shown: `${player} Playing: Yes`, not: false}],
       actions: [{kind: 'plugin', stored: actionOf(player, 'Pause'), shown: 'Pause'}], again: 'leave'}, {
       name: `Resume after ${deviceName}`, group: 'Pauses', triggers: [goes(device, '3')],
-      conditions: [{kind: 'plugin', stored: statusOf(player, 'Paused', true), shown: `${player} Paused: Yes`, not: false}],
+      conditions: [{kind: 'event', id: 0, not: false},
+        {kind: 'plugin', stored: statusOf(player, 'Paused', true), shown: `${player} Paused: Yes`, not: false}],
       actions: [{kind: 'plugin', stored: actionOf(player, 'Resume'), shown: 'Resume'}], again: 'leave'}]},
   {id: 'night', title: 'Good night',
     says: 'When the music ends late in the evening and the player isn’t muted, the lamp goes off and the house says good night.',

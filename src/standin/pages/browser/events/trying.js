@@ -40,7 +40,7 @@ export class Trying {
 
   async #would() {
     const {id, dirty} = this.#editor;
-    this.#answer = await ask('/api/event/dry', id && !dirty ? {id} : {rule: this.#editor.draft()});
+    this.#answer = await ask('/api/event/dry', id && !dirty ? {id} : {id: id || 0, rule: this.#editor.draft()});
     this.#editor.draw();
   }
 

@@ -71,6 +71,12 @@ function wakeWords({choices, words, volume, seconds}, {stored}) {
   return `Wake up with ${tried}; the volume rises to ${volume}${seconds ? ` over ${timeWords(seconds)}` : ' at once'}`;
 }
 
+/** Nothing where none has been chosen yet. */
+function eventName(id, events) {
+  const known = events.find((event) => event.id === id);
+  return known ? quoted(known.name) : id ? `event ${id} (gone)` : undefined;
+}
+
 const kThen = {nothing: '', pause: ', then pause', stop: ', then stop'};
 const plugin = (part) => (part.not ? 'Not: ' : '') + (part.shown || bareWords(part.stored));
 
@@ -89,6 +95,7 @@ const kWords = {
     device: deviceCondition,
     window: ({from, to, not}) => `It ${not ? 'is not' : 'is'} between ${from} and ${to}`,
     days: ({days, not}) => `It ${not ? 'is not' : 'is'} ${daysWords(days) || 'any day'}`,
+    event: ({id, not}, {events}) => `Since this was asked last, ${eventName(id, events) ?? 'another event'} has ${not ? 'not ' : ''}run`,
   },
   actions: {
     plugin,
@@ -96,7 +103,7 @@ const kWords = {
     speak: ({text}) => `Say ${quoted(text)}`,
     wait: ({seconds}) => `Wait ${timeWords(seconds)}`,
     script: ({name}) => `Run the script ${quoted(name || '…')}`,
-    event: ({id}, {events}) => (id ? `Trigger ${quoted(events.find((event) => event.id === id)?.name ?? `event ${id} (gone)`)}` : 'Trigger another event'),
+    event: ({id}, {events}) => `Trigger ${eventName(id, events) ?? 'another event'}`,
     fade: ({to, seconds, then}) => `Fade the volume to ${to} over ${timeWords(seconds)}${kThen[then]}`,
     wake: wakeWords,
   },
