@@ -45,8 +45,12 @@ std::vector<Member> EventMembers(const EventParts& parts) {
       Constant("SupportsConditionUI", Type::kBoolean, true),
       Operation("ConditionUI", {InOut(Short("cond_num"))}, Type::kText,
                 [](Args& args) { return automation::Conditions::ConditionUI(ShortAt(args, 0)); }),
-      OnText("ConditionUIFormat", Any("cond_str"), Type::kText,
-             [](const std::string& text) { return automation::Conditions::ConditionUIFormat(text); }),
+      Operation("ConditionUIFormat", {InOut(Any("cond_str"))}, Type::kText,
+                [](Args& args) {
+                  // What is no text has no fields, and no words.
+                  const bool isText = args[0].is<std::string>();
+                  return automation::Conditions::ConditionUIFormat(isText ? TextAt(args, 0) : "");
+                }),
       OnText("ConditionCheck", Text("cond_str"), Type::kBoolean,
              [in](const std::string& text) { return in.conditions.ConditionCheck(text); }),
       Command("CustomActionDialogUI", {},

@@ -33,6 +33,8 @@ TEST_F(Conditions, HaveALineEach) {
   EXPECT_EQ(text("ConditionUIFormat", Joined({"H0", "Another", "Loop", "No"})), "");
   EXPECT_EQ(text("ConditionUIFormat", Joined({"H0", "Media Mode", "Loop"})), "");
   EXPECT_EQ(text("ConditionUIFormat", ""), "");
+  for (const base::Value& noText : {base::Value(), base::Value(5), base::Value(base::Array{"a", "b"})})
+    EXPECT_EQ(base::ToText(callVxif("ConditionUIFormat", noText)), "");
 }
 
 TEST_F(Conditions, BeforeStartUpIsOverNoneHolds) {

@@ -30,6 +30,14 @@ class EventTemplates : public EventsAtAnyWidth {
         {words}));
     user.browser.press({kEnter});
   }
+  /// What an event's last trigger has come to.
+  bool comes(const std::string& name, const std::string& outcome) {
+    return support::Eventually([&] {
+      const Json newest =
+          ask("/api/event/history?count=1&id=" + std::to_string(listed(name)["id"].get<int>()));
+      return !newest["evaluations"].empty() && newest["evaluations"][0]["outcome"] == outcome;
+    });
+  }
   void save() {
     user.press("Save");
     ASSERT_TRUE(user.browser.eventually("return /^#events\\/\\d+$/.test(location.hash)"))
@@ -90,9 +98,32 @@ TEST_P(EventTemplates, PauseAndResumeAreTwoEvents) {
   EXPECT_EQ(resume["triggers"][0]["value"], "3");
 }
 
-TEST_P(EventTemplates, ThePauseSaysThatItResumesWhateverIsPaused) {
+TEST_P(EventTemplates, PauseAndResumeTouchOnlyTheMusicThatTheyHavePaused) {
+  begin("pause");
+  EXPECT_TRUE(user.shows("Since this was asked last, “Pause for a device” has run"));
+  find("Pause while this is on", "Lamp");
+  save();
+  const std::string resume = "Resume after Hall Lamp";
+  ASSERT_TRUE(support::Eventually([&] { return !listed(resume).is_null(); }));
+  house.press("Loop Mode", "Loop toggle");
+  ASSERT_TRUE(house.textBecomes("Loop Mode", "Loop"));
+  house.press("Status", "Restart");
+  ASSERT_TRUE(house.textBecomes("Status", "Playing"));
+  turnLamp(true);
+  EXPECT_TRUE(house.textBecomes("Status", "Paused"));
+  turnLamp(false);
+  EXPECT_TRUE(house.textBecomes("Status", "Playing"));
+
+  house.press("Status", "Pause");
+  ASSERT_TRUE(house.textBecomes("Status", "Paused"));
+  turnLamp(true);
+  ASSERT_TRUE(comes("Pause for Hall Lamp", "refused"));
+  turnLamp(false);
+  ASSERT_TRUE(comes(resume, "refused"));
+  EXPECT_EQ(house.text("Status"), "Paused");
   user.open();
-  EXPECT_TRUE(user.shows("also music that you had paused yourself"));
+  EXPECT_TRUE(user.shows("“Pause for Hall Lamp” has run (it did not run when it was triggered last)"))
+      << user.text("#page");
 }
 
 TEST_P(EventTemplates, GoodNightPutsTheLampOff) {
@@ -105,6 +136,10 @@ TEST_P(EventTemplates, GoodNightPutsTheLampOff) {
   for (const char* words :
        {"Media Player Playback Ended", "Media Player Muted: No", "Turn Hall Lamp off", "Good night"})
     EXPECT_THAT(event, HasSubstr(words));
+  turnLamp(true);
+  user.open("/" + std::to_string(listed("Good night")["id"].get<int>()));
+  user.press("Run the actions");
+  EXPECT_TRUE(support::Eventually([&] { return house.device("Lamp")["status"] == 3; }));
 }
 
 TEST_P(EventTemplates, WhatIsChangedByHandIsNotOverwritten) {

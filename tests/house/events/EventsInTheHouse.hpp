@@ -28,6 +28,11 @@ class EventsInTheHouse : public testing::Test {
     }));
     ASSERT_EQ(JsonOf(house.get("/api/script/run")).value("error", ""), "");
   }
+  /// As its switch on the page does.
+  void turnLamp(bool on) {
+    ASSERT_EQ(house.post("/api/command", {{"ref", lamp}, {"command", on ? "on" : "off"}}), 200);
+    ASSERT_EQ(house.device("Lamp")["status"], on ? 2 : 3);
+  }
   Json ask(const std::string& path) { return JsonOf(house.get(path)); }
   /// The event of that name in the list; null when there is none.
   Json listed(const std::string& name) {

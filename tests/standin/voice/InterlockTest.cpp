@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "demo/Sound.hpp"
 #include "demo/Tags.hpp"
@@ -74,9 +76,13 @@ class SpeechOverMusic : public testing::Test {
   }
   /// Two texts, the second of which is asked for before the first has ended. Returns when both are over.
   void speakTwo(const std::function<void(const std::string& text)>& listen) {
-    voice.words = listen;
+    voice.words = [&](const std::string& text) {
+      spoken.push_back(text);
+      listen(text);
+    };
     speech.speak("One", false);
     speech.speak("Two", true);
+    EXPECT_EQ(spoken, (std::vector<std::string>{"One", "Two"}));
   }
 
   support::TempFolder folder;
@@ -90,6 +96,7 @@ class SpeechOverMusic : public testing::Test {
   standin::BusShelf shelf{connection};
   standin::HouseObjects objects{house, shelf};
   Words voice;
+  std::vector<std::string> spoken;
   standin::Speech speech{loop, house, voice};
   standin::LoopWaits waits{loop, speech};
   std::shared_ptr<standin::SystemObject> system = std::make_shared<standin::SystemObject>(house);

@@ -6,6 +6,7 @@ import {PluginForm} from './pluginform.js';
 import {bareWords, conditionNumber} from './stored.js';
 import {wordsOf} from './words.js';
 
+const kModeNote = 'The player never says yes to a condition of its mode, so the event would not run.';
 const kMost = {triggers: 100, conditions: 100, actions: 200};
 const kOne = {triggers: 'trigger', conditions: 'condition', actions: 'action'};
 let keys = 0;
@@ -217,6 +218,7 @@ export class Parts {
     const stored = choice !== undefined ? part.choices[choice] ?? '' : part?.stored ?? '';
     const keep = (kept) => this.#editor.keepForm({list: this.#list, at: part ? this.#parts.indexOf(part) : -1, what, choice, entries: kept});
     const form = new PluginForm({what, stored}, {house: tools.house, signal: controller.signal, kept: entries, keep,
+      note: what === 'condition 2' ? kModeNote : '',
       done: (text, words) => this.#formDone(part, choice, text, words), cancel: () => this.#formCancelled(part)});
     this.#form = {part, choice, form, controller};
     this.#editor.draw();

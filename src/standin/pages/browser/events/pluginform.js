@@ -4,17 +4,19 @@ import {html, live, render} from '../kit/html.js';
 import {fromHere, PickList} from '../kit/picklist.js';
 import {ask} from '../kit/server.js';
 import {rowsOf, sized} from './formlayout.js';
+import {isPrompt} from './stored.js';
 
 const kShort = 60;  // options that a list of the browser's own shows well
 
 /**
  * `order` is what is asked for: {what, stored}. `kept` is what `keep(entries)` was last told: what has been entered,
  * and not submitted; it comes back when the form is opened anew. `done(stored, words)` hears what was submitted,
- * `cancel()` that nothing was. Opening and submitting run nothing.
+ * `cancel()` that nothing was. `note` stands above the fields. Opening and submitting run nothing.
  */
 export class PluginForm {
   node = el('div', {class: 'plugin-form', role: 'group', 'aria-label': 'The player’s form'});
   #order;
+  #note;
   #hear;
   #house;
   #signal;
@@ -30,8 +32,9 @@ export class PluginForm {
   #lists = new Map();
   #turn = 0;
 
-  constructor(order, {house, signal, kept, keep, done, cancel}) {
+  constructor(order, {house, signal, note = '', kept, keep, done, cancel}) {
     this.#order = order;
+    this.#note = note;
     this.#house = house;
     this.#signal = signal;
     this.#hear = {keep, done, cancel};
@@ -59,7 +62,7 @@ export class PluginForm {
       if (again) await this.#press(this.#pressed);
     } catch (error) {
       if (mine !== this.#turn || error.name === 'AbortError') return;
-      this.#stop(error.status === 409 ? 'held' : error.status === 502 || !this.#ready ? 'away' : 'failed',
+      this.#stop(error.status === 409 ? 'held' : this.#ready ? 'failed' : 'away',
         error.answer?.who ? `${error.message} (${error.answer.who})` : error.message);
     } finally {
       if (mine === this.#turn) {
@@ -99,7 +102,7 @@ export class PluginForm {
   }
 
   #playerChanged() {
-    if (!this.#ready && this.#dialog) this.#stop('away', 'The player is away.');
+    if (!this.#ready && (this.#dialog || this.#trouble === 'failed')) this.#stop('away', 'The player is away.');
     else if (this.#ready && this.#trouble === 'away' && !this.#busy) this.#open();
     else this.#draw();
   }
@@ -156,7 +159,7 @@ export class PluginForm {
       const known = this.#form.fields.some(({number}) => this.#errors[number]);
       this.#problem = known ? '' : error.message;
       if (error.status === 410) this.#stop('taken', error.message);
-      else if (error.status === 502 || !this.#ready) this.#stop('away', error.message);
+      else if (!this.#ready) this.#stop('away', error.message);
     } finally {
       this.#busy = false;
       this.#draw();
@@ -183,8 +186,20 @@ export class PluginForm {
     return this.#command(async () => {
       const {stored, words} = await ask('/api/dialog/submit', {dialog: this.#dialog, values: this.#values}, this.#signal);
       this.#dialog = 0;
-      this.#hear.done(stored, words);
+      if (isPrompt(stored)) return this.#openAnew(stored);
+      return this.#hear.done(stored, words);
     });
+  }
+
+  /** The same form with what it has been given, as nobody has filled it in. */
+  #openAnew(stored) {
+    this.#order = {...this.#order, stored};
+    this.#typed = {};
+    this.#pressed = undefined;
+    this.#form = null;
+    this.#lists.clear();
+    this.#hear.keep({values: {}});
+    return this.#open();
   }
 
   #draw() {
@@ -192,6 +207,7 @@ export class PluginForm {
     const off = this.#busy || Boolean(this.#trouble);
     render(html`${this.#notice()}
       ${this.#form ? html`<p class="quiet form-title">${this.#form.title}</p>
+        ${this.#note ? html`<p class="form-note">${this.#note}</p>` : ''}
         <div class="form-rows">${rowsOf(this.#form.fields).map((row) => html`<div class="form-row">
           ${row.map((field) => this.#field(field, off))}</div>`)}</div>
         ${(this.#form.notes ?? []).map((note) => html`<p class="quiet">${note}</p>`)}` : ''}

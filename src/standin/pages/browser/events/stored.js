@@ -12,6 +12,11 @@ export const bareWords = (stored) => stored.split(kBetween).slice(2).filter((fie
 /** Which of the plug-in's two conditions it is. */
 export const conditionNumber = (stored) => (stored.split(kBetween)[1] === 'Media Mode' ? 2 : 1);
 
+const kPrompts = ['To enable a Media Player action:', 'You can avoid this message'];
+
+/** The player has asked to be asked again: only then it fills its lists. */
+export const isPrompt = (stored) => kPrompts.some((prompt) => stored.split(kBetween)[2]?.startsWith(prompt));
+
 const kGroups = ['PlayList', 'Album', 'Artist', 'Genre'];
 
 /** An action of the plug-in `player`: a word of the transport, or a group that is played whole. */
