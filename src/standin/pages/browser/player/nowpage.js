@@ -31,11 +31,11 @@ async function mount(place, context, player) {
 
 function template(player, controls, cover) {
   const {state, mayAct} = player;
-  const {title, artist, album, albumArtist} = state;
+  const {title, artist, album} = state;
   return html`${cover.node}
     <div class="playing-words"><p class="playing-title">${title || (state.known ? 'Nothing is playing' : 'The player isn’t ready')}</p>
       <p class="playing-by">${artist ? html`<a href=${address('Artist', artist)}>${artist}</a>` : ''}${artist && album ? ' · ' : ''}${
-  album ? html`<a href=${address('Album', album, albumArtist && albumArtist !== artist ? '' : artist && '')}>${album}</a>` : ''}</p></div>
+  album ? html`<a href=${address('Album', album)}>${album}</a>` : ''}</p></div>
     ${controls.progress}
     ${mayAct ? html`<div class="player-buttons" role="group" aria-label="Playback">${controls.shuffleButton}${controls.previousButton}
       ${controls.playButton}${controls.nextButton}${controls.loopButton}</div>

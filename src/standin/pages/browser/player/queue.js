@@ -88,6 +88,7 @@ export class QueueList {
     render(html`<div class="queue-head"><h2>Queue</h2>${this.#count}
         ${from && !none ? html`<span class="quiet queue-from">from “<bdi>${short(from)}</bdi>”</span>` : ''}</div>
       ${this.#edit ? html`<div class="tools playlist-tools">${this.#turns.buttons()}
+        <a class="button" href=${address('Album')}>Add titles</a>
         <button type="button" ?disabled=${none} @click=${() => this.#save()}>Save as playlist</button>
         <button type="button" class="danger" ?disabled=${none} @click=${(event) => run(event.currentTarget, () => this.#clear())}>Clear</button>
       </div>${this.#turns.notice()}
@@ -104,6 +105,8 @@ export class QueueList {
         title="Drag, or press Enter and use the arrow keys"><span aria-hidden="true">⠿</span></button>` : ''}
       <span class="row-number" aria-hidden="true">${now ? html`<span class="beat"></span>` : at + 1}</span>
       ${titleMain(title, html`${now ? html`<span class="sr">Now playing. </span>` : ''}${joined(title.artist, title.album)}`, this.#details)}
+      ${this.#edit && this.#row >= 0 && !now && at !== this.#row + 1 ? html`<button type="button" class="round" title="Play next"
+        aria-label=${`Play next: ${label}`} @click=${() => this.#next(index)}>${icon('playNext')}</button>` : ''}
       ${this.#edit ? html`<button type="button" class="round" title="Play from here" aria-label=${`Play ${label}`}
         @click=${(event) => this.#playRow(event.currentTarget, title, at)}>${icon('play')}</button>
       <button type="button" class="round plain remove" aria-label=${`Remove ${label}`} title="Remove"
@@ -228,6 +231,13 @@ export class QueueList {
       return {from, to, title, mark: moved.mark, before: before?.mark ?? null, after: after?.mark ?? null};
     }, `${short(title)}: ${place}`);
     if (byKey) this.#say(`${short(title)}: ${place}`);
+  }
+
+  /** Behind what plays. */
+  #next(index) {
+    const to = index < this.#row ? this.#row : this.#row + 1;
+    this.#move(index, to, false);
+    this.#list.focusRow(to);
   }
 
   #remove(index, at, title) {
