@@ -380,6 +380,7 @@ TEST_F(PlayerBar, MediaKeysAndTheLockScreenAreThePlayersWhileItPlays) {
   press("play");
   EXPECT_TRUE(playerHas("play", "playing"));
   listener.open("#playing");
+  listener.browser.run("document.querySelector('.keys').scrollIntoView({block: 'center'})");
   listener.browser.click("//label[contains(@class,'keys')]/input");
   EXPECT_TRUE(listener.browser.eventually("return navigator.mediaSession.playbackState === 'none'"))
       << "for who wants them for something else";

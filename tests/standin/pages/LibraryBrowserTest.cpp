@@ -191,7 +191,7 @@ TEST_P(LibraryInAWindow, NamesOfEveryKindAreTexts) {
   ASSERT_TRUE(browser.eventually(
       "return document.querySelector('#found-Artist-0 .row-name')?.textContent === arguments[0]", {kTurned}));
   EXPECT_EQ(text("#found-MediaLibrary-0 .row-facts"), std::string(kTurned) + " · " + kOdd);
-  browser.click("//li[@id='found-MediaLibrary-0']//button[contains(@aria-label, 'Play')]");
+  browser.click("//li[@id='found-MediaLibrary-0']//button[@title='Play']");
   EXPECT_TRUE(plugin.heard("Play URL///music/" + std::string(kTurned) + "/" + kOdd));
   EXPECT_EQ(browser.run("return window.evil === undefined && !document.querySelector('#page img')"), true);
 }

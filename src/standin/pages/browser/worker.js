@@ -8,10 +8,22 @@ self.addEventListener('install', (event) => {
 
 self.addEventListener('activate', (event) => {
   const old = (names) => Promise.all(names.filter((name) => name !== kKept).map((name) => caches.delete(name)));
-  event.waitUntil(caches.keys().then(old).then(() => self.clients.claim()));
+  event.waitUntil(Promise.all([caches.keys().then(old), self.registration.navigationPreload?.enable()])
+    .then(() => self.clients.claim()));
 });
 
+// The browser asks for the page itself, as if there were no worker: asked for by this one, the server could not tell who
+// wants it and what for, and would refuse pages that are for a reader's own eyes.
+async function answered(event) {
+  try {
+    return await event.preloadResponse ?? await fetch(event.request);
+  } catch {
+    return caches.match(kPage);
+  }
+}
+
 self.addEventListener('fetch', (event) => {
-  if (event.request.mode !== 'navigate' || event.request.method !== 'GET') return;  // the browser's own business
-  event.respondWith(fetch(event.request).catch(() => caches.match(kPage)));
+  const {mode, method, destination} = event.request;
+  if (mode !== 'navigate' || method !== 'GET' || destination !== 'document') return;
+  if (self.registration.navigationPreload) event.respondWith(answered(event));
 });

@@ -7,7 +7,8 @@ import {address} from './kinds.js';
 import {play, short} from './titles.js';
 
 /** Letters for a cover that has not come yet. */
-const initials = (name) => [...name.trim().split(/\s+/).slice(0, 2).map((word) => [...word][0] ?? '').join('')].join('').toUpperCase();
+const initials = (name) => (name.match(/[\p{L}\p{N}][\p{L}\p{N}\p{M}'’]*/gu) ?? []).slice(0, 2)
+  .map((word) => [...word][0]).join('').toUpperCase();
 
 const tile = ({name, by}) => ({
   picture: albumCover(name, by, 256),
