@@ -92,6 +92,32 @@ TEST_P(EventForm, WhatThePlugInRefusesIsSaidBesideTheFieldThatItMeans) {
   EXPECT_TRUE(user.shows("Play: Album: Counting/(Play entire list)"));
 }
 
+TEST_P(EventForm, OpensAgainWithTheListsWhereThePlugInAsksForThat) {
+  run("host.SaveINISetting('Settings', 'RefreshActions', 'False', 'vxif_WMP.ini')");
+  killThePlugIn();
+  ASSERT_TRUE(house.logHas("The plug-in has been lost"));
+  ASSERT_TRUE(house.becomes("ready"));
+  user.open("/new");
+  user.enter("#event-name", "Play");
+  openForm();
+  user.choose("#form-2",
+              "To enable a Media Player action: Select this, click \"OK\" or \"SUBMIT\", then return here");
+  user.press("Use it");
+  user.choose("#form-2", "Stop");
+  user.press("Use it");
+  ASSERT_TRUE(user.has("[data-list=actions] .part-words"));
+  user.press("Save");
+  ASSERT_TRUE(user.toasts("is saved"));
+  ASSERT_EQ(rule("Play")["actions"].size(), 1U) << "the prompt is no action";
+  EXPECT_THAT(rule("Play")["actions"][0]["stored"].get<std::string>(),
+              testing::HasSubstr("Media Player Actions\u0002Stop\u0002"));
+}
+
+TEST_P(EventForm, AConditionThatThePlugInNeverMeetsIsToldAsSuch) {
+  user.add("conditions", "Media Player: its mode");
+  EXPECT_TRUE(user.shows("The player never says yes to a condition of its mode"));
+}
+
 TEST_P(EventForm, WhatIsEnteredIsThereAgainAfterAReload) {
   openForm();
   user.choose("#form-2", "Play: Album");

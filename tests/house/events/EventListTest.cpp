@@ -1,6 +1,8 @@
 // The list of events and their history in a browser.
 #include <gmock/gmock.h>
 
+#include <iostream>
+
 #include "EventsInTheHouse.hpp"
 
 namespace {
@@ -180,6 +182,43 @@ TEST_P(EventList, StandsStillWhileItIsOpened) {
     ASSERT_TRUE(user.has("#page h1"));
     EXPECT_LT(user.browser.run("return window.shift").get<double>(), 0.02) << place << " at " << window();
   }
+}
+
+TEST_F(EventsInTheHouse, AThousandEventsAreShown) {
+  constexpr int kEvents = 1000;
+  for (int i = 0; i < kEvents; ++i) {
+    ASSERT_EQ(house.post(
+                  "/api/event/save",
+                  {{"name", "Event " + std::to_string(i)},
+                   {"triggers",
+                    {{{"kind", "plugin"},
+                      {"stored", "Media Player\u0002Media Player Triggers\u0002Playback Ended"}}}},
+                   {"conditions", {{{"kind", "window"}, {"from", "22:00"}, {"to", "06:00"}, {"not", false}}}},
+                   {"actions", {{{"kind", "device"}, {"ref", lamp}, {"command", "off"}}}}}),
+              200);
+  }
+  support::EventUser user{house, 1280};
+  user.open();
+  ASSERT_TRUE(user.has(".event"));  // the page's modules are there, and the player's words
+  user.browser.run(
+      "window.firstShown = window.allShown = 0; location.hash = '#log';"
+      "new MutationObserver(() => { const rows = document.querySelectorAll('.event').length;"
+      "if (rows && !window.firstShown) window.firstShown = performance.now();"
+      "if (rows === arguments[0]) window.allShown = performance.now(); })"
+      ".observe(document.body, {childList: true, subtree: true})",
+      {kEvents});
+  ASSERT_TRUE(user.browser.eventually("return !document.querySelector('.event')"));
+  user.browser.run(
+      "performance.clearResourceTimings(); window.firstShown = window.allShown = 0; location.hash = "
+      "'#events'");
+  ASSERT_TRUE(user.browser.eventually("return window.allShown > 0"));
+  const Json times = user.browser.run(
+      "const [asked] = performance.getEntriesByName(location.origin + '/api/events');"
+      "return [asked.duration, window.firstShown - asked.startTime, window.allShown - asked.startTime]"
+      ".map(Math.round)");
+  std::cout << kEvents << " events: answered in " << times[0] << " ms, the first are shown " << times[1]
+            << " ms after the request, all " << times[2] << " ms\n";
+  EXPECT_EQ(user.browser.run("return document.querySelectorAll('.event').length"), kEvents);
 }
 
 }  // namespace

@@ -19,7 +19,7 @@
 namespace standin {
 namespace {
 
-constexpr int kRounds = 100;
+constexpr int kRounds = 200;
 
 /// What the events are after some steps: which step has written each of them last.
 using Written = std::map<std::string, int>;
