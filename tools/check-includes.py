@@ -53,12 +53,13 @@ MAY_INCLUDE = {
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/hostobjects standin/house",
     "standin/covers": "base bus files pictures standin/house standin/player",
+    "standin/coverservices": "base pictures standin/covers standin/house",
     "standin/rules": "base database standin/events standin/house standin/player",
     "standin/dialogs": "base standin/house standin/player",
     "standin/playlists": "base database standin/house standin/player",
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
-    "standin/routes": "base standin/covers standin/dialogs standin/events standin/hostobjects standin/house "
+    "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/hostobjects standin/house "
                       "standin/player standin/playlists standin/rules standin/scripts standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
     "standin": "base files",

@@ -116,12 +116,14 @@ int Serve(const Options& options) {
     Visitors visitors(house.users, local);
     PlayerCovers playerCovers(connection, plugin, house);
     Covers covers(gate, playerCovers, options.data / "covers");
+    DiscCovers discs(house, options.data / "covers" / "discs");
     WebApi api(
         visitors, gate,
         Joined({HouseRoutes(house, plugin, visitors), DeviceRoutes(house, objects, plugin, library),
                 DialogRoutes(dialog), EventRoutes({house, rules, history, words, events.control(), scripts}),
                 LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
-                PlaylistRoutes(playlists, library), CoverRoutes(covers), ScriptRoutes(scripts, runner),
+                PlaylistRoutes(playlists, library), CoverRoutes(covers),
+                CoverServiceRoutes(discs, options.listen), ScriptRoutes(scripts, runner),
                 UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,

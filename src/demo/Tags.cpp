@@ -70,6 +70,7 @@ void WriteTags(const std::string& path, const TrackTags& tags, const std::string
   Put(properties, "ALBUM", tags.album);
   Put(properties, "GENRE", tags.genre);
   Put(properties, "MUSICBRAINZ_ALBUMID", tags.collectionId);
+  Put(properties, "MCDI", tags.discId);
   Put(properties, "DATE", tags.year);
   Put(properties, "TRACKNUMBER", tags.track);
   Put(properties, "DISCNUMBER", tags.disc);

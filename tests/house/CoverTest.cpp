@@ -6,6 +6,7 @@
 
 #include "demo/Cover.hpp"
 #include "pictures/Picture.hpp"
+#include "standin/coverservices/CoverServices.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
 
@@ -223,6 +224,49 @@ TEST_F(CoversOfTheHouse, AreTheSameAfterAStartAndWithoutAPlaceToKeepThem) {
   std::ofstream(kept) << "a file where the folder was";
   EXPECT_EQ(widthOf("Framed"), 400);
   EXPECT_EQ(widthOf("Framed", 256), 256);
+}
+
+/// A track of a disc, in a house that names itself for the covers of discs.
+class ADiscOfTheHouse : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    engine::TrackTags tags;
+    tags.title = "Silence";
+    tags.artist = "Nobody";
+    tags.album = "Disc";
+    tags.track = 1;
+    tags.discId = "2+96+12C+20D";
+    music.add("Silence", 20, tags);
+    house.configurePlayer("[network]\nmetadata = http://localhost\ncover = http://localhost/cover/\n");
+    std::filesystem::create_directories(house.data() / "config");
+    std::ofstream(house.data() / "config" / "covers.ini")
+        << "[services]\nmetadata=" << services.address() << "\ncovers=" << services.address() << "\n";
+    ASSERT_TRUE(house.startReady()) << house.server().output();
+  }
+  bool showsCover() {
+    return house.device("Album").value("text", "").find("WMPCoverSmall") != std::string::npos;
+  }
+
+  support::CoverServices services;
+  support::SmallMusic music;
+  support::RealHouse house{{.music = music.path()}};
+};
+
+TEST_F(ADiscOfTheHouse, GetsItsCoverFromTheServicesOnceTheOwnerHasSwitchedThemOn) {
+  services.stored = engine::demo::CoverPng(9, 420);
+  EXPECT_EQ(house.client().Get("/redir/GetMDRCD.asp?cd=2+96+12C+20D")->status, 404);
+  EXPECT_TRUE(services.asked().empty()) << "off until it is switched on";
+  ASSERT_EQ(house.post("/api/covers/services", {{"on", true}}), 200);
+
+  ASSERT_TRUE(support::Eventually([&] {
+    return house.post("/api/play", {{"category", "Album"}, {"name", "Disc"}}) == 200;
+  }));
+  ASSERT_TRUE(support::Eventually([&] { return showsCover(); })) << house.log();
+  EXPECT_EQ(services.asked().size(), 3U);
+  EXPECT_EQ(house.get("/images/Media%20Player/WMPCoverLarge.jpg"), services.stored);
+  const auto shown = house.client().Get("/api/cover?playing&size=1024");
+  EXPECT_EQ(shown->get_header_value("Content-Type"), "image/jpeg");
+  EXPECT_EQ(pictures::SizeOf(shown->body).width, 420);
 }
 
 }  // namespace

@@ -1,6 +1,11 @@
 #include "pictures/Picture.hpp"
 
+#include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
 
 #include "demo/Cover.hpp"
 #include "files/ReadFile.hpp"
@@ -75,6 +80,69 @@ TEST(Pictures, WithAnyBitTurnedIsShownOrRefusedAndNothingElseHappens) {
   }
   EXPECT_GT(refused, 0);
   EXPECT_LT(refused, 2000);
+}
+
+/// The first pixel's colours.
+std::array<int, 3> CornerOf(const std::string& bytes) {
+  GdkPixbufLoader* loader = gdk_pixbuf_loader_new();
+  gdk_pixbuf_loader_write(loader, reinterpret_cast<const guchar*>(bytes.data()), bytes.size(), nullptr);
+  gdk_pixbuf_loader_close(loader, nullptr);
+  std::array<int, 3> colours{};
+  if (GdkPixbuf* picture = gdk_pixbuf_loader_get_pixbuf(loader); picture != nullptr) {
+    const guchar* pixel = gdk_pixbuf_read_pixels(picture);
+    colours = {pixel[0], pixel[1], pixel[2]};
+  }
+  g_object_unref(loader);
+  return colours;
+}
+
+TEST(Pictures, ThatLetThroughStandOnWhite) {
+  GdkPixbuf* clear = gdk_pixbuf_new(GDK_COLORSPACE_RGB, TRUE, 8, 40, 40);
+  gdk_pixbuf_fill(clear, 0x00000000);
+  gchar* data = nullptr;
+  gsize size = 0;
+  ASSERT_TRUE(gdk_pixbuf_save_to_buffer(clear, &data, &size, "png", nullptr, nullptr));
+  const std::string png(data, size);
+  g_free(data);
+  g_object_unref(clear);
+  const std::array<int, 3> corner = CornerOf(pictures::Thumbnail(png, 20));
+  EXPECT_GT(corner[0], 250);
+  EXPECT_GT(corner[1], 250);
+  EXPECT_GT(corner[2], 250);
+}
+
+TEST(Pictures, ThatMoveAreShownByTheirFirstFrame) {
+  using namespace std::string_literals;
+  const std::string frame = "\x2C\0\0\0\0\x01\0\x01\0\0\x02\x02\x44\x01\0"s;
+  std::string gif = "GIF89a\x01\0\x01\0\x80\0\0\xFF\xFF\xFF\0\0\0"s;
+  for (int i = 0; i < 1000; ++i) gif += frame;
+  gif += ";";
+  EXPECT_TRUE(pictures::CanBeShown(gif));
+  EXPECT_EQ(pictures::SizeOf(pictures::Thumbnail(gif, 256)).width, 1);
+}
+
+TEST(Pictures, WithAnyBitTurnedAreMadeSmallOrRefused) {
+  const std::string png = engine::demo::CoverPng(3, 64);
+  std::uint32_t random = 7;
+  for (int round = 0; round < 500; ++round) {
+    std::string broken = png;
+    random = random * 1664525 + 1013904223;
+    const std::size_t bit = random % (broken.size() * 8);
+    broken[bit / 8] = static_cast<char>(broken[bit / 8] ^ (1 << (bit % 8)));
+    const std::string small = pictures::Thumbnail(broken, 32);
+    EXPECT_LE(pictures::SizeOf(small).width, 32) << "round " << round;
+  }
+}
+
+TEST(CoverDesk, ReadsNoFileThatIsFarTooLarge) {
+  const support::TempFolder folder;
+  const std::string path = folder.path().string() + "/cover.jpg";
+  std::ofstream(path) << engine::demo::CoverPng(1, 16);
+  std::filesystem::resize_file(path, std::uintmax_t{50} << 20U);
+  pictures::CoverDesk desk;
+  EXPECT_EQ(support::FailureNumberOf([&] { desk.load(path); }), 57);
+  desk.download("file://" + path, folder.path().string() + "/copy.jpg");
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "copy.jpg"));
 }
 
 TEST(CoverDesk, ReadsWritesAndCopiesBelowPathsWithBackslashes) {

@@ -22,6 +22,9 @@ class CoverShelf {
   /// How a file comes to the disk: as `files::WriteFile`.
   using Write = std::function<void(const std::string& path, const std::string& bytes)>;
 
+  /// Writes a whole file or nothing, for its owner alone.
+  static void Written(const std::string& path, const std::string& bytes);
+
   /// What a killed process has left half-written in the folder is cleared.
   explicit CoverShelf(std::filesystem::path folder) : CoverShelf(std::move(folder), Limits(), &Written) {}
   CoverShelf(std::filesystem::path folder, Limits limits, Write write);
@@ -46,7 +49,6 @@ class CoverShelf {
     std::string name;
     std::string bytes;
   };
-  static void Written(const std::string& path, const std::string& bytes);
   void know(const std::string& name, std::uint64_t bytes);
   void forget(const std::string& name);
   void hold(const std::string& name, const std::string& bytes);

@@ -15,6 +15,17 @@ using namespace base::words;  // NOLINT(google-build-using-namespace): the words
 
 namespace {
 
+/// The services of covers are the house's own where its machine is named and no port: then it is the port of
+/// the house.
+int PortFor(const std::string& host, const std::string& page, int port, int own) {
+  const WebAddress address = ReadAddress(host);
+  const std::string path = address.path + page;
+  const bool here =
+      address.host == "localhost" || address.host == "[::1]" || address.host.starts_with("127.");
+  const bool service = path.starts_with("/redir/GetMDRCD.asp?") || path.starts_with("/cover/");
+  return here && service && address.port.empty() && address.scheme != "https" ? own : port;
+}
+
 /// A trigger as a line of the log: its fields are separated by control characters.
 std::string Readable(const std::string& trigger) {
   std::string out;
@@ -62,10 +73,12 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
       Command("WaitSecs", {Short("seconds")}, [&waits](Args& args) { waits.seconds(ShortAt(args, 0)); }),
       Operation("GetUrl", {Text("host"), Text("page"), Flag("strip_tags", false), Number("port", 80)},
                 Type::kText,
-                [&waits](Args& args) {
+                [&waits, &house](Args& args) {
                   // A port above 32767 comes as the negative number of the same bits.
                   const auto port = static_cast<std::uint16_t>(NumberAt(args, 3));
-                  const std::string body = waits.fetch(TextAt(args, 0), TextAt(args, 1), port);
+                  const std::string& page = TextAt(args, 1);
+                  const std::string body =
+                      waits.fetch(TextAt(args, 0), page, PortFor(TextAt(args, 0), page, port, house.webPort));
                   return FlagAt(args, 2) ? StripTags(body) : body;
                 }),
   };

@@ -1,5 +1,6 @@
 #pragma once
 #include "standin/covers/Covers.hpp"
+#include "standin/coverservices/DiscCovers.hpp"
 #include "standin/dialogs/OpenDialog.hpp"
 #include "standin/events/EventControl.hpp"
 #include "standin/events/EventWords.hpp"
@@ -37,6 +38,8 @@ Routes PlayerRoutes(NowPlaying& player, Playlists& playlists);
 Routes PlaylistRoutes(Playlists& playlists, PlayerLibrary& library);
 /// The covers of albums and of what plays.
 Routes CoverRoutes(Covers& covers);
+/// The services of covers for the player of this machine, whose own address is `own`, and their switch.
+Routes CoverServiceRoutes(DiscCovers& discs, const std::string& own);
 /// What the events' routes work with.
 struct EventParts {
   House& house;

@@ -95,18 +95,19 @@ class WebHouse {
   std::optional<standin::RefusedPosts> refused_;
   standin::PlayerCovers playerCovers_{connection_, plugin_, house_};
   standin::Covers covers_{gate_, playerCovers_, folder_.path() / "covers"};
+  standin::DiscCovers discs_{house_, folder_.path() / "discs"};
   std::atomic<standin::LoginLimits::Time> time_{standin::LoginLimits::Time()};
   standin::WebApi api_{
       visitors_, gate_,
-      standin::Joined({standin::HouseRoutes(house_, plugin_, visitors_),
-                       standin::DeviceRoutes(house_, objects_, plugin_, library_),
-                       standin::DialogRoutes(dialog_), standin::LibraryRoutes(library_, search_),
-                       standin::PlayerRoutes(nowPlaying_, playlists_),
-                       standin::PlaylistRoutes(playlists_, library_), standin::CoverRoutes(covers_),
-                       standin::ScriptRoutes(scripts_, runner_),
-                       standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
-                       standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
-                       standin::PageRoutes(house_, plugin_)})};
+      standin::Joined(
+          {standin::HouseRoutes(house_, plugin_, visitors_),
+           standin::DeviceRoutes(house_, objects_, plugin_, library_), standin::DialogRoutes(dialog_),
+           standin::LibraryRoutes(library_, search_), standin::PlayerRoutes(nowPlaying_, playlists_),
+           standin::PlaylistRoutes(playlists_, library_), standin::CoverRoutes(covers_),
+           standin::CoverServiceRoutes(discs_, "127.0.0.1"), standin::ScriptRoutes(scripts_, runner_),
+           standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
+           standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
+           standin::PageRoutes(house_, plugin_)})};
   std::optional<standin::WebServer> web_{std::in_place, port_,
                                          standin::WebServer::Parts{.api = api_,
                                                                    .gate = gate_,

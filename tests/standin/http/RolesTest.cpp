@@ -89,7 +89,8 @@ TEST_F(Roles, APostBeyondItsLinesLimitIsRefused) {
 // Said a second time, by hand: a line with the wrong role in the table would pass the tests above.
 TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
   EXPECT_THAT(linesFor(Method::kPost, Role::kAnyone), testing::ElementsAre("/api/login", "/api/logout"));
-  EXPECT_THAT(linesFor(Method::kGet, Role::kAnyone), testing::ElementsAre("/"));
+  EXPECT_THAT(linesFor(Method::kGet, Role::kAnyone),
+              testing::ElementsAre("/", "/cover/", "/redir/GetMDRCD.asp"));
   EXPECT_THAT(
       linesFor(Method::kPost, Role::kGuest),
       testing::ElementsAre("/api/command", "/api/play", "/api/playlist/watch", "/api/press", "/api/voice"));
@@ -100,8 +101,8 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
                            "/api/library", "/api/live", "/api/log", "/api/player", "/api/playlist",
                            "/api/playlists", "/api/search", "/api/state", "/api/values", "/api/volume"));
   EXPECT_THAT(linesFor(Method::kGet, Role::kOwner),
-              testing::ElementsAre("/api/dialog", "/api/dialog/options", "/api/script", "/api/script/run",
-                                   "/api/scripts"));
+              testing::ElementsAre("/api/covers/services", "/api/dialog", "/api/dialog/options",
+                                   "/api/script", "/api/script/run", "/api/scripts"));
 }
 
 TEST_F(Roles, AGuestTurnsALampOfTheHouseOnThoughThereIsNoPlugin) {

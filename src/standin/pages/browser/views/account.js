@@ -11,8 +11,13 @@ export const passwordField = (label, name, autocomplete, hidden = false) => html
 
 function mount(place, {signal, house}) {
   let guests = null;  // as chosen and not saved yet
+  let asked = false;
+  let services = null;  // whether covers are asked for in the network; not known yet
   const draw = () => {
-    if (house.state.user) render(page(house, guests ?? house.state.user.guests, chooseGuests), place);
+    if (!house.state.user) return;
+    if (!asked && !house.state.user.guest) loadServices();
+    const covers = services === null ? nothing : coverForm(services);
+    render(page(house, guests ?? house.state.user.guests, chooseGuests, covers), place);
   };
   const chooseGuests = (rule) => {
     guests = rule;
@@ -20,9 +25,32 @@ function mount(place, {signal, house}) {
   };
   house.on('state', draw, signal);
   draw();
+
+  async function loadServices() {
+    asked = true;
+    const told = await ask('/api/covers/services', undefined, signal).catch(() => null);
+    if (signal.aborted || told === null) return;
+    services = told.on;
+    draw();
+  }
 }
 
-function page(house, guests, chooseGuests) {
+/** Nobody outside is asked for anything until the owner has said so. */
+function coverForm(on) {
+  return html`<form @submit=${setServices}><h2>Covers of discs</h2>
+    <p class="quiet">With this the house asks MusicBrainz and the Cover Art Archive for the cover of a disc that is played, and tells them its table of contents. The player asks the house if its player.ini names it.</p>
+    <label class="row"><input type="checkbox" name="on" .checked=${on}> Ask for covers in the network</label>
+    <button class="primary" type="submit">Save</button></form>`;
+}
+
+async function setServices(event) {
+  event.preventDefault();
+  const form = event.currentTarget;
+  if (!await run(form.querySelector('button'), () => ask('/api/covers/services', {on: form.elements.on.checked}))) return;
+  toast('Covers of discs: saved');
+}
+
+function page(house, guests, chooseGuests, covers) {
   const {user} = house.state;
   const button = (words, work) => html`<button type="button" @click=${(event) => run(event.currentTarget, async () => {
     await work();
@@ -34,7 +62,7 @@ function page(house, guests, chooseGuests) {
   };
   return html`<section class="panel"><h1>Account</h1>
     <p>${user.guest ? 'You look around as a guest: devices work, settings don’t.' : `You are signed in as ${user.name}.`}</p>
-    ${user.guest ? nothing : [passwordForm(house), guestForm(house, guests, chooseGuests)]}
+    ${user.guest ? nothing : [passwordForm(house), guestForm(house, guests, chooseGuests), covers]}
     <div class="row">
       ${user.guest || user.ownerHasPassword ? button(user.guest ? 'Leave guest mode' : 'Sign out', leave) : nothing}
       ${user.guest ? nothing : button('Try as a guest', () => ask('/api/login', {name: 'guest'}))}

@@ -1,0 +1,135 @@
+#include "standin/coverservices/PublicWeb.hpp"
+
+#include <arpa/inet.h>
+#include <curl/curl.h>
+#include <netinet/in.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+
+namespace standin {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+constexpr int kMostSteps = 6;
+
+struct Block {
+  std::uint32_t address;
+  int bits;
+};
+/// Machines, houses and purposes of their own.
+constexpr std::array<Block, 12> kOwn{{{0x00000000, 8},
+                                      {0x0A000000, 8},
+                                      {0x64400000, 10},
+                                      {0x7F000000, 8},
+                                      {0xA9FE0000, 16},
+                                      {0xAC100000, 12},
+                                      {0xC0000000, 24},
+                                      {0xC0000200, 24},
+                                      {0xC0A80000, 16},
+                                      {0xC6120000, 15},
+                                      {0xE0000000, 4},
+                                      {0xF0000000, 4}}};
+
+bool IsPublic(std::uint32_t address) {
+  return std::none_of(kOwn.begin(), kOwn.end(), [&](const Block& block) {
+    return ((address ^ block.address) >> static_cast<unsigned>(32 - block.bits)) == 0;
+  });
+}
+
+bool IsPublic(const in6_addr& address) {
+  std::array<std::uint8_t, 16> bytes{};
+  std::memcpy(bytes.data(), &address, bytes.size());
+  // Only this part has been given to the public; within it some lead on to addresses of the older kind.
+  if ((bytes[0] & 0xE0U) != 0x20) return false;
+  if (bytes[0] == 0x20 && bytes[1] == 0x02) return false;
+  return !(bytes[0] == 0x20 && bytes[1] == 0x01 && bytes[2] == 0 && bytes[3] == 0);
+}
+
+std::string ServerOf(const std::string& url) {
+  const std::size_t begin = url.find("://");
+  if (begin == std::string::npos) return {};
+  return base::LowerCase(url.substr(0, url.find_first_of("/?#", begin + 3)));
+}
+
+/// One answer on the way.
+struct Step {
+  std::string body{};
+  std::size_t most = 0;
+  bool anywhere = false;  ///< may be asked of a server in the house
+};
+
+std::size_t Collect(char* data, std::size_t size, std::size_t count, void* into) {
+  auto& step = *static_cast<Step*>(into);
+  if (step.body.size() + size * count > step.most) return 0;
+  step.body.append(data, size * count);
+  return size * count;
+}
+
+curl_socket_t Open(void* rules, curlsocktype, curl_sockaddr* address) {
+  if (!static_cast<const Step*>(rules)->anywhere && !IsPublicAddress(address->addr)) return CURL_SOCKET_BAD;
+  return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+/// Answers where it leads on to; an empty text when the body is there.
+std::string Ask(const std::string& url, Step& step, const FetchRules& rules, long milliseconds) {
+  const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), &curl_easy_cleanup);
+  if (!handle) throw base::Failure(base::number::kInternal, "No memory for a web request");
+  CURL* const curl = handle.get();
+  curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+  curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 0L);
+  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(curl, CURLOPT_PROXY, "");  // behind another one's back no address could be looked at
+  curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, milliseconds);
+  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Collect);
+  curl_easy_setopt(curl, CURLOPT_WRITEDATA, &step);
+  curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, &Open);
+  curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &step);
+  curl_easy_setopt(curl, CURLOPT_USERAGENT, rules.userAgent.c_str());
+  const CURLcode code = curl_easy_perform(curl);
+  if (code != CURLE_OK) throw base::Failure(base::number::kDeviceIo, curl_easy_strerror(code));
+  long status = 0;
+  curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
+  const char* next = nullptr;
+  curl_easy_getinfo(curl, CURLINFO_REDIRECT_URL, &next);
+  if (next != nullptr) return next;
+  if (status != 200)
+    throw base::Failure(base::number::kDeviceIo, "It was answered " + std::to_string(status));
+  return {};
+}
+
+}  // namespace
+
+bool IsPublicAddress(const sockaddr& address) {
+  if (address.sa_family == AF_INET) {
+    sockaddr_in four{};
+    std::memcpy(&four, &address, sizeof four);
+    return IsPublic(ntohl(four.sin_addr.s_addr));
+  }
+  if (address.sa_family != AF_INET6) return false;
+  // Taken as it stands: the caller's place is as long as the family says.
+  return IsPublic(reinterpret_cast<const sockaddr_in6&>(address).sin6_addr);
+}
+
+std::string FetchPublic(const std::string& url, const FetchRules& rules) {
+  const SteadyClock::time_point end = SteadyClock::now() + rules.limit;
+  std::string at = url;
+  for (int steps = 0; steps < kMostSteps; ++steps) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - SteadyClock::now());
+    if (left.count() <= 0) break;
+    Step step{.most = rules.mostBytes, .anywhere = ServerOf(at) == ServerOf(url)};
+    std::string next = Ask(at, step, rules, static_cast<long>(left.count()));
+    if (next.empty()) return std::move(step.body);
+    at = std::move(next);
+  }
+  throw base::Failure(base::number::kDeviceIo, "It leads on and on");
+}
+
+}  // namespace standin
