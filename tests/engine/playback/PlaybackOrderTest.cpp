@@ -116,7 +116,7 @@ TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGrowsAndIsSorted) {
 }
 
 TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGetsToKnowTheItems) {
-  const auto shelf = std::make_shared<Shelf>(std::string());
+  const auto shelf = std::make_shared<Shelf>("", "");
   const auto items = list({"/a", "/b", "/m/../c", "/d", "/e", "/./f", "/g", "/h"});
   playback.shuffle(true);
   playback.assign(items);
@@ -141,7 +141,7 @@ TEST_F(PlaybackStates, AShuffledRoundSurvivesALibraryThatGetsToKnowTheItems) {
 }
 
 TEST_F(PlaybackStates, AnItemThatTheLibraryGetsToKnowGoesOnToTheNext) {
-  const auto shelf = std::make_shared<Shelf>(std::string());
+  const auto shelf = std::make_shared<Shelf>("", "");
   const auto items = list({"/m/../a", "/b"});
   playback.assign(items);
   playback.play();
