@@ -28,6 +28,19 @@ void Put(TagLib::PropertyMap& properties, const char* key, unsigned value) {
   if (value != 0) Put(properties, key, std::to_string(value));
 }
 
+void PutLoudness(TagLib::PropertyMap& properties, const Loudness& loudness) {
+  const auto decibels = [&](const char* key, std::int16_t value) {
+    if (value != Loudness::kUnknown) Put(properties, key, std::to_string(value / 100.0) + " dB");
+  };
+  const auto peak = [&](const char* key, std::uint16_t value) {
+    if (value != 0) Put(properties, key, std::to_string(value / 10000.0));
+  };
+  decibels("REPLAYGAIN_TRACK_GAIN", loudness.track);
+  peak("REPLAYGAIN_TRACK_PEAK", loudness.trackPeak);
+  decibels("REPLAYGAIN_ALBUM_GAIN", loudness.album);
+  peak("REPLAYGAIN_ALBUM_PEAK", loudness.albumPeak);
+}
+
 TagLib::FLAC::Picture* CoverOf(const TagLib::ByteVector& data) {
   auto picture = std::make_unique<TagLib::FLAC::Picture>();
   picture->setType(TagLib::FLAC::Picture::FrontCover);
@@ -74,6 +87,7 @@ void WriteTags(const std::string& path, const TrackTags& tags, const std::string
   Put(properties, "DATE", tags.year);
   Put(properties, "TRACKNUMBER", tags.track);
   Put(properties, "DISCNUMBER", tags.disc);
+  PutLoudness(properties, tags.loudness);
   file.file()->setProperties(properties);
   if (!png.empty()) PutCover(file.file(), png);
   if (!file.save()) throw base::Failure(base::number::kDeviceIo, path + " can't be tagged");

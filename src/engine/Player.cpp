@@ -12,6 +12,7 @@
 #include "engine/library/Lists.hpp"
 #include "engine/machine/CdDrives.hpp"
 #include "engine/machine/Network.hpp"
+#include "engine/playback/Crossfade.hpp"
 #include "engine/playback/ErrorList.hpp"
 #include "engine/playback/MpvOutput.hpp"
 #include "engine/playback/Playback.hpp"
@@ -116,18 +117,17 @@ class Player : public player::WMP9 {
       : events_(events),
         log_(std::move(log)),
         post_(loop),
-        output_(
-            loop, config, [this](const std::string& device) { return drives_.has(device); },
-            [this](const std::string& line) { message(line); }),
+        output_(makeOutput(loop, config)),
         playback_(
-            loop, output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
+            loop, *output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
             {[this](player::PlayState state) { post_([this, state] { events_.PlayStateChange(state); }); },
              [this] { post_([this] { events_.Error(); }); },
              [this] {
                if (keeper_) keeper_->note();
-             }}),
+             },
+             [this] { post_([this] { events_.StreamTitleChange(); }); }}),
         controls_(playback_),
-        settings_(playback_, output_, config.mediaAccessRights,
+        settings_(playback_, *output_, config.mediaAccessRights,
                   [this](const std::string& mode, bool value) {
                     post_([this, mode, value] { events_.ModeChange(mode, value); });
                   }),
@@ -140,7 +140,6 @@ class Player : public player::WMP9 {
                     // At once: who has renamed a playlist asks for the names on the same turn.
                     [this] { events_.PlaylistCollectionChange(); }}),
         drives_(config.cdDevices, config.findCdDrives, library_.shelf()) {
-    output_.listener(playback_);
     playback_.preset(library_.getAll());
     if (config.resume) takeUp(loop, config.dataFolder);
   }
@@ -188,6 +187,37 @@ class Player : public player::WMP9 {
   player::PlaylistCollection& playlistCollection() override { return playlists_; }
 
  private:
+  std::unique_ptr<MpvOutput> makeDecoder(base::Loop& loop, const Config& config) {
+    return std::make_unique<MpvOutput>(
+        loop, config, [this](const std::string& device) { return drives_.has(device); },
+        [this](const std::string& line) { message(line); },
+        [this](const std::string& location) { return library_.loudnessAt(location); });
+  }
+
+  /// The playback hears of it, though nothing is told before it stands.
+  std::unique_ptr<Output> makeOutput(base::Loop& loop, const Config& config) {
+    if (config.crossfade <= 0) {
+      auto output = makeDecoder(loop, config);
+      output->listener(playback_);
+      return output;
+    }
+    auto make = [this, &loop, config, number = 0](OutputEvents& events) mutable {
+      Config own = config;
+      // One decoder can't write into the file of another.
+      if (++number > 1 && own.audioOutput.rfind("pcm:", 0) == 0)
+        own.audioOutput += "." + std::to_string(number);
+      auto output = makeDecoder(loop, own);
+      output->listener(events);
+      return output;
+    };
+    auto output = std::make_unique<Crossfade>(loop, config.crossfade, make,
+                                              [this](const std::string& first, const std::string& second) {
+                                                return library_.followsOnAlbum(first, second);
+                                              });
+    output->listener(playback_);
+    return output;
+  }
+
   /// What an earlier player played, and everything from now on for a later one.
   void takeUp(base::Loop& loop, const std::string& folder) {
     keeper_.emplace(QueueKeeper::Parts{loop, playback_, library_, playlists_, [this] { return ownChoice_; },
@@ -241,7 +271,7 @@ class Player : public player::WMP9 {
   std::function<void(const std::string&)> log_;
   ErrorList errors_;
   Poster post_;
-  MpvOutput output_;
+  std::unique_ptr<Output> output_;
   Playback playback_;
   PlaybackControls controls_;
   Preferences settings_;

@@ -63,11 +63,22 @@ void PlayStateTracker::follow(std::int32_t newState) {
   }
 }
 
+std::string PlayStateTracker::currentTitle() {
+  std::string told = form_.currentMedia()->getItemInfo("StreamTitle");
+  return told.empty() ? form_.currentMedia()->name() : told;
+}
+
+void PlayStateTracker::StreamTitleChange() {
+  Attempt step;
+  // Before the first playing state it goes out with the titles.
+  if (PlaybackActive_) step([&] { media_.publish("Title", currentTitle()); });
+}
+
 std::string PlayStateTracker::currentAlbum() { return form_.currentMedia()->getItemInfo("Album"); }
 
 void PlayStateTracker::publishTitles() {
   Attempt step;
-  step([&] { media_.publish("Title", form_.currentMedia()->name()); });
+  step([&] { media_.publish("Title", currentTitle()); });
   step([&] { media_.publish("Artist", form_.currentMedia()->getItemInfo("Artist")); });
   step([&] { media_.publish("Genre", form_.currentMedia()->getItemInfo("Genre")); });
   step([&] { media_.publish("Length", form_.currentMedia()->durationString()); });

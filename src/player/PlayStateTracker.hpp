@@ -21,6 +21,10 @@ class PlayStateTracker {
   /// Handles one play state. Never throws.
   void MyPlayStateChange(std::int32_t newState);
 
+  /// What the station that plays says now goes on the title's device. No state changes by it, so nothing else
+  /// is told. Never throws.
+  void StreamTitleChange();
+
   /// The player's `status` at the state handled last.
   [[nodiscard]] const std::string& PlayerStatusText() const { return PlayerStatusText_; }
   [[nodiscard]] std::int32_t LastPlayState() const { return LastPlayState_; }
@@ -38,6 +42,8 @@ class PlayStateTracker {
   void playing();
   void publishTitles();
   std::string currentAlbum();
+  /// The name of what plays, or of what a station says that it plays.
+  std::string currentTitle();
 
   WMPPlayer& form_;
   MediaStatus& media_;

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 
 #include "player/PopupView.hpp"
@@ -34,6 +35,12 @@ class PlayerEvents : public WMP9Events {
   void MediaCollectionChange() override;
   void PlaylistCollectionChange() override;
   void DoubleClick() override;
+  void StreamTitleChange() override {
+    if (streamTitleChange) streamTitleChange();
+  }
+
+  /// What is to be done when a station goes on to another title, if anything.
+  std::function<void()> streamTitleChange{};
 
   /// Saves and publishes a mode; start-up calls it too.
   void WMP9_ModeChange(const std::string& modeName, bool newValue);

@@ -50,7 +50,8 @@ class Media : public Modelled {
   [[nodiscard]] virtual std::string name() const = 0;
   [[nodiscard]] virtual std::string sourceURL() const = 0;
   /// The value of an attribute such as "Artist", "Album", "Genre", "Duration", "SourceURL", "WM/AlbumTitle",
-  /// "WM/WMCollectionID", "WM/MCDI"; empty for one that is unknown.
+  /// "WM/WMCollectionID", "WM/MCDI", "StreamTitle" (what a station says that it plays); empty for one that is
+  /// unknown.
   [[nodiscard]] virtual std::string getItemInfo(const std::string& attribute) const = 0;
   [[nodiscard]] virtual Picture getItemInfoByType(const std::string& attribute, const std::string& language,
                                                   std::int32_t index) const = 0;
@@ -251,6 +252,11 @@ class WMP9Events {
   virtual void MediaCollectionChange() = 0;
   virtual void PlaylistCollectionChange() = 0;
   virtual void DoubleClick() = 0;
+
+  // Of this system's own.
+
+  /// The station that plays has gone on to another title: the current item's "StreamTitle" is another.
+  virtual void StreamTitleChange() {}
 };
 
 /// Makes the player control. Throws number 429 when it can't be created.

@@ -2,8 +2,8 @@
 
 namespace plugin {
 
-// Two roads lead back up: the queue's worker is the tracker, the control's events are the player events.
-// Both are only travelled once everything stands.
+// Roads lead back up: the queue's worker is the tracker, the control's events are the player events, and of
+// these a station's title goes to the tracker. They are only travelled once everything stands.
 Plugin::Plugin(const PluginGround& ground)
     : host(ground.loop),
       settings(host),
@@ -41,6 +41,7 @@ Plugin::Plugin(const PluginGround& ground)
       vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web,
                                    EventParts{actionDialog, actionDropLists, openActionDialog, actionRun,
                                               conditions, speechInterlock, state})) {
+  playerEvents.streamTitleChange = [this] { playState.StreamTitleChange(); };
   if (ground.coverFiles == nullptr) return;
   coverSearch_.emplace(cover::SearchParts{form, ground.popup, host, loggers, state, *ground.coverFiles},
                        ground.coverServices);

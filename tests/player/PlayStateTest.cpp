@@ -16,6 +16,10 @@ class PlayStates : public House {
   void play(const std::string& title, const std::string& album) {
     wmp9->media = std::make_shared<support::FakeMedia>(title, "The Artist", album, "Jazz");
   }
+  void stationSays(const std::string& title) {
+    dynamic_cast<support::FakeMedia&>(*wmp9->media).info["StreamTitle"] = title;
+    wmp9->events().StreamTitleChange();
+  }
   /// The player's events, each handled before the next.
   void states(std::initializer_list<std::int32_t> all) {
     for (const std::int32_t state : all) {
@@ -67,6 +71,25 @@ TEST_F(PlayStates, TheTitlesArePublishedInOrderBeforeTheTrigger) {
     devices.push_back(line.substr(36, line.find('"', 36) - 36));
   EXPECT_THAT(devices, ElementsAre("Status", "Title", "Artist", "Genre", "Length", "Album"));
   EXPECT_EQ(journal.lines().back(), "checktrigger(\"Media Player\x02*\x02Playback Started\")");
+}
+
+TEST_F(PlayStates, WhatAStationSaysThatItPlaysGoesOnTheTitlesDeviceAlone) {
+  states({9, 3});
+  loop.advance(base::Milliseconds(150));
+  journal.clear();
+  stationSays("Ann - First");
+  EXPECT_THAT(journal.lines(), ElementsAre(std::string("SetDeviceStringByName(\"Media Player Title\", \"") +
+                                           kIcon + "Ann - First\", True)"));
+  stationSays("Ben - Second");
+  EXPECT_TRUE(published("Title", "Ben - Second"));
+  EXPECT_THAT(triggers(), IsEmpty());
+}
+
+TEST_F(PlayStates, AStationThatHasSpokenBeforeItPlaysIsHeardAtItsStart) {
+  stationSays("Ann - First");
+  EXPECT_THAT(journal.with("SetDeviceStringByName(\"Media Player Title"), IsEmpty());
+  states({9, 3});
+  EXPECT_TRUE(published("Title", "Ann - First"));
 }
 
 TEST_F(PlayStates, AReturnFromPausePublishesStatusOnly) {

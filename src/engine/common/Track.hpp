@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <limits>
 #include <string>
 
 #include "files/Stamp.hpp"
@@ -16,6 +17,18 @@ enum class MediaKind : std::uint8_t {
   kVideo = 2,
 };
 
+/// How loud a track is, as its tags tell it.
+struct Loudness {
+  static constexpr std::int16_t kUnknown = std::numeric_limits<std::int16_t>::min();
+
+  std::int16_t track = kUnknown;  ///< what makes the track as loud as others: hundredths of a decibel
+  std::int16_t album = kUnknown;  ///< the same for its whole album
+  std::uint16_t trackPeak = 0;    ///< ten-thousandths of full scale; 0 for unknown
+  std::uint16_t albumPeak = 0;
+
+  bool operator==(const Loudness&) const = default;
+};
+
 /// What a file's tags say.
 struct TrackTags {
   MediaKind kind = MediaKind::kAudio;
@@ -30,6 +43,7 @@ struct TrackTags {
   std::uint16_t track = 0;
   std::uint16_t disc = 0;
   std::uint32_t milliseconds = 0;
+  Loudness loudness{};
 
   bool operator==(const TrackTags&) const = default;
 };

@@ -120,6 +120,27 @@ player::MediaRef Library::mediaAt(const std::string& url) const {
   return std::make_shared<LooseMedia>(path, TagsOfAddress(path), shelf_);
 }
 
+bool Library::followsOnAlbum(const std::string& first, const std::string& second) const {
+  const auto one = shelf_->table.find(PathOf(first));
+  const auto two = shelf_->table.find(PathOf(second));
+  if (!one || !two) return false;
+  const Track& before = shelf_->table.row(*one);
+  const Track& after = shelf_->table.row(*two);
+  if (shelf_->table.text(before.album).empty() || before.album != after.album ||
+      before.albumArtist != after.albumArtist)
+    return false;
+  const bool nextDisc = after.disc == before.disc + 1 && after.track == 1;
+  return nextDisc || (after.disc == before.disc && after.track == before.track + 1);
+}
+
+Loudness Library::loudnessAt(const std::string& location) const {
+  const std::string path = PathOf(location);
+  if (const auto id = shelf_->table.find(path)) return shelf_->table.row(*id).loudness;
+  if (IsAddress(path)) return {};
+  return base::Handled([&] { return ReadTags(path).tags.loudness; },
+                       [](const base::Failure&) { return Loudness(); });
+}
+
 player::MediaRef Library::add(const std::string& url) {
   if (url.empty()) throw base::Failure(base::number::kInvalidArgument, "There is no address to add");
   FileRecord record;

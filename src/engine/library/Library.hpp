@@ -34,6 +34,12 @@ class Library : public player::MediaCollection {
   /// the table and no disk, as long as there is no doubt: it is asked for every item of every playlist.
   [[nodiscard]] player::MediaRef trackAt(const std::string& path) const;
 
+  /// How loud the media there is; of a file that the library does not have, its tags are read at once.
+  [[nodiscard]] Loudness loudnessAt(const std::string& location) const;
+
+  /// Whether the second is the track behind the first on their album.
+  [[nodiscard]] bool followsOnAlbum(const std::string& first, const std::string& second) const;
+
   player::MediaRef add(const std::string& url) override;
   player::PlaylistRef getAll() override;
   player::PlaylistRef getByName(const std::string& name) override;

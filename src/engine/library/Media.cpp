@@ -1,11 +1,15 @@
 #include "engine/library/Media.hpp"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "base/Text.hpp"
+#include "engine/tags/TextForms.hpp"
 
 namespace engine {
 namespace {
+
+constexpr std::size_t kLongestStreamTitle = 1024;
 
 bool AsksForPicture(const std::string& attribute, std::int32_t index) {
   return index == 0 && base::SameText(attribute, "WM/Picture");
@@ -45,7 +49,19 @@ std::string TrackMedia::getItemInfo(const std::string& attribute) const {
   return AttributeText(shelf_->table, id_, AttributeNamed(attribute));
 }
 
+bool LooseMedia::streamTitle(std::string_view title) {
+  std::string plain = base::RepairUtf8(tags::Shortened(title, kLongestStreamTitle));
+  std::replace_if(
+      plain.begin(), plain.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; },
+      ' ');
+  plain = base::TrimBlanks(plain);
+  if (plain == streamTitle_) return false;
+  streamTitle_ = std::move(plain);
+  return true;
+}
+
 std::string LooseMedia::getItemInfo(const std::string& attribute) const {
+  if (base::SameText(attribute, "StreamTitle")) return streamTitle_;
   return AttributeText(tags_, sourceURL(), AttributeNamed(attribute));
 }
 

@@ -80,6 +80,9 @@ class LooseMedia : public EngineMedia {
     tags_.milliseconds = static_cast<std::uint32_t>(std::lround(seconds * 1000));
   }
 
+  /// Told by the decoder: what the station plays now, or an empty text. False if that was known.
+  bool streamTitle(std::string_view title);
+
   [[nodiscard]] std::string location() const override { return location_; }
   /// The same, to be looked at only.
   [[nodiscard]] const std::string& place() const { return location_; }
@@ -99,6 +102,7 @@ class LooseMedia : public EngineMedia {
   std::string location_;
   TrackTags tags_;
   ShelfRef shelf_;
+  std::string streamTitle_;
 };
 
 /// A path without "." and ".." steps; an address as it is.

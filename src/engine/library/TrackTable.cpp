@@ -10,7 +10,8 @@ namespace {
 auto Content(const Track& row) {
   return std::tie(row.folder, row.file, row.title, row.artist, row.albumArtist, row.album, row.genre,
                   row.collectionId, row.discId, row.milliseconds, row.year, row.track, row.disc, row.kind,
-                  row.present);
+                  row.present, row.loudness.track, row.loudness.album, row.loudness.trackPeak,
+                  row.loudness.albumPeak);
 }
 
 }  // namespace
@@ -33,6 +34,7 @@ bool TrackTable::put(const std::string& path, const TrackTags& tags) {
   row.disc = tags.disc;
   row.kind = tags.kind;
   row.present = true;
+  row.loudness = tags.loudness;
 
   const TrackId place = at(row.folder, row.file);
   if (place == IdTable::kNone) {

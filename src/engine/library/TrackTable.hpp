@@ -27,6 +27,7 @@ struct Track {
   std::uint16_t disc = 0;
   MediaKind kind = MediaKind::kAudio;
   bool present = false;  ///< still in the library
+  Loudness loudness;
 };
 
 /// All tracks of the library in memory. Used on the loop's thread only.

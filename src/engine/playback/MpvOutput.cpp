@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::uint64_t kHeardSince = 1ULL << 62U;  // the tag of a question; entries are small numbers
 constexpr double kLongestHold = 2.0;
+constexpr const char* kStreamTitle = "metadata/by-key/icy-title";
 constexpr const char* kOpensNothing = "refused://";  // no kind of address that the decoder knows
 
 /// What the libraries below the decoder may speak, whatever a stream or a list of streams asks them for.
@@ -75,10 +76,12 @@ MpvOptions Options(const Config& config) {
 }  // namespace
 
 MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
-                     std::function<void(const std::string&)> message)
+                     std::function<void(const std::string&)> message, LoudnessOf loudnessOf)
     : isDrive_(std::move(isDrive)),
       message_(std::move(message)),
       options_(Options(config)),
+      leveller_(config),
+      loudnessOf_(std::move(loudnessOf)),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       post_(loop) {
@@ -94,6 +97,7 @@ void MpvOutput::needDecoder() {
   mpv_->observe("time-pos", MPV_FORMAT_DOUBLE);
   mpv_->observe("duration", MPV_FORMAT_DOUBLE);
   mpv_->observe("paused-for-cache", MPV_FORMAT_FLAG);
+  mpv_->observe(kStreamTitle, MPV_FORMAT_STRING);
   if (wantsDevice_) mpv_->observe("current-ao", MPV_FORMAT_STRING);
   mpv_->onWakeup(
       [](void* context) {
@@ -126,6 +130,10 @@ void MpvOutput::addFile(EntryId entry, const std::string& location, const char* 
   // Of a file on disk nothing else is opened; of a station a list of addresses may be all that it sends.
   mpv_->set("access-references", address.kind == DecoderAddress::Kind::kStation);
   std::vector<std::string> words{"loadfile", address.address, how};
+  if (leveller_.on()) {
+    if (!address.options.empty()) address.options += ',';
+    address.options += leveller_.optionsFor(loudnessOf_ ? loudnessOf_(location) : Loudness());
+  }
   if (!address.options.empty()) words.push_back(address.options);
   mpv_->command(entry, words);
 }
@@ -233,6 +241,7 @@ void MpvOutput::fileStarted(FileId file) {
   playing_ = file;
   opening_ = true;
   duration_ = 0;
+  streamTitle_.clear();
   const EntryId entry = entryOf(file);
   // It was dropped at the moment at which the decoder went on to it.
   if (dropped_.contains(entry)) mpv_->command(0, {"playlist-next", "force"});
@@ -290,6 +299,7 @@ void MpvOutput::audible() {
 void MpvOutput::tellStarted(EntryId entry) {
   events_->started(entry);
   if (duration_ > 0) events_->lengthKnown(entry, duration_);
+  if (!streamTitle_.empty()) events_->titleTold(entry, streamTitle_);
 }
 
 void MpvOutput::tellHeld() {
@@ -336,6 +346,10 @@ void MpvOutput::propertyTold(const mpv_event_property& property) {
     const bool silence = std::string_view(*static_cast<char* const*>(property.data)) == "null";
     if (silence && !inSilence_) message_("No sound device can be used: playing in silence");
     inSilence_ = silence;
+  }
+  if (name == kStreamTitle && property.format == MPV_FORMAT_STRING) {
+    streamTitle_ = *static_cast<char* const*>(property.data);
+    if (!opening_ && held_ == 0) events_->titleTold(entryOf(playing_), streamTitle_);
   }
   if (property.format != MPV_FORMAT_DOUBLE) return;
   const double value = *static_cast<const double*>(property.data);

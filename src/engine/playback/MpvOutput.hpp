@@ -12,6 +12,7 @@
 #include "engine/common/Poster.hpp"
 #include "engine/playback/DecoderAddress.hpp"
 #include "engine/playback/DecoderFiles.hpp"
+#include "engine/playback/Leveller.hpp"
 #include "engine/playback/MpvHandle.hpp"
 #include "engine/playback/Output.hpp"
 
@@ -26,10 +27,14 @@ namespace engine {
 /// first time.
 class MpvOutput : public Output {
  public:
-  /// `message` gets lines for people, on the loop's thread. Throws number 429 when there is too little memory
-  /// for the decoder; should that be so when it is made, what was to be played fails.
+  /// How loud what lies there is, as its tags tell it.
+  using LoudnessOf = std::function<Loudness(const std::string& location)>;
+
+  /// `message` gets lines for people, on the loop's thread. `loudnessOf` is only asked where it is needed.
+  /// Throws number 429 when there is too little memory for the decoder; should that be so when it is made,
+  /// what was to be played fails.
   MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
-            std::function<void(const std::string&)> message);
+            std::function<void(const std::string&)> message, LoudnessOf loudnessOf = {});
   ~MpvOutput() override;
   MpvOutput(const MpvOutput&) = delete;
   MpvOutput& operator=(const MpvOutput&) = delete;
@@ -76,6 +81,9 @@ class MpvOutput : public Output {
   IsDrive isDrive_;
   std::function<void(const std::string&)> message_;
   MpvOptions options_;
+  Leveller leveller_;
+  LoudnessOf loudnessOf_;
+  std::string streamTitle_;
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;
   std::unique_ptr<base::Timer> heardTimer_;

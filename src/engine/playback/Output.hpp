@@ -21,6 +21,8 @@ class OutputEvents {
   virtual void started(EntryId entry) = 0;
   /// How long it is, once that is known.
   virtual void lengthKnown(EntryId entry, double seconds) = 0;
+  /// What a station says that it plays, when it says so; its bytes are a stranger's.
+  virtual void titleTold(EntryId entry, const std::string& title) = 0;
   /// The last of its sound has been heard. An entry that was appended follows by itself.
   virtual void ended(EntryId entry) = 0;
   /// It can't be played, or not to its end. Nothing follows by itself.

@@ -121,6 +121,7 @@ void Playback::begin() {
   entry_ = ++lastEntry_;
   nextEntry_ = 0;
   putOff_.clear();
+  if (auto* loose = dynamic_cast<LooseMedia*>(queue_.current().get())) loose->streamTitle({});
   output_.load(entry_, LocationOf(*queue_.current()));
   events_.place();
   if (state_ != player::kTransitioning) tell(player::kTransitioning);
@@ -266,6 +267,12 @@ void Playback::prepareNext() {
 void Playback::lengthKnown(EntryId entry, double seconds) {
   if (entry != entry_ || entry == 0) return;
   if (auto* loose = dynamic_cast<LooseMedia*>(queue_.current().get())) loose->duration(seconds);
+}
+
+void Playback::titleTold(EntryId entry, const std::string& title) {
+  if (entry != entry_ || entry == 0) return;
+  auto* loose = dynamic_cast<LooseMedia*>(queue_.current().get());
+  if (loose != nullptr && loose->streamTitle(title)) events_.title();
 }
 
 void Playback::started(EntryId entry) {

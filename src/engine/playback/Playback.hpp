@@ -20,6 +20,7 @@ class Playback : public OutputEvents {
     std::function<void(player::PlayState)> state;
     std::function<void()> error;          ///< an item was added to the error list
     std::function<void()> place = [] {};  ///< another list, item or position may be the one to go on from
+    std::function<void()> title = [] {};  ///< the station that plays has gone on to another title
   };
 
   Playback(base::Loop& loop, Output& output, ErrorList& errors, std::uint32_t seed, Events events);
@@ -66,6 +67,7 @@ class Playback : public OutputEvents {
 
   void started(EntryId entry) override;
   void lengthKnown(EntryId entry, double seconds) override;
+  void titleTold(EntryId entry, const std::string& title) override;
   void ended(EntryId entry) override;
   void failed(EntryId entry, const std::string& reason) override;
   void stalled(bool value) override;

@@ -7,7 +7,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kVersion = 2;
+constexpr int kVersion = 3;
+constexpr int kWithoutLoudness = 2;
 constexpr int kWithoutFilms = 1;
 
 /// The version before knew films and some more by their names alone, and names of any length. Such files are
@@ -22,10 +23,34 @@ constexpr const char* kReadAnew =
     "length(collection),"
     " length(disc_id)) > 4096)";
 
+/// The version before did not know how loud a track is; every file is read anew.
+constexpr const char* kWithLoudness =
+    "ALTER TABLE tracks ADD COLUMN loudness INTEGER NOT NULL DEFAULT 0;"
+    "UPDATE tracks SET modified = -1 WHERE added = 0 AND kind <> 0";
+
+/// All of it in one number; 0 when nothing is known.
+std::int64_t Packed(const Loudness& loudness) {
+  if (loudness == Loudness()) return 0;
+  const auto bits = [](auto value, unsigned place) {
+    return static_cast<std::uint64_t>(static_cast<std::uint16_t>(value)) << place;
+  };
+  return static_cast<std::int64_t>(bits(loudness.track, 0) | bits(loudness.album, 16) |
+                                   bits(loudness.trackPeak, 32) | bits(loudness.albumPeak, 48));
+}
+
+Loudness UnpackedLoudness(std::int64_t packed) {
+  if (packed == 0) return {};
+  const auto part = [&](unsigned place) {
+    return static_cast<std::uint16_t>(static_cast<std::uint64_t>(packed) >> place);
+  };
+  return {static_cast<std::int16_t>(part(0)), static_cast<std::int16_t>(part(16)), part(32), part(48)};
+}
+
 constexpr const char* kColumns =
     "CREATE TABLE IF NOT EXISTS tracks (path TEXT PRIMARY KEY, modified INTEGER, size INTEGER, inode INTEGER,"
     " kind INTEGER, title TEXT, artist TEXT, albumartist TEXT, album TEXT, genre TEXT, collection TEXT,"
-    " disc_id TEXT, year INTEGER, track INTEGER, disc INTEGER, milliseconds INTEGER, added INTEGER)"
+    " disc_id TEXT, year INTEGER, track INTEGER, disc INTEGER, milliseconds INTEGER, added INTEGER,"
+    " loudness INTEGER NOT NULL DEFAULT 0)"
     " WITHOUT ROWID";
 
 /// Moves a damaged index away. Answers where it lies now.
@@ -78,13 +103,16 @@ void LibraryStore::open(const std::string& path) {
     }
     if (known == kWithoutFilms) {
       database_->run(kReadAnew);
+      database_->run(kWithLoudness);
+    } else if (known == kWithoutLoudness) {
+      database_->run(kWithLoudness);
     } else if (known != 0 && known != kVersion) {
       database_->run("DROP TABLE IF EXISTS tracks");
     }
   }
   database_->run(kColumns);
   database_->run("PRAGMA user_version=" + std::to_string(kVersion));
-  put_.emplace(*database_, "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+  put_.emplace(*database_, "INSERT OR REPLACE INTO tracks VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
   remove_.emplace(*database_, "DELETE FROM tracks WHERE path = ?");
   records_ = readAll();
 }
@@ -112,6 +140,7 @@ std::vector<FileRecord> LibraryStore::readAll() {
     tags.disc = static_cast<std::uint16_t>(rows.integer(14));
     tags.milliseconds = static_cast<std::uint32_t>(rows.integer(15));
     record.added = rows.integer(16) != 0;
+    tags.loudness = UnpackedLoudness(rows.integer(17));
   }
   return records;
 }
@@ -123,7 +152,8 @@ void LibraryStore::apply(const std::vector<FileRecord>& changed, const std::vect
     const files::FileStamp& stamp = record.stamp;
     put_->with(record.path, stamp.modified, stamp.size, stamp.inode, static_cast<std::int32_t>(tags.kind),
                tags.title, tags.artist, tags.albumArtist, tags.album, tags.genre, tags.collectionId,
-               tags.discId, tags.year, tags.track, tags.disc, tags.milliseconds, record.added)
+               tags.discId, tags.year, tags.track, tags.disc, tags.milliseconds, record.added,
+               Packed(tags.loudness))
         .run();
   }
   for (const std::string& path : removed) remove_->with(path).run();

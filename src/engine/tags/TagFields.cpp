@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -12,7 +14,7 @@
 namespace engine::tags {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Field>, 26> kNames{{
+constexpr std::array<std::pair<std::string_view, Field>, 32> kNames{{
     {"TITLE", Field::kTitle},
     {"ARTIST", Field::kArtist},
     {"AUTHOR", Field::kArtist},
@@ -39,6 +41,12 @@ constexpr std::array<std::pair<std::string_view, Field>, 26> kNames{{
     {"DISCNUMBER", Field::kDisc},
     {"DISC", Field::kDisc},
     {"WM/PARTOFSET", Field::kDisc},
+    {"REPLAYGAIN_TRACK_GAIN", Field::kTrackGain},
+    {"REPLAYGAIN_TRACK_PEAK", Field::kTrackPeak},
+    {"REPLAYGAIN_ALBUM_GAIN", Field::kAlbumGain},
+    {"REPLAYGAIN_ALBUM_PEAK", Field::kAlbumPeak},
+    {"R128_TRACK_GAIN", Field::kTrackLevel},
+    {"R128_ALBUM_GAIN", Field::kAlbumLevel},
 }};
 
 char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -72,6 +80,38 @@ std::string* TextOf(TrackTags& tags, Field field) {
   }
 }
 
+/// A number with a sign and a fraction at the text's beginning; none for what no tag means.
+std::optional<double> Decimal(std::string_view text) {
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  double value = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+  if (read.ec != std::errc() || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+/// Takes what belongs to how loud the track is; false for another field.
+bool OfferLoudness(Loudness& loudness, Field field, std::string_view text) {
+  constexpr double kMostDecibels = 60;
+  const bool album = field == Field::kAlbumGain || field == Field::kAlbumPeak || field == Field::kAlbumLevel;
+  if (!album && field != Field::kTrackGain && field != Field::kTrackPeak && field != Field::kTrackLevel)
+    return false;
+  const auto value = Decimal(text);
+  if (!value) return true;
+  if (field == Field::kTrackPeak || field == Field::kAlbumPeak) {
+    std::uint16_t& peak = album ? loudness.albumPeak : loudness.trackPeak;
+    if (peak == 0 && *value > 0 && *value < 6.5)
+      peak = static_cast<std::uint16_t>(std::lround(*value * 10000));
+    return true;
+  }
+  // The levels of Opus are 256ths of a decibel, and meant for a loudness 5 decibels lower.
+  const bool level = field == Field::kTrackLevel || field == Field::kAlbumLevel;
+  const double decibels = level ? *value / 256 + 5 : *value;
+  std::int16_t& gain = album ? loudness.album : loudness.track;
+  if (gain == Loudness::kUnknown && std::abs(decibels) <= kMostDecibels)
+    gain = static_cast<std::int16_t>(std::lround(decibels * 100));
+  return true;
+}
+
 std::uint16_t& NumberOf(TrackTags& tags, Field field) {
   if (field == Field::kYear) return tags.year;
   return field == Field::kTrack ? tags.track : tags.disc;
@@ -98,6 +138,7 @@ void TagFields::offer(Field field, std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   if (text.empty()) return;
   any_ = true;
+  if (OfferLoudness(tags_.loudness, field, text)) return;
   std::string* known = TextOf(tags_, field);
   if (known == nullptr) {
     std::uint16_t& number = NumberOf(tags_, field);

@@ -19,7 +19,13 @@ enum class Field {
   kDiscId,
   kYear,
   kTrack,
-  kDisc
+  kDisc,
+  kTrackGain,
+  kTrackPeak,
+  kAlbumGain,
+  kAlbumPeak,
+  kTrackLevel,
+  kAlbumLevel
 };
 
 /// The field that tags call so, without regard to case; none for what is not kept.

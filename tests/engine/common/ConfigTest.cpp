@@ -36,6 +36,29 @@ TEST(PlayerConfig, WhatWasPlayedIsTakenUpUnlessTheFileSaysNo) {
   EXPECT_THROW(LoadConfig(folder / "player.ini"), base::Failure);
 }
 
+TEST(PlayerConfig, LoudnessAndFadesAreAsTheyComeUnlessTheFileSaysOtherwise) {
+  const TempFolder folder;
+  const Config plain = LoadConfig(folder / "none.ini");
+  EXPECT_EQ(plain.replayGain, ReplayGain::kOff);
+  EXPECT_EQ(plain.crossfade, 0);
+  std::ofstream(folder / "player.ini")
+      << "[playback]\nreplaygain=Album\npreamp = -2.5\nclipping=yes\ncrossfade = 4\n";
+  const Config config = LoadConfig(folder / "player.ini");
+  EXPECT_EQ(config.replayGain, ReplayGain::kAlbum);
+  EXPECT_EQ(config.preamp, -2.5);
+  EXPECT_TRUE(config.clipping);
+  EXPECT_EQ(config.crossfade, 4);
+}
+
+TEST(PlayerConfig, ALoudnessOrFadeOutOfItsRangeIsRefused) {
+  const TempFolder folder;
+  for (const char* line : {"replaygain=loud", "preamp=25", "preamp=2 dB", "clipping=1", "crossfade=-1",
+                           "crossfade=13", "crossfade=nan", "crossfade="}) {
+    std::ofstream(folder / "player.ini") << "[playback]\n" << line << "\n";
+    EXPECT_THROW(LoadConfig(folder / "player.ini"), base::Failure) << line;
+  }
+}
+
 TEST(PlayerConfig, AFileIsReadOverThem) {
   const TempFolder folder;
   std::ofstream(folder / "player.ini") << "# music\n[Library]\nfolder = /srv/music/\nfolder=/srv/more\n"

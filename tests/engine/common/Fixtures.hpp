@@ -59,11 +59,13 @@ class Recorder : public player::WMP9Events {
   void MediaCollectionChange() override { ++mediaChanges; }
   void PlaylistCollectionChange() override { ++playlistChanges; }
   void DoubleClick() override {}
+  void StreamTitleChange() override { ++titles; }
 
   std::vector<std::int32_t> states;
   std::vector<std::chrono::steady_clock::time_point> times;  ///< of the states
   std::vector<std::pair<std::string, bool>> modes;
   int errors = 0;
+  int titles = 0;
   int mediaChanges = 0;
   int playlistChanges = 0;
   std::vector<std::string> warnings;

@@ -1,18 +1,11 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <future>
-#include <thread>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -335,81 +328,6 @@ TEST_F(Playing, PauseHoldsThePositionAndPlayGoesOn) {
   EXPECT_EQ(player->controls().currentPosition(), 0);
   ASSERT_TRUE(untilState(player::kStopped));
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 2, 3, 4, 5, 3, 1));
-}
-
-/// Hears what is written to a pipe: slower than it sounds until `flow`, so that a short track lasts as long
-/// as it does for a listener, then as fast as it comes.
-class HeardThroughAPipe {
- public:
-  HeardThroughAPipe(const std::filesystem::path& pipe, const std::filesystem::path& file) {
-    EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    // Small before anybody writes: a pipe as it comes holds more than the first track.
-    const int end = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    EXPECT_EQ(fcntl(end, F_SETPIPE_SZ, 4096), 4096);
-    EXPECT_EQ(fcntl(end, F_SETFL, 0), 0);
-    reader_ = std::thread([end, file, flows = flows_.get_future()] {
-      std::ofstream heard(file, std::ios::binary);
-      std::array<char, 1024> bytes{};
-      pollfd written{end, POLLIN, 0};
-      poll(&written, 1, 240'000);  // until there is a writer
-      for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;) {
-        heard.write(bytes.data(), count);
-        flows.wait_for(std::chrono::milliseconds(40));
-      }
-      close(end);
-    });
-  }
-  ~HeardThroughAPipe() {
-    if (!flowing_) flow();
-    if (reader_.joinable()) reader_.join();
-  }
-  HeardThroughAPipe(const HeardThroughAPipe&) = delete;
-  HeardThroughAPipe& operator=(const HeardThroughAPipe&) = delete;
-  HeardThroughAPipe(HeardThroughAPipe&&) = delete;
-  HeardThroughAPipe& operator=(HeardThroughAPipe&&) = delete;
-
-  void flow() {
-    flowing_ = true;
-    flows_.set_value();
-  }
-  /// Returns when all has been heard.
-  void end() { reader_.join(); }
-
- private:
-  bool flowing_ = false;
-  std::promise<void> flows_;
-  std::thread reader_;
-};
-
-TEST_F(Playing, AnAlbumHasNoGapBetweenItsTracks) {
-  const demo::Sound whole = demo::Tone(441, 1.0);
-  demo::Sound first = whole;
-  demo::Sound second = whole;
-  first.samples.resize(22050 + 37);
-  second.samples.erase(second.samples.begin(), second.samples.begin() + 22050 + 37);
-  demo::WriteSound(music("1.wav"), first, demo::FileFormat::kWav);
-  demo::WriteSound(music("2.wav"), second, demo::FileFormat::kWav);
-  HeardThroughAPipe listener(folder / "pipe", folder / "heard.wav");
-  config.audioOutput = "pcm:" + (folder / "pipe");
-  startWith(2);
-  player->settings().volume(100);
-  player->currentPlaylist(player->mediaCollection().getAll());
-  player->controls().play();
-  ASSERT_TRUE(
-      until([&] { return std::count(told.states.begin(), told.states.end(), player::kPlaying) > 0; }));
-  listener.flow();
-  ASSERT_TRUE(untilState(player::kStopped));
-  player.reset();  // closes the pipe
-  listener.end();
-
-  const demo::Sound heard = demo::ReadSound(folder / "heard.wav");
-  ASSERT_EQ(heard.rate, whole.rate);
-  ASSERT_EQ(heard.samples.size(), whole.samples.size());
-  float worst = 0;
-  for (std::size_t i = 0; i < whole.samples.size(); ++i) {
-    worst = std::max(worst, std::abs(heard.samples[i] - whole.samples[i]));
-  }
-  EXPECT_LT(worst, 0.01F);
 }
 
 TEST_F(Playing, ShuffleAndLoopAreToldWhenTheyChange) {

@@ -41,6 +41,32 @@ void ExpectTheSong(const tags::MediaFile& file, const std::string& name, std::ui
   EXPECT_NEAR(file.tags.milliseconds, milliseconds, 110) << name;
 }
 
+TEST_F(FilesOfAllKinds, TellHowLoudTheyAre) {
+  const std::string options =
+      "-metadata 'REPLAYGAIN_TRACK_GAIN=-6.54 dB' -metadata REPLAYGAIN_TRACK_PEAK=0.98765 "
+      "-metadata 'replaygain_album_gain=+1.5 dB' -metadata REPLAYGAIN_ALBUM_PEAK=1.2 ";
+  for (const std::string name : {"l.mp3", "l.flac", "l.ogg", "l.opus", "l.mka", "l.wv"}) {
+    const Loudness loudness = tags::ReadMediaFile(made(name, false, options)).tags.loudness;
+    EXPECT_EQ(loudness, (Loudness{-654, 150, 9877, 12000})) << name;
+  }
+}
+
+TEST_F(FilesOfAllKinds, TellOpussOwnLevels) {
+  const std::string path =
+      made("r.opus", false, "-metadata R128_TRACK_GAIN=-2560 -metadata R128_ALBUM_GAIN=256 ");
+  EXPECT_EQ(tags::ReadMediaFile(path).tags.loudness, (Loudness{-500, 600, 0, 0}));
+}
+
+TEST_F(FilesOfAllKinds, TellNoLoudnessThatIsNone) {
+  for (const std::string value : {"nan", "inf", "loud", "1000000 dB", "-99 dB", "--3"}) {
+    const std::string path =
+        made("n.flac", false,
+             "-metadata 'REPLAYGAIN_TRACK_GAIN=" + value + "' -metadata REPLAYGAIN_TRACK_PEAK=-1 ");
+    const Loudness loudness = tags::ReadMediaFile(path).tags.loudness;
+    EXPECT_EQ(loudness, Loudness()) << value;
+  }
+}
+
 TEST_F(FilesOfAllKinds, TellTheirTags) {
   for (const std::string name :
        {"a.mp3", "a.flac", "a.ogg", "a.oga", "a.opus", "a.m4a", "a.mka", "a.wma", "a.wv", "a.tta"}) {
