@@ -64,10 +64,11 @@ TEST_P(EveryPage, HasNoSeriousBarriers) {
 
   const std::pair<const char*, const char*> views[] = {{"/#devices", "article .controls button"},
                                                        {"/#menu", ".menu-item"},
+                                                       {"/#playing", ".playing-queue button"},
                                                        {"/#log", ".log li"},
                                                        {"/#account", "#page form"},
                                                        {"/#scripts", "#script-text"},
-                                                       {"/#library", ".long-row button"},
+                                                       {"/#library", ".tile-main"},
                                                        {"/#library/Album/Counting", ".long-row button"},
                                                        {"/#library/Artist", ".long-row button"},
                                                        {"/#library/PlayList", ".long-row button"},

@@ -65,9 +65,20 @@ class Browser {
       return value.is_boolean() ? value.get<bool>() : !value.is_null();
     });
   }
-  /// Clicks the element as a user does: it must be visible and not covered.
+  /// Clicks the element as a user does: it must be visible and not covered. What lies behind a bar at the
+  /// window's edge is scrolled out from there first.
   void click(const std::string& xpath) {
-    atElement([&] { ask("POST", element(xpath) + "/click", Json::object()); });
+    atElement([&] {
+      const std::string found = element(xpath);
+      try {
+        ask("POST", found + "/click", Json::object());
+      } catch (const std::runtime_error& failure) {
+        if (std::string(failure.what()).find("click intercepted") == std::string::npos) throw;
+        run("arguments[0].scrollIntoView({block: 'center', behavior: 'instant'})",
+            Json::array({Json::object({{kElementKey, found.substr(found.rfind('/') + 1)}})}));
+        ask("POST", found + "/click", Json::object());
+      }
+    });
   }
   void type(const std::string& xpath, const std::string& text) {
     atElement([&] { ask("POST", element(xpath) + "/value", {{"text", text}}); });
@@ -121,6 +132,9 @@ class Browser {
   std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }
 
  private:
+  /// By which the protocol names an element among other values.
+  static constexpr const char* kElementKey = "element-6066-11e4-a52e-4f735466cecf";
+
   void touch(const std::string& how, const Json& points) {
     ask("POST", session_ + "/goog/cdp/execute",
         {{"cmd", "Input.dispatchTouchEvent"}, {"params", {{"type", how}, {"touchPoints", points}}}});

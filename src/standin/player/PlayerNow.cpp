@@ -53,8 +53,8 @@ bool PlayerNow::foretells(const PlayerNow& later) const {
          canPlay == later.canPlay && canPause == later.canPause && canNext == later.canNext &&
          canPrevious == later.canPrevious && canSeek == later.canSeek && title == later.title &&
          artist == later.artist && album == later.album && albumArtist == later.albumArtist &&
-         item == later.item && cover == later.cover && queue == later.queue && from == later.from &&
-         place == later.place && count == later.count && revision == later.revision;
+         item == later.item && queue == later.queue && from == later.from && place == later.place &&
+         count == later.count && revision == later.revision;
 }
 
 PlayerNow PlayerNowOf(const base::Value& record, std::int64_t at) {
@@ -127,7 +127,6 @@ nlohmann::json JsonOf(const PlayerNow& now, std::int64_t clock) {
           {"album", now.album},
           {"albumArtist", now.albumArtist},
           {"item", now.item},
-          {"cover", now.cover},
           {"queue", now.queue},
           {"from", now.from},
           {"place", now.place},

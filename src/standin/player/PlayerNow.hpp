@@ -27,7 +27,6 @@ struct PlayerNow {
   std::string album;
   std::string albumArtist;
   std::string item;         ///< tells it from others of its name; empty without one
-  std::string cover;        ///< the key of its picture; empty while it isn't known
   std::string queue;        ///< the name by which the queue is shown and changed
   std::string from;         ///< what the queue was begun from: a playlist, an album
   std::int32_t place = -1;  ///< in the queue

@@ -10,6 +10,7 @@ export class Bar {
   #player;
   #controls;
   #cover = new CoverPicture(256);
+  #line = el('span', {class: 'player-reached'});
   #current;
   node = el('aside', {class: 'player-bar', id: 'player-bar', 'aria-label': 'Player', hidden: true});
 
@@ -36,7 +37,7 @@ export class Bar {
   #template(state) {
     const controls = this.#controls;
     const {mayAct} = this.#player;
-    return html`<a class="player-what" href="/#playing" aria-current=${this.#current() === 'playing' ? 'page' : nothing}>${this.#cover.node}
+    return html`${this.#line}<a class="player-what" href="/#playing" aria-current=${this.#current() === 'playing' ? 'page' : nothing}>${this.#cover.node}
         <span class="player-words"><span class="sr">Now playing: </span><span class="player-title">${state.title || this.#silence(state)}</span>
           <span class="player-by">${joined(state.artist, state.album)}</span></span></a>
       <div class="player-middle">
@@ -51,7 +52,7 @@ export class Bar {
   #reached(at) {
     const {duration, item} = this.#player.state;
     const share = item && duration ? Math.min(1, at / duration) : 0;
-    this.node.style.setProperty('--reached', `${Math.round(share * 1000) / 10}%`);
+    this.#line.style.transform = `scaleX(${Math.round(share * 1000) / 1000})`;
   }
 
   #silence(state) {

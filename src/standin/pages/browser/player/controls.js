@@ -1,12 +1,12 @@
 // The player's buttons and sliders, as the bar and the page "Now playing" both have them, each for itself.
 import {el} from '../kit/dom.js';
-import {html} from '../kit/html.js';
+import {html, nothing} from '../kit/html.js';
 import {complain} from '../kit/server.js';
 import {timeText} from '../library/titles.js';
 import {icon} from './icons.js';
 import {Slider} from './sliders.js';
 
-const kTurn = 500;  // milliseconds between two looks at the clock
+const kTurn = 1000;  // milliseconds between two looks at the clock
 
 const clock = (seconds) => timeText(seconds) || '0:00';
 
@@ -21,7 +21,6 @@ export class Controls {
   #ticked;
   #timer = 0;
   #shown = true;
-  #wanted = null;  // what the play button was last pressed for, until the player has done it
   position;
   volume;
   passed = el('span', {class: 'time passed'}, '0:00');
@@ -96,32 +95,20 @@ export class Controls {
     return this.#player.act(word, body).catch(complain);
   }
 
-  /** `word` is what it does; `name` what it is called. */
   #button(name, sign, act, {disabled = false, pressed, className = ''} = {}) {
     return html`<button type="button" class=${`control ${className}`} aria-label=${name} title=${name} ?disabled=${disabled}
-      aria-pressed=${pressed === undefined ? null : String(pressed)} @click=${act}>${icon(sign)}</button>`;
-  }
-
-  async #playOrPause() {
-    const plays = this.playing;
-    this.#wanted = !plays;
-    try {
-      await this.#player.act(plays ? 'pause' : 'play');
-    } catch (error) {
-      complain(error);
-    }
-    this.#wanted = null;
+      aria-pressed=${pressed === undefined ? nothing : String(pressed)} @click=${act}>${icon(sign)}</button>`;
   }
 
   /** What the play button would stop. */
   get playing() {
-    return this.#wanted ?? ['playing', 'loading'].includes(this.#player.state.play);
+    return ['playing', 'loading'].includes(this.#player.state.play);
   }
 
   get playButton() {
     const {can, known} = this.#player.state;
     const {playing} = this;
-    return this.#button(playing ? 'Pause' : 'Play', playing ? 'pause' : 'play', () => this.#playOrPause(),
+    return this.#button(playing ? 'Pause' : 'Play', playing ? 'pause' : 'play', () => this.#act(playing ? 'pause' : 'play'),
       {className: 'main', disabled: !known || !(playing ? can.pause || this.#player.state.play === 'loading' : can.play)});
   }
 

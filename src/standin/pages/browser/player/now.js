@@ -6,7 +6,7 @@ const kNothing = {known: false, play: 'unknown', position: 0, at: 0, rate: 0, du
   from: '', place: -1, count: 0, revision: 0};
 
 /**
- * `state` is what GET /api/player answers. Listeners hear of each change, until their signal ends them; `moved` in
+ * `state` is what GET /api/player answers, with `cover`, the key of the picture, once it is known. Listeners hear of each change, until their signal ends them; `moved` in
  * what they hear is true where the item or its place in time is another than was foreseen.
  */
 export class Player {
@@ -28,7 +28,11 @@ export class Player {
       this.#askKey();
     });
     house.on('again', () => this.read());
-    house.on('state', () => this.#tell());
+    house.on('state', () => {
+      // What is no longer heard of stands still where it was last known to be.
+      if (!house.connected) this.state = {...this.state, position: this.position(), rate: 0};
+      this.#tell();
+    });
     house.on('signed-out', () => this.#take(kNothing));
   }
 
@@ -92,7 +96,7 @@ export class Player {
   }
 
   #take(now) {
-    if (now.cover === undefined || now.cover === '') now.cover = now.item && now.item === this.state.item ? this.state.cover : '';
+    now.cover = now.item && now.item === this.state.item ? this.state.cover : '';
     const other = now.item !== this.state.item;
     this.state = now;
     this.#tell();

@@ -257,7 +257,7 @@ export class QueueList {
     this.#turns.show(answer);
     await this.again();
     const undo = whileShown(this.#signal, () => this.#turn('undo'));
-    toastWithButton(this.#player.playing ? 'Cleared; what plays is played to its end' : 'Cleared', 'Undo', undo);
+    toastWithButton(this.#player.state.play === 'playing' ? 'Cleared; what plays is played to its end' : 'Cleared', 'Undo', undo);
     this.#place.querySelector('[data-turn=undo]')?.focus();
   }
 
