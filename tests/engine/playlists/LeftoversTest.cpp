@@ -26,7 +26,7 @@ class Leftovers : public ::testing::Test {
 TEST_F(Leftovers, AtTheStartThePicturesFolderIsCleared) {
   WriteText(path("pictures/.vantorix-0123456789abcdef.part"), "x");
   WriteText(path("pictures/kept.jpg"), "x");
-  const Pictures pictures(path("pictures"));
+  const Pictures pictures(path("pictures"), path("chosen"));
   EXPECT_TRUE(cleared(root.path() / "pictures"));
   EXPECT_TRUE(fs::exists(path("pictures/kept.jpg")));
 }
