@@ -53,7 +53,7 @@ MAY_INCLUDE = {
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/hostobjects standin/house",
     "standin/covers": "base bus files pictures standin/house standin/player",
-    "standin/coverservices": "base pictures standin/covers standin/house",
+    "standin/coverservices": "base pictures standin/covers standin/hostobjects standin/house",
     "standin/rules": "base database standin/events standin/house standin/player",
     "standin/dialogs": "base standin/house standin/player",
     "standin/playlists": "base database standin/house standin/player",

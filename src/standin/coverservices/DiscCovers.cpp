@@ -8,7 +8,7 @@
 #include "base/Failure.hpp"
 #include "pictures/Picture.hpp"
 #include "standin/coverservices/DiscContents.hpp"
-#include "standin/coverservices/PublicWeb.hpp"
+#include "standin/hostobjects/PublicWeb.hpp"
 
 namespace standin {
 namespace {

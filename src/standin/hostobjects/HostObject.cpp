@@ -15,6 +15,8 @@ using namespace base::words;  // NOLINT(google-build-using-namespace): the words
 
 namespace {
 
+constexpr int kUsualPort = 80;
+
 /// The services of covers are the house's own where its machine is named and no port: then it is the port of
 /// the house.
 int PortFor(const std::string& host, const std::string& page, int port, int own) {
@@ -23,7 +25,8 @@ int PortFor(const std::string& host, const std::string& page, int port, int own)
   const bool here =
       address.host == "localhost" || address.host == "[::1]" || address.host.starts_with("127.");
   const bool service = path.starts_with("/redir/GetMDRCD.asp?") || path.starts_with("/cover/");
-  return here && service && address.port.empty() && address.scheme != "https" ? own : port;
+  return port == kUsualPort && here && service && address.port.empty() && address.scheme != "https" ? own
+                                                                                                    : port;
 }
 
 /// A trigger as a line of the log: its fields are separated by control characters.

@@ -1,29 +1,16 @@
 #include "standin/hostobjects/UrlFetcher.hpp"
 
-#include <curl/curl.h>
-
 #include <algorithm>
-#include <memory>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/hostobjects/PublicWeb.hpp"
 
 namespace standin {
 namespace {
 
 constexpr int kUsualPort = 80;
 constexpr std::size_t kMostBytes = 32U << 20U;
-
-std::size_t Collect(char* data, std::size_t size, std::size_t count, void* into) {
-  auto& body = *static_cast<std::string*>(into);
-  if (body.size() + size * count > kMostBytes) return 0;
-  body.append(data, size * count);
-  return size * count;
-}
-
-int LookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
-  return static_cast<const std::atomic<bool>*>(stop)->load() ? 1 : 0;
-}
 
 }  // namespace
 
@@ -66,34 +53,12 @@ std::string UrlOf(const std::string& host, const std::string& page, int port) {
 
 std::string FetchUrl(const std::string& host, const std::string& page, int port,
                      std::chrono::milliseconds limit, const std::atomic<bool>* stop) {
-  const std::string url = UrlOf(host, page, port);
-
-  const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), &curl_easy_cleanup);
-  if (!handle) throw base::Failure(base::number::kInternal, "No memory for a web request");
-  std::string body;
-  CURL* const curl = handle.get();
-  curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
-  curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(curl, CURLOPT_MAXREDIRS, 5L);
-  curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);
-  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, static_cast<long>(limit.count()));
-  curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limit.count() / 2));
-  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Collect);
-  curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
-  curl_easy_setopt(curl, CURLOPT_USERAGENT, "Vantorix");
-  if (stop != nullptr) {
-    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &LookForStop);
-    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, stop);
+  try {
+    return FetchPublic(UrlOf(host, page, port),
+                       {.userAgent = "Vantorix", .mostBytes = kMostBytes, .limit = limit, .stop = stop});
+  } catch (const base::Failure& failure) {
+    throw base::Failure(failure.number(), "No page from " + host + ": " + failure.description());
   }
-  const CURLcode code = curl_easy_perform(curl);
-  if (code != CURLE_OK) {
-    throw base::Failure(base::number::kDeviceIo, "No page from " + host + ": " + curl_easy_strerror(code));
-  }
-  return body;
 }
 
 std::string StripTags(const std::string& html) {

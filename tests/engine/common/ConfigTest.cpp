@@ -76,6 +76,14 @@ TEST(PlayerConfig, AFileIsReadOverThem) {
   EXPECT_EQ(config.mediaAccessRights, "read");
 }
 
+TEST(PlayerConfig, TheUsersCoversLieBesideThePlayersDataUnlessTheFileSaysWhere) {
+  const TempFolder folder;
+  std::ofstream(folder / "player.ini") << "[library]\ndata = /srv/data\n";
+  EXPECT_EQ(LoadConfig(folder / "player.ini").chosenCovers, "/srv/data/covers");
+  std::ofstream(folder / "player.ini") << "[covers]\nfolder = /srv/covers/\n[library]\ndata = /srv/data\n";
+  EXPECT_EQ(LoadConfig(folder / "player.ini").chosenCovers, "/srv/covers");
+}
+
 TEST(PlayerConfig, ALineThatIsNotUnderstoodIsNamed) {
   const TempFolder folder;
   for (const char* bad : {"volume=3", "[sound]", "[audio", "nonsense", "folder="}) {

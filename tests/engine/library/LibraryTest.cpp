@@ -6,6 +6,7 @@
 #include "demo/Cover.hpp"
 #include "engine/common/MusicLibrary.hpp"
 #include "engine/library/Library.hpp"
+#include "player/Pictured.hpp"
 
 namespace engine::testing {
 namespace {
@@ -127,6 +128,64 @@ TEST_F(LibraryOfMusic, APictureInTheFolderComesBeforeTheOneInTheFile) {
   std::filesystem::remove(music("disc/cover.webp"));
   std::filesystem::create_directory(music("disc/cover.jpg"));
   EXPECT_EQ(url(), "file://" + music("disc/Folder.JPG")) << "a folder of that name is no picture";
+}
+
+TEST_F(LibraryOfMusic, TheUsersOwnChoiceComesBeforeAllOtherPictures) {
+  addTrack("disc/p.flac", "P", "Ann", "What/Ever?", "Jazz");
+  config.chosenCovers = folder / "chosen";
+  startWith(1);
+  const auto url = [&] {
+    return library().getByName("P")->item(0)->getItemInfoByType("WM/Picture", "", 0).url;
+  };
+  const auto lay = [&](const std::string& path) { std::ofstream(path) << "picture"; };
+  lay(music("disc/AlbumArt_{0815}_Large.jpg"));
+  EXPECT_EQ(url(), "file://" + music("disc/AlbumArt_{0815}_Large.jpg")) << "as another player has left it";
+  lay(music("disc/cover.jpg"));
+  EXPECT_EQ(url(), "file://" + music("disc/cover.jpg"));
+  fs::create_directories(config.chosenCovers);
+  lay(config.chosenCovers + "/what_ever_.PNG");
+  EXPECT_EQ(url(), "file://" + config.chosenCovers + "/what_ever_.PNG");
+  lay(config.chosenCovers + "/Ann - What_Ever_.webp");
+  EXPECT_EQ(url(), "file://" + config.chosenCovers + "/Ann - What_Ever_.webp");
+  lay(config.chosenCovers + "/Ann - What_Ever_.txt");
+  EXPECT_EQ(url(), "file://" + config.chosenCovers + "/Ann - What_Ever_.webp");
+  fs::remove_all(config.chosenCovers);
+  EXPECT_EQ(url(), "file://" + music("disc/cover.jpg"));
+}
+
+TEST_F(LibraryOfMusic, APictureIsHandedOutByItsBytesAndAMarkThatChangesWithIt) {
+  const std::string png = demo::CoverPng(4, 40);
+  const std::string path = addTrack("disc/p.flac", "P", "Ann", "Blue", "Jazz");
+  TrackTags tags;
+  tags.title = "P";
+  demo::WriteTags(path, tags, png);
+  startWith(1);
+  const auto media = library().getByName("P")->item(0);
+  const auto* pictured = dynamic_cast<const player::Pictured*>(media.get());
+  ASSERT_NE(pictured, nullptr);
+  const std::string inside = pictured->pictureMark();
+  EXPECT_EQ(inside, pictured->pictureMark());
+  EXPECT_EQ(pictured->pictureBytes(), png);
+  EXPECT_EQ(inside.find('/'), std::string::npos) << "no path";
+  std::ofstream(music("disc/cover.jpg")) << "first";
+  const std::string first = pictured->pictureMark();
+  EXPECT_NE(first, inside);
+  EXPECT_EQ(pictured->pictureBytes(), "first");
+  std::ofstream(music("disc/cover.jpg")) << "second one";
+  EXPECT_NE(pictured->pictureMark(), first);
+  EXPECT_EQ(pictured->pictureBytes(), "second one");
+}
+
+TEST_F(LibraryOfMusic, AFileFromElsewhereHasThePictureOfItsFolder) {
+  addTrack("a.flac", "A", "Ann", "Blue", "Jazz");
+  startWith(1);
+  fs::create_directories(folder / "elsewhere");
+  std::ofstream(folder / "elsewhere/cover.jpg") << "picture";
+  player->URL(folder / "elsewhere/b.flac");
+  EXPECT_EQ(player->currentMedia()->getItemInfoByType("WM/Picture", "", 0).url,
+            "file://" + (folder / "elsewhere/cover.jpg"));
+  player->URL("http://127.0.0.1:9/radio");
+  EXPECT_EQ(player->currentMedia()->getItemInfoByType("WM/Picture", "", 0).url, "");
 }
 
 TEST_F(LibraryOfMusic, AHeldTrackOutlivesItsFile) {

@@ -36,6 +36,17 @@ TEST_F(Drives, ADiscsTracksAreItsPlaylist) {
   EXPECT_EQ(disc->item(0)->getItemInfo("WM/MCDI"), "2+96+12C+20D");
 }
 
+TEST_F(Drives, ADiscsImageHasThePictureOfItsFolder) {
+  const auto shelf = std::make_shared<Shelf>(folder / "pictures", folder / "chosen");
+  CdDrives drives({makeImage()}, false, shelf);
+  const auto picture = [&] {
+    return drives.item(0)->playlist()->item(1)->getItemInfoByType("WM/Picture", "", 0).url;
+  };
+  EXPECT_EQ(picture(), "");
+  std::ofstream(folder / "Front.png") << "picture";
+  EXPECT_EQ(picture(), "file://" + (folder / "Front.png"));
+}
+
 TEST_F(Drives, AnEjectedDiscIsNotThere) {
   CdDrives drives({makeImage()}, false);
   drives.item(0)->eject();

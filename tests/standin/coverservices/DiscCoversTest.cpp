@@ -6,7 +6,7 @@
 #include "demo/Cover.hpp"
 #include "standin/coverservices/CoverServices.hpp"
 #include "standin/coverservices/DiscContents.hpp"
-#include "standin/coverservices/PublicWeb.hpp"
+#include "standin/hostobjects/PublicWeb.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {

@@ -1,5 +1,6 @@
 #include "standin/fakes/FakeVoice.hpp"
 #include "standin/hostobjects/HostObject.hpp"
+#include "standin/hostobjects/UrlFetcher.hpp"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -357,6 +358,42 @@ TEST_F(Host, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
               call("GetUrl", {"127.0.0.1", "/none", false, port});
             }),
             base::number::kDeviceIo);
+  web.stop();
+  thread.join();
+}
+
+TEST(AnAddressOfThePlayers, KeepsTheSchemeAndThePortThatItNames) {
+  EXPECT_EQ(UrlOf("127.0.0.1", "cover/x y", 8080), "http://127.0.0.1:8080/cover/x%20y");
+  EXPECT_EQ(UrlOf("http://meta.example", "/redir/a.asp?cd=1+2", 80),
+            "http://meta.example:80/redir/a.asp?cd=1+2");
+  EXPECT_EQ(UrlOf("http://meta.example:8080", "/a", 80), "http://meta.example:8080/a");
+  EXPECT_EQ(UrlOf("HTTP://meta.example:8080/cover/?large=x", "", 80),
+            "http://meta.example:8080/cover/?large=x");
+  EXPECT_EQ(UrlOf("https://meta.example/cover/x", "", 80), "https://meta.example/cover/x");
+  EXPECT_EQ(UrlOf("http://[::1]:8080/cover/x", "", 80), "http://[::1]:8080/cover/x");
+  EXPECT_EQ(UrlOf("[::1]", "", 80), "http://[::1]:80/");
+  EXPECT_EQ(UrlOf("http://meta.example/", "/a", 80), "http://meta.example:80/a");
+}
+
+TEST_F(Host, GetUrlAsksTheHouseItselfForCoversWhereItsMachineIsNamedWithoutAPort) {
+  httplib::Server web;
+  web.Get("/redir/GetMDRCD.asp", [&](const httplib::Request& request, httplib::Response& response) {
+    response.set_content("about " + request.get_param_value("cd"), "text/xml");
+  });
+  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
+    response.set_content("a cover", "image/jpeg");
+  });
+  house.webPort = web.bind_to_any_port("127.0.0.1");
+  std::thread thread([&] { web.listen_after_bind(); });
+  constexpr std::int16_t kUsual = 80;
+  EXPECT_EQ(text("GetUrl", {"http://127.0.0.1", "/redir/GetMDRCD.asp?locale=409&cd=1+96", false, kUsual}),
+            "about 1 96");
+  EXPECT_EQ(text("GetUrl", {"HTTP://127.0.0.1/cover/?large=x", "", false, kUsual}), "a cover");
+  EXPECT_NE(support::FailureNumberOf([&] {
+              call("GetUrl", {"http://127.0.0.1:1/cover/?large=x", "", false, kUsual});
+            }),
+            0)
+      << "a port that is named is kept";
   web.stop();
   thread.join();
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include <sys/socket.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <string>
@@ -11,6 +12,7 @@ struct FetchRules {
   std::string userAgent;
   std::size_t mostBytes = std::size_t{16} << 20U;
   std::chrono::milliseconds limit = std::chrono::seconds(8);  ///< for all of it
+  const std::atomic<bool>* stop = nullptr;                    ///< ends it early once it is true
 };
 
 /// The body of what lies at an address, through redirections. What the address itself names is trusted, as

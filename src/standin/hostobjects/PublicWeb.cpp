@@ -1,4 +1,4 @@
-#include "standin/coverservices/PublicWeb.hpp"
+#include "standin/hostobjects/PublicWeb.hpp"
 
 #include <arpa/inet.h>
 #include <curl/curl.h>
@@ -77,6 +77,10 @@ curl_socket_t Open(void* rules, curlsocktype, curl_sockaddr* address) {
   return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
+int LookForStop(void* stop, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  return static_cast<const std::atomic<bool>*>(stop)->load() ? 1 : 0;
+}
+
 /// Answers where it leads on to; an empty text when the body is there.
 std::string Ask(const std::string& url, Step& step, const FetchRules& rules, long milliseconds) {
   const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), &curl_easy_cleanup);
@@ -93,6 +97,11 @@ std::string Ask(const std::string& url, Step& step, const FetchRules& rules, lon
   curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, &Open);
   curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &step);
   curl_easy_setopt(curl, CURLOPT_USERAGENT, rules.userAgent.c_str());
+  if (rules.stop != nullptr) {
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &LookForStop);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, rules.stop);
+  }
   const CURLcode code = curl_easy_perform(curl);
   if (code != CURLE_OK) throw base::Failure(base::number::kDeviceIo, curl_easy_strerror(code));
   long status = 0;
@@ -100,7 +109,7 @@ std::string Ask(const std::string& url, Step& step, const FetchRules& rules, lon
   const char* next = nullptr;
   curl_easy_getinfo(curl, CURLINFO_REDIRECT_URL, &next);
   if (next != nullptr) return next;
-  if (status != 200)
+  if (status < 200 || status >= 300)
     throw base::Failure(base::number::kDeviceIo, "It was answered " + std::to_string(status));
   return {};
 }
