@@ -38,6 +38,7 @@ class FirstPlay : public PlayerTest {};
 }  // namespace
 
 TEST_F(FirstPlay, MakesTheDecoderAndNothingBeforeDoes) {
+  config.resume = false;  // the queue is brought onto the disk by a thread of its own
   start();
   const std::size_t before = Threads();
   demo::WriteSound(folder / "1.wav", demo::Tone(440, 0.2), demo::FileFormat::kWav);
