@@ -1,0 +1,64 @@
+#pragma once
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "files/Descriptor.hpp"
+#include "files/WriteFile.hpp"
+#include "standin/fakes/ServerProcess.hpp"
+#include "standin/fakes/WebClient.hpp"
+#include "support/BusDaemon.hpp"
+#include "support/TempFolder.hpp"
+
+namespace standin::testing {
+
+using support::ServerProcess;
+using support::WebClient;
+
+/// The server's web without a plug-in.
+class Web : public ::testing::Test {
+ protected:
+  /// A connection that has sent these bytes; null when there is none.
+  std::unique_ptr<files::Descriptor> connected(const std::string& request) const {
+    auto socket = std::make_unique<files::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(server.port()));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return nullptr;
+    files::WriteAll(socket->get(), request, "socket");
+    return socket;
+  }
+  /// The first line of the answer to the bytes of a request.
+  std::string raw(const std::string& request) const {
+    const auto open = connected(request);
+    if (!open) return "no connection";
+    const files::Descriptor& socket = *open;
+    std::string answer;
+    std::array<char, 4096> part{};
+    while (answer.find("\r\n") == std::string::npos) {
+      const ssize_t got = read(socket.get(), part.data(), part.size());
+      if (got <= 0) break;
+      answer.append(part.data(), static_cast<std::size_t>(got));
+    }
+    return answer.substr(0, answer.find("\r\n"));
+  }
+  std::string rawGet(const std::string& target, const std::string& host = "localhost") const {
+    return raw("GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\nCookie: " + web.cookie +
+               "\r\nConnection: close\r\n\r\n");
+  }
+
+  support::BusDaemon bus;
+  support::TempFolder folder;
+  std::filesystem::path data = folder.path() / "data";
+  ServerProcess server{bus.address(), data};
+  WebClient web{server};
+};
+
+}  // namespace standin::testing
