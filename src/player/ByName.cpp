@@ -90,6 +90,7 @@ base::Record NowOf(WMP9& control) {
   info("artist", "Artist");
   info("album", "Album");
   info("albumArtist", "WM/AlbumArtist");
+  info("streamTitle", "StreamTitle");
   add("queueMark", [&] { return static_cast<double>(control.queueMark()); });
   add("place", [&] { return control.queuePlace(); });
   const PlaylistRef queue = control.queue();

@@ -62,6 +62,7 @@ PlayerNow PlayerNowOf(const base::Value& record, std::int64_t at) {
   now.at = at;
   now.known = true;
   std::string source;
+  std::string onAir;
   const auto number = &base::ToDouble;
   const auto whole = &base::ToInt32;
   const auto flag = &base::ToBoolean;
@@ -84,6 +85,7 @@ PlayerNow PlayerNowOf(const base::Value& record, std::int64_t at) {
     if (key == "album") now.album = text(value);
     if (key == "albumArtist") now.albumArtist = text(value);
     if (key == "source") source = text(value);
+    if (key == "streamTitle") onAir = text(value);
     if (key == "queueName") now.from = text(value);
     if (key == "queueMark") now.queue = QueueName(static_cast<std::int64_t>(number(value)));
     if (key == "place") now.place = whole(value);
@@ -99,6 +101,10 @@ PlayerNow PlayerNowOf(const base::Value& record, std::int64_t at) {
     now.duration = 0;
   } else if (!source.empty()) {
     now.item = MarkOf(now.title, source);
+  }
+  if (!onAir.empty()) {  // what the station plays, and below it the station
+    now.artist = now.title;
+    now.title = onAir;
   }
   return now;
 }
