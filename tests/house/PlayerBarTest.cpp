@@ -151,6 +151,7 @@ TEST_P(PlayerBarOfSomeWidth, ARowOfAnAlbumPlaysOnFromThereAndTheQueueShowsIt) {
   listener.browser.click("//aside//button[@aria-label='Next']");
   EXPECT_TRUE(listener.plays("Three"));
   EXPECT_TRUE(Eventually([&] { return listener.marked() == "Three"; }));
+  listener.browser.run("document.querySelector('[data-index=\"0\"]').scrollIntoView({block: 'center'})");
   listener.browser.click("//li[@data-index='0']//button[@aria-label='Play One']");
   EXPECT_TRUE(listener.plays("One"));
   EXPECT_TRUE(house.textBecomes("Title", "One")) << "the devices follow";
