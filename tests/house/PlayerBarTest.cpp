@@ -60,13 +60,16 @@ class Listener {
         "return document.querySelector('.long-row:has(.beat) .row-name')?.textContent ?? null");
   }
   /// Where the page says that the item is, as seconds of this machine's clock at which it was at its
-  /// beginning: looked at when the page's own clock turns.
+  /// beginning: looked at whenever the page's own clock turns. A page that has no time turns late and never
+  /// early, so the earliest of some turns counts.
   double beganAt() {
     const json turned = browser.runAsync(
         "const done = arguments[0]; const clock = document.querySelector('#player-bar .passed');"
-        "const look = new MutationObserver(() => { look.disconnect();"
+        "const all = [];"
+        "const look = new MutationObserver(() => {"
         "  const [minutes, seconds] = clock.textContent.split(':').map(Number);"
-        "  done(Date.now() / 1000 - minutes * 60 - seconds); });"
+        "  if (all.push(Date.now() / 1000 - minutes * 60 - seconds) < 6) return;"
+        "  look.disconnect(); done(Math.min(...all)); });"
         "look.observe(clock, {childList: true, characterData: true, subtree: true})");
     return turned.get<double>();
   }
