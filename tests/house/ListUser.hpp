@@ -77,8 +77,11 @@ class ListUser {
  private:
   Json middle(int row, const std::string& part) {
     return browser.run(
-        "const box = document.querySelector(`[data-index=\"${arguments[0]}\"] "
-        "${arguments[1]}`).getBoundingClientRect();"
+        "const part = document.querySelector(`[data-index=\"${arguments[0]}\"] ${arguments[1]}`);"
+        // A row may lie behind the player's bar.
+        "const held = document.querySelector('.dragging');"
+        "if (!held) document.querySelector('.long').scrollIntoView({block: 'center'});"
+        "const box = part.getBoundingClientRect();"
         "return [Math.round(box.x + box.width / 2), Math.round(box.y + box.height / 2)]",
         {row, part});
   }

@@ -395,7 +395,7 @@ TEST_F(PlayerBar, ThePageCanBeInstalledAndSaysWhenTheHouseIsSilent) {
   const json manifest = support::JsonOf(house.get("/app.webmanifest"));
   EXPECT_EQ(manifest.at("display"), "standalone");
   for (const json& icon : manifest.at("icons"))
-    EXPECT_FALSE(house.get(icon.at("src").get<std::string>()).empty()) << icon;
+    EXPECT_FALSE(house.get("/" + icon.at("src").get<std::string>()).empty()) << icon;
   ASSERT_TRUE(listener.browser.eventually("return Boolean(navigator.serviceWorker.controller)"));
   EXPECT_EQ(listener.browser.runAsync(
                 "const done = arguments[0]; caches.keys().then(names => Promise.all(names.map(name => "

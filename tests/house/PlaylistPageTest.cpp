@@ -252,8 +252,7 @@ TEST_F(PlaylistInABrowser, ListsAreMadeFilledRenamedAndDeleted) {
   EXPECT_TRUE(
       user.browser.eventually("return document.querySelector('h2')?.textContent === arguments[0]", {kOdd}));
   user.browser.click("//button[text()='Add titles']");
-  user.browser.click(
-      "//div[contains(@class,'long-row')]//button[@title='Counting'] | //li//button[@title='Counting']");
+  user.browser.click("//li[contains(@class,'tile')]//a[contains(., 'Counting')]");
   user.browser.click("//button[@aria-label='Add Two to a playlist']");
   EXPECT_TRUE(user.toasts("Added Two to"));
   user.browser.click("//button[text()='Done']");
@@ -307,7 +306,8 @@ TEST_F(PlaylistInABrowser, AGuestLooksAndHasNothingToChangeItWith) {
 TEST_F(PlaylistInABrowser, TheLibraryIsDrivenByKeysAlone) {
   ListUser user(house, 1280);
   user.open("Album");
-  ASSERT_TRUE(user.shows({"Counting"}));
+  const std::string shown = "return document.querySelector('.tile .tile-name')?.textContent === 'Counting'";
+  ASSERT_TRUE(user.browser.eventually(shown));
   const auto focused = [&](const std::string& test) {
     return user.browser.eventually("const at = document.activeElement; return " + test);
   };
@@ -320,10 +320,10 @@ TEST_F(PlaylistInABrowser, TheLibraryIsDrivenByKeysAlone) {
   EXPECT_TRUE(focused("at.textContent === 'Artists' && at.getAttribute('aria-selected') === 'true'"));
   user.browser.press({kRight});
   EXPECT_TRUE(focused("at.textContent === 'Albums'"));
-  ASSERT_TRUE(user.shows({"Counting"}));
+  ASSERT_TRUE(user.browser.eventually(shown));
   user.browser.run("document.querySelector('#library-search').focus()");
   user.browser.press({kDown});
-  EXPECT_TRUE(focused("at.title === 'Counting'"));
+  EXPECT_TRUE(focused("at.querySelector('.tile-name')?.textContent === 'Counting'"));
   user.browser.press({kEnter});
   EXPECT_TRUE(
       user.browser.eventually("return document.querySelectorAll('.long-row .row-name').length === 5"));

@@ -193,7 +193,11 @@ TEST_P(LibraryInAWindow, NamesOfEveryKindAreTexts) {
   EXPECT_EQ(text("#found-MediaLibrary-0 .row-facts"), std::string(kTurned) + " · " + kOdd);
   browser.click("//li[@id='found-MediaLibrary-0']//button[@title='Play']");
   EXPECT_TRUE(plugin.heard("Play URL///music/" + std::string(kTurned) + "/" + kOdd));
-  EXPECT_EQ(browser.run("return window.evil === undefined && !document.querySelector('#page img')"), true);
+  EXPECT_EQ(
+      browser.run(
+          "return window.evil === undefined && [...document.querySelectorAll('#page img')].every("
+          "(each) => each.getAttribute('src').startsWith('/api/cover?') && !each.hasAttribute('onerror'))"),
+      true);
 }
 
 TEST_P(LibraryInAWindow, IsThereForEveryReader) {

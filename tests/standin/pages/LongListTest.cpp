@@ -153,15 +153,17 @@ TEST_F(LongLists, AHundredThousandNamesAreShownSearchedAndWalkedThrough) {
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('#plugin-state').textContent === 'Player ready'"));
   open(browser, "Album");
-  RecordProperty("ms_until_shown", timeUntil(browser, kShown));
+  RecordProperty("ms_until_shown",
+                 timeUntil(browser, "return document.querySelectorAll('.tile .tile-name').length > 5"));
   EXPECT_TRUE(
       browser.eventually("return document.querySelector('.library-count').textContent === '100,000 albums'"));
   EXPECT_TRUE(
       browser.eventually("return performance.getEntriesByName(location.origin + '/api/state').length > 1"));
   browser.run("document.querySelector('#library-search').focus()");
   browser.press({kDown, kEnd});
-  EXPECT_TRUE(hasFocus(browser, "Album 99999"));
-  EXPECT_LT(rows(browser), 60);
+  EXPECT_TRUE(browser.eventually(
+      "return document.activeElement.querySelector('.tile-name')?.textContent === 'Album 99999'"));
+  EXPECT_LT(browser.run("return document.querySelectorAll('.tile').length"), 60);
   browser.type("//input[@id='library-search']", "99998");
   RecordProperty(
       "ms_until_found",
