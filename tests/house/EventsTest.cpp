@@ -104,7 +104,7 @@ TEST_F(Events, RunWhenPlaybackEndsAndHistorySaysWhatTheySaw) {
   ASSERT_EQ(run["actions"].size(), 2U);
   EXPECT_EQ(run["actions"][0]["failure"], "");
   EXPECT_EQ(run["actions"][1]["failure"], "There is no sound device");
-  EXPECT_TRUE(house.textBecomes("Mute", "Muted"));
+  EXPECT_TRUE(house.textBecomes("Mute", "Muted")) << run << house.text("Mute") << house.log();
   EXPECT_TRUE(house.logHas("Speech: Good night"));
 }
 

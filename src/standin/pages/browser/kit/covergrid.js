@@ -22,6 +22,7 @@ export class CoverGrid {
   #space;
   #tiles = new Map();  // the elements in sight, by index
   #active = 0;
+  #awaited = -1;       // the tile that is to have the focus
   #columns = 1;
   #width = kWide;
   #moving = false;
@@ -35,6 +36,7 @@ export class CoverGrid {
     this.node = el('div', {class: 'long grid'}, this.#space);
     this.node.addEventListener('scroll', () => this.#scrolled(), {passive: true});
     this.node.addEventListener('focusin', (event) => {
+      this.#awaited = -1;
       const tile = event.target.closest('.tile');
       if (tile) this.#activate(Number(tile.dataset.index));
     });
@@ -164,6 +166,7 @@ export class CoverGrid {
       tile.picture = picture;
       render(content, tile);
       this.#mark(tile, index);
+      if (index === this.#awaited) this.#giveFocus();
     }
     if (!this.#moving && tile.picture) this.#draw(tile);
   }
@@ -196,7 +199,16 @@ export class CoverGrid {
     if (top + this.#height > node.scrollTop + node.clientHeight) node.scrollTop = top + this.#height - node.clientHeight;
     this.#activate(at);
     this.#show();
-    this.#tiles.get(at).querySelector('a, button')?.focus({preventScroll: true});
+    this.#awaited = at;
+    this.#giveFocus();
+  }
+
+  /** What is far off has to be read first; its tile gets the focus when it is there, unless that has gone elsewhere. */
+  #giveFocus() {
+    const link = this.#tiles.get(this.#awaited)?.querySelector('a, button');
+    if (!link) return;
+    this.#awaited = -1;
+    link.focus({preventScroll: true});
   }
 
   #key(event) {
