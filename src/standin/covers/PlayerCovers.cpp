@@ -43,12 +43,11 @@ bool Takes(const base::ObjectRef& media, const std::string& mark, const PlayerCo
 PlayerCovers::PlayerCovers(bus::Connection& connection, PluginKeeper& plugin, House& house,
                            PluginKeeper::Address address)
     : connection_(connection), plugin_(plugin), house_(house), address_(std::move(address)) {
-  house.onDevice = [&house, &plugin, others = std::move(house.onDevice)](const Device& device) {
-    others(device);
+  house.deviceListeners.emplace_back([&house, &plugin](const Device& device) {
     const bool tellsOfIt = device.fullName().ends_with(" Album") || device.fullName().ends_with(" Title");
     if (tellsOfIt && !plugin.name().empty() && device.interface == plugin.name())
       house.live.tell("cover", "{}");
-  };
+  });
 }
 
 void PlayerCovers::find(const CoverWish& wish, Known known, Found found) {
