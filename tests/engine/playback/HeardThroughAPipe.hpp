@@ -6,39 +6,31 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <condition_variable>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <future>
+#include <limits>
+#include <mutex>
 #include <thread>
 #include <vector>
 
 namespace engine::testing {
 
-/// Hears what is written to a pipe: slower than it sounds until `flow`, so that a short track lasts as long
-/// as it does for a listener, then as fast as it comes.
+/// Hears what is written to a pipe: slower than it sounds, so that a short track lasts as long as it does for
+/// a listener; as fast as it comes as far as `upTo` has told, and all of it after `flow`. It never stands
+/// still, as the decoder answers nothing while it can't write.
 class HeardThroughAPipe {
  public:
   /// `pace`: bytes in 40 milliseconds at most.
   HeardThroughAPipe(const std::filesystem::path& pipe, const std::filesystem::path& file,
-                    std::size_t pace = 1024) {
+                    std::size_t pace = 4096) {
     EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     // Small before anybody writes: a pipe as it comes holds more than the first track.
     const int end = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     EXPECT_EQ(fcntl(end, F_SETPIPE_SZ, 4096), 4096);
     EXPECT_EQ(fcntl(end, F_SETFL, 0), 0);
-    reader_ = std::thread([this, end, file, pace, flows = flows_.get_future()] {
-      std::ofstream heard(file, std::ios::binary);
-      std::vector<char> bytes(pace);
-      pollfd written{end, POLLIN, 0};
-      poll(&written, 1, 240'000);  // until there is a writer
-      for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;) {
-        heard.write(bytes.data(), count);
-        last_ = std::chrono::steady_clock::now();
-        if ((total_ += count) > kHead && first_ == Time()) first_ = last_;
-        flows.wait_for(std::chrono::milliseconds(40));
-      }
-      close(end);
-    });
+    reader_ = std::thread([this, end, file, pace] { hear(end, file, pace); });
   }
   ~HeardThroughAPipe() {
     if (!flowing_) flow();
@@ -51,7 +43,15 @@ class HeardThroughAPipe {
 
   void flow() {
     flowing_ = true;
-    flows_.set_value();
+    upTo(std::numeric_limits<double>::max());
+  }
+  /// That many seconds of the whole may be heard at once.
+  void upTo(double seconds) {
+    {
+      const std::lock_guard lock(mutex_);
+      allowed_ = seconds;
+    }
+    more_.notify_one();
   }
   /// Returns when all has been heard.
   void end() { reader_.join(); }
@@ -62,13 +62,35 @@ class HeardThroughAPipe {
   [[nodiscard]] Time last() const { return last_; }
 
  private:
-  static constexpr ssize_t kHead = 200;  // of the file, which comes before there is any sound
+  static constexpr ssize_t kHead = 200;     // of the file, which comes before there is any sound
+  static constexpr std::size_t kRate = 28;  // where the head tells the bytes a second
 
-  ssize_t total_ = 0;  // the reader's own, until it ends
+  void hear(int end, const std::filesystem::path& file, std::size_t pace) {
+    std::ofstream heard(file, std::ios::binary);
+    std::vector<char> bytes(pace);
+    std::uint32_t rate = 0;
+    pollfd written{end, POLLIN, 0};
+    poll(&written, 1, 240'000);  // until there is a writer
+    for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;) {
+      heard.write(bytes.data(), count);
+      if (total_ == 0 && static_cast<std::size_t>(count) >= kRate + sizeof rate)
+        std::memcpy(&rate, bytes.data() + kRate, sizeof rate);
+      last_ = std::chrono::steady_clock::now();
+      if ((total_ += count) > kHead && first_ == Time()) first_ = last_;
+      std::unique_lock lock(mutex_);
+      more_.wait_for(lock, std::chrono::milliseconds(40),
+                     [&] { return static_cast<double>(total_) < allowed_ * rate; });
+    }
+    close(end);
+  }
+
+  std::mutex mutex_;
+  std::condition_variable more_;
+  double allowed_ = 0;  ///< seconds that may be heard at once
+  ssize_t total_ = 0;   // the reader's own, until it ends
   Time first_;
   Time last_;
   bool flowing_ = false;
-  std::promise<void> flows_;
   std::thread reader_;
 };
 
