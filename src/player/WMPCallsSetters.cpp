@@ -34,13 +34,20 @@ void WMPCalls::SetMute(const Value& value) {
     settings.mute(Wanted(value, [&] { return settings.mute(); }));
   });
   step([&] { loop_.pump(); });
-  // Published is what the player says now, not what was asked of it.
-  bool muted = false;
-  step([&] { muted = form_.settings().mute(); });
+  // Published is what the player says now, not what was asked of it. It is asked again for each: while the
+  // host answers, an event may have changed it and told so, which must not be told over.
+  const auto muted = [&] {
+    bool now = false;
+    step([&] { now = form_.settings().mute(); });
+    return now;
+  };
   const std::string device = plugin::DeviceName("Mute");
-  step([&] { host_.SetDeviceStatus(host_.GetDeviceCode(device), muted ? kStatusOn : kStatusOff); });
   step([&] {
-    host_.SetDeviceStringByName(device, state_.AlbumIconTag + (muted ? "Muted" : "Not Muted"), true);
+    const std::string code = host_.GetDeviceCode(device);
+    host_.SetDeviceStatus(code, muted() ? kStatusOn : kStatusOff);
+  });
+  step([&] {
+    host_.SetDeviceStringByName(device, state_.AlbumIconTag + (muted() ? "Muted" : "Not Muted"), true);
   });
 }
 

@@ -47,6 +47,28 @@ TEST_F(Setters, MuteReadsThePlayerAfterThePumpHasLetEventsIn) {
   EXPECT_TRUE(published("Mute", "Not Muted"));
 }
 
+TEST_F(Setters, MuteIsNotPublishedOverWhatAnEventHasSetWhileTheHostAnswered) {
+  for (const char* operation : {"GetDeviceCode", "SetDeviceStatus"}) {
+    calls.SetMute(true);
+    journal.clear();
+    bool eventCame = false;
+    host->answers[operation] = [&](base::Args&) {
+      if (!std::exchange(eventCame, true)) calls.SetMute(true);
+      return base::Value("Q9");
+    };
+    calls.SetMute(false);
+    host->answers.clear();
+    EXPECT_TRUE(wmp9->muted);
+    EXPECT_THAT(journal.lines().back(), ::testing::HasSubstr("Muted\", True)")) << operation;
+    EXPECT_THAT(journal.lines().back(), ::testing::Not(::testing::HasSubstr("Not Muted"))) << operation;
+    const auto& lines = journal.lines();
+    const auto last = std::find_if(lines.rbegin(), lines.rend(), [](const std::string& line) {
+      return line.starts_with("SetDeviceStatus");
+    });
+    EXPECT_EQ(*last, "SetDeviceStatus(\"Q9\", 2)") << operation;
+  }
+}
+
 TEST_F(Setters, AValueThatIsNoneLeavesThePresentOne) {
   calls.SetMute(true);
   calls.SetMute("maybe");
