@@ -1,6 +1,7 @@
 #include "engine/library/Lists.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/Failure.hpp"
 #include "engine/common/EraseAt.hpp"
@@ -84,8 +85,10 @@ void ListPlaylist::removeItems(const std::vector<std::int32_t>& places) {
   checkPlaces(places);
   EraseAt(own(), places);
   std::vector<ListStep> steps;
-  for (auto place = places.rbegin(); place != places.rend(); ++place)
-    steps.push_back({static_cast<std::size_t>(*place), 1, 0});
+  steps.reserve(places.size());
+  std::transform(places.rbegin(), places.rend(), std::back_inserter(steps), [](std::int32_t place) {
+    return ListStep{static_cast<std::size_t>(place), 1, 0};
+  });
   tell(steps);
 }
 

@@ -15,13 +15,13 @@ constexpr std::int32_t kPlayStatePlaying = 3;
 class Wake : public Deed {
  public:
   Wake(base::Loop& loop, PluginCalls& plugin, WakeWords say, WakeMemory& memory,
-       std::shared_ptr<RepeatGuard> guard, const WakeAction& action, EventWorld::Done done)
+       std::shared_ptr<RepeatGuard> guard, WakeAction action, EventWorld::Done done)
       : loop_(loop),
         plugin_(plugin),
         say_(std::move(say)),
         memory_(memory),
         guard_(std::move(guard)),
-        action_(action),
+        action_(std::move(action)),
         done_(std::move(done)),
         timer_(loop.makeTimer(kLookEvery, [this] { tick(); })) {}
   ~Wake() override {
