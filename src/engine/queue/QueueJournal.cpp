@@ -169,6 +169,7 @@ bool QueueJournal::wantsWhole() const {
 }
 
 void QueueJournal::begin(const KeptQueue& queue) {
+  broken_ = true;  // unless it goes well: what is appended from now on belongs to this queue and to no other
   std::string text(kHeader);
   AddFramed(text, EncodedQueue(queue));
   if (static_cast<std::int64_t>(text.size()) > kMostBytes)

@@ -28,7 +28,8 @@ class QueueJournal {
   /// and told.
   std::optional<KeptQueue> load();
 
-  /// Throws as `files::WriteAll`; then what was kept before stays.
+  /// Throws as `files::WriteAll`, or 5 for a list that is too long; then what was kept before stays as it is,
+  /// and only a whole queue can be written.
   void begin(const KeptQueue& queue);
   /// Throws as `files::WriteAll`; then only a whole queue can be written.
   void append(std::string_view record);

@@ -174,6 +174,58 @@ TEST_F(QueueFile, OnceThereIsRoomAgainItIsKeptAsItIsThen) {
   EXPECT_THAT(QueueHouse(root.path()).sources(), ElementsAre("/b", "/a"));
 }
 
+/// A disk with room for small records and for no long list.
+class QueueFileWithLittleRoom : public QueueFile {
+ protected:
+  files::WriteCall write() {
+    return [this](int file, const void* bytes, std::size_t size) -> ssize_t {
+      if (!little || size <= 1024) return ::write(file, bytes, size);
+      errno = ENOSPC;
+      return -1;
+    };
+  }
+  static std::vector<std::string> album() {
+    std::vector<std::string> addresses;
+    for (int i = 0; i < 100; ++i) addresses.push_back("/album/" + std::to_string(i));
+    return addresses;
+  }
+
+  bool little = false;
+};
+
+TEST_F(QueueFileWithLittleRoom, AQueueThatDidNotFitIsNeverMixedWithTheOneBefore) {
+  for (const bool roomAgain : {false, true}) {
+    little = false;
+    fs::remove_all(root.path() / "kept");
+    {
+      QueueHouse house(root.path(), write());
+      house.play({"/a", "/b", "/c", "/d", "/e"});
+      house.pass();
+      little = true;
+      ++house.mark;
+      const auto list = house.play(album());
+      list->moveItem(90, 1);
+      list->moveItem(1, 0);  // such places are in the queue before as well
+      house.playback.next();
+      house.pass();
+      EXPECT_THAT(house.messages, SizeIs(1));
+      if (roomAgain) {
+        little = false;
+        list->moveItem(0, 2);
+      }
+    }
+    QueueHouse house(root.path());
+    EXPECT_THAT(house.messages, IsEmpty());
+    if (roomAgain) {
+      ASSERT_EQ(house.sources().size(), 100U);
+      ASSERT_EQ(house.sources()[2], "/album/90");
+    } else {
+      EXPECT_THAT(house.sources(), ElementsAre("/a", "/b", "/c", "/d", "/e"));
+      EXPECT_EQ(house.current(), "/a");
+    }
+  }
+}
+
 TEST_F(QueueFile, WithoutAFolderToWriteInItIsToldOnce) {
   WriteText(root.path() / "kept", "a file where the folder should be");
   QueueHouse house(root.path());
