@@ -111,7 +111,11 @@ void QueueList::removeItems(const std::vector<std::int32_t>& places) {
 }
 
 void QueueList::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {
+  const std::int32_t place = parts_.shown() ? playback_.place() : -1;
+  const std::int32_t placeThen = oldIndex < place ? place - 1 : place;
+  const bool next = place >= 0 && oldIndex != place && newIndex == placeThen + 1;
   change(1, [&](ListPlaylist& list) { list.moveItem(oldIndex, newIndex); });
+  if (next) playback_.comeNext(newIndex, 1);
 }
 
 }  // namespace engine

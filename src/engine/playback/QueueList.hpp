@@ -35,7 +35,7 @@ class QueueList : public player::Playlist, public player::ManyOut {
   [[nodiscard]] player::MediaRef item(std::int32_t index) const override;
   void appendItem(const player::MediaRef& media) override { insertItem(count(), media); }
   void insertItem(std::int32_t index, const player::MediaRef& media) override;
-  /// What is put in right behind the current item is played next, in shuffled order too.
+  /// What is put in right behind the current item, or moved there, is played next, in shuffled order too.
   void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override;
   void removeItem(const player::MediaRef& media) override;
   void removeItems(const std::vector<std::int32_t>& places) override;

@@ -1,6 +1,7 @@
 #include "engine/playback/ShuffleOrder.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace engine {
@@ -49,14 +50,14 @@ void ShuffleOrder::renumber(const std::vector<int>& to, int count) {
 
 void ShuffleOrder::comeNext(int first, int count) {
   if (round_.empty()) return;
-  const auto among = [&](int number) { return number >= first && number < first + count; };
-  // Those that have had their turn keep their places in the way back.
+  const int now = current();
+  const auto among = [&](int number) { return number >= first && number < first + count && number != now; };
   std::vector<int> wanted;
-  for (std::size_t i = place_ + 1; i < round_.size(); ++i)
-    if (among(round_[i])) wanted.push_back(round_[i]);
+  std::copy_if(round_.begin(), round_.end(), std::back_inserter(wanted), among);
   std::sort(wanted.begin(), wanted.end());
-  const auto behind = round_.begin() + static_cast<std::ptrdiff_t>(place_) + 1;
-  round_.erase(std::remove_if(behind, round_.end(), among), round_.end());
+  const auto place = round_.begin() + static_cast<std::ptrdiff_t>(place_);
+  place_ -= static_cast<std::size_t>(std::count_if(round_.begin(), place, among));
+  std::erase_if(round_, among);
   round_.insert(round_.begin() + static_cast<std::ptrdiff_t>(place_) + 1, wanted.begin(), wanted.end());
 }
 

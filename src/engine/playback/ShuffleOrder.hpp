@@ -17,7 +17,7 @@ class ShuffleOrder {
   /// gone. The round goes on with what is left of it; numbers that are new come at some later place in it.
   void renumber(const std::vector<int>& to, int count);
 
-  /// These numbers come next, in this order.
+  /// These numbers come next, in this order, also those that have had their turn in this round.
   void comeNext(int first, int count);
 
   /// The number at the present place, -1 when there are none or it has gone.

@@ -59,6 +59,35 @@ TEST_F(Queue, ShuffledWhatIsPutInBehindTheCurrentItemIsPlayedNextAllTheSame) {
   }
 }
 
+TEST_F(Queue, ShuffledWhatIsMovedBehindTheCurrentItemIsPlayedNext) {
+  for (const std::int32_t from : {0, 1, 2, 3, 4, 5, 6, 7}) {
+    play({"/a", "/b", "/c", "/d", "/e", "/f", "/g", "/h"});
+    playback.shuffle(true);
+    for (int turn = 0; turn < 4; ++turn) {  // some have had their turn by then
+      const std::int32_t place = playback.place();
+      if (from != place) {
+        const std::string moved = "/" + queue.item(from)->name();
+        queue.moveItem(from, from < place ? place : place + 1);
+        EXPECT_EQ(output.appended, moved) << "from " << from << " behind " << place;
+      }
+      end();
+    }
+    playback.shuffle(false);
+  }
+}
+
+TEST_F(Queue, ShuffledAMoveToAnywhereElseLeavesTheOrderAsItIs) {
+  play({"/a", "/b", "/c", "/d", "/e", "/f", "/g", "/h"});
+  playback.shuffle(true);
+  const std::string next = output.appended;
+  const std::int32_t place = playback.place();
+  queue.moveItem(place, place == 0 ? 1 : place - 1);  // what plays itself
+  EXPECT_EQ(output.appended, next);
+  const std::int32_t now = playback.place();
+  queue.moveItem(now < 4 ? 7 : 0, now < 4 ? 6 : 1);
+  EXPECT_EQ(output.appended, next);
+}
+
 TEST_F(Queue, ChangesLeaveTheListThatWasChosenAsItWas) {
   const auto chosen = list({"/a", "/b", "/c"});
   playback.assign(chosen);

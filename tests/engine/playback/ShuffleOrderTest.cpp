@@ -50,6 +50,25 @@ TEST(ShuffleOrder, TheWayBackIsTheWayThatWasGone) {
   EXPECT_EQ(order.preceding(), first);
 }
 
+TEST(ShuffleOrder, WhatIsToComeNextDoesAlsoAfterItHasHadItsTurn) {
+  for (std::uint32_t seed = 0; seed < 50; ++seed) {
+    ShuffleOrder order(seed);
+    order.restart(6, 1);
+    for (int turn = 0; turn < 3; ++turn) order.moveTo(*order.following(false));
+    const int now = order.current();
+    order.comeNext(1, 2);
+    EXPECT_EQ(order.current(), now);
+    std::vector<int> rest;
+    while (const auto next = order.following(false)) {
+      rest.push_back(*next);
+      order.moveTo(*next);
+    }
+    EXPECT_EQ(rest.front(), now == 1 ? 2 : 1);
+    EXPECT_EQ(rest[1], now == 1 || now == 2 ? rest[1] : 2);
+    EXPECT_EQ(std::set<int>(rest.begin(), rest.end()).size(), rest.size());
+  }
+}
+
 TEST(ShuffleOrder, NewNumbersComeLaterInTheRound) {
   ShuffleOrder order(9);
   order.restart(2, 0);
