@@ -37,15 +37,29 @@ void ShuffleOrder::renumber(const std::vector<int>& to, int count) {
     if (number >= 0) known[static_cast<std::size_t>(number)] = true;
     if (number >= 0 || i == place_) round.push_back(number);
   }
-  for (int number = 0; number < count; ++number) {
-    if (known[static_cast<std::size_t>(number)]) continue;
-    std::uniform_int_distribution<std::size_t> later(place + 1, round.size());
-    round.insert(round.begin() + static_cast<std::ptrdiff_t>(later(random_)), number);
-  }
+  std::vector<int> added;
+  for (int number = 0; number < count; ++number)
+    if (!known[static_cast<std::size_t>(number)]) added.push_back(number);
+  mixIn(round, place + 1, std::move(added));
   round_ = std::move(round);
   nextRound_.clear();
   place_ = place;
   count_ = count;
+}
+
+void ShuffleOrder::mixIn(std::vector<int>& round, std::size_t from, std::vector<int> added) {
+  if (added.empty()) return;
+  std::shuffle(added.begin(), added.end(), random_);
+  std::vector<int> mixed(round.begin(), round.begin() + static_cast<std::ptrdiff_t>(from));
+  mixed.reserve(round.size() + added.size());
+  std::size_t old = from;
+  std::size_t fresh = 0;
+  while (old < round.size() || fresh < added.size()) {
+    // Each of the rest is as likely to come now as any other.
+    std::uniform_int_distribution<std::size_t> rest(1, round.size() - old + added.size() - fresh);
+    mixed.push_back(rest(random_) <= round.size() - old ? round[old++] : added[fresh++]);
+  }
+  round = std::move(mixed);
 }
 
 void ShuffleOrder::comeNext(int first, int count) {

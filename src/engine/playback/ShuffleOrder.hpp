@@ -31,6 +31,8 @@ class ShuffleOrder {
 
  private:
   std::vector<int> shuffled(int count);
+  /// Puts the numbers anywhere behind that place; those of the round keep their order.
+  void mixIn(std::vector<int>& round, std::size_t from, std::vector<int> added);
 
   std::mt19937 random_;
   int count_ = 0;

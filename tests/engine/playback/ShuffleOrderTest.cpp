@@ -2,10 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <numeric>
 #include <set>
+#include <vector>
 
 namespace engine {
 namespace {
+
+/// What comes behind the present place in its round.
+std::vector<int> RestOf(ShuffleOrder& order) {
+  std::vector<int> rest;
+  while (const auto next = order.following(false)) {
+    rest.push_back(*next);
+    order.moveTo(*next);
+  }
+  return rest;
+}
 
 TEST(ShuffleOrder, ARoundHoldsEveryNumberOnce) {
   ShuffleOrder order(3);
@@ -58,11 +72,7 @@ TEST(ShuffleOrder, WhatIsToComeNextDoesAlsoAfterItHasHadItsTurn) {
     const int now = order.current();
     order.comeNext(1, 2);
     EXPECT_EQ(order.current(), now);
-    std::vector<int> rest;
-    while (const auto next = order.following(false)) {
-      rest.push_back(*next);
-      order.moveTo(*next);
-    }
+    const std::vector<int> rest = RestOf(order);
     EXPECT_EQ(rest.front(), now == 1 ? 2 : 1);
     EXPECT_EQ(rest[1], now == 1 || now == 2 ? rest[1] : 2);
     EXPECT_EQ(std::set<int>(rest.begin(), rest.end()).size(), rest.size());
@@ -73,12 +83,29 @@ TEST(ShuffleOrder, NewNumbersComeLaterInTheRound) {
   ShuffleOrder order(9);
   order.restart(2, 0);
   order.renumber({0, 1}, 6);
-  std::set<int> seen{order.current()};
-  while (const auto next = order.following(false)) {
-    seen.insert(*next);
-    order.moveTo(*next);
-  }
-  EXPECT_EQ(seen.size(), 6U);
+  std::vector<int> seen = RestOf(order);
+  std::sort(seen.begin(), seen.end());
+  EXPECT_EQ(seen, (std::vector<int>{1, 2, 3, 4, 5}));
+}
+
+TEST(ShuffleOrder, ManyNewNumbersLieEvenlyAmongTheOldOnesWhichKeepTheirOrder) {
+  constexpr int kOld = 4000;
+  constexpr int kNew = 1000;
+  ShuffleOrder one(9);
+  ShuffleOrder other(9);
+  for (ShuffleOrder* order : {&one, &other}) order->restart(kOld, 0);
+  std::vector<int> same(kOld);
+  std::iota(same.begin(), same.end(), 0);
+  one.renumber(same, kOld + kNew);
+  EXPECT_EQ(one.current(), 0);
+  const std::vector<int> with = RestOf(one);
+  ASSERT_EQ(with.size(), std::size_t{kOld + kNew - 1});
+  std::vector<int> old;
+  std::copy_if(with.begin(), with.end(), std::back_inserter(old), [](int number) { return number < kOld; });
+  EXPECT_EQ(old, RestOf(other));
+  const auto middle = with.begin() + static_cast<std::ptrdiff_t>(with.size() / 2);
+  const auto early = std::count_if(with.begin(), middle, [](int number) { return number >= kOld; });
+  EXPECT_NEAR(static_cast<double>(early), kNew / 2.0, kNew / 10.0);
 }
 
 TEST(ShuffleOrder, AShrunkenRoundKeepsItsPlace) {
@@ -99,12 +126,9 @@ TEST(ShuffleOrder, WhatCameAfterANumberThatHasGoneIsNotPassedOver) {
   order.restart(4, 2);
   order.renumber({0, 1, -1, 2}, 3);
   EXPECT_EQ(order.current(), -1);
-  std::set<int> seen;
-  while (const auto next = order.following(false)) {
-    seen.insert(*next);
-    order.moveTo(*next);
-  }
-  EXPECT_EQ(seen, (std::set<int>{0, 1, 2}));
+  std::vector<int> seen = RestOf(order);
+  std::sort(seen.begin(), seen.end());
+  EXPECT_EQ(seen, (std::vector<int>{0, 1, 2}));
 }
 
 TEST(ShuffleOrder, ARoundGoesOnUnderOtherNumbers) {
