@@ -136,6 +136,20 @@ TEST_F(PlaylistInABrowser, TitlesAreMovedAndRemovedByKeysAlone) {
   EXPECT_TRUE(user.shows({"Two", "Three", "Four", "Five"})) << testing::PrintToString(user.titles());
 }
 
+TEST_F(PlaylistInABrowser, IsShownAsItIsWhenEachReadingTakesLongerThanTheNewsOfTheChange) {
+  ListUser user(house, 1280);
+  user.openList("Mine");
+  user.focus(0);
+  user.browser.run(
+      "const real = window.fetch;"
+      "window.fetch = (...all) => String(all[0]).startsWith('/api/playlist?')"
+      "  ? new Promise((done) => setTimeout(done, 300)).then(() => real(...all)) : real(...all)");
+  user.chord({kAlt, kEnd});
+  ASSERT_TRUE(isStored({"Two", "Three", "Four", "Five", "One"}));
+  user.chord({kControl, "z"});
+  EXPECT_TRUE(user.shows({"One", "Two", "Three", "Four", "Five"})) << testing::PrintToString(user.titles());
+}
+
 TEST_F(PlaylistInABrowser, OfTwoAlikeTheVeryOneIsTaken) {
   addTitle("One");
   addTitle("Two");

@@ -3,6 +3,7 @@ import {el} from '../kit/dom.js';
 import {html, render} from '../kit/html.js';
 import {later, whileShown} from '../kit/lasting.js';
 import {longList} from '../kit/longlist.js';
+import {oneAtATime} from '../kit/onetime.js';
 import {reorder} from '../kit/reorder.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
@@ -33,6 +34,7 @@ export class PlaylistPage {
   #draw;    // and what a late answer brings, while the address is this page's
   #show;
   #isGone;
+  #readOnce = oneAtATime(() => this.#read());
 
   constructor(body, context, name, edit) {
     this.#body = body;
@@ -152,12 +154,14 @@ export class PlaylistPage {
     }
   }
 
-  async #refresh() {
+  #refresh() {
+    if (!this.#drag.active()) return this.#readOnce();
+    this.#changes.late = true;
+    return Promise.resolve();
+  }
+
+  async #read() {
     const changes = this.#changes;
-    if (this.#drag.active()) {
-      changes.late = true;
-      return;
-    }
     changes.late = false;
     try {
       if (await this.#list.refresh()) this.#me.version = this.#answer.version;
