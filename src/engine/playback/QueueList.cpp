@@ -55,15 +55,19 @@ player::MediaRef QueueList::item(std::int32_t index) const {
 }
 
 std::int64_t QueueList::revision() const {
+  countOthers();
+  return revision_;
+}
+
+void QueueList::countOthers() const {
   const Seen now = seen();
   if (!(now == seen_)) ++revision_;
   seen_ = now;
-  return revision_;
 }
 
 template <class Work>
 void QueueList::change(std::int64_t steps, Work work) {
-  revision();  // what others have done so far counts before this
+  countOthers();  // before this
   const player::PlaylistRef list = held();
   if (!list || list != own_) {
     std::vector<player::MediaRef> items;

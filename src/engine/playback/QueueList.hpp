@@ -53,6 +53,8 @@ class QueueList : public player::Playlist, public player::ManyOut {
   };
   [[nodiscard]] player::PlaylistRef held() const;
   [[nodiscard]] Seen seen() const;
+  /// Whatever has changed since the last look was others' doing, and counts as one step.
+  void countOthers() const;
   void insert(std::int32_t index, const std::vector<player::MediaRef>& media);
   /// Has `work` change the player's own list. `steps`: items put in, taken out or moved.
   template <class Work>

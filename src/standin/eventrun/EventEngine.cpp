@@ -182,7 +182,7 @@ std::string EventEngine::order(std::int32_t event, EventTurns::Order order) {
     return {};
   }
   const RuledEvent* found = parts_.rules.byId(event);
-  const std::string why = circleOf(*order.cause);
+  std::string why = circleOf(*order.cause);
   if (!known) parts_.world.note("Warning", "Event “" + (found == nullptr ? "" : found->name) + "”: " + why);
   turnsOf(event).refuse(std::move(order), Outcome::kCircle, why);
   return why;

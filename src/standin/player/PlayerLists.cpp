@@ -172,7 +172,7 @@ base::ObjectRef PlayerLists::media() {
 }
 
 base::ObjectRef PlayerLists::part(const char* name) const {
-  const base::ObjectRef found = base::ToObject(player_->get(name));
+  base::ObjectRef found = base::ToObject(player_->get(name));
   base::Deref(found);
   return found;
 }
