@@ -3,10 +3,12 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <string_view>
+
+#include "pictures/Outline.hpp"
 
 namespace pictures {
 namespace {
@@ -19,41 +21,15 @@ struct Unref {
 using Loader = std::unique_ptr<GdkPixbufLoader, Unref>;
 using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
 
-/// The loader's name for the kind that the first bytes tell, null for any other. What else the machine could
-/// decode (drawings that run code, formats of decades ago) is not let near.
-const char* KindOf(std::string_view bytes) {
-  if (bytes.starts_with("\xFF\xD8\xFF")) return "jpeg";
-  if (bytes.starts_with("\x89PNG\r\n\x1A\n")) return "png";
-  if (bytes.starts_with("GIF8")) return "gif";
-  if (bytes.starts_with("BM")) return "bmp";
-  if (bytes.starts_with("RIFF") && bytes.substr(0, 12).ends_with("WEBP")) return "webp";
-  return nullptr;
-}
-
-/// Whether the picture's end is there. Loaders show what there is of one that is cut off.
-bool IsWhole(std::string_view kind, std::string_view bytes) {
-  if (kind == "jpeg") return bytes.rfind("\xFF\xD9") != std::string_view::npos;
-  if (kind == "png") return bytes.rfind("IEND") != std::string_view::npos;
-  if (kind == "gif") return bytes.rfind(';') != std::string_view::npos;
-  if (bytes.size() < 8) return false;
-  const auto byte = [&](std::size_t at) { return std::size_t{static_cast<unsigned char>(bytes[at])}; };
-  const std::size_t at = kind == "bmp" ? 2 : 4;
-  const std::size_t claimed = byte(at) | byte(at + 1) << 8U | byte(at + 2) << 16U | byte(at + 3) << 24U;
-  return bytes.size() >= (kind == "bmp" ? claimed : claimed + 8);
-}
-
 /// How a picture is to be read.
 struct Wish {
-  Size claimed{};
-  int side = 0;           ///< the longer side; 0 leaves the picture as it is
-  bool headOnly = false;  ///< nothing is unpacked
+  int side = 0;  ///< the longer side; 0 leaves the picture as it is
   bool refused = false;
 };
 
 void OnSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
   auto& wish = *static_cast<Wish*>(data);
-  wish.claimed = {width, height};
-  wish.refused = wish.headOnly || width <= 0 || height <= 0 || width > kMostPixels / height;
+  wish.refused = !WithinBounds({width, height});
   if (wish.refused) {
     // A size of nothing keeps the loader from unpacking.
     gdk_pixbuf_loader_set_size(loader, 0, 0);
@@ -67,12 +43,19 @@ void OnSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
   gdk_pixbuf_loader_set_size(loader, scaled(width), scaled(height));
 }
 
+/// Whether it is whole, and takes no more room and work than a large picture does.
+bool IsFit(const Outline& outline) {
+  constexpr std::int64_t kMostWork = std::int64_t{16} * kMostPixels;
+  return outline.loader != nullptr && outline.whole && WithinBounds(outline.size) &&
+         std::int64_t{outline.passes} * outline.size.width * outline.size.height <= kMostWork;
+}
+
 /// The decoded picture, null for what can't be decoded to its end.
-Pixbuf Decoded(const std::string& bytes, Wish& wish) {
+Pixbuf Decoded(const Outline& outline, const std::string& all, Wish& wish) {
   constexpr std::size_t kPiece = std::size_t{64} << 10U;
-  const char* kind = KindOf(bytes);
-  if (kind == nullptr || bytes.size() > kMostBytes) return nullptr;
-  const Loader loader(gdk_pixbuf_loader_new_with_type(kind, nullptr));
+  if (!IsFit(outline)) return nullptr;
+  const std::string& bytes = outline.still.empty() ? all : outline.still;
+  const Loader loader(gdk_pixbuf_loader_new_with_type(outline.loader, nullptr));
   if (!loader) return nullptr;
   g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSize), &wish);
   bool good = true;
@@ -81,7 +64,7 @@ Pixbuf Decoded(const std::string& bytes, Wish& wish) {
                                    std::min(kPiece, bytes.size() - at), nullptr) != FALSE;
   }
   // Must be closed in any case.
-  good = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE && good && IsWhole(kind, bytes);
+  good = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE && good;
   GdkPixbuf* picture = good && !wish.refused ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
   if (picture == nullptr) return nullptr;
   return Pixbuf(GDK_PIXBUF(g_object_ref(picture)));
@@ -106,22 +89,23 @@ Pixbuf OnWhite(Pixbuf picture) {
 
 }  // namespace
 
-Size SizeOf(const std::string& bytes) {
-  Wish wish;
-  wish.headOnly = true;
-  static_cast<void>(Decoded(bytes, wish));
-  return wish.claimed;
-}
+Size SizeOf(const std::string& bytes) { return OutlineOf(bytes).size; }
 
 bool CanBeShown(const std::string& bytes) {
+  constexpr int kTimesSmaller = 8;  // than it is: the kind's own way of unpacking less
+  if (bytes.size() > kMostBytes) return false;
+  const Outline outline = OutlineOf(bytes);
   Wish wish;
-  return Decoded(bytes, wish) != nullptr;
+  if (std::string_view("jpeg") == (outline.loader != nullptr ? outline.loader : ""))
+    wish.side = std::max(1, std::max(outline.size.width, outline.size.height) / kTimesSmaller);
+  return Decoded(outline, bytes, wish) != nullptr;
 }
 
 std::string Thumbnail(const std::string& bytes, int side) {
+  if (bytes.size() > kMostBytes) return {};
   Wish wish;
   wish.side = side;
-  Pixbuf picture = Decoded(bytes, wish);
+  Pixbuf picture = Decoded(OutlineOf(bytes), bytes, wish);
   if (!picture) return {};
   // Some loaders take no notice of the size that is wished for.
   const int width = gdk_pixbuf_get_width(picture.get());
