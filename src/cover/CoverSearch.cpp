@@ -150,8 +150,7 @@ bool CoverSearch::remote(Pictures& found) {
     return false;
   }
   if (!remoteLarge(answer, found)) return false;
-  remoteSmall(answer, found);
-  return found.small.valid();
+  return remoteSmall(answer, found);
 }
 
 bool CoverSearch::remoteLarge(const std::string& answer, Pictures& found) {
@@ -177,17 +176,18 @@ bool CoverSearch::remoteLarge(const std::string& answer, Pictures& found) {
   return true;
 }
 
-void CoverSearch::remoteSmall(const std::string& answer, Pictures& found) {
+bool CoverSearch::remoteSmall(const std::string& answer, Pictures& found) {
   std::string url;
   step_([&] { url = AddressBehind("<smallCoverParams>", answer, WithScheme(services_.cover, Lower)); });
   // Longer than 43 and longer than 500 characters: for the large cover just as many do.
-  if (step_.failed() || url.size() <= kShortestAddress) return;
+  if (step_.failed() || url.size() <= kShortestAddress) return false;
   std::string image;
   step_([&] { image = in_.host.GetUrl(url, "", false, kHttpPort); });
   step_([&] { in_.host.WaitEvents(); });
-  if (image.size() <= kShortestImage) return;
+  if (image.size() <= kShortestImage) return false;
   step_([&] { in_.files.overwrite(in_.state.CoverSmallFile, image); });
   step_([&] { found.small = in_.files.load(in_.state.CoverSmallFile); });
+  return found.small.valid();
 }
 
 void CoverSearch::show(const Pictures& found) {

@@ -47,7 +47,8 @@ class CoverSearch {
   bool local(Pictures& found);
   bool remote(Pictures& found);
   bool remoteLarge(const std::string& answer, Pictures& found);
-  void remoteSmall(const std::string& answer, Pictures& found);
+  /// Whether a small one is there at its end, even if it is one that lay beside the music.
+  bool remoteSmall(const std::string& answer, Pictures& found);
   std::string metadata();
   void show(const Pictures& found);
   void log(const char* text);

@@ -10,6 +10,8 @@ using testing::IsEmpty;
 
 constexpr const char* kLarge = R"(C:\Vantorix\html\images\Media Player\WMPCoverLarge.jpg)";
 constexpr const char* kSmall = R"(C:\Vantorix\html\images\Media Player\WMPCoverSmall.jpg)";
+constexpr const char* kBesideLarge = R"(C:\Music\First\AlbumArt_{1234}_Large.jpg)";
+constexpr const char* kBesideSmall = R"(C:\Music\First\AlbumArt_{1234}_Small.jpg)";
 /// 39 characters, as the service's address is.
 constexpr const char* kCoverService = "http://covers.example.invalid/x1/cover/";
 
@@ -20,6 +22,7 @@ class FakeCoverFiles : public cover::CoverFiles {
   std::map<std::string, std::string> files;
   std::map<std::string, std::string> web;
   bool full = false;
+  bool fullForCopies = false;
 
   void remove(const std::string& path) override {
     journal_.add("delete " + path);
@@ -31,7 +34,7 @@ class FakeCoverFiles : public cover::CoverFiles {
   }
   void copy(const std::string& from, const std::string& to) override {
     journal_.add("copy " + from + " to " + to);
-    if (full) throw Failure(61);
+    if (full || fullForCopies) throw Failure(61);
     files[to] = files.at(from);
   }
   void overwrite(const std::string& path, const std::string& bytes) override {
@@ -102,6 +105,19 @@ class Cover : public support::House {
     answers["HTTP://covers.example.invalid/x1/cover/large.jpg"] = picture(large);
     answers["http://covers.example.invalid/x1/cover/small.jpg"] = picture(small);
   }
+  /// An album whose covers may lie beside its music.
+  void beside() {
+    media->info["WM/WMCollectionID"] = "{1234}";
+    media->info["SourceURL"] = R"(C:\Music\First\One.mp3)";
+  }
+  [[nodiscard]] std::vector<std::string> fileSteps() const {
+    std::vector<std::string> steps;
+    for (const std::string& line : journal.lines()) {
+      for (const char* word : {"delete ", "folder ", "copy ", "write ", "download "})
+        if (line.rfind(word, 0) == 0) steps.push_back(line);
+    }
+    return steps;
+  }
   static std::string picture(std::size_t bytes) { return "picture" + std::string(bytes - 7, 'x'); }
 
   FakeCoverFiles files{journal};
@@ -137,11 +153,10 @@ TEST_F(Cover, OfTheMediaFileThatIsNoPictureIsPassedOver) {
 }
 
 TEST_F(Cover, BesideTheMusicTakesBothFilesAndAsksNobodyElse) {
-  media->info["WM/WMCollectionID"] = "{1234}";
-  media->info["SourceURL"] = R"(C:\Music\First\One.mp3)";
+  beside();
   media->info["WM/MCDI"] = "5+96+2D2B";
-  files.files[R"(C:\Music\First\AlbumArt_{1234}_Large.jpg)"] = "picture large";
-  files.files[R"(C:\Music\First\AlbumArt_{1234}_Small.jpg)"] = "picture small";
+  files.files[kBesideLarge] = "picture large";
+  files.files[kBesideSmall] = "picture small";
   search();
   EXPECT_EQ(files.files[kLarge], "picture large");
   EXPECT_EQ(files.files[kSmall], "picture small");
@@ -151,9 +166,8 @@ TEST_F(Cover, BesideTheMusicTakesBothFilesAndAsksNobodyElse) {
 }
 
 TEST_F(Cover, BesideTheMusicWithoutItsSmallPartnerShowsInTheWindowAlone) {
-  media->info["WM/WMCollectionID"] = "{1234}";
-  media->info["SourceURL"] = R"(C:\Music\First\One.mp3)";
-  files.files[R"(C:\Music\First\AlbumArt_{1234}_Large.jpg)"] = "picture large";
+  beside();
+  files.files[kBesideLarge] = "picture large";
   search();
   EXPECT_THAT(journal.with("popup: Image1"), ElementsAre("popup: Image1 = picture large"));
   EXPECT_EQ(files.files.count(kLarge), 0U);
@@ -164,11 +178,103 @@ TEST_F(Cover, BesideTheMusicWithoutItsSmallPartnerShowsInTheWindowAlone) {
 
 TEST_F(Cover, OfAStreamOrAFileInARootFolderIsLookedForInTheNetworkAtOnce) {
   media->info["WM/WMCollectionID"] = "{1234}";
-  media->info["SourceURL"] = "http://radio.example.invalid/stream";
+  for (const char* source : {"http://radio.example.invalid/stream", "C:One.mp3", ""}) {
+    media->info["SourceURL"] = source;
+    journal.clear();
+    search();
+    EXPECT_THAT(told(), ElementsAre(": Locating embedded cover art", ": No embedded picture found",
+                                    ": Locating local cover art", ": Locating remote cover art",
+                                    ": No album ID# found", ": Unable to retrieve cover art"))
+        << source;
+  }
+}
+
+TEST_F(Cover, WithoutAFileBesideTheMusicIsToldAndLookedForInTheNetwork) {
+  beside();
+  search();
+  EXPECT_THAT(told(), ElementsAre(": Locating embedded cover art", ": No embedded picture found",
+                                  ": Locating local cover art", ": No local file found",
+                                  ": Locating remote cover art", ": No album ID# found",
+                                  ": Unable to retrieve cover art"));
+  files.files[kBesideLarge] = "a text";
+  journal.clear();
+  search();
+  EXPECT_EQ(told().at(3), ": No local file found") << "a file that is no picture counts as none";
+}
+
+TEST_F(Cover, GoesThroughItsFilesInThisOrder) {
+  beside();
+  media->picture = "file:///pictures/1.jpg";
+  files.web["file:///pictures/1.jpg"] = "a text";
+  files.files[kBesideLarge] = "picture large";
+  files.files[kBesideSmall] = "picture small";
+  search();
+  const std::string small = kSmall;
+  const std::string large = kLarge;
+  EXPECT_THAT(fileSteps(),
+              ElementsAre("delete " + small, "download file:///pictures/1.jpg to " + small, "delete " + large,
+                          "download file:///pictures/1.jpg to " + large,
+                          R"(folder C:\Vantorix\html\images\Media Player)", "delete " + large,
+                          std::string("copy ") + kBesideLarge + " to " + large, "delete " + small,
+                          std::string("copy ") + kBesideSmall + " to " + small));
+  files.files.clear();
+  media->picture.clear();
+  journal.clear();
+  search();
+  EXPECT_THAT(fileSteps(), ElementsAre(R"(folder C:\Vantorix\html\images\Media Player)", "delete " + large,
+                                       "delete " + small))
+      << "what fails takes the large one away first";
+}
+
+TEST_F(Cover, BesideTheMusicThatCantBeCopiedIsLookedForInTheNetworkAndShownAllTheSame) {
+  beside();
+  files.files[kBesideLarge] = "picture large";
+  files.files[kBesideSmall] = "picture small";
+  files.full = true;
   search();
   EXPECT_THAT(told(), ElementsAre(": Locating embedded cover art", ": No embedded picture found",
                                   ": Locating local cover art", ": Locating remote cover art",
-                                  ": No album ID# found", ": Unable to retrieve cover art"));
+                                  ": No album ID# found", ": Found cover art"));
+  EXPECT_THAT(journal.with("popup: Image1"), ElementsAre("popup: Image1 = picture large"));
+  EXPECT_EQ(album().size(), 1U) << "both were loaded before the copying failed";
+}
+
+TEST_F(Cover, BesideTheMusicThatCouldNotBeCopiedDoesNotPassForASmallOneOfTheNetwork) {
+  disc(600, 400);
+  beside();
+  files.files[kBesideLarge] = "picture large";
+  files.files[kBesideSmall] = "picture small";
+  files.fullForCopies = true;
+  search();
+  EXPECT_EQ(asked.size(), 3U);
+  EXPECT_EQ(files.files.count(kLarge), 0U) << "without a small one of its own the large one goes again";
+  EXPECT_EQ(files.files.count(kSmall), 0U);
+  EXPECT_THAT(journal.with("popup: Image1"), ElementsAre("popup: Image1 = " + picture(600)));
+}
+
+TEST_F(Cover, OfTheNextAlbumIsLookedForOnceTheSearchUnderWayIsDone) {
+  disc(600, 600);
+  plugin.playState.GetCoverImage = [this] {
+    journal.add("search begins");
+    search();
+    journal.add("search ends");
+  };
+  bool begun = false;
+  host->answers["WaitEvents"] = [&](base::Args&) {
+    if (!std::exchange(begun, true)) {
+      wmp9->media = std::make_shared<support::FakeMedia>("Two", "Band", "Second", "Rock");
+      for (const std::int32_t state : {9, 3}) wmp9->events().PlayStateChange(state);
+      loop.advance(base::Milliseconds(300));
+    }
+    return base::Value();
+  };
+  wmp9->state = 3;
+  wmp9->events().PlayStateChange(3);
+  loop.advance(base::Milliseconds(150));
+  ASSERT_TRUE(begun);
+  loop.advance(base::Milliseconds(150));
+  EXPECT_THAT(journal.with("search "),
+              ElementsAre("search begins", "search ends", "search begins", "search ends"));
 }
 
 TEST_F(Cover, FromTheNetworkIsAskedForByTheDisc) {
