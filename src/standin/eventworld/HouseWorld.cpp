@@ -51,12 +51,10 @@ std::unique_ptr<Deed> HouseWorld::carryOut(const Action& action, Done done) {
   if (const auto* wake = std::get_if<WakeAction>(&action))
     return BeginWake(
         loop_, plugin_,
-        [this](const std::string& words, EventWorld::Done said) {
-          speech_.speak(words, true, std::move(said));
-        },
+        [this](const std::string& words, const EventWorld::Done& said) { speech_.speak(words, true, said); },
         memory_, guard_, *wake, std::move(done));
   if (const auto* speak = std::get_if<SpeakAction>(&action)) {
-    speech_.speak(speak->text, false, std::move(done));
+    speech_.speak(speak->text, false, done);
     return nullptr;
   }
   throw base::Failure(base::number::kInternal, "The house doesn't know that action");

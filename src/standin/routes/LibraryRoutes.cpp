@@ -58,8 +58,8 @@ void Names(const Music& music, const std::string& category, const WebCall& call,
                                  {"all", list->size()}};
                        if (!artists) return reply(Told(json));
                        music.library.artistsOf(std::move(page.names),
-                                               [json, reply](std::vector<std::string> known) mutable {
-                                                 json["artists"] = std::move(known);
+                                               [json, reply](const std::vector<std::string>& known) mutable {
+                                                 json["artists"] = known;
                                                  reply(Told(json));
                                                });
                      });
