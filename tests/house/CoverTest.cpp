@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 
@@ -220,6 +221,15 @@ TEST_F(CoversOfTheHouse, AreTheSameAfterAStartAndWithoutAPlaceToKeepThem) {
   const auto kept = house.data() / "covers";
   EXPECT_EQ(widthOf("Framed"), 400);
   EXPECT_TRUE(std::filesystem::exists(kept / "marks"));
+  const std::string key = support::JsonOf(ask("/key?album=Framed")->body).value("key", "");
+  const std::string picture = ask("?key=" + key + "&size=256")->body;
+  house.server().signal(SIGTERM);
+  house.server().wait();
+  start();
+  EXPECT_EQ(ask("?key=" + key + "&size=256")->body, picture) << "by its key, before anybody asks for it";
+  ASSERT_TRUE(knows("Framed"));
+  EXPECT_EQ(support::JsonOf(ask("/key?album=Framed")->body).value("key", ""), key);
+  EXPECT_EQ(widthOf("Framed"), 400);
   std::filesystem::remove_all(kept);
   std::ofstream(kept) << "a file where the folder was";
   EXPECT_EQ(widthOf("Framed"), 400);
