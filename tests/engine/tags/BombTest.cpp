@@ -128,8 +128,9 @@ TEST_F(ABomb, OfHugeAtomsIsCut) {
 }
 
 TEST_F(ABomb, OfHugeCommentsIsCut) {
-  const std::string path =
-      made("a.flac", [] { return FlacWith(Comments("TITLE=" + std::string(15'000'000, 'z'))); });
+  std::string title = "TITLE=";
+  title.append(15'000'000, 'z');
+  const std::string path = made("a.flac", [&] { return FlacWith(Comments(title)); });
   const tags::MediaFile file = read(path);
   EXPECT_EQ(file.tags.title, std::string(tags::TagFields::kLongest, 'z'));
   EXPECT_EQ(file.tags.artist, "Ann");
