@@ -16,6 +16,9 @@ using Json = nlohmann::json;
 constexpr const char* kRefused = "Guests can't change what is played";
 constexpr std::int32_t kLoudest = 100;
 constexpr double kLongest = 1e7;  // seconds
+// States of the player.
+constexpr std::int32_t kBuffering = 6;
+constexpr std::int32_t kTransitioning = 9;
 
 /// Has the work done and answers with the player as it is then.
 void Act(NowPlaying& player, NowPlaying::Work work, const Reply& reply) {
@@ -33,17 +36,33 @@ NowPlaying::Work Calling(const char* operation) {
   return [operation](PlayerLists& lists) { lists.script().call(operation); };
 }
 
-/// The script object's one word for it turns round what it finds.
+PlayerNow NowOf(PlayerLists& lists) { return PlayerNowOf(lists.player().call("now"), 0); }
+
+/// The script object's one word for it turns round what it finds, and knows nothing of a title that is still
+/// under way: one that waits for more of itself is held, and one that is only being opened is given up.
 NowPlaying::Work Pausing(const Json&) {
   return [](PlayerLists& lists) {
-    if (base::ToBoolean(lists.part("controls")->invoke("isAvailable", "pause")))
-      lists.script().call("PausePlayer");
+    const PlayerNow now = NowOf(lists);
+    const bool loading = now.state == kBuffering || now.state == kTransitioning;
+    if (!loading) {
+      if (now.canPause) lists.script().call("PausePlayer");
+    } else if (now.canPause) {
+      lists.part("controls")->call("pause");
+    } else {
+      lists.script().call("StopPlayer");
+    }
   };
 }
 
+/// Within the item that it was meant for, if it says for which: a hand on the slider may outlast its title.
 NowPlaying::Work Seeking(const Json& posted) {
-  const double to = std::clamp(posted.at("to").get<double>(), 0.0, kLongest);
-  return [to](PlayerLists& lists) { lists.part("controls")->put("currentPosition", base::Value(to)); };
+  const double wanted = std::clamp(posted.at("to").get<double>(), 0.0, kLongest);
+  return [wanted, item = posted.value("item", std::string())](PlayerLists& lists) {
+    const PlayerNow now = NowOf(lists);
+    if (!item.empty() && item != now.item) return;
+    const double to = now.duration > 0 ? std::min(wanted, now.duration) : wanted;
+    lists.part("controls")->put("currentPosition", base::Value(to));
+  };
 }
 
 NowPlaying::Work Louder(const Json& posted) {
@@ -127,6 +146,7 @@ Routes PlayerRoutes(NowPlaying& player, Playlists& playlists) {
            }}},
           command("play", calling("ResumePlayer")),
           command("pause", Making(Pausing)),
+          command("stop", calling("StopPlayer")),
           command("next", calling("PlayNext")),
           command("previous", calling("PlayPrev")),
           command("seek", Making(Seeking)),

@@ -18,7 +18,8 @@ async function answered(event) {
   try {
     return await event.preloadResponse ?? await fetch(event.request);
   } catch {
-    return caches.match(kPage);
+    const words = {status: 503, headers: {'Content-Type': 'text/plain; charset=utf-8'}};
+    return await caches.match(kPage) ?? new Response('The house can’t be reached', words);  // all may have been cleared
   }
 }
 

@@ -11,16 +11,20 @@ const kWays = [
   {next: false, words: 'Add to queue', sign: 'addToQueue', done: (name) => `Added ${name} to the queue`},
 ];
 
+let away = () => {};  // takes the message away whose "Undo" would mean another step by now
+
 /** `order` tells what: {category, group} with `titles`, or `by` whom. */
 async function queue(order, way, name) {
-  const {undo, name: list} = await ask('/api/queue/add', {...order, next: way.next});
-  toastWithButton(way.done(short(name)), 'Undo', async () => {
+  const {undo, version, name: list} = await ask('/api/queue/add', {...order, next: way.next});
+  away();
+  away = toastWithButton(way.done(short(name)), 'Undo', async () => {
     try {
-      const answer = await ask('/api/playlist/undo', {name: list});
+      const now = await ask(`/api/playlist?${new URLSearchParams({group: list, q: '', offset: 0, limit: 1})}`);
+      if (now.version !== version) throw new Error('The queue has been changed since');
+      await ask('/api/playlist/undo', {name: list});
       toast(['“', named(name), '” is out of the queue again']);
-      return answer;
     } catch (error) {
-      return complain(error);
+      complain(error);
     }
   });
   return undo;

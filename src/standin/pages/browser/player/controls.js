@@ -20,7 +20,6 @@ export class Controls {
   #player;
   #ticked;
   #timer = 0;
-  #shown = true;
   position;
   volume;
   passed = el('span', {class: 'time passed'}, '0:00');
@@ -30,7 +29,7 @@ export class Controls {
     this.#player = player;
     this.#ticked = ticked;
     this.position = new Slider({label: 'Position', className: 'position', max: 1, step: 1,
-      send: (to) => player.act('seek', {to}), words: (value) => `${spoken(value)} of ${spoken(player.state.duration)}`,
+      send: (to) => player.seek(to), words: (value) => `${spoken(value)} of ${spoken(player.state.duration)}`,
       dragged: (value) => this.#timeShown(value ?? player.position())});
     this.volume = new Slider({label: 'Volume', className: 'volume', max: 100, step: 1, live: true,
       send: (to) => player.act('volume', {to}), words: (value) => `${value} percent`});
@@ -39,12 +38,6 @@ export class Controls {
     this.volume.node.addEventListener('keydown', (event) => this.#volumeKey(event));
     document.addEventListener('visibilitychange', () => this.#tick(), {signal});
     signal?.addEventListener('abort', () => clearTimeout(this.#timer));
-  }
-
-  /** False while they are out of sight: nothing moves then. */
-  shown(value) {
-    this.#shown = value;
-    this.#tick();
   }
 
   /** Shows the player as it is; called whenever it has changed. */
@@ -62,9 +55,9 @@ export class Controls {
     clearTimeout(this.#timer);
     const {state} = this.#player;
     const at = this.#player.position();
-    if (this.position.show(state.item ? at : 0, Math.max(1, Math.ceil(state.duration)))) this.#timeShown(at);
+    if (this.position.show(state.item ? at : 0, Math.max(1, Math.ceil(state.duration)), state.item)) this.#timeShown(at);
     this.#ticked(at);
-    if (!state.rate || document.hidden || !this.#shown) return;
+    if (!state.rate || document.hidden) return;
     const rest = kTurn - (at * 1000) % kTurn;
     this.#timer = setTimeout(() => this.#tick(), rest / Math.max(1, Math.abs(state.rate)) + 4);
   }

@@ -29,6 +29,7 @@ export class QueueList {
   #changes;
   #drag;
   #tellWatch = () => {};
+  #away = () => {};  // takes the message away whose "Undo" would mean another step by now
   #answer = null;
   #reading = null;
   #readAgain = false;
@@ -207,7 +208,10 @@ export class QueueList {
     if (name?.toLowerCase() !== this.#me.name.toLowerCase()) return;
     if (gone) this.#become(kAnyQueue);
     else if (version > this.#me.version && this.#changes.busy) this.#changes.late = true;
-    else if (version > this.#me.version) this.#refresh();
+    else if (version > this.#me.version) {
+      this.#away();
+      this.#refresh();
+    }
   }
 
   // What the user does.
@@ -226,6 +230,7 @@ export class QueueList {
     if (byKey) list.focusRow(to, 0);
     else list.rowAt(to)?.classList.add('landed');
     const place = `Place ${to + 1} of ${list.total()}`;
+    this.#away();
     this.#changes.send('move', async () => {
       const [moved, before, after] = await seen;
       return {from, to, title, mark: moved.mark, before: before?.mark ?? null, after: after?.mark ?? null};
@@ -248,16 +253,14 @@ export class QueueList {
     list.remove(index);
     if (list.total()) list.focusRow(Math.min(index, list.total() - 1), Math.max(button, 0));
     this.#changes.send('remove', async () => orderOf(title, at));
-    const undo = whileShown(this.#signal, () => this.#turn('undo'));
-    toastWithButton(`Removed ${short(title.name)}`, 'Undo', undo, 5000);
+    this.#offer(`Removed ${short(title.name)}`, 5000);
   }
 
   async #clear() {
     const answer = await ask('/api/queue/clear', {name: this.#me.name});
     this.#turns.show(answer);
     await this.again();
-    const undo = whileShown(this.#signal, () => this.#turn('undo'));
-    toastWithButton(this.#player.state.play === 'playing' ? 'Cleared; what plays is played to its end' : 'Cleared', 'Undo', undo);
+    this.#offer(this.#player.state.play === 'playing' ? 'Cleared; what plays is played to its end' : 'Cleared');
     this.#place.querySelector('[data-turn=undo]')?.focus();
   }
 
@@ -276,7 +279,14 @@ export class QueueList {
     });
   }
 
+  /** A message whose "Undo" takes back the very step that it names: it goes when there is a newer one. */
+  #offer(words, time) {
+    this.#away();
+    this.#away = toastWithButton(words, 'Undo', whileShown(this.#signal, () => this.#turn('undo')), time);
+  }
+
   #turn(action) {
+    this.#away();
     return this.#changes.after(async () => {
       try {
         const answer = await ask(`/api/playlist/${action}`, {name: this.#me.name});

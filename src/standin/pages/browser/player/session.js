@@ -9,7 +9,9 @@ const kStore = 'media-keys';
 const kSilence = new URL('../silence.mp3', import.meta.url).href;  // of ten seconds: browsers pass over what is shorter than five
 
 const supported = () => 'mediaSession' in navigator;
-const wanted = () => localStorage.getItem(kStore) !== 'off';
+// A phone has one sound at a time: to play silence there would end the visitor's own music, so he is asked first.
+const kAsked = matchMedia('(pointer: coarse)').matches;
+const wanted = () => localStorage.getItem(kStore) === 'on' || (!kAsked && localStorage.getItem(kStore) !== 'off');
 let changed = () => {};
 
 /** The choice whether this browser's keys are the player's, for who has such keys. */
@@ -40,11 +42,12 @@ export class Session {
 
   #answer() {
     const act = (word, body) => this.#player.act(word, body).catch(complain);
-    const by = (seconds) => act('seek', {to: Math.max(0, this.#player.position() + seconds)});
+    const seek = (to) => this.#player.seek(to).catch(complain);
+    const by = (seconds) => seek(Math.max(0, this.#player.position() + seconds));
     const answers = {
-      play: () => act('play'), pause: () => act('pause'), stop: () => act('pause'),
+      play: () => act('play'), pause: () => act('pause'), stop: () => act('stop'),
       previoustrack: () => act('previous'), nexttrack: () => act('next'),
-      seekto: ({seekTime}) => act('seek', {to: seekTime}),
+      seekto: ({seekTime}) => seek(seekTime),
       seekbackward: ({seekOffset}) => by(-(seekOffset ?? 10)), seekforward: ({seekOffset}) => by(seekOffset ?? 10),
     };
     for (const [word, answer] of Object.entries(answers)) {

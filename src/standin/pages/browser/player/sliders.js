@@ -16,6 +16,11 @@ class Sender {
     this.#send = send;
   }
 
+  /** What has not been sent yet is not wanted any longer. */
+  drop() {
+    this.#wanted = null;
+  }
+
   async want(value) {
     this.#wanted = {value};
     if (this.busy) return;
@@ -38,6 +43,8 @@ class Sender {
 export class Slider {
   #sender;
   #held = false;
+  #of = '';      // what it is the slider of: with another one, what is held belongs to nothing
+  #lost = false; // the hand that is on it is still there from before
   #touched = -Infinity;
   #words;
   #dragged;
@@ -49,7 +56,11 @@ export class Slider {
     this.#dragged = dragged;
     this.node = el('input', {type: 'range', class: `slider ${className}`, min: 0, max, step, 'aria-label': label});
     const node = this.node;
-    node.addEventListener('pointerdown', () => { this.#held = true; });
+    node.addEventListener('pointerdown', () => {
+      this.#held = true;
+      this.#lost = false;
+    });
+    node.addEventListener('keydown', () => { this.#lost = false; });
     for (const end of ['pointerup', 'pointercancel', 'blur']) {
       node.addEventListener(end, () => {
         this.#held = false;
@@ -57,12 +68,18 @@ export class Slider {
       });
     }
     node.addEventListener('input', () => {
+      if (this.#lost) return;
       this.#touched = performance.now();
       this.#paint();
       this.#dragged(Number(node.value));
       if (live) this.#sender.want(Number(node.value));
     });
     node.addEventListener('change', () => {
+      if (this.#lost) {
+        this.#lost = false;
+        this.#dragged(null);
+        return;
+      }
       this.#touched = performance.now();
       this.#dragged(null);
       this.#sender.want(Number(node.value));
@@ -74,8 +91,15 @@ export class Slider {
     return this.#held || this.#sender.busy || performance.now() - this.#touched < kSettle;
   }
 
-  /** What the house says; false while the user's word counts. */
-  show(value, max) {
+  /** What the house says; false while the user's word counts, which it does no longer when it is `of` another thing. */
+  show(value, max, of = '') {
+    if (of !== this.#of) {
+      this.#of = of;
+      this.#lost = this.#held;
+      this.#held = false;
+      this.#touched = -Infinity;
+      this.#sender.drop();
+    }
     if (this.taken) return false;
     const {node} = this;
     if (max !== undefined && Number(node.max) !== max) node.max = max;

@@ -1,0 +1,95 @@
+// The picture of what plays, and what the page does to have it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "demo/Cover.hpp"
+#include "house/player/Listener.hpp"
+#include "support/Axe.hpp"
+
+namespace {
+
+using nlohmann::json;
+using support::Eventually;
+using support::Listener;
+using testing::IsEmpty;
+
+/// Pictures are something else for as long as the test says so.
+constexpr const char* kSpoils = R"(
+  window.spoils = true; window.failed = 0;
+  const own = Object.getOwnPropertyDescriptor(HTMLImageElement.prototype, 'src');
+  Object.defineProperty(HTMLImageElement.prototype, 'src', {...own, set(value) {
+    own.set.call(this, window.spoils ? '/nothing.png' : value); }});
+  addEventListener('error', (event) => { if (event.target instanceof HTMLImageElement) window.failed++; }, true);)";
+
+class PlayersPictures : public support::PlayerBar {
+ protected:
+  PlayersPictures() {
+    engine::TrackTags tags;
+    tags.title = "Inked";
+    tags.artist = "The Painters";
+    tags.album = "Framed";
+    tags.track = 1;
+    music.add("Inked", 60, tags, engine::demo::CoverPng(5, 300));
+  }
+  void play(const std::string& album, const std::string& title) {
+    ASSERT_TRUE(Eventually([&] {
+      return house.post("/api/play", {{"category", "Album"}, {"name", album}}) == 200;
+    }));
+    ASSERT_TRUE(house.textBecomes("Title", title));
+  }
+  static bool showsPicture(Listener& listener) {
+    return listener.browser.eventually(
+        "const image = document.querySelector('#player-bar .cover img:not([hidden])');"
+        "return Boolean(image?.complete && image.naturalWidth && image.src.includes('key='))");
+  }
+};
+
+TEST_F(PlayersPictures, AreToldWhenTheyMayBeOthers) {
+  Listener listener(house, 1280);
+  play("Framed", "Inked");
+  listener.browser.run(
+      "window.told = []; window.open = false; window.stream = new EventSource('/api/live');"
+      "stream.onopen = () => { window.open = true; };"
+      "stream.addEventListener('cover', (event) => told.push(event.data))");
+  ASSERT_TRUE(listener.browser.eventually("return window.open"));
+  ASSERT_TRUE(showsPicture(listener));
+  const json key = support::JsonOf(house.get("/api/cover/key?playing")).at("key");
+  EXPECT_EQ(
+      listener.browser.run(
+          "return new URL(document.querySelector('#player-bar .cover img').src).searchParams.get('key')"),
+      key);
+  play("Counting", "One");
+  EXPECT_TRUE(listener.browser.eventually("return told.includes('{}')"));
+  listener.browser.run("stream.close()");
+}
+
+TEST_F(PlayersPictures, ThatDidNotComeAreAskedForAgain) {
+  play("Framed", "Inked");
+  Listener listener(house, 1280);
+  listener.browser.beforeEachPage(kSpoils);
+  listener.open("#devices");
+  ASSERT_TRUE(listener.browser.eventually(
+      "return failed > 0 && document.querySelector('#player-bar .cover img').hidden"));
+  listener.browser.run("spoils = false");
+  EXPECT_TRUE(showsPicture(listener)) << "though nothing else has happened";
+}
+
+TEST_F(PlayersPictures, OfDiscsAreAskedForOnceTheOwnerSaysSo) {
+  Listener listener(house, 1280);
+  for (const char* scheme : {"light", "dark"}) {
+    listener.browser.likes(scheme);
+    listener.open("#account");
+    ASSERT_TRUE(listener.shows("form input[type=checkbox][name=on]"));
+    EXPECT_THAT(support::Barriers(listener.browser), IsEmpty()) << scheme;
+  }
+  const auto on = [&] { return support::JsonOf(house.get("/api/covers/services")).at("on"); };
+  EXPECT_EQ(on(), false);
+  ASSERT_TRUE(listener.walkTo("form input[type=checkbox][name=on]"));
+  listener.browser.press({support::kSpace});
+  listener.browser.press({support::kTab, support::kEnter});
+  EXPECT_TRUE(Eventually([&] { return on() == true; }));
+  listener.open("#account");
+  EXPECT_TRUE(listener.shows("form input[type=checkbox][name=on]:checked"));
+}
+
+}  // namespace
