@@ -112,6 +112,7 @@ export class CoverGrid {
     const height = `${Math.ceil(this.total() / this.#columns) * this.#height}px`;
     this.#space.style.height = height;
     this.node.style.setProperty('--content', height);
+    for (const tile of this.#tiles.values()) tile.setAttribute('aria-setsize', this.total());
     this.#onTotal(this.total());
   }
 
@@ -141,14 +142,22 @@ export class CoverGrid {
     this.#tiles.delete(index);
   }
 
+  /** The first tile behind that place: who hears the page hears the tiles as they stand. */
+  #behind(index) {
+    let behind = null;
+    for (let tile = this.#space.lastElementChild; tile && Number(tile.dataset.index) > index; tile = tile.previousElementSibling)
+      behind = tile;
+    return behind;
+  }
+
   #place(index) {
     const item = this.#data.item(index);
     if (item === undefined) this.#data.need(index);
     let tile = this.#tiles.get(index);
     if (!tile) {
-      tile = el('li', {class: 'tile', 'data-index': index, 'aria-posinset': index + 1});
+      tile = el('li', {class: 'tile', 'data-index': index, 'aria-posinset': index + 1, 'aria-setsize': this.total()});
       this.#tiles.set(index, tile);
-      this.#space.append(tile);
+      this.#space.insertBefore(tile, this.#behind(index));
     }
     const at = `${(index % this.#columns) * this.#width},${Math.floor(index / this.#columns) * this.#height},${this.#width}`;
     if (tile.placed !== at) {
@@ -161,7 +170,6 @@ export class CoverGrid {
     const shown = JSON.stringify(item);
     if (tile.shown !== shown) {
       tile.shown = shown;
-      tile.setAttribute('aria-setsize', this.total());
       const {content, picture} = this.#tile(item, index);
       tile.picture = picture;
       render(content, tile);
