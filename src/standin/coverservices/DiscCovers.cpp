@@ -19,10 +19,15 @@ constexpr const char* kFile = "covers.ini";
 constexpr const char* kSection = "services";
 constexpr std::uint64_t kMostKept = std::uint64_t{64} << 20U;
 constexpr std::size_t kLargestAnswer = std::size_t{1} << 20U;
-constexpr std::chrono::seconds kPatience{5};  ///< to wait for a turn
-constexpr std::chrono::hours kAfterFailure{1};
+constexpr std::chrono::seconds kPatience{5};      ///< to wait for a turn
+constexpr std::chrono::hours kAfterNone{1};       ///< what nobody knows
+constexpr std::chrono::minutes kAfterTrouble{1};  ///< what nobody could be asked for, or would answer now
+constexpr long kNotFound = 404;
 constexpr std::size_t kMostFailed = 1000;
 constexpr int kOneSize = 1;  ///< what is kept here comes in one size
+
+/// There is no turn for this question now, and nobody has been asked.
+struct NoTurn {};
 
 /// Such as "3f2504e0-4f89-11d3-9a0c-0305e82c3301".
 bool IsRelease(const std::string& text) {
@@ -105,9 +110,16 @@ std::optional<std::string> DiscCovers::kept(const std::string& question, Ask&& a
     if (found != failed_.end() && now < found->second) return std::nullopt;
   }
   std::string answer;
+  std::chrono::seconds rest = kAfterNone;
+  // Nobody is told: without a cover the music plays as well.
   try {
     answer = std::forward<Ask>(ask)();
-  } catch (const base::Failure&) {  // nobody is told: without a cover the music plays as well
+  } catch (const NoTurn&) {
+    return std::nullopt;
+  } catch (const RefusedByServer& refusal) {
+    if (refusal.status() != kNotFound) rest = kAfterTrouble;
+  } catch (const base::Failure&) {
+    rest = kAfterTrouble;
   }
   if (!answer.empty()) {
     answers_.put(key, kOneSize, answer);
@@ -115,7 +127,7 @@ std::optional<std::string> DiscCovers::kept(const std::string& question, Ask&& a
   }
   const std::lock_guard lock(mutex_);
   if (failed_.size() >= kMostFailed) failed_.clear();
-  failed_[question] = now + kAfterFailure;
+  failed_[question] = std::chrono::steady_clock::now() + rest;
   return std::nullopt;
 }
 
@@ -124,7 +136,7 @@ std::optional<std::string> DiscCovers::about(const std::string& contents) {
   const std::optional<std::string> toc = TocOf(contents);
   if (!now.on || !toc) return std::nullopt;
   return kept(now.metadata + " " + *toc, [&]() -> std::string {
-    if (!wait()) return {};
+    if (!wait()) throw NoTurn();
     const std::string release =
         ReleaseIn(FetchPublic(now.metadata + "/ws/2/discid/-?toc=" + *toc + "&cdstubs=no&fmt=json",
                               {.userAgent = now.userAgent, .mostBytes = kLargestAnswer}));
@@ -140,7 +152,7 @@ std::optional<std::string> DiscCovers::cover(const std::string& release, bool la
   if (!now.on || !IsRelease(release)) return std::nullopt;
   const std::string address = now.covers + "/release/" + release + (large ? "/front-1200" : "/front-250");
   return kept(address, [&]() -> std::string {
-    if (!wait()) return {};
+    if (!wait()) throw NoTurn();
     std::string picture =
         FetchPublic(address, {.userAgent = now.userAgent, .mostBytes = pictures::kMostBytes});
     return pictures::CanBeShown(picture) ? std::move(picture) : std::string();

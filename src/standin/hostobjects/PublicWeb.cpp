@@ -2,10 +2,13 @@
 
 #include <arpa/inet.h>
 #include <curl/curl.h>
+#include <ifaddrs.h>
 #include <netinet/in.h>
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -18,6 +21,8 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 constexpr int kMostSteps = 6;
+constexpr int kFewestBits = 8;  ///< a larger part of the network is nobody's house
+constexpr const char* kInTheHouse = "It leads on into a house's own network";
 
 struct Block {
   std::uint32_t address;
@@ -52,6 +57,25 @@ bool IsPublic(const in6_addr& address) {
   return !(bytes[0] == 0x20 && bytes[1] == 0x01 && bytes[2] == 0 && bytes[3] == 0);
 }
 
+/// The bytes of an address that tell where it lies; none for one of another kind.
+std::vector<std::uint8_t> BytesOf(const sockaddr& address) {
+  std::vector<std::uint8_t> bytes;
+  if (address.sa_family == AF_INET) {
+    sockaddr_in four{};
+    std::memcpy(&four, &address, sizeof four);
+    bytes.resize(sizeof four.sin_addr);
+    std::memcpy(bytes.data(), &four.sin_addr, bytes.size());
+  } else if (address.sa_family == AF_INET6) {
+    // Taken as it stands: the caller's place is as long as the family says.
+    const in6_addr& six = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
+    bytes.resize(sizeof six);
+    std::memcpy(bytes.data(), &six, bytes.size());
+  }
+  return bytes;
+}
+
+std::string SchemeOf(const std::string& url) { return base::LowerCase(url.substr(0, url.find("://"))); }
+
 std::string ServerOf(const std::string& url) {
   const std::size_t begin = url.find("://");
   if (begin == std::string::npos) return {};
@@ -63,6 +87,8 @@ struct Step {
   std::string body{};
   std::size_t most = 0;
   bool anywhere = false;  ///< may be asked of a server in the house
+  std::vector<NetPrefix> neighbours{};
+  bool kept = false;  ///< from an address that may not be asked
 };
 
 std::size_t Collect(char* data, std::size_t size, std::size_t count, void* into) {
@@ -73,7 +99,13 @@ std::size_t Collect(char* data, std::size_t size, std::size_t count, void* into)
 }
 
 curl_socket_t Open(void* rules, curlsocktype, curl_sockaddr* address) {
-  if (!static_cast<const Step*>(rules)->anywhere && !IsPublicAddress(address->addr)) return CURL_SOCKET_BAD;
+  Step& step = *static_cast<Step*>(rules);
+  const bool near = std::any_of(step.neighbours.begin(), step.neighbours.end(),
+                                [&](const NetPrefix& each) { return each.holds(address->addr); });
+  if (!step.anywhere && (near || !IsPublicAddress(address->addr))) {
+    step.kept = true;
+    return CURL_SOCKET_BAD;
+  }
   return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
@@ -103,18 +135,67 @@ std::string Ask(const std::string& url, Step& step, const FetchRules& rules, lon
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, rules.stop);
   }
   const CURLcode code = curl_easy_perform(curl);
-  if (code != CURLE_OK) throw base::Failure(base::number::kDeviceIo, curl_easy_strerror(code));
+  if (code != CURLE_OK)
+    throw base::Failure(base::number::kDeviceIo, step.kept ? kInTheHouse : curl_easy_strerror(code));
   long status = 0;
   curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
   const char* next = nullptr;
   curl_easy_getinfo(curl, CURLINFO_REDIRECT_URL, &next);
   if (next != nullptr) return next;
-  if (status < 200 || status >= 300)
-    throw base::Failure(base::number::kDeviceIo, "It was answered " + std::to_string(status));
+  if (status < 200 || status >= 300) throw RefusedByServer(status);
   return {};
 }
 
 }  // namespace
+
+bool NetPrefix::holds(const sockaddr& address) const {
+  if (address.sa_family != family) return false;
+  const std::vector<std::uint8_t> bytes = BytesOf(address);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const int counted = std::clamp(bits - static_cast<int>(i) * 8, 0, 8);
+    if (((bytes[i] ^ begin[i]) >> static_cast<unsigned>(8 - counted)) != 0) return false;
+  }
+  return true;
+}
+
+std::optional<NetPrefix> ReadPrefix(const std::string& text) {
+  const std::size_t slash = text.find('/');
+  if (slash == std::string::npos) return std::nullopt;
+  const std::string address = text.substr(0, slash);
+  NetPrefix prefix;
+  prefix.family = address.find(':') == std::string::npos ? AF_INET : AF_INET6;
+  if (::inet_pton(prefix.family, address.c_str(), prefix.begin.data()) != 1) return std::nullopt;
+  const char* const end = text.data() + text.size();
+  const auto [after, problem] = std::from_chars(text.data() + slash + 1, end, prefix.bits);
+  const int most = prefix.family == AF_INET ? 32 : 128;
+  if (problem != std::errc() || after != end || prefix.bits < 0 || prefix.bits > most) return std::nullopt;
+  return prefix;
+}
+
+std::vector<NetPrefix> PrefixesHere() {
+  std::vector<NetPrefix> prefixes;
+  ifaddrs* first = nullptr;
+  if (::getifaddrs(&first) != 0) return prefixes;
+  const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> all(first, &::freeifaddrs);
+  for (const ifaddrs* each = first; each != nullptr; each = each->ifa_next) {
+    if (each->ifa_addr == nullptr || each->ifa_netmask == nullptr) continue;
+    const std::vector<std::uint8_t> bytes = BytesOf(*each->ifa_addr);
+    NetPrefix prefix{.family = each->ifa_addr->sa_family};
+    std::copy(bytes.begin(), bytes.end(), prefix.begin.begin());
+    if (each->ifa_netmask->sa_family == each->ifa_addr->sa_family)
+      for (const std::uint8_t byte : BytesOf(*each->ifa_netmask)) prefix.bits += std::popcount(byte);
+    if (!bytes.empty() && prefix.bits >= kFewestBits) prefixes.push_back(prefix);
+  }
+  return prefixes;
+}
+
+std::string WhyNotOn(const std::string& from, const std::string& to) {
+  const std::string scheme = SchemeOf(to);
+  if (scheme != "http" && scheme != "https") return "It leads on to what is no page of the web";
+  if (SchemeOf(from) == "https" && scheme == "http")
+    return "It leads on from a safe connection to an open one";
+  return {};
+}
 
 bool IsPublicAddress(const sockaddr& address) {
   if (address.sa_family == AF_INET) {
@@ -134,8 +215,11 @@ std::string FetchPublic(const std::string& url, const FetchRules& rules) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - SteadyClock::now());
     if (left.count() <= 0) break;
     Step step{.most = rules.mostBytes, .anywhere = ServerOf(at) == ServerOf(url)};
+    if (!step.anywhere) step.neighbours = rules.neighbours();
     std::string next = Ask(at, step, rules, static_cast<long>(left.count()));
     if (next.empty()) return std::move(step.body);
+    if (const std::string why = WhyNotOn(at, next); !why.empty())
+      throw base::Failure(base::number::kDeviceIo, why);
     at = std::move(next);
   }
   throw base::Failure(base::number::kDeviceIo, "It leads on and on");

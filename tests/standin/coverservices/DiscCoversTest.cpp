@@ -3,10 +3,14 @@
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <atomic>
+
 #include "demo/Cover.hpp"
 #include "standin/coverservices/CoverServices.hpp"
 #include "standin/coverservices/DiscContents.hpp"
 #include "standin/hostobjects/PublicWeb.hpp"
+#include "support/Process.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
@@ -98,9 +102,14 @@ TEST_F(CoversOfDiscs, ComeToNothingWhenTheServiceAnswersAnythingElse) {
   for (const char* text : {"<html><body>Please sign in</body></html>", "{", "[]", "{\"releases\": 1}",
                            R"({"releases": [1, {"id": 7}, {"id": "../../etc/passwd"}]})", ""})
     EXPECT_FALSE(answered(text)) << text;
-  EXPECT_FALSE(answered(std::string(std::size_t{2} << 20U, ' '))) << "without an end";
+  const std::string good =
+      R"({"releases": [{"id": "76df3287-6cda-33eb-8e9a-044b5e15ffdd", "cover-art-archive": {"front": true}}]})";
+  EXPECT_FALSE(answered(std::string(std::size_t{2} << 20U, ' ') + good)) << "too long";
   EXPECT_FALSE(answered(std::string(500'000, '['))) << "as deep as it is long";
+  EXPECT_TRUE(answered(std::string(2000, ' ') + good));
+}
 
+TEST_F(CoversOfDiscs, AreNoneWhereAPictureIsNoneOrHasNoEnd) {
   services.picture = [](httplib::Response& answer) {
     answer.set_content("<html>no picture</html>", "image/jpeg");
   };
@@ -117,19 +126,50 @@ TEST_F(CoversOfDiscs, ComeToNothingWhenTheServiceAnswersAnythingElse) {
   EXPECT_EQ(switchedOn()->cover(support::CoverServices::kRelease, true), std::nullopt);
 }
 
+TEST_F(CoversOfDiscs, AreReadNoFurtherThanAPictureMayBeLong) {
+  std::atomic<std::size_t> sent = 0;
+  services.picture = [&sent](httplib::Response& answer) {
+    answer.set_chunked_content_provider("image/jpeg", [&sent](std::size_t, httplib::DataSink& sink) {
+      const std::string piece(std::size_t{64} << 10U, '\xFF');
+      if (!sink.write(piece.data(), piece.size())) return false;
+      sent += piece.size();
+      return true;
+    });
+  };
+  EXPECT_EQ(switchedOn()->cover(support::CoverServices::kRelease, true), std::nullopt);
+  EXPECT_LT(sent, std::size_t{64} << 20U) << "and what lies in between on the way";
+}
+
+TEST_F(CoversOfDiscs, WaitForATurnWithoutBeingTakenForUnknown) {
+  const auto covers = switchedOn(std::chrono::seconds(6));
+  ASSERT_TRUE(covers->about(kDisc).has_value());
+  EXPECT_TRUE(support::Eventually([&] { return covers->about("1+96+12C").has_value(); }));
+}
+
 TEST_F(CoversOfDiscs, AreNotLookedForWhereAServiceSendsTheHouseIntoItsOwnNetwork) {
   support::CoverServices neighbour;
   neighbour.stored = services.stored;
-  for (const std::string& place :
-       {neighbour.address() + "/archive/picture", std::string("http://10.0.0.1/p.jpg"),
-        std::string("http://[::1]/p.jpg"), std::string("file:///etc/passwd")}) {
+  const auto whyNot = [&](const std::string& place) -> std::string {
     services.picture = [place](httplib::Response& answer) { answer.set_redirect(place, 302); };
     EXPECT_EQ(switchedOn()->cover(support::CoverServices::kRelease, true), std::nullopt) << place;
-  }
-  services.picture = [this](httplib::Response& answer) {
-    answer.set_redirect(services.address() + "/release/round-and-round", 302);
+    try {
+      standin::FetchPublic(services.address() + "/release/x", {.userAgent = "test", .neighbours = [] {
+                                                                 return std::vector<standin::NetPrefix>{
+                                                                     *standin::ReadPrefix("2001:db8:1::/64"),
+                                                                     *standin::ReadPrefix("198.51.100.0/24")};
+                                                               }});
+    } catch (const base::Failure& failure) {
+      return failure.description();
+    }
+    return "it was followed";
   };
-  EXPECT_EQ(switchedOn()->cover(support::CoverServices::kRelease, true), std::nullopt);
+  for (const std::string& place :
+       {neighbour.address() + "/archive/picture", std::string("http://10.0.0.1/p.jpg"),
+        std::string("http://[::1]/p.jpg"), std::string("http://[2001:db8:1::5]/p.jpg"),
+        std::string("http://198.51.100.77/p.jpg")})
+    EXPECT_EQ(whyNot(place), "It leads on into a house's own network") << place;
+  EXPECT_EQ(whyNot("file:///etc/passwd"), "It leads on to what is no page of the web");
+  EXPECT_EQ(whyNot(services.address() + "/release/round-and-round"), "It leads on and on");
 }
 
 TEST_F(CoversOfDiscs, DoNotWaitForAServiceThatDoesNotAnswer) {
@@ -153,17 +193,53 @@ TEST(ADiscsContents, AreReadAsThePlayerTellsThem) {
     EXPECT_EQ(TocOf(none), std::nullopt) << none;
 }
 
-TEST(TheNetwork, IsPublicWhereItBelongsToNoHouse) {
-  const auto isPublic = [](const char* text) {
-    sockaddr_in four{};
-    sockaddr_in6 six{};
-    four.sin_family = AF_INET;
-    six.sin6_family = AF_INET6;
-    if (inet_pton(AF_INET, text, &four.sin_addr) == 1)
-      return standin::IsPublicAddress(reinterpret_cast<const sockaddr&>(four));
+/// An address as a socket takes it.
+struct Place {
+  explicit Place(const char* text) {
+    auto& four = reinterpret_cast<sockaddr_in&>(bytes);
+    auto& six = reinterpret_cast<sockaddr_in6&>(bytes);
+    bytes.ss_family = AF_INET;
+    if (inet_pton(AF_INET, text, &four.sin_addr) == 1) return;
+    bytes.ss_family = AF_INET6;
     EXPECT_EQ(inet_pton(AF_INET6, text, &six.sin6_addr), 1) << text;
-    return standin::IsPublicAddress(reinterpret_cast<const sockaddr&>(six));
+  }
+  [[nodiscard]] const sockaddr& address() const { return reinterpret_cast<const sockaddr&>(bytes); }
+  sockaddr_storage bytes{};
+};
+
+TEST(TheNetwork, HasPartsThatBeginWithTheSameBits) {
+  const auto holds = [](const char* prefix, const char* place) {
+    const auto read = standin::ReadPrefix(prefix);
+    EXPECT_TRUE(read) << prefix;
+    return read && read->holds(Place(place).address());
   };
+  EXPECT_TRUE(holds("2001:db8:1::/64", "2001:db8:1::1"));
+  EXPECT_FALSE(holds("2001:db8:1::/64", "2001:db8:1:1::1"));
+  EXPECT_TRUE(holds("2001:db8:1::/63", "2001:db8:1:1::1"));
+  EXPECT_TRUE(holds("198.51.100.64/26", "198.51.100.127"));
+  EXPECT_FALSE(holds("198.51.100.64/26", "198.51.100.128"));
+  EXPECT_FALSE(holds("198.51.100.64/26", "2001:db8:1::1"));
+  for (const char* none :
+       {"", "/", "2001:db8::", "2001:db8::/129", "198.51.100.0/33", "198.51.100.0/-1", "x/8"})
+    EXPECT_FALSE(standin::ReadPrefix(none)) << none;
+  const auto here = standin::PrefixesHere();
+  EXPECT_TRUE(std::any_of(here.begin(), here.end(), [](const standin::NetPrefix& each) {
+    return each.holds(Place("127.0.0.1").address());
+  })) << "every machine is in its own";
+}
+
+TEST(TheNetwork, LeadsNobodyFromASafeConnectionToAnOpenOne) {
+  using standin::WhyNotOn;
+  EXPECT_EQ(WhyNotOn("http://a/x", "http://b/y"), "");
+  EXPECT_EQ(WhyNotOn("http://a/x", "HTTPS://b/y"), "");
+  EXPECT_EQ(WhyNotOn("https://a/x", "https://b/y"), "");
+  EXPECT_EQ(WhyNotOn("HTTPS://a/x", "http://a/x"), "It leads on from a safe connection to an open one");
+  for (const char* other : {"file:///etc/passwd", "ftp://a/x", "gopher://a/x", ""})
+    EXPECT_EQ(WhyNotOn("http://a/x", other), "It leads on to what is no page of the web") << other;
+}
+
+TEST(TheNetwork, IsPublicWhereItBelongsToNoHouse) {
+  const auto isPublic = [](const char* text) { return standin::IsPublicAddress(Place(text).address()); };
   for (const char* each : {"8.8.8.8", "142.132.240.1", "172.32.0.1", "2a01:4f8::1", "2607:f8b0::5"})
     EXPECT_TRUE(isPublic(each)) << each;
   for (const char* each :
