@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <vector>
 
 #include "base/Failure.hpp"
@@ -17,6 +18,16 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kKeyLength = 32;
 constexpr std::int64_t kLargestFile = std::int64_t{16} << 20U;
+
+/// How far the order of use may be wrong after a start.
+constexpr std::chrono::hours kNoted{24};
+
+/// The time of the file tells the next start when it was last looked at.
+void NoteUse(const fs::path& file) {
+  std::error_code ignored;
+  const fs::file_time_type now = fs::file_time_type::clock::now();
+  if (now - fs::last_write_time(file, ignored) > kNoted) fs::last_write_time(file, now, ignored);
+}
 
 std::string NameOf(const std::string& key, int size) { return key + "-" + std::to_string(size) + ".jpg"; }
 
@@ -38,8 +49,9 @@ CoverShelf::CoverShelf(fs::path folder, Limits limits, Write write)
   }
   std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   for (const auto& [time, entry] : found) {
-    std::error_code ignored;
-    know(entry.path().filename().string(), entry.file_size(ignored));
+    std::error_code gone;
+    const std::uintmax_t bytes = entry.file_size(gone);
+    if (!gone) know(entry.path().filename().string(), bytes);
   }
 }
 
@@ -64,23 +76,32 @@ bool CoverShelf::has(const std::string& key, int size) {
 }
 
 std::optional<std::string> CoverShelf::take(const std::string& key, int size) {
-  const std::lock_guard lock(mutex_);
   const std::string name = NameOf(key, size);
-  const auto held =
-      std::find_if(held_.begin(), held_.end(), [&](const Held& each) { return each.name == name; });
-  if (held != held_.end()) {
-    held_.splice(held_.begin(), held_, held);
-    return held_.front().bytes;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto found = entries_.find(name);
+    if (found != entries_.end()) turns_.splice(turns_.begin(), turns_, found->second.turn);
+    const auto held =
+        std::find_if(held_.begin(), held_.end(), [&](const Held& each) { return each.name == name; });
+    if (held != held_.end()) {
+      held_.splice(held_.begin(), held_, held);
+      return held_.front().bytes;
+    }
+    if (found == entries_.end()) return std::nullopt;
   }
-  const auto found = entries_.find(name);
-  if (found == entries_.end()) return std::nullopt;
-  turns_.splice(turns_.begin(), turns_, found->second.turn);
+  // Outside of the lock: a disk may take its time, and others only want to know what is here.
+  const fs::path file = folder_ / name;
   try {
-    std::string bytes = files::ReadFile((folder_ / name).string(), kLargestFile).text;
+    std::string bytes = files::ReadFile(file.string(), kLargestFile).text;
+    NoteUse(file);
+    const std::lock_guard lock(mutex_);
     hold(name, bytes);
     return bytes;
-  } catch (const base::Failure&) {  // somebody has cleared the folder
-    forget(name);
+  } catch (const base::Failure&) {
+    std::error_code unknown;
+    const bool there = fs::exists(file, unknown);
+    const std::lock_guard lock(mutex_);
+    if (!there) forget(name);  // somebody has cleared the folder
     return std::nullopt;
   }
 }

@@ -7,6 +7,7 @@
 #include "base/Failure.hpp"
 #include "files/ReadFile.hpp"
 #include "pictures/Picture.hpp"
+#include "standin/covers/DecoderTurn.hpp"
 
 namespace standin {
 namespace {
@@ -14,20 +15,6 @@ namespace {
 /// At once: a picture may take some hundred MiB while it is unpacked.
 constexpr int kDecoders = 2;
 constexpr int kMostTries = 20;
-
-/// Holds one of the places for those who decode.
-class Turn {
- public:
-  explicit Turn(std::counting_semaphore<>& places) : places_(places) { places_.acquire(); }
-  ~Turn() { places_.release(); }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-  Turn(Turn&&) = delete;
-  Turn& operator=(Turn&&) = delete;
-
- private:
-  std::counting_semaphore<>& places_;
-};
 
 }  // namespace
 
@@ -92,7 +79,7 @@ std::string Covers::made(const std::string& bytes, const std::vector<int>& sizes
   if (bytes.empty()) return {};
   std::string key = CoverShelf::keyOf(bytes);
   if (hasAll(key, sizes)) return key;
-  const Turn turn(decoders_);
+  const DecoderTurn turn(decoders_);
   const std::string* from = &bytes;
   std::string last;
   for (const int size : sizes) {  // the largest first: each is made from the one before

@@ -8,8 +8,8 @@
 namespace standin {
 
 /// What has become of the pictures that the player has marked: their keys, or that there is none that can be
-/// shown. Kept in a file that is only ever added to, so that after a start nothing is read twice; without a
-/// place for it everything works as well. Thread-safe.
+/// shown, which counts for good once two runs have found it so. Kept in a file, so that after a start nothing
+/// is read twice; without a place for it everything works as well. Thread-safe.
 class PictureMarks {
  public:
   static constexpr std::size_t kMost = 200'000;

@@ -1,4 +1,5 @@
 // The covers of albums and of what plays.
+#include "standin/covers/DecoderTurn.hpp"
 #include "standin/covers/DrawnCover.hpp"
 #include "standin/routes/Routes.hpp"
 
@@ -38,7 +39,13 @@ WebAnswer Key(Covers& covers, const WebCall& call) {
 
 Routes CoverRoutes(Covers& covers) {
   const auto with = [&covers](auto answer) {
-    return Aside{[&covers, answer](const WebCall& call) { return answer(covers, call); }};
+    return Aside{[&covers, answer](const WebCall& call) -> WebAnswer {
+      try {
+        return answer(covers, call);
+      } catch (const DecodersBusy& busy) {  // pages ask again, and other threads of the web have other work
+        return Refusal(503, busy.description());
+      }
+    }};
   };
   return {{Method::kGet, "/api/cover", Role::kGuest, with(Picture)},
           {Method::kGet, "/api/cover/key", Role::kGuest, with(Key)}};

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
 
 #include "base/Failure.hpp"
 #include "files/WriteFile.hpp"
+#include "standin/covers/DecoderTurn.hpp"
 #include "standin/covers/PictureMarks.hpp"
 #include "support/TempFolder.hpp"
 
@@ -54,6 +56,34 @@ TEST_F(Shelf, MakesRoomByWhatNobodyHasAskedForLongest) {
   EXPECT_EQ(files, 2);
 }
 
+TEST_F(Shelf, CountsAsAskedForWhatIsInMemoryToo) {
+  CoverShelf shelf(place, {.disk = 10, .memory = 100}, &Write);
+  shelf.put(first, 256, "12345");
+  shelf.put(second, 256, "12345");
+  EXPECT_EQ(shelf.take(first, 256), "12345");
+  shelf.put(third, 256, "12345");
+  CoverShelf again(place);
+  EXPECT_TRUE(again.has(first, 256));
+  EXPECT_FALSE(again.has(second, 256));
+}
+
+TEST_F(Shelf, RemembersOverAStartWhatWasAskedForLast) {
+  const auto written = [&](const std::string& key, int days) {
+    const auto file = place / (key + "-256.jpg");
+    Write(file.string(), "12345");
+    std::filesystem::last_write_time(
+        file, std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * days));
+  };
+  std::filesystem::create_directories(place);
+  written(first, 30);
+  written(second, 20);
+  EXPECT_EQ(CoverShelf(place).take(first, 256), "12345");
+  CoverShelf shelf(place, {.disk = 10, .memory = 0}, &Write);
+  shelf.put(third, 256, "12345");
+  EXPECT_TRUE(shelf.has(first, 256));
+  EXPECT_FALSE(shelf.has(second, 256));
+}
+
 TEST_F(Shelf, OnAFullDiskStillHasTheNewestInMemory) {
   CoverShelf shelf(place, {.disk = 100, .memory = 10}, [](const std::string&, const std::string&) {
     throw base::Failure(base::number::kDiskFull);
@@ -91,23 +121,59 @@ TEST_F(Shelf, MarksAreKnownAfterAStartAndACutLineSpoilsNoOther) {
     EXPECT_EQ(marks.find("fA1"), std::nullopt);
     marks.put("fA1", first);
     marks.put("iB2", "");
+    EXPECT_EQ(marks.find("iB2"), "") << "it is not looked at again";
     marks.put("not a mark", second);
   }
   std::ofstream(file, std::ios::app) << "fC3 " << second.substr(0, 7);
   {
     PictureMarks marks(file);
     EXPECT_EQ(marks.find("fA1"), first);
-    EXPECT_EQ(marks.find("iB2"), "") << "known to be none";
+    EXPECT_EQ(marks.find("iB2"), std::nullopt) << "what failed once may have had no memory, or half a file";
+    marks.put("iB2", "");
     EXPECT_EQ(marks.find("fC3"), std::nullopt);
     marks.put("fD4", third);
     marks.put("fE5", third);
   }
   PictureMarks marks(file);
+  EXPECT_EQ(marks.find("fD4"), third) << "the line behind the cut one";
   EXPECT_EQ(marks.find("fE5"), third);
   EXPECT_EQ(marks.find("fA1"), first);
+  EXPECT_EQ(marks.find("iB2"), "") << "failed twice: known to be none";
 }
 
-TEST_F(Shelf, TooManyMarksBeginAnew) {
+TEST_F(Shelf, MarksThatSayNothingNewTakeNoRoom) {
+  const auto file = folder.path() / "marks";
+  const auto size = [&] { return std::filesystem::file_size(file); };
+  PictureMarks marks(file);
+  marks.put("a", first);
+  marks.put("b", "");
+  const auto before = size();
+  for (int i = 0; i < 50; ++i) {
+    marks.put("a", first);
+    marks.put("b", "");
+  }
+  EXPECT_EQ(size(), before);
+  for (int i = 0; i < 3000; ++i) marks.put("a", i % 2 == 0 ? second : third);
+  EXPECT_GT(size(), 3000U * 30);
+  EXPECT_EQ(PictureMarks(file).find("a"), third);
+  EXPECT_LT(size(), 200U) << "a start keeps what counts";
+  EXPECT_EQ(PictureMarks(file).find("a"), third);
+}
+
+TEST(ADecodersTurn, IsNotWaitedForWithoutAnEnd) {
+  constexpr std::chrono::milliseconds kAtOnce{0};
+  std::counting_semaphore<> places(2);
+  {
+    const standin::DecoderTurn one(places, kAtOnce);
+    const standin::DecoderTurn two(places, kAtOnce);
+    EXPECT_THROW(standin::DecoderTurn(places, kAtOnce), standin::DecodersBusy);
+    EXPECT_THROW(standin::DecoderTurn(places, kAtOnce), standin::DecodersBusy)
+        << "who got none gives none back";
+  }
+  EXPECT_NO_THROW(standin::DecoderTurn(places, kAtOnce));
+}
+
+TEST_F(Shelf, TooManyMarksLoseAHalf) {
   const auto file = folder.path() / "marks";
   PictureMarks marks(file, 2);
   marks.put("a", first);
