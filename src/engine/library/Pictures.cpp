@@ -1,9 +1,7 @@
 #include "engine/library/Pictures.hpp"
 
-#include <array>
-#include <cstdio>
+#include <exception>
 #include <filesystem>
-#include <functional>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -11,28 +9,17 @@
 #include "engine/tags/MediaFile.hpp"
 #include "files/ReadFile.hpp"
 #include "files/Stamp.hpp"
-#include "files/WriteFile.hpp"
 
 namespace engine {
 namespace {
 
 constexpr std::int64_t kMostBytes = std::int64_t{16} << 20U;
-
-/// The ending that fits the picture's first bytes.
-std::string Ending(const std::string& picture) {
-  if (picture.rfind("\x89PNG", 0) == 0) return ".png";
-  if (picture.rfind("GIF8", 0) == 0) return ".gif";
-  if (picture.rfind("BM", 0) == 0) return ".bmp";
-  if (picture.rfind("RIFF", 0) == 0) return ".webp";
-  return ".jpg";
-}
+constexpr std::size_t kMostKnown = 10000;
 
 }  // namespace
 
 Pictures::Pictures(std::string folder, std::string chosen)
-    : chosen_(std::move(chosen)), folder_(std::move(folder)) {
-  files::ClearLeftovers(folder_);
-}
+    : chosen_(std::move(chosen)), taken_(std::move(folder)) {}
 
 Pictures::Place Pictures::placeOf(const Sought& sought) {
   if (std::string chosen = chosen_.of(sought.artist, sought.album); !chosen.empty())
@@ -78,32 +65,21 @@ std::string Pictures::insideOf(const std::string& path) {
   } catch (const base::Failure&) {
     return {};
   }
-  const auto [place, fresh] = known_.try_emplace(key);
-  std::error_code ignored;
-  if (!fresh && (place->second.empty() || std::filesystem::exists(place->second.substr(7), ignored))) {
-    return place->second;
+  if (known_.size() >= kMostKnown) known_.clear();
+  if (const auto known = known_.find(key); known != known_.end()) {
+    if (known->second.empty()) return {};
+    if (TakenPictures::isThere(known->second)) return "file://" + known->second;
   }
-  place->second.clear();
-  std::string picture;
   try {
-    picture = tags::ReadPicture(path);
-  } catch (const base::Failure&) {
-    return {};
-  }
-  if (picture.empty()) return {};
-  std::array<char, 24> name{};
-  std::snprintf(name.data(), name.size(), "%016zx", std::hash<std::string>{}(picture));
-  const std::string file = folder_ + '/' + name.data() + Ending(picture);
-  try {
-    if (!std::filesystem::exists(file, ignored)) {
-      std::filesystem::create_directories(folder_);
-      files::WriteFile(file, picture);
-    }
+    const std::string picture = tags::ReadPicture(path);
+    std::string& taken = known_[key];
+    taken.clear();
+    if (!picture.empty()) taken = taken_.keep(picture);
+    return taken.empty() ? taken : "file://" + taken;
   } catch (const std::exception&) {
-    return {};  // without a place for it there is no picture
+    known_.erase(key);
+    return {};  // what can't be read, or has no place to be kept, may be and have one next time
   }
-  place->second = "file://" + file;
-  return place->second;
 }
 
 }  // namespace engine

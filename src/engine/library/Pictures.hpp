@@ -4,6 +4,7 @@
 
 #include "engine/library/ChosenPictures.hpp"
 #include "engine/library/FolderPictures.hpp"
+#include "engine/library/TakenPictures.hpp"
 
 namespace engine {
 
@@ -19,8 +20,7 @@ class Pictures {
     std::string album;
   };
 
-  /// `folder` is made when it is first needed. What a killed process has left half-written in it is cleared.
-  /// `chosen` holds the user's own choices.
+  /// `folder` is for what is taken out of files. `chosen` holds the user's own choices.
   Pictures(std::string folder, std::string chosen);
 
   /// A "file:" address of the picture, empty when there is none or it can't be kept.
@@ -42,8 +42,8 @@ class Pictures {
 
   ChosenPictures chosen_;
   FolderPictures besides_;
-  std::string folder_;
-  std::unordered_map<std::string, std::string> known_;  ///< by path and stamp
+  TakenPictures taken_;
+  std::unordered_map<std::string, std::string> known_;  ///< the taken ones' files, by path and stamp
 };
 
 }  // namespace engine
