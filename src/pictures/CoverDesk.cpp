@@ -63,7 +63,9 @@ void CoverDesk::download(const std::string& url, const std::string& path) {
 
 cover::Picture CoverDesk::load(const std::string& path) {
   cover::Picture picture{BytesOf(NativePath(path))};
-  if (!CanBeShown(picture.bytes)) throw Failure(kInvalidPicture, "Invalid picture");
+  if (picture.bytes == good_) return picture;  // one picture often serves as both sizes
+  if (!canBeShown_(picture.bytes)) throw Failure(kInvalidPicture, "Invalid picture");
+  good_ = picture.bytes;
   return picture;
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 #include "demo/Cover.hpp"
 #include "files/ReadFile.hpp"
@@ -121,6 +122,24 @@ TEST(CoverDesk, FetchesWhatLiesInFilesAndNothingElse) {
   EXPECT_EQ(support::FailureNumberOf([&] { desk.load(folder.path().string() + R"(\d.jpg)"); }), 53);
   files::WriteFile(folder.path().string() + "/t.png", "a text");
   EXPECT_EQ(support::FailureNumberOf([&] { desk.load(folder.path().string() + R"(\t.png)"); }), 481);
+}
+
+TEST(CoverDesk, LooksAtAPictureThatServesAsBothSizesOnce) {
+  const support::TempFolder folder;
+  const std::string path = folder.path().string();
+  std::vector<std::size_t> looks;
+  pictures::CoverDesk desk([&](const std::string& bytes) {
+    looks.push_back(bytes.size());
+    return bytes != "a text";
+  });
+  for (const char* name : {"/small.jpg", "/large.jpg"}) files::WriteFile(path + name, "a picture");
+  files::WriteFile(path + "/text.jpg", "a text");
+  for (const char* name : {"/small.jpg", "/large.jpg"}) EXPECT_EQ(desk.load(path + name).bytes, "a picture");
+  EXPECT_EQ(looks.size(), 1U);
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(support::FailureNumberOf([&] { desk.load(path + "/text.jpg"); }), 481) << "and again";
+  EXPECT_EQ(desk.load(path + "/small.jpg").bytes, "a picture");
+  EXPECT_EQ(looks.size(), 3U);
 }
 
 }  // namespace
