@@ -39,25 +39,31 @@ void SyncThread::run() {
   while (true) {
     changed_.wait(lock, [this] { return job_ || ending_; });
     if (!job_) return;
-    const Job job = *std::exchange(job_, std::nullopt);
+    Job job = *std::exchange(job_, std::nullopt);
+    job.after.insert(job.after.end(), std::make_move_iterator(left_.begin()),
+                     std::make_move_iterator(left_.end()));
+    left_.clear();
     lock.unlock();
-    carryOut(job);
+    if (!carryOut(job)) left_ = std::move(job.after);
     lock.lock();
   }
 }
 
-void SyncThread::carryOut(const Job& job) {
-  if (::fdatasync(job.file->get()) != 0) {
+bool SyncThread::carryOut(const Job& job) {
+  const auto fail = [&] {
     if (!std::exchange(told_, true))
       failed_(files::FileFailure(errno, job.folder, "Can't write ").description());
-    return;
+    return false;
+  };
+  if (::fdatasync(job.file->get()) != 0) return fail();
+  if (!job.after.empty()) {
+    // The new file's name has to be there before the old file's may go.
+    const files::Descriptor folder(::open(job.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.valid() || ::fsync(folder.get()) != 0) return fail();
+    for (const std::string& path : job.after) ::unlink(path.c_str());
   }
   told_ = false;
-  if (job.after.empty()) return;
-  // The new file's name has to be there before the old file's may go.
-  const files::Descriptor folder(::open(job.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder.valid()) ::fsync(folder.get());
-  for (const std::string& path : job.after) ::unlink(path.c_str());
+  return true;
 }
 
 }  // namespace engine

@@ -35,14 +35,16 @@ class SyncThread {
 
  private:
   void run();
-  void carryOut(const Job& job);
+  /// False when the files behind it have to stay for now.
+  bool carryOut(const Job& job);
 
   std::function<void(const std::string&)> failed_;
   std::mutex mutex_;  ///< guards `job_` and `ending_`
   std::condition_variable changed_;
   std::optional<Job> job_;
   bool ending_ = false;
-  bool told_ = false;  ///< the thread's own
+  bool told_ = false;              ///< the thread's own, as the next
+  std::vector<std::string> left_;  ///< files that may go once something is on the disk
   std::thread thread_;
 };
 
