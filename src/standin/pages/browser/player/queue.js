@@ -3,6 +3,7 @@ import {el} from '../kit/dom.js';
 import {html, render} from '../kit/html.js';
 import {later, whileShown} from '../kit/lasting.js';
 import {longList} from '../kit/longlist.js';
+import {oneAtATime} from '../kit/onetime.js';
 import {reorder} from '../kit/reorder.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
@@ -31,8 +32,7 @@ export class QueueList {
   #tellWatch = () => {};
   #away = () => {};  // takes the message away whose "Undo" would mean another step by now
   #answer = null;
-  #reading = null;
-  #readAgain = false;
+  #readAgain = oneAtATime(() => this.#read());
   #revision = 0;
   #row = -2;  // the one that is shown as playing
   #draw;
@@ -169,25 +169,18 @@ export class QueueList {
     }
   }
 
-  /** One after the other: of two at once each would be too old for the other. */
   #refresh() {
-    if (this.#drag.active()) {
-      this.#changes.late = true;
-      return Promise.resolve();
-    }
-    if (this.#reading) this.#readAgain = true;
-    else this.#reading = this.#read().finally(() => { this.#reading = null; });
-    return this.#reading;
+    if (!this.#drag.active()) return this.#readAgain();
+    this.#changes.late = true;
+    return Promise.resolve();
   }
 
   async #read() {
     const changes = this.#changes;
     try {
-      do {
-        this.#readAgain = changes.late = false;
-        if (await this.#list.refresh()) this.#me.version = this.#answer.version;
-        else changes.late = true;
-      } while (this.#readAgain);
+      changes.late = false;
+      if (await this.#list.refresh()) this.#me.version = this.#answer.version;
+      else changes.late = true;
       if (changes.late) later(this.#signal, () => changes.settle());
     } catch (error) {
       this.#failed(error);
