@@ -262,6 +262,16 @@ class ADiscOfTheHouse : public ::testing::Test {
   support::RealHouse house{{.music = music.path()}};
 };
 
+TEST_F(ADiscOfTheHouse, IsNothingThatStrangersCanAskForByWayOfAnotherServer) {
+  ASSERT_EQ(house.post("/api/covers/services", {{"on", true}}), 200);
+  const std::string release = std::string("/cover/?large=") + support::CoverServices::kRelease;
+  for (const std::string& path : {std::string("/redir/GetMDRCD.asp?cd=2+96+12C+20D"), release})
+    for (const char* header : {"X-Forwarded-For", "Forwarded", "X-Real-IP", "Via"})
+      EXPECT_EQ(house.client().Get(path, {{header, "for=203.0.113.7"}})->status, 403)
+          << path << " " << header;
+  EXPECT_TRUE(services.asked().empty());
+}
+
 TEST_F(ADiscOfTheHouse, GetsItsCoverFromTheServicesOnceTheOwnerHasSwitchedThemOn) {
   services.stored = engine::demo::CoverPng(9, 420);
   EXPECT_EQ(house.client().Get("/redir/GetMDRCD.asp?cd=2+96+12C+20D")->status, 404);

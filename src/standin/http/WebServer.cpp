@@ -16,6 +16,14 @@
 namespace standin {
 namespace {
 
+/// The address that it comes from; behind a server that passes requests on, which may stand on this very
+/// machine, nobody is taken for who stands before it.
+std::string PeerOf(const httplib::Request& request) {
+  for (const char* told : {"Forwarded", "X-Forwarded-For", "X-Real-IP", "Via"})
+    if (request.has_header(told)) return "by way of " + request.remote_addr;
+  return request.remote_addr;
+}
+
 constexpr std::size_t kLongestPath = 2048;
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr std::chrono::seconds kSessionCheck{15};
@@ -238,7 +246,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   if (route == nullptr || std::holds_alternative<HouseFile>(route->handler))
     return GiveFor(request, response, Refusal(404, "There is no such page"));
   if (std::holds_alternative<Live>(route->handler)) return stream(*route, request, response);
-  WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = request.remote_addr};
+  WebCall call{.method = Method::kGet, .path = path, .token = token, .peer = PeerOf(request)};
   for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
   GiveFor(request, response, api_.answer(*route, std::move(call)));
 }
@@ -264,7 +272,7 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
                                           .path = request.path,
                                           .body = std::move(body),
                                           .token = tokenOf(request),
-                                          .peer = request.remote_addr});
+                                          .peer = PeerOf(request)});
   if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
   GiveFor(request, response, std::move(answer));
 }
