@@ -72,9 +72,16 @@ Outline OutlineOfBmp(std::string_view bytes) {
   constexpr std::uint32_t kOldHead = 12;  // with numbers of two bytes
   Outline outline{"bmp"};
   Walk walk(bytes, 2);
-  outline.whole = walk.little(4) <= bytes.size() && bytes.size() > 26;
-  walk.to(14);
-  const unsigned digits = walk.little(4) == kOldHead ? 2 : 4;
+  const bool there = walk.little(4) <= bytes.size() && bytes.size() > 26;
+  walk.to(10);
+  const std::uint32_t pixels = walk.little(4);
+  const std::uint32_t head = walk.little(4);
+  walk.to(46);
+  const std::uint32_t colours = head == kOldHead ? 0 : walk.little(4);
+  // The loader makes as much room as these say before it has looked any further.
+  outline.whole = there && pixels <= bytes.size() && head <= bytes.size() && colours <= bytes.size() / 4;
+  walk.to(18);
+  const unsigned digits = head == kOldHead ? 2 : 4;
   const auto width = static_cast<std::int32_t>(walk.little(digits));
   const auto height = static_cast<std::int32_t>(walk.little(digits));
   // Below zero it stands on its head.

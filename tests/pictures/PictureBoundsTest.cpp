@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "pictures/Outline.hpp"
 #include "pictures/Picture.hpp"
 #include "pictures/PictureMaker.hpp"
 #include "support/InChild.hpp"
@@ -86,6 +87,17 @@ TEST(PictureBounds, OfOneThatMovesNoFrameIsUnpackedButTheFirst) {
                 640)
           << kind;
     }));
+  }
+}
+
+TEST(PictureBounds, PixelsThatAreSaidToBeginFarBehindTheEndAreNotWaitedFor) {
+  // Where its pixels begin, how long its head is, and how many colours it has.
+  for (const std::size_t place : {10, 14, 46}) {
+    std::string bmp = FlatBmp(100, 100);
+    EXPECT_TRUE(OutlineOf(bmp).whole);
+    bmp.replace(place, 4, "\0\0\0\xDA"s);
+    EXPECT_FALSE(OutlineOf(bmp).whole) << "the loader would make room for 3.6 GB";
+    EXPECT_FALSE(CanBeShown(bmp));
   }
 }
 
