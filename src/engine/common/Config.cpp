@@ -95,7 +95,8 @@ class Reader {
     if (key == "playback.crossfade") return number(config_.crossfade, value, 0, 12);
     if (key == "covers.folder" && !value.empty()) return set(config_.chosenCovers, Folder(value));
     if (key == "network.metadata") return set(config_.metadataAddress, value);
-    if (key == "network.cover") return set(config_.coverAddress, value);
+    if (key == "network.cover")  // what is asked for is put right behind it
+      return set(config_.coverAddress, value.empty() || value.back() == '/' ? value : value + '/');
     if (key == "cd.drive" && !value.empty()) {
       config_.cdDevices.push_back(value);
       config_.findCdDrives = false;

@@ -76,6 +76,14 @@ TEST(PlayerConfig, AFileIsReadOverThem) {
   EXPECT_EQ(config.mediaAccessRights, "read");
 }
 
+TEST(PlayerConfig, TheCoverServicesAddressEndsWithASlashWhoeverHasWrittenIt) {
+  const TempFolder folder;
+  std::ofstream(folder / "player.ini") << "[network]\ncover = http://localhost/cover\n";
+  EXPECT_EQ(LoadConfig(folder / "player.ini").coverAddress, "http://localhost/cover/");
+  std::ofstream(folder / "player.ini") << "[network]\ncover =\n";
+  EXPECT_EQ(LoadConfig(folder / "player.ini").coverAddress, "");
+}
+
 TEST(PlayerConfig, TheUsersCoversLieBesideThePlayersDataUnlessTheFileSaysWhere) {
   const TempFolder folder;
   std::ofstream(folder / "player.ini") << "[library]\ndata = /srv/data\n";
