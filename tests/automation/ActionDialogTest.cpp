@@ -101,6 +101,20 @@ TEST_F(ActionDialog, AStringWithoutAnActionFieldEndsEmptyWithItsLinesInTheLog) {
   EXPECT_TRUE(logged("Error", "Media Player ActionUI partial action string: "));
 }
 
+TEST_F(ActionDialog, AnyNumberOfFieldsIsAnsweredAndAllButElevenOrTwelveAreLogged) {
+  std::string action;
+  for (int fields = 1; fields <= 20; ++fields) {
+    action += fields == 1 ? "H0" : fields == 3 ? "\x02Stop" : "\x02";
+    journal.clear();
+    EXPECT_EQ(dialog(action).find("\tSome Band\r") != std::string::npos, fields >= 3) << fields;
+    EXPECT_EQ(text("ActionUIFormat", action), fields < 3 ? "" : "Stop") << fields;
+    const std::string wrong = "Media Player: Wrong number of arguments passed to ";
+    const std::string highest = ": " + std::to_string(std::max(fields - 2, 0));
+    EXPECT_EQ(logged("Error", wrong + "ActionUI" + highest), fields != 11 && fields != 12) << fields;
+    EXPECT_EQ(logged("Error", wrong + "ActionUIFormat" + highest), fields != 11 && fields != 12) << fields;
+  }
+}
+
 TEST_F(ActionDialog, TellsItsStepsToTheDebugLog) {
   plugin.state.DebugMessages = true;
   dialog("");
@@ -267,6 +281,14 @@ TEST_F(ActionJudged, BehindTheDialogWithoutListsAGroupPasses) {
   plugin.state.RefreshActions = false;
   dialog("");
   EXPECT_EQ(judged(Action("Play: PlayList", "Party")), "");
+}
+
+TEST_F(ActionJudged, AStringOfAnyNumberOfFieldsPassesWhereNothingIsWrongWithThem) {
+  std::string action;
+  for (int fields = 1; fields <= 20; ++fields) {
+    action += fields == 1 ? "H0" : fields == 3 ? "\x02Stop" : "\x02";
+    EXPECT_EQ(judged(action), "") << fields;
+  }
 }
 
 TEST_F(ActionJudged, AStringOfTooFewFieldsPassesWithALineInTheLog) {

@@ -108,6 +108,17 @@ TEST_F(ActionRun, TheFirstActionIsNeverHeldBack) {
   EXPECT_TRUE(warned());
 }
 
+TEST_F(ActionRun, FieldsBeyondTheLastAreLeftAlone) {
+  std::string action =
+      "H0\x02H1\x02Play: Album\x02\x02"
+      "Blue";
+  for (int fields = 5; fields <= 20; ++fields) {
+    // The title is read only where there is room for it and for what is typed.
+    EXPECT_THAT(run(action), ElementsAre("WMPPlay(Album, Blue, )")) << fields;
+    action += '\x02';
+  }
+}
+
 TEST_F(ActionRun, AFieldThatIsMissingCostsItsStatementAlone) {
   EXPECT_THAT(run(Joined({"H0", "H1", "Play: Album", "", "Blue"})), ElementsAre("WMPPlay(Album, Blue, )"));
   EXPECT_THAT(run(Joined({"H0", "H1", "Play: Genre", "", "Blue"})), IsEmpty());

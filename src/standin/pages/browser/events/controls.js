@@ -64,11 +64,11 @@ export const devicesOf = (house) => [...house.state.devices.values()]
   .sort((one, other) => deviceName(one).localeCompare(deviceName(other)));
 
 /** A field to look for a device in. */
-export function devicePick({label, ref, house, change, wanted = () => true, empty}) {
+export function devicePick({signal, label, ref, house, change, wanted = () => true, empty}) {
   const devices = devicesOf(house).filter(wanted);
   const names = new Map(devices.map((device) => [nameIn(devices, device), device.ref]));
   const nameOf = (number) => [...names].find(([, each]) => each === number)?.[0] ?? (number ? `Device ${number} (gone)` : '');
-  return new PickList({label, value: nameOf(ref), placeholder: 'Choose a device', empty,
+  return new PickList({signal, label, value: nameOf(ref), placeholder: 'Choose a device', empty,
     fetch: fromHere([...(empty ? [''] : []), ...names.keys()]), change: (name) => change(names.get(name) ?? 0)});
 }
 
@@ -79,13 +79,13 @@ function nameIn(devices, device) {
 }
 
 /** The names of a device's values. */
-export function valuePick({label, device, value, change}) {
+export function valuePick({signal, label, device, value, change}) {
   const known = new Map(device.value === Number(value) && device.valueName ? [[String(value), device.valueName]] : []);
   const fetch = async (from, count, search, signal) => {
     const {values} = await ask(`/api/values?${new URLSearchParams({ref: device.ref, q: search})}`, undefined, signal);
     for (const each of values) known.set(String(each.value), each.name);
     return {count: values.length, options: values.slice(from, from + count).map((each) => String(each.value))};
   };
-  return new PickList({label, value: String(value ?? ''), fetch, change: (chosen) => change(String(chosen)),
+  return new PickList({signal, label, value: String(value ?? ''), fetch, change: (chosen) => change(String(chosen)),
     name: (option) => (known.get(option)?.trim() ? `${known.get(option).trim()} (${option})` : option)});
 }

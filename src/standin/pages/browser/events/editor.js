@@ -1,5 +1,6 @@
 // One event: what it is called, when it runs, if it does, what it does, and how to try it out.
 import {html, live, render} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast, toastWithButton} from '../kit/toasts.js';
 import {Clash} from './clash.js';
@@ -22,6 +23,7 @@ class Editor {
   rule = freshRule();
   place;
   signal;
+  draw;
   edit;
   #house;
   #title;
@@ -38,16 +40,19 @@ class Editor {
   #trying;
   #picks = new Map();
   #kept;
+  #goOn;
 
   constructor(place, {signal, house, title, keep, kept}, name) {
     this.place = place;
     this.signal = signal;
+    this.draw = whileShown(signal, () => this.#drawn());
+    this.#goOn = whileShown(signal, (fresh) => this.#goesOn(fresh));
     this.edit = !house.state.user.guest;
     this.#house = house;
     this.#title = title;
     this.#name = name;
     this.#kept = kept;
-    this.tools = {house, choices: {devices: [], scripts: [], events: []}, place: new Place({signal, draw: () => this.draw()}),
+    this.tools = {house, signal, choices: {devices: [], scripts: [], events: []}, place: new Place({signal, draw: () => this.draw()}),
       storedWords: new Map(), pick: (part, key, make) => this.#pick(part, key, make), draw: () => this.draw()};
     this.#lists = {triggers: new Parts('triggers', this), conditions: new Parts('conditions', this), actions: new Parts('actions', this)};
     this.#trying = new Trying(this, {signal, house});
@@ -239,13 +244,14 @@ class Editor {
     if (this.#form) drafts.keep(id, this.#draft());  // what is still being entered in a form goes on there
     toast(`“${this.rule.name}” is saved`);
     await this.#filled?.savePartner(id);
-    if (this.signal.aborted) return;
-    if (fresh) {
-      location.replace(addressOf(id));
-      return;
-    }
+    await this.#goOn(fresh);
+  }
+
+  /** The page of what has been saved. */
+  #goesOn(fresh) {
+    if (fresh) return location.replace(addressOf(this.rule.id));
     this.draw();
-    await this.#readAgain();
+    return this.#readAgain();
   }
 
   /** With the words of what was saved. */
@@ -307,8 +313,8 @@ class Editor {
     this.place.querySelector('#event-save')?.click();
   }
 
-  draw() {
-    if (this.signal.aborted || !this.#loaded) return;
+  #drawn() {
+    if (!this.#loaded) return;
     this.#title(`${this.rule.name.trim() || 'New event'} · Events`);
     render(this.#gone ? this.#goneTemplate() : this.#clash ? this.#clash.template() : this.#template(), this.place);
   }

@@ -1,6 +1,6 @@
 // The house's events: what each does, whether it is on, and what has come of it last.
 import {html, live, nothing, render, repeat} from '../kit/html.js';
-import {later, Timer} from '../kit/lasting.js';
+import {later, Timer, whileShown} from '../kit/lasting.js';
 import {folded} from '../kit/picklist.js';
 import {ask, complain} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
@@ -32,6 +32,7 @@ export async function takeBack(step) {
 class EventList {
   #place;
   #signal;
+  #draw;
   #house;
   #edit;
   #events = [];
@@ -47,6 +48,7 @@ class EventList {
   constructor(place, {signal, house, keep, kept}) {
     this.#place = place;
     this.#signal = signal;
+    this.#draw = whileShown(signal, () => this.#drawn());
     this.#house = house;
     this.#edit = !house.state.user.guest;
     this.#sought = kept.sought ?? '';
@@ -143,8 +145,7 @@ class EventList {
     await this.look();
   }
 
-  #draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     const none = this.#read && !this.#events.length;
     render(html`<div class="page-head"><h1>Events</h1><div class="tools event-bar">${this.#edit ? this.#turns.buttons() : ''}
         <a class="button" href="#events/history">History</a>

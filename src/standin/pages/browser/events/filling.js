@@ -101,14 +101,14 @@ export class FilledTemplate {
   }
 
   #device(name, label, value) {
-    const pick = this.#pick(name, () => devicePick({label, ref: value, house: this.#editor.tools.house, empty: '(none)',
-      change: (ref) => this.#choose({[name]: ref})}));
+    const pick = this.#pick(name, () => devicePick({signal: this.#editor.signal, label, ref: value,
+      house: this.#editor.tools.house, empty: '(none)', change: (ref) => this.#choose({[name]: ref})}));
     return html`<div class="part-field part-wide"><span aria-hidden="true">${label}</span>${pick.node}</div>`;
   }
 
   #music(name, label, {category, name: chosen}) {
-    const pick = this.#pick(`${name} ${category}`, () => new PickList({label, value: chosen, placeholder: 'Choose the music', empty: '(nothing)',
-      change: (group) => this.#choose({[name]: {category, name: group}}),
+    const pick = this.#pick(`${name} ${category}`, () => new PickList({signal: this.#editor.signal, label, value: chosen,
+      placeholder: 'Choose the music', empty: '(nothing)', change: (group) => this.#choose({[name]: {category, name: group}}),
       fetch: async (from, count, search, signal) => {
         const query = new URLSearchParams({category, q: search, offset: from, limit: count});
         const {names, total} = await ask(`/api/library?${query}`, undefined, signal);

@@ -1,6 +1,6 @@
 // What has come of every trigger: of one event, or of all; newest first, live.
 import {html, live, render, repeat} from '../kit/html.js';
-import {Timer} from '../kit/lasting.js';
+import {Timer, whileShown} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {evaluationDetails, evaluationLine} from './evaluation.js';
 
@@ -14,6 +14,7 @@ export async function historyView(place, context, id) {
 class History {
   #place;
   #signal;
+  #draw;
   #title;
   #id;
   #name = '';
@@ -27,6 +28,7 @@ class History {
   constructor(place, {signal, house, title, keep, kept}, id) {
     this.#place = place;
     this.#signal = signal;
+    this.#draw = whileShown(signal, () => this.#drawn());
     this.#title = title;
     this.#id = id;
     this.#open = new Set(kept.open);
@@ -79,8 +81,7 @@ class History {
     this.#draw();
   }
 
-  #draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     const shown = this.#ran ? this.#entries.filter(({actions}) => actions.some(({begun}) => begun)) : this.#entries;
     render(html`<div class="page-head"><div class="head-words"><a class="back" href=${this.#id ? `#events/${this.#id}` : '#events'}
           aria-label=${this.#id ? 'Back to the event' : 'Back to the events'}>‹</a>

@@ -12,8 +12,8 @@ import {kStatusChoices} from './words.js';
 const pickOf = (tools, part, name, mark, make) => tools.pick(part, `${name} ${mark}`, make);
 
 const deviceField = (part, change, tools, options = {}) => html`<div class="part-field part-wide"><span aria-hidden="true">Device</span>${
-  pickOf(tools, part, 'device', '', () => devicePick({label: 'Device', ref: part.ref, house: tools.house,
-    change: (ref) => change({ref}), ...options})).node}</div>`;
+  pickOf(tools, part, 'device', '', () => devicePick({signal: tools.signal, label: 'Device', ref: part.ref,
+    house: tools.house, change: (ref) => change({ref}), ...options})).node}</div>`;
 
 const kFields = [['status', 'goes on or off'], ['value', 'value'], ['text', 'text']];
 const kCompared = {status: [['changes', 'changes'], ['equals', 'is']],
@@ -44,12 +44,12 @@ function wantedValue(part, change, tools, device) {
 }
 
 const namedValue = (part, change, tools, device) => html`<div class="part-field part-wide"><span aria-hidden="true">Value</span>${
-  pickOf(tools, part, 'value', device.ref, () => valuePick({label: 'Value', device, value: part.value,
+  pickOf(tools, part, 'value', device.ref, () => valuePick({signal: tools.signal, label: 'Value', device, value: part.value,
     change: (value) => change({value: typeof part.value === 'number' ? Number(value) : value})})).node}</div>`;
 
 const named = (label, names, part, property, change, tools) => html`<div class="part-field part-wide"><span aria-hidden="true">${label}</span>${
-  pickOf(tools, part, property, '', () => new PickList({label, value: names.get(part[property]) ?? '', placeholder: `Choose a ${label.toLowerCase()}`,
-    fetch: fromHere([...names.values()]),
+  pickOf(tools, part, property, '', () => new PickList({signal: tools.signal, label, value: names.get(part[property]) ?? '',
+    placeholder: `Choose a ${label.toLowerCase()}`, fetch: fromHere([...names.values()]),
     change: (name) => change({[property]: [...names].find(([, each]) => each === name)[0]})})).node}</div>`;
 
 const eventField = (part, change, tools) =>

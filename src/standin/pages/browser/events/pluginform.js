@@ -1,6 +1,7 @@
 // A dialog of the plug-in as a form: its fields as the plug-in has described and changed them.
 import {el} from '../kit/dom.js';
 import {html, live, render} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {fromHere, PickList} from '../kit/picklist.js';
 import {ask} from '../kit/server.js';
 import {rowsOf, sized} from './formlayout.js';
@@ -20,6 +21,7 @@ export class PluginForm {
   #hear;
   #house;
   #signal;
+  #draw;
   #dialog = 0;
   #form = null;
   #typed;         // what has been entered since the form came, by the field's number
@@ -37,6 +39,7 @@ export class PluginForm {
     this.#note = note;
     this.#house = house;
     this.#signal = signal;
+    this.#draw = whileShown(signal, () => this.#drawn());
     this.#hear = {keep, done, cancel};
     this.#typed = {...kept?.values};
     this.#pressed = kept?.pressed;
@@ -202,8 +205,7 @@ export class PluginForm {
     return this.#open();
   }
 
-  #draw() {
-    if (this.#signal.aborted) return;
+  #drawn() {
     const off = this.#busy || Boolean(this.#trouble);
     render(html`${this.#notice()}
       ${this.#form ? html`<p class="quiet form-title">${this.#form.title}</p>
@@ -272,7 +274,7 @@ export class PluginForm {
     if (known) return known.pick;
     const fetchOf = (now) => (now.options.length >= now.count ? fromHere(now.options) : (from, count, search, signal) =>
       ask(`/api/dialog/options?${new URLSearchParams({dialog: this.#dialog, field: now.number, from, count, search})}`, undefined, signal));
-    const pick = new PickList({id, label: field.label.trim(), fetch: fetchOf(field), describedby: `${id}-error`,
+    const pick = new PickList({signal: this.#signal, id, label: field.label.trim(), fetch: fetchOf(field), describedby: `${id}-error`,
       placeholder: `${field.count.toLocaleString()} to choose from`, change: (value) => this.#enter(field, value)});
     this.#lists.set(field.number, {pick, renew: (now) => { pick.fetch = fetchOf(now); }});
     return pick;

@@ -1,5 +1,6 @@
 // A field whose value is one of a list of any length: what is typed is looked for, only the rows in sight exist.
 import {el} from './dom.js';
+import {Timer} from './lasting.js';
 
 const kRow = 40;     // pixels, as in the style sheet
 const kPage = 100;
@@ -17,7 +18,7 @@ export const fromHere = (names) => async (from, count, search) => {
 };
 
 /**
- * `fetch(from, count, search, signal)` answers {count, options}; `change(value)` hears what was chosen. `node` is the
+ * It ends with `signal`. `fetch(from, count, search, signal)` answers {count, options}; `change(value)` hears what was chosen. `node` is the
  * field; `name(option)` is what the reader sees of an option, which itself need not be a text, and `empty` what
  * stands for an empty one.
  */
@@ -35,11 +36,13 @@ export class PickList {
   #count = 0;
   #active = -1;
   #turn = 0;
-  #timer = 0;
+  #typing;
   #fetching = new AbortController();
 
-  constructor({id = '', label, value = '', placeholder = '', fetch, change, name = (option) => option, empty = '(nothing)',
+  constructor({signal, id = '', label, value = '', placeholder = '', fetch, change, name = (option) => option, empty = '(nothing)',
     describedby}) {
+    this.#typing = new Timer(signal, () => this.#look());
+    signal.addEventListener('abort', () => this.#fetching.abort());
     this.#fetch = fetch;
     this.#change = change;
     this.#name = (option) => name(option) || empty;
@@ -92,8 +95,7 @@ export class PickList {
     input.addEventListener('focus', () => input.select());
     input.addEventListener('click', () => { if (!this.open) this.#look(''); });
     input.addEventListener('input', () => {
-      clearTimeout(this.#timer);
-      this.#timer = setTimeout(() => this.#look(), kTyping);
+      this.#typing.start(kTyping);
     });
     input.addEventListener('blur', () => this.#close());
     input.addEventListener('keydown', (event) => this.#key(event));
@@ -140,7 +142,7 @@ export class PickList {
   }
 
   #close() {
-    clearTimeout(this.#timer);
+    this.#typing.stop();
     this.#turn++;
     this.#fetching.abort();
     this.#list.hidden = true;

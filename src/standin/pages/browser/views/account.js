@@ -1,6 +1,7 @@
 // Signing out, the owner's password, and what guests need.
 import {dropAllDrafts} from '../kit/drafts.js';
 import {html, nothing, render} from '../kit/html.js';
+import {whileShown} from '../kit/lasting.js';
 import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
 
@@ -13,12 +14,12 @@ function mount(place, {signal, house}) {
   let guests = null;  // as chosen and not saved yet
   let asked = false;
   let services = null;  // whether covers are asked for in the network; not known yet
-  const draw = () => {
+  const draw = whileShown(signal, () => {
     if (!house.state.user) return;
     if (!asked && !house.state.user.guest) loadServices();
     const covers = services === null ? nothing : coverForm(services);
     render(page(house, guests ?? house.state.user.guests, chooseGuests, covers), place);
-  };
+  });
   const chooseGuests = (rule) => {
     guests = rule;
     draw();
@@ -29,7 +30,7 @@ function mount(place, {signal, house}) {
   async function loadServices() {
     asked = true;
     const told = await ask('/api/covers/services', undefined, signal).catch(() => null);
-    if (signal.aborted || told === null) return;
+    if (told === null) return;
     services = told.on;
     draw();
   }
