@@ -249,12 +249,9 @@ std::optional<PlayerList> PlayerLists::group(const std::string& category, const 
   };
   if (PlayerList found = groupOf(name); found.object() && found.count() > 0) return found;
   if (!MayBeShownAsAnother(name)) return std::nullopt;
-  const base::ObjectRef values =
-      base::ToObject(media()->invoke("getAttributeStringCollection", category, "Audio"));
-  for (std::int32_t i = 0, end = CountOf(values); i < end; ++i) {
-    const std::string value = base::ToText(values->invoke("item", i));
+  // All names in one call: asked for one by one, a name that nobody has would hold up everybody else.
+  for (const std::string& value : TextsOf(script_->invoke("GetCategoryList", category)))
     if (value != name && IsShownAs(value, name)) return groupOf(value);
-  }
   return std::nullopt;
 }
 
