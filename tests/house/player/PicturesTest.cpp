@@ -1,4 +1,4 @@
-// The picture of what plays, and what the page does to have it.
+// The picture of what plays, and what the page does to have it; what it does not while nobody looks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,6 +20,28 @@ constexpr const char* kSpoils = R"(
   Object.defineProperty(HTMLImageElement.prototype, 'src', {...own, set(value) {
     own.set.call(this, window.spoils ? '/nothing.png' : value); }});
   addEventListener('error', (event) => { if (event.target instanceof HTMLImageElement) window.failed++; }, true);)";
+
+/// What the page asks for and waits for; whether anybody looks, the test says.
+constexpr const char* kCounts = R"(
+  window.asked = []; window.waits = new Set(); window.away = false;
+  const plain = {};
+  for (const each of ['fetch', 'setTimeout', 'clearTimeout', 'setInterval', 'requestAnimationFrame'])
+    plain[each] = window[each].bind(window);
+  window.fetch = (path, options) => { asked.push(path); return plain.fetch(path, options); };
+  window.setTimeout = (work, time, ...rest) => {
+    const id = plain.setTimeout(() => { waits.delete(id); work(...rest); }, time);
+    waits.add(id);
+    return id;
+  };
+  window.clearTimeout = (id) => { waits.delete(id); plain.clearTimeout(id); };
+  window.setInterval = (...given) => { waits.add('for ever'); return plain.setInterval(...given); };
+  window.requestAnimationFrame = (work) => {
+    const id = plain.requestAnimationFrame((time) => { waits.delete(`frame ${id}`); work(time); });
+    waits.add(`frame ${id}`);
+    return id;
+  };
+  Object.defineProperty(Document.prototype, 'hidden', {get: () => window.away});
+  window.look = (value) => { away = !value; document.dispatchEvent(new Event('visibilitychange')); };)";
 
 class PlayersPictures : public support::PlayerBar {
  protected:
@@ -72,6 +94,25 @@ TEST_F(PlayersPictures, ThatDidNotComeAreAskedForAgain) {
       "return failed > 0 && document.querySelector('#player-bar .cover img').hidden"));
   listener.browser.run("spoils = false");
   EXPECT_TRUE(showsPicture(listener)) << "though nothing else has happened";
+}
+
+TEST_F(PlayersPictures, AndTimeCostNothingWhileNobodyLooks) {
+  Listener listener(house, 1280);
+  play("Framed", "Inked");
+  listener.browser.beforeEachPage(kCounts);
+  listener.open("#devices");
+  ASSERT_TRUE(listener.plays("Inked"));
+  ASSERT_TRUE(showsPicture(listener));
+  ASSERT_TRUE(listener.browser.eventually("return waits.size > 0")) << "the position moves on";
+  EXPECT_EQ(listener.browser.run("return [...waits].filter(each => String(each).startsWith('frame')).length"),
+            0);
+  listener.browser.run("look(false)");
+  EXPECT_TRUE(listener.browser.eventually("asked = []; return waits.size === 0"))
+      << listener.browser.run("return [...waits]");
+  EXPECT_EQ(listener.browser.run("return [asked, waits.size]"), json({json::array(), 0}))
+      << "with nothing to wait for, nothing begins";
+  listener.browser.run("look(true)");
+  EXPECT_TRUE(listener.browser.eventually("return waits.size > 0"));
 }
 
 TEST_F(PlayersPictures, OfDiscsAreAskedForOnceTheOwnerSaysSo) {

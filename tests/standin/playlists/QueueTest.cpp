@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "standin/fakes/PlaylistHouse.hpp"
 
 namespace {
@@ -65,6 +67,18 @@ TEST_F(QueuePages, EveryChangeIsAStepWithANameThatIsUndoneAndRedone) {
   EXPECT_EQ(queue().at("redo"), "removing “A”");
   for (int i = 0; i < 5; ++i) EXPECT_EQ(turn("redo", mine), 200) << last;
   EXPECT_THAT(queued(), IsEmpty());
+}
+
+TEST_F(QueuePages, AnAlbumThatNobodyHasIsLookedForInOneCall) {
+  const auto asked = [&] {
+    const auto calls = plugin.calls();
+    return std::count(calls.begin(), calls.end(), "GetCategoryList Album");
+  };
+  const auto before = asked();
+  EXPECT_EQ(queueing("add", {{"category", "Album"}, {"group", "no such album"}, {"titles", json::array()}}),
+            404)
+      << last;
+  EXPECT_EQ(asked(), before + 1);
 }
 
 TEST_F(QueuePages, StepsSurviveTheServerAsLongAsThePlayerHoldsThatQueue) {
