@@ -5,7 +5,7 @@
     tools/tidy.py BUILD_FOLDER --all     every file that BUILD_FOLDER's compile_commands.json names
 
 A changed header is checked through the files that include it directly. What was found clean is remembered by its
-content and that of everything of ours that it includes, and not looked at again until one of them changes.
+content and that of what of ours it includes itself, and not looked at again until one of them changes.
 """
 import argparse
 import concurrent.futures
@@ -64,15 +64,10 @@ def included(path, folders):
                 break
 
 
-def closure(path, folders):
-    """`path` and everything of ours that it takes in."""
-    found, to_read = set(), [path]
-    while to_read:
-        each = to_read.pop()
-        if each not in found:
-            found.add(each)
-            to_read += included(each, folders)
-    return found
+def rules(path):
+    """The rules for that file: those of its folders, from the top down."""
+    folders = [folder for folder in reversed(path.parents) if folder == ROOT or ROOT in folder.parents]
+    return b"".join(content(file) for folder in folders if (file := folder / ".clang-tidy").is_file())
 
 
 class Unit:
@@ -85,9 +80,10 @@ class Unit:
         self.folders = [pathlib.Path(entry["directory"], word) for word in words]
 
     def key(self, tool):
-        """Differs whenever the answer could."""
+        """Differs when the file, its rules or what it includes itself does: with everything below those in it, a
+        change to a low header would have hundreds looked at for what hardly ever concerns them."""
         text = hashlib.sha256(tool + self.command.encode())
-        for each in sorted(closure(self.path, self.folders)):
+        for each in sorted({self.path, *included(self.path, self.folders)}):
             text.update(hashlib.sha256(content(each)).digest())
         return text.hexdigest()
 
@@ -122,10 +118,8 @@ def main():
         units = [unit for unit in units
                  if unit.path in touched or not touched.isdisjoint(included(unit.path, unit.folders))]
     tool = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
-    for rules in (".clang-tidy", "bench/.clang-tidy", "tests/.clang-tidy"):
-        tool += (ROOT / rules).read_bytes()
     CACHE.mkdir(parents=True, exist_ok=True)
-    fresh = [(unit, CACHE / unit.key(tool)) for unit in units]
+    fresh = [(unit, CACHE / unit.key(tool + rules(unit.path))) for unit in units]
     fresh = [(unit, mark) for unit, mark in fresh if not mark.exists()]
     print(f"{len(units)} of {total} files, {len(units) - len(fresh)} of them known to be clean", flush=True)
 
