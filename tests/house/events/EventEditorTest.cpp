@@ -7,6 +7,7 @@ namespace {
 
 using support::EventsAtAnyWidth;
 using support::EventsInTheHouse;
+using json = nlohmann::json;
 using testing::HasSubstr;
 
 class EventEditor : public EventsAtAnyWidth {};
@@ -42,6 +43,23 @@ TEST_P(EventEditor, ItTellsWhatWouldHappenAndWhichConditionSaidNo) {
   ASSERT_TRUE(user.has(".history li"));
   EXPECT_TRUE(user.shows("Did not run"));
   EXPECT_TRUE(user.fits());
+}
+
+TEST_P(EventEditor, SaveLiesAboveThePlayersBarWhereverTheFormIsScrolledTo) {
+  json waits = json::array();
+  for (int i = 0; i < 12; ++i) waits.push_back({{"kind", "wait"}, {"seconds", i + 1}});
+  const int id = store("Long", {{"actions", waits}});
+  user.open("/" + std::to_string(id));
+  ASSERT_TRUE(user.has("#event-save"));
+  ASSERT_TRUE(user.has("#player-bar"));
+  for (const char* place : {"0", "200", "document.body.scrollHeight"}) {
+    user.browser.run(std::string("scrollTo(0, ") + place + ")");
+    EXPECT_TRUE(user.browser.eventually(
+        "const at = document.querySelector('#event-save').getBoundingClientRect();"
+        "return Boolean(document.elementFromPoint(at.x + at.width / 2, at.y + at.height / 2)"
+        "?.closest('#event-save'))"))
+        << "at " << place;
+  }
 }
 
 TEST_P(EventEditor, WhatRunsIsStopped) {
