@@ -1,6 +1,7 @@
 #pragma once
 #include <httplib.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -18,7 +19,7 @@ class Browser {
   using Json = nlohmann::json;
 
   explicit Browser(int width = 1280, int height = 900) {
-    const std::string& said = driver_.outputWith("was started successfully");
+    const std::string& said = driver_->outputWith(kStarted);
     const std::string before = "on port ";
     // Newer drivers name the port in their last line, all name it in the first.
     port_ = std::stoi(said.substr(said.rfind(before) + before.size()));
@@ -132,6 +133,21 @@ class Browser {
   std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }
 
  private:
+  static constexpr const char* kStarted = "was started successfully";
+
+  /// The driver takes a port that is free for one kind of address and may find it taken for the other.
+  static std::unique_ptr<Process> started() {
+    for (int left = 5;; --left) {
+      auto driver = std::make_unique<Process>(std::vector<std::string>{"chromedriver", "--port=0"});
+      try {
+        driver->outputWith(kStarted);
+        return driver;
+      } catch (const std::runtime_error&) {
+        if (left == 0) throw;
+      }
+    }
+  }
+
   /// By which the protocol names an element among other values.
   static constexpr const char* kElementKey = "element-6066-11e4-a52e-4f735466cecf";
 
@@ -172,7 +188,7 @@ class Browser {
   }
 
   TempFolder profile_;
-  Process driver_{{"chromedriver", "--port=0"}};
+  std::unique_ptr<Process> driver_ = started();
   int port_ = 0;
   std::string session_;
   std::vector<std::string> tabs_;
