@@ -42,7 +42,7 @@ MAY_INCLUDE = {
     "engine/machine": "base engine/library engine/tags player",
     "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists engine/queue "
               "player",
-    "demo": "base engine/common",
+    "demo": "base engine/common files",
     "standin/settings": "base files",
     "standin/pages": "base",
     "standin/house": "base database files standin/pages standin/settings",

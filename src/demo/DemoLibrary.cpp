@@ -7,6 +7,7 @@
 #include "demo/Cover.hpp"
 #include "demo/Piece.hpp"
 #include "demo/Tags.hpp"
+#include "files/WriteFile.hpp"
 
 namespace engine::demo {
 namespace {
@@ -48,6 +49,18 @@ void Make(const fs::path& folder, const Piece& piece) {
             piece.cover != 0 ? CoverPng(static_cast<std::uint32_t>(piece.cover)) : "");
 }
 
+/// A playlist to wake up with: how each album begins.
+void MakePlaylist(const fs::path& folder, const std::vector<Piece>& pieces) {
+  fs::create_directories(folder);
+  std::string text = "#EXTM3U\n";
+  for (const Piece& piece : pieces) {
+    if (piece.tags.track != 1) continue;
+    text += "#EXTINF:" + std::to_string(piece.seconds) + "," + piece.tags.artist + " - " + piece.tags.title;
+    text += "\n../" + piece.file + "\n";
+  }
+  files::WriteFile((folder / "Good Morning.m3u8").string(), text);
+}
+
 }  // namespace
 
 bool MakeDemoLibrary(const std::string& folder, const std::function<void(const std::string&)>& told,
@@ -67,6 +80,7 @@ bool MakeDemoLibrary(const std::string& folder, const std::function<void(const s
       told(piece.file + ": " + piece.tags.artist + ", " + piece.tags.title);
       Make(made.path(), piece);
     }
+    MakePlaylist(made.path() / "Playlists", pieces);
     made.putInPlace(place);
     told("The demonstration library is in " + place.string());
     return true;

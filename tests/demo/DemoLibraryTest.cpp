@@ -46,6 +46,19 @@ TEST(DemoLibrary, ItIsMadeOnceAndWhole) {
   EXPECT_EQ(lines.size(), 1U);
 }
 
+class DemoPlaylist : public PlayerTest {};
+
+TEST_F(DemoPlaylist, HoldsHowEachAlbumBegins) {
+  ASSERT_TRUE(demo::MakeDemoLibrary(folder / "demo", [](const std::string&) {}));
+  config.musicFolders = {folder / "demo"};
+  config.playlistFolder = folder / "demo/Playlists";
+  startWith(static_cast<int>(demo::Pieces().size()));
+  const auto lists = player->playlistCollection().getByName("Good Morning");
+  ASSERT_EQ(lists->count(), 1);
+  EXPECT_THAT(Names(*lists->item(0)),
+              ::testing::ElementsAre("Horizon", "Route 7, Exit 9", "¿Quién baila?", "00:01"));
+}
+
 TEST(DemoLibrary, WhatAKilledAttemptLeftDoesNotStandInTheWay) {
   const TempFolder folder;
   fs::create_directories(folder / ".demo.part/half");
