@@ -66,6 +66,24 @@ TEST_P(EventTemplates, WakeUpAsksForTheMusicAndRefusesToDoWithout) {
            "(Play entire list)\u0002\u0002No Action\u0002"}));
 }
 
+TEST_P(EventTemplates, WakeUpWithAPlaylistIsHeardEverLouder) {
+  ASSERT_EQ(house.post("/api/play", {{"category", "Album"}, {"name", "Counting"}}), 200);
+  ASSERT_TRUE(house.textBecomes("Title", "One"));
+  ASSERT_EQ(house.post("/api/queue/save", {{"to", "Morning"}}), 200);
+  ASSERT_EQ(house.press("Status", "Stop"), 200);
+  begin("wake");
+  find("Wake with", "Morning");
+  save();
+  const int id = listed("Wake up")["id"];
+  ASSERT_EQ(house.post("/api/event/run", {{"id", id}}), 200);
+  EXPECT_TRUE(house.textBecomes("Status", "Playing"));
+  const auto volume = [&] { return ask("/api/player")["volume"].get<int>(); };
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(support::Eventually([&, at = volume()] { return volume() > at; }));
+  EXPECT_EQ(listed("Wake up")["running"], 1);
+  ASSERT_EQ(house.post("/api/event/stop", {{"id", id}}), 200);
+  EXPECT_TRUE(comes("Wake up", "stopped"));
+}
+
 TEST_P(EventTemplates, TheSleepTimerWaitsAndFades) {
   begin("sleep");
   save();
