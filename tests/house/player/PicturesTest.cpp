@@ -5,6 +5,7 @@
 #include "demo/Cover.hpp"
 #include "house/player/Listener.hpp"
 #include "support/Axe.hpp"
+#include "support/SpoiltPictures.hpp"
 
 namespace {
 
@@ -12,14 +13,6 @@ using nlohmann::json;
 using support::Eventually;
 using support::Listener;
 using testing::IsEmpty;
-
-/// Pictures are something else for as long as the test says so.
-constexpr const char* kSpoils = R"(
-  window.spoils = true; window.failed = 0;
-  const own = Object.getOwnPropertyDescriptor(HTMLImageElement.prototype, 'src');
-  Object.defineProperty(HTMLImageElement.prototype, 'src', {...own, set(value) {
-    own.set.call(this, window.spoils ? '/nothing.png' : value); }});
-  addEventListener('error', (event) => { if (event.target instanceof HTMLImageElement) window.failed++; }, true);)";
 
 /// What the page asks for and waits for; whether anybody looks, the test says.
 constexpr const char* kCounts = R"(
@@ -88,7 +81,7 @@ TEST_F(PlayersPictures, AreToldWhenTheyMayBeOthers) {
 TEST_F(PlayersPictures, ThatDidNotComeAreAskedForAgain) {
   play("Framed", "Inked");
   Listener listener(house, 1280);
-  listener.browser.beforeEachPage(kSpoils);
+  listener.browser.beforeEachPage(support::kSpoilsPictures);
   listener.open("#devices");
   ASSERT_TRUE(listener.browser.eventually(
       "return failed > 0 && document.querySelector('#player-bar .cover img').hidden"));

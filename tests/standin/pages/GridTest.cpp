@@ -8,6 +8,7 @@
 #include "standin/fakes/ServerProcess.hpp"
 #include "support/Browser.hpp"
 #include "support/BusDaemon.hpp"
+#include "support/SpoiltPictures.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
@@ -24,14 +25,6 @@ constexpr const char* kUp = "\uE013";
 constexpr const char* kRight = "\uE014";
 constexpr const char* kDown = "\uE015";
 constexpr const char* kPageDown = "\uE00F";
-
-/// What an image is told to show is something else for as long as the test says so.
-constexpr const char* kSpoils = R"(
-  window.spoils = true; window.failed = 0;
-  const own = Object.getOwnPropertyDescriptor(HTMLImageElement.prototype, 'src');
-  Object.defineProperty(HTMLImageElement.prototype, 'src', {...own, set(value) {
-    own.set.call(this, window.spoils ? '/nothing.png' : value); }});
-  addEventListener('error', (event) => { if (event.target instanceof HTMLImageElement) window.failed++; }, true);)";
 
 class Grid : public testing::Test {
  protected:
@@ -185,7 +178,7 @@ TEST_F(Grid, PlaysAnAlbumByItsButton) {
 }
 
 TEST_F(Grid, ShowsLettersWhereAPictureFailsAndAsksAgain) {
-  browser.beforeEachPage(kSpoils);
+  browser.beforeEachPage(support::kSpoilsPictures);
   open();
   ASSERT_TRUE(browser.eventually("return failed > 0 && !document.querySelector('.tile img')"));
   EXPECT_EQ(browser.run("return document.querySelector('.tile[data-index=\"3\"] .tile-cover').textContent"),
