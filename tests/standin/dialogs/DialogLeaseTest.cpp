@@ -27,7 +27,7 @@ class DialogLease : public testing::Test {
     keeper.start();
     EXPECT_TRUE(support::TurnUntil(loop, [this] { return keeper.state() == standin::PluginPhase::kReady; }));
   }
-  ~DialogLease() override { keeper.stop(); }
+  void TearDown() override { keeper.stop(); }
   DialogAnswer open(const std::string& session, bool take = false) {
     std::optional<DialogAnswer> answer;
     dialog.open(standin::DialogKind::kTrigger, "", {session, "owner"}, take,

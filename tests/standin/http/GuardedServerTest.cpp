@@ -26,7 +26,7 @@ class AGuardedServer : public testing::Test {
     port = server.bind_to_any_port("127.0.0.1");
     thread = std::thread([this] { server.listen_after_bind(); });
   }
-  ~AGuardedServer() override { end(); }
+  void TearDown() override { end(); }
   void end() {
     if (!thread.joinable()) return;
     server.stopNow();

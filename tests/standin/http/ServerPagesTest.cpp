@@ -64,7 +64,7 @@ TEST_F(Server, APostReachesThePluginAsItIs) {
   const std::vector<std::string> bodies{"no pair at all",
                                         "&&&",
                                         "100%&a=%&b=%zz&c=%u0041",
-                                        std::string("a=\0\0&b\0=1", 10),
+                                        std::string("a=\0\0&b\0=1", 9),
                                         "a=\xff\xfe broken text",
                                         "title=Über&a=<script>",
                                         pairs};

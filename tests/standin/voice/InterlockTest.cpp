@@ -44,7 +44,7 @@ class SpeechOverMusic : public testing::Test {
     engine::demo::WriteSound(path, engine::demo::Tone(220, 900, 8000), engine::demo::FileFormat::kFlac);
     engine::demo::WriteTags(path, tags);
   }
-  ~SpeechOverMusic() override { keeper.stop(); }
+  void TearDown() override { keeper.stop(); }
   void start(const std::string& whileSpeaking) {
     house.settings.save("vxif_WMP.ini", "Settings", "WhileSpeaking", whileSpeaking);
     connection.claimName("org.vantorix.Host");
