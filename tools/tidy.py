@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Runs clang-tidy, several at a time, over what changed against the branch's base, or over everything.
 
-    tools/tidy.py BUILD_FOLDER           what differs from main's base (on main: from the commit before)
+    tools/tidy.py BUILD_FOLDER           what differs from the commit at which everything was clean, which is named in
+                                         tools/tidy-base
     tools/tidy.py BUILD_FOLDER --all     every file that BUILD_FOLDER's compile_commands.json names
 
 A changed header is checked through the files that include it directly. What was found clean is remembered by its
@@ -33,20 +34,14 @@ def git(*words):
     return done.stdout.splitlines() if done.returncode == 0 else None
 
 
-def first_line(*words):
-    return (git(*words) or [""])[0]
-
-
 def changed():
-    """The files that differ from the branch's base, or None when there is no history to ask."""
-    head = first_line("rev-parse", "HEAD")
-    if not head:
+    """The files that differ from the commit at which everything was clean; None where the history doesn't reach back
+    to it, as in an unpacked archive."""
+    base = (ROOT / "tools" / "tidy-base").read_text().strip()
+    names = git("diff", "--name-only", base)
+    if names is None:
         return None
-    base = next((each for name in ("origin/main", "main") if (each := first_line("merge-base", name, "HEAD"))), head)
-    if base == head:
-        base = first_line("rev-parse", "--verify", "--quiet", "HEAD~") or head
-    names = (git("diff", "--name-only", base) or []) + (git("ls-files", "--others", "--exclude-standard") or [])
-    return {ROOT / name for name in names}
+    return {ROOT / name for name in names + (git("ls-files", "--others", "--exclude-standard") or [])}
 
 
 @functools.cache
@@ -113,7 +108,7 @@ def main():
     if not asked.all:
         touched = changed()
         if touched is None:
-            print("There is no history here, so nothing is known to have changed: --all looks at every file.")
+            print("The history doesn't reach back to the commit at which all was clean: --all looks at every file.")
             return 0
         units = [unit for unit in units
                  if unit.path in touched or not touched.isdisjoint(included(unit.path, unit.folders))]
