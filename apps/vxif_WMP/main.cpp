@@ -67,7 +67,7 @@ int Serve() {
   });
   player::WindowlessPopup popup;
   RegisteredObjects objects;
-  plugin::MediaEvents mediaEvents;
+  plugin::MediaMenus menus;
   pictures::CoverDesk covers;
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
@@ -86,9 +86,10 @@ int Serve() {
                                });
                          },
                          popup,
-                         {mediaEvents, desktop, objects},
+                         {menus, desktop, objects},
                          nullptr,
                          desktop.progress(),
+                         nullptr,
                          nullptr,
                          &covers,
                          {config.metadataAddress, config.coverAddress}});
@@ -97,7 +98,7 @@ int Serve() {
   desktop.connect(plugin.host);
   objects.provide(std::make_shared<script::ScriptClass>(
       script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
-                          plugin.catalogue, plugin.library, mediaEvents}));
+                          plugin.catalogue, plugin.library, plugin.mediaEvents}));
 
   connection.exportObject("/vxif", plugin.vxif());
   connection.exportObject("/scriptclass", objects.scriptClass());

@@ -57,7 +57,7 @@ class FuzzHost : public base::Object {
 };
 
 class FuzzNeighbours : public base::Platform,
-                       public plugin::MediaEvents,
+                       public plugin::MediaMenus,
                        public plugin::Desktop,
                        public plugin::ObjectFactory {
  public:

@@ -7,13 +7,12 @@
 
 namespace automation {
 
+using base::Attempt;
 using base::Deref;
 using base::Failure;
 using base::Value;
 
-namespace {
-
-struct DeviceRow {
+struct Devices::DeviceRow {
   std::int16_t code;
   std::int16_t misc;
   const char* name;
@@ -21,7 +20,7 @@ struct DeviceRow {
 };
 
 /// The devices that start-up makes. Codes are fixed: devices are recognised by code or full name.
-const DeviceRow kDevices[] = {
+const Devices::DeviceRow Devices::kDevices[] = {
     {1, 16, "Status", {"Pause", "Stop", "Next", "Prev", "Restart"}},
     {2, 16, "Title", {"Add to PlayList"}},
     {3, 16, "Album", {}},
@@ -33,6 +32,8 @@ const DeviceRow kDevices[] = {
     {9, 24, "Mute", {"Mute toggle", "Vol Down", "Vol Up"}},
     {10, 24, "Display Controls", {"Show/Hide Controls"}},
 };
+
+namespace {
 
 constexpr std::int16_t kIoType = 3;
 constexpr std::int16_t kInitialStatus = 17;
@@ -56,12 +57,20 @@ std::int32_t Devices::houseCodeInUse() {
   return 0;
 }
 
-void Devices::createAll() {
-  for (const DeviceRow& row : kDevices) {
-    InitDevice(row.name, row.code, row.misc);
-    for (const char* button : row.buttons)
-      host_.DeviceButtonAdd(state_.HouseCode + std::to_string(row.code), plugin::kName, button);
-  }
+void Devices::create(const DeviceRow& row) {
+  InitDevice(row.name, row.code, row.misc);
+  for (const char* button : row.buttons) addButton(row, button);
+}
+
+void Devices::addButton(const DeviceRow& row, const char* button) {
+  host_.DeviceButtonAdd(state_.HouseCode + std::to_string(row.code), plugin::kName, button);
+}
+
+void Devices::createStatus() {
+  const DeviceRow& row = kDevices[0];
+  InitDevice(row.name, row.code, row.misc);
+  Attempt step;
+  for (const char* button : row.buttons) step([&] { addButton(row, button); });
 }
 
 std::string Devices::CreateDevices() {
@@ -84,7 +93,8 @@ std::string Devices::CreateDevices() {
         }
         state_.HouseCode = base::CharacterOf(houseCode);
         settings_.save("HouseCodeSet", static_cast<std::int16_t>(houseCode));
-        if (!found) createAll();
+        if (!found)
+          for (const DeviceRow& row : kDevices) create(row);
         result.clear();
       },
       [&](const Failure& failure) {

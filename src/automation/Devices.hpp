@@ -23,10 +23,17 @@ class Devices {
   /// Makes one device. Answers what the host's `NewDevice` returned, or empty after a failure, which is
   /// logged. `code` is the device's number within the house code, `misc` the host's mask. Never throws.
   base::Value InitDevice(const std::string& name, std::int16_t code, std::int16_t misc);
+  /// Makes the device "Status" with its buttons, in the place of one that a user has deleted. A button that
+  /// can't be added is left out. Never throws.
+  void createStatus();
 
  private:
+  struct DeviceRow;
+  static const DeviceRow kDevices[];
+
   std::int32_t houseCodeInUse();
-  void createAll();
+  void create(const DeviceRow& row);
+  void addButton(const DeviceRow& row, const char* button);
 
   plugin::HostServices& host_;
   plugin::Settings& settings_;

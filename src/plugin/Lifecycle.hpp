@@ -43,6 +43,7 @@ struct LifecycleParts {
   automation::Devices& devices;
   LibraryCalls& library;
   WebForms& web;
+  MediaEvents& mediaEvents;
   Neighbours neighbours;
 };
 

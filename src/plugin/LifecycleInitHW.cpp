@@ -62,10 +62,10 @@ void Lifecycle::registerMenu() {
 
 void Lifecycle::updateVoiceEvents() {
   if (!in_.settings.flag("UpdateMediaEvents", true)) return;
-  in_.neighbours.mediaEvents.UpdateControlEvent();
+  in_.mediaEvents.UpdateControlEvent();
   for (const char* category : {"Genre", "Artist", "PlayList", "Album"}) {
     in_.loggers.Debug(std::string("Media Player: Updating ") + category + " VR Events & Devices");
-    in_.neighbours.mediaEvents.UpdateMediaEvents(category);
+    in_.mediaEvents.UpdateMediaEvents(category);
   }
   in_.loggers.Debug("Media Player: Finished Updating VR Events & Devices");
 }

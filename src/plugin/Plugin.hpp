@@ -7,6 +7,7 @@
 #include "automation/Conditions.hpp"
 #include "automation/Devices.hpp"
 #include "automation/Triggers.hpp"
+#include "automation/VoiceEvents.hpp"
 #include "base/DayClock.hpp"
 #include "catalogue/MediaCatalogue.hpp"
 #include "cover/CoverSearch.hpp"
@@ -32,6 +33,7 @@ struct PluginGround {
   LibraryCalls* library = nullptr;          ///< in the place of the plug-in's own
   ui::ProgBarView* progressView = nullptr;  ///< none on a machine without a display
   WebForms* web = nullptr;                  ///< in the place of the plug-in's own pages
+  MediaEvents* mediaEvents = nullptr;       ///< in the place of the plug-in's own
   cover::CoverFiles* coverFiles = nullptr;  ///< without it no cover is looked for
   cover::Services coverServices{};
 };
@@ -67,6 +69,8 @@ class Plugin {
   player::PlayStateTracker playState;
   player::WMPPlayer form;  // behind all that the control may send an event to while it goes
   automation::Devices devices;
+  automation::VoiceEvents voiceEvents;
+  MediaEvents& mediaEvents;
   automation::OpenActionDialog openActionDialog;
   automation::ActionDropLists actionDropLists;
   automation::ActionDialog actionDialog;

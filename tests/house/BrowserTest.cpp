@@ -127,7 +127,7 @@ TEST(APhone, ShowsThePageWithoutASidewaysScroll) {
   ASSERT_TRUE(house.startReady());
   support::Browser phone(360, 740);
   phone.open(house.address());
-  ASSERT_TRUE(phone.eventually("return document.querySelectorAll('article').length === 10"));
+  ASSERT_TRUE(phone.eventually("return document.querySelectorAll('article').length === 14"));
   EXPECT_EQ(phone.run("return window.innerWidth"), 360);
   EXPECT_EQ(phone.run("return document.documentElement.scrollWidth <= window.innerWidth"), true);
 }

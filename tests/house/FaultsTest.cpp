@@ -113,7 +113,7 @@ TEST(ALostPlugIn, IsShownAndStartedAgain) {
   ::kill(static_cast<pid_t>(process), SIGKILL);
   EXPECT_TRUE(house.becomes("lost"));
   EXPECT_TRUE(house.becomes("ready"));
-  EXPECT_EQ(house.state()["devices"].size(), 10U);
+  EXPECT_EQ(house.state()["devices"].size(), 14U);
   EXPECT_NE(connection.processOf("org.vantorix.vxif_WMP9"), process);
 }
 

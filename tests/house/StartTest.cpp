@@ -17,7 +17,7 @@ class TheHouse : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(TheHouse, ComesUpWithTenDevicesTheirButtonsAndAMenu) {
+TEST_F(TheHouse, ComesUpWithItsDevicesTheirButtonsAndAMenu) {
   ASSERT_TRUE(house.startReady()) << house.server().output();
   const auto state = house.state();
   std::vector<std::string> devices;
@@ -26,7 +26,8 @@ TEST_F(TheHouse, ComesUpWithTenDevicesTheirButtonsAndAMenu) {
   const std::string hc = devices.front().substr(0, 1);
   EXPECT_THAT(devices, ElementsAre(hc + "1 Status", hc + "2 Title", hc + "3 Album", hc + "4 Artist",
                                    hc + "5 Genre", hc + "6 Length", hc + "7 Loop Mode", hc + "8 Shuffle Mode",
-                                   hc + "9 Mute", hc + "10 Display Controls"));
+                                   hc + "9 Mute", hc + "10 Display Controls", hc + "14 Quick Genre",
+                                   hc + "13 Quick Artist", hc + "11 Quick PlayList", hc + "12 Quick Album"));
   EXPECT_EQ(state["devices"][0]["buttons"],
             support::RealHouse::Json({"Pause", "Stop", "Next", "Prev", "Restart"}));
   std::vector<std::string> items;
@@ -62,7 +63,7 @@ TEST_F(TheHouse, StopsInOrderAndFindsItselfAgain) {
 
   ASSERT_TRUE(house.startReady());
   EXPECT_EQ(house.device("Status")["address"], address);
-  EXPECT_EQ(house.state()["devices"].size(), 10U);
+  EXPECT_EQ(house.state()["devices"].size(), 14U);
   EXPECT_TRUE(house.textBecomes("Loop Mode", "Loop"));
   EXPECT_TRUE(house.textBecomes("Shuffle Mode", "Shuffle"));
   std::ifstream file(house.data() / "config" / "vxif_WMP.ini");

@@ -73,12 +73,14 @@ class FakePopup : public player::PopupView {
 
 class FakeNeighbours : public plugin::LibraryCalls,
                        public plugin::MediaEvents,
+                       public plugin::MediaMenus,
                        public plugin::Desktop,
                        public plugin::WebForms,
                        public plugin::ObjectFactory {
  public:
   explicit FakeNeighbours(Journal& journal) : journal_(journal) {}
   base::Value addResult;
+  std::map<std::string, std::string> menus;  ///< captions by "Album 0"
 
   std::int32_t WMPPlay(const std::string& category, const std::string& name,
                        const std::string& title) override {
@@ -93,6 +95,12 @@ class FakeNeighbours : public plugin::LibraryCalls,
   void UpdateControlEvent() override { journal_.add("UpdateControlEvent"); }
   void UpdateMediaEvents(const std::string& category) override {
     journal_.add("UpdateMediaEvents(" + category + ")");
+  }
+  void load(const std::string& category, std::int16_t element) override {
+    if (!menus.emplace(category + " " + std::to_string(element), "").second) throw base::Failure(360);
+  }
+  void caption(const std::string& category, std::int16_t element, const std::string& text) override {
+    menus.at(category + " " + std::to_string(element)) = text;
   }
   void ShowTrayIcon(bool show) override { journal_.add(show ? "ShowTrayIcon" : "HideTrayIcon"); }
   void unloadTray() override { journal_.add("unload SysTrayForm"); }
@@ -193,7 +201,8 @@ class House : public ::testing::Test {
                          {neighbours, neighbours, neighbours},
                          &neighbours,
                          nullptr,
-                         pages_ == Pages::kFakes ? &neighbours : nullptr}};
+                         pages_ == Pages::kFakes ? &neighbours : nullptr,
+                         &neighbours}};
 };
 
 }  // namespace support

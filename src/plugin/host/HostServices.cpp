@@ -119,6 +119,10 @@ void HostServices::SetDeviceString(const std::string& code, const std::string& t
   Ask(Host, "SetDeviceString", code, text, update);
 }
 
+void HostServices::SetDeviceString(const std::string& code, const std::string& text) {
+  Ask(Host, "SetDeviceString", code, text);
+}
+
 void HostServices::SetDeviceStringByName(const std::string& name, const std::string& text, bool update) {
   Ask(Host, "SetDeviceStringByName", name, text, update);
 }

@@ -63,6 +63,7 @@ class HostServices {
   void DeviceValuesAdd(const std::string& code, const std::string& values, bool flag);
   void SetDeviceStatus(const std::string& code, std::int16_t status);
   void SetDeviceString(const std::string& code, const std::string& text, bool update);
+  void SetDeviceString(const std::string& code, const std::string& text);
   void SetDeviceStringByName(const std::string& name, const std::string& text, bool update);
   void SetDeviceValueByName(const std::string& name, std::int32_t value);
   base::ObjectRef GetEvent(std::int32_t index);

@@ -41,6 +41,16 @@ class MediaEvents : public Neighbour {
   virtual void UpdateMediaEvents(const std::string& /*category*/) {}
 };
 
+/// The popup window's menus of names, one a category, whose elements are numbered from 0.
+class MediaMenus : public Neighbour {
+ public:
+  /// Makes an element. Throws number 360 for one that is there.
+  virtual void load(const std::string& /*category*/, std::int16_t /*element*/) {}
+  /// Throws number 340 for an element that is not there.
+  virtual void caption(const std::string& /*category*/, std::int16_t /*element*/,
+                       const std::string& /*text*/) {}
+};
+
 /// Windows of the desktop.
 class Desktop : public Neighbour {
  public:
@@ -71,7 +81,7 @@ class ObjectFactory : public Neighbour {
 };
 
 struct Neighbours {
-  MediaEvents& mediaEvents;
+  MediaMenus& menus;
   Desktop& desktop;
   ObjectFactory& objects;
 };
