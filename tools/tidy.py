@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy, several at a time, over what changed against the branch's base, or over everything.
+"""Runs clang-tidy, several at a time, over what changed since all was clean, or over everything.
 
     tools/tidy.py BUILD_FOLDER           what differs from the commit at which everything was clean, which is named in
                                          tools/tidy-base

@@ -1,0 +1,28 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "base/Failure.hpp"
+#include "standin/Options.hpp"
+
+namespace standin {
+namespace {
+
+TEST(Options, AreReadAndWrongOnesRefused) {
+  const Options options =
+      ReadOptions({"--port", "0", "--data", "/tmp/x", "--allow-host", "a", "--allow-host", "b"});
+  EXPECT_EQ(options.port, 0);
+  EXPECT_EQ(options.data, "/tmp/x");
+  EXPECT_EQ(options.allowedHosts, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(ReadOptions({}).port, 8080);
+  EXPECT_EQ(ReadOptions({}).listen, "127.0.0.1");
+  EXPECT_FALSE(ReadOptions({}).data.empty());
+  for (const std::vector<std::string>& wrong :
+       {std::vector<std::string>{"--port"}, {"--port", "70000"}, {"--port", "8x"}, {"--what"}, {"file"}}) {
+    EXPECT_THROW(ReadOptions(wrong), base::Failure);
+  }
+}
+
+}  // namespace
+}  // namespace standin
