@@ -43,6 +43,8 @@ MAY_INCLUDE = {
     "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists engine/queue "
               "player",
     "demo": "base engine/common files",
+    "standin/text": "",
+    "standin/grammar": "base standin/text",
     "standin/settings": "base files",
     "standin/pages": "base",
     "standin/house": "base database files standin/pages standin/settings",
@@ -51,16 +53,16 @@ MAY_INCLUDE = {
     "standin/eventrun": "base standin/calendar standin/events standin/house",
     "standin/voice": "base bus standin/house",
     "standin/hostobjects": "base bus standin/house standin/voice",
-    "standin/player": "base bus standin/hostobjects standin/house",
+    "standin/player": "base bus standin/hostobjects standin/house standin/text",
     "standin/covers": "base bus files pictures standin/house standin/player",
     "standin/coverservices": "base pictures standin/covers standin/hostobjects standin/house",
     "standin/rules": "base database standin/events standin/house standin/player",
-    "standin/dialogs": "base standin/house standin/player",
+    "standin/dialogs": "base standin/house standin/player standin/text",
     "standin/playlists": "base database standin/house standin/player",
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
     "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/hostobjects standin/house "
-                      "standin/player standin/playlists standin/rules standin/scripts standin/voice",
+                      "standin/player standin/playlists standin/rules standin/scripts standin/text standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
     "standin": "base files",
 }

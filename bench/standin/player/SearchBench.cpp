@@ -3,8 +3,8 @@
 #include "Brief.hpp"
 #include "catalogue/BenchLibrary.hpp"
 #include "catalogue/Ratio.hpp"
-#include "standin/player/Folding.hpp"
 #include "standin/player/NameList.hpp"
+#include "standin/text/Folding.hpp"
 
 // A search among 100,000 names: `ratio` to a plain scan of the same names for one text, which folds nothing
 // and knows no words.

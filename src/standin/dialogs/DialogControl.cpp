@@ -7,7 +7,7 @@
 
 #include "base/Failure.hpp"
 #include "base/MemberWords.hpp"
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 

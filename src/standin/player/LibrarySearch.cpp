@@ -5,7 +5,7 @@
 #include <numeric>
 #include <utility>
 
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 namespace {

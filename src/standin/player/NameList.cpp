@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <numeric>
 
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/Text.hpp"
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 namespace {

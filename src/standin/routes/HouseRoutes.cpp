@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "standin/house/HouseJson.hpp"
-#include "standin/player/Folding.hpp"
 #include "standin/player/SearchTable.hpp"
 #include "standin/routes/Routes.hpp"
+#include "standin/text/Folding.hpp"
 
 namespace standin {
 namespace {

@@ -1,4 +1,4 @@
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 #include <utf8proc.h>
 

@@ -1,5 +1,5 @@
 // What searches take for the same text.
-#include "standin/player/Folding.hpp"
+#include "standin/text/Folding.hpp"
 
 #include <gtest/gtest.h>
 

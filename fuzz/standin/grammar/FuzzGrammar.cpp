@@ -1,0 +1,74 @@
+// A pattern in the first line, a sentence in the second, and bytes that choose a way through the pattern in
+// the third: what a pattern says is understood, as the sentence that it is; any other text is no danger.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "fuzz/Alphabet.hpp"
+#include "standin/grammar/Grammar.hpp"
+#include "standin/grammar/NameForms.hpp"
+
+namespace {
+
+using standin::Pattern;
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+std::string TakeLine(std::string& text) {
+  const std::size_t end = text.find('\n');
+  std::string line = text.substr(0, end);
+  text.erase(0, end == std::string::npos ? text.size() : end + 1);
+  return line;
+}
+
+/// A sentence of the pattern, as the bytes choose.
+class Generator {
+ public:
+  explicit Generator(std::string bytes) : bytes_(std::move(bytes)) {}
+
+  std::string one(const std::vector<Pattern::Sequence>& choices) {
+    Require(!choices.empty());
+    std::string all;
+    for (const Pattern::Part& part : choices[next() % choices.size()]) {
+      if (part.kind == Pattern::Kind::kOptional && next() % 2 == 0) continue;
+      const std::string said = part.kind == Pattern::Kind::kWords ? part.words : one(part.choices);
+      if (!said.empty()) all += (all.empty() ? "" : " ") + said;
+    }
+    return all;
+  }
+
+ private:
+  std::size_t next() { return at_ < bytes_.size() ? static_cast<unsigned char>(bytes_[at_++]) : 0; }
+  std::string bytes_;
+  std::size_t at_ = 0;
+};
+
+void CheckForms(const std::string& text) {
+  const std::vector<standin::NameForm> forms = standin::FormsOf(text);
+  Require(forms.size() <= standin::kMostForms && forms.empty() == standin::NameWords(text).empty());
+  Require(forms.empty() || (forms.front().words == standin::SaidWords(text) && forms.front().distance == 0));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string text = support::Spelled(data, size);
+  const Pattern pattern(TakeLine(text));
+  const std::string sentence = TakeLine(text);
+  Require(pattern.faults().size() <= Pattern::kMostFaults);
+  const standin::Grammar grammar({{7, pattern}}, nullptr);
+  CheckForms(sentence);
+  for (const standin::Said& said : grammar.match(sentence)) Require(said.event == 7);
+  Require(grammar.near(sentence, 3).size() <= 3);
+  if (pattern.sentences().empty()) {
+    Require(grammar.match(sentence).empty());
+    return 0;
+  }
+  const std::string said = Generator(text).one(pattern.sentences());
+  if (standin::SaidWords(said).empty()) return 0;  // all of it was left out, or is punctuation
+  Require(!grammar.match(said).empty());
+  return 0;
+}

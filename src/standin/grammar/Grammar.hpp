@@ -1,0 +1,84 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "standin/grammar/Pattern.hpp"
+#include "standin/grammar/WordGraph.hpp"
+
+namespace standin {
+
+/// The spellings of a name that stands in a pattern in an impoverished form: "Björk" for "Bj rk". May be
+/// none.
+using Spellings = std::function<std::vector<std::string>(const std::string& words)>;
+
+/// A sentence of a pattern, found in what was said.
+struct Said {
+  std::int32_t event = 0;
+  std::string command;  ///< in the pattern's own words
+  std::string whole;    ///< with the optional words that were left out
+  int distance = 0;     ///< how many words were said in another way than they are written
+  bool operator==(const Said&) const = default;
+};
+
+/// The patterns of all events as one graph of words, in which every word is entered in all ways in which it
+/// is said. Building takes time by the length of the patterns; finding a sentence by that of the sentence.
+/// Nothing of it changes later, so that any thread may ask.
+class Grammar {
+ public:
+  struct Source {
+    std::int32_t event = 0;
+    const Pattern& pattern;
+  };
+  Grammar(const std::vector<Source>& sources, const Spellings& spellings);
+
+  /// All sentences that the text is, the nearest first and no two the same; none where it is no sentence.
+  [[nodiscard]] std::vector<Said> match(std::string_view text) const;
+  /// Sentences that the text may have been meant for, the likeliest first: with a name that is written nearly
+  /// so, or that holds what was said. Takes time by the number of names.
+  [[nodiscard]] std::vector<Said> near(std::string_view text, std::size_t most) const;
+
+  [[nodiscard]] const WordGraph& graph() const { return graph_; }
+  [[nodiscard]] const std::vector<WordGraph::Place>& starts() const { return starts_; }
+  /// The places where a sentence may end, with its event.
+  [[nodiscard]] const std::vector<std::pair<WordGraph::Place, std::int32_t>>& ends() const { return ends_; }
+
+ private:
+  using Place = WordGraph::Place;
+  /// What a step tells.
+  struct Output {
+    std::string words;
+    bool leftOut = false;
+  };
+  /// A choice between names: where it begins and ends, and the names' outputs.
+  struct Names {
+    Place from = 0;
+    Place to = 0;
+    std::vector<std::uint32_t> outputs;
+  };
+  class Walk;
+
+  Place enter(const Pattern::Sequence& sequence, Place from);
+  Place enterBracket(const Pattern::Part& part, Place from);
+  void enterWords(const std::string& words, Place from, Place to);
+  std::uint32_t outputOf(const std::string& words, bool leftOut);
+
+  const Spellings* spellings_ = nullptr;  ///< while it is built
+  WordGraph graph_;
+  std::vector<Output> outputs_;
+  std::unordered_map<std::string, std::uint32_t> outputNumbers_;
+  std::vector<Place> starts_;
+  std::vector<std::pair<Place, std::int32_t>> ends_;
+  std::unordered_multimap<Place, std::size_t> endsAt_;
+  std::vector<Names> names_;
+  std::unordered_multimap<Place, std::size_t> namesAt_;
+};
+
+/// What was said as it is compared: its words with one blank between them.
+std::string SaidWords(std::string_view text);
+
+}  // namespace standin

@@ -1,0 +1,32 @@
+#pragma once
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace standin {
+
+/// A word of a name: as a listener compares it, and how it is written.
+struct NameWord {
+  std::string folded;                ///< without case, accents, apostrophes and punctuation
+  bool capitals = false;             ///< written in Latin capitals alone
+  std::vector<std::string> humps{};  ///< the folded parts of a word such as "UnMute"; none of another
+};
+/// The words of a name or of what somebody has typed; "&" and "+" are the word "and". None for blanks and
+/// punctuation alone.
+std::vector<NameWord> NameWords(std::string_view text);
+
+/// A way in which a name is said or typed: its folded words with one blank between them.
+struct NameForm {
+  std::string words;
+  int distance = 0;  ///< how many of its words are said in another way than they are written
+};
+
+/// All ways in which a name is said, the one as it is written first, each once; at most `kMostForms`, the
+/// nearer ones first. Digits are said as a number, a year and one by one; capitals and single letters are
+/// spelt or read as a word; apostrophes may have been lost to a blank ("Don t"); "Vol", "Pt" and their like
+/// are said in full. None for a name without any letter or digit.
+inline constexpr std::size_t kMostForms = 48;
+std::vector<NameForm> FormsOf(std::string_view name);
+
+}  // namespace standin
