@@ -14,6 +14,7 @@ struct Outline {
   Size size{};          ///< of what would be unpacked
   int passes = 1;       ///< how often all of it is gone over
   bool whole = false;   ///< its end is there
+  bool byRows = false;  ///< whether all of it is there, reading it by its rows tells
   std::string still{};  ///< of one that moves, its first frame as a file; empty for all others
 };
 

@@ -100,7 +100,8 @@ Outline OutlineOfPng(std::string_view bytes) {
     if (kind == "IDAT") parts.push_back(data);
     end = kind == "IEND";
   }
-  outline.whole = end && WithinBounds(outline.size) && Unpacks(parts, BytesOf(head));
+  outline.byRows = !head.interlaced;
+  outline.whole = end && WithinBounds(outline.size) && (outline.byRows || Unpacks(parts, BytesOf(head)));
   return outline;
 }
 

@@ -7,8 +7,11 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "pictures/Outline.hpp"
+#include "pictures/PngRows.hpp"
+#include "pictures/Shrinking.hpp"
 
 namespace pictures {
 namespace {
@@ -27,6 +30,16 @@ struct Wish {
   bool refused = false;
 };
 
+/// The same shape within a square of that side; never larger than it is.
+Size SmallerOf(Size size, int side) {
+  const int longer = std::max(size.width, size.height);
+  if (longer <= side) return size;
+  const auto scaled = [&](int length) {
+    return std::max(1, static_cast<int>(std::lround(static_cast<double>(length) * side / longer)));
+  };
+  return {scaled(size.width), scaled(size.height)};
+}
+
 void OnSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
   auto& wish = *static_cast<Wish*>(data);
   wish.refused = !WithinBounds({width, height});
@@ -35,12 +48,9 @@ void OnSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
     gdk_pixbuf_loader_set_size(loader, 0, 0);
     return;
   }
-  const int longer = std::max(width, height);
-  if (wish.side <= 0 || longer <= wish.side) return;
-  const auto scaled = [&](int length) {
-    return std::max(1, static_cast<int>(std::lround(static_cast<double>(length) * wish.side / longer)));
-  };
-  gdk_pixbuf_loader_set_size(loader, scaled(width), scaled(height));
+  if (wish.side <= 0 || std::max(width, height) <= wish.side) return;
+  const Size size = SmallerOf({width, height}, wish.side);
+  gdk_pixbuf_loader_set_size(loader, size.width, size.height);
 }
 
 /// Whether it is whole, and takes no more room and work than a large picture does.
@@ -70,6 +80,21 @@ Pixbuf Decoded(const Outline& outline, const std::string& all, Wish& wish) {
   return Pixbuf(GDK_PIXBUF(g_object_ref(picture)));
 }
 
+/// The same by its rows, which takes no room for all of it.
+Pixbuf ShrunkByRows(const Outline& outline, const std::string& bytes, int side) {
+  if (!IsFit(outline)) return nullptr;
+  const Size size = SmallerOf(outline.size, side);
+  Shrinking shrinking(outline.size, size);
+  if (!ReadPngRows(bytes, [&](const std::uint8_t* row) { shrinking.add(row); })) return nullptr;
+  const std::vector<std::uint8_t>& pixels = shrinking.pixels();
+  const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> copy(g_bytes_new(pixels.data(), pixels.size()),
+                                                               &g_bytes_unref);
+  constexpr int kColours = 3;
+  constexpr int kBits = 8;
+  return Pixbuf(gdk_pixbuf_new_from_bytes(copy.get(), GDK_COLORSPACE_RGB, FALSE, kBits, size.width,
+                                          size.height, kColours * size.width));
+}
+
 /// As the camera or scanner says that it is to be held.
 Pixbuf UprightOf(Pixbuf picture) {
   Pixbuf upright(gdk_pixbuf_apply_embedded_orientation(picture.get()));
@@ -95,6 +120,7 @@ bool CanBeShown(const std::string& bytes) {
   constexpr int kTimesSmaller = 8;  // than it is: the kind's own way of unpacking less
   if (bytes.size() > kMostBytes) return false;
   const Outline outline = OutlineOf(bytes);
+  if (outline.byRows) return IsFit(outline) && ReadPngRows(bytes, [](const std::uint8_t*) {});
   Wish wish;
   if (std::string_view("jpeg") == (outline.loader != nullptr ? outline.loader : ""))
     wish.side = std::max(1, std::max(outline.size.width, outline.size.height) / kTimesSmaller);
@@ -103,9 +129,10 @@ bool CanBeShown(const std::string& bytes) {
 
 std::string Thumbnail(const std::string& bytes, int side) {
   if (bytes.size() > kMostBytes) return {};
+  const Outline outline = OutlineOf(bytes);
   Wish wish;
   wish.side = side;
-  Pixbuf picture = Decoded(OutlineOf(bytes), bytes, wish);
+  Pixbuf picture = outline.byRows ? ShrunkByRows(outline, bytes, side) : Decoded(outline, bytes, wish);
   if (!picture) return {};
   // Some loaders take no notice of the size that is wished for.
   const int width = gdk_pixbuf_get_width(picture.get());

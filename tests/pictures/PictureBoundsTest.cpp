@@ -73,6 +73,17 @@ TEST(PictureBounds, TheLargestThatMayBeShownTakesWhatItsPixelsTake) {
   }
 }
 
+TEST(PictureBounds, ALargePngTakesARowAtATime) {
+  const std::string large = FlatPng(8000, 8000);  // 192 MB of colours
+  EXPECT_TRUE(support::InChild([&] {
+    EXPECT_LT(GrowthBy([&] {
+                EXPECT_TRUE(CanBeShown(large));
+                EXPECT_EQ(SizeOf(Thumbnail(large, 1024)).width, 1024);
+              }),
+              64);
+  }));
+}
+
 TEST(PictureBounds, OfOneThatMovesNoFrameIsUnpackedButTheFirst) {
   constexpr int kFrames = 60;  // each of 64 MB
   const std::vector<Named> all = {{"gif", FlatGif(4000, 4000, kFrames)},

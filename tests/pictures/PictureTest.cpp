@@ -58,19 +58,28 @@ std::array<int, 3> CornerOf(const std::string& bytes) {
   return colours;
 }
 
-TEST(Pictures, ThatLetThroughStandOnWhite) {
-  GdkPixbuf* clear = gdk_pixbuf_new(GDK_COLORSPACE_RGB, TRUE, 8, 40, 40);
-  gdk_pixbuf_fill(clear, 0x00000000);
+/// Forty pixels wide and high, of one colour and how solid it is.
+std::string PngOf(guint32 colour) {
+  GdkPixbuf* plain = gdk_pixbuf_new(GDK_COLORSPACE_RGB, TRUE, 8, 40, 40);
+  gdk_pixbuf_fill(plain, colour);
   gchar* data = nullptr;
   gsize size = 0;
-  ASSERT_TRUE(gdk_pixbuf_save_to_buffer(clear, &data, &size, "png", nullptr, nullptr));
-  const std::string png(data, size);
+  gdk_pixbuf_save_to_buffer(plain, &data, &size, "png", nullptr, nullptr);
+  std::string png(data, size);
   g_free(data);
-  g_object_unref(clear);
-  const std::array<int, 3> corner = CornerOf(pictures::Thumbnail(png, 20));
-  EXPECT_GT(corner[0], 250);
-  EXPECT_GT(corner[1], 250);
-  EXPECT_GT(corner[2], 250);
+  g_object_unref(plain);
+  return png;
+}
+
+TEST(Pictures, ThatLetThroughStandOnWhite) {
+  constexpr int kPacked = 4;  // a JPEG is not exact
+  const auto expect = [](guint32 colour, const std::array<int, 3>& seen) {
+    const std::array<int, 3> corner = CornerOf(pictures::Thumbnail(PngOf(colour), 20));
+    for (std::size_t i = 0; i < corner.size(); ++i) EXPECT_NEAR(corner[i], seen[i], kPacked) << colour;
+  };
+  expect(0x00000000, {255, 255, 255});
+  expect(0x64C80080, {177, 227, 127});
+  expect(0x64C800FF, {100, 200, 0});
 }
 
 TEST(Pictures, ThatMoveAreShownByTheirFirstFrame) {
