@@ -12,6 +12,7 @@
 #include "standin/AddressFile.hpp"
 #include "standin/Options.hpp"
 #include "standin/calendar/WallClock.hpp"
+#include "standin/covers/PlayingCover.hpp"
 #include "standin/dialogs/OpenDialog.hpp"
 #include "standin/eventworld/HouseEvents.hpp"
 #include "standin/hostobjects/HostObject.hpp"
@@ -116,6 +117,7 @@ int Serve(const Options& options) {
     Visitors visitors(house.users, local);
     PlayerCovers playerCovers(connection, plugin, house);
     Covers covers(gate, playerCovers, options.data / "covers");
+    const PlayingCover playingCover({gate, covers, nowPlaying, plugin, house});
     DiscCovers discs(house, options.data / "covers" / "discs");
     WebApi api(
         visitors, gate,

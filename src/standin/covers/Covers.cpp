@@ -55,6 +55,7 @@ Covers::Cover Covers::find(const CoverWish& wish, const std::vector<int>& sizes)
   cover.album = std::move(found.album);
   cover.artist = std::move(found.artist);
   cover.title = std::move(found.title);
+  cover.item = std::move(found.item);
   return cover;
 }
 

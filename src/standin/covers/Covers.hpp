@@ -27,6 +27,7 @@ class Covers {
     std::string album{};
     std::string artist{};
     std::string title{};
+    std::string item{};  ///< of what plays, as PlayerNow has it; empty where nobody could tell
   };
   /// The cover in that size; without a key where there is none.
   Cover find(const CoverWish& wish, int size) { return find(wish, std::vector<int>{size}); }

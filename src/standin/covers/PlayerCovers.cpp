@@ -42,13 +42,7 @@ bool Takes(const base::ObjectRef& media, const std::string& mark, const PlayerCo
 
 PlayerCovers::PlayerCovers(bus::Connection& connection, PluginKeeper& plugin, House& house,
                            PluginKeeper::Address address)
-    : connection_(connection), plugin_(plugin), house_(house), address_(std::move(address)) {
-  house.deviceListeners.emplace_back([&house, &plugin](const Device& device) {
-    const bool tellsOfIt = device.fullName().ends_with(" Album") || device.fullName().ends_with(" Title");
-    if (tellsOfIt && !plugin.name().empty() && device.interface == plugin.name())
-      house.live.tell("cover", "{}");
-  });
-}
+    : connection_(connection), plugin_(plugin), house_(house), address_(std::move(address)) {}
 
 void PlayerCovers::find(const CoverWish& wish, Known known, Found found) {
   const auto result = std::make_shared<FoundCover>();
@@ -71,6 +65,7 @@ void PlayerCovers::look(const CoverWish& wish, const Known& known, FoundCover& f
     const base::ObjectRef media = base::ToObject(base::Deref(player).get("currentMedia"));
     if (!media) return;
     found.title = base::ToText(media->get("name"));
+    found.item = MarkOf(found.title, base::ToText(media->get("sourceURL")));
     found.album = InfoOf(*media, "Album");
     found.artist = InfoOf(*media, "WM/AlbumArtist");
     if (Takes(media, base::ToText(media->get("pictureMark")), known, found)) return;

@@ -22,6 +22,7 @@ struct FoundCover {
   std::string album{};
   std::string artist{};
   std::string title{};  ///< of the item that the player holds
+  std::string item{};   ///< which item that is, as PlayerNow has it
   std::string mark{};   ///< of the picture; empty without one
   std::string key{};    ///< of the picture, if that is known already: then there are no bytes
   std::string bytes{};
@@ -31,7 +32,6 @@ struct FoundCover {
 /// The pictures that the player has, asked for by name: no path goes either way. On the loop's thread.
 class PlayerCovers {
  public:
-  /// Tells the live feed "cover" from then on when the cover of what plays may be another one.
   PlayerCovers(bus::Connection& connection, PluginKeeper& plugin, House& house)
       : PlayerCovers(connection, plugin, house, {}) {}
   PlayerCovers(bus::Connection& connection, PluginKeeper& plugin, House& house,

@@ -15,7 +15,8 @@ HouseEvents::HouseEvents(const Parts& parts)
     return engine_.pluginTriggered(composed);
   };
   house_.onScriptTrigger = [this](const std::string& event) { return engine_.scriptTriggers(event); };
-  house_.onDevice = [this](const Device& device) { engine_.deviceChanged(world_.factsOf(device)); };
+  devices_ =
+      house_.hearDevices([this](const Device& device) { engine_.deviceChanged(world_.factsOf(device)); });
   parts.rules.onChange([this, alive = std::weak_ptr(alive_)](std::int32_t event) {
     if (alive.lock()) teller_.changed(event);
   });
@@ -29,7 +30,6 @@ HouseEvents::HouseEvents(const Parts& parts)
 HouseEvents::~HouseEvents() {
   house_.onTrigger = [](const std::string&) { return false; };
   house_.onScriptTrigger = [](const std::string&) { return false; };
-  house_.onDevice = [](const Device&) {};
 }
 
 // Once: a plug-in that is lost and comes back is no start of the house.

@@ -43,6 +43,7 @@ class HouseEvents {
   EventEngine engine_;
   bool begun_ = false;  ///< the house's start has been told
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  DeviceHearing devices_;  ///< ends before what it tells
 };
 
 }  // namespace standin

@@ -30,8 +30,7 @@ House::House(const std::filesystem::path& dataFolder)
       users(database) {
   devices.onChange = [this](const Device& device) {
     live.tell("device", Dump(DeviceJson(device)));
-    onDevice(device);
-    for (const auto& hear : deviceListeners) hear(device);
+    tellDevice(device);
   };
   devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
   log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };
@@ -49,6 +48,19 @@ void House::seedPictures() const {
   const WebFile* own = FindWebFile("WMP_Icon.gif");
   if (own != nullptr && !std::filesystem::exists(icon))
     files::WriteFile(icon, own->content, {.mode = files::kForOwner});
+}
+
+DeviceHearing House::hearDevices(DeviceHeard heard) {
+  std::erase_if(devicesHeard_, [](const auto& each) { return each.expired(); });
+  auto hearing = std::make_shared<const DeviceHeard>(std::move(heard));
+  devicesHeard_.push_back(hearing);
+  return hearing;
+}
+
+void House::tellDevice(const Device& device) {
+  for (const auto& each : std::vector(devicesHeard_)) {  // who hears may begin or end a hearing
+    if (const auto heard = each.lock()) (*heard)(device);
+  }
 }
 
 const PageLink* House::linkOf(const std::string& path) const {

@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@
 #include "standin/settings/SettingsStore.hpp"
 
 namespace standin {
+
+/// Somebody hears of each change of a device, for as long as this is kept.
+using DeviceHearing = std::shared_ptr<const void>;
 
 /// Everything that belongs to the host, in one place and on one thread. It tells the live feed of every
 /// change of a device, the menu, the links and the log.
@@ -39,9 +43,10 @@ class House {
   std::function<bool(const std::string& composed)> onTrigger = [](const std::string&) { return false; };
   /// A script triggers an event by its name; false when it can't.
   std::function<bool(const std::string& event)> onScriptTrigger = [](const std::string&) { return false; };
-  std::function<void(const Device& device)> onDevice = [](const Device&) {};
-  /// Others who hear of each change of a device, for as long as the house lives.
-  std::vector<std::function<void(const Device& device)>> deviceListeners;
+
+  using DeviceHeard = std::function<void(const Device& device)>;
+  /// Those who hear longer hear first.
+  [[nodiscard]] DeviceHearing hearDevices(DeviceHeard heard);
 
   std::string version = "1.7.0";  ///< what the host says of itself
   int webPort = 0;
@@ -59,6 +64,9 @@ class House {
 
  private:
   void seedPictures() const;
+  void tellDevice(const Device& device);
+
+  std::vector<std::weak_ptr<const DeviceHeard>> devicesHeard_;
 };
 
 }  // namespace standin

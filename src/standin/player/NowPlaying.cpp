@@ -29,7 +29,7 @@ NowPlaying::NowPlaying(bus::PollLoop& loop, bus::Connection& connection, PluginK
                              look();
                            })),
       often_(loop.makeTimer(kLookInterval, [this] { look(); })) {
-  house_.deviceListeners.emplace_back([this](const Device& device) {
+  devices_ = house_.hearDevices([this](const Device& device) {
     if (!device.interface.empty() && base::SameText(device.interface, plugin_.name())) soon();
   });
   plugin_.onPhase([this](PluginPhase phase) {
@@ -60,7 +60,34 @@ PlayerNow NowPlaying::read(PlayerLists& lists) const {
   return PlayerNowOf(record, before + (clock() - before) / 2);
 }
 
-void NowPlaying::tell(const PlayerNow& now) {
+void NowPlaying::addPicture(PlayerNow& now) {
+  if (now.item.empty()) return;
+  if (now.item == picture_.item) {
+    now.cover = picture_.key;
+    return;
+  }
+  // Most albums have one picture; where that is wrong, it is told soon.
+  const bool same =
+      !now.album.empty() && now.album == picture_.album && now.albumArtist == picture_.albumArtist;
+  now.cover = same ? std::optional(picture_.key) : std::nullopt;
+  if (now.item == asked_) return;
+  asked_ = now.item;
+  onPictureWanted();
+}
+
+void NowPlaying::picture(Picture picture) {
+  if (picture.item.empty()) picture = {told_.item};  // a player that does not answer
+  picture_ = std::move(picture);
+  asked_ = picture_.item;
+  if (picture_.item != told_.item) return soon();
+  PlayerNow now = told_;
+  now.at = clock();
+  now.position = told_.positionAt(now.at);
+  tell(now);
+}
+
+void NowPlaying::tell(PlayerNow& now) {
+  addPicture(now);
   if (told_.foretells(now)) return;
   told_ = now;
   house_.live.tell("player", Dump(JsonOf(now, clock())));

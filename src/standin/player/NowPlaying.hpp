@@ -30,6 +30,19 @@ class NowPlaying {
   /// Has something done to the player and tells, also to the pages, what has become of it.
   void act(Work work, Done done);
 
+  struct Picture {
+    std::string item{};  ///< as PlayerNow has it; empty where nobody could tell
+    std::string album{};
+    std::string albumArtist{};
+    std::string key{};  ///< empty where there is none
+  };
+  /// Another item plays, whose picture is to be told by `picture`.
+  std::function<void()> onPictureWanted = [] {};
+  /// What plays, or has played a moment ago, has that picture. Pages are told.
+  void picture(Picture picture);
+  /// It may have another one by now, which is asked for when somebody looks.
+  void forgetPicture() { asked_ = picture_.item = {}; }
+
   /// The server's own clock, by which the pages reckon: milliseconds.
   [[nodiscard]] std::int64_t clock() const;
 
@@ -37,7 +50,8 @@ class NowPlaying {
   void soon();
   void look();
   PlayerNow read(PlayerLists& lists) const;
-  void tell(const PlayerNow& now);
+  void tell(PlayerNow& now);
+  void addPicture(PlayerNow& now);
 
   bus::PollLoop& loop_;
   bus::Connection& connection_;
@@ -45,9 +59,12 @@ class NowPlaying {
   House& house_;
   PluginKeeper::Address address_;
   PlayerNow told_;
+  Picture picture_;
+  std::string asked_;  ///< the item whose picture was wanted last
   bool looking_ = false;
   std::unique_ptr<base::Timer> soon_;
   std::unique_ptr<base::Timer> often_;
+  DeviceHearing devices_;
 };
 
 }  // namespace standin

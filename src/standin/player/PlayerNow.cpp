@@ -54,7 +54,7 @@ bool PlayerNow::foretells(const PlayerNow& later) const {
          canPrevious == later.canPrevious && canSeek == later.canSeek && title == later.title &&
          artist == later.artist && album == later.album && albumArtist == later.albumArtist &&
          item == later.item && queue == later.queue && from == later.from && place == later.place &&
-         count == later.count && revision == later.revision;
+         count == later.count && revision == later.revision && cover == later.cover;
 }
 
 PlayerNow PlayerNowOf(const base::Value& record, std::int64_t at) {
@@ -133,6 +133,7 @@ nlohmann::json JsonOf(const PlayerNow& now, std::int64_t clock) {
           {"album", now.album},
           {"albumArtist", now.albumArtist},
           {"item", now.item},
+          {"cover", now.cover ? nlohmann::json(*now.cover) : nlohmann::json()},
           {"queue", now.queue},
           {"from", now.from},
           {"place", now.place},

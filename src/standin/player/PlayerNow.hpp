@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "base/Value.hpp"
@@ -32,7 +33,9 @@ struct PlayerNow {
   std::int32_t place = -1;  ///< in the queue
   std::int32_t count = 0;   ///< of the queue
   double revision = 0;      ///< of the queue
-  std::int64_t at = 0;      ///< when it was so: milliseconds of the server's own clock
+  /// The key of its picture, empty where it has none; nothing while that is being looked for.
+  std::optional<std::string> cover = std::string();
+  std::int64_t at = 0;  ///< when it was so: milliseconds of the server's own clock
 
   /// Seconds of the item that pass in one.
   [[nodiscard]] double rate() const;

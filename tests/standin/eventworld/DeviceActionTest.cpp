@@ -22,9 +22,9 @@ class DeviceActions : public testing::Test {
   DeviceActions() {
     connection.exportObject("/host", host);
     connection.exportObject("/callback", callback);
-    house.onDevice = [this](const Device& device) {
+    hearing = house.hearDevices([this](const Device& device) {
       told.push_back(device.name + " " + std::to_string(device.status) + " " + std::to_string(device.value));
-    };
+    });
   }
   std::int32_t make(const std::string& name, const std::string& interface) {
     const std::int32_t ref = house.devices.create(name).ref;
@@ -91,6 +91,7 @@ class DeviceActions : public testing::Test {
   Speech speech{loop, house, voice};
   ScriptStore scripts{folder.path() / "scripts"};
   std::vector<std::string> told;
+  standin::DeviceHearing hearing;
   base::ObjectRef host = support::ObjectOf("host");
   base::ObjectRef callback = support::ObjectOf(
       "callback", {{"GetVXIface", base::MemberKind::kOperation, {}, base::Type::kObject, [this](base::Args&) {

@@ -293,7 +293,7 @@ TEST_F(Host, HandsTriggersToTheHousesEvents) {
   EXPECT_EQ(call("TriggerEvent", {"Good night"}), Value(true));
   EXPECT_EQ(call("TriggerEvent", {"Good morning"}), Value(false));
   std::vector<std::int32_t> devices;
-  house.onDevice = [&](const Device& device) { devices.push_back(device.ref); };
+  const auto hearing = house.hearDevices([&](const Device& device) { devices.push_back(device.ref); });
   const std::int32_t ref = house.devices.create("Lamp").ref;
   house.devices.putValue(ref, 3);
   EXPECT_FALSE(devices.empty());

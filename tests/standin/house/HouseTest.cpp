@@ -53,6 +53,29 @@ TEST(House, DevicesKeepEverythingOverARestart) {
   EXPECT_EQ(house.devices.byAddress("q9"), device);
 }
 
+TEST(House, AChangedDeviceIsHeardOfAsLongAsSomebodyKeepsHisHearing) {
+  const support::TempFolder folder;
+  House house(folder.path());
+  std::vector<std::string> heard;
+  const auto hear = [&](const char* who) {
+    return house.hearDevices(
+        [&heard, who](const Device& device) { heard.push_back(who + (" " + device.name)); });
+  };
+  const DeviceHearing first = hear("first");
+  DeviceHearing second = hear("second");
+  const DeviceHearing third = hear("third");
+  // One who goes when he has heard of it.
+  DeviceHearing once;
+  once = house.hearDevices([&](const Device&) { once.reset(); });
+  const std::int32_t ref = house.devices.create("Lamp").ref;
+  EXPECT_EQ(heard, (std::vector<std::string>{"first Lamp", "second Lamp", "third Lamp"}));
+  EXPECT_EQ(once, nullptr);
+  heard.clear();
+  second.reset();
+  house.devices.putValue(ref, 3);
+  EXPECT_EQ(heard, (std::vector<std::string>{"first Lamp", "third Lamp"}));
+}
+
 TEST(House, ADeletedDeviceNumberIsNeverGivenAgain) {
   const support::TempFolder folder;
   std::int32_t first = 0;

@@ -44,8 +44,22 @@ TEST(PlayerNowTest, WhatElseChangesIsTold) {
   further.place = 4;
   PlayerNow other = told;
   other.queue = "another";
-  for (const PlayerNow& later : {louder, further, other}) EXPECT_FALSE(told.foretells(later));
+  PlayerNow painted = told;
+  painted.cover = "0123";
+  PlayerNow sought = told;
+  sought.cover.reset();
+  for (const PlayerNow& later : {louder, further, other, painted, sought})
+    EXPECT_FALSE(told.foretells(later));
   EXPECT_TRUE(told.foretells(told));
+}
+
+TEST(PlayerNowTest, APictureHasAKeyOrThereIsNoneOrItIsLookedFor) {
+  PlayerNow now = Playing(10, 1000);
+  EXPECT_EQ(standin::JsonOf(now, 0).at("cover"), "");
+  now.cover = "0123";
+  EXPECT_EQ(standin::JsonOf(now, 0).at("cover"), "0123");
+  now.cover.reset();
+  EXPECT_TRUE(standin::JsonOf(now, 0).at("cover").is_null());
 }
 
 TEST(PlayerNowTest, IsReadFromWhatThePlayerAnswers) {

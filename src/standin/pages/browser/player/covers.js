@@ -9,9 +9,13 @@ const query = (of) => `/api/cover?${new URLSearchParams(of)}`;
 /** `size`: 256 or 1024. */
 export const albumCover = (album, artist, size) => query({album, ...(artist ? {artist} : {}), size});
 
-/** Of what plays; by its key it is kept for good, otherwise the address changes with what plays. */
+/**
+ * Of what plays; by its key it is kept for good, otherwise the address changes with what plays. Null while the house
+ * looks for it.
+ */
 export function playingCover({state, pictures}, size) {
   if (!state.item) return '';
+  if (state.cover === null) return null;
   return state.cover ? query({key: state.cover, size}) : query({playing: '', size, of: `${state.item}-${pictures}`});
 }
 
@@ -39,7 +43,7 @@ export class CoverPicture {
   show(player) {
     this.#player = player;
     const address = playingCover(player, this.size);
-    if (address === this.#shown) return;
+    if (address === null || address === this.#shown) return;
     clearTimeout(this.#again);
     this.#shown = address;
     this.#key = player.state.cover;

@@ -9,28 +9,20 @@ const kNothing = {known: false, play: 'unknown', position: 0, at: 0, rate: 0, du
   from: '', place: -1, count: 0, revision: 0};
 
 /**
- * `state` is what GET /api/player answers, with `cover`, the key of the picture, once it is known. Listeners hear of each change, until their signal ends them; `moved` in
- * what they hear is true where the item or its place in time is another than was foreseen.
+ * `state` is what GET /api/player answers. Listeners hear of each change, until their signal ends them.
  */
 export class Player {
   state = kNothing;
-  pictures = 0;  // counts on when the picture of what plays may be another
+  pictures = 0;  // counts the pictures that could not be had by their keys
   #house;
   #listeners = new Set();
   #clocks = new Clocks();
   #compared = -Infinity;  // when an answer has told how the clocks differ
   #newest = -Infinity;    // of what was heard, by the house's clock
-  #key = null;            // the question for the picture's key that is on its way
-  #keyAgain = false;
 
   constructor(house) {
     this.#house = house;
     house.on('player', (now) => this.#hear(now));
-    house.on('cover', () => {
-      this.pictures++;
-      this.#tell();
-      this.#askKey();
-    });
     house.on('again', () => {
       // A house that has begun anew, and a page that has slept, have another clock.
       this.#newest = -Infinity;
@@ -68,7 +60,6 @@ export class Player {
     if (!this.#house.state.user) return;
     try {
       this.#take(await this.#timed(() => ask('/api/player')));
-      this.#askKey();
     } catch { /* told anew when the house is heard of again */ }
   }
 
@@ -91,7 +82,6 @@ export class Player {
     this.state = {...this.state, cover: ''};
     this.pictures++;
     this.#tell();
-    this.#askKey();
   }
 
   /** Where the item has come to: seconds. */
@@ -123,34 +113,8 @@ export class Player {
   #take(now) {
     if (now.at < this.#newest) return;
     this.#newest = now.at;
-    const {item, album, albumArtist, cover} = this.state;
-    const other = now.item !== item;
-    // Albums mostly have one picture, and it is told when it is another.
-    const same = !other || (now.album && now.album === album && now.albumArtist === albumArtist);
-    now.cover = now.item && same ? cover : '';
     this.state = now;
     this.#tell();
-    if (other) this.#askKey();
-  }
-
-  /** The key of the picture of what plays, under which it can be kept for good. One question at a time. */
-  #askKey() {
-    if (this.#key) this.#keyAgain = true;
-    else this.#key = this.#readKey().finally(() => { this.#key = null; });
-  }
-
-  async #readKey() {
-    do {
-      this.#keyAgain = false;
-      const {item} = this.state;
-      if (!item) return;
-      try {
-        const {key} = await ask('/api/cover/key?playing');
-        if (item !== this.state.item || key === this.state.cover) continue;
-        this.state = {...this.state, cover: key};
-        this.#tell();
-      } catch { /* without it the picture is asked for by what plays */ }
-    } while (this.#keyAgain);
   }
 
   #tell() {
