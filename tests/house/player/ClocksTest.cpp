@@ -64,6 +64,28 @@ TEST_F(PlayerClocks, AnAnswerThatComesLateSaysLessThanWhatWasToldMeanwhile) {
   EXPECT_EQ(listener.browser.run("return document.querySelector('#player-bar .main').ariaLabel"), "Play");
 }
 
+TEST_F(PlayerClocks, AllWhoShowThePositionTurnAtOnce) {
+  Listener listener(house, 1280);
+  playFrom(listener, "One");
+  listener.open("#playing");
+  ASSERT_TRUE(listener.shows(".playing-now .position:not(:disabled)"));
+  EXPECT_EQ(listener.browser.run("return document.querySelectorAll('.position').length"), 1)
+      << "the bar leaves it to this page";
+  // What changes in one turn is told in one piece; the browser draws it once.
+  EXPECT_EQ(listener.browser.runAsync(R"(
+      const done = arguments[0];
+      const shown = {page: document.querySelector('.playing-now .passed'), bar: document.querySelector('.player-reached')};
+      const look = new MutationObserver((changes) => {
+        const turned = Object.keys(shown).filter((each) => changes.some(({target}) => shown[each].contains(target)));
+        if (!turned.includes('page')) return;
+        look.disconnect();
+        done(turned);
+      });
+      for (const node of Object.values(shown))
+        look.observe(node, {childList: true, characterData: true, attributes: true, subtree: true});)"),
+            json({"page", "bar"}));
+}
+
 TEST_F(PlayerClocks, ALongWhileDoesNotDriveThemApart) {
   Listener listener(house, 1280);
   // An hour on two clocks of which one is a third of a second faster.

@@ -37,13 +37,14 @@ export class Bar {
   #template(state) {
     const controls = this.#controls;
     const {mayAct} = this.#player;
-    return html`${this.#line}<a class="player-what" href="/#playing" aria-current=${this.#current() === 'playing' ? 'page' : nothing}>${this.#cover.node}
+    const large = this.#current() === 'playing';  // that page has the position itself; nobody needs it twice
+    return html`${this.#line}<a class="player-what" href="/#playing" aria-current=${large ? 'page' : nothing}>${this.#cover.node}
         <span class="player-words"><span class="sr">Now playing: </span><span class="player-title">${state.title || this.#silence(state)}</span>
           <span class="player-by">${joined(state.artist, state.album)}</span></span></a>
       <div class="player-middle">
         ${mayAct ? html`<div class="player-buttons" role="group" aria-label="Playback">${controls.shuffleButton}${controls.previousButton}
           ${controls.playButton}${controls.nextButton}${controls.loopButton}</div>` : ''}
-        ${controls.progress}</div>
+        ${large ? '' : controls.progress}</div>
       <div class="player-right">${mayAct ? html`${controls.muteButton}${controls.volume.node}` : nothing}
         <a class="control to-queue" href="/#playing" aria-label="Queue" title="Queue">${icon('queue')}</a></div>`;
   }

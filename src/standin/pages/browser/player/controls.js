@@ -6,8 +6,6 @@ import {timeText} from '../library/titles.js';
 import {icon} from './icons.js';
 import {Slider} from './sliders.js';
 
-const kTurn = 1000;  // milliseconds between two looks at the clock
-
 const clock = (seconds) => timeText(seconds) || '0:00';
 
 const spoken = (seconds) => {
@@ -19,10 +17,10 @@ const spoken = (seconds) => {
 export class Controls {
   #player;
   #ticked;
-  #timer = 0;
   position;
   volume;
-  passed = el('span', {class: 'time passed'}, '0:00');
+  #time = document.createTextNode('0:00');  // only its words change: that costs a browser least
+  passed = el('span', {class: 'time passed'}, this.#time);
   length = el('span', {class: 'time length'}, '');
 
   constructor(player, signal, ticked = () => {}) {
@@ -36,8 +34,7 @@ export class Controls {
     // Each step of a key is a step that is heard.
     this.position.node.addEventListener('keydown', (event) => this.#positionKey(event));
     this.volume.node.addEventListener('keydown', (event) => this.#volumeKey(event));
-    document.addEventListener('visibilitychange', () => this.#tick(), {signal});
-    signal?.addEventListener('abort', () => clearTimeout(this.#timer));
+    player.ticks.on(() => this.#tick(), signal);
   }
 
   /** Shows the player as it is; called whenever it has changed. */
@@ -50,21 +47,16 @@ export class Controls {
     this.#tick();
   }
 
-  /** Nothing turns while nobody looks, or nothing moves. */
   #tick() {
-    clearTimeout(this.#timer);
     const {state} = this.#player;
     const at = this.#player.position();
     if (this.position.show(state.item ? at : 0, Math.max(1, Math.ceil(state.duration)), state.item)) this.#timeShown(at);
     this.#ticked(at);
-    if (!state.rate || document.hidden) return;
-    const rest = kTurn - (at * 1000) % kTurn;
-    this.#timer = setTimeout(() => this.#tick(), rest / Math.max(1, Math.abs(state.rate)) + 4);
   }
 
   #timeShown(seconds) {
     const text = this.#player.state.item ? clock(Math.floor(seconds + 0.02)) : '';
-    if (this.passed.textContent !== text) this.passed.textContent = text;
+    if (this.#time.data !== text) this.#time.data = text;
   }
 
   #positionKey(event) {

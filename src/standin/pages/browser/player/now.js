@@ -1,6 +1,7 @@
 // What plays, as this page knows it: told by the house when it changes, reckoned in between.
 import {ask} from '../kit/server.js';
 import {Clocks} from './clocks.js';
+import {Ticks} from './ticks.js';
 
 const kOld = 10 * 60 * 1000;  // milliseconds after which the clocks are compared anew, when something is heard
 
@@ -19,6 +20,7 @@ export class Player {
   #clocks = new Clocks();
   #compared = -Infinity;  // when an answer has told how the clocks differ
   #newest = -Infinity;    // of what was heard, by the house's clock
+  ticks = new Ticks(this);
 
   constructor(house) {
     this.#house = house;

@@ -46,6 +46,7 @@ export class Slider {
   #of = '';      // what it is the slider of: with another one, what is held belongs to nothing
   #lost = false; // the hand that is on it is still there from before
   #touched = -Infinity;
+  #painted = '';  // at which value, of which greatest one
   #words;
   #dragged;
   node;
@@ -104,7 +105,7 @@ export class Slider {
     const {node} = this;
     if (max !== undefined && Number(node.max) !== max) node.max = max;
     node.value = value;
-    this.#paint();
+    if (this.#painted !== this.#stand) this.#paint();
     return true;
   }
 
@@ -112,8 +113,13 @@ export class Slider {
     this.node.disabled = !value;
   }
 
+  get #stand() {
+    return `${this.node.value}/${this.node.max}`;
+  }
+
   #paint() {
     const {node} = this;
+    this.#painted = this.#stand;
     const share = Number(node.max) ? Number(node.value) / Number(node.max) : 0;
     node.style.setProperty('--share', `${Math.round(share * 10000) / 100}%`);
     const words = this.#words(Number(node.value));
