@@ -109,6 +109,60 @@ TEST_P(EventList, AGuestSeesEverythingAndChangesNothing) {
         << path;
 }
 
+TEST_P(EventList, IsForeseenRunReadUndoneAndDeletedWithTheKeyboardAlone) {
+  // Its condition never holds.
+  const int id =
+      store("Dinner", {{"conditions", {{{"kind", "days"}, {"days", {1, 2, 3, 4, 5, 6, 7}}, {"not", true}}}},
+                       {"actions", {{{"kind", "device"}, {"ref", lamp}, {"command", "on"}}}}});
+  const auto goTo = [&](const std::string& words) {
+    EXPECT_TRUE(user.walkTo(words)) << words;
+    user.browser.press({support::kEnter});
+  };
+  const Json lampWas = house.device("Lamp")["status"];
+  user.open();
+  ASSERT_TRUE(user.has(".event"));
+  goTo("Dinner: on");
+  ASSERT_TRUE(user.has(".event .toggle[aria-checked=false]"));
+  goTo("↶ Undo");
+  ASSERT_TRUE(user.has(".event .toggle[aria-checked=true]"));
+  goTo("↷ Redo");
+  ASSERT_TRUE(user.has(".event .toggle[aria-checked=false]"));
+  goTo("↶ Undo");
+  ASSERT_TRUE(user.has(".event .toggle[aria-checked=true]"));
+  goTo("Dinner");
+  ASSERT_TRUE(user.has("#event-name"));
+  goTo("What would happen?");
+  ASSERT_TRUE(user.shows("It would not run."));
+  EXPECT_EQ(house.device("Lamp")["status"], lampWas);
+  goTo("As if triggered");
+  ASSERT_TRUE(user.browser.eventually(
+      "return document.querySelector('.last-run')?.innerText.includes('Did not run')"));
+  EXPECT_EQ(house.device("Lamp")["status"], lampWas);
+  goTo("Run the actions");
+  ASSERT_TRUE(
+      user.browser.eventually("return document.querySelector('.last-run .pill')?.innerText === 'Ran'"));
+  EXPECT_EQ(house.device("Lamp")["status"], 2);
+  goTo("History");
+  ASSERT_TRUE(user.browser.eventually("return document.querySelectorAll('.history > li').length === 2"));
+  // The older one, by its line.
+  user.browser.run("document.querySelector('.back').focus()");
+  ASSERT_TRUE(user.walkTo("Only what ran"));
+  user.browser.press({support::kTab, support::kTab, support::kEnter});
+  ASSERT_TRUE(user.browser.eventually(
+      "return document.querySelectorAll('.history > li')[1].querySelector('details').open"));
+  EXPECT_TRUE(user.shows("Did not run"));
+  user.browser.run("document.activeElement.blur()");
+  goTo("Back to the event");
+  ASSERT_TRUE(user.has("#event-name"));
+  goTo("Delete");
+  ASSERT_TRUE(user.toasts("Deleted “Dinner”"));
+  ASSERT_TRUE(listed("Dinner").is_null());
+  ASSERT_TRUE(user.has("[data-turn=undo]:enabled"));
+  goTo("↶ Undo");
+  ASSERT_TRUE(support::Eventually([&] { return !listed("Dinner").is_null(); }));
+  EXPECT_EQ(listed("Dinner")["id"], id);
+}
+
 TEST_P(EventList, NamesAreTextWhateverTheyHold) {
   const std::string evil = "<img src=x onerror=\"window.evil=1\"><script>window.evil=1</script>";
   const int id = store(evil, {{"group", evil}, {"actions", {{{"kind", "speak"}, {"text", evil}}}}});
