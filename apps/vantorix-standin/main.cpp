@@ -64,6 +64,7 @@ int Serve(const Options& options) {
         "and --allow-host, and set one on the page \"Account\" first");
   }
   house.webPort = port.port();
+  if (!IsAnyAddress(options.listen)) house.webHost = HostOf(options.listen);
   if (!options.version.empty()) house.version = options.version;
 
   BusShelf shelf(connection);
@@ -135,9 +136,7 @@ int Serve(const Options& options) {
                                .htmlFolder = house.htmlFolder()});
     const AddressFile file(options.data);
     const auto address = [&] {
-      const std::string name =
-          options.listen.find(':') == std::string::npos ? options.listen : "[" + options.listen + "]";
-      return "http://" + name + ":" + std::to_string(port.port()) + "/" +
+      return "http://" + HostOf(options.listen) + ":" + std::to_string(port.port()) + "/" +
              (visitors.byKey() ? "?key=" + visitors.key() : "");
     };
     visitors.passwordChanged = [&] { file.write(address()); };

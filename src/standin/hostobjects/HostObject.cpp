@@ -17,16 +17,20 @@ namespace {
 
 constexpr int kUsualPort = 80;
 
-/// The services of covers are the house's own where its machine is named and no port: then it is the port of
-/// the house.
-int PortFor(const std::string& host, const std::string& page, int port, int own) {
+/// Whom to ask for a page. The services of covers are the house's own where its machine is named and no port:
+/// then it is where the house listens.
+std::string Fetched(const House& house, HostWaits& waits, const std::string& host, const std::string& page,
+                    int port) {
   const WebAddress address = ReadAddress(host);
   const std::string path = address.path + page;
-  const bool here =
-      address.host == "localhost" || address.host == "[::1]" || address.host.starts_with("127.");
+  const bool here = address.host == "localhost" || address.host == "[::1]" ||
+                    address.host.starts_with("127.") ||
+                    (!house.webHost.empty() && address.host == house.webHost);
   const bool service = path.starts_with("/redir/GetMDRCD.asp?") || path.starts_with("/cover/");
-  return port == kUsualPort && here && service && address.port.empty() && address.scheme != "https" ? own
-                                                                                                    : port;
+  if (port != kUsualPort || !here || !service || !address.port.empty() || address.scheme == "https")
+    return waits.fetch(host, page, port);
+  const std::string& own = house.webHost.empty() ? address.host : house.webHost;
+  return waits.fetch("http://" + own + address.path, page, house.webPort);
 }
 
 /// A trigger as a line of the log: its fields are separated by control characters.
@@ -79,9 +83,7 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
                 [&waits, &house](Args& args) {
                   // A port above 32767 comes as the negative number of the same bits.
                   const auto port = static_cast<std::uint16_t>(NumberAt(args, 3));
-                  const std::string& page = TextAt(args, 1);
-                  const std::string body =
-                      waits.fetch(TextAt(args, 0), page, PortFor(TextAt(args, 0), page, port, house.webPort));
+                  const std::string body = Fetched(house, waits, TextAt(args, 0), TextAt(args, 1), port);
                   return FlagAt(args, 2) ? StripTags(body) : body;
                 }),
   };

@@ -50,6 +50,9 @@ class House {
 
   std::string version = "1.7.0";  ///< what the host says of itself
   int webPort = 0;
+  /// The one address that its web server is reached at, as addresses of pages have it; empty where any of the
+  /// machine's is one.
+  std::string webHost;
   std::string lastVoiceCommand;
   std::string webUser;  ///< of the page request that the plug-in is answering now
   std::string splash;   ///< the last line of the start-up screen

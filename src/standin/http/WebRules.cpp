@@ -63,6 +63,17 @@ bool IsLoopback(const std::string& host) {
   return host == "localhost";
 }
 
+std::string HostOf(const std::string& listen) {
+  return listen.find(':') == std::string::npos ? listen : "[" + listen + "]";
+}
+
+bool IsAnyAddress(const std::string& listen) {
+  in_addr four{};
+  if (inet_pton(AF_INET, listen.c_str(), &four) == 1) return four.s_addr == INADDR_ANY;
+  in6_addr six{};
+  return inet_pton(AF_INET6, listen.c_str(), &six) == 1 && IN6_IS_ADDR_UNSPECIFIED(&six);
+}
+
 bool SameOrigin(std::string_view origin, std::string_view hostHeader) {
   for (const std::string_view scheme : {"http://", "https://"}) {
     if (origin.starts_with(scheme)) return base::SameText(origin.substr(scheme.size()), hostHeader);

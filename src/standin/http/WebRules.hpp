@@ -25,6 +25,10 @@ class AllowedHosts {
 std::optional<std::string> HostName(std::string_view hostHeader);
 /// True for an address of this machine's own loopback network, or "localhost".
 bool IsLoopback(const std::string& host);
+/// The host in the address of a page of a server that listens there.
+std::string HostOf(const std::string& listen);
+/// Whether who listens there is reached at each address of the machine.
+bool IsAnyAddress(const std::string& listen);
 /// True when a request's Origin header says that it comes from a page of the host it goes to.
 bool SameOrigin(std::string_view origin, std::string_view hostHeader);
 /// What a browser tells about why it asks (Sec-Fetch-Site, -Mode, -Dest, and Sec-Purpose); empty texts where

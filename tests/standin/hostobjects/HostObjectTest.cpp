@@ -398,5 +398,26 @@ TEST_F(Host, GetUrlAsksTheHouseItselfForCoversWhereItsMachineIsNamedWithoutAPort
   thread.join();
 }
 
+TEST_F(Host, GetUrlAsksTheHouseForCoversWhereItListensThoughItsMachineIsNamed) {
+  httplib::Server web;
+  web.Get("/redir/GetMDRCD.asp", [&](const httplib::Request&, httplib::Response& response) {
+    response.set_content("about it", "text/xml");
+  });
+  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
+    response.set_content("a cover", "image/jpeg");
+  });
+  house.webHost = "127.0.0.2";
+  house.webPort = web.bind_to_any_port(house.webHost);
+  std::thread thread([&] { web.listen_after_bind(); });
+  constexpr std::int16_t kUsual = 80;
+  for (const char* name : {"localhost", "127.0.0.1", "[::1]", "127.0.0.2"}) {
+    const std::string host = std::string("http://") + name;
+    EXPECT_EQ(text("GetUrl", {host, "/redir/GetMDRCD.asp?locale=409&cd=1+96", false, kUsual}), "about it");
+    EXPECT_EQ(text("GetUrl", {"HTTP" + host.substr(4) + "/cover/?large=x", "", false, kUsual}), "a cover");
+  }
+  web.stop();
+  thread.join();
+}
+
 }  // namespace
 }  // namespace standin

@@ -81,5 +81,13 @@ TEST(WebRules, NoPathLeadsOutOfTheFolder) {
   EXPECT_FALSE(FileBelow(root, std::string("/inside\0x", 9)).has_value());
 }
 
+TEST(AServer, IsReachedAtItsOneAddressOrAtEach) {
+  EXPECT_EQ(HostOf("192.168.1.5"), "192.168.1.5");
+  EXPECT_EQ(HostOf("fd00::5"), "[fd00::5]");
+  for (const char* each : {"0.0.0.0", "::", "0::0"}) EXPECT_TRUE(IsAnyAddress(each)) << each;
+  for (const char* one : {"127.0.0.1", "::1", "localhost", "10.0.0.1"})
+    EXPECT_FALSE(IsAnyAddress(one)) << one;
+}
+
 }  // namespace
 }  // namespace standin
