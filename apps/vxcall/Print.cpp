@@ -76,7 +76,7 @@ void PrintValue(std::ostream& out, const Value& value) {
 
 void PrintMembers(std::ostream& out, const bus::NodeInfo& node) {
   for (const auto& interface : node.interfaces) {
-    if (interface.name.starts_with("org.freedesktop.DBus.")) continue;
+    if (!bus::IsOwnInterface(interface.name)) continue;
     for (const auto& method : interface.methods) PrintMethod(out, method);
     for (const auto& property : interface.properties) {
       out << property.name << ": " << TypeWord(property.type)

@@ -49,7 +49,10 @@ Value Convert(const Value& value, Type type) {
 }
 
 void ConvertArguments(const std::vector<Param>& params, Args& args) {
-  for (std::size_t i = 0; i < args.size(); ++i) args[i] = Convert(args[i], params[i].type);
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const bool isText = params[i].type == Type::kText && args[i].is<std::string>();
+    if (!isText) args[i] = Convert(args[i], params[i].type);
+  }
 }
 
 Value EmptyOf(Type type) {

@@ -10,6 +10,7 @@
 #include "base/Interchange.hpp"
 #include "base/Text.hpp"
 #include "bus/Marshal.hpp"
+#include "bus/Paths.hpp"
 
 namespace bus {
 
@@ -43,6 +44,14 @@ constexpr const char* kStandardInterfaces = R"( <interface name="org.freedesktop
   <method name="GetAll">
    <arg name="interface_name" type="s" direction="in"/>
    <arg name="properties" type="a{sv}" direction="out"/>
+  </method>
+ </interface>
+)";
+
+constexpr const char* kManyCalls = R"( <interface name="org.vantorix.Calls">
+  <method name="CallEach">
+   <arg name="calls" type="av" direction="in"/>
+   <arg name="failed" type="av" direction="out"/>
   </method>
  </interface>
 )";
@@ -161,7 +170,7 @@ template <class Infos>
 auto FindByName(const std::vector<InterfaceInfo>& interfaces, Infos InterfaceInfo::*infos,
                 std::string_view name) -> const typename Infos::value_type* {
   for (const auto& interface : interfaces) {
-    if (interface.name.starts_with(kBusOwn)) continue;
+    if (!IsOwnInterface(interface.name)) continue;
     for (const auto& info : interface.*infos) {
       if (base::SameText(info.name, name)) return &info;
     }
@@ -178,6 +187,13 @@ const MethodInfo* NodeInfo::findMethod(std::string_view name) const {
 const PropertyInfo* NodeInfo::findProperty(std::string_view name) const {
   return FindByName(interfaces, &InterfaceInfo::properties, name);
 }
+
+bool NodeInfo::hasInterface(std::string_view name) const {
+  return std::any_of(interfaces.begin(), interfaces.end(),
+                     [&](const InterfaceInfo& interface) { return interface.name == name; });
+}
+
+bool IsOwnInterface(std::string_view name) { return !name.starts_with(kBusOwn) && name != kCalls; }
 
 ReplyShape ShapeOf(const MethodInfo& method) {
   ReplyShape shape;
@@ -205,6 +221,7 @@ std::string DescribeNode(const base::MemberTable* table, const std::vector<std::
       "\"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n";
   text += kStandardInterfaces;
   if (table != nullptr) {
+    text += kManyCalls;
     text += R"( <interface name="org.vantorix.)" + Quoted(table->interfaceName()) + "\">\n";
     for (const auto& member : table->list()) {
       if (member.kind == base::MemberKind::kOperation) {

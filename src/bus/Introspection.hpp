@@ -34,10 +34,14 @@ struct NodeInfo {
   std::vector<InterfaceInfo> interfaces;
   std::vector<std::string> children;
 
-  /// The operation of that name, without regard to case, among the interfaces that aren't the bus's own.
+  /// The operation of that name, without regard to case, among the object's own interfaces.
   [[nodiscard]] const MethodInfo* findMethod(std::string_view name) const;
   [[nodiscard]] const PropertyInfo* findProperty(std::string_view name) const;
+  [[nodiscard]] bool hasInterface(std::string_view name) const;
 };
+
+/// True for an interface of the object's own: not the bus's, and not one that all objects of the house have.
+bool IsOwnInterface(std::string_view name);
 
 /// The name that introspection gives to an operation's result.
 inline constexpr const char* kResultName = "result";

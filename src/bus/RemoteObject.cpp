@@ -1,8 +1,11 @@
 #include "bus/RemoteObject.hpp"
 
 #include <exception>
+#include <utility>
 
+#include "base/Attempt.hpp"
 #include "base/Failure.hpp"
+#include "bus/CallList.hpp"
 #include "bus/Link.hpp"
 #include "bus/Paths.hpp"
 
@@ -60,6 +63,32 @@ void RemoteObject::put(std::string_view name, const base::Value& value) {
   AppendPlain(message, name, *link_);
   AppendVariant(message, value, *link_);
   link_->call(message.message);
+}
+
+std::vector<base::FailedCall> RemoteObject::callEach(std::vector<base::Call> calls) {
+  const auto node = link_->alive() ? link_->describe(name_, path_) : nullptr;
+  if (!node || !node->hasInterface(kCalls)) return base::CallOneByOne(*this, std::move(calls));
+  const std::size_t count = calls.size();
+  const base::Value list = ListOfCalls(std::move(calls));
+  Draft message;
+  const auto write = [&] {
+    message = link_->newCall(name_, path_, kCalls, kCallEach);
+    AppendPlain(message, list, *link_);
+    return true;
+  };
+  // What can't be sent together, as it is too large for a message, may still be sent one by one.
+  if (!base::Handled(write, [](const base::Failure&) { return false; }))
+    return base::CallOneByOne(*this, CallsIn(list));
+  return base::Handled(
+      [&] {
+        const Message reply = link_->call(message.message);
+        return FailuresIn(Read(reply.get(), *link_));
+      },
+      [&](const base::Failure& failure) {
+        std::vector<base::FailedCall> all;
+        for (std::size_t place = 0; place < count; ++place) all.push_back({place, failure});
+        return all;
+      });
 }
 
 }  // namespace bus

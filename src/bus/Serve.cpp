@@ -2,9 +2,12 @@
 
 #include <exception>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/Failure.hpp"
 #include "base/Interchange.hpp"
+#include "bus/CallList.hpp"
 #include "bus/Errors.hpp"
 #include "bus/Introspection.hpp"
 #include "bus/Link.hpp"
@@ -39,6 +42,7 @@ class Service {
     if (interface_ == kIntrospectable && member_ == "Introspect") return introspection(object.get());
     if (!object) throw base::Failure(base::number::kNoSuchMember, "There is no object at " + path_);
     if (interface_ == kProperties) return property(*object);
+    if (interface_ == kCalls && member_ == kCallEach) return calls(*object);
     return operation(*object);
   }
 
@@ -93,6 +97,15 @@ class Service {
       }
     }
     return fields;
+  }
+
+  /// All of them are read before the first is made.
+  Message calls(base::Object& object) {
+    std::vector<base::Call> wanted = CallsIn(Read(call_, link_));
+    const Value failed = ListOfFailures(base::CallOneByOne(object, std::move(wanted)));
+    Draft reply = newReply();
+    AppendPlain(reply, failed, link_);
+    return std::move(reply.message);
   }
 
   Message operation(base::Object& object) {

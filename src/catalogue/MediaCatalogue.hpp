@@ -74,8 +74,9 @@ class MediaCatalogue : public player::LibraryLookup {
   void registerTitles(const player::Playlist& group, ProgressShown& shown);
   std::int32_t itemToAdd(player::MediaRef& item);
   void debug(const std::string& text);
+  void registerName(const std::string& category, const std::string& name, plugin::Unwaited& saves);
   void registerName(const std::string& category, const std::string& name);
-  void yieldAt(std::int32_t index);
+  void yieldAt(std::int32_t index, plugin::Unwaited& saves);
   player::MediaCollection& media() { return in_.form.wmp9().mediaCollection(); }
   player::PlaylistCollection& playlists() { return in_.form.wmp9().playlistCollection(); }
 

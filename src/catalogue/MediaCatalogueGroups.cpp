@@ -49,12 +49,13 @@ void MediaCatalogue::registerTitles(const player::Playlist& group, ProgressShown
   Attempt step;
   std::int32_t count = 0;
   step([&] { count = group.count(); });
+  plugin::Unwaited saves(in_.host);
   step([&] {
     // The counter has 16 bits. It overflows behind item 32,767, which ends the walk and nothing else: the
     // group is handed out in full.
     for (std::int16_t i = 0; i < count;) {
       Attempt item;
-      item([&] { registerName(kMediaLibraryCategory, Existing(group.item(i)).name()); });
+      item([&] { registerName(kMediaLibraryCategory, Existing(group.item(i)).name(), saves); });
       shown.update(std::int64_t{i} + 1, count);
       if (i == std::numeric_limits<std::int16_t>::max()) throw Failure(base::number::kOverflow);
       ++i;

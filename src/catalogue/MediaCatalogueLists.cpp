@@ -16,14 +16,20 @@ void MediaCatalogue::debug(const std::string& text) {
   step([&] { in_.loggers.Debug("Media Player: " + text); });
 }
 
+void MediaCatalogue::registerName(const std::string& category, const std::string& name,
+                                  plugin::Unwaited& saves) {
+  std::string key;
+  in_.xref.AddNameXref(category, name, key, saves);
+}
+
 void MediaCatalogue::registerName(const std::string& category, const std::string& name) {
   std::string key;
   in_.xref.AddNameXref(category, name, key);
 }
 
-void MediaCatalogue::yieldAt(std::int32_t index) {
+void MediaCatalogue::yieldAt(std::int32_t index, plugin::Unwaited& saves) {
   Attempt step;
-  if (YieldsAt(index)) step([&] { in_.host.WaitEvents(); });
+  if (YieldsAt(index)) step([&] { saves.WaitEvents(); });
 }
 
 std::int32_t MediaCatalogue::GetGroupList(const std::string& category, TextListRef& list,
@@ -67,16 +73,18 @@ std::int32_t MediaCatalogue::readAttribute(const std::string& category, const Te
     if (!names) throw base::Failure(base::number::kObjectMissing);
     count = names->count();
   });
+  plugin::Unwaited saves(in_.host);
   for (std::int32_t i = 0; i < count; ++i) {
     shown.update(std::int64_t{i} + 1, count);
     std::string name;
     step([&] { name = names->item(i); });
     if (!name.empty()) {
-      registerName(category, name);
+      registerName(category, name, saves);
       list->add(std::move(name));
     }
-    yieldAt(i);
+    yieldAt(i, saves);
   }
+  step([&] { saves.settle(); });
   CategoryLists_.erase(category);
   CategoryLists_.emplace(category, list);
   // A mark that was set while the list was read is lost with this.
@@ -124,6 +132,7 @@ void MediaCatalogue::readPlayLists(const player::PlaylistArray& all, const std::
   step([&] { count = all.count(); });
   // Kept in hand: a read that starts while this one yields makes a list of its own.
   const TextListRef names = PlayListNames_;
+  plugin::Unwaited saves(in_.host);
   for (std::int32_t i = 0; i < count; ++i) {
     Attempt reading;
     const float start = in_.clock.seconds();
@@ -137,11 +146,11 @@ void MediaCatalogue::readPlayLists(const player::PlaylistArray& all, const std::
     });
     // A playlist that can't be read is left out without a word.
     if (reading.failed()) continue;
-    registerName(kPlayListCategory, name);
+    registerName(kPlayListCategory, name, saves);
     web::FilterString(name, filter, " ");
     if (!name.empty()) names->add(name);
     noteSlow(*playlist, name, start);
-    yieldAt(i);
+    yieldAt(i, saves);
   }
 }
 

@@ -42,6 +42,12 @@ std::string WithQuotesDoubled(const std::string& name) {
 }  // namespace
 
 bool NameXref::AddNameXref(const std::string& category, const std::string& name, std::string& key) {
+  plugin::Unwaited saves(host_);
+  return AddNameXref(category, name, key, saves);
+}
+
+bool NameXref::AddNameXref(const std::string& category, const std::string& name, std::string& key,
+                           plugin::Unwaited& saves) {
   Attempt step;
   bool changed = false;
   step([&] { changed = !MakeMediaKey(name, key); });
@@ -54,7 +60,7 @@ bool NameXref::AddNameXref(const std::string& category, const std::string& name,
     if (!known) entry = name;
   });
   if (known || !added) return added;
-  step([&] { host_.SaveINISetting(category, key, HexEncodeName(name), plugin::kSettingsFile); });
+  step([&] { saves.SaveINISetting(category, key, HexEncodeName(name), plugin::kSettingsFile); });
   return true;
 }
 
@@ -84,12 +90,9 @@ bool NameXref::RemoveNameXref(const std::string& category, const std::string& na
   return true;
 }
 
-void NameXref::yieldAt(std::size_t index) {
-  if (YieldsAt(static_cast<std::int64_t>(index))) host_.WaitEvents();
-}
-
 void NameXref::moveOldSection(ProgressShown& shown) {
   Attempt step;
+  plugin::Unwaited saves(host_);
   std::vector<std::string> lines;
   step([&] { lines = base::Split(host_.GetINISection(kOldSection, plugin::kSettingsFile), '\0'); });
   for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -97,11 +100,12 @@ void NameXref::moveOldSection(ProgressShown& shown) {
     if (parts.size() == 2) {
       const auto path = base::Split(parts[0], ':');
       if (path.size() == 2)
-        step([&] { host_.SaveINISetting(path[0], path[1], parts[1], plugin::kSettingsFile); });
+        step([&] { saves.SaveINISetting(path[0], path[1], parts[1], plugin::kSettingsFile); });
     }
     shown.update(static_cast<std::int64_t>(i) + 1, static_cast<std::int64_t>(lines.size()));
-    step([&] { yieldAt(i); });
+    if (YieldsAt(static_cast<std::int64_t>(i))) step([&] { saves.WaitEvents(); });
   }
+  step([&] { saves.settle(); });
   // An entry that could not be moved keeps the whole old section for the next start.
   if (!step.failed()) step([&] { host_.ClearINISection(kOldSection, plugin::kSettingsFile); });
 }
@@ -111,15 +115,16 @@ void NameXref::readSection(const std::string& section, ProgressShown& shown) {
   // stay in the file and return name by name, when the library is next read.
   names_.clear();
   Attempt step;
+  plugin::Unwaited saves(host_);
   std::vector<std::string> lines;
   step([&] { lines = base::Split(host_.GetINISection(section, plugin::kSettingsFile), '\0'); });
   std::string key;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const auto parts = base::Split(lines[i], '=');
     // An entry is new to the table, and so it is also written back, unchanged.
-    if (parts.size() == 2) step([&] { AddNameXref(section, HexDecodeName(parts[1]), key); });
+    if (parts.size() == 2) step([&] { AddNameXref(section, HexDecodeName(parts[1]), key, saves); });
     shown.update(static_cast<std::int64_t>(i) + 1, static_cast<std::int64_t>(lines.size()));
-    step([&] { yieldAt(i); });
+    if (YieldsAt(static_cast<std::int64_t>(i))) step([&] { saves.WaitEvents(); });
   }
 }
 

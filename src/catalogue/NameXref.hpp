@@ -19,6 +19,9 @@ class NameXref {
   /// Registers a name, the newest spelling of its key. `key` gets the media key. False only when the
   /// name could not be added to the table, for want of memory.
   bool AddNameXref(const std::string& category, const std::string& name, std::string& key);
+  /// The same within a walk of many names: what is to be saved goes with `saves`.
+  bool AddNameXref(const std::string& category, const std::string& name, std::string& key,
+                   plugin::Unwaited& saves);
   /// The library name with each double quote doubled, as the player's queries want it; `name` as given, and
   /// undoubled, where none is known.
   [[nodiscard]] std::string LookupNameXref(const std::string& category, const std::string& name) const;
@@ -32,7 +35,6 @@ class NameXref {
  private:
   void readSection(const std::string& section, ProgressShown& shown);
   void moveOldSection(ProgressShown& shown);
-  void yieldAt(std::size_t index);
 
   plugin::HostServices& host_;
   plugin::Loggers& loggers_;

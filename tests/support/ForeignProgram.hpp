@@ -32,7 +32,7 @@ class ForeignProgram {
   void send(const std::string& to, const char* path, const char* member, const char* types,
             Arguments... arguments) {
     sd_bus_message* raw = nullptr;
-    ASSERT_LE(0, sd_bus_message_new_method_call(bus_.get(), &raw, to.c_str(), path, "any.text", member));
+    ASSERT_LE(0, sd_bus_message_new_method_call(bus_.get(), &raw, to.c_str(), path, interface, member));
     const bus::Message call(raw);
     ASSERT_LE(0, sd_bus_message_append(raw, types, arguments...));
     ASSERT_LE(0, sd_bus_call_async(bus_.get(), nullptr, raw, &ForeignProgram::hear, this, UINT64_MAX));
@@ -46,9 +46,10 @@ class ForeignProgram {
     }
   }
 
-  std::vector<std::string> answers;  ///< the errors' names, empty for success
-  int asked = 0;                     ///< how many calls have come
-  bool hangs = false;                ///< takes calls and never answers them
+  std::vector<std::string> answers;    ///< the errors' names, empty for success
+  int asked = 0;                       ///< how many calls have come
+  bool hangs = false;                  ///< takes calls and never answers them
+  const char* interface = "any.text";  ///< of the calls that it sends
 
  private:
   static int take(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {

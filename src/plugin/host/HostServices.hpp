@@ -1,14 +1,18 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "base/Loop.hpp"
 #include "base/Object.hpp"
+#include "plugin/host/Unwaited.hpp"
 
 namespace plugin {
 
 /// The typed face of the host: one method per operation that the plug-in calls, each doing exactly one call
 /// by name. Every method throws what the host's answer throws, and number 91 while the host is nothing.
+/// `Unwaited` makes calls that need not be waited for one by one.
 class HostServices {
  public:
   explicit HostServices(base::Loop& loop) : loop_(loop) {}
@@ -71,8 +75,17 @@ class HostServices {
   std::int32_t NewEvent(const std::string& name);
   base::ObjectRef NewDevFunc();
 
+  UnwaitedCalls& unwaited() { return unwaited_; }
+  /// Runs `call` with timers, player events and windows handled while it waits, and whatever is pending
+  /// behind it, as `WaitEvents` does.
+  void whileWaiting(const std::function<void()>& call);
+
  private:
+  template <class... T>
+  base::Value ask(const base::ObjectRef& target, std::string_view name, T&&... arguments);
+
   base::Loop& loop_;
+  UnwaitedCalls unwaited_{Host};
 };
 
 }  // namespace plugin
