@@ -16,7 +16,7 @@ namespace {
 constexpr base::Milliseconds kFirstPause = std::chrono::seconds(1);
 constexpr base::Milliseconds kLongestPause = std::chrono::seconds(60);
 constexpr base::Milliseconds kStable = std::chrono::seconds(60);
-constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(300);
+constexpr base::Milliseconds kStatusInterval = std::chrono::milliseconds(20);
 constexpr base::Milliseconds kDelayInterval = std::chrono::seconds(1);
 /// Until InitIO has answered a plug-in opens its library and reads its names, which takes seconds where there
 /// are many. From then on it answers at once, and is seen to hang like one that is ready.
