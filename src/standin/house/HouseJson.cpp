@@ -1,6 +1,8 @@
 #include "standin/house/HouseJson.hpp"
 
-#include <algorithm>
+#include <string_view>
+
+#include "standin/house/ValueTable.hpp"
 
 namespace standin {
 namespace {
@@ -9,11 +11,8 @@ constexpr std::int16_t kCanBeSwitched = 8;  // a flag of `misc`
 
 /// The name of the selected value, empty when none is.
 std::string SelectedName(const Device& device) {
-  const std::string sought = std::to_string(device.value);
-  for (const ValueEntry& entry : SplitValues(device.values)) {
-    if (entry.value == sought) return entry.name == " " ? std::string() : entry.name;
-  }
-  return {};
+  const std::string name(NameOfValue(device.values, device.value).value_or(std::string_view()));
+  return name == " " ? std::string() : name;
 }
 
 }  // namespace
@@ -21,7 +20,6 @@ std::string SelectedName(const Device& device) {
 nlohmann::json DeviceJson(const Device& device) {
   nlohmann::json buttons = nlohmann::json::array();
   for (const DeviceButton& button : device.buttons) buttons.push_back(button.caption);
-  const bool hasValues = !device.values.empty();
   return {{"ref", device.ref},
           {"name", device.name},
           {"location", device.location},
@@ -30,8 +28,9 @@ nlohmann::json DeviceJson(const Device& device) {
           {"status", device.status},
           {"switchable", (device.misc & kCanBeSwitched) != 0},
           {"value", device.value},
-          {"valueName", hasValues ? SelectedName(device) : std::string()},
-          {"values", hasValues ? 1 + std::count(device.values.begin(), device.values.end(), '\1') : 0},
+          {"valueName", SelectedName(device)},
+          {"values", CountValues(device.values)},
+          {"valuesMark", MarkOfValues(device.values)},
           {"text", device.text},
           {"changed", device.changed},
           {"buttons", std::move(buttons)}};

@@ -5,6 +5,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/house/ValueTable.hpp"
 
 namespace standin {
 namespace {
@@ -42,6 +43,8 @@ std::optional<PluginKeeper::Command> DeviceCommands::set(std::int32_t ref, std::
     house_.devices.putValue(ref, wanted);
     return std::nullopt;
   }
+  if (!device.values.empty() && !NameOfValue(device.values, wanted))
+    throw base::Failure(base::number::kFileNotFound, "The device has no such value");
   // The device shows it before the plug-in hears of it, which may set it back itself when it has acted.
   return [&devices = house_.devices, ref, wanted,
           tell = setIo(device, kCommandValue, static_cast<std::int16_t>(value))](base::Object& vxif) {

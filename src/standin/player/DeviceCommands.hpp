@@ -23,7 +23,8 @@ class DeviceCommands {
   [[nodiscard]] PluginKeeper::Command press(std::int32_t ref, const std::string& caption) const;
   /// Nothing when the house has done it: the device is on or off now.
   [[nodiscard]] std::optional<PluginKeeper::Command> turn(std::int32_t ref, bool on) const;
-  /// 0 to 32,767. Nothing when the house has done it.
+  /// 0 to 32,767. Nothing when the house has done it. Throws number 53 for a value that is not among those
+  /// that the plug-in has named, where it has named any.
   [[nodiscard]] std::optional<PluginKeeper::Command> set(std::int32_t ref, std::int64_t value) const;
   /// Whether the plug-in is the one to tell.
   [[nodiscard]] bool isOfPlugin(const Device& device) const;

@@ -8,6 +8,7 @@
 
 #include "base/Failure.hpp"
 #include "standin/house/EventStore.hpp"
+#include "standin/house/ValueTable.hpp"
 #include "standin/player/DeviceCommands.hpp"
 #include "standin/routes/Routes.hpp"
 #include "standin/voice/Voice.hpp"
@@ -34,6 +35,25 @@ PluginKeeper::Done Answering(const Reply& reply) {
   return [reply](const std::string& failure) { reply(OutcomeOf(failure)); };
 }
 
+/// The command, and the answer when it has run: `done`, or what the player could not do. It answers nothing
+/// itself, but tells the log.
+void RunWatched(const Parts& parts, PluginKeeper::Command work, const std::string& done, const Reply& reply) {
+  const auto line = std::make_shared<std::int64_t>(0);
+  parts.plugin.command(
+      [&house = parts.house, line, work = std::move(work)](base::Object& vxif) {
+        *line = house.log.lastId();
+        work(vxif);
+      },
+      [&house = parts.house, line, done, reply](const std::string& failure) {
+        if (!failure.empty()) return reply(OutcomeOf(failure));
+        const std::vector<LogLine> errors = house.log.newest(kErrorsLookedAt, "Error");
+        const auto error = std::find_if(errors.begin(), errors.end(), [&](const LogLine& each) {
+          return each.id > *line && each.text.starts_with(kOfPlayer);
+        });
+        reply(error != errors.end() ? Refusal(409, error->text) : Told({{"done", done}}));
+      });
+}
+
 /// Has what may add to the player's own playlist done, and tells what it has added.
 void Add(const Parts& parts, PluginKeeper::Command work, const Reply& reply) {
   parts.library.addition(
@@ -46,10 +66,17 @@ void Add(const Parts& parts, PluginKeeper::Command work, const Reply& reply) {
       });
 }
 
+/// What was chosen, without the marks of an entry that does something else than the others.
+std::string ChosenName(const Device& device, std::int32_t value) {
+  std::string name(NameOfValue(device.values, value).value_or(std::string_view()));
+  std::erase(name, '*');
+  return name;
+}
+
 /// Has the device told, by the plug-in where it is the plug-in's, and says what of it can't be done.
 void TellDevice(const Parts& parts,
                 const std::function<std::optional<PluginKeeper::Command>(const DeviceCommands& tells)>& what,
-                const Reply& reply, bool adds = false) {
+                const std::function<void(PluginKeeper::Command)>& run, const Reply& reply) {
   std::optional<PluginKeeper::Command> command;
   try {
     command = what(DeviceCommands(parts.house, parts.objects, parts.plugin));
@@ -59,29 +86,38 @@ void TellDevice(const Parts& parts,
     throw;
   }
   if (!command) return reply(OutcomeOf({}));  // the house has done it
-  if (adds) return Add(parts, std::move(*command), reply);
-  parts.plugin.command(std::move(*command), Answering(reply));
+  run(std::move(*command));
 }
 
 void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto caption = call.json.at("caption").get<std::string>();
   const auto ref = call.json.at("ref").get<std::int32_t>();
   TellDevice(
-      parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); }, reply,
-      caption == kAddButton);
+      parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); },
+      [&](PluginKeeper::Command work) {
+        if (caption == kAddButton) return Add(parts, std::move(work), reply);
+        parts.plugin.command(std::move(work), Answering(reply));
+      },
+      reply);
 }
 
 void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto ref = call.json.at("ref").get<std::int32_t>();
   const auto word = call.json.at("command").get<std::string>();
   const auto value = call.json.value("value", std::int64_t{0});
-  if (parts.house.devices.byRef(ref) == nullptr) return reply(Refusal(404, "There is no such device"));
+  const Device* device = parts.house.devices.byRef(ref);
+  if (device == nullptr) return reply(Refusal(404, "There is no such device"));
   if (word != "on" && word != "off" && word != "value")
     return reply(Refusal(400, "There is no such command"));
+  const bool sets = word == "value";
   TellDevice(
       parts,
       [&](const DeviceCommands& tells) {
-        return word == "value" ? tells.set(ref, value) : tells.turn(ref, word == "on");
+        return sets ? tells.set(ref, value) : tells.turn(ref, word == "on");
+      },
+      [&](PluginKeeper::Command work) {
+        if (!sets) return parts.plugin.command(std::move(work), Answering(reply));
+        RunWatched(parts, std::move(work), ChosenName(*device, static_cast<std::int32_t>(value)), reply);
       },
       reply);
 }
@@ -110,9 +146,7 @@ void TakeVoice(const Parts& parts, const WebCall& call, const Reply& reply) {
     targets.push_back({parts.objects.device(ref), device.hc, device.dc});
   }
   // The text is set when its turn comes: another one may be waiting before it.
-  const auto line = std::make_shared<std::int64_t>(0);
-  const PluginKeeper::Command say = [&house = parts.house, text, targets, line](base::Object& vxif) {
-    *line = house.log.lastId();
+  const PluginKeeper::Command say = [&house = parts.house, text, targets](base::Object& vxif) {
     house.lastVoiceCommand = text;
     for (const Target& each : targets) {
       const std::int16_t none = 0;
@@ -120,15 +154,7 @@ void TakeVoice(const Parts& parts, const WebCall& call, const Reply& reply) {
     }
   };
   if (act.adds) return Add(parts, say, reply);
-  parts.plugin.command(say, [&house = parts.house, reply, line, said = act.said](const std::string& failure) {
-    if (!failure.empty()) return reply(OutcomeOf(failure));
-    // The player answers nothing: what it could not do it has told the log meanwhile.
-    const std::vector<LogLine> errors = house.log.newest(kErrorsLookedAt, "Error");
-    const auto error = std::find_if(errors.begin(), errors.end(), [&](const LogLine& each) {
-      return each.id > *line && each.text.starts_with(kOfPlayer);
-    });
-    reply(error != errors.end() ? Refusal(409, error->text) : Told({{"done", said}}));
-  });
+  RunWatched(parts, say, act.said, reply);
 }
 
 }  // namespace

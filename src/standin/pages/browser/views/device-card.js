@@ -2,6 +2,7 @@
 import {partsOf, shownParts, wordsOf} from '../kit/devicetext.js';
 import {html, live, nothing} from '../kit/html.js';
 import {ask, complain, run} from '../kit/server.js';
+import {toast} from '../kit/toasts.js';
 import {captionOf, pressed} from './buttons.js';
 import {ValueSearch} from './value-search.js';
 
@@ -15,7 +16,7 @@ export class DeviceCard {
   #signal;
   #search;
   #values = null;     // to choose from, once they were read
-  #valuesOf = '';     // the table that they belong to
+  #valuesOf = '';     // the mark of the table that they belong to
   #changes = 0;
 
   constructor(ref, {signal, draw}) {
@@ -61,9 +62,8 @@ export class DeviceCard {
   }
 
   async #read(device) {
-    const table = `${device.ref} ${device.values}`;
-    if (this.#valuesOf === table) return;
-    this.#valuesOf = table;
+    if (this.#valuesOf === device.valuesMark) return;
+    this.#valuesOf = device.valuesMark;
     try {
       this.#values = (await ask(`/api/values?ref=${device.ref}&q=`, undefined, this.#signal)).values;
       this.#draw();
@@ -75,7 +75,10 @@ export class DeviceCard {
 }
 
 function choose(control, value, ref = Number(control.closest('[data-ref]').dataset.ref)) {
-  return run(control, () => ask('/api/command', {ref, command: 'value', value: Number(value)}));
+  return run(control, async () => {
+    const {done} = await ask('/api/command', {ref, command: 'value', value: Number(value)});
+    if (done?.trim()) toast(`Done: ${done}`);
+  });
 }
 
 function switchOf(device) {
