@@ -204,6 +204,54 @@ Start MeasureStartWith(const std::string& music, int names) {
   return start;
 }
 
+/// Albums of one title each, by half as many artists. No name is a media key, so that each has to be stored.
+void MakeAlbums(const std::filesystem::path& folder, int albums) {
+  const auto sound = folder / "sound.flac";
+  engine::demo::WriteSound(sound.string(), engine::demo::Tone(440, 0.05, 8000),
+                           engine::demo::FileFormat::kFlac);
+  for (int i = 0; i < albums; ++i) {
+    const auto path = folder / (std::to_string(i) + ".flac");
+    std::filesystem::copy_file(sound, path);
+    engine::TrackTags tags;
+    tags.title = "Title";
+    tags.album = "Live / Unplugged, " + std::to_string(i) + " (Rock & Roll)";
+    tags.artist = "Mira & the Clocks no. " + std::to_string(i / 2);
+    tags.genre = "Rock";
+    engine::demo::WriteTags(path.string(), tags, {});
+  }
+  std::filesystem::remove(sound);
+}
+
+/// A house that has never been, with a player that knows its music.
+void MeasureFirstMeeting() {
+  const int kAlbums = bench::Amount(10'000, 50);
+  const support::TempFolder music;
+  MakeAlbums(music.path(), kAlbums);
+  support::RealHouse house({.music = music.path().string()});
+  bool met = house.startReady();
+  {
+    bus::PollLoop loop;
+    bus::Connection connection(loop, house.busAddress());
+    const auto script = connection.proxy("org.vantorix.vxif_WMP9", "/scriptclass");
+    met = met && support::Eventually(
+                     [&] {
+                       return script->invoke("GetCategoryList", "Album").array().size() ==
+                              static_cast<std::size_t>(kAlbums);
+                     },
+                     std::chrono::minutes(10));
+  }
+  house.server().signal(SIGTERM);
+  house.server().wait();
+  if (!met) std::printf("The player doesn't find its music:\n%s\n", house.server().output().c_str());
+  std::filesystem::remove_all(house.data());
+  const auto begin = Clock::now();
+  house.start();
+  const bool ready =
+      support::Eventually([&] { return house.pluginState() == "ready"; }, std::chrono::minutes(10));
+  std::printf("first meeting of %d albums and %d artists: %.2f s to %s\n", kAlbums, kAlbums / 2,
+              Milliseconds(Clock::now() - begin) / 1000, ready ? "ready" : "nothing");
+}
+
 void MeasureStart(const std::string& music) {
   const int kNames = bench::Amount(50'000, 200);
   const Start bare = MeasureStartWith(music, 0);
@@ -227,5 +275,6 @@ int main() {
   MeasureLatency(house);
   MeasureSaves(house);
   MeasureStart(music.path());
+  MeasureFirstMeeting();
   return 0;
 }
