@@ -9,9 +9,8 @@
 #include <utility>
 
 #include "demo/Cover.hpp"
+#include "house/CoverHouse.hpp"
 #include "house/CoverWeb.hpp"
-#include "support/RealHouse.hpp"
-#include "support/SmallMusic.hpp"
 
 namespace {
 
@@ -23,15 +22,10 @@ using ::testing::Not;
 constexpr const char* kEnd = ": Found cover art";
 constexpr const char* kNoEnd = ": Unable to retrieve cover art";
 
-class CoverEdges : public ::testing::Test {
+class CoverEdges : public support::CoverHouse {
  protected:
   void SetUp() override {
-    engine::TrackTags tags;
-    tags.title = "Silence";
-    tags.artist = "Nobody";
-    tags.album = "Disc";
-    tags.track = 1;
-    tags.discId = "2+96+12C+20D";
+    engine::TrackTags tags = discTags();
     tags.collectionId = "{1234}";
     music.add("Silence", 20, tags);
     house.configurePlayer("[network]\nmetadata = " + web.metadata() + "\ncover = " + web.covers() + "\n");
@@ -39,10 +33,7 @@ class CoverEdges : public ::testing::Test {
   void start(const std::string& settings = {}) {
     std::filesystem::create_directories(house.data() / "config");
     std::ofstream(house.data() / "config" / "vxif_WMP.ini") << "[Settings]\nDebugMessages=True\n" + settings;
-    ASSERT_TRUE(house.startReady()) << house.server().output();
-  }
-  void lay(const std::string& name, const std::string& bytes) {
-    std::ofstream(music.path() + "/" + name, std::ios::binary) << bytes;
+    CoverHouse::start();
   }
   /// What the log says of the search, from one of its searches on.
   std::vector<std::string> told() {
@@ -73,9 +64,7 @@ class CoverEdges : public ::testing::Test {
       ASSERT_TRUE(house.textBecomes("Album", ""));
     }
     const std::int64_t before = searches();
-    ASSERT_TRUE(support::Eventually([&] {
-      return house.post("/api/play", {{"category", "Album"}, {"name", "Disc"}}) == 200;
-    }));
+    play("Disc");
     ASSERT_TRUE(support::Eventually([&] { return searches() > before; })) << house.log();
   }
   std::string served(const std::string& size) {
@@ -85,11 +74,6 @@ class CoverEdges : public ::testing::Test {
     const auto answer = house.client().Get("/images/Media%20Player/WMPCover" + size + ".jpg");
     return answer && answer->status == 200;
   }
-  /// The device is told behind the search's last line.
-  bool showsCover() {
-    return support::Eventually([&] { return album().find("WMPCoverSmall") != std::string::npos; });
-  }
-  std::string album() { return house.device("Album").value("text", ""); }
   /// A good picture of exactly so many bytes.
   static std::string picture(std::size_t bytes) {
     std::string png = engine::demo::CoverPng(1, 8);
@@ -101,15 +85,13 @@ class CoverEdges : public ::testing::Test {
            "</largeCoverParams><smallCoverParams>" + small + "</smallCoverParams>";
   }
   void expectNoCover() {
-    EXPECT_THAT(album(), Not(HasSubstr("WMPCover")));
-    EXPECT_THAT(album(), HasSubstr("Disc"));
+    EXPECT_THAT(albumText(), Not(HasSubstr("WMPCover")));
+    EXPECT_THAT(albumText(), HasSubstr("Disc"));
     EXPECT_FALSE(fileThere("Large"));
     EXPECT_FALSE(fileThere("Small"));
   }
 
   support::CoverWeb web;
-  support::SmallMusic music;
-  support::RealHouse house{{.music = music.path()}};
 
  private:
   bool played_ = false;

@@ -6,10 +6,9 @@
 #include <fstream>
 
 #include "demo/Cover.hpp"
+#include "house/CoverHouse.hpp"
 #include "pictures/Picture.hpp"
 #include "standin/coverservices/CoverServices.hpp"
-#include "support/RealHouse.hpp"
-#include "support/SmallMusic.hpp"
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -20,7 +19,7 @@ constexpr const char* kServed = "/images/Media%20Player/WMPCoverSmall.jpg";
 constexpr const char* kTag =
     R"(<img align=absmiddle src="images\Media Player\WMPCoverSmall.jpg"  width="75" height="75" border="0" ><br>)";
 
-class AlbumWithACover : public ::testing::Test {
+class AlbumWithACover : public support::CoverHouse {
  protected:
   void SetUp() override {
     engine::TrackTags tags;
@@ -29,32 +28,26 @@ class AlbumWithACover : public ::testing::Test {
     tags.album = "Framed";
     tags.track = 4;
     music.add("Inked", 20, tags, png);
-    ASSERT_TRUE(house.startReady()) << house.server().output();
+    start();
   }
-  int play(const std::string& album) {
-    return house.post("/api/play", {{"category", "Album"}, {"name", album}});
-  }
-  std::string albumText() { return house.device("Album").value("text", ""); }
 
   const std::string png = engine::demo::CoverPng(5, 200);
-  support::SmallMusic music;
-  support::RealHouse house{{.music = music.path()}};
 };
 
 }  // namespace
 
 TEST_F(AlbumWithACover, IsOnItsDeviceAndServedWhileItPlaysAndGoesWithIt) {
-  ASSERT_EQ(play("Framed"), 200);
+  play("Framed");
   ASSERT_TRUE(support::Eventually([&] { return albumText() == std::string(kTag) + "Framed"; }))
       << albumText();
   EXPECT_EQ(house.get(kServed), png) << "the picture in the file serves as it is";
 
-  ASSERT_EQ(play("Counting"), 200);
+  play("Counting");
   ASSERT_TRUE(house.textBecomes("Title", "One"));
   EXPECT_TRUE(support::Eventually([&] { return house.get(kServed).empty(); }));
   EXPECT_THAT(albumText(), Not(HasSubstr("WMPCoverSmall")));
 
-  ASSERT_EQ(play("Framed"), 200);
+  play("Framed");
   ASSERT_TRUE(support::Eventually([&] { return house.get(kServed) == png; }));
   ASSERT_EQ(house.press("Status", "Stop"), 200);
   EXPECT_TRUE(house.textBecomes("Album", ""));
@@ -64,7 +57,7 @@ TEST_F(AlbumWithACover, IsOnItsDeviceAndServedWhileItPlaysAndGoesWithIt) {
 namespace {
 
 /// The server's answers about covers.
-class CoversOfTheHouse : public ::testing::Test {
+class CoversOfTheHouse : public support::CoverHouse {
  protected:
   static engine::TrackTags tagsOf(const std::string& album) {
     engine::TrackTags tags;
@@ -88,10 +81,6 @@ class CoversOfTheHouse : public ::testing::Test {
     std::filesystem::remove(plain);
     engine::demo::WriteTags(path, tagsOf(album), png);
   }
-  void lay(const std::string& name, const std::string& bytes) {
-    std::ofstream(music.path() + "/" + name, std::ios::binary) << bytes;
-  }
-  void start() { ASSERT_TRUE(house.startReady()) << house.server().output(); }
   bool knows(const std::string& album) {
     std::string words = album;
     for (std::size_t at = words.find(' '); at != std::string::npos; at = words.find(' '))
@@ -112,9 +101,6 @@ class CoversOfTheHouse : public ::testing::Test {
     const auto answer = ask("?album=" + album + "&size=" + std::to_string(size));
     return typeOf(answer) == "image/jpeg" ? pictures::SizeOf(answer->body).width : 0;
   }
-
-  support::SmallMusic music;
-  support::RealHouse house{{.music = music.path()}};
 };
 
 TEST_F(CoversOfTheHouse, AreReadFromFilesOfAllFormats) {
@@ -130,10 +116,10 @@ TEST_F(CoversOfTheHouse, AreReadFromFilesOfAllFormats) {
     EXPECT_EQ(widthOf(album), width++) << album;
     EXPECT_EQ(widthOf(album, 256), 256) << album;
     // And the plug-in's own search finds it when the album is played.
-    ASSERT_EQ(house.post("/api/play", {{"category", "Album"}, {"name", album}}), 200);
+    play(album);
     EXPECT_TRUE(support::Eventually([&] {
-      return house.device("Album").value("text", "").find("WMPCoverSmall") != std::string::npos &&
-             house.text("Album").ends_with(album);
+      const std::string text = albumText();
+      return text.find("WMPCoverSmall") != std::string::npos && text.ends_with(album);
     })) << album
         << house.device("Album");
   }
@@ -149,7 +135,7 @@ TEST_F(CoversOfTheHouse, AreKeptByContentAndTheirAddressByKeyIsForEver) {
   const std::string mark = first->get_header_value("ETag");
   EXPECT_EQ(ask("?album=Framed&size=256", {{"If-None-Match", mark}})->status, 304);
 
-  ASSERT_EQ(house.post("/api/play", {{"category", "Album"}, {"name", "Framed"}}), 200);
+  play("Framed");
   ASSERT_TRUE(house.textBecomes("Title", "Song of Framed"));
   const auto told = support::JsonOf(ask("/key?playing")->body);
   EXPECT_EQ(told.value("album", ""), "Framed");
@@ -237,29 +223,18 @@ TEST_F(CoversOfTheHouse, AreTheSameAfterAStartAndWithoutAPlaceToKeepThem) {
 }
 
 /// A track of a disc, in a house that names itself for the covers of discs.
-class ADiscOfTheHouse : public ::testing::Test {
+class ADiscOfTheHouse : public support::CoverHouse {
  protected:
   void SetUp() override {
-    engine::TrackTags tags;
-    tags.title = "Silence";
-    tags.artist = "Nobody";
-    tags.album = "Disc";
-    tags.track = 1;
-    tags.discId = "2+96+12C+20D";
-    music.add("Silence", 20, tags);
+    music.add("Silence", 20, discTags());
     house.configurePlayer("[network]\nmetadata = http://localhost\ncover = http://localhost/cover/\n");
     std::filesystem::create_directories(house.data() / "config");
     std::ofstream(house.data() / "config" / "covers.ini")
         << "[services]\nmetadata=" << services.address() << "\ncovers=" << services.address() << "\n";
-    ASSERT_TRUE(house.startReady()) << house.server().output();
-  }
-  bool showsCover() {
-    return house.device("Album").value("text", "").find("WMPCoverSmall") != std::string::npos;
+    start();
   }
 
   support::CoverServices services;
-  support::SmallMusic music;
-  support::RealHouse house{{.music = music.path()}};
 };
 
 TEST_F(ADiscOfTheHouse, IsNothingThatStrangersCanAskForByWayOfAnotherServer) {
@@ -278,10 +253,8 @@ TEST_F(ADiscOfTheHouse, GetsItsCoverFromTheServicesOnceTheOwnerHasSwitchedThemOn
   EXPECT_TRUE(services.asked().empty()) << "off until it is switched on";
   ASSERT_EQ(house.post("/api/covers/services", {{"on", true}}), 200);
 
-  ASSERT_TRUE(support::Eventually([&] {
-    return house.post("/api/play", {{"category", "Album"}, {"name", "Disc"}}) == 200;
-  }));
-  ASSERT_TRUE(support::Eventually([&] { return showsCover(); })) << house.log();
+  play("Disc");
+  ASSERT_TRUE(showsCover()) << house.log();
   EXPECT_EQ(services.asked().size(), 3U);
   EXPECT_EQ(house.get("/images/Media%20Player/WMPCoverLarge.jpg"), services.stored);
   const auto shown = house.client().Get("/api/cover?playing&size=1024");

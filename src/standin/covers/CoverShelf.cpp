@@ -37,8 +37,10 @@ void CoverShelf::Written(const std::string& path, const std::string& bytes) {
   files::WriteFile(path, bytes, {.mode = files::kForOwner});
 }
 
-CoverShelf::CoverShelf(fs::path folder, Limits limits, Write write)
-    : folder_(std::move(folder)), limits_(limits), write_(std::move(write)) {
+std::string CoverShelf::ReadBack(const std::string& path) { return files::ReadFile(path, kLargestFile).text; }
+
+CoverShelf::CoverShelf(fs::path folder, Limits limits, Write write, Read read)
+    : folder_(std::move(folder)), limits_(limits), write_(std::move(write)), read_(std::move(read)) {
   files::ClearLeftovers(folder_);
   std::error_code problem;
   std::vector<std::pair<fs::file_time_type, fs::directory_entry>> found;
@@ -92,10 +94,15 @@ std::optional<std::string> CoverShelf::take(const std::string& key, int size) {
   // Outside of the lock: a disk may take its time, and others only want to know what is here.
   const fs::path file = folder_ / name;
   try {
-    std::string bytes = files::ReadFile(file.string(), kLargestFile).text;
+    std::string bytes = read_(file.string());
     NoteUse(file);
     const std::lock_guard lock(mutex_);
     hold(name, bytes);
+    // Somebody may have changed the file, or taken it away meanwhile.
+    if (const auto known = entries_.find(name); known != entries_.end()) {
+      used_ += bytes.size() - known->second.bytes;
+      known->second.bytes = bytes.size();
+    }
     return bytes;
   } catch (const base::Failure&) {
     std::error_code unknown;

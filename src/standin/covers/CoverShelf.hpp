@@ -22,12 +22,16 @@ class CoverShelf {
   /// How a file comes to the disk: as `files::WriteFile`.
   using Write = std::function<void(const std::string& path, const std::string& bytes)>;
 
+  /// How it comes back: as `files::ReadFile`.
+  using Read = std::function<std::string(const std::string& path)>;
+
   /// Writes a whole file or nothing, for its owner alone.
   static void Written(const std::string& path, const std::string& bytes);
+  static std::string ReadBack(const std::string& path);
 
   /// What a killed process has left half-written in the folder is cleared.
   explicit CoverShelf(std::filesystem::path folder) : CoverShelf(std::move(folder), Limits(), &Written) {}
-  CoverShelf(std::filesystem::path folder, Limits limits, Write write);
+  CoverShelf(std::filesystem::path folder, Limits limits, Write write, Read read = &ReadBack);
 
   /// The picture of that key and size, if it is here.
   std::optional<std::string> take(const std::string& key, int size);
@@ -58,6 +62,7 @@ class CoverShelf {
   std::filesystem::path folder_;
   Limits limits_;
   Write write_;
+  Read read_;
   std::map<std::string, Entry> entries_;  ///< by the file's name
   std::list<std::string> turns_;          ///< names, the one asked for last in front
   std::uint64_t used_ = 0;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <future>
 
 #include "base/Failure.hpp"
 #include "files/WriteFile.hpp"
@@ -105,6 +106,60 @@ TEST_F(Shelf, ThatSomebodyHasClearedHasNothing) {
   EXPECT_FALSE(shelf.has(first, 256));
   shelf.put(first, 256, "12345");
   EXPECT_EQ(shelf.take(first, 256), "12345");
+}
+
+TEST_F(Shelf, CountsAFileAsItWasReadThoughSomebodyHasChangedIt) {
+  CoverShelf(place).put(first, 256, "12345");
+  CoverShelf shelf(place, {.disk = 20, .memory = 0}, &Write);
+  EXPECT_EQ(shelf.used(), 5U);
+  const auto file = std::filesystem::directory_iterator(place)->path();
+  Write(file.string(), "123456789012345");
+  EXPECT_EQ(shelf.take(first, 256), "123456789012345");
+  EXPECT_EQ(shelf.used(), 15U);
+  Write(file.string(), "1");
+  EXPECT_EQ(shelf.take(first, 256), "1");
+  EXPECT_EQ(shelf.used(), 1U);
+  std::filesystem::remove(file);
+  EXPECT_EQ(shelf.take(first, 256), std::nullopt);
+  EXPECT_EQ(shelf.used(), 0U);
+  shelf.put(second, 256, "12345");
+  shelf.put(third, 256, "12345");
+  EXPECT_TRUE(shelf.has(second, 256)) << "nothing is cleared away for what is not there";
+}
+
+TEST_F(Shelf, OneThatGoesWhileItIsReadIsGivenOnceAndNotCounted) {
+  CoverShelf shelf(place, {.disk = 20, .memory = 0}, &Write, [&](const std::string& path) {
+    std::string bytes = CoverShelf::ReadBack(path);
+    std::filesystem::remove(path);
+    return bytes;
+  });
+  shelf.put(first, 256, "12345");
+  EXPECT_EQ(shelf.take(first, 256), "12345");
+  EXPECT_EQ(shelf.take(first, 256), std::nullopt);
+  EXPECT_FALSE(shelf.has(first, 256));
+  EXPECT_EQ(shelf.used(), 0U);
+}
+
+TEST_F(Shelf, ASlowDiskHoldsUpOnlyWhoReadsFromIt) {
+  std::promise<void> reads;
+  std::promise<void> goesOn;
+  CoverShelf shelf(place, {.disk = 100, .memory = 0}, &Write, [&](const std::string&) {
+    reads.set_value();
+    goesOn.get_future().wait();
+    return std::string("slow");
+  });
+  shelf.put(first, 256, "12345");
+  auto reader = std::async(std::launch::async, [&] { return shelf.take(first, 256); });
+  reads.get_future().wait();
+  auto others = std::async(std::launch::async, [&] {
+    shelf.put(second, 256, "12345");
+    return shelf.has(first, 256) && shelf.has(second, 256);
+  });
+  constexpr std::chrono::seconds kForEver(60);
+  EXPECT_EQ(others.wait_for(kForEver), std::future_status::ready);
+  goesOn.set_value();
+  EXPECT_TRUE(others.get());
+  EXPECT_EQ(reader.get(), "slow");
 }
 
 TEST_F(Shelf, KnowsAKeyFromAWayOut) {
