@@ -18,7 +18,8 @@ class Browser {
  public:
   using Json = nlohmann::json;
 
-  explicit Browser(int width = 1280, int height = 900) {
+  /// `more`: further arguments of the program's, like those of a microphone that isn't there.
+  explicit Browser(int width = 1280, int height = 900, const std::vector<std::string>& more = {}) {
     const std::string& said = driver_->outputWith(kStarted);
     const std::string before = "on port ";
     // Newer drivers name the port in their last line, all name it in the first.
@@ -29,6 +30,7 @@ class Browser {
           "--disable-dev-shm-usage", "--disable-background-networking", "--disable-component-update",
           "--disable-sync", "--user-data-dir=" + profile_.path().string(),
           "--window-size=" + std::to_string(width) + "," + std::to_string(height)}}};
+    for (const std::string& each : more) options["args"].push_back(each);
     // A window can't be made as narrow as a phone; an emulated device can.
     if (width < 500)
       options["mobileEmulation"] = {

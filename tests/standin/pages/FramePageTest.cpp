@@ -33,7 +33,7 @@ TEST_F(FramePage, StandsBehindTheHousesOwnPagesUnderPlugInAndIsNotShownToGuests)
   const auto links = [&] {
     return browser.run("return [...document.querySelectorAll('#nav a')].map(a => a.textContent).join()");
   };
-  EXPECT_EQ(links(), "Devices,Now playing,Library,Events,Scripts,Log,Account,PlayList Editor");
+  EXPECT_EQ(links(), "Devices,Now playing,Library,Events,Voice,Scripts,Log,Account,PlayList Editor");
   EXPECT_EQ(browser.run("const group = document.querySelector('#nav [role=group]');"
                         "return document.getElementById(group.getAttribute('aria-labelledby')).textContent + "
                         "': ' + group.querySelector('a').textContent"),
@@ -45,7 +45,7 @@ TEST_F(FramePage, StandsBehindTheHousesOwnPagesUnderPlugInAndIsNotShownToGuests)
   browser.open(url("/#log"));
   browser.reload();
   EXPECT_TRUE(browser.eventually("return document.querySelectorAll('#nav a').length > 2"));
-  EXPECT_EQ(links(), "Devices,Now playing,Library,Events,Log,Account");
+  EXPECT_EQ(links(), "Devices,Now playing,Library,Events,Voice,Log,Account");
 }
 
 TEST_F(FramePage, EveryFieldHasItsWords) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <vector>
 
 #include "standin/fakes/PlaylistHouse.hpp"
 #include "support/Browser.hpp"
@@ -9,7 +10,8 @@ namespace support {
 /// The house of playlists, with somebody who looks at its pages.
 class PageHouse : public PlaylistHouse {
  protected:
-  explicit PageHouse(int width = 1280, int height = 900) : browser(width, height) {}
+  explicit PageHouse(int width = 1280, int height = 900, const std::vector<std::string>& more = {})
+      : browser(width, height, more) {}
 
   [[nodiscard]] std::string url(const std::string& place) const {
     return "http://127.0.0.1:" + std::to_string(server->port()) + "/" + place;

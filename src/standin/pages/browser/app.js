@@ -19,13 +19,14 @@ import {logView} from './views/log.js';
 import {menuView} from './views/menu.js';
 import {scriptsView} from './views/scripts.js';
 import {signInView} from './views/signin.js';
+import {voiceView} from './voice/voice.js';
 
 const part = (id) => document.getElementById(id);
 const given = document.body.dataset.view;  // set on pages that the server has filled: plug-in pages, messages
 const house = new House();
 const player = new Player(house);
 const router = new Router({page: part('page'), main: part('main'), house,
-  views: [devicesView, nowPlayingView(player), libraryView, eventsView, scriptsView, menuView, logView, accountView]});
+  views: [devicesView, nowPlayingView(player), libraryView, eventsView, voiceView, scriptsView, menuView, logView, accountView]});
 const splash = el('p', {class: 'quiet'});
 const frame = new Frame({nav: part('nav'), pill: part('plugin-state'), live: part('live-state'), banner: part('banner'),
   splash}, house, () => router.views.filter((view) => !view.shown || view.shown(house.state)), () => given || router.current.name);

@@ -3,8 +3,12 @@ import {toast} from './toasts.js';
 
 /** Asks the server; throws an Error with its own words. With a body it is a command. */
 export async function ask(path, body, signal) {
-  const options = body === undefined ? {signal} : {
-    signal, method: 'POST', headers: {'Content-Type': 'application/json'}, body: JSON.stringify(body)};
+  return askWith(path, body === undefined ? {signal} : {
+    signal, method: 'POST', headers: {'Content-Type': 'application/json'}, body: JSON.stringify(body)});
+}
+
+/** The same, with the options of `fetch`. */
+export async function askWith(path, options) {
   let response;
   try {
     response = await fetch(path, options);

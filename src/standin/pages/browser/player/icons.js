@@ -15,6 +15,7 @@ const drawn = {
   queue: 'M4 6h16M4 11h10M4 16h10M17.5 13.5v6l4.5-3z',
   playNext: 'M4 6h16M4 11h8M4 16h8M15 12l4.5 3.2L15 18.5zM21.5 12v6.5',
   addToQueue: 'M4 6h16M4 11h16M4 16h8M18.5 13.5v7M15 17h7',
+  microphone: 'M12 3.5a3 3 0 0 0-3 3v5a3 3 0 0 0 6 0v-5a3 3 0 0 0-3-3zM5.5 11.5a6.5 6.5 0 0 0 13 0M12 18v3',
   more: 'M5 12h.01M12 12h.01M19 12h.01',
 };
 

@@ -1,0 +1,32 @@
+// What is said to the house, typed or spoken, and what it makes of it.
+import {ask, askWith} from '../kit/server.js';
+
+export const kRate = 16000;  // samples a second
+export const kLongest = 30;  // seconds
+
+/** The house's understanding, {kind, heard, command, events, says, choices, …}: of what it did not do, too. Throws an
+ * Error in words where there is none. */
+async function understanding(asked) {
+  try {
+    const answer = await asked;
+    return answer.kind ? answer : {...answer, kind: 'done', says: answer.done};
+  } catch (error) {
+    if (error.answer?.kind) return error.answer;
+    throw error;
+  }
+}
+
+export const say = (text, signal) => understanding(ask('/api/voice', {text}, signal));
+
+/**
+ * Sound as Int16Array. It is sent in one piece when all has been said: a browser sends a body that is still growing
+ * over HTTP/2 alone, and half a minute is no more than a picture.
+ */
+export const hear = (sound, signal) => understanding(askWith('/api/voice/listen', {signal, method: 'POST',
+  headers: {'Content-Type': `audio/l16;rate=${kRate}`}, body: littleEndian(sound)}));
+
+function littleEndian(sound) {
+  const bytes = new DataView(new ArrayBuffer(sound.length * 2));
+  sound.forEach((sample, at) => bytes.setInt16(at * 2, sample, true));
+  return bytes.buffer;
+}
