@@ -18,8 +18,8 @@ constexpr const char* kControlCommand =
     "(Play|Player) [No] (Stop|Next|Previous|Restart|Pause|Resume|Eject|Shuffle|Loop|Mute|UnMute|Volume Up|"
     "Volume Down|Display Controls|Add to PlayList)";
 
-constexpr std::int16_t kAtNoTime = 7;  // of `ev_abs_time`: the event waits for no time of day
-constexpr std::int16_t kByVoice = 13;  // of `func`: the host then calls SetIO with this command
+constexpr std::int16_t kTimeField = 7;  // of `ev_abs_time`: what the host wants there of a voice event
+constexpr std::int16_t kByVoice = 13;   // of `func`: the host then calls SetIO with this command
 
 }  // namespace
 
@@ -60,7 +60,7 @@ base::ObjectRef VoiceEvents::eventNamed(const std::string& name, bool& made) {
 }
 
 void VoiceEvents::place(base::Object& event) {
-  event.put("ev_abs_time", kAtNoTime);
+  event.put("ev_abs_time", kTimeField);
   event.put("Group", plugin::kName);
 }
 

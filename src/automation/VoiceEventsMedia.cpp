@@ -180,6 +180,8 @@ void VoiceEvents::fill(Names& names, catalogue::ProgressShown& shown) {
         in_.host.WriteLog("Warning", "The " + names.category + " names '" + previous + "' and '" + name +
                                          "' are ambiguous.");
       }
+      // A menu's elements are counted in 16 bits too.
+      if (value == std::numeric_limits<std::int16_t>::max()) throw Failure(base::number::kOverflow);
       show(static_cast<std::int16_t>(value + 1), name);
       ++value;
     }

@@ -47,6 +47,7 @@ TEST_F(PlayFromDevice, ABlankNameOrAMissingEntryPlaysNothing) {
   play(19, 3);
   play(19, 4);
   EXPECT_THAT(journal.with("WMPPlay"), IsEmpty());
+  EXPECT_THAT(journal.with("player:"), IsEmpty()) << "nor is the order changed";
   EXPECT_EQ(journal.count(kFallBack), 2U);
 }
 
@@ -86,6 +87,7 @@ TEST_F(PlayFromDevice, APhraseThatDoesNotBeginWithPlayLeavesTheValueAlone) {
 TEST_F(PlayFromDevice, PlayWithTheCategoryAloneNamesNothing) {
   say("play album", 1);
   EXPECT_THAT(journal.with("WMPPlay"), IsEmpty());
+  EXPECT_THAT(journal.with("player:"), IsEmpty());
   EXPECT_TRUE(journal.has(kFallBack));
 }
 
