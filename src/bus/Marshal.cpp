@@ -52,6 +52,11 @@ class Writer {
   }
 
   void variant(const Value& value) {
+    if (const auto* values = std::get_if<ArrayHolder>(&value.held())) {
+      // Looked through once: there may be many of them.
+      const bool texts = allPlainTexts(**values);
+      return inside(SD_BUS_TYPE_VARIANT, texts ? "as" : "av", [&] { list(**values, texts); });
+    }
     inside(SD_BUS_TYPE_VARIANT, signature(value), [&] { plain(value); });
   }
 
@@ -160,9 +165,11 @@ class Writer {
   }
 
   void write(const ArrayHolder& values, Type declared) {
-    const bool texts = declared != Type::kArray && allPlainTexts(*values);
+    list(*values, declared != Type::kArray && allPlainTexts(*values));
+  }
+  void list(const Array& values, bool texts) {
     inside(SD_BUS_TYPE_ARRAY, texts ? "s" : "v", [&] {
-      for (const Value& value : *values) {
+      for (const Value& value : values) {
         if (texts)
           text(std::get<std::string>(value.held()));
         else

@@ -1,5 +1,8 @@
 #include "catalogue/NameXref.hpp"
 
+#include <optional>
+#include <string_view>
+
 #include "base/Attempt.hpp"
 #include "base/Text.hpp"
 #include "catalogue/MediaKey.hpp"
@@ -27,6 +30,13 @@ std::string EntryOf(const std::string& category, const std::string& key) {
   entry.reserve(category.size() + 1 + key.size());
   entry.append(category).append(1, ':').append(key);
   return base::LowerCase(entry);
+}
+
+/// What stands behind the one "=" of a line; nothing where it has none or several.
+std::optional<std::string_view> ValueIn(std::string_view line) {
+  const std::size_t cut = line.find('=');
+  if (cut == std::string_view::npos || line.find('=', cut + 1) != std::string_view::npos) return std::nullopt;
+  return line.substr(cut + 1);
 }
 
 std::string WithQuotesDoubled(const std::string& name) {
@@ -118,11 +128,12 @@ void NameXref::readSection(const std::string& section, ProgressShown& shown) {
   plugin::Unwaited saves(host_);
   std::vector<std::string> lines;
   step([&] { lines = base::Split(host_.GetINISection(section, plugin::kSettingsFile), '\0'); });
+  step([&] { names_.reserve(lines.size()); });
   std::string key;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const auto parts = base::Split(lines[i], '=');
     // An entry is new to the table, and so it is also written back, unchanged.
-    if (parts.size() == 2) step([&] { AddNameXref(section, HexDecodeName(parts[1]), key, saves); });
+    if (const auto value = ValueIn(lines[i]))
+      step([&] { AddNameXref(section, HexDecodeName(*value), key, saves); });
     shown.update(static_cast<std::int64_t>(i) + 1, static_cast<std::int64_t>(lines.size()));
     if (YieldsAt(static_cast<std::int64_t>(i))) step([&] { saves.WaitEvents(); });
   }

@@ -40,7 +40,13 @@ Unwaited::~Unwaited() { host_.unwaited().send(); }
 
 void Unwaited::SaveINISetting(const std::string& section, const std::string& key, const base::Value& value,
                               const std::string& file) {
-  host_.unwaited().add({"SaveINISetting", {section, key, value, file}}, *this);
+  base::Call call{"SaveINISetting", {}};
+  call.args.reserve(5);  // with the room that the name may take beside them
+  call.args.emplace_back(section);
+  call.args.emplace_back(key);
+  call.args.emplace_back(value);
+  call.args.emplace_back(file);
+  host_.unwaited().add(std::move(call), *this);
 }
 
 void Unwaited::settle() {

@@ -19,6 +19,9 @@ std::string FileOf(const Value& argument) {
   return file.empty() ? kOwnFile : file;
 }
 
+/// A text as it was given: this is called by the thousand.
+const std::string& Given(const Value& text) { return std::get<std::string>(text.held()); }
+
 std::optional<std::string> Read(House& house, const std::string& file, const std::string& section,
                                 const std::string& key) {
   // The port is what this run listens on, whatever was written down.
@@ -39,7 +42,7 @@ std::vector<Member> SettingsMembers(House& house) {
                 }),
       Command("SaveINISetting", {Text("section"), Text("key"), Text("value"), file},
               [&house](Args& args) {
-                house.settings.save(FileOf(args[3]), TextAt(args, 0), TextAt(args, 1), TextAt(args, 2));
+                house.settings.save(FileOf(args[3]), Given(args[0]), Given(args[1]), Given(args[2]));
               }),
       Operation("GetINISection", {Text("section"), file}, Type::kText,
                 [&house](Args& args) { return house.settings.section(FileOf(args[1]), TextAt(args, 0)); }),

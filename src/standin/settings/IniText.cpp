@@ -139,7 +139,9 @@ const IniFile::Section* IniFile::look(std::string_view name) const {
 
 IniFile IniFile::parse(std::string_view text) {
   IniFile file;
-  std::string section;
+  Section* section = nullptr;
+  // The one without a name is only made for a line that stands before every heading.
+  const auto here = [&]() -> Section& { return section == nullptr ? *(section = &file.need({})) : *section; };
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view raw = text.substr(0, end);
@@ -149,16 +151,16 @@ IniFile IniFile::parse(std::string_view text) {
     while (line.starts_with(kByteOrderMark)) line = Trimmed(line.substr(kByteOrderMark.size()));
     if (line.empty()) continue;
     if (line.front() == '[' && line.back() == ']' && line.size() > 1) {
-      section = Meant(line.substr(1, line.size() - 2));
-      file.need(section);
+      section = &file.need(Meant(line.substr(1, line.size() - 2)));
       continue;
     }
     const bool remark = line.front() == ';' || line.front() == '#' || line.front() == '[';
     auto entry = remark ? std::nullopt : KeyAndValue(line);
     if (!entry) {
-      file.need(section).lines.push_back({std::string(line), {}, true});
-    } else if (file.find(section, entry->first) == nullptr) {
-      file.set(section, entry->first, std::move(entry->second));
+      here().lines.push_back({std::string(line), {}, true});
+    } else if (Section& in = here();
+               in.byKey.try_emplace(base::LowerCase(entry->first), in.lines.size()).second) {
+      in.lines.push_back({std::move(entry->first), std::move(entry->second), false});
     }
   }
   return file;
