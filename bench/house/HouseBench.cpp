@@ -81,7 +81,7 @@ void MeasureLatency(support::RealHouse& house) {
     if (!live.waitFor(i % 2 == 0 ? ">Not Muted" : ">Muted")) std::printf("press %d was not seen\n", i);
     times.push_back(Milliseconds(Clock::now() - begin));
     const auto start = Clock::now();
-    client.Get("/style.css");
+    client.Get("/favicon.svg");
     plain.push_back(Milliseconds(Clock::now() - start));
   }
   const double median = Percentile(times, 0.5);
@@ -222,6 +222,28 @@ void MakeAlbums(const std::filesystem::path& folder, int albums) {
   std::filesystem::remove(sound);
 }
 
+/// What a page asks of a device of many values: how it looks, and the values that hold a text.
+void MeasureValues(support::RealHouse& house) {
+  const int kTimes = bench::Amount(50, 2);
+  const std::string ref = std::to_string(house.device("Quick Album").value("ref", 0));
+  for (const std::string& address :
+       {std::string("/favicon.svg"), std::string("/api/state"), "/api/values?q=&ref=" + ref,
+        "/api/values?q=unplugged%2099&ref=" + ref}) {
+    httplib::Client client = house.client();
+    client.set_keep_alive(true);
+    client.set_tcp_nodelay(true);
+    std::vector<double> times;
+    std::size_t size = 0;
+    for (int i = 0; i < kTimes; ++i) {
+      const auto begin = Clock::now();
+      const auto answer = client.Get(address);
+      times.push_back(Milliseconds(Clock::now() - begin));
+      size = answer ? answer->body.size() : 0;
+    }
+    std::printf("  %s: median %.2f ms, %zu bytes\n", address.c_str(), Percentile(times, 0.5), size);
+  }
+}
+
 /// A house that has never been, with a player that knows its music.
 void MeasureFirstMeeting() {
   const int kAlbums = bench::Amount(10'000, 50);
@@ -250,6 +272,7 @@ void MeasureFirstMeeting() {
       support::Eventually([&] { return house.pluginState() == "ready"; }, std::chrono::minutes(10));
   std::printf("first meeting of %d albums and %d artists: %.2f s to %s\n", kAlbums, kAlbums / 2,
               Milliseconds(Clock::now() - begin) / 1000, ready ? "ready" : "nothing");
+  if (ready) MeasureValues(house);
 }
 
 void MeasureStart(const std::string& music) {
