@@ -6,22 +6,24 @@ BUILD_PACKAGES=(
   ca-certificates g++ cmake ninja-build pkg-config ccache
   libsystemd-dev libexpat1-dev libmpv-dev libtag1-dev libsqlite3-dev libcdio-dev libsndfile1-dev zlib1g-dev
   libcpp-httplib-dev libcurl4-openssl-dev libsodium-dev nlohmann-json3-dev
-  liblua5.4-dev libespeak-ng-dev libutf8proc-dev libgdk-pixbuf-2.0-dev libpng-dev
+  libpocketsphinx-dev flite1-dev liblua5.4-dev libespeak-ng-dev libutf8proc-dev libgdk-pixbuf-2.0-dev libpng-dev
   qt6-base-dev libglib2.0-dev libxcb1-dev
 )
 # Installs what the pages import. It may have come another way than as a package.
 command -v npm >/dev/null || BUILD_PACKAGES+=(npm)
 # What running them takes beyond the libraries that come with those; the decoder's is loaded when it is needed.
-RUN_PACKAGES=(dbus-daemon libmpv2 webp-pixbuf-loader)
+RUN_PACKAGES=(dbus-daemon libmpv2 webp-pixbuf-loader pocketsphinx-en-us)
 # What the tests and checks take on top.
 TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   clang lld libclang-rt-14-dev clang-format clang-tidy shellcheck
-  chromium chromium-driver python3 ffmpeg
+  chromium chromium-driver python3 ffmpeg espeak-ng
   xvfb xdotool x11-utils imagemagick weston qt6-wayland
 )
 # What bench/engine/beside-mpd.sh takes beside those of the build.
 BENCH_PACKAGES=(mpd ffmpeg)
+# What bench/ear/corpus.py takes.
+EAR_BENCH_PACKAGES=(espeak-ng flite sox)
 
 # install_packages NAME...: installs what is missing, says what it does, asks nothing.
 install_packages() {

@@ -43,6 +43,8 @@ MAY_INCLUDE = {
     "engine": "base engine/common engine/library engine/machine engine/playback engine/playlists engine/queue "
               "player",
     "demo": "base engine/common files",
+    "ear": "",
+    "ear/decoder": "ear",
     "standin/text": "",
     "standin/grammar": "base standin/text",
     "standin/settings": "base files",
@@ -52,6 +54,7 @@ MAY_INCLUDE = {
     "standin/calendar": "standin/events",
     "standin/eventrun": "base standin/calendar standin/events standin/house",
     "standin/voice": "base bus standin/house",
+    "standin/ear": "bus ear files",
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/hostobjects standin/house standin/text",
     "standin/covers": "base bus files pictures standin/house standin/player",
@@ -61,8 +64,9 @@ MAY_INCLUDE = {
     "standin/playlists": "base database standin/house standin/player",
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
-    "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/hostobjects standin/house "
-                      "standin/player standin/playlists standin/rules standin/scripts standin/text standin/voice",
+    "standin/hearing": "base bus ear standin/ear standin/grammar standin/hostobjects standin/house standin/player standin/voice",
+    "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/hearing standin/hostobjects standin/house "
+                      "standin/player standin/playlists standin/rules standin/scripts standin/text",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
     "standin": "base files",
 }

@@ -14,7 +14,9 @@
 #include "standin/calendar/WallClock.hpp"
 #include "standin/covers/PlayingCover.hpp"
 #include "standin/dialogs/OpenDialog.hpp"
+#include "standin/ear/EarProcess.hpp"
 #include "standin/eventworld/HouseEvents.hpp"
+#include "standin/hearing/VoiceCommands.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/hostobjects/Shelf.hpp"
@@ -114,6 +116,9 @@ int Serve(const Options& options) {
     ScriptRunner runner(loop, connection, house, plugin, host, limits);
     HouseEvents events(
         {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});
+    EarProcess recogniser(
+        loop, {.program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vantorix-ear"});
+    VoiceCommands voiceCommands({loop, house, objects, plugin, library, speech, recogniser});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
     PlayerCovers playerCovers(connection, plugin, house);
@@ -127,7 +132,8 @@ int Serve(const Options& options) {
                 LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
                 PlaylistRoutes(playlists, library), CoverRoutes(covers),
                 CoverServiceRoutes(discs, options.listen), ScriptRoutes(scripts, runner),
-                UserRoutes(house, visitors, gate), PageRoutes(house, plugin)}));
+                UserRoutes(house, visitors, gate), VoiceRoutes(house, voiceCommands),
+                PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,
                                .live = house.live,

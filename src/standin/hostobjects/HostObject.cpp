@@ -74,6 +74,8 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
               [&house](Args& args) { house.log.write(TextAt(args, 0), TextAt(args, 1) + TextAt(args, 2)); }),
       Command("Speak", {Text("text"), Flag("wait", false)},
               [&waits](Args& args) { waits.speak(TextAt(args, 0), FlagAt(args, 1)); }),
+      Operation("Say", {Text("text")}, Type::kText,
+                [&house](Args& args) { return house.onSay(TextAt(args, 0)); }),
       Operation("TriggerEvent", {Text("name")}, Type::kBoolean,
                 [&house](Args& args) { return house.onScriptTrigger(TextAt(args, 0)); }),
       Command("WaitEvents", {}, [&waits] { waits.pendingEvents(); }),

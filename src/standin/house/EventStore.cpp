@@ -14,8 +14,14 @@ EventStore::EventStore(database::Database& database) : database_(database) {
   for (auto& [id, event] : ReadEvents(database)) take(std::move(event));
 }
 
+void EventStore::patternChanged() {
+  ++patternsRevision_;
+  onPattern();
+}
+
 const Event& EventStore::take(Event event) {
   byName_[base::LowerCase(event.name)].insert(event.id);
+  if (!event.vcmd.empty()) patternChanged();
   const std::int32_t id = event.id;
   return events_.insert_or_assign(id, std::move(event)).first->second;
 }
@@ -23,6 +29,7 @@ const Event& EventStore::take(Event event) {
 void EventStore::forget(std::int32_t id) {
   const auto event = events_.find(id);
   if (event == events_.end()) return;
+  if (!event->second.vcmd.empty()) patternChanged();
   const auto named = byName_.find(base::LowerCase(event->second.name));
   named->second.erase(id);
   if (named->second.empty()) byName_.erase(named);
@@ -84,6 +91,7 @@ void EventStore::put(std::int32_t id, std::string Event::*field, const std::stri
   } else {
     event.*field = value;
   }
+  if (field == &Event::vcmd) patternChanged();
   if (field != &Event::vcmd) onRename(id);
 }
 

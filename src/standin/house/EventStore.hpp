@@ -42,6 +42,8 @@ class EventStore {
   [[nodiscard]] const Event* byId(std::int32_t id) const;
   /// Without regard to case; the oldest of several.
   [[nodiscard]] const Event* byName(std::string_view name) const;
+  /// Grows with every change of a voice command pattern, and when an event that has one comes or goes.
+  [[nodiscard]] std::uint64_t patternsRevision() const { return patternsRevision_; }
 
   const Event& create(const std::string& name);
   void put(std::int32_t id, std::string Event::*field, const std::string& value);
@@ -58,8 +60,11 @@ class EventStore {
   void reload(std::int32_t id);
   /// Called when the name or group of an event has been changed here. Not by `reload`.
   std::function<void(std::int32_t id)> onRename = [](std::int32_t) {};
+  /// Called whenever `patternsRevision` has grown.
+  std::function<void()> onPattern = [] {};
 
  private:
+  void patternChanged();
   const Event& take(Event event);
   void forget(std::int32_t id);
   Event& need(std::int32_t id);
@@ -67,6 +72,7 @@ class EventStore {
   void update(std::int32_t id, const char* column, std::int64_t value);
 
   database::Database& database_;
+  std::uint64_t patternsRevision_ = 1;
   std::map<std::int32_t, Event> events_;
   std::map<std::string, std::set<std::int32_t>, std::less<>> byName_;  ///< in lower case
 };

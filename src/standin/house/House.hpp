@@ -43,6 +43,10 @@ class House {
   std::function<bool(const std::string& composed)> onTrigger = [](const std::string&) { return false; };
   /// A script triggers an event by its name; false when it can't.
   std::function<bool(const std::string& event)> onScriptTrigger = [](const std::string&) { return false; };
+  /// A script says something to the house; answers what the house says to it.
+  std::function<std::string(const std::string& text)> onSay = [](const std::string&) {
+    return std::string();
+  };
 
   using DeviceHeard = std::function<void(const Device& device)>;
   /// Those who hear longer hear first.

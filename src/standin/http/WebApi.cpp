@@ -67,7 +67,8 @@ std::optional<User> WebApi::visitor(const std::string& token) {
 WebAnswer WebApi::answer(const Route& route, WebCall given) {
   // The loop may still be at work on it when nobody waits for it here any more.
   const auto call = std::make_shared<WebCall>(std::move(given));
-  const bool fields = route.method == Method::kPost && route.path.starts_with(kScripts);
+  const bool fields =
+      route.method == Method::kPost && route.path.starts_with(kScripts) && route.type == Route::kJson;
   if (fields) call->json = nlohmann::json::parse(call->body.empty() ? "{}" : call->body, nullptr, false);
   const bool malformed = fields && !call->json.is_object();
   WebAnswer answer = AskLoop(gate_, [this, &route, call, malformed](const Reply& reply) {

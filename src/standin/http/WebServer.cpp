@@ -262,15 +262,17 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
     refused_.count(PostRefusal::kOtherOrigin);
     return GiveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
   }
-  // A form can't send this type: no page's form, whoever has written it, can ask for what scripts ask for.
-  if (request.path.starts_with("/api/") &&
-      !request.get_header_value("Content-Type").starts_with("application/json")) {
-    return Give(response, Refusal(415, "The request is no JSON object"));
+  const std::string type = request.get_header_value("Content-Type");
+  const std::string wanted = route == nullptr ? Route::kJson : route->type;
+  if (request.path.starts_with("/api/") && !type.starts_with(wanted)) {
+    return Give(response, Refusal(415, wanted == Route::kJson ? "The request is no JSON object"
+                                                              : "The request is not of the type " + wanted));
   }
   if (route == nullptr) return GiveFor(request, response, Refusal(404, "There is no such page"));
   WebAnswer answer = api_.answer(*route, {.method = Method::kPost,
                                           .path = request.path,
                                           .body = std::move(body),
+                                          .type = type,
                                           .token = tokenOf(request),
                                           .peer = PeerOf(request)});
   if (answer.status == 401) refused_.count(PostRefusal::kNoSession);

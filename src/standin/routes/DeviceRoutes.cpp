@@ -1,4 +1,4 @@
-// What the pages ask of the plug-in: buttons, devices, menu, voice.
+// What the pages ask of the plug-in: buttons, devices, menu.
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -11,7 +11,6 @@
 #include "standin/house/ValueTable.hpp"
 #include "standin/player/DeviceCommands.hpp"
 #include "standin/routes/Routes.hpp"
-#include "standin/voice/Voice.hpp"
 
 namespace standin {
 namespace {
@@ -128,35 +127,6 @@ void SelectMenu(const Parts& parts, const WebCall& call, const Reply& reply) {
   parts.plugin.command([item](base::Object& vxif) { vxif.invoke("SelectMenu", item); }, Answering(reply));
 }
 
-void TakeVoice(const Parts& parts, const WebCall& call, const Reply& reply) {
-  const auto text = call.json.at("text").get<std::string>();
-  if (text.empty() || text.size() > 500) return reply(Refusal(400, "Say something of up to 500 characters"));
-  parts.house.log.write("Voice", text);
-  const VoiceAct act = ActOfVoice(parts.house, text);
-  if (act.refs.empty())
-    return reply(Refusal(404, "“" + text + "” was not understood. Try “stop”, “next” or “volume up”"));
-  struct Target {
-    base::ObjectRef object;
-    std::string hc;
-    std::string dc;
-  };
-  std::vector<Target> targets;
-  for (const std::int32_t ref : act.refs) {
-    const Device& device = *parts.house.devices.byRef(ref);
-    targets.push_back({parts.objects.device(ref), device.hc, device.dc});
-  }
-  // The text is set when its turn comes: another one may be waiting before it.
-  const PluginKeeper::Command say = [&house = parts.house, text, targets](base::Object& vxif) {
-    house.lastVoiceCommand = text;
-    for (const Target& each : targets) {
-      const std::int16_t none = 0;
-      vxif.invoke("SetIO", each.object, each.hc, each.dc, kFuncVoice, none, none, none);
-    }
-  };
-  if (act.adds) return Add(parts, say, reply);
-  RunWatched(parts, say, act.said, reply);
-}
-
 }  // namespace
 
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library) {
@@ -165,7 +135,6 @@ Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, P
   };
   return {{Method::kPost, "/api/press", Role::kGuest, with(Press)},
           {Method::kPost, "/api/command", Role::kGuest, with(Command)},
-          {Method::kPost, "/api/voice", Role::kGuest, with(TakeVoice)},
           {Method::kPost, "/api/menu", Role::kOwner, with(SelectMenu), "Guests can't use the menu"}};
 }
 

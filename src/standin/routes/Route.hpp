@@ -43,10 +43,11 @@ struct WebCall {
   std::string path{};
   std::map<std::string, std::string> parameters{};  ///< of the address
   std::string body{};                               ///< as it came
-  nlohmann::json json{};                            ///< the body of a post below /api/, an object
-  std::string token{};                              ///< content of the session cookie, empty without one
-  std::string peer{};                               ///< the address that it comes from
-  User user{};                                      ///< without a name for one whom the house doesn't know
+  nlohmann::json json{};  ///< the body of a post below /api/, an object, if it is one
+  std::string type{};     ///< of the body, as it was told
+  std::string token{};    ///< content of the session cookie, empty without one
+  std::string peer{};     ///< the address that it comes from
+  User user{};            ///< without a name for one whom the house doesn't know
 
   [[nodiscard]] bool has(const std::string& name) const { return parameters.count(name) != 0; }
   /// Empty when it isn't given.
@@ -91,6 +92,7 @@ struct HouseFile {};
 struct Route {
   static constexpr std::size_t kUsualBody = std::size_t{64} << 10U;
   static constexpr std::size_t kLargestBody = std::size_t{1} << 20U;
+  static constexpr const char* kJson = "application/json";
 
   Method method;
   std::string path;  ///< "/*": all that no other line takes, but nothing below /api/
@@ -98,6 +100,9 @@ struct Route {
   std::variant<Now, Later, Aside, Live, HouseFile> handler;
   std::string refused = "Guests can't do that";  ///< what a guest is told where only the owner may ask
   std::size_t limit = kUsualBody;                ///< bytes of a post's body
+  /// How the type of a post's body below /api/ begins. A form can't send these: no page's form, whoever has
+  /// written it, can ask for what scripts ask for.
+  std::string type = kJson;
 };
 using Routes = std::vector<Route>;
 /// The line of all files below the html folder, whatever they are called.

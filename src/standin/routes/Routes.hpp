@@ -4,6 +4,7 @@
 #include "standin/dialogs/OpenDialog.hpp"
 #include "standin/events/EventControl.hpp"
 #include "standin/events/EventWords.hpp"
+#include "standin/hearing/VoiceCommands.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
 #include "standin/player/LibrarySearch.hpp"
@@ -26,8 +27,10 @@ namespace standin {
 
 /// The house's state, its log, the values of a device, the start of its plug-in.
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
-/// Buttons, devices, menu and voice.
+/// Buttons, devices and menu.
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library);
+/// What is said to the house, and what can be.
+Routes VoiceRoutes(House& house, VoiceCommands& voice);
 /// The dialogs of the plug-in's actions, triggers and conditions.
 Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.

@@ -8,7 +8,9 @@
 #include <string>
 #include <thread>
 
+#include "standin/ear/NoRecogniser.hpp"
 #include "standin/fakes/FakeEventControl.hpp"
+#include "standin/fakes/FakeVoice.hpp"
 #include "standin/fakes/WebClient.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/http/PageRoutes.hpp"
@@ -90,6 +92,10 @@ class WebHouse {
   standin::PluginWords pluginWords_{loop_, standin::FormatsOf(plugin_)};
   standin::Wordings words_{house_, pluginWords_};
   FakeEventControl control_;
+  FakeVoice voice_;
+  standin::Speech speech_{loop_, house_, voice_};
+  standin::NoRecogniser recogniser_{"There is no recogniser"};
+  standin::VoiceCommands voiceCommands_{{loop_, house_, objects_, plugin_, library_, speech_, recogniser_}};
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
   standin::Visitors visitors_{house_.users, false};
   std::optional<standin::RefusedPosts> refused_;
@@ -102,9 +108,10 @@ class WebHouse {
       standin::Joined(
           {standin::HouseRoutes(house_, plugin_, visitors_),
            standin::DeviceRoutes(house_, objects_, plugin_, library_), standin::DialogRoutes(dialog_),
-           standin::LibraryRoutes(library_, search_), standin::PlayerRoutes(nowPlaying_, playlists_),
-           standin::PlaylistRoutes(playlists_, library_), standin::CoverRoutes(covers_),
-           standin::CoverServiceRoutes(discs_, "127.0.0.1"), standin::ScriptRoutes(scripts_, runner_),
+           standin::VoiceRoutes(house_, voiceCommands_), standin::LibraryRoutes(library_, search_),
+           standin::PlayerRoutes(nowPlaying_, playlists_), standin::PlaylistRoutes(playlists_, library_),
+           standin::CoverRoutes(covers_), standin::CoverServiceRoutes(discs_, "127.0.0.1"),
+           standin::ScriptRoutes(scripts_, runner_),
            standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
            standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
            standin::PageRoutes(house_, plugin_)})};

@@ -96,6 +96,7 @@ TEST_F(Host, HasEveryOperationUnderItsOwnName) {
                                  {"RegisterLink", {Type::kObject}, Type::kNone},
                                  {"WriteLog", {kText, kText, kText}, Type::kNone},
                                  {"Speak", {kText, Type::kBoolean}, Type::kNone},
+                                 {"Say", {kText}, kText},
                                  {"TriggerEvent", {kText}, Type::kBoolean},
                                  {"WaitEvents", {}, Type::kNone},
                                  {"WaitSecs", {Type::kInt16}, Type::kNone},
@@ -120,7 +121,7 @@ TEST_F(Host, HasEveryOperationUnderItsOwnName) {
                                  {"GetEventEx", {kText}, Type::kObject},
                                  {"NewEvent", {kText}, Type::kInt32},
                                  {"NewDevFunc", {}, Type::kObject}});
-  EXPECT_EQ(host->members()->list().size(), 33U);
+  EXPECT_EQ(host->members()->list().size(), 34U);
   EXPECT_EQ(callback->members()->list().size(), 6U);
 }
 

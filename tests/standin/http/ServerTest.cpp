@@ -50,9 +50,10 @@ TEST_F(Server, CommandsReachThePlugin) {
   EXPECT_EQ(web.post("/api/menu", {{"item", "Stop"}}), 200);
   EXPECT_EQ(web.post("/api/menu", {{"item", "Explode"}}), 404);
   EXPECT_EQ(web.post("/api/voice", {{"text", "Play album green NIGHT"}}), 200);
-  EXPECT_EQ(json::parse(web.last).at("done"), "Album VR");
+  EXPECT_EQ(json::parse(web.last).at("done"), "Playing Green Night");
+  EXPECT_EQ(json::parse(web.last).at("events"), json({"Album VR"}));
   EXPECT_EQ(web.post("/api/voice", {{"text", "stop the music"}}), 200);
-  EXPECT_EQ(json::parse(web.last).at("done"), "Stop");
+  EXPECT_EQ(json::parse(web.last).at("done"), "Stopping");
   EXPECT_EQ(web.post("/api/voice", {{"text", "make me a coffee"}}), 404);
   EXPECT_EQ(json::parse(web.last).at("error"),
             "“make me a coffee” was not understood. Try “stop”, “next” or “volume up”");
@@ -62,7 +63,7 @@ TEST_F(Server, CommandsReachThePlugin) {
                                           "SetIO Status Q 1 3 0 0 0 after ",
                                           "SetIO Quick Album Q 12 19 2 0 0 after ",
                                           "SelectMenu Stop",
-                                          "SetIO Quick Album Q 12 13 0 0 0 after Play album green NIGHT",
+                                          "SetIO Quick Album Q 12 13 0 0 0 after Play Album Green Night",
                                           "SetIO Status Q 1 13 0 0 0 after stop the music"};
   ASSERT_EQ(calls.size(), expected.size() + 2);
   EXPECT_EQ(std::vector<std::string>(calls.begin() + 2, calls.end()), expected);

@@ -86,7 +86,7 @@ TEST_F(Done, WhatWasAddedIsToldByTheNameThatItHasInTheList) {
 
 TEST_F(Done, WhatThePlayerCouldNotDoIsToldInItsWords) {
   EXPECT_EQ(say("next"), 200);
-  EXPECT_EQ(answer().at("done"), "Next title");
+  EXPECT_EQ(answer().at("done"), "Going to the next title");
   error = "Media Player: Cannot 'Play': Album 'Blue' is non-existent";
   EXPECT_EQ(say("next"), 409);
   EXPECT_EQ(answer().at("error"), error);

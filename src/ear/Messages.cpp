@@ -1,0 +1,185 @@
+#include "ear/Messages.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace ear {
+namespace {
+
+constexpr std::size_t kNumber = 4;
+
+void Put(std::string& out, std::uint32_t value) {
+  for (unsigned shift = 0; shift < 32; shift += 8) out += static_cast<char>(value >> shift);
+}
+
+void PutText(std::string& out, std::string_view text) {
+  Put(out, static_cast<std::uint32_t>(text.size()));
+  out += text;
+}
+
+class Reader {
+ public:
+  explicit Reader(std::string_view content) : left_(content) {}
+  std::uint32_t number() {
+    if (left_.size() < kNumber) return fail();
+    std::uint32_t value = 0;
+    for (std::size_t i = kNumber; i-- > 0;) value = value << 8U | static_cast<unsigned char>(left_[i]);
+    left_.remove_prefix(kNumber);
+    return value;
+  }
+  std::string text() {
+    const std::size_t size = number();
+    if (size > left_.size()) {
+      fail();
+      return {};
+    }
+    std::string text(left_.substr(0, size));
+    left_.remove_prefix(size);
+    return text;
+  }
+  /// How many things of at least that size can still come.
+  std::uint32_t count(std::size_t size) {
+    const std::uint32_t value = number();
+    return value > left_.size() / size ? fail() : value;
+  }
+  std::vector<std::string> texts() {
+    std::vector<std::string> all(count(kNumber));
+    for (std::string& each : all) each = text();
+    return all;
+  }
+  [[nodiscard]] bool good() const { return good_ && left_.empty(); }
+
+ private:
+  std::uint32_t fail() {
+    good_ = false;
+    left_ = {};
+    return 0;
+  }
+  std::string_view left_;
+  bool good_ = true;
+};
+
+void PutTexts(std::string& out, const std::vector<std::string>& texts) {
+  Put(out, static_cast<std::uint32_t>(texts.size()));
+  for (const std::string& each : texts) PutText(out, each);
+}
+
+bool InRange(const SpeechNetwork& network) {
+  const auto words = static_cast<std::int64_t>(network.words.size());
+  return network.start < network.places && network.end < network.places &&
+         std::all_of(network.arcs.begin(), network.arcs.end(), [&](const SpeechNetwork::Arc& arc) {
+           return arc.from < network.places && arc.to < network.places &&
+                  arc.word >= SpeechNetwork::kNoWord && arc.word < words;
+         });
+}
+
+}  // namespace
+
+std::string Encoded(const SpeechNetwork& network) {
+  std::string out;
+  Put(out, network.places);
+  Put(out, network.start);
+  Put(out, network.end);
+  PutTexts(out, network.words);
+  Put(out, static_cast<std::uint32_t>(network.arcs.size()));
+  for (const SpeechNetwork::Arc& arc : network.arcs) {
+    Put(out, arc.from);
+    Put(out, arc.to);
+    Put(out, static_cast<std::uint32_t>(arc.word));
+  }
+  return out;
+}
+
+std::optional<SpeechNetwork> NetworkIn(std::string_view content) {
+  Reader reader(content);
+  SpeechNetwork network;
+  network.places = reader.number();
+  network.start = reader.number();
+  network.end = reader.number();
+  network.words = reader.texts();
+  network.arcs.resize(reader.count(3 * kNumber));
+  for (SpeechNetwork::Arc& arc : network.arcs) {
+    arc.from = reader.number();
+    arc.to = reader.number();
+    arc.word = static_cast<std::int32_t>(reader.number());
+  }
+  if (!reader.good() || !InRange(network)) return std::nullopt;
+  return network;
+}
+
+std::string Encoded(const Learnt& learnt) {
+  std::string out;
+  Put(out, learnt.words);
+  PutTexts(out, learnt.unspoken);
+  return out;
+}
+
+std::optional<Learnt> LearntIn(std::string_view content) {
+  Reader reader(content);
+  Learnt learnt;
+  learnt.words = reader.number();
+  learnt.unspoken = reader.texts();
+  if (!reader.good()) return std::nullopt;
+  return learnt;
+}
+
+std::string Encoded(const Heard& heard) {
+  std::string out;
+  Put(out, heard.speech ? 1 : 0);
+  PutText(out, heard.words);
+  Put(out, heard.thousandths);
+  return out;
+}
+
+std::optional<Heard> HeardIn(std::string_view content) {
+  Reader reader(content);
+  Heard heard;
+  heard.speech = reader.number() != 0;
+  heard.words = reader.text();
+  heard.thousandths = std::min<std::uint32_t>(reader.number(), 1000);
+  if (!reader.good()) return std::nullopt;
+  return heard;
+}
+
+std::string SoundContent(const std::vector<std::int16_t>& sound) {
+  std::string out;
+  out.reserve(sound.size() * 2);
+  for (const std::int16_t sample : sound) {
+    const auto bits = static_cast<std::uint16_t>(sample);
+    out += static_cast<char>(bits & 0xFFU);
+    out += static_cast<char>(bits >> 8U);
+  }
+  return out;
+}
+
+std::vector<std::int16_t> SoundIn(std::string_view content) {
+  std::vector<std::int16_t> sound(content.size() / 2);
+  for (std::size_t i = 0; i < sound.size(); ++i) {
+    const auto low = static_cast<unsigned char>(content[2 * i]);
+    const auto high = static_cast<unsigned char>(content[2 * i + 1]);
+    sound[i] = static_cast<std::int16_t>(static_cast<std::uint16_t>(high << 8U | low));
+  }
+  return sound;
+}
+
+std::string Framed(MessageKind kind, std::string_view content) {
+  std::string out;
+  out.reserve(content.size() + 2 * kNumber);
+  Put(out, static_cast<std::uint32_t>(kind));
+  PutText(out, content);
+  return out;
+}
+
+std::optional<Message> TakeMessage(std::string& come) {
+  if (come.size() < 2 * kNumber) return std::nullopt;
+  Reader head(std::string_view(come).substr(0, 2 * kNumber));
+  const std::uint32_t kind = head.number();
+  const std::size_t size = head.number();
+  if (size > kLongestMessage) throw std::length_error("A message is longer than any");
+  if (come.size() < 2 * kNumber + size) return std::nullopt;
+  Message message{static_cast<MessageKind>(kind), come.substr(2 * kNumber, size)};
+  come.erase(0, 2 * kNumber + size);
+  return message;
+}
+
+}  // namespace ear

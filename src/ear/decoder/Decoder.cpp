@@ -1,0 +1,233 @@
+#include "ear/decoder/Decoder.hpp"
+
+#include <pocketsphinx.h>
+#include <sphinxbase/err.h>
+#include <sphinxbase/fsg_model.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <stdexcept>
+
+#include "ear/decoder/Pronunciations.hpp"
+
+namespace ear {
+namespace {
+
+constexpr const char* kCommands = "commands";
+constexpr const char* kPhones = "phones";
+constexpr std::size_t kMostUnspoken = 20;
+/// What a phone of the chain costs beside its sound, so that it has no more of them than were said.
+constexpr double kPhoneCost = 1e-4;
+/// A sound that is shorter or fainter than this is nobody's speech.
+constexpr std::size_t kShortest = 16000 / 5;
+constexpr int kFaintest = 60;
+
+struct FsgDelete {
+  void operator()(fsg_model_t* fsg) const { fsg_model_free(fsg); }
+};
+using Fsg = std::unique_ptr<fsg_model_t, FsgDelete>;
+
+std::string PhoneWord(const std::string& phone) { return "+phone+" + phone; }
+
+/// Sound of a synthesiser is followed by true silence, which no microphone hears and which the decoder's own
+/// suppression of noise takes for speech that is spoilt. A hiss 30 dB below the speech does no harm to
+/// others.
+std::vector<std::int16_t> WithHiss(const std::vector<std::int16_t>& sound) {
+  constexpr double kPart = 0.03;
+  constexpr int kLeast = 12;
+  double power = 0;
+  for (const std::int16_t sample : sound) power += static_cast<double>(sample) * sample;
+  const int loudness =
+      std::max(kLeast, static_cast<int>(kPart * std::sqrt(power / static_cast<double>(sound.size()))));
+  std::minstd_rand random(1);
+  std::vector<std::int16_t> all(sound.size());
+  for (std::size_t i = 0; i < sound.size(); ++i) {
+    const auto hiss = static_cast<int>(random() % static_cast<unsigned>(2 * loudness + 1)) - loudness;
+    all[i] = static_cast<std::int16_t>(std::clamp(sound[i] + hiss, -32768, 32767));
+  }
+  return all;
+}
+
+bool MayBeSpeech(const std::vector<std::int16_t>& sound) {
+  if (sound.size() < kShortest) return false;
+  const auto loudest = std::max_element(
+      sound.begin(), sound.end(),
+      [](std::int16_t left, std::int16_t right) { return std::abs(int{left}) < std::abs(int{right}); });
+  return std::abs(int{*loudest}) >= kFaintest;
+}
+
+}  // namespace
+
+Decoder::Decoder(const std::filesystem::path& models) : dictionary_(models / "cmudict-en-us.dict") {
+  const std::filesystem::path acoustic = models / "en-us";
+  if (!std::filesystem::exists(acoustic / "mdef") || !std::filesystem::exists(dictionary_)) {
+    throw std::runtime_error("There is no model of speech at " + models.string() +
+                             "; the package “pocketsphinx-en-us” has it");
+  }
+  err_set_logfp(nullptr);
+  cmd_ln_t* config = cmd_ln_init(nullptr, ps_args(), 1, "-hmm", acoustic.c_str(), "-dict",
+                                 dictionary_.c_str(), "-cmn", "batch", nullptr);
+  if (config != nullptr) {
+    decoder_ = ps_init(config);
+    cmd_ln_free_r(config);
+  }
+  if (decoder_ == nullptr)
+    throw std::runtime_error("The model of speech at " + models.string() + " can’t be used");
+}
+
+Decoder::~Decoder() {
+  if (decoder_ != nullptr) ps_free(decoder_);
+}
+
+void Decoder::learnPhones() {
+  constexpr const char* kAll[] = {"AA", "AE", "AH", "AO", "AW", "AY", "B",  "CH", "D",  "DH",
+                                  "EH", "ER", "EY", "F",  "G",  "HH", "IH", "IY", "JH", "K",
+                                  "L",  "M",  "N",  "NG", "OW", "OY", "P",  "R",  "S",  "SH",
+                                  "T",  "TH", "UH", "UW", "V",  "W",  "Y",  "Z",  "ZH"};
+  logmath_t* logs = ps_get_logmath(decoder_);
+  const Fsg loop(fsg_model_init(kPhones, logs, 1.0F, 2));
+  loop->start_state = 0;
+  loop->final_state = 1;
+  const int cost = logmath_log(logs, kPhoneCost);
+  for (const char* phone : kAll) {
+    ps_add_word(decoder_, PhoneWord(phone).c_str(), phone, FALSE);
+    fsg_model_trans_add(loop.get(), 0, 0, cost, fsg_model_word_add(loop.get(), PhoneWord(phone).c_str()));
+  }
+  fsg_model_null_trans_add(loop.get(), 0, 1, 0);
+  if (ps_set_fsg(decoder_, kPhones, loop.get()) < 0)
+    throw std::runtime_error("The phones can’t be listened for");
+}
+
+Learnt Decoder::learn(const SpeechNetwork& network) {
+  const Pronunciations pronunciations(dictionary_);
+  Learnt learnt;
+  std::vector<bool> spoken(network.words.size());
+  for (std::size_t i = 0; i < network.words.size(); ++i) {
+    const std::string& word = network.words[i];
+    if (char* known = ps_lookup_word(decoder_, word.c_str())) {
+      ckd_free(known);
+      spoken[i] = true;
+    } else {
+      int way = 0;
+      for (const std::string& phones : pronunciations.of(word)) {
+        const std::string name = way == 0 ? word : word + "(" + std::to_string(way + 1) + ")";
+        if (ps_add_word(decoder_, name.c_str(), phones.c_str(), FALSE) < 0) continue;
+        spoken[i] = true;
+        ++way;
+      }
+    }
+    if (spoken[i]) {
+      ++learnt.words;
+    } else if (learnt.unspoken.size() < kMostUnspoken) {
+      learnt.unspoken.push_back(word);
+    }
+  }
+  learnPhones();
+  SpeechNetwork sayable = network;
+  std::erase_if(sayable.arcs, [&](const SpeechNetwork::Arc& arc) {
+    return arc.word != SpeechNetwork::kNoWord && !spoken[static_cast<std::size_t>(arc.word)];
+  });
+  Prune(sayable);
+  if (sayable.arcs.empty()) throw std::runtime_error("There is nothing that could be said");
+  const Fsg commands(
+      fsg_model_init(kCommands, ps_get_logmath(decoder_), 1.0F, static_cast<int>(sayable.places)));
+  commands->start_state = static_cast<int>(sayable.start);
+  commands->final_state = static_cast<int>(sayable.end);
+  // Each word is entered once: to look it up there takes time by the number of words.
+  std::vector<int> numbers;
+  for (const std::string& word : sayable.words)
+    numbers.push_back(fsg_model_word_add(commands.get(), word.c_str()));
+  bool steps = false;
+  for (const SpeechNetwork::Arc& arc : sayable.arcs) {
+    const auto from = static_cast<int>(arc.from);
+    const auto to = static_cast<int>(arc.to);
+    if (arc.word == SpeechNetwork::kNoWord) {
+      fsg_model_null_trans_add(commands.get(), from, to, 0);
+      steps = true;
+    } else {
+      fsg_model_trans_add(commands.get(), from, to, 0, numbers[static_cast<std::size_t>(arc.word)]);
+    }
+  }
+  if (steps) glist_free(fsg_model_null_trans_closure(commands.get(), nullptr));
+  if (ps_set_fsg(decoder_, kCommands, commands.get()) < 0)
+    throw std::runtime_error("The sentences can’t be listened for");
+  return learnt;
+}
+
+std::vector<Decoder::Piece> Decoder::pieces(const char* search, const std::vector<std::int16_t>& sound) {
+  std::vector<Piece> all;
+  // Every sound is heard as the first one: what another microphone has heard before tells nothing of it.
+  if (ps_set_search(decoder_, search) < 0 || ps_start_stream(decoder_) < 0 || ps_start_utt(decoder_) < 0)
+    return all;
+  ps_process_raw(decoder_, sound.data(), sound.size(), FALSE, TRUE);
+  ps_end_utt(decoder_);
+  int32 score = 0;
+  if (ps_get_hyp(decoder_, &score) == nullptr) return all;
+  for (ps_seg_t* each = ps_seg_iter(decoder_); each != nullptr; each = ps_seg_next(each)) {
+    Piece piece;
+    piece.word = ps_seg_word(each);
+    ps_seg_frames(each, &piece.begin, &piece.end);
+    int32 acoustic = 0;
+    int32 language = 0;
+    int32 back = 0;
+    ps_seg_prob(each, &acoustic, &language, &back);
+    piece.score = acoustic;
+    if (piece.end >= piece.begin) all.push_back(std::move(piece));
+  }
+  return all;
+}
+
+std::uint32_t Decoder::certainty(const Fit& fit) {
+  // Found with synthetic voices: above the second point of each line hardly anything was meant otherwise,
+  // below the first one hardly anything was a sentence of the network.
+  const auto line = [](double value, double perhaps, double sure, double surest) {
+    if (value < sure) return 0.3 + 0.3 * (value - perhaps) / (sure - perhaps);
+    return 0.6 + 0.4 * (value - sure) / (surest - sure);
+  };
+  const double certain = std::min(line(fit.mean, -6, 0, 12), line(fit.worst, -42, -25, 0));
+  return static_cast<std::uint32_t>(std::lround(1000 * std::clamp(certain, 0.0, 1.0)));
+}
+
+Decoder::Found Decoder::hear(const std::vector<std::int16_t>& sound) {
+  Found found;
+  if (!MayBeSpeech(sound)) return found;
+  const std::vector<std::int16_t> hissing = WithHiss(sound);
+  const std::vector<Piece> words = pieces(kCommands, hissing);
+  const std::vector<Piece> phones = pieces(kPhones, hissing);
+  // What the chain of phones scores up to each frame.
+  std::vector<double> upTo{0};
+  for (const Piece& phone : phones) {
+    const double each = phone.score / (phone.end - phone.begin + 1);
+    for (int i = phone.begin; i <= phone.end; ++i) {
+      if (static_cast<std::size_t>(i) + 1 == upTo.size()) upTo.push_back(upTo.back() + each);
+    }
+  }
+  const auto chain = [&](const Piece& piece) {
+    const auto last = static_cast<int>(upTo.size()) - 1;
+    return upTo[static_cast<std::size_t>(std::clamp(piece.end + 1, 0, last))] -
+           upTo[static_cast<std::size_t>(std::clamp(piece.begin, 0, last))];
+  };
+  double better = 0;
+  int frames = 0;
+  bool first = true;
+  for (const Piece& word : words) {
+    const bool filler = word.word.empty() || word.word.front() == '<' || word.word.front() == '[' ||
+                        word.word.front() == '(' || word.word.front() == '+';
+    if (filler) continue;
+    const int length = word.end - word.begin + 1;
+    const double difference = word.score - chain(word);
+    better += difference;
+    frames += length;
+    found.fit.worst = first ? difference / length : std::min(found.fit.worst, difference / length);
+    first = false;
+    found.heard.words += (found.heard.words.empty() ? "" : " ") + word.word.substr(0, word.word.find('('));
+  }
+  if (frames == 0) return found;
+  found.fit.mean = better / frames;
+  found.heard.speech = true;
+  found.heard.thousandths = certainty(found.fit);
+  return found;
+}
+
+}  // namespace ear

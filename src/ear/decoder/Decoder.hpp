@@ -1,0 +1,61 @@
+#pragma once
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ear/Messages.hpp"
+#include "ear/SpeechNetwork.hpp"
+
+struct ps_decoder_s;
+
+namespace ear {
+
+/// Finds the sentence of a network that a sound is most like, and how sure that is: the same sound is heard a
+/// second time as a chain of any phones, and a sentence that explains it much worse than that was not said.
+class Decoder {
+ public:
+  /// `models` holds the acoustic model and the dictionary. Throws std::runtime_error, with words for the
+  /// user, where they are missing or don't work.
+  explicit Decoder(const std::filesystem::path& models);
+  ~Decoder();
+  Decoder(const Decoder&) = delete;
+  Decoder& operator=(const Decoder&) = delete;
+  Decoder(Decoder&&) = delete;
+  Decoder& operator=(Decoder&&) = delete;
+
+  /// How well the sentence explains the sound, against a chain of any phones: by frame over all of it, and in
+  /// its worst word. The larger, the better.
+  struct Fit {
+    double mean = 0;
+    double worst = 0;
+  };
+  struct Found {
+    Heard heard;
+    Fit fit;
+  };
+
+  /// Once. Throws std::runtime_error where nothing can be said at all.
+  Learnt learn(const SpeechNetwork& network);
+  /// 16,000 samples a second, after `learn`.
+  Found hear(const std::vector<std::int16_t>& sound);
+  /// From 0 to 1 thousandths of certainty for a fit.
+  static std::uint32_t certainty(const Fit& fit);
+
+ private:
+  struct Piece {
+    std::string word;
+    int begin = 0;  ///< first frame
+    int end = 0;    ///< last frame
+    double score = 0;
+  };
+  std::vector<Piece> pieces(const char* search, const std::vector<std::int16_t>& sound);
+  void learnPhones();
+
+  ps_decoder_s* decoder_ = nullptr;
+  std::filesystem::path dictionary_;
+};
+
+}  // namespace ear

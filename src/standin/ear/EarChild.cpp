@@ -1,0 +1,170 @@
+#include "standin/ear/EarChild.hpp"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestComplaint = 500;
+
+struct Pair {
+  files::Descriptor ours;
+  files::Descriptor theirs;
+};
+
+/// A socket tells a process that has gone by an error, where a pipe would end this one.
+Pair Sockets() {
+  std::array<int, 2> ends{-1, -1};
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+    throw std::runtime_error(std::strerror(errno));
+  ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
+  return {files::Descriptor(ends[0]), files::Descriptor(ends[1])};
+}
+
+/// What there is to be read now; false once the other side has gone.
+bool ReadInto(int descriptor, std::string& text) {
+  std::array<char, 65536> part{};
+  while (true) {
+    const ssize_t got = ::recv(descriptor, part.data(), part.size(), MSG_DONTWAIT);
+    if (got > 0) {
+      text.append(part.data(), static_cast<std::size_t>(got));
+    } else if (got == 0 || (errno != EINTR)) {
+      return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+    }
+  }
+}
+
+}  // namespace
+
+EarChild::EarChild(bus::PollLoop& loop, const std::filesystem::path& program,
+                   const std::vector<std::string>& arguments, Told told)
+    : loop_(loop),
+      told_(std::move(told)),
+      limit_(loop.makeTimer(std::chrono::seconds(1), [this] { endSoon("It gave no answer in time"); })) {
+  try {
+    start(program, arguments);
+  } catch (const std::exception& failure) {
+    endSoon(failure.what());
+  }
+}
+
+EarChild::~EarChild() { kill(); }
+
+void EarChild::start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+  Pair in = Sockets();
+  Pair out = Sockets();
+  Pair errors = Sockets();
+  std::vector<std::string> words{program.string()};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions{};
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, in.theirs.get(), STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, out.theirs.get(), STDOUT_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, errors.theirs.get(), STDERR_FILENO);
+  // The loop blocks the signals that it watches; a child would never hear them.
+  posix_spawnattr_t attributes{};
+  posix_spawnattr_init(&attributes);
+  sigset_t none{};
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  const int failed = ::posix_spawn(&process_, program.c_str(), &actions, &attributes, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  posix_spawnattr_destroy(&attributes);
+  if (failed != 0) {
+    process_ = -1;
+    throw std::runtime_error(program.string() + " can’t be started: " + std::strerror(failed));
+  }
+  in_ = std::move(in.ours);
+  out_ = std::move(out.ours);
+  errors_ = std::move(errors.ours);
+  outWatch_ = loop_.watch(out_.get(), POLLIN, [this](short) { hear(); });
+  errorWatch_ = loop_.watch(errors_.get(), POLLIN, [this](short) { hearErrors(); });
+  inWatch_ = loop_.watch(in_.get(), 0, [this](short) { write(); });
+}
+
+void EarChild::kill() {
+  if (process_ <= 0) return;
+  ::kill(process_, SIGKILL);
+  while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  process_ = -1;
+}
+
+void EarChild::endSoon(std::string why) {
+  if (std::exchange(ended_, true)) return;
+  limit_->enabled(false);
+  outWatch_.reset();
+  errorWatch_.reset();
+  inWatch_.reset();
+  kill();
+  loop_.post([this, why = std::move(why), alive = std::weak_ptr(alive_)] {
+    if (!alive.lock()) return;
+    const auto end = std::move(told_.end);  // which may be the end of this object
+    end(why);
+  });
+}
+
+void EarChild::hearErrors() {
+  const bool there = ReadInto(errors_.get(), complaint_);
+  if (complaint_.size() > kLongestComplaint) complaint_.erase(0, complaint_.size() - kLongestComplaint);
+  if (!there) errorWatch_.reset();
+}
+
+void EarChild::hear() {
+  const bool there = ReadInto(out_.get(), come_);
+  const auto alive = std::weak_ptr(alive_);
+  try {
+    while (const auto message = ear::TakeMessage(come_)) {
+      answerWithin(base::Milliseconds(0));
+      if (message->kind == ear::MessageKind::kFailed) return endSoon(message->content);
+      told_.message(*message);
+      if (!alive.lock() || ended_) return;
+    }
+  } catch (const std::length_error& failure) {
+    return endSoon(failure.what());
+  }
+  if (there) return;
+  if (errors_.valid()) ReadInto(errors_.get(), complaint_);
+  endSoon(complaint_.empty() ? "It has ended" : complaint_);
+}
+
+void EarChild::send(ear::MessageKind kind, std::string_view content) {
+  if (ended_) return;
+  toSend_ += ear::Framed(kind, content);
+  write();
+}
+
+void EarChild::write() {
+  while (!toSend_.empty()) {
+    const ssize_t sent = ::send(in_.get(), toSend_.data(), toSend_.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (sent < 0 && errno == EINTR) continue;
+    if (sent < 0) {
+      if (errno == EAGAIN || errno == EWOULDBLOCK) return inWatch_->events(POLLOUT);
+      return inWatch_->events(0);  // it has gone, which is heard at the other end
+    }
+    toSend_.erase(0, static_cast<std::size_t>(sent));
+  }
+  inWatch_->events(0);
+}
+
+void EarChild::answerWithin(base::Milliseconds limit) {
+  if (limit.count() > 0) limit_->interval(limit);
+  limit_->enabled(limit.count() > 0);
+}
+
+}  // namespace standin

@@ -1,0 +1,131 @@
+#include "standin/ear/EarProcess.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace standin {
+namespace {
+
+using Kind = Recogniser::Heard::Kind;
+
+Recogniser::Heard Deaf(const std::string& why) { return {.kind = Kind::kDeaf, .reason = why}; }
+
+}  // namespace
+
+EarProcess::EarProcess(bus::PollLoop& loop, Options options) : loop_(loop), options_(std::move(options)) {}
+
+EarProcess::~EarProcess() = default;
+
+void EarProcess::enter(State state, std::string missing) {
+  if (state == status_.state && missing == status_.missing) return;
+  status_.state = state;
+  status_.missing = std::move(missing);
+  onChange();
+}
+
+void EarProcess::learn(ear::SpeechNetwork network) {
+  network_ = ear::Encoded(network);
+  startNext();
+}
+
+void EarProcess::startNext() {
+  bury(std::move(next_));
+  next_ = std::make_unique<Ear>();
+  // Whoever hears now goes on hearing; where there is nobody, all wait for the new one.
+  if (!now_) enter(State::kStarting, {});
+  Ear* const ear = next_.get();
+  ear->child = std::make_unique<EarChild>(
+      loop_, options_.program, options_.arguments,
+      EarChild::Told{.message =
+                         [this, ear](const ear::Message& message) {
+                           if (ear == next_.get()) {
+                             nextTold(message);
+                           } else {
+                             nowTold(*ear, message);
+                           }
+                         },
+                     .end =
+                         [this, ear](const std::string& why) {
+                           for (const Told& told : std::exchange(ear->asked, {}))
+                             told(Deaf("the recogniser has failed. " + why));
+                           std::erase_if(leaving_, [&](const auto& each) { return each.get() == ear; });
+                           if (ear == next_.get()) {
+                             bury(std::move(next_));
+                             failed(why);
+                           } else if (ear == now_.get()) {
+                             bury(std::move(now_));
+                             failed(why);
+                           }
+                         }});
+  ear->child->send(ear::MessageKind::kLearn, *network_);
+  ear->child->answerWithin(options_.learns);
+}
+
+void EarProcess::failed(const std::string& why) {
+  failedAt_ = loop_.now();
+  if (now_ || next_) return;  // somebody hears, or will
+  enter(State::kFailed, why);
+  for (const Sound& each : std::exchange(waiting_, {})) each.told(Deaf("the recogniser has failed. " + why));
+}
+
+void EarProcess::nextTold(const ear::Message& message) {
+  const std::optional<ear::Learnt> learnt =
+      message.kind == ear::MessageKind::kReady ? ear::LearntIn(message.content) : std::nullopt;
+  if (!learnt) return;
+  failedAt_.reset();
+  if (now_ && !now_->asked.empty()) {
+    leaving_.push_back(std::move(now_));
+  } else {
+    bury(std::move(now_));
+  }
+  now_ = std::move(next_);
+  status_.words = learnt->words;
+  status_.unspoken = learnt->unspoken;
+  status_.state = State::kStarting;  // what it knows has changed in any case
+  enter(State::kReady, {});
+  for (Sound& each : std::exchange(waiting_, {})) ask(std::move(each));
+}
+
+void EarProcess::nowTold(Ear& ear, const ear::Message& message) {
+  if (message.kind != ear::MessageKind::kHeard || ear.asked.empty()) return;
+  const std::optional<ear::Heard> heard = ear::HeardIn(message.content);
+  const Told told = std::move(ear.asked.front());
+  ear.asked.pop_front();
+  if (!ear.asked.empty()) ear.child->answerWithin(options_.hears);
+  const auto leaves =
+      std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& each) { return each.get() == &ear; });
+  if (ear.asked.empty() && leaves != leaving_.end()) {
+    std::unique_ptr<Ear> gone = std::move(*leaves);
+    leaving_.erase(leaves);
+    bury(std::move(gone));
+  }
+  if (!heard) return told(Deaf("the recogniser’s answer was not understood"));
+  if (!heard->speech) return told({.kind = Kind::kSilence});
+  told({.kind = Kind::kWords, .words = heard->words, .confidence = heard->thousandths / 1000.0});
+}
+
+void EarProcess::bury(std::unique_ptr<Ear> ear) {
+  if (!ear) return;
+  loop_.post([gone = std::shared_ptr<Ear>(std::move(ear))] {});
+}
+
+void EarProcess::ask(Sound sound) {
+  if (now_->asked.empty()) now_->child->answerWithin(options_.hears);
+  now_->asked.push_back(std::move(sound.told));
+  now_->child->send(ear::MessageKind::kHear, ear::SoundContent(sound.samples));
+}
+
+void EarProcess::hear(std::vector<std::int16_t> sound, Told told) {
+  sound.resize(std::min(sound.size(), kLongestSeconds * kRate));
+  if (waiting_.size() + (now_ ? now_->asked.size() : 0) >= kMostWaiting)
+    return told(Deaf("too many are speaking at once"));
+  if (now_) return ask({std::move(sound), std::move(told)});
+  const bool rests = failedAt_ && loop_.now() - *failedAt_ < options_.pause;
+  if (!next_ && (rests || !network_))
+    return told(
+        Deaf(status_.missing.empty() ? "nobody has told the recogniser what can be said" : status_.missing));
+  waiting_.push_back({std::move(sound), std::move(told)});
+  if (!next_) startNext();
+}
+
+}  // namespace standin

@@ -1,0 +1,72 @@
+#pragma once
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bus/PollLoop.hpp"
+#include "standin/ear/EarChild.hpp"
+#include "standin/ear/Recogniser.hpp"
+
+namespace standin {
+
+/// A recogniser in a process of its own. What can be said is learnt by a new process while the one before it
+/// goes on hearing, and takes its place when it is ready. One that hangs or dies is told to those who wait
+/// for it, and started again for the next who speaks.
+class EarProcess : public Recogniser {
+ public:
+  struct Options {
+    std::filesystem::path program;
+    std::vector<std::string> arguments{};
+    base::Milliseconds learns = std::chrono::seconds(60);  ///< longer it may not take to learn
+    base::Milliseconds hears = std::chrono::seconds(30);   ///< nor to hear one sound
+    base::Milliseconds pause = std::chrono::seconds(5);    ///< between two starts without success
+  };
+  EarProcess(bus::PollLoop& loop, Options options);
+  ~EarProcess() override;
+  EarProcess(const EarProcess&) = delete;
+  EarProcess& operator=(const EarProcess&) = delete;
+  EarProcess(EarProcess&&) = delete;
+  EarProcess& operator=(EarProcess&&) = delete;
+
+  void learn(ear::SpeechNetwork network) override;
+  void hear(std::vector<std::int16_t> sound, Told told) override;
+  [[nodiscard]] Status status() const override { return status_; }
+  /// Of the one that hears now; -1 where there is none.
+  [[nodiscard]] pid_t process() const { return now_ ? now_->child->process() : -1; }
+
+ private:
+  struct Sound {
+    std::vector<std::int16_t> samples;
+    Told told;
+  };
+  struct Ear {
+    std::unique_ptr<EarChild> child;
+    std::deque<Told> asked;
+  };
+  static constexpr std::size_t kMostWaiting = 8;
+
+  void startNext();
+  void ask(Sound sound);
+  void nextTold(const ear::Message& message);
+  void nowTold(Ear& ear, const ear::Message& message);
+  void failed(const std::string& why);
+  void enter(State state, std::string missing);
+  /// It may be at work now.
+  void bury(std::unique_ptr<Ear> ear);
+
+  bus::PollLoop& loop_;
+  Options options_;
+  Status status_;
+  std::optional<std::string> network_;  ///< as it goes to a process
+  std::unique_ptr<Ear> now_;
+  std::unique_ptr<Ear> next_;
+  std::vector<std::unique_ptr<Ear>> leaving_;  ///< with answers still to come
+  std::deque<Sound> waiting_;                  ///< for the first process to be ready
+  std::optional<base::Milliseconds> failedAt_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace standin

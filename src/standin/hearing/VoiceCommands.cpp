@@ -1,0 +1,369 @@
+#include "standin/hearing/VoiceCommands.hpp"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "base/Failure.hpp"
+#include "base/Text.hpp"
+#include "standin/hearing/Network.hpp"
+#include "standin/hearing/PlayerPhrases.hpp"
+#include "standin/house/EventStore.hpp"
+
+namespace standin {
+namespace {
+
+using Kind = Understanding::Kind;
+
+constexpr const char* kSettings = "voice.ini";
+constexpr const char* kSection = "Voice";
+constexpr const char* kSpeaks = "SayAnswers";
+/// No session is called so.
+constexpr const char* kScript = "a script";
+constexpr const char* kStatus = "Media Player Status";
+constexpr std::string_view kQuick = "Media Player Quick ";
+/// The player's own playlist, and how what the plug-in tells the log of its player begins.
+constexpr const char* kOwnList = "Vantorix";
+constexpr const char* kOfPlayer = "Media Player";
+constexpr std::size_t kErrorsLookedAt = 20;
+constexpr std::size_t kMostChoices = 3;
+constexpr std::size_t kMostQuestions = 100;
+constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
+/// Patterns come one after the other when the plug-in starts.
+constexpr base::Milliseconds kFollowAfter = std::chrono::milliseconds(500);
+/// At least so sure the recogniser has to be for something to be done, and to be asked back.
+constexpr double kSure = 0.6;
+constexpr double kPerhaps = 0.3;
+
+std::string Quoted(const std::string& text) { return "“" + text + "”"; }
+
+/// Which of the choices an answer means: 0 and so on, -1 for none of them; nothing where it is no answer.
+std::optional<int> ChoiceIn(const std::string& text) {
+  constexpr std::array<std::pair<std::string_view, int>, 16> kAnswers{{{"first", 0},
+                                                                       {"the first", 0},
+                                                                       {"the first one", 0},
+                                                                       {"one", 0},
+                                                                       {"1", 0},
+                                                                       {"yes", 0},
+                                                                       {"second", 1},
+                                                                       {"the second", 1},
+                                                                       {"the second one", 1},
+                                                                       {"two", 1},
+                                                                       {"2", 1},
+                                                                       {"third", 2},
+                                                                       {"no", -1},
+                                                                       {"neither", -1},
+                                                                       {"none", -1},
+                                                                       {"cancel", -1}}};
+  const std::string words = SaidWords(text);
+  const auto* const found =
+      std::find_if(kAnswers.begin(), kAnswers.end(), [&](const auto& each) { return each.first == words; });
+  if (found == kAnswers.end()) return std::nullopt;
+  return found->second;
+}
+
+void Ask(Understanding& understanding, std::vector<std::string> choices) {
+  understanding.kind = Kind::kUnclear;
+  understanding.says = "Did you mean " + Alternatives(choices) + "?";
+  understanding.choices = std::move(choices);
+}
+
+}  // namespace
+
+std::string Alternatives(const std::vector<std::string>& texts) {
+  std::string all;
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    all += (i == 0 ? "" : i + 1 == texts.size() ? " or " : ", ") + Quoted(texts[i]);
+  return all;
+}
+
+VoiceCommands::VoiceCommands(const Parts& parts)
+    : parts_(parts), grammar_(parts.house), follow_(parts.loop.makeTimer(kFollowAfter, [this] {
+        follow_->enabled(false);
+        if (awake_) wake();
+        parts_.house.live.tell("voice", "{}");
+      })) {
+  parts_.recogniser.onChange = [this] { parts_.house.live.tell("voice", "{}"); };
+  parts_.house.events.onPattern = [this] { patternsChanged(); };
+  parts_.house.onSay = [this](const std::string& text) {
+    return say(kScript, text, [](const Understanding&) {});
+  };
+}
+
+VoiceCommands::~VoiceCommands() {
+  parts_.recogniser.onChange = [] {};
+  parts_.house.events.onPattern = [] {};
+  parts_.house.onSay = [](const std::string&) { return std::string(); };
+}
+
+void VoiceCommands::patternsChanged() { follow_->enabled(true); }
+
+void VoiceCommands::wake() {
+  awake_ = true;
+  if (learnt_ == grammar_.revision()) return;
+  learnt_ = grammar_.revision();
+  parts_.recogniser.learn(NetworkOf(*grammar_.now()));
+}
+
+bool VoiceCommands::speaks() const { return parts_.house.settings.get(kSettings, kSection, kSpeaks) == "1"; }
+
+void VoiceCommands::speaks(bool on) {
+  parts_.house.settings.save(kSettings, kSection, kSpeaks, on ? "1" : "0");
+}
+
+std::string VoiceCommands::say(const std::string& who, const std::string& text, const Answered& answered) {
+  parts_.house.log.write("Voice", text);
+  std::optional<Order> answer = answerOf(who, text);
+  return take(who, answer ? std::move(*answer) : orderFor(text, false), answered);
+}
+
+void VoiceCommands::listen(const std::string& who, std::vector<std::int16_t> sound, Answered answered) {
+  wake();
+  parts_.recogniser.hear(std::move(sound), [this, who, answered = std::move(answered),
+                                            alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
+    using HeardKind = Recogniser::Heard::Kind;
+    if (!alive.lock()) return;
+    Order order;
+    Understanding& understanding = order.understanding;
+    if (heard.kind == HeardKind::kDeaf) {
+      understanding = {.kind = Kind::kDeaf, .says = "The house can’t listen: " + heard.reason};
+      return finish(understanding, answered);
+    }
+    if (heard.kind == HeardKind::kSilence) {
+      understanding = {.kind = Kind::kSilence, .says = "Nobody was heard speaking"};
+      return finish(understanding, answered);
+    }
+    parts_.house.log.write("Voice", heard.words);
+    if (heard.confidence < kPerhaps) {
+      understanding.says = "That was not understood";
+    } else if (std::optional<Order> answer = answerOf(who, heard.words)) {
+      order = std::move(*answer);
+    } else {
+      order = orderFor(heard.words, true);
+      if (understanding.kind == Kind::kDone && heard.confidence < kSure)
+        Ask(understanding, {understanding.command});
+    }
+    understanding.heard = heard.words;
+    understanding.confidence = heard.confidence;
+    take(who, std::move(order), answered);
+  });
+}
+
+std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text) {
+  const auto question = questions_.find(who);
+  if (question == questions_.end()) return std::nullopt;
+  const std::optional<int> choice = ChoiceIn(text);
+  const Question asked = std::move(question->second);
+  questions_.erase(question);  // whatever else is said now, it is no answer any more
+  if (!choice || parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
+  if (*choice >= 0 && static_cast<std::size_t>(*choice) < asked.choices.size()) {
+    Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)], false);
+    order.understanding.heard = text;
+    return order;
+  }
+  Order nothing;
+  nothing.understanding = {.kind = Kind::kDone, .heard = text, .says = "Nothing was done"};
+  return nothing;
+}
+
+void VoiceCommands::addDevices(const Event& event, std::vector<std::int32_t>& refs) const {
+  for (const EventDevice& entry : event.devices) {
+    if (entry.func != kFuncVoice || parts_.house.devices.byRef(entry.devid) == nullptr) continue;
+    if (std::find(refs.begin(), refs.end(), entry.devid) == refs.end()) refs.push_back(entry.devid);
+  }
+}
+
+VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const std::string& text) {
+  Order order;
+  Understanding& understanding = order.understanding;
+  understanding.heard = text;
+  std::vector<std::string> choices;
+  std::vector<std::pair<std::int32_t, std::string>> known;
+  for (const Said& each : said) {
+    const std::pair entry(each.event, each.command);
+    if (std::find(known.begin(), known.end(), entry) != known.end()) continue;
+    known.push_back(entry);
+    if (std::find(choices.begin(), choices.end(), each.whole) == choices.end()) choices.push_back(each.whole);
+  }
+  if (choices.size() > 1) {
+    if (choices.size() > kMostChoices) choices.resize(kMostChoices);
+    Ask(understanding, std::move(choices));
+    return order;
+  }
+  understanding.kind = Kind::kDone;
+  understanding.command = said.front().command;
+  for (const auto& [id, command] : known) {
+    const Event& event = *parts_.house.events.byId(id);
+    addDevices(event, order.refs);
+    if (std::find(understanding.events.begin(), understanding.events.end(), event.name) ==
+        understanding.events.end())
+      understanding.events.push_back(event.name);
+  }
+  return order;
+}
+
+VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoken) {
+  const std::shared_ptr<const Grammar> grammar = grammar_.now();
+  std::vector<Said> said = grammar->match(text);
+  // An event that nobody listens to any more can't be meant.
+  const auto nobodys = [this](const Said& each) {
+    std::vector<std::int32_t> refs;
+    if (const Event* event = parts_.house.events.byId(each.event)) addDevices(*event, refs);
+    return refs.empty();
+  };
+  std::erase_if(said, nobodys);
+  // What is typed as a name is written is that name. What is heard may be either.
+  if (!spoken && !said.empty())
+    std::erase_if(said, [least = said.front().distance](const Said& each) { return each.distance > least; });
+  Order order;
+  if (!said.empty()) {
+    order = orderOf(said, text);
+  } else {
+    order.understanding.heard = text;
+    std::vector<Said> near = spoken ? std::vector<Said>() : grammar->near(text, kMostChoices);
+    std::erase_if(near, nobodys);
+    const PlayerPhrase* phrase = spoken ? nullptr : PlayerPhraseIn(text);
+    const Device* status = parts_.house.devices.byFullName(kStatus);
+    std::vector<std::string> choices;
+    for (const Said& each : near)
+      if (std::find(choices.begin(), choices.end(), each.whole) == choices.end())
+        choices.push_back(each.whole);
+    if (!choices.empty()) {
+      Ask(order.understanding, std::move(choices));
+    } else if (phrase != nullptr && status != nullptr) {
+      order.refs = {status->ref};
+      order.understanding.kind = Kind::kDone;
+      order.understanding.command = text;
+    } else {
+      order.understanding.says = Quoted(text) + " was not understood. Try “stop”, “next” or “volume up”";
+    }
+  }
+  if (order.understanding.kind != Kind::kDone) return order;
+  const Device* status = parts_.house.devices.byFullName(kStatus);
+  const bool toStatus =
+      status != nullptr && std::find(order.refs.begin(), order.refs.end(), status->ref) != order.refs.end();
+  const PlayerPhrase* phrase = toStatus ? PlayerPhraseIn(order.understanding.command) : nullptr;
+  order.adds = phrase != nullptr && phrase->adds;
+  order.understanding.says = phrase != nullptr ? phrase->done : order.understanding.command;
+  return order;
+}
+
+void VoiceCommands::remember(const std::string& who, const Understanding& understanding) {
+  if (understanding.kind != Kind::kUnclear) {
+    questions_.erase(who);
+    return;
+  }
+  const base::Milliseconds now = parts_.loop.now();
+  std::erase_if(questions_, [&](const auto& each) { return now - each.second.asked > kAnswerWithin; });
+  if (questions_.size() < kMostQuestions) questions_[who] = {understanding.choices, now};
+}
+
+std::string VoiceCommands::take(const std::string& who, Order order, const Answered& answered) {
+  remember(who, order.understanding);
+  const bool acts = !order.refs.empty() && order.understanding.kind == Kind::kDone;
+  if (acts) wordAnswer(order);
+  std::string says = order.understanding.says;
+  if (acts) {
+    carryOut(order, answered);
+  } else {
+    finish(std::move(order.understanding), answered);
+  }
+  return says;
+}
+
+void VoiceCommands::wordAnswer(Order& order) const {
+  std::string category;
+  for (const std::int32_t ref : order.refs) {
+    const std::string name = parts_.house.devices.byRef(ref)->fullName();
+    if (name.starts_with(kQuick)) category = name.substr(kQuick.size());
+  }
+  std::string words = order.understanding.command;
+  constexpr std::string_view kPlay = "play ";
+  if (category.empty() || !base::LowerCase(words).starts_with(kPlay)) return;
+  words.erase(0, kPlay.size());
+  if (base::LowerCase(words).starts_with(base::LowerCase(category) + " "))
+    words.erase(0, category.size() + 1);
+  const std::string name = grammar_.libraryName(category, words);
+  order.understanding.says = "Playing " + name;
+  if (category == "Album") order.album = name;
+}
+
+void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
+  struct Target {
+    base::ObjectRef object;
+    std::string hc;
+    std::string dc;
+  };
+  std::vector<Target> targets;
+  for (const std::int32_t ref : order.refs) {
+    const Device* device = parts_.house.devices.byRef(ref);
+    if (device != nullptr) targets.push_back({parts_.objects.device(ref), device->hc, device->dc});
+  }
+  const auto line = std::make_shared<std::int64_t>(0);
+  // The text is set when its turn comes: another one may be waiting before it.
+  const PluginKeeper::Command command = [&house = parts_.house, text = order.understanding.command, targets,
+                                         line](base::Object& vxif) {
+    *line = house.log.lastId();
+    house.lastVoiceCommand = text;
+    for (const Target& each : targets) {
+      const std::int16_t none = 0;
+      vxif.invoke("SetIO", each.object, each.hc, each.dc, kFuncVoice, none, none, none);
+    }
+  };
+  if (order.adds) return add(order, command, answered);
+  parts_.plugin.command(command, [this, understanding = order.understanding, album = order.album, answered,
+                                  line, alive = std::weak_ptr(alive_)](const std::string& failure) mutable {
+    if (!alive.lock()) return;
+    std::string error = failure;
+    if (error.empty()) {
+      // The player answers nothing: what it could not do it has told the log meanwhile.
+      for (const LogLine& each : parts_.house.log.newest(kErrorsLookedAt, "Error"))
+        if (error.empty() && each.id > *line && each.text.starts_with(kOfPlayer)) error = each.text;
+    }
+    if (!error.empty()) {
+      understanding.kind = Kind::kFailed;
+      understanding.says = error;
+    } else if (!album.empty()) {
+      return withArtist(std::move(understanding), album, answered);
+    }
+    finish(std::move(understanding), answered);
+  });
+}
+
+/// Whose an album is, only the player knows.
+void VoiceCommands::withArtist(Understanding understanding, const std::string& album,
+                               const Answered& answered) {
+  parts_.library.artistsOf({album},
+                           [this, understanding = std::move(understanding), answered,
+                            alive = std::weak_ptr(alive_)](const std::vector<std::string>& artists) mutable {
+                             if (!alive.lock()) return;
+                             if (!artists.empty() && !artists.front().empty())
+                               understanding.says += " by " + artists.front();
+                             finish(std::move(understanding), answered);
+                           });
+}
+
+void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const Answered& answered) {
+  parts_.library.addition(
+      kOwnList, std::move(command),
+      [this, understanding = order.understanding, answered, alive = std::weak_ptr(alive_)](
+          const std::optional<std::string>& title, const PlayerLibrary::Failed& failed) mutable {
+        if (!alive.lock()) return;
+        if (failed.text.empty() && title) {
+          understanding.says = "Added " + *title + " to " + kOwnList;
+        } else {
+          understanding.kind = Kind::kFailed;
+          understanding.says = !failed.text.empty()
+                                   ? failed.text
+                                   : "Nothing was added: choose something of the library to play first";
+        }
+        finish(std::move(understanding), answered);
+      });
+}
+
+void VoiceCommands::finish(Understanding understanding, const Answered& answered) {
+  if (speaks()) parts_.speech.speak(understanding.says, false);
+  answered(understanding);
+}
+
+}  // namespace standin

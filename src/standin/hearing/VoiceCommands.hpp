@@ -1,0 +1,98 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bus/PollLoop.hpp"
+#include "standin/ear/Recogniser.hpp"
+#include "standin/hearing/HouseGrammar.hpp"
+#include "standin/hearing/Understanding.hpp"
+#include "standin/hostobjects/HouseObjects.hpp"
+#include "standin/house/House.hpp"
+#include "standin/player/PlayerLibrary.hpp"
+#include "standin/player/PluginKeeper.hpp"
+#include "standin/voice/Speech.hpp"
+
+namespace standin {
+
+/// The one way in for all that is said to the house, be it typed, spoken or a script's: it finds the events
+/// whose pattern fits, and calls their devices with the command. All use is on the loop's thread.
+class VoiceCommands {
+ public:
+  struct Parts {
+    bus::PollLoop& loop;
+    House& house;
+    HouseObjects& objects;
+    PluginKeeper& plugin;
+    PlayerLibrary& library;
+    Speech& speech;
+    Recogniser& recogniser;
+  };
+  explicit VoiceCommands(const Parts& parts);
+  ~VoiceCommands();
+  VoiceCommands(const VoiceCommands&) = delete;
+  VoiceCommands& operator=(const VoiceCommands&) = delete;
+  VoiceCommands(VoiceCommands&&) = delete;
+  VoiceCommands& operator=(VoiceCommands&&) = delete;
+
+  /// Called once, now or later.
+  using Answered = std::function<void(const Understanding& understanding)>;
+  /// `who` tells apart those who are asked back: what one has begun no other one goes on with. Answers what
+  /// the house says to it if nothing goes wrong.
+  std::string say(const std::string& who, const std::string& text, const Answered& answered);
+  /// Sound as `Recogniser` takes it.
+  void listen(const std::string& who, std::vector<std::int16_t> sound, Answered answered);
+
+  /// Has the recogniser know what can be said now, and from now on follow its changes. It costs memory, so it
+  /// is not started for somebody who never speaks.
+  void wake();
+  [[nodiscard]] HouseGrammar& grammar() { return grammar_; }
+  [[nodiscard]] const Recogniser& recogniser() const { return parts_.recogniser; }
+  /// Whether the house says its answers aloud.
+  [[nodiscard]] bool speaks() const;
+  void speaks(bool on);
+  /// A pattern has been changed by somebody who is not the plug-in, or may have been.
+  void patternsChanged();
+
+ private:
+  /// What the words ask for, and of whom.
+  struct Order {
+    Understanding understanding;
+    std::vector<std::int32_t> refs;
+    bool adds = false;
+    std::string album{};  ///< that is played, as the library calls it
+  };
+  struct Question {
+    std::vector<std::string> choices;
+    base::Milliseconds asked{0};
+  };
+
+  [[nodiscard]] Order orderFor(const std::string& text, bool spoken);
+  [[nodiscard]] std::optional<Order> answerOf(const std::string& who, const std::string& text);
+  [[nodiscard]] Order orderOf(const std::vector<Said>& said, const std::string& text);
+  void addDevices(const Event& event, std::vector<std::int32_t>& refs) const;
+  std::string take(const std::string& who, Order order, const Answered& answered);
+  void carryOut(const Order& order, const Answered& answered);
+  void add(const Order& order, PluginKeeper::Command command, const Answered& answered);
+  void wordAnswer(Order& order) const;
+  void withArtist(Understanding understanding, const std::string& album, const Answered& answered);
+  void finish(Understanding understanding, const Answered& answered);
+  void remember(const std::string& who, const Understanding& understanding);
+
+  Parts parts_;
+  HouseGrammar grammar_;
+  std::map<std::string, Question> questions_;
+  bool awake_ = false;
+  std::uint64_t learnt_ = 0;  ///< revision of the grammar that the recogniser was given
+  std::unique_ptr<base::Timer> follow_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+/// "A", "A or B", "A, B or C", each in quotation marks.
+std::string Alternatives(const std::vector<std::string>& texts);
+
+}  // namespace standin

@@ -1,0 +1,110 @@
+#include "standin/routes/VoiceAnswers.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace standin {
+namespace {
+
+using nlohmann::json;
+using Kind = Understanding::Kind;
+
+constexpr std::size_t kMostChoices = 100;
+constexpr std::size_t kLongestPattern = 8000;
+
+std::pair<const char*, int> NameAndStatus(Kind kind) {
+  switch (kind) {
+    case Kind::kDone: return {"done", 200};
+    case Kind::kUnclear: return {"unclear", 409};
+    case Kind::kUnknown: return {"unknown", 404};
+    case Kind::kSilence: return {"silence", 404};
+    case Kind::kDeaf: return {"deaf", 503};
+    case Kind::kFailed: break;
+  }
+  return {"failed", 409};
+}
+
+const char* NameOf(Recogniser::State state) {
+  switch (state) {
+    case Recogniser::State::kOff: return "off";
+    case Recogniser::State::kStarting: return "starting";
+    case Recogniser::State::kReady: return "ready";
+    case Recogniser::State::kFailed: break;
+  }
+  return "failed";
+}
+
+json JsonOf(const std::vector<Pattern::Sequence>& choices) {
+  json all = json::array();
+  for (const Pattern::Sequence& sequence : choices) {
+    if (all.size() >= kMostChoices) break;
+    json parts = json::array();
+    for (const Pattern::Part& part : sequence) {
+      if (part.kind == Pattern::Kind::kWords) {
+        parts.push_back({{"say", part.words}});
+      } else {
+        const char* kind = part.kind == Pattern::Kind::kChoice ? "choice" : "optional";
+        parts.push_back({{kind, JsonOf(part.choices)}, {"count", part.choices.size()}});
+      }
+    }
+    all.push_back(std::move(parts));
+  }
+  return all;
+}
+
+json JsonOf(const House& house, const HouseGrammar::Entry& entry) {
+  const Event& event = *house.events.byId(entry.event);
+  json devices = json::array();
+  for (const EventDevice& each : event.devices) {
+    const Device* device = house.devices.byRef(each.devid);
+    if (each.func == kFuncVoice && device != nullptr) devices.push_back(device->fullName());
+  }
+  json told{{"id", event.id},
+            {"name", event.name},
+            {"devices", std::move(devices)},
+            {"length", event.vcmd.size()},
+            {"faults", entry.pattern->faults()},
+            {"tree", JsonOf(entry.pattern->sentences())}};
+  if (event.vcmd.size() <= kLongestPattern) told["pattern"] = event.vcmd;
+  return told;
+}
+
+}  // namespace
+
+WebAnswer AnswerOf(const Understanding& understanding) {
+  const auto [kind, status] = NameAndStatus(understanding.kind);
+  json choices = json::array();
+  for (const std::string& each : understanding.choices)
+    choices.push_back({{"command", each}, {"label", each}});
+  json told{{"kind", kind},
+            {"heard", understanding.heard},
+            {"command", understanding.command},
+            {"events", understanding.events},
+            {"says", understanding.says},
+            {"choices", std::move(choices)},
+            {status == 200 ? "done" : "error", understanding.says}};
+  if (understanding.confidence) told["confidence"] = *understanding.confidence;
+  WebAnswer answer = Told(told);
+  answer.status = status;
+  return answer;
+}
+
+WebAnswer StateOf(const House& house, VoiceCommands& voice) {
+  const Recogniser::Status status = voice.recogniser().status();
+  json events = json::array();
+  for (const HouseGrammar::Entry& entry : voice.grammar().entries()) events.push_back(JsonOf(house, entry));
+  return Told({{"recogniser",
+                {{"state", NameOf(status.state)},
+                 {"missing", status.missing},
+                 {"words", status.words},
+                 {"unspoken", status.unspoken}}},
+               {"events", std::move(events)},
+               {"listen",
+                {{"rate", Recogniser::kRate},
+                 {"seconds", Recogniser::kLongestSeconds},
+                 {"bytes", Route::kLargestBody},
+                 {"type", "audio/l16;rate=16000"}}},
+               {"speaks", voice.speaks()}});
+}
+
+}  // namespace standin

@@ -1,0 +1,75 @@
+// What the pages say to the house, and what can be said.
+#include <utility>
+#include <vector>
+
+#include "base/Failure.hpp"
+#include "standin/hearing/SentSound.hpp"
+#include "standin/routes/Routes.hpp"
+#include "standin/routes/VoiceAnswers.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kLongestText = 500;
+constexpr std::size_t kLongestPattern = std::size_t{1} << 20U;
+
+void Say(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
+  const auto text = call.json.at("text").get<std::string>();
+  if (text.empty() || text.size() > kLongestText)
+    return reply(Refusal(400, "Say something of up to 500 characters"));
+  voice.say(call.token, text,
+            [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
+}
+
+void Listen(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
+  std::vector<std::int16_t> sound;
+  try {
+    sound = SentSound(call.type, call.body);
+  } catch (const base::Failure& failure) {
+    return reply(Refusal(415, failure.description()));
+  }
+  voice.listen(call.token, std::move(sound),
+               [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
+}
+
+WebAnswer TellPattern(House& house, const WebCall& call) {
+  const Event* event = house.events.byId(call.number<std::int32_t>("event"));
+  if (event == nullptr) return Refusal(404, "There is no such event");
+  return Told({{"id", event->id}, {"pattern", event->vcmd}});
+}
+
+WebAnswer PutPattern(House& house, const WebCall& call) {
+  const auto id = call.json.at("event").get<std::int32_t>();
+  const auto pattern = call.json.at("pattern").get<std::string>();
+  if (house.events.byId(id) == nullptr) return Refusal(404, "There is no such event");
+  if (pattern.size() > kLongestPattern) return Refusal(400, "The pattern is too long");
+  house.events.put(id, &Event::vcmd, pattern);
+  return Told({{"faults", standin::Pattern(pattern).faults()}});
+}
+
+}  // namespace
+
+Routes VoiceRoutes(House& house, VoiceCommands& voice) {
+  const Later say{[&voice](const WebCall& call, const Reply& reply) { Say(voice, call, reply); }};
+  const Later listen{[&voice](const WebCall& call, const Reply& reply) { Listen(voice, call, reply); }};
+  const Now state{[&house, &voice](const WebCall&) {
+    voice.wake();
+    return StateOf(house, voice);
+  }};
+  const Now pattern{[&house](const WebCall& call) { return TellPattern(house, call); }};
+  const Now put{[&house](const WebCall& call) { return PutPattern(house, call); }};
+  const Now speaks{[&voice](const WebCall& call) {
+    voice.speaks(call.json.at("on").get<bool>());
+    return WebAnswer();
+  }};
+  const std::string refused = "Guests can’t change what can be said";
+  return {{Method::kPost, "/api/voice", Role::kGuest, say},
+          {Method::kGet, "/api/voice", Role::kGuest, state},
+          {Method::kPost, "/api/voice/listen", Role::kOwner, listen, "Guests can’t speak to the house",
+           Route::kLargestBody, "audio/"},
+          {Method::kGet, "/api/voice/pattern", Role::kOwner, pattern, refused},
+          {Method::kPost, "/api/voice/pattern", Role::kOwner, put, refused, Route::kLargestBody},
+          {Method::kPost, "/api/voice/speaks", Role::kOwner, speaks, refused}};
+}
+
+}  // namespace standin
