@@ -1,4 +1,5 @@
 // What the pages say to the house, and what can be said.
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -6,11 +7,13 @@
 #include "standin/hearing/SentSound.hpp"
 #include "standin/routes/Routes.hpp"
 #include "standin/routes/VoiceAnswers.hpp"
+#include "standin/routes/VoiceChoices.hpp"
 
 namespace standin {
 namespace {
 
 constexpr std::size_t kLongestText = 500;
+constexpr std::size_t kMostFound = 100;
 constexpr std::size_t kLongestPattern = std::size_t{1} << 20U;
 
 void Say(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
@@ -47,6 +50,19 @@ WebAnswer PutPattern(House& house, const WebCall& call) {
   return Told({{"faults", standin::Pattern(pattern).faults()}});
 }
 
+/// The names of a long choice, of which the state tells the first.
+WebAnswer FindChoices(HouseGrammar& grammar, const WebCall& call) {
+  const auto& entries = grammar.entries();
+  const auto entry = std::find_if(entries.begin(), entries.end(), [&](const HouseGrammar::Entry& each) {
+    return each.event == call.number<std::int32_t>("event");
+  });
+  const standin::Pattern::Part* choice =
+      entry == entries.end() ? nullptr : ChoiceAt(*entry->pattern, call.parameter("at"));
+  if (choice == nullptr) return Refusal(404, "There is no such choice");
+  const FoundNames found = NamesWith(*choice, call.parameter("q"), kMostFound);
+  return Told({{"names", found.names}, {"total", found.total}});
+}
+
 }  // namespace
 
 Routes VoiceRoutes(House& house, VoiceCommands& voice) {
@@ -58,6 +74,7 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice) {
   }};
   const Now pattern{[&house](const WebCall& call) { return TellPattern(house, call); }};
   const Now put{[&house](const WebCall& call) { return PutPattern(house, call); }};
+  const Now choices{[&voice](const WebCall& call) { return FindChoices(voice.grammar(), call); }};
   const Now speaks{[&voice](const WebCall& call) {
     voice.speaks(call.json.at("on").get<bool>());
     return WebAnswer();
@@ -67,6 +84,7 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice) {
           {Method::kGet, "/api/voice", Role::kGuest, state},
           {Method::kPost, "/api/voice/listen", Role::kOwner, listen, "Guests can’t speak to the house",
            Route::kLargestBody, "audio/"},
+          {Method::kGet, "/api/voice/choices", Role::kGuest, choices},
           {Method::kGet, "/api/voice/pattern", Role::kOwner, pattern, refused},
           {Method::kPost, "/api/voice/pattern", Role::kOwner, put, refused, Route::kLargestBody},
           {Method::kPost, "/api/voice/speaks", Role::kOwner, speaks, refused}};
