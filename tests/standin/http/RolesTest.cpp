@@ -95,12 +95,13 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
   EXPECT_THAT(
       linesFor(Method::kPost, Role::kGuest),
       testing::ElementsAre("/api/command", "/api/play", "/api/playlist/watch", "/api/press", "/api/voice"));
-  EXPECT_THAT(linesFor(Method::kGet, Role::kGuest),
-              testing::ElementsAre("/*", "/*/*", "/api/albums", "/api/cover", "/api/cover/key", "/api/event",
-                                   "/api/event/choices", "/api/event/history", "/api/events",
-                                   "/api/events/place", "/api/library", "/api/live", "/api/log",
-                                   "/api/player", "/api/playlist", "/api/playlists", "/api/search",
-                                   "/api/state", "/api/values", "/api/voice", "/api/volume"));
+  EXPECT_THAT(
+      linesFor(Method::kGet, Role::kGuest),
+      testing::ElementsAre("/*", "/*/*", "/api/albums", "/api/cover", "/api/cover/key", "/api/event",
+                           "/api/event/choices", "/api/event/history", "/api/events", "/api/events/place",
+                           "/api/library", "/api/live", "/api/log", "/api/player", "/api/playlist",
+                           "/api/playlists", "/api/search", "/api/state", "/api/values", "/api/voice",
+                           "/api/voice/choices", "/api/volume"));
   EXPECT_THAT(linesFor(Method::kGet, Role::kOwner),
               testing::ElementsAre("/api/covers/services", "/api/dialog", "/api/dialog/options",
                                    "/api/script", "/api/script/run", "/api/scripts", "/api/voice/pattern"));
