@@ -1,5 +1,7 @@
 #include "standin/covers/PlayingCover.hpp"
 
+#include <exception>
+
 #include "standin/covers/DecoderTurn.hpp"
 #include "standin/house/HouseJson.hpp"
 
@@ -53,17 +55,29 @@ bool PlayingCover::waitForWish() {
 
 void PlayingCover::findAll() {
   while (waitForWish()) {
-    Covers::Cover cover;
     try {
-      cover = covers_.keyOf({.playing = true});
+      const Covers::Cover cover = covers_.keyOf({.playing = true});
+      gate_.run([&](const auto& done) {
+        found(cover);
+        done();
+      });
     } catch (const DecodersBusy&) {
       want();  // that has taken some seconds
-      continue;
+    } catch (const std::exception&) {
+      // The bus has gone, or there is no memory for a picture: the next wish may have more luck. Pages ask
+      // for the picture by what plays until then.
+      notFound();
     }
+  }
+}
+
+void PlayingCover::notFound() {
+  try {
     gate_.run([&](const auto& done) {
-      found(cover);
+      found({});
       done();
     });
+  } catch (const std::exception&) {  // nobody is left to be told
   }
 }
 

@@ -36,6 +36,7 @@ class PlayingCover {
   bool waitForWish();
   void findAll();
   void found(const Covers::Cover& cover);
+  void notFound();
 
   LoopGate& gate_;
   Covers& covers_;
