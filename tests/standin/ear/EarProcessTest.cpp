@@ -1,0 +1,130 @@
+// A recogniser in a process of its own: one that works, and those that don't.
+#include "standin/ear/EarProcess.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "standin/hearing/Network.hpp"
+#include "support/Process.hpp"
+#include "support/Spoken.hpp"
+
+namespace standin {
+namespace {
+
+using testing::HasSubstr;
+using Kind = Recogniser::Heard::Kind;
+using State = Recogniser::State;
+
+ear::SpeechNetwork NetworkFor(const std::string& text) {
+  const Pattern pattern(text);
+  return NetworkOf(Grammar({{1, pattern}}, nullptr));
+}
+
+class EarOfItsOwn : public testing::Test {
+ protected:
+  /// In place of the program: what a shell does.
+  static EarProcess::Options shell(const std::string& script) {
+    return {.program = "/bin/sh", .arguments = {"-c", script}};
+  }
+
+  bool becomes(const EarProcess& ear, State state) {
+    return support::Eventually([&] {
+      loop.turn(std::chrono::milliseconds(20));
+      return ear.status().state == state;
+    });
+  }
+  /// What it hears in the sound; nothing within the limit of all waits.
+  std::optional<Recogniser::Heard> heard(EarProcess& ear, std::vector<std::int16_t> sound) {
+    std::optional<Recogniser::Heard> told;
+    ear.hear(std::move(sound), [&](const Recogniser::Heard& heard) { told = heard; });
+    support::Eventually([&] {
+      loop.turn(std::chrono::milliseconds(20));
+      return told.has_value();
+    });
+    return told;
+  }
+
+  bus::PollLoop loop;
+  std::vector<std::int16_t> anything = std::vector<std::int16_t>(16000, 1);
+};
+
+TEST_F(EarOfItsOwn, HearsWhatItWasTaughtLast) {
+  EarProcess ear(loop, {.program = EAR_PROGRAM});
+  EXPECT_EQ(ear.status().state, State::kOff);
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  EXPECT_EQ(ear.status().state, State::kStarting);
+  const std::vector<std::int16_t> sound = support::Spoken("play album night shift");
+  ASSERT_FALSE(sound.empty());
+  std::optional<Recogniser::Heard> told = heard(ear, sound);  // waits until it is ready
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->kind, Kind::kWords);
+  EXPECT_EQ(told->words, "play album night shift");
+  EXPECT_EQ(ear.status().state, State::kReady);
+  EXPECT_GT(ear.status().words, 5U);
+
+  const pid_t first = ear.process();
+  ear.learn(NetworkFor("Play Artist (Night Owls)"));
+  EXPECT_EQ(ear.status().state, State::kReady) << "the one before goes on hearing";
+  ASSERT_TRUE(support::Eventually([&] {
+    loop.turn(std::chrono::milliseconds(20));
+    return ear.process() != first;
+  }));
+  told = heard(ear, sound);
+  ASSERT_TRUE(told);
+  EXPECT_NE(told->words, "play album night shift");
+  EXPECT_EQ(heard(ear, std::vector<std::int16_t>(16000, 0))->kind, Kind::kSilence);
+}
+
+TEST_F(EarOfItsOwn, OneThatDiesIsToldAndStartedAgain) {
+  EarProcess::Options options{.program = EAR_PROGRAM};
+  options.pause = base::Milliseconds(0);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  ::kill(ear.process(), SIGKILL);
+  ASSERT_TRUE(becomes(ear, State::kFailed));
+  EXPECT_EQ(ear.status().missing, "It has ended");
+  const std::optional<Recogniser::Heard> told = heard(ear, support::Spoken("play album night shift"));
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->words, "play album night shift");
+}
+
+TEST_F(EarOfItsOwn, OneThatIsNotThereSaysWhatIsMissing) {
+  EarProcess none(loop, {.program = "/nowhere/ear"});
+  EXPECT_EQ(heard(none, anything)->reason, "nobody has told the recogniser what can be said");
+  none.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(none, State::kFailed));
+  EXPECT_THAT(none.status().missing, HasSubstr("/nowhere/ear can’t be started: No such file or directory"));
+  EXPECT_EQ(heard(none, anything)->kind, Kind::kDeaf);
+
+  EarProcess noModel(loop, {.program = EAR_PROGRAM, .arguments = {"/nowhere"}});
+  noModel.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(noModel, State::kFailed));
+  EXPECT_THAT(noModel.status().missing, HasSubstr("the package “pocketsphinx-en-us” has it"));
+
+  EarProcess noLibrary(loop,
+                       shell("echo 'libpocketsphinx.so.3: cannot open shared object file' >&2; exit 127"));
+  noLibrary.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(noLibrary, State::kFailed));
+  EXPECT_THAT(noLibrary.status().missing, HasSubstr("libpocketsphinx.so.3: cannot open"));
+}
+
+TEST_F(EarOfItsOwn, OneThatHangsOrTalksNonsenseIsGivenUp) {
+  EarProcess::Options hangs = shell("exec sleep 1000");
+  hangs.learns = base::Milliseconds(200);
+  EarProcess silent(loop, hangs);
+  silent.learn(NetworkFor("Stop"));
+  const std::optional<Recogniser::Heard> told = heard(silent, anything);
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->kind, Kind::kDeaf);
+  EXPECT_THAT(told->reason, HasSubstr("It gave no answer in time"));
+
+  EarProcess mad(loop, shell("exec head -c 100000 /dev/urandom | tr '\\000-\\010' '\\377'"));
+  mad.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(mad, State::kFailed));
+}
+
+}  // namespace
+}  // namespace standin
