@@ -95,7 +95,7 @@ TEST_F(VoicePage, NamesOfEveryKindAreTexts) {
   run("const evil = '<img src=x onerror=\"window.evil=1\">'; const [, voice] = answers['GET /api/voice'];"
       "voice.recogniser = {state: 'failed', missing: evil, words: 0, unspoken: [evil]};"
       "voice.events = [{id: 7, name: evil, devices: [evil], length: 5, faults: [evil], pattern: evil,"
-      "  tree: [[{say: evil}, {choice: Array(9).fill([{say: evil}]), count: 9}]]}];"
+      "  tree: [[{say: evil}, {choice: Array(20).fill([{say: evil}]), count: 20}]]}];"
       "answers['POST /api/voice'] = [409, {kind: 'unclear', heard: evil, says: evil, choices: [{command: "
       "evil, "
       "label: evil}]}]");

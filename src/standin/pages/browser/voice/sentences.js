@@ -1,7 +1,7 @@
 // What can be said to an event, drawn: words, choices, and what may be left out.
 import {html, nothing, repeat} from '../kit/html.js';
 
-const kShort = 6;  // alternatives that are shown at once
+const kShort = 16;  // alternatives that are shown at once
 const kFirst = 3;  // of more than that
 
 /** A pattern as text, as it could be written. */
