@@ -68,6 +68,7 @@ TEST_P(EveryPage, HasNoSeriousBarriers) {
                                                        {"/#log", ".log li"},
                                                        {"/#account", "#page form"},
                                                        {"/#scripts", "#script-text"},
+                                                       {"/#voice", ".said-event"},
                                                        {"/#library", ".tile-main"},
                                                        {"/#library/Album/Counting", ".long-row button"},
                                                        {"/#library/Artist", ".long-row button"},

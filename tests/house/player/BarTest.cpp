@@ -23,8 +23,8 @@ INSTANTIATE_TEST_SUITE_P(Phone, PlayerBarOfSomeWidth, testing::Values(360));
 TEST_P(PlayerBarOfSomeWidth, IsOnEveryPageAndInNobodysWay) {
   Listener listener(house, GetParam());
   playFrom(listener, "One");
-  for (const char* place : {"#devices", "#playing", "#library/Album", "#events", "#scripts", "#menu", "#log",
-                            "#account", "WMP_Setup", "nothing/here"}) {
+  for (const char* place : {"#devices", "#playing", "#library/Album", "#events", "#voice", "#scripts",
+                            "#menu", "#log", "#account", "WMP_Setup", "nothing/here"}) {
     listener.open(place);
     EXPECT_TRUE(listener.plays("One")) << place;
     EXPECT_EQ(listener.browser.run("return document.documentElement.scrollWidth <= innerWidth"), true)
