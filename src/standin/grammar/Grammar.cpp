@@ -118,13 +118,16 @@ std::uint32_t Grammar::outputOf(const std::string& words, bool leftOut) {
 
 void Grammar::enterWords(const std::string& words, Place from, Place to) {
   const std::uint32_t output = outputOf(words, false);
-  const auto all = [&](const std::string& spelling, int more) {
-    for (const NameForm& form : FormsOf(spelling))
-      graph_.addStep({graph_.follow(from, form.words), to, output, form.distance + more});
+  const auto enterForms = [&](const std::string& spelling) {
+    const std::vector<NameForm> forms = FormsOf(spelling);
+    for (const NameForm& form : forms)
+      graph_.addStep({graph_.follow(from, form.words), to, output, form.distance});
+    return !forms.empty();
   };
-  all(words, 0);
+  // Punctuation alone is said by saying nothing.
+  if (!enterForms(words)) graph_.addStep({from, to, output});
   if (!*spellings_) return;
-  for (const std::string& spelling : (*spellings_)(words)) all(spelling, 0);
+  for (const std::string& spelling : (*spellings_)(words)) enterForms(spelling);
 }
 
 Grammar::Place Grammar::enterBracket(const Pattern::Part& part, Place from) {

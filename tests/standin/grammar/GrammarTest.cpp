@@ -108,6 +108,7 @@ TEST(Grammar, BrokenPatternsAreNoDanger) {
   EXPECT_THAT(Speech({"Play Album )"}).of("play album"), ElementsAre("1: Play Album"));
   EXPECT_THAT(Speech({""}).of("play"), IsEmpty());
   EXPECT_THAT(Speech({"?! (|)"}).of("play"), IsEmpty());
+  EXPECT_THAT(Speech({"Play (Blue|Red) ; now"}).of("play red now"), ElementsAre("1: Play Red ; now"));
   EXPECT_THAT(Speech({std::string(100000, '(')}).of("play"), IsEmpty());
   std::string optional;
   for (int i = 0; i < 200; ++i) optional += "[a] ";
