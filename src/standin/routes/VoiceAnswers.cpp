@@ -1,8 +1,6 @@
 #include "standin/routes/VoiceAnswers.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <system_error>
 #include <utility>
 
 namespace standin {
@@ -71,69 +69,7 @@ json JsonOf(const House& house, const HouseGrammar::Entry& entry) {
   return told;
 }
 
-/// As it could be written.
-std::string TextOf(const Pattern::Sequence& sequence) {
-  std::string all;
-  for (const Pattern::Part& part : sequence) {
-    if (!all.empty()) all += ' ';
-    if (part.kind == Pattern::Kind::kWords) {
-      all += part.words;
-      continue;
-    }
-    const bool optional = part.kind == Pattern::Kind::kOptional;
-    all += optional ? '[' : '(';
-    for (std::size_t i = 0; i < part.choices.size(); ++i)
-      all += (i == 0 ? "" : "|") + TextOf(part.choices[i]);
-    all += optional ? ']' : ')';
-  }
-  return all;
-}
-
-/// Null where there is none.
-const Pattern::Part* PartAt(const Pattern& pattern, std::string_view place) {
-  const std::vector<Pattern::Sequence>* sequences = &pattern.sentences();
-  const Pattern::Sequence* sequence = nullptr;
-  const Pattern::Part* part = nullptr;
-  while (!place.empty()) {
-    std::size_t number = 0;
-    const auto [end, error] = std::from_chars(place.data(), place.data() + place.size(), number);
-    if (error != std::errc()) return nullptr;
-    place.remove_prefix(static_cast<std::size_t>(end - place.data()));
-    if (!place.empty() && place.front() != '.') return nullptr;
-    if (!place.empty()) place.remove_prefix(1);
-    if (sequence == nullptr) {
-      if (number >= sequences->size()) return nullptr;
-      sequence = &(*sequences)[number];
-      part = nullptr;
-    } else {
-      if (number >= sequence->size()) return nullptr;
-      part = &(*sequence)[number];
-      sequences = &part->choices;
-      sequence = nullptr;
-    }
-  }
-  return part != nullptr && part->kind != Pattern::Kind::kWords ? part : nullptr;
-}
-
 }  // namespace
-
-WebAnswer ChoicesOf(VoiceCommands& voice, std::int32_t event, std::string_view place,
-                    const std::string& sought) {
-  const std::vector<HouseGrammar::Entry>& entries = voice.grammar().entries();
-  const auto entry = std::find_if(entries.begin(), entries.end(),
-                                  [&](const HouseGrammar::Entry& each) { return each.event == event; });
-  const Pattern::Part* part = entry == entries.end() ? nullptr : PartAt(*entry->pattern, place);
-  if (part == nullptr) return Refusal(404, "There are no such choices");
-  const std::string words = SaidWords(sought);
-  json names = json::array();
-  std::size_t total = 0;
-  for (const Pattern::Sequence& each : part->choices) {
-    const std::string text = TextOf(each);
-    if (SaidWords(text).find(words) == std::string::npos) continue;
-    if (++total <= kMostChoices) names.push_back(text);
-  }
-  return Told({{"names", std::move(names)}, {"total", total}});
-}
 
 WebAnswer AnswerOf(const Understanding& understanding) {
   const auto [kind, status] = NameAndStatus(understanding.kind);

@@ -72,9 +72,6 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice) {
     voice.wake();
     return StateOf(house, voice);
   }};
-  const Now choices{[&voice](const WebCall& call) {
-    return ChoicesOf(voice, call.number<std::int32_t>("event"), call.parameter("at"), call.parameter("q"));
-  }};
   const Now pattern{[&house](const WebCall& call) { return TellPattern(house, call); }};
   const Now put{[&house](const WebCall& call) { return PutPattern(house, call); }};
   const Now choices{[&voice](const WebCall& call) { return FindChoices(voice.grammar(), call); }};
