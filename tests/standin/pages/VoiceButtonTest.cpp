@@ -156,6 +156,13 @@ TEST_F(VoiceButton, WhatIsLetGoOfBeforeItListensIsNotSent) {
       says("Hold the button until it listens, and while you speak. If the browser asks for the microphone, "
            "allow it first."));
   EXPECT_TRUE(microphoneIsOff());
+  // The browser's own question whether the page may listen takes the focus.
+  run("delete window.ear; document.querySelector('.talk').click()");
+  ASSERT_TRUE(browser.eventually("return window.ear !== undefined"));
+  run("dispatchEvent(new Event('blur'))");
+  EXPECT_TRUE(button("idle"));
+  EXPECT_EQ(run("return document.querySelectorAll('.answers-before .says')[0]?.textContent ?? ''"),
+            run("return document.querySelector('.answer-now .says').textContent"));
   // And a moment is no word.
   pressMouse();
   ASSERT_TRUE(browser.eventually("return track.readyState === 'live'"));

@@ -142,6 +142,8 @@ TEST_F(VoicePage, AQuestionIsAnsweredByAButtonOrInWords) {
       "[]}]");
   browser.click("//div[contains(@class, 'answer-choices')]//button[text()='Sky']");
   EXPECT_TRUE(says("Playing Sky"));
+  EXPECT_TRUE(browser.eventually("return document.activeElement.className === 'answer-now'"))
+      << "the button that had the focus is gone";
   typeIn("first");
   ASSERT_TRUE(postsBecome(3));
   EXPECT_EQ(posts().at(1).at("text"), "Play Sky");

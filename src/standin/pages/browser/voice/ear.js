@@ -2,6 +2,7 @@
 import {hear, kLongest, kRate} from './listening.js';
 import {openMicrophone} from './microphone.js';
 
+const kNotYet = 'Hold the button until it listens, and while you speak. If the browser asks for the microphone, allow it first.';
 const kLeast = 0.3;  // seconds in which something can be said
 
 /**
@@ -18,7 +19,8 @@ export class Ear {
   constructor(signal, told) {
     this.#signal = signal;
     this.#told = told;
-    const lost = () => this.cancel('The page was left: nothing was sent');
+    // The browser's own question takes the focus, too.
+    const lost = () => this.cancel(this.state === 'opening' ? kNotYet : 'The page was left: nothing was sent');
     addEventListener('blur', lost, {signal});
     addEventListener('pagehide', lost, {signal});
     document.addEventListener('visibilitychange', () => { if (document.hidden) lost(); }, {signal});
@@ -50,9 +52,7 @@ export class Ear {
 
   /** Sends what was said. `words` tell why it ends, where it isn't let go of. */
   async end(words = '') {
-    if (this.state === 'opening') {
-      this.cancel('Hold the button until it listens, and while you speak. If the browser asks for the microphone, allow it first.');
-    }
+    if (this.state === 'opening') this.cancel(kNotYet);
     if (this.state !== 'listening') return;
     const mine = this.#turn;
     this.#become('thinking');

@@ -36,15 +36,29 @@ export class PatternEditor {
   /** The whole text, which the page may not have been told. `shown` is called once it is there. */
   async open(event, shown = () => {}) {
     try {
-      const {pattern} = 'pattern' in event ? event
-        : await ask(`/api/voice/pattern?${new URLSearchParams({event: this.#id})}`, undefined, this.#signal);
-      this.#stored = pattern;
-      this.#text = draftOf(this.#id) ?? pattern;
+      this.#stored = await this.#whole(event);
+      this.#text = draftOf(this.#id) ?? this.#stored;
       this.#draw();
       shown();
     } catch (error) {
       complain(error);
     }
+  }
+
+  async #whole(event) {
+    if ('pattern' in event) return event.pattern;
+    return (await ask(`/api/voice/pattern?${new URLSearchParams({event: this.#id})}`, undefined, this.#signal)).pattern;
+  }
+
+  /** The house may have another text by now; what somebody has changed here stays. */
+  async renew(event) {
+    if (!this.isOpen) return;
+    const stored = await this.#whole(event);
+    if (!this.isOpen || stored === this.#stored) return;
+    if (this.#text === this.#stored) this.#text = stored;
+    this.#stored = stored;
+    this.#faults = null;
+    this.#draw();
   }
 
   close() {

@@ -83,9 +83,11 @@ export class Talk {
   }
 
   answers() {
-    const choose = async (command) => {
+    const choose = async (command, button) => {
+      const place = button.closest('.answer-now');
       try {
         await this.#say(command);
+        place.focus({preventScroll: true});  // the button is gone
       } catch (error) {
         complain(error);
       }

@@ -50,6 +50,7 @@ class VoicePage {
       for (const choices of this.#choices.values()) choices.renew();
       this.#openDrafts();
       this.#draw();
+      await Promise.all(told.events.map((event) => this.#editors.get(event.id)?.renew(event)));
     } catch (error) {
       complain(error);
     }
