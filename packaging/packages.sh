@@ -22,8 +22,6 @@ TEST_PACKAGES=(
 )
 # What bench/engine/beside-mpd.sh takes beside those of the build.
 BENCH_PACKAGES=(mpd ffmpeg)
-# What bench/ear/corpus.py takes.
-EAR_BENCH_PACKAGES=(espeak-ng flite sox)
 
 # install_packages NAME...: installs what is missing, says what it does, asks nothing.
 install_packages() {
