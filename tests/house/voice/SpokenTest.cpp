@@ -1,0 +1,60 @@
+// Somebody speaks to a real house, and the music does as it was told.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/RealHouse.hpp"
+#include "support/SmallMusic.hpp"
+#include "support/Spoken.hpp"
+
+using support::RealHouse;
+using ::testing::HasSubstr;
+
+namespace {
+
+class SpokenTo : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(house.startReady()) << house.server().output();
+    // The first look at the music folder goes on beside the start.
+    ASSERT_TRUE(support::Eventually([&] {
+      house.post("/api/command",
+                 {{"ref", house.device("Quick Album").value("ref", 0)}, {"command", "value"}, {"value", 1}});
+      return house.get("/api/voice").find("Counting") != std::string::npos;
+    })) << house.log();
+  }
+  /// The understanding of a sound.
+  RealHouse::Json understanding(const std::vector<std::int16_t>& sound) {
+    const auto answer = house.client().Post("/api/voice/listen", {{"Origin", house.url()}},
+                                            ear::SoundContent(sound), "audio/l16;rate=16000");
+    return answer ? support::JsonOf(answer->body) : RealHouse::Json();
+  }
+
+  support::SmallMusic music;
+  RealHouse house{{.music = music.path()}};
+};
+
+TEST_F(SpokenTo, AnAlbumThatIsSaidPlays) {
+  const std::vector<std::int16_t> sound = support::Spoken("play album counting");
+  ASSERT_FALSE(sound.empty());
+  RealHouse::Json told = understanding(sound);
+  EXPECT_EQ(told.value("heard", ""), "play album counting") << told;
+  // Where the ear isn't sure it asks back, and is answered.
+  if (told.value("kind", "") == "unclear") {
+    EXPECT_EQ(told["choices"][0]["command"], "Play Album Counting");
+    EXPECT_EQ(house.say("first"), 200);
+  } else {
+    EXPECT_EQ(told.value("kind", ""), "done") << told;
+    EXPECT_EQ(told.value("says", ""), "Playing Counting by The Testers");
+  }
+  EXPECT_TRUE(house.textBecomes("Title", "One"));
+  EXPECT_THAT(house.log(), HasSubstr("Voice: play album counting"));
+}
+
+TEST_F(SpokenTo, SilenceIsNobody) {
+  EXPECT_EQ(understanding(std::vector<std::int16_t>(32000, 0)).value("kind", ""), "silence");
+  const RealHouse::Json state = support::JsonOf(house.get("/api/voice"));
+  EXPECT_EQ(state["recogniser"]["state"], "ready");
+  EXPECT_EQ(state["recogniser"]["missing"], "");
+}
+
+}  // namespace
