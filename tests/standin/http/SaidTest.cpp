@@ -1,0 +1,82 @@
+// What is said to the server, and what can be.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "standin/http/ServerWithPlugin.hpp"
+#include "support/JsonText.hpp"
+
+namespace standin::testing {
+namespace {
+
+using nlohmann::json;
+using support::Eventually;
+
+class SaidToServer : public Server {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << Server::told(web, server);
+  }
+
+  FakePlugin plugin{bus.address(), furnishing()};
+  ServerProcess server{bus.address(), data};
+  WebClient web{server};
+};
+
+TEST_F(SaidToServer, TellsWhatCanBeSaidAndLetsTheOwnerChangeIt) {
+  json told = support::JsonOf(web.get("/api/voice")->body);
+  ASSERT_EQ(told.at("events").size(), 1U);
+  json event = told.at("events")[0];
+  EXPECT_EQ(event.at("name"), "Album VR");
+  EXPECT_EQ(event.at("devices"), json({"Media Player Quick Album"}));
+  EXPECT_EQ(event.at("pattern"), "Play [Album] (Blue|Green Night)");
+  EXPECT_EQ(event.at("faults"), json::array());
+  EXPECT_EQ(support::TextOf(event.at("tree")),
+            R"([[{"say":"Play"},{"count":1,"optional":[[{"say":"Album"}]]},)"
+            R"({"choice":[[{"say":"Blue"}],[{"say":"Green Night"}]],"count":2}]])");
+  EXPECT_EQ(told.at("listen").at("type"), "audio/l16;rate=16000");
+  const std::string id = std::to_string(event.at("id").get<int>());
+  EXPECT_EQ(
+      support::TextOf(support::JsonOf(web.get("/api/voice/choices?event=" + id + "&at=0.2&q=NIGHT")->body)),
+      R"({"names":["Green Night"],"total":1})");
+  for (const char* nowhere : {"0", "0.0", "7.1", "0.9", "0.2.5", "x", "0.2x", ""})
+    EXPECT_EQ(web.get("/api/voice/choices?event=" + id + "&at=" + nowhere)->status, 404) << nowhere;
+
+  EXPECT_EQ(web.post("/api/voice/pattern", {{"event", event.at("id")}, {"pattern", "Play (Red|Blue"}}), 200);
+  EXPECT_EQ(support::JsonOf(web.last).at("faults"), json({"“(” at character 6 is never closed"}));
+  EXPECT_EQ(support::JsonOf(web.get("/api/voice/pattern?event=" + id)->body).at("pattern"), "Play (Red|Blue");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play red"}}), 200);
+  EXPECT_EQ(web.post("/api/voice/pattern", {{"event", 999}, {"pattern", "x"}}), 404);
+}
+
+TEST_F(SaidToServer, AsksBackWhereTwoAreMeantAndTakesTheAnswer) {
+  const std::string id =
+      std::to_string(support::JsonOf(web.get("/api/voice")->body).at("events")[0].at("id").get<int>());
+  web.post("/api/voice/pattern",
+           {{"event", std::stoi(id)}, {"pattern", "Play (Album|Record) (Night Shift|Night Shirt)"}});
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play album night shit"}}), 409);
+  const json told = support::JsonOf(web.last);
+  EXPECT_EQ(told.at("kind"), "unclear");
+  EXPECT_EQ(told.at("says"), "Did you mean “Play Album Night Shift” or “Play Album Night Shirt”?");
+  EXPECT_EQ(told.at("choices")[1].at("command"), "Play Album Night Shirt");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "The second one!"}}), 200);
+  EXPECT_EQ(support::JsonOf(web.last).at("command"), "Play Album Night Shirt");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "second"}}), 404) << "nobody has asked";
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play album night shit"}}), 409);
+  EXPECT_EQ(web.post("/api/voice", {{"text", "no"}}), 200);
+  EXPECT_EQ(support::JsonOf(web.last).at("says"), "Nothing was done");
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Night Shirt");
+}
+
+TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
+  const httplib::Headers from{{"Origin", web.origin()}};
+  EXPECT_EQ(web.postText("/api/voice/listen", "abcd", "application/json", from), 415);
+  EXPECT_EQ(web.postText("/api/voice/listen", "abcd", "audio/l16;rate=48000", from), 415);
+  EXPECT_EQ(support::JsonOf(web.last).at("error"), "The sound has 48000 samples a second; 16000 are needed");
+  EXPECT_EQ(
+      web.postText("/api/voice/listen", std::string((1U << 20U) + 2, 'x'), "audio/l16;rate=16000", from),
+      413);
+}
+
+}  // namespace
+}  // namespace standin::testing
