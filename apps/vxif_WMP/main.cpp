@@ -4,6 +4,7 @@
 #include <exception>
 #include <string>
 
+#include "FirstMeeting.hpp"
 #include "PluginLog.hpp"
 #include "RegisteredObjects.hpp"
 #include "UserDesktop.hpp"
@@ -72,28 +73,31 @@ int Serve() {
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
   const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
+  FirstMeeting meeting(loop);
 
-  plugin::Plugin plugin({loop,
-                         platform,
-                         [&](player::WMP9Events& events) {
-                           if (!configProblem.empty()) tell(configProblem);
-                           // The plug-in's own words name no cause, so it is told beside them.
-                           return base::Handled(
-                               [&] { return engine::MakePlayer(loop, config, events, tell); },
-                               [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
-                                 tell(failure.description());
-                                 throw failure;
-                               });
-                         },
-                         popup,
-                         {menus, desktop, objects},
-                         nullptr,
-                         desktop.progress(),
-                         nullptr,
-                         nullptr,
-                         &covers,
-                         {config.metadataAddress, config.coverAddress}});
+  plugin::Plugin plugin(
+      {loop,
+       platform,
+       [&](player::WMP9Events& events) {
+         if (!configProblem.empty()) tell(configProblem);
+         // The plug-in's own words name no cause, so it is told beside them.
+         return base::Handled(
+             [&] { return engine::MakePlayer(loop, config, events, tell, [&] { meeting.met(); }); },
+             [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
+               tell(failure.description());
+               throw failure;
+             });
+       },
+       popup,
+       {menus, desktop, objects},
+       nullptr,
+       desktop.progress(),
+       nullptr,
+       nullptr,
+       &covers,
+       {config.metadataAddress, config.coverAddress}});
   owner = &plugin;
+  meeting.meetIn(plugin);
   log.connect(plugin.host);
   desktop.connect(plugin.host);
   objects.provide(std::make_shared<script::ScriptClass>(

@@ -113,9 +113,10 @@ class Preferences : public player::PlayerSettings {
 class Player : public player::WMP9 {
  public:
   Player(base::Loop& loop, const Config& config, player::WMP9Events& events,
-         std::function<void(const std::string&)> log)
+         std::function<void(const std::string&)> log, std::function<void()> met)
       : events_(events),
         log_(std::move(log)),
+        met_(std::move(met)),
         post_(loop),
         output_(makeOutput(loop, config)),
         playback_(
@@ -255,6 +256,9 @@ class Player : public player::WMP9 {
 
   void libraryScanned() {
     if (!ownChoice_) playback_.refresh(library_.getAll());
+    if (!wasEmpty_ || library_.empty()) return;
+    wasEmpty_ = false;
+    if (met_) post_([this] { met_(); });
   }
 
   void message(const std::string& line) {
@@ -269,6 +273,7 @@ class Player : public player::WMP9 {
 
   player::WMP9Events& events_;
   std::function<void(const std::string&)> log_;
+  std::function<void()> met_;
   ErrorList errors_;
   Poster post_;
   std::unique_ptr<Output> output_;
@@ -285,14 +290,16 @@ class Player : public player::WMP9 {
                        .edited = [this] { queueEdited(); }})};
   std::optional<QueueKeeper> keeper_;
   bool fullScreen_ = false;
+  bool wasEmpty_ = library_.empty();
   bool ownChoice_ = false;  ///< somebody has chosen what to play; until then it is the whole library
 };
 
 }  // namespace
 
 std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,
-                                         std::function<void(const std::string&)> log) {
-  return std::make_unique<Player>(loop, config, events, std::move(log));
+                                         std::function<void(const std::string&)> log,
+                                         std::function<void()> met) {
+  return std::make_unique<Player>(loop, config, events, std::move(log), std::move(met));
 }
 
 }  // namespace engine

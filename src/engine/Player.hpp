@@ -12,8 +12,10 @@ namespace engine {
 /// Makes the player. Its events come on the loop's thread, each on a turn of its own, but for
 /// the change of a playlist by a call, which is told before the call ends. Lines for people about
 /// the library (files that can't be read, folders that are missing) go to `log`, or without one to the
-/// Warning event. Throws number 429 when there is no decoder.
+/// Warning event. `met` is told once where the library was empty: its first media are there, as far as
+/// one look at all folders goes. Throws number 429 when there is no decoder.
 std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,
-                                         std::function<void(const std::string&)> log = {});
+                                         std::function<void(const std::string&)> log = {},
+                                         std::function<void()> met = {});
 
 }  // namespace engine

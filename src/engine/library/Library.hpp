@@ -27,6 +27,8 @@ class Library : public player::MediaCollection {
   Library(base::Loop& loop, const Config& config, Events events);
 
   [[nodiscard]] const ShelfRef& shelf() const { return shelf_; }
+  /// Whether it has never held any media.
+  [[nodiscard]] bool empty() const { return shelf_->table.rows() == 0; }
   /// The media at a path or address: the library's own if it has it, otherwise loose with what can be learnt
   /// without opening it.
   [[nodiscard]] player::MediaRef mediaAt(const std::string& url) const;
