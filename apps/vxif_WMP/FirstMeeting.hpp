@@ -4,8 +4,8 @@
 #include "base/Loop.hpp"
 #include "plugin/Plugin.hpp"
 
-/// On the first start of all the player's library is empty while start-up reads it, as its first look at the
-/// music goes on beside that: quick play and the spoken names are made anew once both are done.
+/// On the first start of all the player's first look at the music goes on beside start-up, which may read the
+/// library before that: quick play and the spoken names of what is stale by then are made anew.
 class FirstMeeting {
  public:
   explicit FirstMeeting(base::Loop& loop) : timer_(loop.makeTimer(kLook, [this] { look(); })) {}
@@ -21,8 +21,8 @@ class FirstMeeting {
   void look() {
     if (plugin_ == nullptr || !plugin_->state.Initialized) return;
     timer_->enabled(false);
-    for (const char* category : {"PlayList", "Album", "Artist", "Genre"})
-      plugin_->mediaEvents.UpdateMediaEvents(category);
+    for (const char* category : {"Album", "Artist", "Genre"})
+      if (plugin_->stale.CategoryStale[category]) plugin_->mediaEvents.UpdateMediaEvents(category);
   }
 
   plugin::Plugin* plugin_ = nullptr;

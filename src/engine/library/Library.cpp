@@ -50,12 +50,7 @@ TrackTags TagsOfAddress(const std::string& address) {
 Library::Library(base::Loop& loop, const Config& config, Events events)
     : shelf_(std::make_shared<Shelf>(config.dataFolder + "/pictures", config.chosenCovers)),
       events_(std::move(events)),
-      changeTimer_(loop.makeTimer(kChangeDelay,
-                                  [this] {
-                                    changeTimer_->enabled(false);
-                                    base::Attempt step;
-                                    step([&] { events_.changed(); });
-                                  })),
+      changeTimer_(loop.makeTimer(kChangeDelay, [this] { tellChange(); })),
       post_(loop) {
   auto store = std::make_unique<LibraryStore>(
       config.dataFolder, [this](const std::string& line) { post_([this, line] { events_.message(line); }); });
@@ -90,7 +85,15 @@ void Library::take(const LibraryChange& change) {
   for (const std::string& path : change.removed) changed = shelf_->table.remove(path) || changed;
   if (changed) noteChange();
   for (const std::string& message : change.messages) events_.message(message);
-  if (change.scanComplete) events_.scanned();
+  if (!change.scanComplete) return;
+  if (changeTimer_->enabled()) tellChange();  // what the scan has found is told before its end is
+  events_.scanned();
+}
+
+void Library::tellChange() {
+  changeTimer_->enabled(false);
+  base::Attempt step;
+  step([&] { events_.changed(); });
 }
 
 void Library::noteChange() {

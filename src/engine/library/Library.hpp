@@ -54,6 +54,7 @@ class Library : public player::MediaCollection {
   /// The table's track at a path, if it is in the library.
   [[nodiscard]] player::MediaRef known(const std::string& path) const;
   void noteChange();
+  void tellChange();
 
   ShelfRef shelf_;
   Events events_;
