@@ -67,10 +67,9 @@ void Devices::addButton(const DeviceRow& row, const char* button) {
 }
 
 void Devices::createStatus() {
-  const DeviceRow& row = kDevices[0];
-  InitDevice(row.name, row.code, row.misc);
+  InitDevice(kDevices[0].name, kDevices[0].code, kDevices[0].misc);
   Attempt step;
-  for (const char* button : row.buttons) step([&] { addButton(row, button); });
+  for (const char* button : kDevices[0].buttons) step([this, button] { addButton(kDevices[0], button); });
 }
 
 std::string Devices::CreateDevices() {

@@ -177,8 +177,9 @@ void VoiceEvents::fill(Names& names, catalogue::ProgressShown& shown) {
         previous = name;
       } else {
         in_.host.WriteLog("Warning", "Media Player detected an illegal voice recognition command");
-        in_.host.WriteLog("Warning", "The " + names.category + " names '" + previous + "' and '" + name +
-                                         "' are ambiguous.");
+        std::string line = "The " + names.category;
+        line.append(" names '").append(previous).append("' and '").append(name).append("' are ambiguous.");
+        in_.host.WriteLog("Warning", line);
       }
       // A menu's elements are counted in 16 bits too.
       if (value == std::numeric_limits<std::int16_t>::max()) throw Failure(base::number::kOverflow);

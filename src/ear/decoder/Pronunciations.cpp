@@ -10,7 +10,7 @@
 extern "C" {
 #include <flite/cst_lexicon.h>
 #include <flite/cst_val.h>
-cst_lexicon* cmu_lex_init();  // of the lexicon, which has no header
+cst_lexicon* cmu_lex_init();  // NOLINT(readability-identifier-naming): the lexicon has no header
 }
 
 namespace ear {

@@ -44,9 +44,10 @@ class Grammar::Walk {
   [[nodiscard]] std::string told(std::uint32_t trace, bool whole) const {
     std::vector<std::uint32_t> outputs;
     for (; trace != 0; trace = traces_[trace].before) outputs.push_back(traces_[trace].output);
+    std::reverse(outputs.begin(), outputs.end());
     std::string all;
-    for (auto at = outputs.rbegin(); at != outputs.rend(); ++at) {
-      const Output& output = grammar_.outputs_[*at];
+    for (const std::uint32_t each : outputs) {
+      const Output& output = grammar_.outputs_[each];
       if (output.leftOut && !whole) continue;
       all += (all.empty() ? "" : " ") + output.words;
     }

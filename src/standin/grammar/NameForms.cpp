@@ -215,7 +215,8 @@ class Speaker {
       std::vector<std::string> next;
       for (const std::string& before : all)
         for (const std::string& each : said)
-          if (next.size() < kMostForms) next.push_back(before + (before.empty() ? "" : " ") + each);
+          if (next.size() < kMostForms)
+            next.emplace_back(before).append(before.empty() ? "" : " ").append(each);
       all = std::move(next);
       apart += (apart.empty() ? "" : " ") + part;
       start = end;

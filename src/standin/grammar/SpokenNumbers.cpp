@@ -46,7 +46,7 @@ std::string Cardinal(int value, bool with) {
     const std::string hundreds = Small(value / 100) + " hundred";
     return value % 100 == 0 ? hundreds : hundreds + joint + Pair(value % 100);
   }
-  const std::string thousands = Cardinal(value / 1000, with) + " thousand";
+  std::string thousands = Cardinal(value / 1000, with) + " thousand";
   const int rest = value % 1000;
   if (rest == 0) return thousands;
   return thousands + (rest < 100 ? joint : " ") + Cardinal(rest, with);

@@ -266,7 +266,7 @@ std::string VoiceCommands::take(const std::string& who, Order order, const Answe
   if (acts) {
     carryOut(order, answered);
   } else {
-    finish(std::move(order.understanding), answered);
+    finish(order.understanding, answered);
   }
   return says;
 }
@@ -326,7 +326,7 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
     } else if (!album.empty()) {
       return withArtist(std::move(understanding), album, answered);
     }
-    finish(std::move(understanding), answered);
+    finish(understanding, answered);
   });
 }
 
@@ -339,7 +339,7 @@ void VoiceCommands::withArtist(Understanding understanding, const std::string& a
                              if (!alive.lock()) return;
                              if (!artists.empty() && !artists.front().empty())
                                understanding.says += " by " + artists.front();
-                             finish(std::move(understanding), answered);
+                             finish(understanding, answered);
                            });
 }
 
@@ -357,11 +357,11 @@ void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const
                                    ? failed.text
                                    : "Nothing was added: choose something of the library to play first";
         }
-        finish(std::move(understanding), answered);
+        finish(understanding, answered);
       });
 }
 
-void VoiceCommands::finish(Understanding understanding, const Answered& answered) {
+void VoiceCommands::finish(const Understanding& understanding, const Answered& answered) {
   if (speaks()) parts_.speech.speak(understanding.says, false);
   answered(understanding);
 }

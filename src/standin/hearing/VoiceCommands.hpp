@@ -80,7 +80,7 @@ class VoiceCommands {
   void add(const Order& order, PluginKeeper::Command command, const Answered& answered);
   void wordAnswer(Order& order) const;
   void withArtist(Understanding understanding, const std::string& album, const Answered& answered);
-  void finish(Understanding understanding, const Answered& answered);
+  void finish(const Understanding& understanding, const Answered& answered);
   void remember(const std::string& who, const Understanding& understanding);
 
   Parts parts_;

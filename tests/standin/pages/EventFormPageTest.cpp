@@ -97,7 +97,7 @@ TEST_F(EventFormPage, NamesThatLookLikeMarkupAreNames) {
   // Until it has been sought, all are shown, the one for nothing first.
   ASSERT_TRUE(support::Eventually([&] { return found().size() > 3 && found().front() == evil; }));
   browser.press({kEnter});
-  EXPECT_EQ(browser.run("return document.querySelector('#form-6').value"), evil);
+  EXPECT_TRUE(browser.eventually("return document.querySelector('#form-6').value === arguments[0]", {evil}));
   EXPECT_EQ(browser.run("return window.evil === undefined && !document.querySelector('#page img')"), true);
 }
 
