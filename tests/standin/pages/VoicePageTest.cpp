@@ -47,7 +47,8 @@ TEST_P(VoicePageOfSomeWidth, HasNoSeriousBarriersLightOrDark) {
   run("answers['POST /api/voice'] = [409, {kind: 'unclear', heard: 'blue', says: 'Did you mean “Blue” or "
       "“Sky”?',"
       "  choices: [{command: 'Play Blue', label: 'Play Blue'}, {command: 'Play Sky', label: 'Play Sky'}]}];"
-      "answers['POST /api/voice/pattern'] = [200, {faults: ['The bracket at character 1 is never closed']}]");
+      "answers['POST /api/voice/pattern'] = [200, {faults: ['The bracket at character 1 is never closed']}];"
+      "answers['GET /api/voice'][1].events[1].pattern = 'Player (stop|pause)('");
   typeIn("blue");
   ASSERT_TRUE(has(".answer-choices button"));
   browser.click("//button[contains(@class, 'said-more')]");
@@ -223,7 +224,8 @@ TEST_F(VoicePage, FaultsStandBesideTheText) {
   EXPECT_EQ(run("return document.querySelector('.pattern-text').getAttribute('aria-invalid')"), "true");
   EXPECT_EQ(posts().at(0).at("pattern"), "Player (stop|pause))");
   EXPECT_EQ(posts().at(0).at("event"), 6);
-  run("answers['POST /api/voice/pattern'] = [200, {faults: []}]");
+  run("answers['POST /api/voice/pattern'] = [200, {faults: []}];"
+      "answers['GET /api/voice'][1].events[1].pattern = 'Player (stop|pause)) please'");
   browser.type("//textarea", " please");
   browser.click("//form[@class='pattern']//button[text()='Save']");
   EXPECT_TRUE(browser.eventually("return !document.querySelector('.pattern')"));
