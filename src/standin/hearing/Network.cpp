@@ -28,7 +28,7 @@ ear::SpeechNetwork NetworkOf(const Grammar& grammar) {
   for (const WordGraph::Step& step : graph.steps()) network.arcs.push_back({step.from, step.to});
   for (const auto start : grammar.starts()) network.arcs.push_back({network.start, start});
   for (const auto& [end, event] : grammar.ends()) network.arcs.push_back({end, network.end});
-  for (const char* answer : {"first", "second", "third", "no"}) {
+  for (const char* answer : {"first", "second", "third", "yes", "no"}) {
     const auto known = static_cast<std::size_t>(
         std::find(network.words.begin(), network.words.end(), answer) - network.words.begin());
     if (known == network.words.size()) network.words.emplace_back(answer);

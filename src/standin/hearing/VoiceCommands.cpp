@@ -22,6 +22,7 @@ constexpr const char* kSpeaks = "SayAnswers";
 constexpr const char* kScript = "a script";
 constexpr const char* kStatus = "Media Player Status";
 constexpr std::string_view kQuick = "Media Player Quick ";
+constexpr const char* kNotUnderstood = "That was not understood";
 /// The player's own playlist, and how what the plug-in tells the log of its player begins.
 constexpr const char* kOwnList = "Vantorix";
 constexpr const char* kOfPlayer = "Media Player";
@@ -39,22 +40,11 @@ std::string Quoted(const std::string& text) { return "“" + text + "”"; }
 
 /// Which of the choices an answer means: 0 and so on, -1 for none of them; nothing where it is no answer.
 std::optional<int> ChoiceIn(const std::string& text) {
-  constexpr std::array<std::pair<std::string_view, int>, 16> kAnswers{{{"first", 0},
-                                                                       {"the first", 0},
-                                                                       {"the first one", 0},
-                                                                       {"one", 0},
-                                                                       {"1", 0},
-                                                                       {"yes", 0},
-                                                                       {"second", 1},
-                                                                       {"the second", 1},
-                                                                       {"the second one", 1},
-                                                                       {"two", 1},
-                                                                       {"2", 1},
-                                                                       {"third", 2},
-                                                                       {"no", -1},
-                                                                       {"neither", -1},
-                                                                       {"none", -1},
-                                                                       {"cancel", -1}}};
+  constexpr std::array<std::pair<std::string_view, int>, 20> kAnswers{
+      {{"first", 0},     {"the first", 0},     {"the first one", 0},  {"one", 0}, {"1", 0},   {"yes", 0},
+       {"second", 1},    {"the second", 1},    {"the second one", 1}, {"two", 1}, {"2", 1},   {"third", 2},
+       {"the third", 2}, {"the third one", 2}, {"three", 2},          {"3", 2},   {"no", -1}, {"neither", -1},
+       {"none", -1},     {"cancel", -1}}};
   const std::string words = SaidWords(text);
   const auto* const found =
       std::find_if(kAnswers.begin(), kAnswers.end(), [&](const auto& each) { return each.first == words; });
@@ -66,6 +56,20 @@ void Ask(Understanding& understanding, std::vector<std::string> choices) {
   understanding.kind = Kind::kUnclear;
   understanding.says = "Did you mean " + Alternatives(choices) + "?";
   understanding.choices = std::move(choices);
+}
+
+/// What somebody who is asked back chooses from, each once: the sentences in the patterns' words. Where two
+/// are the same but for a word that was left out, that word stands there too.
+std::vector<std::string> ChoicesOf(const std::vector<Said>& said) {
+  std::vector<std::string> choices;
+  for (const Said& each : said) {
+    const bool doubtful = std::any_of(said.begin(), said.end(), [&](const Said& other) {
+      return other.command == each.command && other.whole != each.whole;
+    });
+    const std::string& words = doubtful ? each.whole : each.command;
+    if (std::find(choices.begin(), choices.end(), words) == choices.end()) choices.push_back(words);
+  }
+  return choices;
 }
 
 }  // namespace
@@ -135,7 +139,7 @@ void VoiceCommands::listen(const std::string& who, std::vector<std::int16_t> sou
     }
     parts_.house.log.write("Voice", heard.words);
     if (heard.confidence < kPerhaps) {
-      understanding.says = "That was not understood";
+      understanding.says = kNotUnderstood;
     } else if (std::optional<Order> answer = answerOf(who, heard.words)) {
       order = std::move(*answer);
     } else {
@@ -177,14 +181,13 @@ VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const
   Order order;
   Understanding& understanding = order.understanding;
   understanding.heard = text;
-  std::vector<std::string> choices;
   std::vector<std::pair<std::int32_t, std::string>> known;
   for (const Said& each : said) {
     const std::pair entry(each.event, each.command);
     if (std::find(known.begin(), known.end(), entry) != known.end()) continue;
     known.push_back(entry);
-    if (std::find(choices.begin(), choices.end(), each.whole) == choices.end()) choices.push_back(each.whole);
   }
+  std::vector<std::string> choices = ChoicesOf(said);
   if (choices.size() > 1) {
     if (choices.size() > kMostChoices) choices.resize(kMostChoices);
     Ask(understanding, std::move(choices));
@@ -212,6 +215,9 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     return refs.empty();
   };
   std::erase_if(said, nobodys);
+  // What is written letter for letter is meant, as the answer to a question is.
+  const auto another = [&](const Said& each) { return each.command != text && each.whole != text; };
+  if (!std::all_of(said.begin(), said.end(), another)) std::erase_if(said, another);
   // What is typed as a name is written is that name. What is heard may be either.
   if (!spoken && !said.empty())
     std::erase_if(said, [least = said.front().distance](const Said& each) { return each.distance > least; });
@@ -224,11 +230,7 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     std::erase_if(near, nobodys);
     const PlayerPhrase* phrase = spoken ? nullptr : PlayerPhraseIn(text);
     const Device* status = parts_.house.devices.byFullName(kStatus);
-    std::vector<std::string> choices;
-    for (const Said& each : near)
-      if (std::find(choices.begin(), choices.end(), each.whole) == choices.end())
-        choices.push_back(each.whole);
-    if (!choices.empty()) {
+    if (std::vector<std::string> choices = ChoicesOf(near); !choices.empty()) {
       Ask(order.understanding, std::move(choices));
     } else if (phrase != nullptr && status != nullptr) {
       order.refs = {status->ref};
@@ -362,7 +364,9 @@ void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const
 }
 
 void VoiceCommands::finish(const Understanding& understanding, const Answered& answered) {
-  if (speaks()) parts_.speech.speak(understanding.says, false);
+  // What somebody has typed is not read out to the house because nothing fits it.
+  const bool unknown = understanding.kind == Kind::kUnknown;
+  if (speaks()) parts_.speech.speak(unknown ? kNotUnderstood : understanding.says, false);
   answered(understanding);
 }
 

@@ -41,14 +41,14 @@ std::set<std::string> Sentences(const ear::SpeechNetwork& network) {
 TEST(Network, HasAllSentencesThatCanBePronounced) {
   EXPECT_THAT(Sentences(NetworkFor("Play [Album] (Blue|7)")),
               UnorderedElementsAre("play album blue", "play album seven", "play blue", "play seven", "first",
-                                   "second", "third", "no"));
+                                   "second", "third", "yes", "no"));
   EXPECT_THAT(NetworkFor("Play (Blue|7|Москва)").words, Not(Contains("7")));
-  EXPECT_THAT(Sentences(NetworkFor("")), UnorderedElementsAre("first", "second", "third", "no"));
+  EXPECT_THAT(Sentences(NetworkFor("")), UnorderedElementsAre("first", "second", "third", "yes", "no"));
 }
 
 TEST(Network, LeavesNoPlaceThatLeadsNowhere) {
   const ear::SpeechNetwork network = NetworkFor("Play Album (Москва|Blue 7 Москва|Blue)");
-  EXPECT_THAT(network.words, ElementsAre("play", "album", "blue", "first", "second", "third", "no"));
+  EXPECT_THAT(network.words, ElementsAre("play", "album", "blue", "first", "second", "third", "yes", "no"));
   EXPECT_EQ(network.places, 5U);
 }
 

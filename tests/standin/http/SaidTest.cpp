@@ -18,6 +18,12 @@ class SaidToServer : public Server {
     ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << Server::told(web, server);
   }
 
+  /// Has the only event heed that pattern.
+  void pattern(const std::string& text) {
+    const json event = support::JsonOf(web.get("/api/voice")->body).at("events")[0];
+    ASSERT_EQ(web.post("/api/voice/pattern", {{"event", event.at("id")}, {"pattern", text}}), 200);
+  }
+
   FakePlugin plugin{bus.address(), furnishing()};
   ServerProcess server{bus.address(), data};
   WebClient web{server};
@@ -66,6 +72,24 @@ TEST_F(SaidToServer, AsksBackWhereTwoAreMeantAndTakesTheAnswer) {
   EXPECT_EQ(web.post("/api/voice", {{"text", "no"}}), 200);
   EXPECT_EQ(support::JsonOf(web.last).at("says"), "Nothing was done");
   EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Night Shirt");
+}
+
+TEST_F(SaidToServer, AWordThatMayBeLeftOutIsNotPutIntoAQuestion) {
+  pattern("(Play|Player) [No] (Shuffle|Loop)");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "player shufle"}}), 409);
+  EXPECT_EQ(support::JsonOf(web.last).at("says"), "Did you mean “Player Shuffle”?");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "yes"}}), 200);
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Player Shuffle");
+}
+
+TEST_F(SaidToServer, WhatIsWrittenLetterForLetterIsNotAskedFor) {
+  pattern("Play Artist (Beyonc\u00E9|Beyonce)");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play artist beyonce"}}), 409);
+  EXPECT_EQ(web.post("/api/voice", {{"text", "second"}}), 200);
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Artist Beyonce");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "Play Artist Beyonc\u00E9"}}), 200)
+      << "as a button of a question says it";
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Artist Beyonc\u00E9");
 }
 
 TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
