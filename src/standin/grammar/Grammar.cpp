@@ -226,7 +226,12 @@ std::vector<Said> Grammar::near(std::string_view text, std::size_t most) const {
           const auto with = [&](bool whole) {
             const std::string before = walk.told(reached.trace, whole);
             const std::string after = behind.told(end->trace, whole);
-            return before + (before.empty() ? "" : " ") + name + (after.empty() ? "" : " ") + after;
+            std::string sentence = before;
+            sentence.append(before.empty() ? "" : " ")
+                .append(name)
+                .append(after.empty() ? "" : " ")
+                .append(after);
+            return sentence;
           };
           found.push_back({distance, {event, with(false), with(true), distance}});
         }
