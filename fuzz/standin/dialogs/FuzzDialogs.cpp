@@ -1,11 +1,11 @@
 // Texts of dialogs with a stored string in their first line and what is done to the controls in their second:
 // every one becomes a form of a bounded size, and what a form gives to be stored is read back as it was.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "base/Failure.hpp"
 #include "fuzz/Alphabet.hpp"
+#include "fuzz/Input.hpp"
 #include "standin/dialogs/DialogForm.hpp"
 #include "standin/dialogs/DialogMessages.hpp"
 #include "standin/dialogs/DialogString.hpp"
@@ -14,17 +14,8 @@
 namespace {
 
 using standin::DialogForm;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::string TakeLine(std::string& text) {
-  const std::size_t end = text.find('\n');
-  std::string line = text.substr(0, end);
-  text.erase(0, end == std::string::npos ? text.size() : end + 1);
-  return line;
-}
+using support::Require;
+using support::TakeLine;
 
 /// One step for each two bytes: which control, and what.
 void Handle(base::Object& controls, const std::string& steps) {

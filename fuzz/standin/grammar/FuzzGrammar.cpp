@@ -2,27 +2,18 @@
 // the third: what a pattern says is understood, as the sentence that it is; any other text is no danger.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "fuzz/Alphabet.hpp"
+#include "fuzz/Input.hpp"
 #include "standin/grammar/Grammar.hpp"
 #include "standin/grammar/NameForms.hpp"
 
 namespace {
 
 using standin::Pattern;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::string TakeLine(std::string& text) {
-  const std::size_t end = text.find('\n');
-  std::string line = text.substr(0, end);
-  text.erase(0, end == std::string::npos ? text.size() : end + 1);
-  return line;
-}
+using support::Require;
+using support::TakeLine;
 
 /// A sentence of the pattern, as the bytes choose.
 class Generator {

@@ -9,6 +9,7 @@
 #include "standin/hearing/Network.hpp"
 #include "standin/hearing/PlayerPhrases.hpp"
 #include "standin/house/EventStore.hpp"
+#include "standin/player/WatchedCommand.hpp"
 
 namespace standin {
 namespace {
@@ -23,10 +24,6 @@ constexpr const char* kScript = "a script";
 constexpr const char* kStatus = "Media Player Status";
 constexpr std::string_view kQuick = "Media Player Quick ";
 constexpr const char* kNotUnderstood = "That was not understood";
-/// The player's own playlist, and how what the plug-in tells the log of its player begins.
-constexpr const char* kOwnList = "Vantorix";
-constexpr const char* kOfPlayer = "Media Player";
-constexpr std::size_t kErrorsLookedAt = 20;
 constexpr std::size_t kMostChoices = 3;
 constexpr std::size_t kMostQuestions = 100;
 constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
@@ -301,11 +298,9 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
     const Device* device = parts_.house.devices.byRef(ref);
     if (device != nullptr) targets.push_back({parts_.objects.device(ref), device->hc, device->dc});
   }
-  const auto line = std::make_shared<std::int64_t>(0);
   // The text is set when its turn comes: another one may be waiting before it.
-  const PluginKeeper::Command command = [&house = parts_.house, text = order.understanding.command, targets,
-                                         line](base::Object& vxif) {
-    *line = house.log.lastId();
+  const PluginKeeper::Command command = [&house = parts_.house, text = order.understanding.command,
+                                         targets](base::Object& vxif) {
     house.lastVoiceCommand = text;
     for (const Target& each : targets) {
       const std::int16_t none = 0;
@@ -313,23 +308,19 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
     }
   };
   if (order.adds) return add(order, command, answered);
-  parts_.plugin.command(command, [this, understanding = order.understanding, album = order.album, answered,
-                                  line, alive = std::weak_ptr(alive_)](const std::string& failure) mutable {
-    if (!alive.lock()) return;
-    std::string error = failure;
-    if (error.empty()) {
-      // The player answers nothing: what it could not do it has told the log meanwhile.
-      for (const LogLine& each : parts_.house.log.newest(kErrorsLookedAt, "Error"))
-        if (error.empty() && each.id > *line && each.text.starts_with(kOfPlayer)) error = each.text;
-    }
-    if (!error.empty()) {
-      understanding.kind = Kind::kFailed;
-      understanding.says = error;
-    } else if (!album.empty()) {
-      return withArtist(std::move(understanding), album, answered);
-    }
-    finish(understanding, answered);
-  });
+  RunWatched(parts_.house, parts_.plugin, command,
+             [this, understanding = order.understanding, album = order.album, answered,
+              alive = std::weak_ptr(alive_)](const CommandOutcome& outcome) mutable {
+               if (!alive.lock()) return;
+               const std::string& error = outcome.failure.empty() ? outcome.refusal : outcome.failure;
+               if (!error.empty()) {
+                 understanding.kind = Kind::kFailed;
+                 understanding.says = error;
+               } else if (!album.empty()) {
+                 return withArtist(std::move(understanding), album, answered);
+               }
+               finish(understanding, answered);
+             });
 }
 
 /// Whose an album is, only the player knows.
@@ -355,9 +346,7 @@ void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const
           understanding.says = "Added " + *title + " to " + kOwnList;
         } else {
           understanding.kind = Kind::kFailed;
-          understanding.says = !failed.text.empty()
-                                   ? failed.text
-                                   : "Nothing was added: choose something of the library to play first";
+          understanding.says = !failed.text.empty() ? failed.text : kNothingAdded;
         }
         finish(understanding, answered);
       });

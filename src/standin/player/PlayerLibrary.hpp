@@ -14,6 +14,11 @@
 
 namespace standin {
 
+/// The player's own playlist, and what is said where nothing has been added to it.
+inline constexpr const char* kOwnList = "Vantorix";
+inline constexpr const char* kNothingAdded =
+    "Nothing was added: choose something of the library to play first";
+
 /// The player's library as its script object and its raw player tell it. Lists are kept for some seconds, so
 /// that a page that scrolls or searches does not ask the player again and again. All use is on the loop's
 /// thread. What is called back is called in every case, with an answer or a failure.

@@ -10,17 +10,14 @@
 #include "standin/house/EventStore.hpp"
 #include "standin/house/ValueTable.hpp"
 #include "standin/player/DeviceCommands.hpp"
+#include "standin/player/WatchedCommand.hpp"
 #include "standin/routes/Routes.hpp"
 
 namespace standin {
 namespace {
 
-/// The button that adds what was played to the player's own playlist, and that playlist.
+/// The button that adds what was played to the player's own playlist.
 constexpr const char* kAddButton = "Add to PlayList";
-constexpr const char* kOwnList = "Vantorix";
-/// How what the plug-in tells the log of its player begins.
-constexpr const char* kOfPlayer = "Media Player";
-constexpr std::size_t kErrorsLookedAt = 20;
 
 /// What the commands of this area work with.
 struct Parts {
@@ -34,23 +31,12 @@ PluginKeeper::Done Answering(const Reply& reply) {
   return [reply](const std::string& failure) { reply(OutcomeOf(failure)); };
 }
 
-/// The command, and the answer when it has run: `done`, or what the player could not do. It answers nothing
-/// itself, but tells the log.
-void RunWatched(const Parts& parts, PluginKeeper::Command work, const std::string& done, const Reply& reply) {
-  const auto line = std::make_shared<std::int64_t>(0);
-  parts.plugin.command(
-      [&house = parts.house, line, work = std::move(work)](base::Object& vxif) {
-        *line = house.log.lastId();
-        work(vxif);
-      },
-      [&house = parts.house, line, done, reply](const std::string& failure) {
-        if (!failure.empty()) return reply(OutcomeOf(failure));
-        const std::vector<LogLine> errors = house.log.newest(kErrorsLookedAt, "Error");
-        const auto error = std::find_if(errors.begin(), errors.end(), [&](const LogLine& each) {
-          return each.id > *line && each.text.starts_with(kOfPlayer);
-        });
-        reply(error != errors.end() ? Refusal(409, error->text) : Told({{"done", done}}));
-      });
+/// The command, and the answer when it has run: `done`, or what the player could not do.
+void Answer(const Parts& parts, PluginKeeper::Command work, const std::string& done, const Reply& reply) {
+  RunWatched(parts.house, parts.plugin, std::move(work), [done, reply](const CommandOutcome& outcome) {
+    if (!outcome.failure.empty()) return reply(OutcomeOf(outcome.failure));
+    reply(outcome.refusal.empty() ? Told({{"done", done}}) : Refusal(409, outcome.refusal));
+  });
 }
 
 /// Has what may add to the player's own playlist done, and tells what it has added.
@@ -59,8 +45,7 @@ void Add(const Parts& parts, PluginKeeper::Command work, const Reply& reply) {
       kOwnList, std::move(work),
       [reply](const std::optional<std::string>& title, const PlayerLibrary::Failed& failed) {
         if (!failed.text.empty()) return reply(OutcomeOf(failed.text));
-        if (!title)
-          return reply(Refusal(409, "Nothing was added: choose something of the library to play first"));
+        if (!title) return reply(Refusal(409, kNothingAdded));
         reply(Told({{"added", *title}, {"list", kOwnList}, {"done", "Added " + *title + " to " + kOwnList}}));
       });
 }
@@ -116,7 +101,7 @@ void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
       },
       [&](PluginKeeper::Command work) {
         if (!sets) return parts.plugin.command(std::move(work), Answering(reply));
-        RunWatched(parts, std::move(work), ChosenName(*device, static_cast<std::int32_t>(value)), reply);
+        Answer(parts, std::move(work), ChosenName(*device, static_cast<std::int32_t>(value)), reply);
       },
       reply);
 }
