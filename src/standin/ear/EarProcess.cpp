@@ -9,6 +9,7 @@ namespace {
 using Kind = Recogniser::Heard::Kind;
 
 Recogniser::Heard Deaf(const std::string& why) { return {.kind = Kind::kDeaf, .reason = why}; }
+Recogniser::Heard FailedOf(const std::string& why) { return Deaf("the recogniser has failed. " + why); }
 
 }  // namespace
 
@@ -46,8 +47,7 @@ void EarProcess::startNext() {
                          },
                      .end =
                          [this, ear](const std::string& why) {
-                           for (const Told& told : std::exchange(ear->asked, {}))
-                             told(Deaf("the recogniser has failed. " + why));
+                           for (const Told& told : std::exchange(ear->asked, {})) told(FailedOf(why));
                            std::erase_if(leaving_, [&](const auto& each) { return each.get() == ear; });
                            if (ear == next_.get()) {
                              bury(std::move(next_));
@@ -65,7 +65,7 @@ void EarProcess::failed(const std::string& why) {
   failedAt_ = loop_.now();
   if (now_ || next_) return;  // somebody hears, or will
   enter(State::kFailed, why);
-  for (const Sound& each : std::exchange(waiting_, {})) each.told(Deaf("the recogniser has failed. " + why));
+  for (const Sound& each : std::exchange(waiting_, {})) each.told(FailedOf(why));
 }
 
 void EarProcess::nextTold(const ear::Message& message) {

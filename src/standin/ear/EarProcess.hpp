@@ -66,7 +66,6 @@ class EarProcess : public Recogniser {
   std::vector<std::unique_ptr<Ear>> leaving_;  ///< with answers still to come
   std::deque<Sound> waiting_;                  ///< for the first process to be ready
   std::optional<base::Milliseconds> failedAt_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace standin

@@ -218,6 +218,7 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
   // What is typed as a name is written is that name. What is heard may be either.
   if (!spoken && !said.empty())
     std::erase_if(said, [least = said.front().distance](const Said& each) { return each.distance > least; });
+  const Device* status = parts_.house.devices.byFullName(kStatus);
   Order order;
   if (!said.empty()) {
     order = orderOf(said, text);
@@ -225,11 +226,9 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     order.understanding.heard = text;
     std::vector<Said> near = spoken ? std::vector<Said>() : grammar->near(text, kMostChoices);
     std::erase_if(near, nobodys);
-    const PlayerPhrase* phrase = spoken ? nullptr : PlayerPhraseIn(text);
-    const Device* status = parts_.house.devices.byFullName(kStatus);
     if (std::vector<std::string> choices = ChoicesOf(near); !choices.empty()) {
       Ask(order.understanding, std::move(choices));
-    } else if (phrase != nullptr && status != nullptr) {
+    } else if (!spoken && status != nullptr && PlayerPhraseIn(text) != nullptr) {
       order.refs = {status->ref};
       order.understanding.kind = Kind::kDone;
       order.understanding.command = text;
@@ -238,7 +237,6 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     }
   }
   if (order.understanding.kind != Kind::kDone) return order;
-  const Device* status = parts_.house.devices.byFullName(kStatus);
   const bool toStatus =
       status != nullptr && std::find(order.refs.begin(), order.refs.end(), status->ref) != order.refs.end();
   const PlayerPhrase* phrase = toStatus ? PlayerPhraseIn(order.understanding.command) : nullptr;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
-#include <utility>
 
+#include "standin/player/SearchTable.hpp"
 #include "standin/text/Folding.hpp"
 
 namespace standin {
@@ -56,16 +56,13 @@ const Pattern::Part* ChoiceAt(const Pattern& pattern, std::string_view place) {
 }
 
 FoundNames NamesWith(const Pattern::Part& choice, std::string_view sought, std::size_t most) {
-  const std::vector<std::string> words = SoughtWords(sought);
-  FoundNames found;
-  for (const Pattern::Sequence& each : choice.choices) {
-    std::string name = TextOf(each);
-    const std::string folded = Folded(name);
-    if (!std::all_of(words.begin(), words.end(),
-                     [&](const std::string& word) { return folded.find(word) != std::string::npos; }))
-      continue;
-    if (++found.total <= most) found.names.push_back(std::move(name));
-  }
+  SearchTable table;
+  table.reserve(choice.choices.size());
+  for (const Pattern::Sequence& each : choice.choices) table.add({TextOf(each)});
+  const std::vector<std::uint32_t> places = table.find(SoughtWords(sought));
+  FoundNames found{.names = {}, .total = places.size()};
+  for (std::size_t i = 0; i < std::min(places.size(), most); ++i)
+    found.names.push_back(TextOf(choice.choices[places[i]]));
   return found;
 }
 
