@@ -170,12 +170,12 @@ std::string Framed(MessageKind kind, std::string_view content) {
   return out;
 }
 
-std::optional<Message> TakeMessage(std::string& come) {
+std::optional<Message> TakeMessage(std::string& come, std::size_t longest) {
   if (come.size() < 2 * kNumber) return std::nullopt;
   Reader head(std::string_view(come).substr(0, 2 * kNumber));
   const std::uint32_t kind = head.number();
   const std::size_t size = head.number();
-  if (size > kLongestMessage) throw std::length_error("A message is longer than any");
+  if (size > longest) throw std::length_error("A message is longer than any");
   if (come.size() < 2 * kNumber + size) return std::nullopt;
   Message message{static_cast<MessageKind>(kind), come.substr(2 * kNumber, size)};
   come.erase(0, 2 * kNumber + size);

@@ -24,6 +24,8 @@ struct Message {
   std::string content;
 };
 inline constexpr std::size_t kLongestMessage = std::size_t{256} << 20U;
+/// Of what the ear tells; what it is told is larger.
+inline constexpr std::size_t kLongestAnswer = std::size_t{1} << 20U;
 
 /// What the ear knows of a network.
 struct Learnt {
@@ -50,7 +52,7 @@ std::vector<std::int16_t> SoundIn(std::string_view content);
 /// The message with its head, as it goes over a pipe.
 std::string Framed(MessageKind kind, std::string_view content);
 /// Takes the first whole message off what has come so far; nothing where it is not there yet. Throws
-/// std::length_error for one that is longer than any.
-std::optional<Message> TakeMessage(std::string& come);
+/// std::length_error for one whose content is longer than that.
+std::optional<Message> TakeMessage(std::string& come, std::size_t longest = kLongestMessage);
 
 }  // namespace ear

@@ -17,6 +17,8 @@ namespace standin {
 namespace {
 
 constexpr std::size_t kLongestComplaint = 500;
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 20U;
+constexpr const char* kNonsense = "It talks nonsense";
 
 struct Pair {
   files::Descriptor ours;
@@ -32,17 +34,26 @@ Pair Sockets() {
   return {files::Descriptor(ends[0]), files::Descriptor(ends[1])};
 }
 
-/// What there is to be read now; false once the other side has gone.
+/// Some of what there is to be read now, as one who writes without a pause would hold the loop; false once
+/// the other side has gone.
 bool ReadInto(int descriptor, std::string& text) {
   std::array<char, 65536> part{};
-  while (true) {
+  for (std::size_t all = 0; all < kMostAtOnce;) {
     const ssize_t got = ::recv(descriptor, part.data(), part.size(), MSG_DONTWAIT);
     if (got > 0) {
       text.append(part.data(), static_cast<std::size_t>(got));
+      all += static_cast<std::size_t>(got);
     } else if (got == 0 || (errno != EINTR)) {
       return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
     }
   }
+  return true;
+}
+
+/// The end of what a process has complained of, which tells most.
+std::string Shortened(std::string complaint) {
+  if (complaint.size() > kLongestComplaint) complaint.erase(0, complaint.size() - kLongestComplaint);
+  return complaint;
 }
 
 }  // namespace
@@ -122,25 +133,30 @@ void EarChild::endSoon(std::string why) {
 
 void EarChild::hearErrors() {
   const bool there = ReadInto(errors_.get(), complaint_);
-  if (complaint_.size() > kLongestComplaint) complaint_.erase(0, complaint_.size() - kLongestComplaint);
+  complaint_ = Shortened(std::move(complaint_));
   if (!there) errorWatch_.reset();
+}
+
+std::optional<ear::Message> EarChild::nextMessage() {
+  try {
+    return ear::TakeMessage(come_, ear::kLongestAnswer);
+  } catch (const std::length_error&) {
+    endSoon(kNonsense);
+    return std::nullopt;
+  }
 }
 
 void EarChild::hear() {
   const bool there = ReadInto(out_.get(), come_);
   const auto alive = std::weak_ptr(alive_);
-  try {
-    while (const auto message = ear::TakeMessage(come_)) {
-      answerWithin(base::Milliseconds(0));
-      if (message->kind == ear::MessageKind::kFailed) return endSoon(message->content);
-      told_.message(*message);
-      if (!alive.lock() || ended_) return;
-    }
-  } catch (const std::length_error& failure) {
-    return endSoon(failure.what());
+  while (const auto message = nextMessage()) {
+    if (message->kind == ear::MessageKind::kFailed) return endSoon(Shortened(message->content));
+    const bool awaited = told_.message(*message);
+    if (!alive.lock() || ended_) return;
+    if (!awaited) return endSoon(kNonsense);
   }
-  if (there) return;
-  if (errors_.valid()) ReadInto(errors_.get(), complaint_);
+  if (there || ended_) return;
+  if (errorWatch_) hearErrors();
   endSoon(complaint_.empty() ? "It has ended" : complaint_);
 }
 
@@ -164,6 +180,7 @@ void EarChild::write() {
 }
 
 void EarChild::answerWithin(base::Milliseconds limit) {
+  if (ended_) return;
   if (limit.count() > 0) limit_->interval(limit);
   limit_->enabled(limit.count() > 0);
 }

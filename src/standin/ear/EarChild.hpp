@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,8 @@ namespace standin {
 class EarChild {
  public:
   struct Told {
-    std::function<void(const ear::Message& message)> message;
+    /// Answers whether it is the answer that is waited for: a process that tells anything else is ended.
+    std::function<bool(const ear::Message& message)> message;
     /// Called once, last: the process has ended or can't be used; the text says why. Not after the
     /// destructor.
     std::function<void(const std::string& why)> end;
@@ -35,7 +37,7 @@ class EarChild {
   EarChild& operator=(EarChild&&) = delete;
 
   void send(ear::MessageKind kind, std::string_view content);
-  /// The process is ended when it has not told anything for that long from now on; 0: it may take its time.
+  /// The process is ended when that time has passed, unless this is called again; 0: it may take its time.
   void answerWithin(base::Milliseconds limit);
   [[nodiscard]] pid_t process() const { return process_; }
 
@@ -43,6 +45,7 @@ class EarChild {
   void start(const std::filesystem::path& program, const std::vector<std::string>& arguments);
   void hear();
   void hearErrors();
+  std::optional<ear::Message> nextMessage();
   void write();
   void endSoon(std::string why);
   void kill();

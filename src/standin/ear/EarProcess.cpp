@@ -39,11 +39,7 @@ void EarProcess::startNext() {
       loop_, options_.program, options_.arguments,
       EarChild::Told{.message =
                          [this, ear](const ear::Message& message) {
-                           if (ear == next_.get()) {
-                             nextTold(message);
-                           } else {
-                             nowTold(*ear, message);
-                           }
+                           return ear == next_.get() ? nextTold(message) : nowTold(*ear, message);
                          },
                      .end =
                          [this, ear](const std::string& why) {
@@ -68,10 +64,11 @@ void EarProcess::failed(const std::string& why) {
   for (const Sound& each : std::exchange(waiting_, {})) each.told(FailedOf(why));
 }
 
-void EarProcess::nextTold(const ear::Message& message) {
+bool EarProcess::nextTold(const ear::Message& message) {
   const std::optional<ear::Learnt> learnt =
       message.kind == ear::MessageKind::kReady ? ear::LearntIn(message.content) : std::nullopt;
-  if (!learnt) return;
+  if (!learnt) return false;
+  next_->child->answerWithin(base::Milliseconds(0));
   failedAt_.reset();
   if (now_ && !now_->asked.empty()) {
     leaving_.push_back(std::move(now_));
@@ -84,14 +81,16 @@ void EarProcess::nextTold(const ear::Message& message) {
   status_.state = State::kStarting;  // what it knows has changed in any case
   enter(State::kReady, {});
   for (Sound& each : std::exchange(waiting_, {})) ask(std::move(each));
+  return true;
 }
 
-void EarProcess::nowTold(Ear& ear, const ear::Message& message) {
-  if (message.kind != ear::MessageKind::kHeard || ear.asked.empty()) return;
+bool EarProcess::nowTold(Ear& ear, const ear::Message& message) {
+  if (message.kind != ear::MessageKind::kHeard || ear.asked.empty()) return false;
   const std::optional<ear::Heard> heard = ear::HeardIn(message.content);
+  if (!heard) return false;
   const Told told = std::move(ear.asked.front());
   ear.asked.pop_front();
-  if (!ear.asked.empty()) ear.child->answerWithin(options_.hears);
+  ear.child->answerWithin(ear.asked.empty() ? base::Milliseconds(0) : options_.hears);
   const auto leaves =
       std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& each) { return each.get() == &ear; });
   if (ear.asked.empty() && leaves != leaving_.end()) {
@@ -99,9 +98,12 @@ void EarProcess::nowTold(Ear& ear, const ear::Message& message) {
     leaving_.erase(leaves);
     bury(std::move(gone));
   }
-  if (!heard) return told(Deaf("the recogniser’s answer was not understood"));
-  if (!heard->speech) return told({.kind = Kind::kSilence});
-  told({.kind = Kind::kWords, .words = heard->words, .confidence = heard->thousandths / 1000.0});
+  if (heard->speech) {
+    told({.kind = Kind::kWords, .words = heard->words, .confidence = heard->thousandths / 1000.0});
+  } else {
+    told({.kind = Kind::kSilence});
+  }
+  return true;
 }
 
 void EarProcess::bury(std::unique_ptr<Ear> ear) {

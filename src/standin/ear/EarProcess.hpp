@@ -13,8 +13,8 @@
 namespace standin {
 
 /// A recogniser in a process of its own. What can be said is learnt by a new process while the one before it
-/// goes on hearing, and takes its place when it is ready. One that hangs or dies is told to those who wait
-/// for it, and started again for the next who speaks.
+/// goes on hearing, and takes its place when it is ready. One that hangs, dies or talks nonsense is told to
+/// those who wait for it, and started again for the next who speaks.
 class EarProcess : public Recogniser {
  public:
   struct Options {
@@ -50,8 +50,9 @@ class EarProcess : public Recogniser {
 
   void startNext();
   void ask(Sound sound);
-  void nextTold(const ear::Message& message);
-  void nowTold(Ear& ear, const ear::Message& message);
+  /// Whether that was its answer.
+  bool nextTold(const ear::Message& message);
+  bool nowTold(Ear& ear, const ear::Message& message);
   void failed(const std::string& why);
   void enter(State state, std::string missing);
   /// It may be at work now.

@@ -1,54 +1,15 @@
 // A recogniser in a process of its own: one that works, and those that don't.
-#include "standin/ear/EarProcess.hpp"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <csignal>
 
-#include "standin/hearing/Network.hpp"
-#include "support/Process.hpp"
+#include "standin/ear/EarOfItsOwn.hpp"
 #include "support/Spoken.hpp"
 
-namespace standin {
 namespace {
 
+using standin::EarProcess;
+using support::EarOfItsOwn;
+using support::NetworkFor;
 using testing::HasSubstr;
-using Kind = Recogniser::Heard::Kind;
-using State = Recogniser::State;
-
-ear::SpeechNetwork NetworkFor(const std::string& text) {
-  const Pattern pattern(text);
-  return NetworkOf(Grammar({{1, pattern}}, nullptr));
-}
-
-class EarOfItsOwn : public testing::Test {
- protected:
-  /// In place of the program: what a shell does.
-  static EarProcess::Options shell(const std::string& script) {
-    return {.program = "/bin/sh", .arguments = {"-c", script}};
-  }
-
-  bool becomes(const EarProcess& ear, State state) {
-    return support::Eventually([&] {
-      loop.turn(std::chrono::milliseconds(20));
-      return ear.status().state == state;
-    });
-  }
-  /// What it hears in the sound; nothing within the limit of all waits.
-  std::optional<Recogniser::Heard> heard(EarProcess& ear, std::vector<std::int16_t> sound) {
-    std::optional<Recogniser::Heard> told;
-    ear.hear(std::move(sound), [&](const Recogniser::Heard& heard) { told = heard; });
-    support::Eventually([&] {
-      loop.turn(std::chrono::milliseconds(20));
-      return told.has_value();
-    });
-    return told;
-  }
-
-  bus::PollLoop loop;
-  std::vector<std::int16_t> anything = std::vector<std::int16_t>(16000, 1);
-};
 
 TEST_F(EarOfItsOwn, HearsWhatItWasTaughtLast) {
   EarProcess ear(loop, {.program = EAR_PROGRAM});
@@ -57,7 +18,7 @@ TEST_F(EarOfItsOwn, HearsWhatItWasTaughtLast) {
   EXPECT_EQ(ear.status().state, State::kStarting);
   const std::vector<std::int16_t> sound = support::Spoken("play album night shift");
   ASSERT_FALSE(sound.empty());
-  std::optional<Recogniser::Heard> told = heard(ear, sound);  // waits until it is ready
+  std::optional<Heard> told = heard(ear, sound);  // waits until it is ready
   ASSERT_TRUE(told);
   EXPECT_EQ(told->kind, Kind::kWords);
   EXPECT_EQ(told->words, "play album night shift");
@@ -86,7 +47,7 @@ TEST_F(EarOfItsOwn, OneThatDiesIsToldAndStartedAgain) {
   ::kill(ear.process(), SIGKILL);
   ASSERT_TRUE(becomes(ear, State::kFailed));
   EXPECT_EQ(ear.status().missing, "It has ended");
-  const std::optional<Recogniser::Heard> told = heard(ear, support::Spoken("play album night shift"));
+  const std::optional<Heard> told = heard(ear, support::Spoken("play album night shift"));
   ASSERT_TRUE(told);
   EXPECT_EQ(told->words, "play album night shift");
 }
@@ -111,20 +72,4 @@ TEST_F(EarOfItsOwn, OneThatIsNotThereSaysWhatIsMissing) {
   EXPECT_THAT(noLibrary.status().missing, HasSubstr("libpocketsphinx.so.3: cannot open"));
 }
 
-TEST_F(EarOfItsOwn, OneThatHangsOrTalksNonsenseIsGivenUp) {
-  EarProcess::Options hangs = shell("exec sleep 1000");
-  hangs.learns = base::Milliseconds(200);
-  EarProcess silent(loop, hangs);
-  silent.learn(NetworkFor("Stop"));
-  const std::optional<Recogniser::Heard> told = heard(silent, anything);
-  ASSERT_TRUE(told);
-  EXPECT_EQ(told->kind, Kind::kDeaf);
-  EXPECT_THAT(told->reason, HasSubstr("It gave no answer in time"));
-
-  EarProcess mad(loop, shell("exec head -c 100000 /dev/urandom | tr '\\000-\\010' '\\377'"));
-  mad.learn(NetworkFor("Stop"));
-  ASSERT_TRUE(becomes(mad, State::kFailed));
-}
-
 }  // namespace
-}  // namespace standin
