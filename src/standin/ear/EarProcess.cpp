@@ -13,53 +13,75 @@ Recogniser::Heard FailedOf(const std::string& why) { return Deaf("the recogniser
 
 }  // namespace
 
-EarProcess::EarProcess(bus::PollLoop& loop, Options options) : loop_(loop), options_(std::move(options)) {}
+EarProcess::EarProcess(bus::PollLoop& loop, Options options)
+    : loop_(loop),
+      options_(std::move(options)),
+      pause_(options_.pause),
+      again_(loop.makeTimer(options_.pause, [this] { startNext(); })) {}
 
 EarProcess::~EarProcess() = default;
 
-void EarProcess::enter(State state, std::string missing) {
-  if (state == status_.state && missing == status_.missing) return;
+void EarProcess::enter(State state, std::string missing, std::string stale) {
+  Status before = status_;
   status_.state = state;
   status_.missing = std::move(missing);
-  onChange();
+  status_.stale = std::move(stale);
+  if (status_ != before) onChange();
 }
 
 void EarProcess::learn(ear::SpeechNetwork network) {
   network_ = ear::Encoded(network);
+  pause_ = options_.pause;
   startNext();
 }
 
 void EarProcess::startNext() {
+  again_->enabled(false);
   bury(std::move(next_));
   next_ = std::make_unique<Ear>();
   // Whoever hears now goes on hearing; where there is nobody, all wait for the new one.
-  if (!now_) enter(State::kStarting, {});
+  if (!now_) enter(State::kStarting);
   Ear* const ear = next_.get();
   ear->child = std::make_unique<EarChild>(
       loop_, options_.program, options_.arguments,
       EarChild::Told{.message =
-                         [this, ear](const ear::Message& message) {
+                         [this, ear, alive = std::weak_ptr(alive_)](const ear::Message& message) {
+                           if (!alive.lock()) return false;
                            return ear == next_.get() ? nextTold(message) : nowTold(*ear, message);
                          },
                      .end =
-                         [this, ear](const std::string& why) {
-                           for (const Told& told : std::exchange(ear->asked, {})) told(FailedOf(why));
-                           std::erase_if(leaving_, [&](const auto& each) { return each.get() == ear; });
-                           if (ear == next_.get()) {
-                             bury(std::move(next_));
-                             failed(why);
-                           } else if (ear == now_.get()) {
-                             bury(std::move(now_));
-                             failed(why);
-                           }
+                         [this, ear, alive = std::weak_ptr(alive_)](const std::string& why) {
+                           if (alive.lock()) ended(*ear, why);
                          }});
   ear->child->send(ear::MessageKind::kLearn, *network_);
   ear->child->answerWithin(options_.learns);
 }
 
+void EarProcess::ended(Ear& ear, const std::string& why) {
+  // It is gone before anybody is told: who is told may ask again at once.
+  const std::deque<Told> asked = std::exchange(ear.asked, {});
+  const auto leaves =
+      std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& each) { return each.get() == &ear; });
+  if (&ear == next_.get()) {
+    bury(std::move(next_));
+    failed(why);
+  } else if (&ear == now_.get()) {
+    bury(std::move(now_));
+    failed(why);
+  } else if (leaves != leaving_.end()) {
+    bury(std::move(*leaves));
+    leaving_.erase(leaves);
+  }
+  for (const Told& told : asked) told(FailedOf(why));
+}
+
 void EarProcess::failed(const std::string& why) {
+  if (next_) return enter(State::kStarting);  // which will hear
   failedAt_ = loop_.now();
-  if (now_ || next_) return;  // somebody hears, or will
+  again_->interval(pause_);
+  again_->enabled(true);
+  pause_ = std::min(pause_ * 2, options_.longestPause);
+  if (now_) return enter(State::kReady, {}, why);
   enter(State::kFailed, why);
   for (const Sound& each : std::exchange(waiting_, {})) each.told(FailedOf(why));
 }
@@ -79,7 +101,7 @@ bool EarProcess::nextTold(const ear::Message& message) {
   status_.words = learnt->words;
   status_.unspoken = learnt->unspoken;
   status_.state = State::kStarting;  // what it knows has changed in any case
-  enter(State::kReady, {});
+  enter(State::kReady);
   for (Sound& each : std::exchange(waiting_, {})) ask(std::move(each));
   return true;
 }
@@ -88,6 +110,7 @@ bool EarProcess::nowTold(Ear& ear, const ear::Message& message) {
   if (message.kind != ear::MessageKind::kHeard || ear.asked.empty()) return false;
   const std::optional<ear::Heard> heard = ear::HeardIn(message.content);
   if (!heard) return false;
+  pause_ = options_.pause;  // it is of use
   const Told told = std::move(ear.asked.front());
   ear.asked.pop_front();
   ear.child->answerWithin(ear.asked.empty() ? base::Milliseconds(0) : options_.hears);
@@ -117,13 +140,18 @@ void EarProcess::ask(Sound sound) {
   now_->child->send(ear::MessageKind::kHear, ear::SoundContent(sound.samples));
 }
 
+bool EarProcess::rests() const { return failedAt_ && loop_.now() - *failedAt_ < options_.pause; }
+
+void EarProcess::retry() {
+  if (failedAt_ && !next_ && !rests()) startNext();
+}
+
 void EarProcess::hear(std::vector<std::int16_t> sound, Told told) {
   sound.resize(std::min(sound.size(), kLongestSeconds * kRate));
   if (waiting_.size() + (now_ ? now_->asked.size() : 0) >= kMostWaiting)
     return told(Deaf("too many are speaking at once"));
   if (now_) return ask({std::move(sound), std::move(told)});
-  const bool rests = failedAt_ && loop_.now() - *failedAt_ < options_.pause;
-  if (!next_ && (rests || !network_))
+  if (!next_ && (rests() || !network_))
     return told(
         Deaf(status_.missing.empty() ? "nobody has told the recogniser what can be said" : status_.missing));
   waiting_.push_back({std::move(sound), std::move(told)});

@@ -14,7 +14,8 @@ namespace standin {
 
 /// A recogniser in a process of its own. What can be said is learnt by a new process while the one before it
 /// goes on hearing, and takes its place when it is ready. One that hangs, dies or talks nonsense is told to
-/// those who wait for it, and started again for the next who speaks.
+/// those who wait for it, and started again: by itself after a pause that grows, or when somebody speaks or
+/// asks for it.
 class EarProcess : public Recogniser {
  public:
   struct Options {
@@ -22,7 +23,10 @@ class EarProcess : public Recogniser {
     std::vector<std::string> arguments{};
     base::Milliseconds learns = std::chrono::seconds(60);  ///< longer it may not take to learn
     base::Milliseconds hears = std::chrono::seconds(30);   ///< nor to hear one sound
-    base::Milliseconds pause = std::chrono::seconds(5);    ///< between two starts without success
+    base::Milliseconds pause = std::chrono::seconds(5);    ///< after a failure nobody starts it earlier
+    /// It starts again by itself after that pause, twice as long each time, and at most this. With a pause of
+    /// 0 it doesn't.
+    base::Milliseconds longestPause = std::chrono::minutes(10);
   };
   EarProcess(bus::PollLoop& loop, Options options);
   ~EarProcess() override;
@@ -33,6 +37,7 @@ class EarProcess : public Recogniser {
 
   void learn(ear::SpeechNetwork network) override;
   void hear(std::vector<std::int16_t> sound, Told told) override;
+  void retry() override;
   [[nodiscard]] Status status() const override { return status_; }
   /// Of the one that hears now; -1 where there is none.
   [[nodiscard]] pid_t process() const { return now_ ? now_->child->process() : -1; }
@@ -53,8 +58,11 @@ class EarProcess : public Recogniser {
   /// Whether that was its answer.
   bool nextTold(const ear::Message& message);
   bool nowTold(Ear& ear, const ear::Message& message);
+  void ended(Ear& ear, const std::string& why);
   void failed(const std::string& why);
-  void enter(State state, std::string missing);
+  /// Has failed so lately that it isn't started again now.
+  [[nodiscard]] bool rests() const;
+  void enter(State state, std::string missing = {}, std::string stale = {});
   /// It may be at work now.
   void bury(std::unique_ptr<Ear> ear);
 
@@ -67,6 +75,9 @@ class EarProcess : public Recogniser {
   std::vector<std::unique_ptr<Ear>> leaving_;  ///< with answers still to come
   std::deque<Sound> waiting_;                  ///< for the first process to be ready
   std::optional<base::Milliseconds> failedAt_;
+  base::Milliseconds pause_;
+  std::unique_ptr<base::Timer> again_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  ///< for processes that are buried after it
 };
 
 }  // namespace standin

@@ -13,6 +13,7 @@ class NoRecogniser : public Recogniser {
   void hear(std::vector<std::int16_t> /*sound*/, Told told) override {
     told({.kind = Heard::Kind::kDeaf, .reason = why_});
   }
+  void retry() override {}
   [[nodiscard]] Status status() const override { return {.state = State::kFailed, .missing = why_}; }
 
  private:

@@ -29,8 +29,10 @@ class Recogniser {
   struct Status {
     State state = State::kOff;
     std::string missing{};                ///< what is missing and how to get it, or why it failed
+    std::string stale{};                  ///< why it hears only what it knew before, where it is so
     std::size_t words = 0;                ///< that it knows how to hear
     std::vector<std::string> unspoken{};  ///< the first of those that it doesn't
+    bool operator==(const Status&) const = default;
   };
 
   Recogniser() = default;
@@ -44,6 +46,9 @@ class Recogniser {
   virtual void learn(ear::SpeechNetwork network) = 0;
   /// `told` is called later, once in every case. At most `kLongestSeconds`; what is longer is cut.
   virtual void hear(std::vector<std::int16_t> sound, Told told) = 0;
+  /// Somebody is about to speak, or has seen to what was missing: what has failed is tried again, unless that
+  /// was only just so.
+  virtual void retry() = 0;
   [[nodiscard]] virtual Status status() const = 0;
 
   /// Called when the status has changed.

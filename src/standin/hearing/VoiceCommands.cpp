@@ -101,7 +101,7 @@ void VoiceCommands::patternsChanged() { follow_->enabled(true); }
 
 void VoiceCommands::wake() {
   awake_ = true;
-  if (learnt_ == grammar_.revision()) return;
+  if (learnt_ == grammar_.revision()) return parts_.recogniser.retry();
   learnt_ = grammar_.revision();
   parts_.recogniser.learn(NetworkOf(*grammar_.now()));
 }

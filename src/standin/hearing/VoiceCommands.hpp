@@ -47,8 +47,8 @@ class VoiceCommands {
   /// Sound as `Recogniser` takes it.
   void listen(const std::string& who, std::vector<std::int16_t> sound, Answered answered);
 
-  /// Has the recogniser know what can be said now, and from now on follow its changes. It costs memory, so it
-  /// is not started for somebody who never speaks.
+  /// Has the recogniser know what can be said now, and from now on follow its changes; one that has failed is
+  /// tried again. It costs memory, so it is not started for somebody who never speaks.
   void wake();
   [[nodiscard]] HouseGrammar& grammar() { return grammar_; }
   [[nodiscard]] const Recogniser& recogniser() const { return parts_.recogniser; }

@@ -96,6 +96,7 @@ WebAnswer StateOf(const House& house, VoiceCommands& voice) {
   return Told({{"recogniser",
                 {{"state", NameOf(status.state)},
                  {"missing", status.missing},
+                 {"stale", status.stale},
                  {"words", status.words},
                  {"unspoken", status.unspoken}}},
                {"events", std::move(events)},

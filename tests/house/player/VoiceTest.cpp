@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
 
 #include "house/player/Listener.hpp"
 
@@ -19,6 +21,24 @@ class SpokenTo : public PlayerBar {
     browser.open("about:blank");
     browser.open(house.url() + "/#voice");
     ASSERT_TRUE(browser.eventually("return document.querySelector('.said-event') !== null"));
+  }
+  static bool pill(Browser& browser, const std::string& words) {
+    return browser.eventually("return document.querySelector('.hearing .pill')?.textContent === arguments[0]",
+                              {words});
+  }
+  /// The process of the server's ear; 0 where there is none.
+  pid_t ear() {
+    const auto lists =
+        std::filesystem::directory_iterator("/proc/" + std::to_string(house.server().id()) + "/task");
+    for (const auto& thread : lists) {
+      std::ifstream children(thread.path() / "children");
+      for (pid_t child = 0; children >> child;) {
+        std::string name;
+        std::getline(std::ifstream("/proc/" + std::to_string(child) + "/comm"), name);
+        if (name == "vantorix-ear") return child;
+      }
+    }
+    return 0;
   }
   /// The arguments of such a browser.
   std::vector<std::string> saying(const std::string& words) {
@@ -39,8 +59,7 @@ class SpokenTo : public PlayerBar {
 TEST_F(SpokenTo, TheAlbumStartsThatIsNamed) {
   Browser browser(1280, 800, saying("play album counting"));
   openVoice(browser);
-  ASSERT_TRUE(browser.eventually(
-      "return document.querySelector('.hearing .pill')?.textContent === 'Ready to listen'"))
+  ASSERT_TRUE(pill(browser, "Ready to listen"))
       << browser.run("return document.querySelector('#page').innerText");
   browser.run("document.querySelector('.talk').click()");
   // By the microphone's own clock.
@@ -51,6 +70,26 @@ TEST_F(SpokenTo, TheAlbumStartsThatIsNamed) {
       << browser.run("return document.querySelector('.talking').innerText");
   EXPECT_TRUE(playerHas("play", "playing")) << player();
   EXPECT_TRUE(house.textBecomes("Album", "Counting"));
+}
+
+TEST_F(SpokenTo, AnEarThatHasDiedIsThereAgain) {
+  Browser browser(1280, 800);
+  openVoice(browser);
+  ASSERT_TRUE(pill(browser, "Ready to listen"));
+  const pid_t first = ear();
+  ASSERT_GT(first, 0);
+  // Nobody does anything: who looks at the page is told.
+  browser.run(
+      "window.seen = []; new MutationObserver(() => seen.push(document.querySelector('.hearing "
+      ".pill')?.textContent))"
+      ".observe(document.querySelector('.hearing'), {childList: true, characterData: true, subtree: true})");
+  ::kill(first, SIGKILL);
+  ASSERT_TRUE(browser.eventually("return seen.includes('Can’t listen') && seen.at(-1) === 'Ready to listen'"))
+      << browser.run("return seen");
+  EXPECT_NE(ear(), first);
+  EXPECT_EQ(browser.run("return document.querySelector('.talk').disabled"), false);
+  EXPECT_TRUE(browser.run("return document.querySelector('[type=file]') !== null") == true);
+  EXPECT_FALSE(house.get("/api/voice").empty());
 }
 
 TEST_F(SpokenTo, WhatOthersMakeOfAPatternIsSeenAtOnce) {

@@ -1,5 +1,9 @@
 // Processes that are no good listeners.
+#include <csignal>
+#include <fstream>
+
 #include "standin/ear/EarOfItsOwn.hpp"
+#include "support/TempFolder.hpp"
 
 namespace {
 
@@ -69,6 +73,109 @@ TEST_F(EarWithFaults, OneThatComplainsWithoutEndDoesNotHoldTheHouse) {
   EXPECT_EQ(failing("exec 3>&1; exec yes >&2", base::Milliseconds(200)), "It gave no answer in time");
   EXPECT_THAT(failing("head -c 5000000 /dev/zero | tr '\\000' x >&2; exit 1"),
               testing::AllOf(SizeIs(500), HasSubstr("xxx")));
+}
+
+class EarThatIsStartedAgain : public EarWithFaults {
+ protected:
+  /// What a shell does of the first, the second and the third process, each for its own start.
+  EarProcess::Options inTurn(const std::vector<std::string>& scripts) const {
+    std::string all;
+    for (std::size_t i = 0; i < scripts.size(); ++i)
+      all += "if mkdir " + (folder.path() / std::to_string(i)).string() + " 2>/dev/null; then " + scripts[i] +
+             "; exit; fi; ";
+    EarProcess::Options options = shell(all);
+    options.pause = base::Milliseconds(1);
+    return options;
+  }
+  /// What a shell does until the test makes a file.
+  [[nodiscard]] std::string until(const std::string& file) const {
+    return "while [ ! -e " + (folder.path() / file).string() + " ]; do sleep 0.02; done; ";
+  }
+  void make(const std::string& file) const { std::ofstream(folder.path() / file) << file; }
+
+  support::TempFolder folder;
+};
+
+TEST_F(EarThatIsStartedAgain, WhenSomebodyAsksForItAndTheFailureIsNotOfJustNow) {
+  EarProcess::Options rests = inTurn({ready() + kSleep, ready() + kSleep});
+  rests.pause = std::chrono::hours(1);
+  EarProcess ear(loop, rests);
+  ear.retry();
+  EXPECT_EQ(ear.status().state, State::kOff) << "it has nothing to learn";
+  ear.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const pid_t first = ear.process();
+  ear.retry();
+  EXPECT_EQ(ear.process(), first) << "nothing has failed";
+  ::kill(first, SIGKILL);
+  ASSERT_TRUE(becomes(ear, State::kFailed));
+  ear.retry();
+  EXPECT_EQ(ear.status().state, State::kFailed) << "only just";
+
+  EarProcess::Options atOnce = shell(ready() + kSleep);
+  atOnce.pause = base::Milliseconds(0);
+  EarProcess other(loop, atOnce);
+  other.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(other, State::kReady));
+  ::kill(other.process(), SIGKILL);
+  ASSERT_TRUE(becomes(other, State::kFailed));
+  other.retry();
+  EXPECT_TRUE(becomes(other, State::kReady));
+}
+
+TEST_F(EarThatIsStartedAgain, WhatIsNewIsLearntAgainWhereOnlyThatHasFailed) {
+  EarProcess ear(loop, inTurn({ready() + kSleep, "echo no memory left >&2; exit 1", ready() + kSleep}));
+  ear.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const pid_t first = ear.process();
+  ear.learn(NetworkFor("Stop|Next"));
+  ASSERT_TRUE(eventually([&] { return !ear.status().stale.empty(); }));
+  EXPECT_THAT(ear.status().stale, HasSubstr("no memory left"));
+  EXPECT_EQ(ear.status().state, State::kReady) << "for what it knew before";
+  EXPECT_EQ(ear.status().missing, "");
+  EXPECT_EQ(ear.process(), first);
+  ASSERT_TRUE(eventually([&] { return ear.process() != first; }));
+  EXPECT_EQ(ear.status().stale, "");
+  EXPECT_EQ(ear.status().state, State::kReady);
+}
+
+TEST_F(EarThatIsStartedAgain, OneThatDiesWhileTheNextOneLearnsIsWaitedFor) {
+  EarProcess ear(loop, inTurn({ready() + kSleep, until("go") + ready() + kSleep}));
+  ear.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  ear.learn(NetworkFor("Stop|Next"));
+  ::kill(ear.process(), SIGKILL);
+  EXPECT_TRUE(becomes(ear, State::kStarting));
+  make("go");
+  EXPECT_TRUE(becomes(ear, State::kReady));
+}
+
+TEST_F(EarThatIsStartedAgain, ThePauseBetweenFailuresGrows) {
+  std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
+  bus::PollLoop clocked([&] { return now; });
+  EarProcess ear(clocked, {.program = "/nowhere/ear"});
+  int starts = 0;
+  ear.onChange = [&] { starts += ear.status().state == State::kStarting ? 1 : 0; };
+  const auto startsAfter = [&](std::chrono::milliseconds time) {
+    now += time;
+    for (int i = 0; i < 5; ++i) clocked.turn(base::Milliseconds(0));
+    return starts;
+  };
+  ear.learn(NetworkFor("Stop"));
+  EXPECT_EQ(startsAfter(std::chrono::seconds(4)), 1);
+  EXPECT_EQ(startsAfter(std::chrono::seconds(5)), 2);
+  EXPECT_EQ(startsAfter(std::chrono::seconds(9)), 2);
+  EXPECT_EQ(startsAfter(std::chrono::seconds(1)), 3);
+  for (int seconds = 20; seconds < 600; seconds *= 2) {
+    const int before = starts;
+    EXPECT_EQ(startsAfter(std::chrono::seconds(seconds - 1)), before);
+    EXPECT_EQ(startsAfter(std::chrono::seconds(1)), before + 1) << seconds;
+  }
+  const int before = starts;
+  EXPECT_EQ(startsAfter(std::chrono::seconds(599)), before);
+  EXPECT_EQ(startsAfter(std::chrono::seconds(1)), before + 1) << "ten minutes are the longest";
+  EXPECT_EQ(startsAfter(std::chrono::seconds(599)), before + 1);
+  EXPECT_EQ(startsAfter(std::chrono::seconds(1)), before + 2);
 }
 
 }  // namespace

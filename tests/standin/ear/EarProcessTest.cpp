@@ -52,6 +52,18 @@ TEST_F(EarOfItsOwn, OneThatDiesIsToldAndStartedAgain) {
   EXPECT_EQ(told->words, "play album night shift");
 }
 
+TEST_F(EarOfItsOwn, OneThatDiesIsStartedAgainByItself) {
+  EarProcess::Options options{.program = EAR_PROGRAM};
+  options.pause = base::Milliseconds(1);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  ::kill(ear.process(), SIGKILL);
+  ASSERT_TRUE(becomes(ear, State::kFailed));
+  EXPECT_TRUE(becomes(ear, State::kReady));
+  EXPECT_EQ(ear.status().missing, "");
+}
+
 TEST_F(EarOfItsOwn, OneThatIsNotThereSaysWhatIsMissing) {
   EarProcess none(loop, {.program = "/nowhere/ear"});
   EXPECT_EQ(heard(none, anything)->reason, "nobody has told the recogniser what can be said");

@@ -22,6 +22,12 @@ class VoicePage : public support::VoiceHouse {
     browser.open(url("#voice"));
     ASSERT_TRUE(has(".said-event"));
   }
+  /// Leaves the page and opens it again.
+  void comeBack() {
+    run("location.hash = '#log'");
+    ASSERT_TRUE(has(".log li"));
+    run("location.hash = '#voice'");
+  }
   void change(const std::string& name) { browser.click("//button[@aria-label='Change " + name + "']"); }
   /// How an event's sentences are read, with what is told only to who can't see it.
   json drawn(int event) {
@@ -100,9 +106,7 @@ TEST_F(VoicePage, NamesOfEveryKindAreTexts) {
       "answers['POST /api/voice'] = [409, {kind: 'unclear', heard: evil, says: evil, choices: [{command: "
       "evil, "
       "label: evil}]}]");
-  run("location.hash = '#log'");
-  ASSERT_TRUE(has(".log li"));
-  run("location.hash = '#voice'");
+  comeBack();
   ASSERT_TRUE(
       browser.eventually("return document.querySelector('.said-event h3')?.textContent.includes('onerror')"));
   typeIn("anything");
@@ -171,14 +175,26 @@ TEST_F(VoicePage, WhatIsMissingIsToldAndTypingStillWorks) {
   run("answers['GET /api/voice'][1].recogniser = {state: 'failed', missing: 'There is no model: apt install "
       "it', "
       "words: 0, unspoken: []}");
-  run("location.hash = '#log'");
-  ASSERT_TRUE(has(".log li"));
-  run("location.hash = '#voice'");
+  comeBack();
   ASSERT_TRUE(shows("There is no model: apt install it"));
-  EXPECT_EQ(run("return document.querySelector('.talk').disabled"), true);
-  EXPECT_EQ(run("return document.querySelector('[type=file]')"), nullptr);
+  EXPECT_TRUE(shows("The house tries again by itself"));
   typeIn("stop");
   EXPECT_TRUE(says("Stopped"));
+  EXPECT_TRUE(has("[type=file]"));
+  // What was missing may be there by now: who speaks is heard.
+  pressMouse();
+  ASSERT_TRUE(spoken());
+  releaseMouse();
+  EXPECT_TRUE(postsBecome(2));
+}
+
+TEST_F(VoicePage, AnEarThatHearsOnlyWhatItKnewBeforeIsTold) {
+  openVoice();
+  run("answers['GET /api/voice'][1].recogniser.stale = 'There is no memory left'");
+  comeBack();
+  EXPECT_TRUE(shows("Ready, but not for what is new"));
+  EXPECT_TRUE(shows("There is no memory left"));
+  EXPECT_THAT(support::Barriers(browser), IsEmpty());
 }
 
 TEST_F(VoicePage, TheHouseSaysItsAnswersAloudIfItIsToldTo) {

@@ -70,16 +70,15 @@ export class Talk {
     </form>`;
   }
 
-  /** The way to speak; `deaf` tells why nobody listens, where it is so. */
-  microphone(deaf) {
+  /** The way to speak. It stays where nobody listens yet: the house tries again for who speaks. */
+  microphone() {
     if (!this.#mayListen) return nothing;
-    this.#button.node.disabled = Boolean(deaf);
     return html`<div class="talk-ways">
       ${this.#barred ? html`<div class="talk-barred"><h2>No microphone at this address</h2>
         <p>${this.#barred.why}</p><p>${this.#barred.what.join(' ')}</p></div>` : this.#button.node}
-      ${deaf ? nothing : html`<label class="talk-file">${this.#barred ? 'Send a recording' : 'or send a recording'}
+      <label class="talk-file">${this.#barred ? 'Send a recording' : 'or send a recording'}
         <input type="file" class="sr" accept="audio/*" capture aria-describedby="talk-file-most" @change=${(event) => this.#recorded(event)}></label>
-        <span class="sr" id="talk-file-most">Up to ${kLongest} seconds</span>`}</div>`;
+        <span class="sr" id="talk-file-most">Up to ${kLongest} seconds</span></div>`;
   }
 
   answers() {

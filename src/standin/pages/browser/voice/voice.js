@@ -84,19 +84,19 @@ class VoicePage {
 
   #drawn() {
     const {recogniser, events} = this.#told ?? {};
-    const deaf = recogniser?.missing ?? '';
     render(html`<div class="page-head"><h1>Voice</h1></div>
       <div class="voice-parts">
-        <section class="talking" aria-label="Talk to the house">${this.#talk.microphone(deaf)}${this.#talk.box()}${this.#talk.answers()}</section>
+        <section class="talking" aria-label="Talk to the house">${this.#talk.microphone()}${this.#talk.box()}${this.#talk.answers()}</section>
         ${recogniser ? this.#state(recogniser) : nothing}
       </div>
       ${events ? html`<h2 class="said-head" id="said-head">What can be said</h2>${this.#events(events)}` : nothing}`, this.#place);
   }
 
-  #state({state, missing, words, unspoken}) {
+  #state({state, missing, stale, words, unspoken}) {
     return html`<aside class="hearing" aria-label="How the house listens">
-      ${this.#isOwner ? html`<p class="hearing-state">${pillOf(state, missing)}</p>` : nothing}
-      ${this.#isOwner && missing ? html`<p class="hearing-missing">${missing}</p><p>What is typed is understood all the same.</p>` : nothing}
+      ${this.#isOwner ? html`<p class="hearing-state">${pillOf(state, missing, stale)}</p>` : nothing}
+      ${this.#isOwner && (missing || stale) ? html`<p class="hearing-missing">${missing || stale}</p>
+        <p>${missing ? 'What is typed is understood all the same. ' : nothing}The house tries again by itself, and at once when somebody speaks.</p>` : nothing}
       ${this.#isOwner && state === 'ready' ? html`<p class="quiet">It knows ${words.toLocaleString()} words by ear, all of them on this machine.</p>` : nothing}
       ${this.#isOwner && unspoken.length ? html`<details><summary>Names that it can’t hear</summary><p class="quiet">Nobody has told it how these are spoken:
         ${unspoken.join(', ')}</p></details>` : nothing}
@@ -133,8 +133,9 @@ class VoicePage {
   }
 }
 
-function pillOf(state, missing) {
+function pillOf(state, missing, stale) {
   const [words, style] = missing || state === 'failed' ? ['Can’t listen', 'pill-bad']
+    : stale ? ['Ready, but not for what is new', 'pill-wait']
     : {ready: ['Ready to listen', 'pill-good'], starting: ['Learning what can be said…', 'pill-wait']}[state] ?? ['Not listening yet', ''];
   return html`<span class=${`pill ${style}`} role="status">${words}</span>`;
 }
