@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -32,6 +33,26 @@ Pair Sockets() {
     throw std::runtime_error(std::strerror(errno));
   ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
   return {files::Descriptor(ends[0]), files::Descriptor(ends[1])};
+}
+
+/// What a program needs to be found and to speak: all else, like the bus's address, is no business of one
+/// that takes in strangers' sounds.
+std::vector<std::string> Environment() {
+  std::vector<std::string> all;
+  for (const char* name : {"PATH", "LANG", "LD_LIBRARY_PATH"}) {
+    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody changes it
+    if (value != nullptr) all.push_back(std::string(name) + "=" + value);
+  }
+  return all;
+}
+
+/// As programs are given them. The texts have to outlive it.
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> all;
+  all.reserve(texts.size() + 1);
+  for (std::string& text : texts) all.push_back(text.data());
+  all.push_back(nullptr);
+  return all;
 }
 
 /// Some of what there is to be read now, as one who writes without a pause would hold the loop; false once
@@ -78,15 +99,14 @@ void EarChild::start(const std::filesystem::path& program, const std::vector<std
   Pair errors = Sockets();
   std::vector<std::string> words{program.string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
+  std::vector<std::string> variables = Environment();
   posix_spawn_file_actions_t actions{};
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, in.theirs.get(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, out.theirs.get(), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, errors.theirs.get(), STDERR_FILENO);
+  // Not everything here is marked as the server's own: the web's connections aren't.
+  posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
   // The loop blocks the signals that it watches; a child would never hear them.
   posix_spawnattr_t attributes{};
   posix_spawnattr_init(&attributes);
@@ -94,7 +114,8 @@ void EarChild::start(const std::filesystem::path& program, const std::vector<std
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  const int failed = ::posix_spawn(&process_, program.c_str(), &actions, &attributes, argv.data(), environ);
+  const int failed = ::posix_spawn(&process_, program.c_str(), &actions, &attributes, Pointers(words).data(),
+                                   Pointers(variables).data());
   posix_spawn_file_actions_destroy(&actions);
   posix_spawnattr_destroy(&attributes);
   if (failed != 0) {

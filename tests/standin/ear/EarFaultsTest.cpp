@@ -1,5 +1,8 @@
 // Processes that are no good listeners.
+#include <fcntl.h>
+
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 
 #include "standin/ear/EarOfItsOwn.hpp"
@@ -73,6 +76,22 @@ TEST_F(EarWithFaults, OneThatComplainsWithoutEndDoesNotHoldTheHouse) {
   EXPECT_EQ(failing("exec 3>&1; exec yes >&2", base::Milliseconds(200)), "It gave no answer in time");
   EXPECT_THAT(failing("head -c 5000000 /dev/zero | tr '\\000' x >&2; exit 1"),
               testing::AllOf(SizeIs(500), HasSubstr("xxx")));
+}
+
+TEST_F(EarWithFaults, NothingOfTheHouseIsLeftOpenForIt) {
+  // As a library leaves it that doesn't think of other programs.
+  const files::Descriptor open(::open("/dev/null", O_RDONLY));
+  const files::Descriptor other(::dup2(open.get(), 77));
+  ASSERT_EQ(other.get(), 77);
+  ASSERT_EQ(::setenv("VANTORIX_SECRET", "secret", 1), 0);
+  const std::string told = failing(
+      "cd /proc/$$/fd; opened=$(echo *); variables=$(tr '\\000' '\\n' <../environ | cut -d = -f 1); "
+      "echo $opened, $variables. >&2; exit 1");
+  ::unsetenv("VANTORIX_SECRET");
+  EXPECT_THAT(told, testing::StartsWith("0 1 2 "));
+  EXPECT_THAT(told, testing::Not(HasSubstr("77")));
+  EXPECT_THAT(told, HasSubstr("PATH"));
+  EXPECT_THAT(told, testing::Not(HasSubstr("VANTORIX_SECRET")));
 }
 
 class EarThatIsStartedAgain : public EarWithFaults {
