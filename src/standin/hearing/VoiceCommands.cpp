@@ -20,7 +20,7 @@ constexpr const char* kSettings = "voice.ini";
 constexpr const char* kSection = "Voice";
 constexpr const char* kSpeaks = "SayAnswers";
 /// No session is called so.
-constexpr const char* kScript = "a script";
+constexpr const char* kScriptsSession = "a script";
 constexpr const char* kStatus = "Media Player Status";
 constexpr std::string_view kQuick = "Media Player Quick ";
 constexpr const char* kNotUnderstood = "That was not understood";
@@ -87,7 +87,8 @@ VoiceCommands::VoiceCommands(const Parts& parts)
   parts_.recogniser.onChange = [this] { parts_.house.live.tell("voice", "{}"); };
   parts_.house.events.onPattern = [this] { patternsChanged(); };
   parts_.house.onSay = [this](const std::string& text) {
-    return say(kScript, text, [](const Understanding&) {});
+    // Scripts are the owner's own: what he has them say he wants to hear answered, as if he had said it.
+    return say({kScriptsSession}, text, [](const Understanding&) {});
   };
 }
 
@@ -112,15 +113,15 @@ void VoiceCommands::speaks(bool on) {
   parts_.house.settings.save(kSettings, kSection, kSpeaks, on ? "1" : "0");
 }
 
-std::string VoiceCommands::say(const std::string& who, const std::string& text, const Answered& answered) {
+std::string VoiceCommands::say(const Speaker& who, const std::string& text, const Answered& answered) {
   parts_.house.log.write("Voice", text);
-  std::optional<Order> answer = answerOf(who, text);
-  return take(who, answer ? std::move(*answer) : orderFor(text, false), answered);
+  std::optional<Order> answer = answerOf(who.session, text);
+  return take(who.session, answer ? std::move(*answer) : orderFor(text, false), aloud(who, answered));
 }
 
-void VoiceCommands::listen(const std::string& who, std::vector<std::int16_t> sound, Answered answered) {
+void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
   wake();
-  parts_.recogniser.hear(std::move(sound), [this, who, answered = std::move(answered),
+  parts_.recogniser.hear(std::move(sound), [this, session = who.session, answered = aloud(who, answered),
                                             alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
     if (!alive.lock()) return;
@@ -128,16 +129,16 @@ void VoiceCommands::listen(const std::string& who, std::vector<std::int16_t> sou
     Understanding& understanding = order.understanding;
     if (heard.kind == HeardKind::kDeaf) {
       understanding = {.kind = Kind::kDeaf, .says = "The house can’t listen: " + heard.reason};
-      return finish(understanding, answered);
+      return answered(understanding);
     }
     if (heard.kind == HeardKind::kSilence) {
       understanding = {.kind = Kind::kSilence, .says = "Nobody was heard speaking"};
-      return finish(understanding, answered);
+      return answered(understanding);
     }
     parts_.house.log.write("Voice", heard.words);
     if (heard.confidence < kPerhaps) {
       understanding.says = kNotUnderstood;
-    } else if (std::optional<Order> answer = answerOf(who, heard.words)) {
+    } else if (std::optional<Order> answer = answerOf(session, heard.words)) {
       order = std::move(*answer);
     } else {
       order = orderFor(heard.words, true);
@@ -146,7 +147,7 @@ void VoiceCommands::listen(const std::string& who, std::vector<std::int16_t> sou
     }
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
-    take(who, std::move(order), answered);
+    take(session, std::move(order), answered);
   });
 }
 
@@ -263,7 +264,7 @@ std::string VoiceCommands::take(const std::string& who, Order order, const Answe
   if (acts) {
     carryOut(order, answered);
   } else {
-    finish(order.understanding, answered);
+    answered(order.understanding);
   }
   return says;
 }
@@ -317,7 +318,7 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
                } else if (!album.empty()) {
                  return withArtist(std::move(understanding), album, answered);
                }
-               finish(understanding, answered);
+               answered(understanding);
              });
 }
 
@@ -330,7 +331,7 @@ void VoiceCommands::withArtist(Understanding understanding, const std::string& a
                              if (!alive.lock()) return;
                              if (!artists.empty() && !artists.front().empty())
                                understanding.says += " by " + artists.front();
-                             finish(understanding, answered);
+                             answered(understanding);
                            });
 }
 
@@ -346,15 +347,18 @@ void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const
           understanding.kind = Kind::kFailed;
           understanding.says = !failed.text.empty() ? failed.text : kNothingAdded;
         }
-        finish(understanding, answered);
+        answered(understanding);
       });
 }
 
-void VoiceCommands::finish(const Understanding& understanding, const Answered& answered) {
-  // What somebody has typed is not read out to the house because nothing fits it.
-  const bool unknown = understanding.kind == Kind::kUnknown;
-  if (speaks()) parts_.speech.speak(unknown ? kNotUnderstood : understanding.says, false);
-  answered(understanding);
+VoiceCommands::Answered VoiceCommands::aloud(const Speaker& who, const Answered& answered) {
+  if (who.guest) return answered;
+  return [this, answered](const Understanding& understanding) {
+    // What somebody has typed is not read out to the house because nothing fits it.
+    const bool unknown = understanding.kind == Kind::kUnknown;
+    if (speaks()) parts_.speech.speak(unknown ? kNotUnderstood : understanding.says, false);
+    answered(understanding);
+  };
 }
 
 }  // namespace standin

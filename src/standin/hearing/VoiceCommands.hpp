@@ -19,6 +19,15 @@
 
 namespace standin {
 
+/// Somebody who says something to the house.
+struct Speaker {
+  /// Tells apart those who are asked back: what one has begun no other one goes on with.
+  std::string session;
+  /// What a guest types is done. But the house doesn't answer him aloud, or he could talk in a room that he
+  /// isn't in.
+  bool guest = false;
+};
+
 /// The one way in for all that is said to the house, be it typed, spoken or a script's: it finds the events
 /// whose pattern fits, and calls their devices with the command. All use is on the loop's thread.
 class VoiceCommands {
@@ -41,11 +50,10 @@ class VoiceCommands {
 
   /// Called once, now or later.
   using Answered = std::function<void(const Understanding& understanding)>;
-  /// `who` tells apart those who are asked back: what one has begun no other one goes on with. Answers what
-  /// the house says to it if nothing goes wrong.
-  std::string say(const std::string& who, const std::string& text, const Answered& answered);
+  /// Answers what the house says to it if nothing goes wrong.
+  std::string say(const Speaker& who, const std::string& text, const Answered& answered);
   /// Sound as `Recogniser` takes it.
-  void listen(const std::string& who, std::vector<std::int16_t> sound, Answered answered);
+  void listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered);
 
   /// Has the recogniser know what can be said now, and from now on follow its changes; one that has failed is
   /// tried again. It costs memory, so it is not started for somebody who never speaks.
@@ -80,7 +88,8 @@ class VoiceCommands {
   void add(const Order& order, PluginKeeper::Command command, const Answered& answered);
   void wordAnswer(Order& order) const;
   void withArtist(Understanding understanding, const std::string& album, const Answered& answered);
-  void finish(const Understanding& understanding, const Answered& answered);
+  /// Answers aloud too, where that is wished.
+  Answered aloud(const Speaker& who, const Answered& answered);
   void remember(const std::string& who, const Understanding& understanding);
 
   Parts parts_;

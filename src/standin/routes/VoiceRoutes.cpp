@@ -20,7 +20,7 @@ void Say(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
   const auto text = call.json.at("text").get<std::string>();
   if (text.empty() || text.size() > kLongestText)
     return reply(Refusal(400, "Say something of up to 500 characters"));
-  voice.say(call.token, text,
+  voice.say({call.token, call.user.guest}, text,
             [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
 }
 
@@ -31,7 +31,7 @@ void Listen(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
   } catch (const base::Failure& failure) {
     return reply(Refusal(415, failure.description()));
   }
-  voice.listen(call.token, std::move(sound),
+  voice.listen({call.token, call.user.guest}, std::move(sound),
                [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
 }
 

@@ -67,6 +67,7 @@ class WebHouse {
   standin::RuleStore& rules() { return rules_; }
   standin::EvaluationStore& evaluations() { return evaluations_; }
   FakeEventControl& control() { return control_; }
+  FakeVoice& voice() { return voice_; }
   [[nodiscard]] int port() const { return port_.port(); }
   [[nodiscard]] const standin::Routes& routes() const { return api_.routes(); }
 

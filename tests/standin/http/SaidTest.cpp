@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "standin/fakes/WebHouse.hpp"
 #include "standin/http/ServerWithPlugin.hpp"
 #include "support/JsonText.hpp"
 
@@ -100,6 +101,26 @@ TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
   EXPECT_EQ(
       web.postText("/api/voice/listen", std::string((1U << 20U) + 2, 'x'), "audio/l16;rate=16000", from),
       413);
+}
+
+TEST(SaidByAGuest, IsNotAnsweredAloud) {
+  support::WebHouse house;
+  house.onLoop([](House& all) {
+    all.users.setHash(kGuest, kAdmitted);
+    all.settings.save("voice.ini", "Voice", "SayAnswers", "1");
+    const std::int32_t event = all.events.create("Lamp VR").id;
+    all.events.addDevice(event, all.devices.create("Lamp").ref, kFuncVoice);
+    all.events.put(event, &Event::vcmd, std::string("Lamp on"));
+  });
+  const auto say = [&](const char* user, const char* text) {
+    WebClient web(house.port());
+    web.cookie = house.sessionOf(user);
+    return web.post("/api/voice", {{"text", text}});
+  };
+  EXPECT_EQ(say(kGuest, "lamp on"), 409) << "there is no plug-in to do it";
+  EXPECT_EQ(say(kFirstUser, "hello"), 404);
+  ASSERT_TRUE(Eventually([&] { return !house.voice().said().empty(); }));
+  EXPECT_EQ(house.voice().said(), std::vector<std::string>{"That was not understood"}) << "to the owner";
 }
 
 }  // namespace
