@@ -27,6 +27,9 @@ constexpr const char* kNotUnderstood = "That was not understood";
 constexpr std::size_t kMostChoices = 3;
 constexpr std::size_t kMostQuestions = 100;
 constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
+/// The page that has sent a sound is told that nobody answers soon after this. What would be done later,
+/// nobody would expect any more.
+constexpr base::Milliseconds kHeardWithin = std::chrono::seconds(25);
 /// Patterns come one after the other when the plug-in starts.
 constexpr base::Milliseconds kFollowAfter = std::chrono::milliseconds(500);
 /// At least so sure the recogniser has to be for something to be done, and to be asked back.
@@ -122,6 +125,7 @@ std::string VoiceCommands::say(const Speaker& who, const std::string& text, cons
 void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
   wake();
   parts_.recogniser.hear(std::move(sound), [this, session = who.session, answered = aloud(who, answered),
+                                            spoken = parts_.loop.now(),
                                             alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
     if (!alive.lock()) return;
@@ -136,6 +140,13 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
       return answered(understanding);
     }
     parts_.house.log.write("Voice", heard.words);
+    understanding.heard = heard.words;
+    understanding.confidence = heard.confidence;
+    if (parts_.loop.now() - spoken > kHeardWithin) {
+      understanding.kind = Kind::kFailed;
+      understanding.says = "That took too long: nothing was done";
+      return answered(understanding);
+    }
     if (heard.confidence < kPerhaps) {
       understanding.says = kNotUnderstood;
     } else if (std::optional<Order> answer = answerOf(session, heard.words)) {

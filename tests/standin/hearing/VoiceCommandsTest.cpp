@@ -43,4 +43,24 @@ TEST_F(SpokenCommands, AScriptSaysWhatTheOwnerWould) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift", "Play Night Shirt"));
 }
 
+TEST_F(SpokenCommands, WhatIsHeardTooLateIsNotDone) {
+  Understood understood;
+  speak(understood);
+  passed += std::chrono::seconds(25);
+  hear("play night shift", 0.9);
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kDone);
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
+
+  understood.reset();
+  speak(understood);
+  passed += std::chrono::milliseconds(25'001);
+  hear("play night shirt", 0.9);
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kFailed);
+  EXPECT_EQ(understood->says, "That took too long: nothing was done");
+  EXPECT_EQ(understood->heard, "play night shirt");
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
+}
+
 }  // namespace
