@@ -164,11 +164,11 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
 
 std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text) {
   const auto question = questions_.find(who);
-  if (question == questions_.end()) return std::nullopt;
   const std::optional<int> choice = ChoiceIn(text);
+  if (question == questions_.end() || !choice) return std::nullopt;
   const Question asked = std::move(question->second);
-  questions_.erase(question);  // whatever else is said now, it is no answer any more
-  if (!choice || parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
+  questions_.erase(question);
+  if (parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
   if (*choice >= 0 && static_cast<std::size_t>(*choice) < asked.choices.size()) {
     Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)], false);
     order.understanding.heard = text;
@@ -258,13 +258,16 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
 }
 
 void VoiceCommands::remember(const std::string& who, const Understanding& understanding) {
-  if (understanding.kind != Kind::kUnclear) {
-    questions_.erase(who);
-    return;
+  // A cough or a mumbled "first" is no other command: what was asked can still be answered.
+  if (understanding.kind == Kind::kUnknown) return;
+  questions_.erase(who);
+  if (understanding.kind != Kind::kUnclear) return;
+  if (questions_.size() >= kMostQuestions) {
+    questions_.erase(std::min_element(
+        questions_.begin(), questions_.end(),
+        [](const auto& left, const auto& right) { return left.second.asked < right.second.asked; }));
   }
-  const base::Milliseconds now = parts_.loop.now();
-  std::erase_if(questions_, [&](const auto& each) { return now - each.second.asked > kAnswerWithin; });
-  if (questions_.size() < kMostQuestions) questions_[who] = {understanding.choices, now};
+  questions_[who] = {understanding.choices, parts_.loop.now()};
 }
 
 std::string VoiceCommands::take(const std::string& who, Order order, const Answered& answered) {

@@ -63,4 +63,30 @@ TEST_F(SpokenCommands, WhatIsHeardTooLateIsNotDone) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }
 
+TEST_F(SpokenCommands, ASoundThatIsNotUnderstoodLeavesTheQuestionOpen) {
+  question();
+  EXPECT_EQ(spoken("play night shift", 0.1).kind, Kind::kUnknown) << "a cough";
+  EXPECT_EQ(say("hm").kind, Kind::kUnknown);
+  EXPECT_EQ(spoken("first", 0.9).command, "Play Night Shift");
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
+}
+
+TEST_F(SpokenCommands, AnotherCommandIsNoAnswerAndTheQuestionIsOver) {
+  question();
+  EXPECT_EQ(say("play night shirt").kind, Kind::kDone);
+  EXPECT_EQ(say("first").kind, Kind::kUnknown);
+  EXPECT_THAT(done(), ElementsAre("Play Night Shirt"));
+}
+
+TEST_F(SpokenCommands, OfManyQuestionsTheOldestIsForgotten) {
+  question("ann");
+  passed += std::chrono::milliseconds(1);
+  for (int i = 0; i < 99; ++i) question("guest " + std::to_string(i));
+  question("ben");
+  EXPECT_EQ(say("first", {"ann"}).kind, Kind::kUnknown);
+  EXPECT_EQ(say("first", {"ben"}).kind, Kind::kDone);
+  EXPECT_EQ(say("second", {"guest 98"}).kind, Kind::kDone);
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift", "Play Night Shirt"));
+}
+
 }  // namespace
