@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -183,21 +184,25 @@ void EarChild::hear() {
 
 void EarChild::send(ear::MessageKind kind, std::string_view content) {
   if (ended_) return;
-  toSend_ += ear::Framed(kind, content);
-  write();
+  toSend_.push_back(ear::Framed(kind, content));
+  inWatch_->events(POLLOUT);
 }
 
+/// A piece in each turn of the loop: a network may have some hundred MiB.
 void EarChild::write() {
-  while (!toSend_.empty()) {
-    const ssize_t sent = ::send(in_.get(), toSend_.data(), toSend_.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    if (sent < 0 && errno == EINTR) continue;
-    if (sent < 0) {
-      if (errno == EAGAIN || errno == EWOULDBLOCK) return inWatch_->events(POLLOUT);
-      return inWatch_->events(0);  // it has gone, which is heard at the other end
-    }
-    toSend_.erase(0, static_cast<std::size_t>(sent));
+  const std::string& message = toSend_.front();
+  const std::size_t size = std::min(message.size() - sent_, kMostAtOnce);
+  const ssize_t sent = ::send(in_.get(), message.data() + sent_, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+  if (sent < 0) {
+    const bool later = errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK;
+    if (!later) inWatch_->events(0);  // it has gone, which is heard at the other end
+    return;
   }
-  inWatch_->events(0);
+  sent_ += static_cast<std::size_t>(sent);
+  if (sent_ < message.size()) return;
+  toSend_.pop_front();
+  sent_ = 0;
+  if (toSend_.empty()) inWatch_->events(0);
 }
 
 void EarChild::answerWithin(base::Milliseconds limit) {

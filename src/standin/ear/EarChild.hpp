@@ -1,6 +1,8 @@
 #pragma once
 #include <sys/types.h>
 
+#include <cstddef>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -58,7 +60,8 @@ class EarChild {
   files::Descriptor errors_;
   std::string come_;
   std::string complaint_;  ///< the last that it has written to its standard error
-  std::string toSend_;
+  std::deque<std::string> toSend_;
+  std::size_t sent_ = 0;  ///< of the first of them
   bool ended_ = false;
   std::unique_ptr<base::Timer> limit_;
   std::unique_ptr<bus::PollLoop::Watch> outWatch_;

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 
 #include "standin/ear/EarOfItsOwn.hpp"
 #include "support/TempFolder.hpp"
@@ -167,6 +168,25 @@ TEST_F(EarThatIsStartedAgain, OneThatDiesWhileTheNextOneLearnsIsWaitedFor) {
   EXPECT_TRUE(becomes(ear, State::kStarting));
   make("go");
   EXPECT_TRUE(becomes(ear, State::kReady));
+}
+
+TEST_F(EarThatIsStartedAgain, ALargeNetworkComesWholeToOneThatReadsSlowly) {
+  ear::SpeechNetwork network;
+  for (int i = 0; i < 200'000; ++i) network.words.push_back("word" + std::to_string(i));
+  const std::string whole = ear::Framed(ear::MessageKind::kLearn, ear::Encoded(network));
+  ASSERT_GT(whole.size(), std::size_t{2} << 20U);
+  const std::string sound = ear::Framed(ear::MessageKind::kHear, ear::SoundContent(anything));
+  const std::string come = (folder.path() / "come").string();
+  EarProcess ear(loop, shell("sleep 0.3; head -c " + std::to_string(whole.size()) + " >" + come + "; " +
+                             ready() + "head -c " + std::to_string(sound.size()) + " >>" + come + "; " +
+                             answering("stop") + kSleep));
+  ear.learn(network);
+  const std::optional<Heard> told = heard(ear, anything);
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->words, "stop");
+  std::ifstream file(come, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  EXPECT_TRUE(bytes == whole + sound) << bytes.size() << " bytes";
 }
 
 TEST_F(EarThatIsStartedAgain, ThePauseBetweenFailuresGrows) {
