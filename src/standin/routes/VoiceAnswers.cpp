@@ -69,6 +69,17 @@ json JsonOf(const House& house, const HouseGrammar::Entry& entry) {
   return told;
 }
 
+json JsonOf(const Recogniser::Status& status, bool owner) {
+  json told{{"state", NameOf(status.state)}};
+  if (owner) {
+    told.update({{"missing", status.missing},
+                 {"stale", status.stale},
+                 {"words", status.words},
+                 {"unspoken", status.unspoken}});
+  }
+  return told;
+}
+
 }  // namespace
 
 WebAnswer AnswerOf(const Understanding& understanding) {
@@ -89,16 +100,10 @@ WebAnswer AnswerOf(const Understanding& understanding) {
   return answer;
 }
 
-WebAnswer StateOf(const House& house, VoiceCommands& voice) {
-  const Recogniser::Status status = voice.recogniser().status();
+WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner) {
   json events = json::array();
   for (const HouseGrammar::Entry& entry : voice.grammar().entries()) events.push_back(JsonOf(house, entry));
-  return Told({{"recogniser",
-                {{"state", NameOf(status.state)},
-                 {"missing", status.missing},
-                 {"stale", status.stale},
-                 {"words", status.words},
-                 {"unspoken", status.unspoken}}},
+  return Told({{"recogniser", JsonOf(voice.recogniser().status(), owner)},
                {"events", std::move(events)},
                {"listen",
                 {{"rate", Recogniser::kRate},

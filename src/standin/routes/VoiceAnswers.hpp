@@ -8,6 +8,7 @@ namespace standin {
 /// done.
 WebAnswer AnswerOf(const Understanding& understanding);
 /// The recogniser, the patterns as they are read, and what may be sent. Of each choice the first hundred.
-WebAnswer StateOf(const House& house, VoiceCommands& voice);
+/// What the machine lacks and where is for its owner alone.
+WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner);
 
 }  // namespace standin

@@ -68,9 +68,10 @@ WebAnswer FindChoices(HouseGrammar& grammar, const WebCall& call) {
 Routes VoiceRoutes(House& house, VoiceCommands& voice) {
   const Later say{[&voice](const WebCall& call, const Reply& reply) { Say(voice, call, reply); }};
   const Later listen{[&voice](const WebCall& call, const Reply& reply) { Listen(voice, call, reply); }};
-  const Now state{[&house, &voice](const WebCall&) {
-    voice.wake();
-    return StateOf(house, voice);
+  const Now state{[&house, &voice](const WebCall& call) {
+    const bool owner = !call.user.guest;
+    if (owner) voice.wake();  // who may not speak needs no ear
+    return StateOf(house, voice, owner);
   }};
   const Now pattern{[&house](const WebCall& call) { return TellPattern(house, call); }};
   const Now put{[&house](const WebCall& call) { return PutPattern(house, call); }};

@@ -103,6 +103,21 @@ TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
       413);
 }
 
+TEST_F(SaidToServer, AGuestWakesNoEarAndHearsNothingOfTheMachine) {
+  ASSERT_EQ(web.post("/api/guests", {{"guests", "open"}}), 200);
+  WebClient guest(server.port());
+  ASSERT_EQ(guest.post("/api/login", {{"name", "guest"}}), 200);
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(guest.json("/api/voice").at("recogniser"), json({{"state", "off"}})) << "nobody may speak yet";
+  EXPECT_EQ(guest.json("/api/voice").at("events").size(), 1U);
+  const json owner = web.json("/api/voice").at("recogniser");
+  EXPECT_NE(owner.at("state"), "off");
+  for (const char* told : {"missing", "stale", "words", "unspoken"})
+    EXPECT_TRUE(owner.contains(told)) << told;
+  const json known = guest.json("/api/voice").at("recogniser");
+  EXPECT_EQ(known.size(), 1U) << known;
+}
+
 TEST(SaidByAGuest, IsNotAnsweredAloud) {
   support::WebHouse house;
   house.onLoop([](House& all) {
