@@ -63,7 +63,7 @@ TEST(Decoder, SaysWhatIsMissing) {
     FAIL();
   } catch (const std::runtime_error& failure) {
     EXPECT_STREQ(failure.what(),
-                 "There is no model of speech at /nowhere; the package “pocketsphinx-en-us” has it");
+                 "There is no model of speech at /nowhere. Install the package pocketsphinx-en-us");
   }
 }
 

@@ -63,7 +63,7 @@ Decoder::Decoder(const std::filesystem::path& models) : dictionary_(models / "cm
   const std::filesystem::path acoustic = models / "en-us";
   if (!std::filesystem::exists(acoustic / "mdef") || !std::filesystem::exists(dictionary_)) {
     throw std::runtime_error("There is no model of speech at " + models.string() +
-                             "; the package “pocketsphinx-en-us” has it");
+                             ". Install the package pocketsphinx-en-us");
   }
   err_set_logfp(nullptr);
   cmd_ln_t* config = cmd_ln_init(nullptr, ps_args(), 1, "-hmm", acoustic.c_str(), "-dict",

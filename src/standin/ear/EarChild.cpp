@@ -146,6 +146,8 @@ void EarChild::endSoon(std::string why) {
   errorWatch_.reset();
   inWatch_.reset();
   kill();
+  while (why.ends_with('\n')) why.pop_back();
+  if (why.empty()) why = "It has ended";
   loop_.post([this, why = std::move(why), alive = std::weak_ptr(alive_)] {
     if (!alive.lock()) return;
     const auto end = std::move(told_.end);  // which may be the end of this object
@@ -179,7 +181,7 @@ void EarChild::hear() {
   }
   if (there || ended_) return;
   if (errorWatch_) hearErrors();
-  endSoon(complaint_.empty() ? "It has ended" : complaint_);
+  endSoon(complaint_);
 }
 
 void EarChild::send(ear::MessageKind kind, std::string_view content) {

@@ -1,6 +1,8 @@
 #include "standin/ear/EarProcess.hpp"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace standin {
@@ -10,6 +12,20 @@ using Kind = Recogniser::Heard::Kind;
 
 Recogniser::Heard Deaf(const std::string& why) { return {.kind = Kind::kDeaf, .reason = why}; }
 Recogniser::Heard FailedOf(const std::string& why) { return Deaf("the recogniser has failed. " + why); }
+
+/// What may be missing, by the word that tells of it in a complaint of the system's, and how to get it.
+constexpr std::array<std::pair<std::string_view, const char*>, 4> kWays{
+    {{"libpocketsphinx", "Install the packages libpocketsphinx3 and pocketsphinx-en-us"},
+     {"libsphinx", "Install the packages libpocketsphinx3 and pocketsphinx-en-us"},
+     {"libflite", "Install the package libflite1"},
+     {"can’t be started: No such file", "It comes with the server: install that again"}}};
+
+std::string WithWay(const std::string& why) {
+  const auto* const way = std::find_if(kWays.begin(), kWays.end(), [&](const auto& each) {
+    return why.find(each.first) != std::string::npos;
+  });
+  return way == kWays.end() ? why : why + ". " + way->second;
+}
 
 }  // namespace
 
@@ -60,19 +76,20 @@ void EarProcess::startNext() {
 void EarProcess::ended(Ear& ear, const std::string& why) {
   // It is gone before anybody is told: who is told may ask again at once.
   const std::deque<Told> asked = std::exchange(ear.asked, {});
+  const std::string reason = WithWay(why);
   const auto leaves =
       std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& each) { return each.get() == &ear; });
   if (&ear == next_.get()) {
     bury(std::move(next_));
-    failed(why);
+    failed(reason);
   } else if (&ear == now_.get()) {
     bury(std::move(now_));
-    failed(why);
+    failed(reason);
   } else if (leaves != leaving_.end()) {
     bury(std::move(*leaves));
     leaving_.erase(leaves);
   }
-  for (const Told& told : asked) told(FailedOf(why));
+  for (const Told& told : asked) told(FailedOf(reason));
 }
 
 void EarProcess::failed(const std::string& why) {

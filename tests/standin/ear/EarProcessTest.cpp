@@ -69,19 +69,34 @@ TEST_F(EarOfItsOwn, OneThatIsNotThereSaysWhatIsMissing) {
   EXPECT_EQ(heard(none, anything)->reason, "nobody has told the recogniser what can be said");
   none.learn(NetworkFor("Stop"));
   ASSERT_TRUE(becomes(none, State::kFailed));
-  EXPECT_THAT(none.status().missing, HasSubstr("/nowhere/ear can’t be started: No such file or directory"));
+  EXPECT_EQ(
+      none.status().missing,
+      "/nowhere/ear can’t be started: No such file or directory. It comes with the server: install that "
+      "again");
   EXPECT_EQ(heard(none, anything)->kind, Kind::kDeaf);
 
   EarProcess noModel(loop, {.program = EAR_PROGRAM, .arguments = {"/nowhere"}});
   noModel.learn(NetworkFor("Stop"));
   ASSERT_TRUE(becomes(noModel, State::kFailed));
-  EXPECT_THAT(noModel.status().missing, HasSubstr("the package “pocketsphinx-en-us” has it"));
+  EXPECT_THAT(noModel.status().missing, HasSubstr("Install the package pocketsphinx-en-us"));
 
   EarProcess noLibrary(loop,
                        shell("echo 'libpocketsphinx.so.3: cannot open shared object file' >&2; exit 127"));
   noLibrary.learn(NetworkFor("Stop"));
   ASSERT_TRUE(becomes(noLibrary, State::kFailed));
-  EXPECT_THAT(noLibrary.status().missing, HasSubstr("libpocketsphinx.so.3: cannot open"));
+  EXPECT_EQ(noLibrary.status().missing,
+            "libpocketsphinx.so.3: cannot open shared object file. Install the packages libpocketsphinx3 and "
+            "pocketsphinx-en-us");
+
+  EarProcess noSpelling(loop, shell("echo 'libflite.so.1: cannot open shared object file' >&2; exit 127"));
+  noSpelling.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(noSpelling, State::kFailed));
+  EXPECT_THAT(noSpelling.status().missing, testing::EndsWith(". Install the package libflite1"));
+
+  EarProcess noReason(loop, shell("exit 1"));
+  noReason.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(noReason, State::kFailed));
+  EXPECT_EQ(noReason.status().missing, "It has ended") << "no package would help";
 }
 
 }  // namespace
