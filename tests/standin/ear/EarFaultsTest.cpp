@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <memory>
 
 #include "standin/ear/EarOfItsOwn.hpp"
 #include "support/TempFolder.hpp"
@@ -215,6 +216,111 @@ TEST_F(EarThatIsStartedAgain, ThePauseBetweenFailuresGrows) {
   EXPECT_EQ(startsAfter(std::chrono::seconds(1)), before + 1) << "ten minutes are the longest";
   EXPECT_EQ(startsAfter(std::chrono::seconds(599)), before + 1);
   EXPECT_EQ(startsAfter(std::chrono::seconds(1)), before + 2);
+}
+
+TEST_F(EarThatIsStartedAgain, WhoIsBeingHeardIsAnsweredByTheOneWhoHasBegun) {
+  const ear::SpeechNetwork network = NetworkFor("Stop");
+  const std::size_t learnt = ear::Framed(ear::MessageKind::kLearn, ear::Encoded(network)).size();
+  const std::size_t sound = ear::Framed(ear::MessageKind::kHear, ear::SoundContent(anything)).size();
+  const std::string hears = "head -c " + std::to_string(learnt + sound) + " >/dev/null; ";
+  EarProcess ear(loop, inTurn({ready() + hears + until("go") + answering("the old one") + kSleep,
+                               ready() + hears + answering("the new one") + kSleep}));
+  ear.learn(network);
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const pid_t first = ear.process();
+  std::string old;
+  ear.hear(anything, [&](const Heard& heard) { old = heard.words; });
+  ear.learn(network);
+  ASSERT_TRUE(eventually([&] { return ear.process() != first; }));
+  EXPECT_EQ(heard(ear, anything)->words, "the new one");
+  EXPECT_EQ(old, "");
+  make("go");
+  EXPECT_TRUE(eventually([&] { return old == "the old one"; }));
+  EXPECT_TRUE(eventually([&] { return ::kill(first, 0) != 0; })) << "nobody needs it any more";
+}
+
+TEST_F(EarWithFaults, OfManyWhoSpeakAtOnceEightAreHeard) {
+  EarProcess ear(loop, shell(ready() + kSleep));
+  std::vector<std::string> told;
+  const auto speak = [&] { ear.hear(anything, [&](const Heard& heard) { told.push_back(heard.reason); }); };
+  ear.learn(NetworkFor("Stop"));
+  for (int i = 0; i < 4; ++i) speak();  // who waits for it counts, too
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  for (int i = 0; i < 4; ++i) speak();
+  EXPECT_THAT(told, testing::IsEmpty());
+  speak();
+  EXPECT_THAT(told, testing::ElementsAre("too many are speaking at once"));
+}
+
+TEST_F(EarWithFaults, ItsDeathIsToldOnceToEachWhoWaits) {
+  EarProcess::Options options = shell(ready() + kSleep);
+  options.pause = std::chrono::hours(1);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  std::vector<std::string> told(3);
+  for (std::string& each : told) ear.hear(anything, [&](const Heard& heard) { each += heard.reason; });
+  ::kill(ear.process(), SIGKILL);
+  ASSERT_TRUE(becomes(ear, State::kFailed));
+  for (int i = 0; i < 5; ++i) loop.turn(base::Milliseconds(0));
+  EXPECT_THAT(told, testing::Each("the recogniser has failed. It has ended"));
+  EXPECT_EQ(heard(ear, anything)->reason, "It has ended") << "it rests";
+}
+
+TEST_F(EarWithFaults, WhoIsToldOfItsDeathMaySpeakAgainAtOnce) {
+  EarProcess::Options options = shell(ready() + kSleep);
+  options.pause = std::chrono::hours(1);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Stop"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  std::vector<std::string> told;
+  ear.hear(anything, [&](const Heard& first) {
+    told.push_back(first.reason);
+    ear.hear(anything, [&](const Heard& second) { told.push_back(second.reason); });
+  });
+  ::kill(ear.process(), SIGKILL);
+  EXPECT_TRUE(eventually([&] { return told.size() == 2; }));
+  EXPECT_THAT(told, testing::ElementsAre("the recogniser has failed. It has ended", "It has ended"));
+}
+
+TEST_F(EarWithFaults, OneThatNeverAnswersASoundIsGivenUp) {
+  EarProcess::Options options = shell(ready() + kSleep);
+  options.hears = base::Milliseconds(200);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Stop"));
+  const std::optional<Heard> told = heard(ear, anything);
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->reason, "the recogniser has failed. It gave no answer in time");
+  EXPECT_TRUE(becomes(ear, State::kFailed));
+}
+
+TEST_F(EarThatIsStartedAgain, OfASoundThatIsTooLongHalfAMinuteIsHeard) {
+  const ear::SpeechNetwork network = NetworkFor("Stop");
+  const std::size_t learnt = ear::Framed(ear::MessageKind::kLearn, ear::Encoded(network)).size();
+  const std::string size = (folder.path() / "size").string();
+  EarProcess ear(loop, shell(ready() + "head -c " + std::to_string(learnt + 4) + " >/dev/null; " +
+                             "head -c 4 | od -An -t u4 >" + size + "; " + answering("stop") + kSleep));
+  ear.learn(network);
+  const std::optional<Heard> told = heard(ear, std::vector<std::int16_t>(16000 * 31, 1));
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->words, "stop");
+  int bytes = 0;
+  std::ifstream(size) >> bytes;
+  EXPECT_EQ(bytes, 30 * 16000 * 2);
+}
+
+TEST_F(EarThatIsStartedAgain, ItMayGoWhileItsProcessesStillSpeak) {
+  const std::filesystem::path spoken = folder.path() / "spoken";
+  auto ear = std::make_unique<EarProcess>(loop, shell(ready() + "mkdir " + spoken.string() + "; " + kSleep));
+  int told = 0;
+  ear->onChange = [&] { ++told; };
+  ear->learn(NetworkFor("Stop"));
+  ASSERT_TRUE(support::Eventually([&] { return std::filesystem::exists(spoken); }));
+  ear->learn(NetworkFor("Stop|Next"));  // the first one's word hasn't been read yet
+  EXPECT_EQ(told, 1);
+  ear.reset();
+  for (int i = 0; i < 5; ++i) loop.turn(base::Milliseconds(20));
+  EXPECT_EQ(told, 1);
 }
 
 }  // namespace

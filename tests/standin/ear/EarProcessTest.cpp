@@ -1,5 +1,6 @@
 // A recogniser in a process of its own: one that works, and those that don't.
 #include <csignal>
+#include <random>
 
 #include "standin/ear/EarOfItsOwn.hpp"
 #include "support/Spoken.hpp"
@@ -97,6 +98,46 @@ TEST_F(EarOfItsOwn, OneThatIsNotThereSaysWhatIsMissing) {
   noReason.learn(NetworkFor("Stop"));
   ASSERT_TRUE(becomes(noReason, State::kFailed));
   EXPECT_EQ(noReason.status().missing, "It has ended") << "no package would help";
+}
+
+TEST_F(EarOfItsOwn, WhatIsTaughtBeforeItIsReadyTakesThePlaceOfWhatWasTaughtFirst) {
+  EarProcess ear(loop, {.program = EAR_PROGRAM});
+  ear.learn(NetworkFor("Stop"));
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  const std::optional<Heard> told = heard(ear, support::Spoken("play album night shift"));
+  ASSERT_TRUE(told);
+  EXPECT_EQ(told->words, "play album night shift");
+}
+
+TEST_F(EarOfItsOwn, BytesOfAnyKindAreNoDangerToTheProgram) {
+  EarProcess ear(loop, {.program = EAR_PROGRAM});
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const pid_t process = ear.process();
+  std::minstd_rand random(7);
+  std::vector<std::int16_t> noise(16000);
+  for (std::int16_t& each : noise) each = static_cast<std::int16_t>(random());
+  for (const std::vector<std::int16_t>& sound :
+       {noise, {}, {1}, std::vector<std::int16_t>(16000, -32768), std::vector<std::int16_t>(7, 32767)}) {
+    const std::optional<Heard> told = heard(ear, sound);
+    ASSERT_TRUE(told);
+    EXPECT_NE(told->kind, Kind::kDeaf) << told->reason;
+  }
+  EXPECT_EQ(ear.process(), process) << "it is still the same";
+
+  // And what no server would tell it.
+  const std::string messages[] = {ear::Framed(ear::MessageKind::kHear, "before it has learnt") +
+                                      ear::Framed(ear::MessageKind::kLearn, "x"),
+                                  std::string(100, '\377')};
+  for (const std::string& each : messages) {
+    support::Process program({"sh", "-c", "{ " + printing(each) + "} | " EAR_PROGRAM});
+    EXPECT_EQ(program.wait(), 1);
+    std::string come = program.output();
+    const std::optional<ear::Message> told = ear::TakeMessage(come);
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->kind, ear::MessageKind::kFailed);
+    EXPECT_NE(told->content, "");
+  }
 }
 
 }  // namespace
