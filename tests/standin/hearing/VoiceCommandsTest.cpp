@@ -1,6 +1,7 @@
 // What becomes of what is typed, spoken and said by scripts, with a recogniser that hears what the test
 // wants.
 #include "standin/hearing/HearingHouse.hpp"
+#include "standin/house/EventRows.hpp"
 
 namespace {
 
@@ -87,6 +88,154 @@ TEST_F(SpokenCommands, OfManyQuestionsTheOldestIsForgotten) {
   EXPECT_EQ(say("first", {"ben"}).kind, Kind::kDone);
   EXPECT_EQ(say("second", {"guest 98"}).kind, Kind::kDone);
   EXPECT_THAT(done(), ElementsAre("Play Night Shift", "Play Night Shirt"));
+}
+
+TEST_F(SpokenCommands, HowSureTheEarIsSaysWhatIsDone) {
+  EXPECT_EQ(spoken("play night shift", 0.29).says, "That was not understood");
+  for (const double perhaps : {0.30, 0.59}) {
+    const Understanding told = spoken("play night shift", perhaps);
+    EXPECT_EQ(told.kind, Kind::kUnclear);
+    EXPECT_EQ(told.says, "Did you mean “Play Night Shift”?");
+    EXPECT_EQ(told.confidence, perhaps);
+    EXPECT_EQ(told.heard, "play night shift");
+  }
+  EXPECT_THAT(done(), IsEmpty());
+  const Understanding told = spoken("play night shift", 0.60);
+  EXPECT_EQ(told.kind, Kind::kDone);
+  EXPECT_THAT(told.events, ElementsAre("Play VR"));
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
+}
+
+TEST_F(SpokenCommands, AQuestionIsAnsweredByVoice) {
+  for (const char* yes : {"yes", "first"}) {
+    spoken("play night shift", 0.5);
+    EXPECT_EQ(spoken(yes, 0.9).kind, Kind::kDone) << yes;
+  }
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift", "Play Night Shift"));
+  question();
+  EXPECT_EQ(spoken("second", 0.4).command, "Play Night Shirt") << "it was asked for";
+  question();
+  EXPECT_EQ(spoken("no", 0.9).says, "Nothing was done");
+  EXPECT_EQ(spoken("first", 0.9).kind, Kind::kUnknown) << "it has been answered";
+  EXPECT_EQ(done().size(), 3U);
+}
+
+TEST_F(SpokenCommands, AQuestionIsOpenForAMinute) {
+  question();
+  passed += std::chrono::seconds(60);
+  EXPECT_EQ(say("first").kind, Kind::kDone);
+  question();
+  passed += std::chrono::seconds(61);
+  EXPECT_EQ(say("first").kind, Kind::kUnknown);
+  EXPECT_EQ(done().size(), 1U);
+}
+
+TEST_F(SpokenCommands, NobodyAnswersAnothersQuestion) {
+  question("ann");
+  EXPECT_EQ(say("first", {"ben"}).kind, Kind::kUnknown);
+  EXPECT_EQ(spoken("first", 0.9, "ben").kind, Kind::kUnknown);
+  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_EQ(say("second", {"ann"}).kind, Kind::kDone);
+  EXPECT_THAT(done(), ElementsAre("Play Night Shirt"));
+}
+
+TEST_F(SpokenCommands, TwoWhoSpeakAtOnceAreEachAnswered) {
+  Understood ann;
+  Understood ben;
+  speak(ann, "ann");
+  speak(ben, "ben");
+  hear("play night shift", 0.9);
+  ASSERT_TRUE(ann);
+  EXPECT_FALSE(ben);
+  hear("play night shirt", 0.5);
+  ASSERT_TRUE(ben);
+  EXPECT_EQ(ann->command, "Play Night Shift");
+  EXPECT_EQ(ben->kind, Kind::kUnclear);
+  EXPECT_EQ(say("yes", {"ann"}).kind, Kind::kUnknown) << "ben was asked";
+  EXPECT_EQ(say("yes", {"ben"}).command, "Play Night Shirt");
+}
+
+TEST_F(SpokenCommands, WhatCanNoLongerBeSaidIsNotDone) {
+  question();
+  house.events.put(event, &standin::Event::vcmd, std::string("Play (Night Shift)"));
+  EXPECT_NE(say("second").kind, Kind::kDone);
+  Understood understood;
+  speak(understood);
+  house.events.put(event, &standin::Event::vcmd, std::string("Play (Long Day)"));
+  hear("play night shift", 0.9);
+  ASSERT_TRUE(understood);
+  EXPECT_NE(understood->kind, Kind::kDone);
+  EXPECT_THAT(done(), IsEmpty());
+}
+
+TEST_F(SpokenCommands, WhatHasGoneWhileItWasHeardIsNotDone) {
+  Understood understood;
+  speak(understood);
+  house.devices.remove(device);
+  hear("play night shift", 0.9);
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kUnknown) << "no device listens to it";
+
+  understood.reset();
+  speak(understood);
+  standin::EraseEvent(house.database, event);
+  house.events.reload(event);
+  hear("play night shift", 0.9);
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kUnknown);
+  EXPECT_THAT(done(), IsEmpty());
+}
+
+TEST_F(SpokenCommands, ADeafHouseSaysWhyAndSilenceIsNobody) {
+  question();
+  Understood understood;
+  speak(understood);
+  answer({.kind = Heard::Kind::kDeaf, .reason = "there is no model"});
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kDeaf);
+  EXPECT_EQ(understood->says, "The house can’t listen: there is no model");
+  speak(understood);
+  answer({.kind = Heard::Kind::kSilence});
+  EXPECT_EQ(understood->kind, Kind::kSilence);
+  EXPECT_EQ(understood->says, "Nobody was heard speaking");
+  EXPECT_EQ(say("first").kind, Kind::kDone) << "neither was an answer";
+}
+
+TEST_F(SpokenCommands, WhatThePluginCannotDoIsTold) {
+  keeper.stop();
+  const Understanding told = say("play night shift");
+  EXPECT_EQ(told.kind, Kind::kFailed);
+  EXPECT_EQ(told.says, "The plug-in isn't running");
+}
+
+TEST_F(SpokenCommands, TheEarLearnsWhatIsNewOnceSomebodyListens) {
+  const auto follow = [&] {
+    passed += std::chrono::milliseconds(500);
+    for (int i = 0; i < 5; ++i) loop.turn(base::Milliseconds(0));
+  };
+  house.events.put(event, &standin::Event::vcmd, std::string("Play (Night Shift)"));
+  follow();
+  EXPECT_THAT(ear.learnt, IsEmpty()) << "nobody has ever spoken";
+  commands->wake();
+  ASSERT_EQ(ear.learnt.size(), 1U);
+  EXPECT_EQ(ear.retried, 0);
+  commands->wake();
+  EXPECT_EQ(ear.learnt.size(), 1U) << "it knows that";
+  EXPECT_EQ(ear.retried, 1) << "but it may have failed";
+  for (const char* pattern : {"Play (Long Day)", "Play (Long Day|Afternoon)"})
+    house.events.put(event, &standin::Event::vcmd, std::string(pattern));
+  follow();
+  ASSERT_EQ(ear.learnt.size(), 2U) << "once for both";
+  EXPECT_THAT(ear.learnt.back().words, testing::Contains("afternoon"));
+}
+
+TEST_F(SpokenCommands, WhatIsHeardAfterTheEndIsNobodys) {
+  Understood understood;
+  speak(understood);
+  commands.reset();
+  hear("play night shift", 0.9);
+  EXPECT_FALSE(understood);
+  EXPECT_EQ(house.onSay("play night shift"), "");
 }
 
 }  // namespace
