@@ -17,7 +17,6 @@
 #include "engine/common/Config.hpp"
 #include "pictures/CoverDesk.hpp"
 #include "platform/PosixPlatform.hpp"
-#include "player/WindowlessPopup.hpp"
 #include "plugin/Plugin.hpp"
 
 namespace {
@@ -66,9 +65,7 @@ int Serve() {
   UserPlatform platform(machine, [&](base::BoxKind kind, const std::string& title, const std::string& text) {
     desktop.messageBox(kind, title, text);
   });
-  player::WindowlessPopup popup;
   RegisteredObjects objects;
-  plugin::MediaMenus menus;
   pictures::CoverDesk covers;
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
@@ -76,26 +73,23 @@ int Serve() {
   FirstMeeting meeting(loop);
 
   plugin::Plugin plugin(
-      {loop,
-       platform,
-       [&](player::WMP9Events& events) {
-         if (!configProblem.empty()) tell(configProblem);
-         // The plug-in's own words name no cause, so it is told beside them.
-         return base::Handled(
-             [&] { return engine::MakePlayer(loop, config, events, tell, [&] { meeting.met(); }); },
-             [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
-               tell(failure.description());
-               throw failure;
-             });
-       },
-       popup,
-       {menus, desktop, objects},
-       nullptr,
-       desktop.progress(),
-       nullptr,
-       nullptr,
-       &covers,
-       {config.metadataAddress, config.coverAddress}});
+      {.loop = loop,
+       .platform = platform,
+       .makePlayer =
+           [&](player::WMP9Events& events) {
+             if (!configProblem.empty()) tell(configProblem);
+             // The plug-in's own words name no cause, so it is told beside them.
+             return base::Handled(
+                 [&] { return engine::MakePlayer(loop, config, events, tell, [&] { meeting.met(); }); },
+                 [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
+                   tell(failure.description());
+                   throw failure;
+                 });
+           },
+       .neighbours = {desktop, objects},
+       .progressView = desktop.progress(),
+       .coverFiles = &covers,
+       .coverServices = {config.metadataAddress, config.coverAddress}});
   owner = &plugin;
   meeting.meetIn(plugin);
   log.connect(plugin.host);

@@ -1,7 +1,7 @@
 #pragma once
 #include "catalogue/BenchLibrary.hpp"
+#include "pages/SilentPopup.hpp"
 #include "pages/WebEditorForm.hpp"
-#include "player/WindowlessPopup.hpp"
 
 namespace bench {
 
@@ -63,7 +63,7 @@ struct BenchPages {
   BenchHouse house{library};
   plugin::Settings settings{house.host};
   player::StateQueue queue{house.loop, house.host, house.loggers, [](std::int32_t) {}};
-  player::WindowlessPopup popup;
+  SilentPopup popup;
   player::WMPCalls calls{house.form, queue, house.host, settings, house.state, popup, house.loop};
   SilentDesktop desktop;
   std::shared_ptr<pages::WebSetupForm> setup = std::make_shared<pages::WebSetupForm>(

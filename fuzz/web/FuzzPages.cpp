@@ -12,7 +12,6 @@
 
 #include "base/Text.hpp"
 #include "fuzz/Alphabet.hpp"
-#include "player/WindowlessPopup.hpp"
 #include "plugin/Plugin.hpp"
 #include "support/FakeLibrary.hpp"
 #include "support/VirtualLoop.hpp"
@@ -57,7 +56,6 @@ class FuzzHost : public base::Object {
 };
 
 class FuzzNeighbours : public base::Platform,
-                       public plugin::MediaMenus,
                        public plugin::Desktop,
                        public plugin::ObjectFactory {
  public:
@@ -149,7 +147,6 @@ class PostedPages {
   support::VirtualLoop loop;
   std::shared_ptr<FuzzHost> host = std::make_shared<FuzzHost>();
   FuzzNeighbours neighbours;
-  player::WindowlessPopup popup;
   std::deque<std::string> between;
   std::size_t posted = 0;
   int depth = 0;
@@ -161,8 +158,7 @@ class PostedPages {
                            library.into(*made);
                            return made;
                          },
-                         popup,
-                         {neighbours, neighbours, neighbours}}};
+                         {neighbours, neighbours}}};
 };
 
 }  // namespace

@@ -4,6 +4,11 @@
 
 namespace player {
 
+// Where `setWindowPos` puts a window, and its flags for no move, no size, no activation, show.
+inline constexpr std::int32_t kTopmost = -1;
+inline constexpr std::int32_t kNotTopmost = -2;
+inline constexpr std::int32_t kStackAndShow = 83;
+
 /// What the player's logic asks of its popup window. All lengths are in twips, 1/1440 inch.
 class PopupView {
  public:
@@ -36,6 +41,8 @@ class PopupView {
   virtual void check(const std::string& menuItem, bool value) = 0;
   /// Asks for the window to follow `DisplayControlsShown` within a second.
   virtual void armVisibility() = 0;
+  /// What its transport bar shows may have changed.
+  virtual void transportChanged() {}
 };
 
 }  // namespace player

@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::int16_t kStatusOn = 2;
 constexpr std::int16_t kStatusOff = 3;
-// SetWindowPos: topmost, not topmost, and no move, no size, no activation, show.
-constexpr std::int32_t kTopmost = -1;
-constexpr std::int32_t kNotTopmost = -2;
-constexpr std::int32_t kStackAndShow = 83;
 
 /// The value that a setter is to bring about: the opposite of `current()` for the word "toggle".
 template <class Current>
@@ -49,6 +45,8 @@ void WMPCalls::SetMute(const Value& value) {
   step([&] {
     host_.SetDeviceStringByName(device, state_.AlbumIconTag + (muted() ? "Muted" : "Not Muted"), true);
   });
+  // The volume too: whoever changes it comes through here.
+  step([&] { popup_.transportChanged(); });
 }
 
 void WMPCalls::setMode(const char* mode, const Value& value) {

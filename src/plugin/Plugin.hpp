@@ -20,6 +20,8 @@
 #include "plugin/commands/Dispatch.hpp"
 #include "plugin/commands/SpeechInterlock.hpp"
 #include "ui/ProgBar.hpp"
+#include "ui/popup/PopupForm.hpp"
+#include "ui/popup/WindowlessPopup.hpp"
 
 namespace plugin {
 
@@ -28,8 +30,10 @@ struct PluginGround {
   base::Loop& loop;
   base::Platform& platform;
   player::PlayerFactory makePlayer;
-  player::PopupView& popup;
   Neighbours neighbours;
+  player::PopupView* popup = nullptr;       ///< in the place of the plug-in's own popup controls
+  ui::PopupWindow* popupWindow = nullptr;   ///< their window; none on a machine without a display
+  MediaMenus* menus = nullptr;              ///< in the place of the popup controls' own
   LibraryCalls* library = nullptr;          ///< in the place of the plug-in's own
   ui::ProgBarView* progressView = nullptr;  ///< none on a machine without a display
   WebForms* web = nullptr;                  ///< in the place of the plug-in's own pages
@@ -53,6 +57,11 @@ class Plugin {
   Loggers loggers;
   player::StaleMarks stale;
   player::StateQueue queue;
+  ui::WindowlessPopup noPopupWindow;
+  ui::PopupWindow& popupWindow;
+  ui::PopupMenus popupMenus;
+  ui::PopupControls popupControls;
+  player::PopupView& popup;
   player::WMPCalls calls;
   base::LoopDayClock clock;
   ui::WindowlessProgBar noProgressView;
@@ -71,6 +80,8 @@ class Plugin {
   automation::Devices devices;
   automation::VoiceEvents voiceEvents;
   MediaEvents& mediaEvents;
+  ui::PopupLists popupLists;
+  ui::PopupForm popupForm;
   automation::OpenActionDialog openActionDialog;
   automation::ActionDropLists actionDropLists;
   automation::ActionDialog actionDialog;

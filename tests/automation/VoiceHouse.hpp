@@ -44,6 +44,7 @@ class VoiceHouse : public House {
     std::shared_ptr<EventDevices> devices = std::make_shared<EventDevices>();
   };
 
+  explicit VoiceHouse(ui::PopupWindow* popupWindow = nullptr) : House(Pages::kFakes, popupWindow) {}
   void SetUp() override {
     preparePlayer = [this](support::FakePlayer& made) { library.into(made); };
     plugin.form.load();

@@ -15,7 +15,8 @@ class FakeMedia : public player::Media {
   std::string title;
   std::map<std::string, std::string> info;
   double seconds = 0;
-  std::string picture;  ///< the address of the picture in it
+  std::string picture;      ///< the address of the picture in it
+  std::int32_t height = 0;  ///< of the picture that it moves, in pixels
 
   FakeMedia(std::string name, std::string artist, std::string album, std::string genre)
       : title(std::move(name)),
@@ -33,7 +34,7 @@ class FakeMedia : public player::Media {
   }
   [[nodiscard]] double duration() const override { return seconds; }
   [[nodiscard]] std::string durationString() const override { return "03:25"; }
-  [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
+  [[nodiscard]] std::int32_t imageSourceHeight() const override { return height; }
 };
 
 /// A player that records what it is told and does nothing of its own accord.
@@ -60,6 +61,7 @@ class FakePlayer : public player::WMP9,
   player::MediaRef media;
   player::PlaylistRef playlist;
   double position = 0;
+  bool full = false;                                ///< screen
   player::MediaCollection* mediaLibrary = nullptr;  ///< such as those of a FakeLibrary
   player::PlaylistCollection* playlistLibrary = nullptr;
   std::vector<player::ErrorItem> errors;
@@ -92,8 +94,8 @@ class FakePlayer : public player::WMP9,
   [[nodiscard]] std::string versionInfo() const override { return version; }
   player::ErrorQueue& Error() override { return *this; }
   player::CdromCollection& cdromCollection() override { return *this; }
-  [[nodiscard]] bool fullScreen() const override { return false; }
-  void fullScreen(bool /*value*/) override {}
+  [[nodiscard]] bool fullScreen() const override { return full; }
+  void fullScreen(bool value) override { full = value; }
   [[nodiscard]] bool isOnline() const override { return online; }
   player::MediaCollection& mediaCollection() override { return Present(mediaLibrary); }
   player::PlaylistCollection& playlistCollection() override { return Present(playlistLibrary); }

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "player/WindowlessPopup.hpp"
 #include "plugin/Plugin.hpp"
 #include "support/FakeHost.hpp"
 #include "support/FakePlayer.hpp"
@@ -136,7 +135,9 @@ class House : public ::testing::Test {
   /// Whose pages the plug-in shows.
   enum class Pages { kFakes, kOwn };
 
-  explicit House(Pages pages = Pages::kFakes) : pages_(pages), host(std::make_shared<FakeHost>(journal)) {
+  /// With a window, the popup controls are the plug-in's own too.
+  explicit House(Pages pages = Pages::kFakes, ui::PopupWindow* popupWindow = nullptr)
+      : pages_(pages), popupWindow_(popupWindow), host(std::make_shared<FakeHost>(journal)) {
     // The host hands out itself as its second object; the test breaks the circle at its end.
     host->self = host;
   }
@@ -178,6 +179,7 @@ class House : public ::testing::Test {
   }
 
   const Pages pages_;
+  ui::PopupWindow* const popupWindow_;
   Journal journal;
   VirtualLoop loop;
   std::shared_ptr<FakeHost> host;
@@ -197,8 +199,10 @@ class House : public ::testing::Test {
                            preparePlayer(*made);
                            return made;
                          },
-                         popup,
-                         {neighbours, neighbours, neighbours},
+                         {neighbours, neighbours},
+                         popupWindow_ == nullptr ? &popup : nullptr,
+                         popupWindow_,
+                         popupWindow_ == nullptr ? &neighbours : nullptr,
                          &neighbours,
                          nullptr,
                          pages_ == Pages::kFakes ? &neighbours : nullptr,

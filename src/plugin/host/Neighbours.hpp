@@ -81,7 +81,6 @@ class ObjectFactory : public Neighbour {
 };
 
 struct Neighbours {
-  MediaMenus& menus;
   Desktop& desktop;
   ObjectFactory& objects;
 };

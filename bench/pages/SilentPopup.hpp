@@ -1,10 +1,10 @@
 #pragma once
 #include "player/PopupView.hpp"
 
-namespace player {
+namespace bench {
 
-/// The popup window of a machine without a desktop: it keeps its place and shows nothing.
-class WindowlessPopup : public PopupView {
+/// A popup window that costs nothing.
+class SilentPopup : public player::PopupView {
  public:
   [[nodiscard]] float top() const override { return top_; }
   void top(float value) override { top_ = value; }
@@ -29,4 +29,4 @@ class WindowlessPopup : public PopupView {
   float left_ = 0;
 };
 
-}  // namespace player
+}  // namespace bench
