@@ -6,6 +6,7 @@
 #include "PluginLog.hpp"
 #include "desktop/loader/WindowsModule.hpp"
 #include "plugin/host/Neighbours.hpp"
+#include "ui/SysTrayForm.hpp"
 #include "ui/WindowlessMsgForm.hpp"
 #include "ui/myMsgForm.hpp"
 
@@ -25,9 +26,13 @@ class UserDesktop : public plugin::Desktop {
         }) {}
 
   /// To be called before a message is shown.
-  void connect(plugin::HostServices& host) {
+  void connect(plugin::HostServices& host, player::WMPCalls& calls) {
     message_.emplace(windows_ ? windows_->message() : unseenMessage_, host, loop_);
+    tray_.emplace(unseenTray_, calls);
   }
+
+  void ShowTrayIcon(bool show) override { tray_->ShowTrayIcon(show); }
+  void unloadTray() override { tray_->unload(); }
 
   std::int16_t ShowTimedMessage(const std::string& title, const std::string& text,
                                 std::int16_t seconds) override {
@@ -45,4 +50,6 @@ class UserDesktop : public plugin::Desktop {
   std::unique_ptr<desktop::Windows> windows_;
   ui::WindowlessMsgForm unseenMessage_;
   std::optional<ui::myMsgForm> message_;
+  ui::WindowlessTray unseenTray_;
+  std::optional<ui::SysTrayForm> tray_;
 };

@@ -93,7 +93,7 @@ int Serve() {
   owner = &plugin;
   meeting.meetIn(plugin);
   log.connect(plugin.host);
-  desktop.connect(plugin.host);
+  desktop.connect(plugin.host, plugin.calls);
   objects.provide(std::make_shared<script::ScriptClass>(
       script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
                           plugin.catalogue, plugin.library, plugin.mediaEvents}));

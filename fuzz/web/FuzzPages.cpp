@@ -55,9 +55,7 @@ class FuzzHost : public base::Object {
   void put(std::string_view /*name*/, const base::Value& /*value*/) override {}
 };
 
-class FuzzNeighbours : public base::Platform,
-                       public plugin::Desktop,
-                       public plugin::ObjectFactory {
+class FuzzNeighbours : public base::Platform, public plugin::Desktop, public plugin::ObjectFactory {
  public:
   std::int32_t osMajorVersion() override { return 6; }
   void setPriorityClass(std::int32_t /*value*/) override {}
