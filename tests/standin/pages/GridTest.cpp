@@ -122,7 +122,10 @@ TEST_F(Grid, IsReadOutInTheOrderInWhichItStands) {
   };
   ASSERT_TRUE(scrolledTo(150));
   ASSERT_TRUE(scrolledTo(100));
-  ASSERT_TRUE(scrolledTo(90));
+  ASSERT_TRUE(scrolledTo(90)) << browser.run(
+      "const grid = document.querySelector('.grid');"
+      "return [grid.scrollTop, grid.clientHeight, [...document.querySelectorAll('.tile')].map(tile => "
+      "`${tile.dataset.index}: ${tile.getBoundingClientRect().top}, ${tile.textContent}`)]");
   const json tiles = order();
   ASSERT_TRUE(tiles.is_number()) << browser.run(
       "return [...document.querySelectorAll('.tile')].map(tile => tile.dataset.index)");
@@ -132,6 +135,21 @@ TEST_F(Grid, IsReadOutInTheOrderInWhichItStands) {
                         "tile.getAttribute('aria-setsize') === '300' && "
                         "Number(tile.getAttribute('aria-posinset')) === Number(tile.dataset.index) + 1)"),
             true);
+}
+
+TEST_F(Grid, WhatABusyHouseHasLetFallComesWithoutBeingScrolledTo) {
+  open();
+  browser.run(R"(
+      const real = window.fetch;
+      window.refused = 0;
+      window.fetch = (path, ...more) => {
+        if (!String(path).includes('offset=200') || window.refused === 2) return real(path, ...more);
+        window.refused++;
+        return Promise.reject(new TypeError('nobody answers'));
+      };
+      document.querySelector('.grid').scrollTop = 1e6;)");
+  EXPECT_TRUE(shows(kAlbums - 1));
+  EXPECT_EQ(browser.run("return window.refused"), 2);
 }
 
 TEST_F(Grid, IsAsItWasWhenOneComesBackToIt) {

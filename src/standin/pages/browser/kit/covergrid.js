@@ -104,6 +104,7 @@ export class CoverGrid {
   }
 
   #dataChanged() {
+    if (!this.node.isConnected) return;  // its page has been left
     this.#sized();
     this.#show();
   }

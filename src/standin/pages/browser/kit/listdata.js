@@ -1,5 +1,6 @@
 // What is known of a long list: pages of it are fetched as they are asked for.
 const kPage = 100;
+const kAgain = 2000;  // milliseconds until what could not be fetched is asked for again
 
 export class ListData {
   #fetchPage;
@@ -10,7 +11,10 @@ export class ListData {
   #turn = 0;     // what was asked for in an earlier one is too old
   total = 0;
 
-  /** `fetchPage(offset, limit)` answers {names, total} and may answer `places`; `changed()` hears of what has come. */
+  /**
+   * `fetchPage(offset, limit)` answers {names, total} and may answer `places`; `changed()` hears of what has come, or
+   * may be asked for again, and answers at once.
+   */
   constructor(fetchPage, changed) {
     this.#fetchPage = fetchPage;
     this.#changed = changed;
@@ -34,7 +38,9 @@ export class ListData {
       const answer = await this.#fetchPage(number * kPage, kPage);
       if (mine !== this.#turn) return;
       this.#take(answer, number * kPage);
-    } catch {  // asked for again when it is scrolled to
+    } catch {
+      // A busy house may have let it fall; what is still in sight then is asked for again.
+      if (mine === this.#turn) setTimeout(() => mine === this.#turn && this.#changed(), kAgain);
       return;
     } finally {
       if (mine === this.#turn) this.#pending.delete(number);

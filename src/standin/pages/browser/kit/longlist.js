@@ -149,6 +149,7 @@ class LongList {
   }
 
   #dataChanged() {
+    if (!this.node.isConnected) return;  // its page has been left
     this.#sized();
     this.#show();
   }
