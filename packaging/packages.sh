@@ -5,7 +5,7 @@
 BUILD_PACKAGES=(
   ca-certificates g++ cmake ninja-build pkg-config ccache
   libsystemd-dev libexpat1-dev libmpv-dev libtag1-dev libsqlite3-dev libcdio-dev libsndfile1-dev zlib1g-dev
-  libcpp-httplib-dev libcurl4-openssl-dev libsodium-dev nlohmann-json3-dev
+  libcpp-httplib-dev libcurl4-openssl-dev libssl-dev libsodium-dev nlohmann-json3-dev
   libpocketsphinx-dev flite1-dev liblua5.4-dev libespeak-ng-dev libutf8proc-dev libgdk-pixbuf-2.0-dev libpng-dev
   qt6-base-dev libglib2.0-dev libxcb1-dev
 )

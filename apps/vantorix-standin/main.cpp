@@ -24,6 +24,7 @@
 #include "standin/house/SettingsFlusher.hpp"
 #include "standin/http/PageRoutes.hpp"
 #include "standin/http/RefusedPosts.hpp"
+#include "standin/http/Tls.hpp"
 #include "standin/http/WebServer.hpp"
 #include "standin/player/LibrarySearch.hpp"
 #include "standin/player/NowPlaying.hpp"
@@ -50,7 +51,10 @@ int Serve(const Options& options) {
   bus::PollLoop loop;
   bus::Connection connection(loop, options.bus);
   connection.claimName("org.vantorix.Host");
-  WebPort port(options.listen, options.port);
+  std::unique_ptr<TlsIdentity> identity;
+  if (!options.tlsCertificate.empty())
+    identity = std::make_unique<TlsIdentity>(options.tlsCertificate, options.tlsKey);
+  WebPort port(options.listen, options.port, std::move(identity));
   // A name that isn't this machine's own is given for those who come from elsewhere, by way of another
   // server.
   const bool local = IsLoopback(options.listen) &&
@@ -66,6 +70,7 @@ int Serve(const Options& options) {
         "and --allow-host, and set one on the page \"Account\" first");
   }
   house.webPort = port.port();
+  house.webCertificate = options.tlsCertificate;
   if (!IsAnyAddress(options.listen)) house.webHost = HostOf(options.listen);
   if (!options.version.empty()) house.version = options.version;
 
@@ -142,8 +147,8 @@ int Serve(const Options& options) {
                                .htmlFolder = house.htmlFolder()});
     const AddressFile file(options.data);
     const auto address = [&] {
-      return "http://" + HostOf(options.listen) + ":" + std::to_string(port.port()) + "/" +
-             (visitors.byKey() ? "?key=" + visitors.key() : "");
+      return (port.speaksTls() ? "https://" : "http://") + HostOf(options.listen) + ":" +
+             std::to_string(port.port()) + "/" + (visitors.byKey() ? "?key=" + visitors.key() : "");
     };
     visitors.passwordChanged = [&] { file.write(address()); };
     file.write(address());

@@ -51,6 +51,8 @@ std::string Usage() {
          "  --data FOLDER      where the house is kept ($XDG_DATA_HOME/vantorix/server)\n"
          "  --bus ADDRESS      message bus (the session's)\n"
          "  --allow-host NAME  a further name that browsers may call this server by; may be repeated\n"
+         "  --tls-cert FILE    speak https: the server's certificate (PEM), with those that vouch for it\n"
+         "  --tls-key FILE     the key to it (in the certificate's file, if not named)\n"
          "  --host-version V   the version that plug-ins are told\n"
          "  --script-seconds N how long a script may compute (30)\n"
          "  --address          print the address of the running server, with the owner's key in it, and end\n"
@@ -70,7 +72,8 @@ Options ReadOptions(const std::vector<std::string>& words) {
       continue;
     }
     const bool known = word == "--port" || word == "--listen" || word == "--data" || word == "--bus" ||
-                       word == "--allow-host" || word == "--host-version" || word == "--script-seconds";
+                       word == "--allow-host" || word == "--host-version" || word == "--script-seconds" ||
+                       word == "--tls-cert" || word == "--tls-key";
     if (!known) Refuse("Unknown option " + word);
     if (i + 1 == words.size()) Refuse(word + " needs a value");
     const std::string& value = words[++i];
@@ -84,12 +87,18 @@ Options ReadOptions(const std::vector<std::string>& words) {
       options.bus = value;
     } else if (word == "--script-seconds") {
       options.scriptSeconds = SecondsOf(value);
+    } else if (word == "--tls-cert") {
+      options.tlsCertificate = value;
+    } else if (word == "--tls-key") {
+      options.tlsKey = value;
     } else if (word == "--allow-host") {
       options.allowedHosts.push_back(value);
     } else {
       options.version = value;
     }
   }
+  if (!options.tlsKey.empty() && options.tlsCertificate.empty()) Refuse("--tls-key needs --tls-cert");
+  if (options.tlsKey.empty()) options.tlsKey = options.tlsCertificate;
   if (options.data.empty()) options.data = DefaultDataFolder();
   return options;
 }

@@ -12,9 +12,11 @@ struct Options {
   std::filesystem::path data;
   std::string bus;  ///< address of the bus; empty: the session's
   std::vector<std::string> allowedHosts;
-  std::string version;     ///< what the host says of itself; empty: its default
-  int scriptSeconds = 30;  ///< how long a script may compute
-  bool address = false;    ///< print the running server's address and end
+  std::filesystem::path tlsCertificate;  ///< empty: plain http
+  std::filesystem::path tlsKey;          ///< as the certificate where it isn't named
+  std::string version;                   ///< what the host says of itself; empty: its default
+  int scriptSeconds = 30;                ///< how long a script may compute
+  bool address = false;                  ///< print the running server's address and end
   bool help = false;
 };
 

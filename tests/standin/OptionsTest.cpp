@@ -18,8 +18,14 @@ TEST(Options, AreReadAndWrongOnesRefused) {
   EXPECT_EQ(ReadOptions({}).port, 8080);
   EXPECT_EQ(ReadOptions({}).listen, "127.0.0.1");
   EXPECT_FALSE(ReadOptions({}).data.empty());
-  for (const std::vector<std::string>& wrong :
-       {std::vector<std::string>{"--port"}, {"--port", "70000"}, {"--port", "8x"}, {"--what"}, {"file"}}) {
+  EXPECT_EQ(ReadOptions({"--tls-cert", "both.pem"}).tlsKey, "both.pem");
+  EXPECT_EQ(ReadOptions({"--tls-cert", "a.pem", "--tls-key", "b.pem"}).tlsKey, "b.pem");
+  for (const std::vector<std::string>& wrong : {std::vector<std::string>{"--port"},
+                                                {"--port", "70000"},
+                                                {"--port", "8x"},
+                                                {"--what"},
+                                                {"file"},
+                                                {"--tls-key", "b.pem"}}) {
     EXPECT_THROW(ReadOptions(wrong), base::Failure);
   }
 }

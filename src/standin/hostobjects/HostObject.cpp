@@ -28,9 +28,11 @@ std::string Fetched(const House& house, HostWaits& waits, const std::string& hos
                     (!house.webHost.empty() && address.host == house.webHost);
   const bool service = path.starts_with("/redir/GetMDRCD.asp?") || path.starts_with("/cover/");
   if (port != kUsualPort || !here || !service || !address.port.empty() || address.scheme == "https")
-    return waits.fetch(host, page, port);
+    return waits.fetch(host, page, port, {});
   const std::string& own = house.webHost.empty() ? address.host : house.webHost;
-  return waits.fetch("http://" + own + address.path, page, house.webPort);
+  const char* scheme = house.webCertificate.empty() ? "http://" : "https://";
+  return waits.fetch(scheme + own + ":" + std::to_string(house.webPort) + address.path, page, house.webPort,
+                     house.webCertificate);
 }
 
 /// A trigger as a line of the log: its fields are separated by control characters.

@@ -50,7 +50,8 @@ void LoopWaits::seconds(int count) {
   });
 }
 
-std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port) {
+std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port,
+                             const std::string& certificate) {
   const Pending pending(pending_);
   std::atomic<bool> stop = false;
   std::promise<std::string> promise;
@@ -58,7 +59,7 @@ std::string LoopWaits::fetch(const std::string& host, const std::string& page, i
   // Joined at the end, also when an event of the loop throws.
   const std::jthread worker([&] {
     try {
-      promise.set_value(FetchUrl(host, page, port, fetchLimit_, &stop));
+      promise.set_value(FetchUrl(host, page, port, fetchLimit_, &stop, certificate));
     } catch (...) {
       promise.set_exception(std::current_exception());
     }

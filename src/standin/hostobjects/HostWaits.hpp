@@ -23,8 +23,9 @@ class HostWaits {
   virtual void seconds(int count) = 0;
   /// Has the text said; with `wait` it returns when it has been heard.
   virtual void speak(const std::string& text, bool wait) = 0;
-  /// A page by HTTP; throws as `FetchUrl` does, and as `seconds`.
-  virtual std::string fetch(const std::string& host, const std::string& page, int port) = 0;
+  /// A page by HTTP; throws as `FetchUrl` does, and as `seconds`. `certificate` as there.
+  virtual std::string fetch(const std::string& host, const std::string& page, int port,
+                            const std::string& certificate) = 0;
 };
 
 /// On the server's loop. A wait ends early when the loop is asked to quit. One that begins within another
@@ -37,7 +38,8 @@ class LoopWaits : public HostWaits {
   void pendingEvents() override;
   void seconds(int count) override;
   void speak(const std::string& text, bool wait) override { speech_.speak(text, wait); }
-  std::string fetch(const std::string& host, const std::string& page, int port) override;
+  std::string fetch(const std::string& host, const std::string& page, int port,
+                    const std::string& certificate) override;
 
  private:
   bus::PollLoop& loop_;

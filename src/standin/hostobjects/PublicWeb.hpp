@@ -44,7 +44,10 @@ struct FetchRules {
   std::size_t mostBytes = std::size_t{16} << 20U;
   std::chrono::milliseconds limit = std::chrono::seconds(8);  ///< for all of it
   const std::atomic<bool>* stop = nullptr;                    ///< ends it early once it is true
-  std::vector<NetPrefix> (*neighbours)() = &PrefixesHere;     ///< what is not led on to besides
+  /// PEM file of the one server that may answer by https, whatever it is called; empty: those that the
+  /// machine trusts, by their names.
+  std::string certificate{};
+  std::vector<NetPrefix> (*neighbours)() = &PrefixesHere;  ///< what is not led on to besides
 };
 
 /// The body of what lies at an address, through redirections. What the address itself names is trusted, as

@@ -52,10 +52,14 @@ std::string UrlOf(const std::string& host, const std::string& page, int port) {
 }
 
 std::string FetchUrl(const std::string& host, const std::string& page, int port,
-                     std::chrono::milliseconds limit, const std::atomic<bool>* stop) {
+                     std::chrono::milliseconds limit, const std::atomic<bool>* stop,
+                     const std::string& certificate) {
   try {
-    return FetchPublic(UrlOf(host, page, port),
-                       {.userAgent = "Vantorix", .mostBytes = kMostBytes, .limit = limit, .stop = stop});
+    return FetchPublic(UrlOf(host, page, port), {.userAgent = "Vantorix",
+                                                 .mostBytes = kMostBytes,
+                                                 .limit = limit,
+                                                 .stop = stop,
+                                                 .certificate = certificate});
   } catch (const base::Failure& failure) {
     throw base::Failure(failure.number(), "No page from " + host + ": " + failure.description());
   }

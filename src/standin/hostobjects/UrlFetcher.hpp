@@ -21,9 +21,10 @@ std::string UrlOf(const std::string& host, const std::string& page, int port);
 /// Fetches a page by HTTP GET from where `UrlOf` says; redirections are followed within HTTP, and into the
 /// public network only. Answers the body, byte for byte. Throws number 57 when there is no answer in time, an
 /// answer of failure, or more than 32 MiB. Blocks; for a thread of its own. Ends early, as without an answer,
-/// once `stop` is true.
+/// once `stop` is true. `certificate` as in `FetchRules`.
 std::string FetchUrl(const std::string& host, const std::string& page, int port,
-                     std::chrono::milliseconds limit, const std::atomic<bool>* stop = nullptr);
+                     std::chrono::milliseconds limit, const std::atomic<bool>* stop = nullptr,
+                     const std::string& certificate = {});
 
 /// The text of a page without its tags, for those who ask for it.
 std::string StripTags(const std::string& html);

@@ -57,6 +57,8 @@ class House {
   /// The one address that its web server is reached at, as addresses of pages have it; empty where any of the
   /// machine's is one.
   std::string webHost;
+  /// PEM file by which its web server is known; empty where it speaks plain http.
+  std::string webCertificate;
   std::string lastVoiceCommand;
   std::string webUser;  ///< of the page request that the plug-in is answering now
   std::string splash;   ///< the last line of the start-up screen

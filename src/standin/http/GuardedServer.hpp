@@ -6,6 +6,10 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <utility>
+
+#include "standin/http/GuardedStream.hpp"
+#include "standin/http/Tls.hpp"
 
 namespace standin {
 
@@ -43,20 +47,6 @@ class WebConnections {
   bool ending_ = false;
 };
 
-/// What one connection may take.
-struct WebLimits {
-  std::size_t connections = 96;  ///< at once; beyond that the one that has kept us waiting longest goes
-  std::size_t threads = 96;
-  std::size_t head = 64U << 10U;      ///< bytes of a request before its body
-  std::size_t request = 4U << 20U;    ///< bytes of a request in all, as sent
-  std::size_t leftOver = 32U << 20U;  ///< bytes of a refused body that are still taken, unread
-  std::chrono::seconds whole{20};     ///< for a request to be there in full
-  std::chrono::seconds idle{2};       ///< between two requests
-  std::chrono::seconds drained{5};    ///< for the rest of a refused body
-  std::chrono::seconds answered{15};  ///< for each piece of an answer to be taken
-  int requests = 100;                 ///< on one connection
-};
-
 /// A web server that no peer can hold up: by sending slowly or without end, by not reading, or by opening
 /// more and more connections.
 class GuardedServer : public httplib::Server {
@@ -64,13 +54,21 @@ class GuardedServer : public httplib::Server {
   GuardedServer() : GuardedServer(WebLimits()) {}
   explicit GuardedServer(const WebLimits& limits);
 
+  /// From now on https is spoken, and nothing else. Before it listens.
+  void speakAs(std::unique_ptr<TlsIdentity> identity) { identity_ = std::move(identity); }
+  [[nodiscard]] bool speaksTls() const { return identity_ != nullptr; }
+
   /// Stops listening and ends all connections; answers under way have a moment left.
   void stopNow();
 
  private:
   bool process_and_close_socket(socket_t socket) override;
+  bool serve(socket_t socket, WebConnections::Entry entry);
+  /// Looks at the first byte, and answers one that is none of TLS.
+  bool firstIsTls(socket_t socket, const std::function<void(bool)>& waits);
 
   WebLimits limits_;
+  std::unique_ptr<TlsIdentity> identity_;
   WebConnections connections_;
 };
 

@@ -107,7 +107,11 @@ void GiveFor(const httplib::Request& request, httplib::Response& response, WebAn
 
 }  // namespace
 
-WebPort::WebPort(const std::string& address, int port) : server_(std::make_unique<GuardedServer>()) {
+WebPort::WebPort(const std::string& address, int port) : WebPort(address, port, nullptr) {}
+
+WebPort::WebPort(const std::string& address, int port, std::unique_ptr<TlsIdentity> identity)
+    : server_(std::make_unique<GuardedServer>()) {
+  server_->speakAs(std::move(identity));
   // Without this the port could be shared with another server.
   server_->set_socket_options([](socket_t socket) {
     const int yes = 1;
@@ -123,6 +127,8 @@ WebPort::WebPort(const std::string& address, int port) : server_(std::make_uniqu
 }
 
 WebPort::~WebPort() = default;
+
+bool WebPort::speaksTls() const { return server_->speaksTls(); }
 
 WebServer::WebServer(WebPort& port, const Parts& parts)
     : server_(port.server()),

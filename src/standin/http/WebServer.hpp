@@ -17,11 +17,14 @@ struct Response;
 namespace standin {
 
 class GuardedServer;
+class TlsIdentity;
 
 /// The web's port, taken before anything else is touched. Throws number 70 when it is in use.
 class WebPort {
  public:
   WebPort(const std::string& address, int port);
+  /// Speaks https where the identity is not null.
+  WebPort(const std::string& address, int port, std::unique_ptr<TlsIdentity> identity);
   ~WebPort();
   WebPort(const WebPort&) = delete;
   WebPort& operator=(const WebPort&) = delete;
@@ -29,6 +32,7 @@ class WebPort {
   WebPort& operator=(WebPort&&) = delete;
 
   [[nodiscard]] int port() const { return port_; }
+  [[nodiscard]] bool speaksTls() const;
   [[nodiscard]] GuardedServer& server() { return *server_; }
 
  private:

@@ -16,12 +16,13 @@ constexpr int kDone = 200;
 
 constexpr int kMonth = 2592000;  // seconds
 
-std::string SessionCookie(int port, const std::string& token, int seconds = kMonth) {
-  return CookieName(port) + "=" + token +
-         "; Path=/; HttpOnly; SameSite=Strict; Max-Age=" + std::to_string(seconds);
+/// What has come by https is never sent in the clear.
+std::string SessionCookie(const House& house, const std::string& token, int seconds = kMonth) {
+  return CookieName(house.webPort) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict" +
+         (house.webCertificate.empty() ? "" : "; Secure") + "; Max-Age=" + std::to_string(seconds);
 }
 
-std::string NoCookie(int port) { return SessionCookie(port, {}, 0); }
+std::string NoCookie(const House& house) { return SessionCookie(house, {}, 0); }
 
 WebAnswer TooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
 WebAnswer WrongLogin() { return Refusal(403, "The name or the password is wrong"); }
@@ -37,7 +38,7 @@ class Commands {
     WebAnswer answer{.location = "/"};
     const bool known = call.user.name == kFirstUser;
     if (!known && visitors_.isKey(call.parameter("key")))
-      answer.cookie = SessionCookie(house_.webPort, house_.users.begin(kFirstUser));
+      answer.cookie = SessionCookie(house_, house_.users.begin(kFirstUser));
     return answer;
   }
 
@@ -79,14 +80,14 @@ class Commands {
       *token = house_.users.begin(name);
       tellEnd();
     });
-    if (asked.status == kDone) asked.cookie = SessionCookie(house_.webPort, *token);
+    if (asked.status == kDone) asked.cookie = SessionCookie(house_, *token);
     return asked;
   }
 
   WebAnswer logout(const WebCall& call) {
     house_.users.end(call.token);
     tellEnd();
-    return {.cookie = NoCookie(house_.webPort)};
+    return {.cookie = NoCookie(house_)};
   }
 
   WebAnswer setPassword(const WebCall& call) {
@@ -122,7 +123,7 @@ class Commands {
       house_.log.write(
           "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
     });
-    if (asked.status == kDone) asked.cookie = SessionCookie(house_.webPort, *fresh);
+    if (asked.status == kDone) asked.cookie = SessionCookie(house_, *fresh);
     return asked;
   }
 

@@ -8,7 +8,7 @@ export function noMicrophone() {
   if (!isSecureContext) {
     return {why: `Browsers give the microphone to pages of this machine itself and to https addresses alone. This page is at ${location.origin}: the address is the reason, not your browser.`,
       what: [`Open the house on the machine that it runs on, at http://127.0.0.1${location.port ? `:${location.port}` : ''}/#voice,`,
-        'or reach the server by an https address, through a web server with a certificate in front of it.']};
+        'or reach the server by an https address: start it with --tls-cert, or with a web server in front of it that has a certificate.']};
   }
   if (!navigator.mediaDevices?.getUserMedia || !self.AudioWorkletNode) {
     return {why: 'This browser gives no page a microphone.', what: ['Another browser may.']};

@@ -1,0 +1,74 @@
+#pragma once
+#include <httplib.h>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "standin/http/Channel.hpp"
+
+namespace standin {
+
+/// What one connection may take.
+struct WebLimits {
+  std::size_t connections = 96;  ///< at once; beyond that the one that has kept us waiting longest goes
+  std::size_t threads = 96;
+  std::size_t head = 64U << 10U;      ///< bytes of a request before its body
+  std::size_t request = 4U << 20U;    ///< bytes of a request in all, as sent
+  std::size_t leftOver = 32U << 20U;  ///< bytes of a refused body that are still taken, unread
+  std::chrono::seconds whole{20};     ///< for a request to be there in full
+  std::chrono::seconds idle{2};       ///< between two requests
+  std::chrono::seconds drained{5};    ///< for the rest of a refused body
+  std::chrono::seconds answered{15};  ///< for each piece of an answer to be taken
+  int requests = 100;                 ///< on one connection
+};
+
+/// Whether the socket is ready for one of the events, as `poll` has them, before the time is over.
+bool ReadyBefore(std::chrono::steady_clock::time_point end, socket_t socket, short events);
+
+/// One request after the other and their answers on a socket, within the limits.
+class GuardedStream : public httplib::Stream {
+ public:
+  /// `waits` is told when it begins and ends to wait for its peer. All must outlive it.
+  GuardedStream(socket_t socket, Channel& channel, const WebLimits& limits, std::function<void(bool)> waits);
+
+  [[nodiscard]] bool is_readable() const override;
+  [[nodiscard]] bool is_writable() const override;
+  ssize_t read(char* into, std::size_t size) override;
+  ssize_t write(const char* data, std::size_t size) override;
+  void get_remote_ip_and_port(std::string& ip, int& port) const override;
+  void get_local_ip_and_port(std::string& ip, int& port) const override;
+  [[nodiscard]] socket_t socket() const override { return socket_; }
+
+  /// What comes before the first request; false when the peer doesn't get there.
+  bool begin();
+  /// Waits for the next request on the same connection. After one that was too long nothing on it can be
+  /// understood any more.
+  bool next();
+  /// Takes what a peer goes on sending of a body that was refused, so that the answer reaches it: a
+  /// connection closed with bytes unread is reset, and takes the answer along.
+  void drainBody();
+
+ private:
+  using Time = std::chrono::steady_clock::time_point;
+  bool fill();
+  bool countRead(std::string_view part);
+
+  socket_t socket_;
+  Channel& channel_;
+  const WebLimits& limits_;
+  std::function<void(bool)> waits_;
+  Time end_;
+  std::array<char, 4096> buffer_{};
+  std::size_t used_ = 0;
+  std::size_t filled_ = 0;
+  std::size_t read_ = 0;
+  std::size_t lineLength_ = 0;
+  bool inBody_ = false;
+  bool overflowed_ = false;
+  bool bodyRefused_ = false;
+};
+
+}  // namespace standin
