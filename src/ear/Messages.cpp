@@ -66,7 +66,9 @@ void PutTexts(std::string& out, const std::vector<std::string>& texts) {
 
 bool InRange(const SpeechNetwork& network) {
   const auto words = static_cast<std::int64_t>(network.words.size());
-  return network.start < network.places && network.end < network.places &&
+  // A place that nothing leads to or from is nobody's: their number may be any.
+  const bool counted = network.places <= 2 * std::uint64_t{network.arcs.size()} + 2;
+  return counted && network.start < network.places && network.end < network.places &&
          std::all_of(network.arcs.begin(), network.arcs.end(), [&](const SpeechNetwork::Arc& arc) {
            return arc.from < network.places && arc.to < network.places &&
                   arc.word >= SpeechNetwork::kNoWord && arc.word < words;

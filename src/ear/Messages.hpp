@@ -42,7 +42,8 @@ struct Heard {
 std::string Encoded(const SpeechNetwork& network);
 std::string Encoded(const Learnt& learnt);
 std::string Encoded(const Heard& heard);
-/// Nothing for what is none, in whole or in part: no place or word is out of range in what it answers.
+/// Nothing for what is none, in whole or in part: no place or word is out of range in what it answers, and a
+/// network has no more places than its arcs join, besides its start and end.
 std::optional<SpeechNetwork> NetworkIn(std::string_view content);
 std::optional<Learnt> LearntIn(std::string_view content);
 std::optional<Heard> HeardIn(std::string_view content);

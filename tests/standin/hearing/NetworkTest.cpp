@@ -64,6 +64,9 @@ TEST(Network, GoesOverAPipeAsItIs) {
   wrong = network;
   wrong.arcs[0].word = static_cast<std::int32_t>(wrong.words.size());
   EXPECT_FALSE(ear::NetworkIn(ear::Encoded(wrong)).has_value());
+  wrong = network;
+  wrong.places = 4'000'000'000;  // which would take all memory to walk through
+  EXPECT_FALSE(ear::NetworkIn(ear::Encoded(wrong)).has_value());
   EXPECT_FALSE(ear::NetworkIn(std::string(100, '\xFF')).has_value());
 }
 
