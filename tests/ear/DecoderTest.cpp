@@ -7,8 +7,8 @@
 #include <stdexcept>
 
 #include "ear/decoder/Pronunciations.hpp"
+#include "standin/fakes/Spoken.hpp"
 #include "standin/hearing/Network.hpp"
-#include "support/Spoken.hpp"
 
 namespace {
 

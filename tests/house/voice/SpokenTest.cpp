@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "standin/fakes/Spoken.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
-#include "support/Spoken.hpp"
 
 using support::RealHouse;
 using ::testing::HasSubstr;

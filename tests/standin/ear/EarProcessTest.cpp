@@ -3,7 +3,7 @@
 #include <random>
 
 #include "standin/ear/EarOfItsOwn.hpp"
-#include "support/Spoken.hpp"
+#include "standin/fakes/Spoken.hpp"
 
 namespace {
 
