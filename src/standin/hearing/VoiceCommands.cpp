@@ -340,7 +340,7 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
 void VoiceCommands::withArtist(Understanding understanding, const std::string& album,
                                const Answered& answered) {
   parts_.library.artistsOf({album},
-                           [this, understanding = std::move(understanding), answered,
+                           [understanding = std::move(understanding), answered,
                             alive = std::weak_ptr(alive_)](const std::vector<std::string>& artists) mutable {
                              if (!alive.lock()) return;
                              if (!artists.empty() && !artists.front().empty())
@@ -352,7 +352,7 @@ void VoiceCommands::withArtist(Understanding understanding, const std::string& a
 void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const Answered& answered) {
   parts_.library.addition(
       kOwnList, std::move(command),
-      [this, understanding = order.understanding, answered, alive = std::weak_ptr(alive_)](
+      [understanding = order.understanding, answered, alive = std::weak_ptr(alive_)](
           const std::optional<std::string>& title, const PlayerLibrary::Failed& failed) mutable {
         if (!alive.lock()) return;
         if (failed.text.empty() && title) {
