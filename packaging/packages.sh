@@ -18,7 +18,7 @@ TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   clang lld libclang-rt-14-dev clang-format clang-tidy shellcheck
   chromium chromium-driver python3 ffmpeg espeak-ng
-  xvfb xdotool x11-utils imagemagick weston qt6-wayland
+  xvfb xdotool openbox trayer x11-utils imagemagick weston qt6-wayland
 )
 # What bench/engine/beside-mpd.sh takes beside those of the build.
 BENCH_PACKAGES=(mpd ffmpeg)

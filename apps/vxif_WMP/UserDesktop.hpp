@@ -28,7 +28,7 @@ class UserDesktop : public plugin::Desktop {
   /// To be called before a message is shown.
   void connect(plugin::HostServices& host, player::WMPCalls& calls) {
     message_.emplace(windows_ ? windows_->message() : unseenMessage_, host, loop_);
-    tray_.emplace(unseenTray_, calls);
+    tray_.emplace(windows_ ? windows_->tray() : unseenTray_, calls);
   }
 
   void ShowTrayIcon(bool show) override { tray_->ShowTrayIcon(show); }
@@ -43,6 +43,8 @@ class UserDesktop : public plugin::Desktop {
   }
   /// Nothing without a display.
   ui::ProgBarView* progress() { return windows_ ? &windows_->progress() : nullptr; }
+  /// Nothing without a display.
+  ui::PopupWindow* popup() { return windows_ ? &windows_->popup() : nullptr; }
 
  private:
   bus::PollLoop& loop_;

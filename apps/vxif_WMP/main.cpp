@@ -87,6 +87,7 @@ int Serve() {
                  });
            },
        .neighbours = {desktop, objects},
+       .popupWindow = desktop.popup(),
        .progressView = desktop.progress(),
        .coverFiles = &covers,
        .coverServices = {config.metadataAddress, config.coverAddress}});

@@ -33,7 +33,7 @@ TEST(TheDesktop, ABoxWaitsForItsReaderAndTheHouseGoesOn) {
   auto call = Configure(house.busAddress());
   const std::string display = "DISPLAY=" + screen.display();
   support::Process finder(
-      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
+      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "^Media Player$"},
       {display});
   ASSERT_EQ(finder.wait(), 0) << finder.output();
   EXPECT_EQ(house.press("Loop Mode", "Loop toggle"), 200);
@@ -76,7 +76,7 @@ TEST_P(WithoutItsScreen, TheMusicGoesOnAndTheVolumeIsKept) {
   ASSERT_TRUE(house.textBecomes("Status", "Playing"));
   auto call = Configure(house.busAddress());
   support::Process finder(
-      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "Media Player"},
+      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "^Media Player$"},
       {"DISPLAY=" + screen.display()});
   ASSERT_EQ(finder.wait(), 0) << finder.output();
   screen.end(GetParam());

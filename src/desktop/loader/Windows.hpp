@@ -7,6 +7,8 @@
 #include "desktop/loader/Display.hpp"
 #include "ui/MsgFormView.hpp"
 #include "ui/ProgBarView.hpp"
+#include "ui/TrayView.hpp"
+#include "ui/popup/PopupWindow.hpp"
 
 namespace desktop {
 
@@ -24,6 +26,8 @@ class Windows {
   /// Its `showModal` throws `kWindowNotShown` when the desktop has gone, or goes before there is an answer.
   virtual ui::MsgFormView& message() = 0;
   virtual ui::ProgBarView& progress() = 0;
+  virtual ui::PopupWindow& popup() = 0;
+  virtual ui::TrayView& tray() = 0;
   /// Shows a message with an OK button and waits until it is read. False when it was not.
   virtual bool showBox(base::BoxKind kind, const std::string& title, const std::string& text) = 0;
 };

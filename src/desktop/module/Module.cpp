@@ -7,6 +7,8 @@
 #include "desktop/ProgBarWindow.hpp"
 #include "desktop/QtWindows.hpp"
 #include "desktop/loader/WindowsModule.hpp"
+#include "desktop/popup/ControlsWindow.hpp"
+#include "desktop/popup/TrayIcon.hpp"
 
 namespace {
 
@@ -16,6 +18,8 @@ class ModuleWindows : public desktop::Windows {
 
   ui::MsgFormView& message() override { return message_; }
   ui::ProgBarView& progress() override { return progress_; }
+  ui::PopupWindow& popup() override { return popup_; }
+  ui::TrayView& tray() override { return tray_; }
   bool showBox(base::BoxKind kind, const std::string& title, const std::string& text) override {
     return desktop::ShowBox(*windows_, kind, title, text);
   }
@@ -24,6 +28,8 @@ class ModuleWindows : public desktop::Windows {
   std::unique_ptr<desktop::QtWindows> windows_;
   desktop::MsgFormWindow message_{*windows_};
   desktop::ProgBarWindow progress_{*windows_};
+  desktop::TrayIcon tray_{*windows_};
+  desktop::ControlsWindow popup_{*windows_, [this] { return tray_.canBeSeen(); }};
 };
 
 }  // namespace

@@ -1,0 +1,72 @@
+#pragma once
+#include <QtCore/QPoint>
+
+#include <functional>
+
+#include "desktop/QtWindows.hpp"
+#include "ui/popup/PopupWindow.hpp"
+
+namespace desktop {
+
+class ControlsPane;
+
+/// The popup window. Where the desktop has no icon from which it could be brought back, hiding it minimises
+/// it to the task bar. When the desktop has gone, it keeps its place and whether it is to be seen.
+class ControlsWindow : public ui::PopupWindow {
+ public:
+  /// `canComeBack` tells whether there is an icon in the notification area.
+  ControlsWindow(QtWindows& windows, std::function<bool()> canComeBack);
+  ~ControlsWindow() override;
+  ControlsWindow(const ControlsWindow&) = delete;
+  ControlsWindow& operator=(const ControlsWindow&) = delete;
+  ControlsWindow(ControlsWindow&&) = delete;
+  ControlsWindow& operator=(ControlsWindow&&) = delete;
+
+  void serve(ui::PopupWindowEvents* events, ui::PopupMenus* menus) override;
+  [[nodiscard]] float top() const override;
+  void top(float value) override;
+  [[nodiscard]] float left() const override;
+  void left(float value) override;
+  [[nodiscard]] float screenHeight() const override;
+  [[nodiscard]] float screenWidth() const override;
+  [[nodiscard]] bool visible() const override;
+  void show() override;
+  void hide() override;
+  [[nodiscard]] bool minimised() const override;
+  void minimise() override;
+  void normal() override;
+  [[nodiscard]] std::int32_t handle() const override;
+  void setWindowPos(std::int32_t insertAfter, std::int32_t height, std::int32_t flags) override;
+  void height(float value) override;
+  void controlTop(std::int32_t pixels) override { controlTop_ = pixels; }
+  void controlHeight(std::int32_t pixels) override { controlHeight_ = pixels; }
+  void imageVisible(bool value) override { imageVisible_ = value; }
+  void image(const std::string& bytes) override;
+  void clearImage() override;
+  void popUpMedia(std::int16_t defaultElement) override;
+  void transport(const ui::TransportShown& shown) override;
+
+  /// What is in the window, for whoever shows a moving picture there.
+  [[nodiscard]] ControlsPane& pane() { return *pane_.get(); }
+
+ private:
+  void closed();
+  void stateChanged();
+  /// Does something to the window's state that is not the user's doing.
+  void quietly(const std::function<void()>& act);
+  void keepPlace() const;
+  void reach();
+
+  QtWindows& windows_;
+  std::function<bool()> canComeBack_;
+  Owned<ControlsPane> pane_;
+  ui::PopupWindowEvents* events_ = nullptr;
+  mutable QPoint place_;  // of the frame
+  bool shown_ = false;    // as it is wanted
+  bool quiet_ = false;
+  std::int32_t controlTop_ = 0;
+  std::int32_t controlHeight_ = 0;
+  bool imageVisible_ = false;
+};
+
+}  // namespace desktop

@@ -1,0 +1,129 @@
+#include "desktop/popup/NameList.hpp"
+
+#include <QtCore/QAbstractListModel>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QScreen>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListView>
+#include <QtWidgets/QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+namespace desktop {
+
+/// The entries in which the text that is looked for stands.
+class NameList::Entries : public QAbstractListModel {
+ public:
+  using QAbstractListModel::QAbstractListModel;
+
+  void fill(std::vector<NameEntry> entries) {
+    all_ = std::move(entries);
+    find(QString());
+  }
+  void find(const QString& text) {
+    beginResetModel();
+    found_.clear();
+    for (std::size_t i = 0; i < all_.size(); ++i)
+      if (text.isEmpty() || all_[i].text.contains(text, Qt::CaseInsensitive)) found_.push_back(i);
+    endResetModel();
+  }
+  [[nodiscard]] const NameEntry& at(int row) const { return all_[found_[static_cast<std::size_t>(row)]]; }
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override {
+    return parent.isValid() ? 0 : static_cast<int>(found_.size());
+  }
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)) return {};
+    return at(index.row()).text;
+  }
+
+ private:
+  std::vector<NameEntry> all_;
+  std::vector<std::size_t> found_;
+};
+
+NameList::NameList(std::function<void(const NameEntry&)> chosen)
+    : QFrame(nullptr, Qt::Popup),
+      chosen_(std::move(chosen)),
+      entries_(new Entries(this)),
+      heading_(new QLabel),
+      edit_(new QLineEdit),
+      view_(new QListView) {
+  constexpr int kMargin = 6;
+  setFrameShape(QFrame::StyledPanel);
+  QFont bold = heading_->font();
+  bold.setBold(true);
+  heading_->setFont(bold);
+  heading_->setTextFormat(Qt::PlainText);
+  heading_->setObjectName("Heading");
+  heading_->setMinimumWidth(1);
+  edit_->setPlaceholderText("Find");
+  edit_->setAccessibleName("Find");
+  edit_->setClearButtonEnabled(true);
+  view_->setModel(entries_);
+  view_->setUniformItemSizes(true);
+  view_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  view_->setTextElideMode(Qt::ElideRight);
+  view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  view_->setFrameShape(QFrame::NoFrame);
+  view_->setFocusPolicy(Qt::NoFocus);  // the keys are the text's, but for those that move in the list
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  rows->setSpacing(kMargin);
+  rows->addWidget(heading_);
+  rows->addWidget(edit_);
+  rows->addWidget(view_, 1);
+  edit_->installEventFilter(this);
+  connect(edit_, &QLineEdit::textChanged, this, [this](const QString& text) { find(text); });
+  connect(view_, &QListView::clicked, this, [this](const QModelIndex& index) { choose(index.row()); });
+}
+
+void NameList::find(const QString& text) {
+  entries_->find(text);
+  view_->setCurrentIndex(entries_->index(0));
+}
+
+void NameList::choose(int row) {
+  if (row < 0 || row >= entries_->rowCount()) return;
+  const NameEntry entry = entries_->at(row);
+  close();
+  chosen_(entry);
+}
+
+bool NameList::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return QFrame::eventFilter(watched, event);
+  switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: choose(view_->currentIndex().row()); return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown: QApplication::sendEvent(view_, event); return true;
+    default: return QFrame::eventFilter(watched, event);
+  }
+}
+
+void NameList::open(QPoint at, const QString& heading, const QString& name, std::vector<NameEntry> entries) {
+  constexpr int kWidth = 320;
+  constexpr int kHeight = 380;
+  edit_->clear();
+  entries_->fill(std::move(entries));
+  view_->setCurrentIndex(entries_->index(0));
+  view_->scrollToTop();
+  view_->setAccessibleName(name);
+  setAccessibleName(name);
+  heading_->setVisible(!heading.isEmpty());
+  heading_->setText(heading_->fontMetrics().elidedText(heading, Qt::ElideRight, kWidth - 20));
+  heading_->setAccessibleName(heading);
+  const QScreen* on = QGuiApplication::screenAt(at);
+  const QRect screen = (on != nullptr ? on : QGuiApplication::primaryScreen())->availableGeometry();
+  const QSize size(std::min(kWidth, screen.width()), std::min(kHeight, screen.height()));
+  resize(size);
+  move(std::clamp(at.x(), screen.left(), screen.right() + 1 - size.width()),
+       std::clamp(at.y(), screen.top(), screen.bottom() + 1 - size.height()));
+  show();
+  edit_->setFocus();
+}
+
+}  // namespace desktop

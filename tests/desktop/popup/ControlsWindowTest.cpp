@@ -1,0 +1,235 @@
+// The popup window on a screen of its own, without a window manager.
+#include "desktop/popup/ControlsWindow.hpp"
+
+#include <QtCore/QBuffer>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QSlider>
+#include <csignal>
+#include <limits>
+
+#include "base/Failure.hpp"
+#include "support/FailureNumber.hpp"
+#include "support/desktop/PopupScene.hpp"
+
+using support::FailureNumberOf;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class ControlsWindow : public support::PopupScene {
+ protected:
+  static std::string picture(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    image.save(&buffer, "PNG");
+    return bytes.toStdString();
+  }
+  static ui::TransportShown playing() { return {true, true, true, true, true, 61, 200, 40, false, "Dawn"}; }
+};
+
+}  // namespace
+
+TEST_F(ControlsWindow, IsAsLargeAsItIsTold) {
+  show();
+  EXPECT_EQ(pane().size(), QSize(251, 62 + 52));
+  layOut(212, false);
+  EXPECT_EQ(pane().size(), QSize(251, 212 + 52));
+  EXPECT_TRUE(pane().picture().isVisible());
+  EXPECT_EQ(pane().picture().height(), 150);
+  layOut(62, true);
+  EXPECT_EQ(pane().size(), QSize(251, 62 + 200 + 52));
+  EXPECT_FALSE(pane().picture().isVisible());
+}
+
+TEST_F(ControlsWindow, StandsWhereItIsPut) {
+  view->top(1500);
+  view->left(3000);
+  show();
+  EXPECT_EQ(pane().pos(), QPoint(200, 100));
+  EXPECT_EQ(view->top(), 1500);
+  EXPECT_EQ(view->left(), 3000);
+  EXPECT_EQ(view->screenWidth(), 1280 * 15);
+  EXPECT_EQ(view->screenHeight(), 800 * 15);
+  view->hide();
+  EXPECT_FALSE(view->visible());
+  EXPECT_EQ(view->top(), 1500);
+  show();
+  EXPECT_EQ(pane().pos(), QPoint(200, 100)) << "it comes back there";
+}
+
+TEST_F(ControlsWindow, APlaceThatIsNoneIsBroughtOntoTheScreen) {
+  constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kEndless = std::numeric_limits<float>::infinity();
+  for (const float place : {-100000.0F, 1e30F, kEndless, -kEndless, kNone}) {
+    view->top(place);
+    view->left(place);
+    show();
+    EXPECT_TRUE(QRect(0, 0, 1280, 800).contains(pane().frameGeometry())) << place;
+    view->hide();
+  }
+}
+
+TEST_F(ControlsWindow, APlaceThatIsPartlyOffTheScreenIsKept) {
+  view->top(1500);
+  view->left(-1500);
+  show();
+  EXPECT_EQ(pane().pos(), QPoint(-100, 100));
+}
+
+TEST_F(ControlsWindow, IsNotShownBehindAModalWindow) {
+  QDialog dialog;
+  dialog.setModal(true);
+  dialog.show();
+  EXPECT_EQ(FailureNumberOf([&] { view->show(); }), base::number::kWindowNotShown);
+  EXPECT_FALSE(view->visible());
+  dialog.hide();
+  show();
+  EXPECT_TRUE(view->visible());
+}
+
+TEST_F(ControlsWindow, EachButtonReportsItsClick) {
+  show();
+  view->transport(playing());
+  for (const auto& [name, report] :
+       {std::pair("Pause", "play or pause"), std::pair("Stop", "stop"), std::pair("Previous", "previous"),
+        std::pair("Next", "next"), std::pair("Mute", "mute")}) {
+    auto* button = named<QAbstractButton>(name);
+    ASSERT_NE(button, nullptr) << name;
+    clickAt(middleOf(*button));
+    EXPECT_TRUE(reported(report)) << name;
+  }
+  support::ScreenShot("popup");
+}
+
+TEST_F(ControlsWindow, ButtonsAreCalledWhatTheyDo) {
+  show();
+  view->transport(playing());
+  EXPECT_NE(named<QAbstractButton>("Pause"), nullptr);
+  EXPECT_EQ(named<QAbstractButton>("Play"), nullptr);
+  ui::TransportShown still;
+  still.mute = true;
+  view->transport(still);
+  ASSERT_NE(named<QAbstractButton>("Play"), nullptr);
+  EXPECT_FALSE(named<QAbstractButton>("Play")->isEnabled());
+  EXPECT_FALSE(named<QAbstractButton>("Next")->isEnabled());
+  EXPECT_NE(named<QAbstractButton>("Unmute"), nullptr);
+}
+
+TEST_F(ControlsWindow, EveryControlHasAName) {
+  show();
+  int controls = 0;
+  for (QWidget* each : pane().findChildren<QWidget*>()) {
+    if (each->focusPolicy() == Qt::NoFocus || !each->isVisible() || each->inherits("QMenuBar")) continue;
+    EXPECT_FALSE(each->accessibleName().isEmpty()) << each->metaObject()->className();
+    ++controls;
+  }
+  EXPECT_EQ(controls, 7);
+}
+
+TEST_F(ControlsWindow, AClickIntoTheTitleSeeksThere) {
+  show();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Position");
+  ASSERT_NE(slider, nullptr);
+  EXPECT_EQ(slider->value(), 61);
+  EXPECT_THAT(journal.with("seek"), IsEmpty()) << "being told is no seeking";
+  clickAt(slider->mapToGlobal(QPoint(slider->width() * 3 / 4, slider->height() / 2)));
+  ASSERT_TRUE(until([&] { return !journal.with("seek").empty(); }));
+  const int seconds = std::stoi(journal.with("seek").back().substr(5));
+  EXPECT_NEAR(seconds, 150, 8);
+}
+
+TEST_F(ControlsWindow, WhatHasNoEndCantBeSoughtIn) {
+  show();
+  ui::TransportShown station = playing();
+  station.duration = 0;
+  view->transport(station);
+  EXPECT_FALSE(named<QSlider>("Position")->isEnabled());
+  EXPECT_EQ(pane().findChild<QLabel*>("Time")->text(), "1:01");
+}
+
+TEST_F(ControlsWindow, TheVolumeFollowsItsSlider) {
+  showActive();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Volume");
+  EXPECT_EQ(slider->value(), 40);
+  slider->setFocus();
+  tool({"key", "Home"});
+  EXPECT_TRUE(reported("volume 0"));
+}
+
+TEST_F(ControlsWindow, TimesAndTitlesAreShownAsTheyAre) {
+  show();
+  ui::TransportShown shown = playing();
+  shown.position = 3725;
+  shown.duration = 7322.9;
+  shown.title = "<b>Salt & Pepper</b>\nמלח";
+  view->transport(shown);
+  EXPECT_EQ(pane().findChild<QLabel*>("Time")->text(), "1:02:05 / 2:02:02");
+  EXPECT_EQ(pane().findChild<QLabel*>("Title")->accessibleName(),
+            QString::fromUtf8("<b>Salt & Pepper</b> מלח"));
+  shown.title = std::string(10'000, 'x');
+  shown.position = std::numeric_limits<double>::quiet_NaN();
+  shown.duration = std::numeric_limits<double>::infinity();
+  view->transport(shown);
+  EXPECT_LE(pane().findChild<QLabel*>("Title")->accessibleName().size(), 301);
+  EXPECT_EQ(pane().width(), 251);
+  EXPECT_EQ(pane().findChild<QLabel*>("Time")->text(), "");
+}
+
+TEST_F(ControlsWindow, ClosingItIsAskedFirst) {
+  show();
+  pane().close();
+  EXPECT_THAT(journal.lines(), ElementsAre("query unload 0"));
+  EXPECT_TRUE(view->visible());
+}
+
+TEST_F(ControlsWindow, ADoubleClickOnTheCoverAndOnThePicture) {
+  show();
+  view->image(picture(600, 600));
+  layOut(212, true);
+  auto* cover = pane().findChild<QLabel*>("Image1");
+  ASSERT_TRUE(cover->isVisible());
+  clickAt(middleOf(*cover), 2);
+  EXPECT_TRUE(reported("double click on Image1"));
+  support::ScreenShot("popup-cover");
+  tool({"mousemove", "1000", "700"});
+  clickAt(middleOf(pane().picture()), 2);
+  EXPECT_TRUE(reported("double click on the player"));
+}
+
+TEST_F(ControlsWindow, ACoverOfAnySizeFitsItsRoom) {
+  for (const QSize size : {QSize(4000, 3000), QSize(10, 1000), QSize(3, 3)}) {
+    view->image(picture(size.width(), size.height()));
+    const QPixmap shown = pane().findChild<QLabel*>("Image1")->pixmap();
+    EXPECT_LE(shown.width(), 251) << size.width();
+    EXPECT_LE(shown.height(), 200) << size.width();
+  }
+}
+
+TEST_F(ControlsWindow, WhatIsNoPictureIsRefused) {
+  for (const std::string& bytes : {std::string(), std::string("no picture"), picture(20, 20).substr(0, 30)})
+    EXPECT_EQ(FailureNumberOf([&] { view->image(bytes); }), 481) << bytes.size();
+}
+
+TEST_F(ControlsWindow, WithoutItsScreenItKeepsWhatItWas) {
+  view->top(1500);
+  view->left(3000);
+  show();
+  screen.end(SIGKILL);
+  ASSERT_TRUE(until([&] { return windows->gone(); }));
+  EXPECT_TRUE(view->visible());
+  EXPECT_EQ(view->handle(), 0);
+  EXPECT_EQ(view->top(), 1500);
+  view->transport(playing());
+  layOut(212, true);
+  view->popUpMedia(2);
+  view->hide();
+  EXPECT_FALSE(view->visible());
+  view->show();
+  EXPECT_TRUE(view->visible()) << "nothing is to wait for it";
+}

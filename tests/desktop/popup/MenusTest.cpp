@@ -1,0 +1,192 @@
+// The popup window's menus, chosen from by keys and clicks.
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+
+#include "support/desktop/PopupScene.hpp"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+class PopupMenu : public support::PopupScene {
+ protected:
+  void names(const std::string& category, int count) {
+    for (int i = 1; i <= count; ++i) {
+      menus.load(category, static_cast<std::int16_t>(i));
+      menus.caption(category, static_cast<std::int16_t>(i), "Name " + std::to_string(i));
+    }
+  }
+  void titles(const std::vector<std::string>& captions) {
+    ui::ElementArray& media = menus.list(ui::PopupMenus::kMedia);
+    media.caption(ui::PopupMenus::kHeading, "Album: Blue & Green");
+    media.caption(ui::PopupMenus::kPlayAll, "(Play entire list)");
+    std::int16_t element = ui::PopupMenus::kFirstTitle;
+    for (const std::string& caption : captions) {
+      media.load(element);
+      media.caption(element++, caption);
+    }
+  }
+  QMenu* menu(const QString& caption) {
+    for (QAction* action : pane().findChild<QMenuBar*>()->actions())
+      if (action->text() == caption) return action->menu();
+    return nullptr;
+  }
+  static QAction* item(QMenu& menu, const QString& caption) {
+    for (QAction* action : menu.actions())
+      if (action->text() == caption) return action;
+    return nullptr;
+  }
+  void openAlbums() {
+    item(*menu("&Play..."), "Album")->trigger();
+    ASSERT_TRUE(until([] { return seen(openList()); }));
+  }
+  static bool seen(const QWidget* popup) {
+    return popup != nullptr && popup->windowHandle() != nullptr && popup->windowHandle()->isExposed();
+  }
+  static QListView& list() { return *openList()->findChild<QListView*>(); }
+  static std::vector<std::string> rows() {
+    std::vector<std::string> texts;
+    for (int row = 0; row < list().model()->rowCount(); ++row)
+      texts.push_back(list().model()->index(row, 0).data().toString().toStdString());
+    return texts;
+  }
+};
+
+}  // namespace
+
+TEST_F(PopupMenu, TheBarHoldsWhatTheModelHolds) {
+  showActive();
+  std::vector<std::string> bar;
+  for (QAction* action : pane().findChild<QMenuBar*>()->actions())
+    bar.push_back(action->text().toStdString());
+  EXPECT_THAT(bar, ElementsAre("&Play...", "&Settings", "A&bout Vantorix Media Player"));
+  std::vector<std::string> settings;
+  for (QAction* action : menu("&Settings")->actions())
+    settings.push_back(action->isSeparator() ? "---" : action->text().toStdString());
+  EXPECT_THAT(settings, ElementsAre("Show Cover &Art", "Show &Visualizations (CPU Intensive)",
+                                    "Show Full &Screen Video", "---", "&Loop Mode", "&Shuffle Mode", "&Eject",
+                                    "---", "Always &On Top"));
+}
+
+TEST_F(PopupMenu, CheckMarksAreThoseOfTheMomentItOpens) {
+  showActive();
+  menus.check("LoopMode", true);
+  QMenu& settings = *menu("&Settings");
+  settings.popup(QPoint(300, 300));
+  ASSERT_TRUE(until([&] { return seen(&settings); }));
+  EXPECT_TRUE(item(settings, "&Loop Mode")->isChecked());
+  EXPECT_FALSE(item(settings, "&Shuffle Mode")->isChecked());
+  support::ScreenShot("popup-settings");
+  settings.hide();
+  menus.check("LoopMode", false);
+  settings.popup(QPoint(300, 300));
+  EXPECT_FALSE(item(settings, "&Loop Mode")->isChecked());
+  settings.hide();
+}
+
+TEST_F(PopupMenu, AnItemIsChosenByItsLetters) {
+  showActive();
+  tool({"key", "alt+s"});
+  ASSERT_TRUE(until([&] { return menu("&Settings")->isVisible(); }));
+  tool({"key", "e"});
+  EXPECT_TRUE(reported("menu Eject"));
+}
+
+TEST_F(PopupMenu, AboutIsInTheBarItself) {
+  showActive();
+  tool({"key", "alt+b"});
+  EXPECT_TRUE(reported("menu About"));
+}
+
+TEST_F(PopupMenu, TenThousandNamesOpenAndAreFoundByTyping) {
+  names("Album", 10'000);
+  showActive();
+  openAlbums();
+  EXPECT_EQ(list().model()->rowCount(), 10'001);
+  EXPECT_EQ(rows().front(), "(none)");
+  support::ScreenShot("popup-names");
+  tool({"type", "name 9876"});
+  ASSERT_TRUE(until([&] { return list().model()->rowCount() == 1; }));
+  tool({"key", "Return"});
+  EXPECT_TRUE(reported("Album 9876"));
+  EXPECT_EQ(openList(), nullptr);
+}
+
+TEST_F(PopupMenu, ANameIsChosenByAClickOrByTheArrows) {
+  names("Album", 30);
+  showActive();
+  openAlbums();
+  const QRect row = list().visualRect(list().model()->index(3, 0));
+  clickAt(list().viewport()->mapToGlobal(row.center()));
+  EXPECT_TRUE(reported("Album 3"));
+  openAlbums();
+  tool({"key", "Down", "Down", "Return"});
+  EXPECT_TRUE(reported("Album 2"));
+  openAlbums();
+  tool({"key", "Return"});
+  EXPECT_TRUE(reported("Album 0")) << "the first entry";
+}
+
+TEST_F(PopupMenu, EscapeChoosesNothing) {
+  names("Album", 3);
+  showActive();
+  openAlbums();
+  tool({"key", "Escape"});
+  EXPECT_TRUE(until([] { return openList() == nullptr; }));
+  EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(PopupMenu, NothingThatIsNotFoundIsChosen) {
+  names("Album", 3);
+  showActive();
+  openAlbums();
+  tool({"type", "nowhere"});
+  ASSERT_TRUE(until([&] { return list().model()->rowCount() == 0; }));
+  tool({"key", "Return", "Escape"});
+  EXPECT_TRUE(until([] { return openList() == nullptr; }));
+  EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(PopupMenu, ANameMadeAnewMeanwhileIsNotChosen) {
+  names("Album", 3);
+  showActive();
+  openAlbums();
+  menus.caption("Album", 2, "Another");
+  tool({"key", "Down", "Down", "Return"});
+  EXPECT_TRUE(until([] { return openList() == nullptr; }));
+  EXPECT_THAT(journal.lines(), IsEmpty());
+  openAlbums();
+  EXPECT_EQ(rows()[2], "Another");
+}
+
+TEST_F(PopupMenu, TitlesStandBelowTheirHeading) {
+  titles({"Dawn", "Dusk"});
+  showActive();
+  view->popUpMedia(2);
+  ASSERT_TRUE(until([] { return seen(openList()); }));
+  EXPECT_THAT(rows(), ElementsAre("(Play entire list)", "Dawn", "Dusk"));
+  auto* heading = openList()->findChild<QLabel*>("Heading");
+  EXPECT_EQ(heading->text(), "Album: Blue & Green");
+  EXPECT_TRUE(heading->font().bold());
+  support::ScreenShot("popup-titles");
+  tool({"key", "Down", "Down", "Return"});
+  EXPECT_TRUE(reported("media 5"));
+}
+
+TEST_F(PopupMenu, StrangeNamesAreShownInOneLine) {
+  titles({std::string(10'000, 'x'), "a && b & c", "tab\tand\nline", "שלום", "-"});
+  showActive();
+  view->popUpMedia(2);
+  ASSERT_TRUE(until([] { return seen(openList()); }));
+  const auto shown = rows();
+  EXPECT_LE(QString::fromStdString(shown[1]).size(), 301);
+  EXPECT_EQ(shown[2], "a && b & c");
+  EXPECT_EQ(shown[3], "tab and line");
+  EXPECT_EQ(shown[4], "שלום");
+  EXPECT_EQ(shown[5], "-");
+  support::ScreenShot("popup-strange");
+  tool({"key", "Down", "Return"});
+  EXPECT_TRUE(reported("media 4")) << "also what was cut short can be chosen";
+}
