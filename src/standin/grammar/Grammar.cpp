@@ -1,11 +1,27 @@
 #include "standin/grammar/Grammar.hpp"
 
 #include <algorithm>
+#include <limits>
+#include <numeric>
+#include <set>
 
 #include "standin/grammar/NameForms.hpp"
 #include "standin/grammar/NearWords.hpp"
 
 namespace standin {
+namespace {
+
+constexpr std::uint32_t kNoWayOut = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kEnd = kNoWayOut - 1;
+/// More than that is no name.
+constexpr std::size_t kLongestRest = 400;
+
+/// The text with one blank behind it, where there is one.
+void AddWords(std::string& text, const std::string& words) {
+  if (!words.empty()) text.append(text.empty() ? "" : " ").append(words);
+}
+
+}  // namespace
 
 std::string SaidWords(std::string_view text) {
   std::string all;
@@ -22,8 +38,7 @@ class Grammar::Walk {
     std::int32_t distance = 0;
   };
 
-  Walk(const Grammar& grammar, const std::vector<Place>& starts) : grammar_(grammar), traces_(1) {
-    for (const Place start : starts) reached_.push_back({start, 0, 0});
+  Walk(const Grammar& grammar, Place start) : grammar_(grammar), traces_(1), reached_{Reached{start, 0, 0}} {
     spread();
   }
 
@@ -62,14 +77,16 @@ class Grammar::Walk {
   /// More ways to one place tell more commands for the same words; somebody has to choose between them.
   static constexpr std::size_t kMostWays = 4;
 
-  /// Goes all steps that take no word.
+  /// Goes all steps that take no word; nowhere is left where these are too many.
   void spread() {
     std::unordered_map<Place, std::vector<std::uint32_t>> ways;
     std::vector<Reached> all;
     all.swap(reached_);
+    std::size_t looked = 0;
     for (std::size_t i = 0; i < all.size(); ++i) {
       const Reached from = all[i];
       for (const WordGraph::Step& step : grammar_.graph_.stepsFrom(from.place)) {
+        if (++looked > kMostReached) return;
         std::vector<std::uint32_t>& known = ways[step.to];
         if (known.size() >= kMostWays) continue;
         const std::uint32_t trace = traceOf(from.trace, step.output, known);
@@ -102,10 +119,12 @@ Grammar::Grammar(const std::vector<Source>& sources, const Spellings& spellings)
     starts_.push_back(start);
     ends_.emplace_back(end, source.event);
     endsAt_.emplace(end, ends_.size() - 1);
+    event_ = source.event;
     for (const Pattern::Sequence& sentence : source.pattern.sentences())
       graph_.addStep({enter(sentence, start), end});
   }
   graph_.finish();
+  findWaysOut();
   outputNumbers_.clear();
   spellings_ = nullptr;
 }
@@ -117,18 +136,70 @@ std::uint32_t Grammar::outputOf(const std::string& words, bool leftOut) {
   return at->second;
 }
 
-void Grammar::enterWords(const std::string& words, Place from, Place to) {
+/// Back from the ends, along the steps that take no word.
+void Grammar::findWaysOut() {
+  const std::vector<WordGraph::Step>& steps = graph_.steps();
+  std::vector<std::uint32_t> byEnd(steps.size());
+  std::iota(byEnd.begin(), byEnd.end(), 0U);
+  std::stable_sort(byEnd.begin(), byEnd.end(),
+                   [&](std::uint32_t left, std::uint32_t right) { return steps[left].to < steps[right].to; });
+  waysOut_.assign(graph_.places(), kNoWayOut);
+  std::vector<Place> open;
+  for (const auto& [end, event] : ends_) {
+    waysOut_[end] = kEnd;
+    open.push_back(end);
+  }
+  for (std::size_t i = 0; i < open.size(); ++i) {
+    auto at = std::lower_bound(byEnd.begin(), byEnd.end(), open[i],
+                               [&](std::uint32_t step, Place place) { return steps[step].to < place; });
+    for (; at != byEnd.end() && steps[*at].to == open[i]; ++at) {
+      std::uint32_t& way = waysOut_[steps[*at].from];
+      if (way != kNoWayOut) continue;
+      way = *at;
+      open.push_back(steps[*at].from);
+    }
+  }
+}
+
+std::size_t Grammar::asWritten(std::int32_t event) const {
+  const auto found = asWritten_.find(event);
+  return found == asWritten_.end() ? 0 : found->second;
+}
+
+bool Grammar::enterForms(const std::string& spelling, const WordGraph::Step& step) {
+  bool room = true;
+  for (const NameForm& form : FormsOf(spelling, full_ ? 2 : kMostForms)) {
+    const auto words = 1 + static_cast<std::size_t>(std::count(form.words.begin(), form.words.end(), ' '));
+    if (form.distance > 0 && (full_ || graph_.arcs().size() + words > kMostArcs)) {
+      room = false;
+      full_ = true;
+    } else {
+      graph_.addStep({graph_.follow(step.from, form.words), step.to, step.output, form.distance});
+    }
+  }
+  return room;
+}
+
+std::vector<std::string> Grammar::spellingsOf(const std::string& words) const {
+  return *spellings_ ? (*spellings_)(words) : std::vector<std::string>();
+}
+
+void Grammar::addName(const std::string& words, Names& names) {
   const std::uint32_t output = outputOf(words, false);
-  const auto enterForms = [&](const std::string& spelling) {
-    const std::vector<NameForm> forms = FormsOf(spelling);
-    for (const NameForm& form : forms)
-      graph_.addStep({graph_.follow(from, form.words), to, output, form.distance});
-    return !forms.empty();
-  };
+  names.all.push_back({output, SaidWords(words)});
+  for (const std::string& spelling : spellingsOf(words)) {
+    std::string said = SaidWords(spelling);
+    if (said != names.all.back().words) names.all.push_back({output, std::move(said)});
+  }
+}
+
+void Grammar::enterWords(const std::string& words, Place from, Place to) {
+  const WordGraph::Step step{from, to, outputOf(words, false)};
   // Punctuation alone is said by saying nothing.
-  if (!enterForms(words)) graph_.addStep({from, to, output});
-  if (!*spellings_) return;
-  for (const std::string& spelling : (*spellings_)(words)) enterForms(spelling);
+  if (NameWords(words).empty()) graph_.addStep(step);
+  bool room = enterForms(words, step);
+  for (const std::string& spelling : spellingsOf(words)) room = enterForms(spelling, step) && room;
+  if (!room) ++asWritten_[event_];
 }
 
 Grammar::Place Grammar::enterBracket(const Pattern::Part& part, Place from) {
@@ -137,7 +208,7 @@ Grammar::Place Grammar::enterBracket(const Pattern::Part& part, Place from) {
   for (const Pattern::Sequence& choice : part.choices) {
     if (choice.size() == 1 && choice.front().kind == Pattern::Kind::kWords) {
       enterWords(choice.front().words, from, to);
-      names.outputs.push_back(outputOf(choice.front().words, false));
+      addName(choice.front().words, names);
     } else {
       graph_.addStep({enter(choice, from), to});
     }
@@ -147,7 +218,7 @@ Grammar::Place Grammar::enterBracket(const Pattern::Part& part, Place from) {
     const Pattern::Sequence& first = part.choices.front();
     const bool plain = first.size() == 1 && first.front().kind == Pattern::Kind::kWords;
     graph_.addStep({from, to, plain ? outputOf(first.front().words, true) : WordGraph::kNoOutput});
-  } else if (!names.outputs.empty()) {
+  } else if (!names.all.empty()) {
     namesAt_.emplace(from, names_.size());
     names_.push_back(std::move(names));
   }
@@ -171,14 +242,17 @@ std::vector<Said> Grammar::match(std::string_view text) const {
   std::vector<Said> all;
   const std::vector<NameWord> words = NameWords(text);
   if (words.empty()) return all;
-  Walk walk(*this, starts_);
-  for (const NameWord& word : words)
-    if (!walk.take(word.folded)) return all;
-  for (const Walk::Reached& reached : walk.reached()) {
-    const auto [first, last] = endsAt_.equal_range(reached.place);
-    for (auto end = first; end != last; ++end) {
-      all.push_back({ends_[end->second].second, walk.told(reached.trace, false),
-                     walk.told(reached.trace, true), reached.distance});
+  for (const Place start : starts_) {  // each by itself: where one leads to too many places, others may not
+    Walk walk(*this, start);
+    if (!std::all_of(words.begin(), words.end(),
+                     [&](const NameWord& word) { return walk.take(word.folded); }))
+      continue;
+    for (const Walk::Reached& reached : walk.reached()) {
+      const auto [first, last] = endsAt_.equal_range(reached.place);
+      for (auto end = first; end != last; ++end) {
+        all.push_back({ends_[end->second].second, walk.told(reached.trace, false),
+                       walk.told(reached.trace, true), reached.distance});
+      }
     }
   }
   std::stable_sort(all.begin(), all.end(),
@@ -193,57 +267,60 @@ std::vector<Said> Grammar::match(std::string_view text) const {
   return once;
 }
 
-std::vector<Said> Grammar::near(std::string_view text, std::size_t most) const {
-  struct Found {
-    int distance = 0;
-    Said said;
+/// The text that led to the name, the name, and what may be left out behind it.
+Said Grammar::sentence(const Walk& walk, const NearName& found) const {
+  Said said{0, walk.told(found.trace, false), walk.told(found.trace, true), found.distance};
+  const auto add = [&](const Output& output) {
+    if (!output.leftOut) AddWords(said.command, output.words);
+    AddWords(said.whole, output.words);
   };
-  std::vector<Found> found;
-  std::vector<std::string> words;
-  for (NameWord& word : NameWords(text)) words.push_back(std::move(word.folded));
-  Walk walk(*this, starts_);
-  std::vector<bool> looked(names_.size());
-  for (std::size_t at = 0; at < words.size(); ++at) {
-    std::string rest;
-    for (std::size_t i = at; i < words.size(); ++i) rest += (i == at ? "" : " ") + words[i];
-    for (const Walk::Reached& reached : walk.reached()) {
-      const auto [first, last] = namesAt_.equal_range(reached.place);
-      for (auto each = first; each != last; ++each) {
-        const Names& names = names_[each->second];
-        if (looked[each->second]) continue;
-        const Walk behind(*this, {names.to});
-        const auto end =
-            std::find_if(behind.reached().begin(), behind.reached().end(),
-                         [&](const Walk::Reached& one) { return endsAt_.count(one.place) != 0; });
-        if (end == behind.reached().end()) continue;
-        looked[each->second] = true;
-        const std::int32_t event = ends_[endsAt_.find(end->place)->second].second;
-        NearWords nearest(rest, most);
-        for (const std::uint32_t output : names.outputs)
-          nearest.look(output, SaidWords(outputs_[output].words));
-        for (const auto& [output, distance] : nearest.best()) {
-          const std::string& name = outputs_[output].words;
-          const auto with = [&](bool whole) {
-            const std::string before = walk.told(reached.trace, whole);
-            const std::string after = behind.told(end->trace, whole);
-            std::string sentence = before;
-            sentence.append(before.empty() ? "" : " ")
-                .append(name)
-                .append(after.empty() ? "" : " ")
-                .append(after);
-            return sentence;
-          };
-          found.push_back({distance, {event, with(false), with(true), distance}});
+  add(outputs_[found.output]);
+  Place place = names_[found.names].to;
+  for (; waysOut_[place] != kEnd; place = graph_.steps()[waysOut_[place]].to)
+    if (const WordGraph::Step& step = graph_.steps()[waysOut_[place]]; step.output != WordGraph::kNoOutput)
+      add(outputs_[step.output]);
+  said.event = ends_[endsAt_.find(place)->second].second;
+  return said;
+}
+
+std::vector<Said> Grammar::near(std::string_view text, std::size_t most) const {
+  std::vector<NearName> found;
+  const std::vector<NameWord> words = NameWords(text);
+  std::string all;
+  std::vector<std::size_t> starts;
+  for (const NameWord& word : words) {
+    starts.push_back(all.empty() ? 0 : all.size() + 1);
+    AddWords(all, word.folded);
+  }
+  std::vector<Walk> walks;
+  std::vector<std::size_t> looked(names_.size(), words.size());
+  for (const Place start : starts_) {
+    Walk& walk = walks.emplace_back(*this, start);
+    for (std::size_t at = 0; at < words.size(); ++at) {
+      const std::string_view rest = std::string_view(all).substr(starts[at]);
+      for (const Walk::Reached& reached : walk.reached()) {
+        if (rest.size() > kLongestRest) break;
+        const auto [first, last] = namesAt_.equal_range(reached.place);
+        for (auto each = first; each != last; ++each) {
+          if (looked[each->second] == at || waysOut_[names_[each->second].to] == kNoWayOut) continue;
+          looked[each->second] = at;  // further on it may be reached once more, with less of the text left
+          NearWords nearest(std::string(rest), most);
+          for (const Spelt& name : names_[each->second].all) nearest.look(name.output, name.words);
+          for (const auto& [output, distance] : nearest.best())
+            found.push_back({distance, output, each->second, walks.size() - 1, reached.trace});
         }
       }
+      if (!walk.take(words[at].folded)) break;
     }
-    if (!walk.take(words[at])) break;
   }
-  std::stable_sort(found.begin(), found.end(),
-                   [](const Found& left, const Found& right) { return left.distance < right.distance; });
+  std::stable_sort(found.begin(), found.end(), [](const NearName& left, const NearName& right) {
+    return left.distance < right.distance;
+  });
   std::vector<Said> best;
-  for (Found& each : found)
-    if (best.size() < most) best.push_back(std::move(each.said));
+  std::set<std::pair<std::size_t, std::uint32_t>> known;
+  for (const NearName& each : found)
+    if (best.size() < most && known.emplace(each.names, each.output).second)
+      best.push_back(sentence(walks[each.walk], each));
   return best;
 }
 

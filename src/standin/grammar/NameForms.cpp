@@ -14,6 +14,8 @@ namespace {
 
 /// A longer name is only said as it is written: it would have no end of ways.
 constexpr std::size_t kMostWords = 40;
+constexpr std::size_t kMostBytes = 400;
+constexpr std::size_t kLongestWord = 32;
 constexpr std::size_t kMostSteps = 4000;
 constexpr std::size_t kLongestSpelt = 5;
 
@@ -52,7 +54,7 @@ void AddPiece(std::string_view piece, std::vector<NameWord>& words) {
             std::find_if_not(folded.begin() + static_cast<std::ptrdiff_t>(start), folded.end(), &IsPart) -
             folded.begin()),
         folded.size());
-    if (end > start) words.push_back({folded.substr(start, end - start), capitals, {}});
+    if (end > start) words.push_back({folded.substr(start, end - start), capitals});
     start = end + 1;
   }
   if (!words.empty() && words.back().folded == folded) words.back().humps = HumpsOf(piece);
@@ -92,10 +94,10 @@ class Speaker {
  public:
   explicit Speaker(std::string_view name) : words_(NameWords(name)) {}
 
-  std::vector<NameForm> forms() {
+  std::vector<NameForm> forms(std::size_t most) {
     std::vector<NameForm> forms;
     if (words_.empty()) return forms;
-    if (words_.size() > kMostWords) return {{written(), 0}};
+    if (isLong()) return {{written(), 0}};
     struct Begun {
       int distance;
       std::size_t order;  ///< of those at one distance the first comes first
@@ -109,7 +111,7 @@ class Speaker {
     std::unordered_set<std::string> known;
     std::size_t steps = 0;
     open.push({0, 0, 0, {}});
-    while (!open.empty() && forms.size() < kMostForms && steps < kMostSteps) {
+    while (!open.empty() && forms.size() < most && steps < kMostSteps) {
       const Begun begun = open.top();
       open.pop();
       if (begun.at == words_.size()) {
@@ -125,6 +127,14 @@ class Speaker {
   }
 
  private:
+  [[nodiscard]] bool isLong() const {
+    std::size_t bytes = 0;
+    for (const NameWord& word : words_) {
+      bytes += word.folded.size() + 1;
+      if (word.folded.size() > kLongestWord) return true;
+    }
+    return bytes > kMostBytes || words_.size() > kMostWords;
+  }
   [[nodiscard]] std::string written() const {
     std::string all;
     for (const NameWord& word : words_) all += (all.empty() ? "" : " ") + word.folded;
@@ -258,7 +268,7 @@ std::vector<NameWord> NameWords(std::string_view text) {
   for (std::size_t start = 0; start < text.size();) {
     const char c = text[start];
     if (c == '&' || c == '+') {
-      words.push_back({"and", false, {}});
+      words.push_back({"and"});
       ++start;
     } else if (IsPart(c)) {
       std::size_t end = start + 1;
@@ -272,6 +282,6 @@ std::vector<NameWord> NameWords(std::string_view text) {
   return words;
 }
 
-std::vector<NameForm> FormsOf(std::string_view name) { return Speaker(name).forms(); }
+std::vector<NameForm> FormsOf(std::string_view name, std::size_t most) { return Speaker(name).forms(most); }
 
 }  // namespace standin

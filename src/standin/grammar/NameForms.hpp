@@ -22,11 +22,12 @@ struct NameForm {
   int distance = 0;  ///< how many of its words are said in another way than they are written
 };
 
-/// All ways in which a name is said, the one as it is written first, each once; at most `kMostForms`, the
-/// nearer ones first. Digits are said as a number, a year and one by one; capitals and single letters are
-/// spelt or read as a word; apostrophes may have been lost to a blank ("Don t"); "Vol", "Pt" and their like
-/// are said in full. None for a name without any letter or digit.
+/// All ways in which a name is said, the one as it is written first, each once; at most `most` of
+/// them, the nearer ones first. Digits are said as a number, a year and one by one; capitals and single
+/// letters are spelt or read as a word; apostrophes may have been lost to a blank ("Don t"); "Vol", "Pt" and
+/// their like are said in full. A name of more than 40 words or 400 bytes, or with a word of more than 32
+/// bytes, is said as it is written only. None for a name without any letter or digit.
 inline constexpr std::size_t kMostForms = 48;
-std::vector<NameForm> FormsOf(std::string_view name);
+std::vector<NameForm> FormsOf(std::string_view name, std::size_t most = kMostForms);
 
 }  // namespace standin

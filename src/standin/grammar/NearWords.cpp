@@ -25,7 +25,10 @@ void NearWords::look(std::uint32_t number, std::string_view name) {
   }
   const auto same =
       std::find_if(best_.begin(), best_.end(), [&](const auto& each) { return each.first == number; });
-  if (same != best_.end()) return;
+  if (same != best_.end()) {
+    if (same->second <= distance) return;
+    best_.erase(same);
+  }
   const auto place = std::upper_bound(best_.begin(), best_.end(), distance,
                                       [](int value, const auto& each) { return value < each.second; });
   best_.insert(place, {number, distance});

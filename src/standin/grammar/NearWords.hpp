@@ -14,6 +14,7 @@ class NearWords {
  public:
   NearWords(std::string said, std::size_t most);
 
+  /// A number may have several names; the nearest one counts.
   void look(std::uint32_t number, std::string_view name);
   /// The nearest first, each with its distance; of those at one distance the first looked at. No number
   /// twice.

@@ -98,5 +98,21 @@ TEST(NameForms, ALongNameHasNoEndOfWays) {
   EXPECT_EQ(FormsOf(name).size(), 1U);
 }
 
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+TEST(NameForms, ALongNameIsSaidAsItIsWrittenOnly) {
+  for (const std::string& name :
+       {Repeated("1a", 1 << 19), Repeated("1a", 2000), Repeated("1a", 17), std::string(33, 'X') + " 1984",
+        Repeated("Nineteenthirteens ", 23) + "1984"})
+    EXPECT_EQ(FormsOf(name).size(), 1U) << name.substr(0, 100);
+  EXPECT_EQ(FormsOf(Repeated("1a", 2000)).front().words, Repeated("1a", 2000));
+  EXPECT_GT(FormsOf(Repeated("1a", 16)).size(), 1U);
+  EXPECT_GT(FormsOf(Repeated("Nineteenthirteens ", 21) + "1984").size(), 1U);
+}
+
 }  // namespace
 }  // namespace standin

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace standin {
 namespace {
 
@@ -78,6 +80,25 @@ TEST(Pattern, TellsTheFirstTwentyFaults) {
   EXPECT_EQ(Pattern(std::string(1U << 20U, ')')).faults().size(), Pattern::kMostFaults);
   EXPECT_EQ(Pattern(std::string(1U << 20U, '|')).faults().size(), Pattern::kMostFaults);
   EXPECT_EQ(Read(std::string(1U << 20U, '|')), "");
+}
+
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+TEST(Pattern, ALongOneIsReadWhateverItHolds) {
+  constexpr int kTimes = 50000;
+  for (const char* part : {"[a] ", "(a|b) ", "a|b ", "a b ", "((a))", "[(a)]"}) {
+    const std::string text = Repeated(part, kTimes);
+    const Pattern pattern(text);
+    EXPECT_THAT(pattern.faults(), IsEmpty()) << part;
+    const std::string once = Written(pattern.sentences());
+    EXPECT_EQ(Read(once), once) << part;
+    EXPECT_GE(std::count(once.begin(), once.end(), 'a'), kTimes) << part;
+  }
+  EXPECT_THAT(Pattern(Repeated("(a ", 20)).faults(), testing::SizeIs(Pattern::kMostFaults));
 }
 
 TEST(Pattern, HoldsThirtyThousandChoices) {
