@@ -1,11 +1,31 @@
 #pragma once
+#include <cstdint>
+#include <vector>
+
 #include "ear/SpeechNetwork.hpp"
 #include "standin/grammar/Grammar.hpp"
 
 namespace standin {
 
-/// What a listener has to know of a grammar, and of the answers "first", "second", "third" and "no" to a
-/// question: all that can be pronounced, which what is written with digits or foreign letters can't.
-ear::SpeechNetwork NetworkOf(const Grammar& grammar);
+/// What a listener has to know of a grammar.
+struct Audible {
+  ear::SpeechNetwork network;
+  std::vector<std::int32_t> leftOut;  ///< events for which there was no room
+};
+
+/// How much a listener can learn in a time that somebody waits for.
+struct AudibleLimits {
+  std::size_t arcs = 250'000;  ///< ways from place to place
+  /// Pairs of places with a way between them that takes no word: where much can be left out in a row, there
+  /// is one for every two.
+  std::size_t wordless = 20'000;
+};
+
+/// Of the grammar, and of the answers "first", "second", "third", "yes" and "no" to a question, all that can
+/// be pronounced: what is written with digits or foreign letters or in more than 32 letters can't. The
+/// smallest events come first; those that don't find room are left out.
+Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits = {});
+/// The network alone.
+inline ear::SpeechNetwork NetworkOf(const Grammar& grammar) { return AudibleOf(grammar).network; }
 
 }  // namespace standin

@@ -52,6 +52,77 @@ TEST(Network, LeavesNoPlaceThatLeadsNowhere) {
   EXPECT_EQ(network.places, 5U);
 }
 
+/// Patterns with the events 1, 2 and so on.
+Audible AudibleFor(const std::vector<std::string>& patterns, const AudibleLimits& limits = {}) {
+  std::vector<Pattern> read;
+  read.reserve(patterns.size());
+  std::vector<Grammar::Source> sources;
+  for (const std::string& each : patterns)
+    sources.push_back({static_cast<std::int32_t>(sources.size()) + 1, read.emplace_back(each)});
+  return AudibleOf(Grammar(sources, nullptr), limits);
+}
+
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+TEST(Network, JoinsTheEventsAndSharesTheirWords) {
+  const ear::SpeechNetwork network = AudibleFor({"Play (Blue)", "", "[Play] Red (Now)", "?"}).network;
+  EXPECT_THAT(Sentences(network), UnorderedElementsAre("play blue", "play red now", "red now", "first",
+                                                       "second", "third", "yes", "no"));
+  EXPECT_THAT(network.words,
+              UnorderedElementsAre("play", "blue", "red", "now", "first", "second", "third", "yes", "no"));
+}
+
+TEST(Network, AWordThatNobodyCouldSayIsLeftOut) {
+  const std::string longest(32, 'a');
+  const ear::SpeechNetwork network =
+      AudibleFor({"Play (" + std::string(1U << 20U, 'x') + "|" + longest + "|" + longest + "a|Blue)"})
+          .network;
+  EXPECT_THAT(network.words,
+              UnorderedElementsAre("play", "blue", longest, "first", "second", "third", "yes", "no"));
+}
+
+TEST(Network, AFoolishPatternMakesNobodyElseDeaf) {
+  const std::string foolish = Repeated("[a] ", 400) + "b";  // 80,000 pairs of places
+  const Audible audible = AudibleFor({"Play (Blue)", foolish, "Stop", Repeated("[c] ", 50) + "d"});
+  EXPECT_THAT(audible.leftOut, ElementsAre(2));
+  EXPECT_THAT(audible.network.words, UnorderedElementsAre("play", "blue", "stop", "c", "d", "first", "second",
+                                                          "third", "yes", "no"));
+}
+
+TEST(Network, TheSmallestEventsComeFirstWhereThereIsNotRoomForAll) {
+  const std::vector<std::string> patterns{"Play (Blue|Red|Green|Grey|White)", "Stop", "Go (On|Back)"};
+  EXPECT_THAT(AudibleFor(patterns, {.arcs = 100}).leftOut, testing::IsEmpty());
+  const Audible audible = AudibleFor(patterns, {.arcs = 10});
+  EXPECT_THAT(audible.leftOut, ElementsAre(1));
+  EXPECT_THAT(Sentences(audible.network),
+              UnorderedElementsAre("stop", "go on", "go back", "first", "second", "third", "yes", "no"));
+  EXPECT_THAT(AudibleFor(patterns, {.arcs = 1}).leftOut, UnorderedElementsAre(1, 3));
+  EXPECT_THAT(Sentences(AudibleFor(patterns, {.arcs = 0}).network),
+              UnorderedElementsAre("first", "second", "third", "yes", "no"));
+}
+
+TEST(Network, HoldsFortyThousandNames) {
+  constexpr std::size_t kNames = 40000;
+  std::string text = "Play Album (";
+  for (std::size_t i = 0; i < kNames; ++i) {
+    // Names of three words, each word in some hundred of them.
+    std::string letters;
+    for (std::size_t rest = i; rest > 0; rest /= 26) letters += static_cast<char>('a' + rest % 26);
+    text += (i == 0 ? "" : "|") + std::string("The ") + letters + " Night";
+  }
+  const Audible audible = AudibleFor({text + ")", "Stop"});
+  EXPECT_THAT(audible.leftOut, testing::IsEmpty());
+  EXPECT_GT(audible.network.arcs.size(), 2 * kNames - 10);
+  EXPECT_LT(audible.network.arcs.size(), 3 * kNames);
+  const std::string content = ear::Encoded(audible.network);
+  EXPECT_LT(content.size(), ear::kLongestMessage / 50);
+  EXPECT_EQ(ear::NetworkIn(content), audible.network);
+}
+
 TEST(Network, GoesOverAPipeAsItIs) {
   const ear::SpeechNetwork network = NetworkFor("Play [Album] (Blue|7)");
   const std::string content = ear::Encoded(network);
