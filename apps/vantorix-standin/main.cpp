@@ -123,7 +123,8 @@ int Serve(const Options& options) {
         {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});
     EarProcess recogniser(
         loop, {.program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vantorix-ear"});
-    VoiceCommands voiceCommands({loop, house, objects, plugin, library, speech, recogniser});
+    WorkerThread worker(loop);
+    VoiceCommands voiceCommands({loop, house, objects, plugin, library, speech, recogniser, &worker});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
     PlayerCovers playerCovers(connection, plugin, house);

@@ -23,6 +23,7 @@ constexpr const char* kSpeaks = "SayAnswers";
 constexpr const char* kScriptsSession = "a script";
 constexpr const char* kStatus = "Media Player Status";
 constexpr std::string_view kQuick = "Media Player Quick ";
+constexpr const char* kNothingKnown = "What can be said is too much for this machine";
 constexpr const char* kNotUnderstood = "That was not understood";
 constexpr std::size_t kMostChoices = 3;
 constexpr std::size_t kMostQuestions = 100;
@@ -82,16 +83,25 @@ std::string Alternatives(const std::vector<std::string>& texts) {
 }
 
 VoiceCommands::VoiceCommands(const Parts& parts)
-    : parts_(parts), grammar_(parts.house), follow_(parts.loop.makeTimer(kFollowAfter, [this] {
+    : parts_(parts),
+      grammar_(parts.house, parts.worker != nullptr ? *parts.worker : static_cast<Worker&>(here_)),
+      follow_(parts.loop.makeTimer(kFollowAfter, [this] {
         follow_->enabled(false);
         if (awake_) wake();
+        if (grammar_.made()) grammar_.want();  // for the next question
         parts_.house.live.tell("voice", "{}");
       })) {
+  grammar_.onMade = [this] {
+    if (awake_) teach();
+    parts_.house.live.tell("voice", "{}");
+  };
   parts_.recogniser.onChange = [this] { parts_.house.live.tell("voice", "{}"); };
   parts_.house.events.onPattern = [this] { patternsChanged(); };
   parts_.house.onSay = [this](const std::string& text) {
     // Scripts are the owner's own: what he has them say he wants to hear answered, as if he had said it.
-    return say({kScriptsSession}, text, [](const Understanding&) {});
+    parts_.house.log.write("Voice", text);
+    grammar_.now();  // a script waits for what it is answered
+    return answer({kScriptsSession}, text, [](const Understanding&) {});
   };
 }
 
@@ -105,9 +115,17 @@ void VoiceCommands::patternsChanged() { follow_->enabled(true); }
 
 void VoiceCommands::wake() {
   awake_ = true;
-  if (learnt_ == grammar_.revision()) return parts_.recogniser.retry();
-  learnt_ = grammar_.revision();
-  parts_.recogniser.learn(NetworkOf(*grammar_.now()));
+  const bool known = learnt_ == grammar_.revision();
+  grammar_.want();
+  teach();
+  if (known) parts_.recogniser.retry();
+}
+
+void VoiceCommands::teach() {
+  const HouseGrammar::MadeRef& made = grammar_.made();
+  if (!made || learnt_ == made->revision) return;
+  learnt_ = made->revision;
+  parts_.recogniser.learn(made->audible.network);
 }
 
 bool VoiceCommands::speaks() const { return parts_.house.settings.get(kSettings, kSection, kSpeaks) == "1"; }
@@ -116,17 +134,21 @@ void VoiceCommands::speaks(bool on) {
   parts_.house.settings.save(kSettings, kSection, kSpeaks, on ? "1" : "0");
 }
 
-std::string VoiceCommands::say(const Speaker& who, const std::string& text, const Answered& answered) {
+void VoiceCommands::say(const Speaker& who, const std::string& text, const Answered& answered) {
   parts_.house.log.write("Voice", text);
-  std::optional<Order> answer = answerOf(who.session, text);
-  return take(who.session, answer ? std::move(*answer) : orderFor(text, false), aloud(who, answered));
+  grammar_.ask([this, who, text, answered] { answer(who, text, answered); });
+}
+
+std::string VoiceCommands::answer(const Speaker& who, const std::string& text, const Answered& answered) {
+  std::optional<Order> choice = answerOf(who.session, text);
+  return take(who.session, choice ? std::move(*choice) : orderFor(text, false), aloud(who, answered));
 }
 
 void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
   wake();
-  parts_.recogniser.hear(std::move(sound), [this, session = who.session, answered = aloud(who, answered),
-                                            spoken = parts_.loop.now(),
-                                            alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
+  Recogniser::Told told = [this, session = who.session, answered = aloud(who, answered),
+                           spoken = parts_.loop.now(),
+                           alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
     if (!alive.lock()) return;
     Order order;
@@ -159,6 +181,9 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
     take(session, std::move(order), answered);
+  };
+  grammar_.ask([this, sound = std::move(sound), told = std::move(told)]() mutable {
+    parts_.recogniser.hear(std::move(sound), std::move(told));
   });
 }
 
@@ -215,8 +240,14 @@ VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const
 }
 
 VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoken) {
-  const std::shared_ptr<const Grammar> grammar = grammar_.now();
-  std::vector<Said> said = grammar->match(text);
+  Order order;
+  grammar_.want();  // where it is behind, the next question finds it
+  const HouseGrammar::MadeRef made = grammar_.made();
+  if (!made) {
+    order.understanding = {.kind = Kind::kFailed, .heard = text, .says = kNothingKnown};
+    return order;
+  }
+  std::vector<Said> said = made->grammar.match(text);
   // An event that nobody listens to any more can't be meant.
   const auto nobodys = [this](const Said& each) {
     std::vector<std::int32_t> refs;
@@ -231,12 +262,11 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
   if (!spoken && !said.empty())
     std::erase_if(said, [least = said.front().distance](const Said& each) { return each.distance > least; });
   const Device* status = parts_.house.devices.byFullName(kStatus);
-  Order order;
   if (!said.empty()) {
     order = orderOf(said, text);
   } else {
     order.understanding.heard = text;
-    std::vector<Said> near = spoken ? std::vector<Said>() : grammar->near(text, kMostChoices);
+    std::vector<Said> near = spoken ? std::vector<Said>() : made->grammar.near(text, kMostChoices);
     std::erase_if(near, nobodys);
     if (std::vector<std::string> choices = ChoicesOf(near); !choices.empty()) {
       Ask(order.understanding, std::move(choices));

@@ -40,6 +40,7 @@ class VoiceCommands {
     PlayerLibrary& library;
     Speech& speech;
     Recogniser& recogniser;
+    Worker* worker = nullptr;  ///< where the grammar is made; without it, here and now
   };
   explicit VoiceCommands(const Parts& parts);
   ~VoiceCommands();
@@ -50,8 +51,7 @@ class VoiceCommands {
 
   /// Called once, now or later.
   using Answered = std::function<void(const Understanding& understanding)>;
-  /// Answers what the house says to it if nothing goes wrong.
-  std::string say(const Speaker& who, const std::string& text, const Answered& answered);
+  void say(const Speaker& who, const std::string& text, const Answered& answered);
   /// Sound as `Recogniser` takes it.
   void listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered);
 
@@ -79,6 +79,9 @@ class VoiceCommands {
     base::Milliseconds asked{0};
   };
 
+  void teach();
+  /// Answers what the house says to it if nothing goes wrong.
+  std::string answer(const Speaker& who, const std::string& text, const Answered& answered);
   [[nodiscard]] Order orderFor(const std::string& text, bool spoken);
   [[nodiscard]] std::optional<Order> answerOf(const std::string& who, const std::string& text);
   [[nodiscard]] Order orderOf(const std::vector<Said>& said, const std::string& text);
@@ -93,6 +96,7 @@ class VoiceCommands {
   void remember(const std::string& who, const Understanding& understanding);
 
   Parts parts_;
+  WorkHere here_;
   HouseGrammar grammar_;
   std::map<std::string, Question> questions_;
   bool awake_ = false;

@@ -52,7 +52,9 @@ json JsonOf(const std::vector<Pattern::Sequence>& choices) {
   return all;
 }
 
-json JsonOf(const House& house, const HouseGrammar::Entry& entry) {
+json JsonOf(const House& house, const HouseGrammar& grammar, const HouseGrammar::Entry& entry) {
+  std::vector<std::string> faults = entry.pattern->faults();
+  for (std::string& each : grammar.troubles(entry.event)) faults.push_back(std::move(each));
   const Event& event = *house.events.byId(entry.event);
   json devices = json::array();
   for (const EventDevice& each : event.devices) {
@@ -63,7 +65,7 @@ json JsonOf(const House& house, const HouseGrammar::Entry& entry) {
             {"name", event.name},
             {"devices", std::move(devices)},
             {"length", event.vcmd.size()},
-            {"faults", entry.pattern->faults()},
+            {"faults", std::move(faults)},
             {"tree", JsonOf(entry.pattern->sentences())}};
   if (event.vcmd.size() <= kLongestPattern) told["pattern"] = event.vcmd;
   return told;
@@ -102,7 +104,8 @@ WebAnswer AnswerOf(const Understanding& understanding) {
 
 WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner) {
   json events = json::array();
-  for (const HouseGrammar::Entry& entry : voice.grammar().entries()) events.push_back(JsonOf(house, entry));
+  for (const HouseGrammar::Entry& entry : voice.grammar().entries())
+    events.push_back(JsonOf(house, voice.grammar(), entry));
   return Told({{"recogniser", JsonOf(voice.recogniser().status(), owner)},
                {"events", std::move(events)},
                {"listen",

@@ -41,13 +41,15 @@ WebAnswer TellPattern(House& house, const WebCall& call) {
   return Told({{"id", event->id}, {"pattern", event->vcmd}});
 }
 
-WebAnswer PutPattern(House& house, const WebCall& call) {
+/// It is answered when it holds for what is said next.
+void PutPattern(House& house, HouseGrammar& grammar, const WebCall& call, const Reply& reply) {
   const auto id = call.json.at("event").get<std::int32_t>();
   const auto pattern = call.json.at("pattern").get<std::string>();
-  if (house.events.byId(id) == nullptr) return Refusal(404, "There is no such event");
-  if (pattern.size() > kLongestPattern) return Refusal(400, "The pattern is too long");
+  if (house.events.byId(id) == nullptr) return reply(Refusal(404, "There is no such event"));
+  if (pattern.size() > kLongestPattern) return reply(Refusal(400, "The pattern is too long"));
   house.events.put(id, &Event::vcmd, pattern);
-  return Told({{"faults", standin::Pattern(pattern).faults()}});
+  const WebAnswer answer = Told({{"faults", standin::Pattern(pattern).faults()}});
+  grammar.whenFollowed([reply, answer] { reply(answer); });
 }
 
 /// The names of a long choice, of which the state tells the first.
@@ -74,7 +76,9 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice) {
     return StateOf(house, voice, owner);
   }};
   const Now pattern{[&house](const WebCall& call) { return TellPattern(house, call); }};
-  const Now put{[&house](const WebCall& call) { return PutPattern(house, call); }};
+  const Later put{[&house, &voice](const WebCall& call, const Reply& reply) {
+    PutPattern(house, voice.grammar(), call, reply);
+  }};
   const Now choices{[&voice](const WebCall& call) { return FindChoices(voice.grammar(), call); }};
   const Now speaks{[&voice](const WebCall& call) {
     voice.speaks(call.json.at("on").get<bool>());

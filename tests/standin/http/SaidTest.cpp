@@ -93,6 +93,17 @@ TEST_F(SaidToServer, WhatIsWrittenLetterForLetterIsNotAskedFor) {
   EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Artist Beyonc\u00E9");
 }
 
+TEST_F(SaidToServer, TellsWhichEventIsTooLongToBeListenedFor) {
+  std::string text;
+  for (int i = 0; i < 1000; ++i) text += "[a] ";
+  pattern(text + "b");
+  EXPECT_EQ(support::JsonOf(web.get("/api/voice")->body).at("events")[0].at("faults"),
+            json({"It is too long to be listened for: what it says can only be typed"}));
+  pattern("Play Album )");
+  EXPECT_EQ(support::JsonOf(web.get("/api/voice")->body).at("events")[0].at("faults"), json::array());
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play album"}}), 404) << "there is none";
+}
+
 TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
   const httplib::Headers from{{"Origin", web.origin()}};
   EXPECT_EQ(web.postText("/api/voice/listen", "abcd", "application/json", from), 415);
