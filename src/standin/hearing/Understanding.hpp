@@ -16,12 +16,18 @@ struct Understanding {
     kDeaf,     ///< there is nobody who could listen
     kFailed,   ///< it was understood, and could not be done
   };
+  /// A command to choose, and how a person knows it: with the library's own names in it.
+  struct Choice {
+    std::string command;
+    std::string label;
+    bool operator==(const Choice&) const = default;
+  };
   Kind kind = Kind::kUnknown;
   std::string heard{};                 ///< as it was typed or recognised
   std::string command{};               ///< in the pattern's words, where it was understood
   std::vector<std::string> events{};   ///< names of those that it was for
   std::string says{};                  ///< the house's answer, in words
-  std::vector<std::string> choices{};  ///< commands to choose from, for `kUnclear`
+  std::vector<Choice> choices{};       ///< for `kUnclear`
   std::optional<double> confidence{};  ///< of what was heard
 };
 

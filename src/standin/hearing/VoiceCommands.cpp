@@ -6,8 +6,8 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
-#include "standin/hearing/Network.hpp"
 #include "standin/hearing/PlayerPhrases.hpp"
+#include "standin/hearing/QuickPlay.hpp"
 #include "standin/house/EventStore.hpp"
 #include "standin/player/WatchedCommand.hpp"
 
@@ -22,7 +22,6 @@ constexpr const char* kSpeaks = "SayAnswers";
 /// No session is called so.
 constexpr const char* kScriptsSession = "a script";
 constexpr const char* kStatus = "Media Player Status";
-constexpr std::string_view kQuick = "Media Player Quick ";
 constexpr const char* kNothingKnown = "What can be said is too much for this machine";
 constexpr const char* kNotUnderstood = "That was not understood";
 constexpr std::size_t kMostChoices = 3;
@@ -53,24 +52,13 @@ std::optional<int> ChoiceIn(const std::string& text) {
   return found->second;
 }
 
-void Ask(Understanding& understanding, std::vector<std::string> choices) {
+void Ask(Understanding& understanding, std::vector<Understanding::Choice> choices) {
+  std::vector<std::string> labels;
+  labels.reserve(choices.size());
+  for (const Understanding::Choice& each : choices) labels.push_back(each.label);
   understanding.kind = Kind::kUnclear;
-  understanding.says = "Did you mean " + Alternatives(choices) + "?";
+  understanding.says = "Did you mean " + Alternatives(labels) + "?";
   understanding.choices = std::move(choices);
-}
-
-/// What somebody who is asked back chooses from, each once: the sentences in the patterns' words. Where two
-/// are the same but for a word that was left out, that word stands there too.
-std::vector<std::string> ChoicesOf(const std::vector<Said>& said) {
-  std::vector<std::string> choices;
-  for (const Said& each : said) {
-    const bool doubtful = std::any_of(said.begin(), said.end(), [&](const Said& other) {
-      return other.command == each.command && other.whole != each.whole;
-    });
-    const std::string& words = doubtful ? each.whole : each.command;
-    if (std::find(choices.begin(), choices.end(), words) == choices.end()) choices.push_back(words);
-  }
-  return choices;
 }
 
 }  // namespace
@@ -85,6 +73,7 @@ std::string Alternatives(const std::vector<std::string>& texts) {
 VoiceCommands::VoiceCommands(const Parts& parts)
     : parts_(parts),
       grammar_(parts.house, parts.worker != nullptr ? *parts.worker : static_cast<Worker&>(here_)),
+      sentences_(parts.house, grammar_),
       follow_(parts.loop.makeTimer(kFollowAfter, [this] {
         follow_->enabled(false);
         if (awake_) wake();
@@ -121,6 +110,12 @@ void VoiceCommands::wake() {
   if (known) parts_.recogniser.retry();
 }
 
+Recogniser::Status VoiceCommands::hearing() const {
+  Recogniser::Status status = parts_.recogniser.status();
+  if (awake_ && status.state == Recogniser::State::kOff) status.state = Recogniser::State::kStarting;
+  return status;
+}
+
 void VoiceCommands::teach() {
   const HouseGrammar::MadeRef& made = grammar_.made();
   if (!made || learnt_ == made->revision) return;
@@ -146,7 +141,8 @@ std::string VoiceCommands::answer(const Speaker& who, const std::string& text, c
 
 void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
   wake();
-  Recogniser::Told told = [this, session = who.session, answered = aloud(who, answered),
+  Answered voice = aloud(who, answered);
+  Recogniser::Told told = [this, session = who.session, answered = std::move(voice),
                            spoken = parts_.loop.now(),
                            alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
@@ -176,7 +172,7 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
     } else {
       order = orderFor(heard.words, true);
       if (understanding.kind == Kind::kDone && heard.confidence < kSure)
-        Ask(understanding, {understanding.command});
+        Ask(understanding, {{understanding.command, order.label}});
     }
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
@@ -195,20 +191,13 @@ std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& w
   questions_.erase(question);
   if (parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
   if (*choice >= 0 && static_cast<std::size_t>(*choice) < asked.choices.size()) {
-    Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)], false);
+    Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)].command, false);
     order.understanding.heard = text;
     return order;
   }
   Order nothing;
   nothing.understanding = {.kind = Kind::kDone, .heard = text, .says = "Nothing was done"};
   return nothing;
-}
-
-void VoiceCommands::addDevices(const Event& event, std::vector<std::int32_t>& refs) const {
-  for (const EventDevice& entry : event.devices) {
-    if (entry.func != kFuncVoice || parts_.house.devices.byRef(entry.devid) == nullptr) continue;
-    if (std::find(refs.begin(), refs.end(), entry.devid) == refs.end()) refs.push_back(entry.devid);
-  }
 }
 
 VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const std::string& text) {
@@ -221,7 +210,7 @@ VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const
     if (std::find(known.begin(), known.end(), entry) != known.end()) continue;
     known.push_back(entry);
   }
-  std::vector<std::string> choices = ChoicesOf(said);
+  std::vector<Choice> choices = sentences_.choicesOf(said);
   if (choices.size() > 1) {
     if (choices.size() > kMostChoices) choices.resize(kMostChoices);
     Ask(understanding, std::move(choices));
@@ -229,9 +218,11 @@ VoiceCommands::Order VoiceCommands::orderOf(const std::vector<Said>& said, const
   }
   understanding.kind = Kind::kDone;
   understanding.command = said.front().command;
+  order.label = choices.front().label;
   for (const auto& [id, command] : known) {
     const Event& event = *parts_.house.events.byId(id);
-    addDevices(event, order.refs);
+    for (const std::int32_t ref : sentences_.devicesOf(id))
+      if (std::find(order.refs.begin(), order.refs.end(), ref) == order.refs.end()) order.refs.push_back(ref);
     if (std::find(understanding.events.begin(), understanding.events.end(), event.name) ==
         understanding.events.end())
       understanding.events.push_back(event.name);
@@ -248,13 +239,7 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     return order;
   }
   std::vector<Said> said = made->grammar.match(text);
-  // An event that nobody listens to any more can't be meant.
-  const auto nobodys = [this](const Said& each) {
-    std::vector<std::int32_t> refs;
-    if (const Event* event = parts_.house.events.byId(each.event)) addDevices(*event, refs);
-    return refs.empty();
-  };
-  std::erase_if(said, nobodys);
+  sentences_.settle(said);
   // What is written letter for letter is meant, as the answer to a question is.
   const auto another = [&](const Said& each) { return each.command != text && each.whole != text; };
   if (!std::all_of(said.begin(), said.end(), another)) std::erase_if(said, another);
@@ -267,8 +252,8 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
   } else {
     order.understanding.heard = text;
     std::vector<Said> near = spoken ? std::vector<Said>() : made->grammar.near(text, kMostChoices);
-    std::erase_if(near, nobodys);
-    if (std::vector<std::string> choices = ChoicesOf(near); !choices.empty()) {
+    sentences_.settle(near);
+    if (std::vector<Choice> choices = sentences_.choicesOf(near); !choices.empty()) {
       Ask(order.understanding, std::move(choices));
     } else if (!spoken && status != nullptr && PlayerPhraseIn(text) != nullptr) {
       order.refs = {status->ref};
@@ -279,6 +264,12 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     }
   }
   if (order.understanding.kind != Kind::kDone) return order;
+  if (const std::string category = order.refs.size() == 1 ? sentences_.categoryOf(order.refs) : "";
+      !category.empty() && PlaysNothing(category, order.understanding.command)) {
+    order.understanding.kind = Kind::kUnknown;
+    order.understanding.says = Quoted(text) + " doesn’t say what to play";
+    return order;
+  }
   const bool toStatus =
       status != nullptr && std::find(order.refs.begin(), order.refs.end(), status->ref) != order.refs.end();
   const PlayerPhrase* phrase = toStatus ? PlayerPhraseIn(order.understanding.command) : nullptr;
@@ -314,18 +305,11 @@ std::string VoiceCommands::take(const std::string& who, Order order, const Answe
 }
 
 void VoiceCommands::wordAnswer(Order& order) const {
-  std::string category;
-  for (const std::int32_t ref : order.refs) {
-    const std::string name = parts_.house.devices.byRef(ref)->fullName();
-    if (name.starts_with(kQuick)) category = name.substr(kQuick.size());
-  }
-  std::string words = order.understanding.command;
-  constexpr std::string_view kPlay = "play ";
-  if (category.empty() || !base::LowerCase(words).starts_with(kPlay)) return;
-  words.erase(0, kPlay.size());
-  if (base::LowerCase(words).starts_with(base::LowerCase(category) + " "))
-    words.erase(0, category.size() + 1);
-  const std::string name = grammar_.libraryName(category, words);
+  const std::string category = sentences_.categoryOf(order.refs);
+  const std::string& command = order.understanding.command;
+  const std::optional<std::size_t> at = category.empty() ? std::nullopt : PlayedNameAt(category, command);
+  if (!at) return;
+  const std::string name = grammar_.libraryName(category, command.substr(*at));
   order.understanding.says = "Playing " + name;
   if (category == "Album") order.album = name;
 }

@@ -10,6 +10,7 @@
 #include "bus/PollLoop.hpp"
 #include "standin/ear/Recogniser.hpp"
 #include "standin/hearing/HouseGrammar.hpp"
+#include "standin/hearing/Sentences.hpp"
 #include "standin/hearing/Understanding.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
@@ -59,7 +60,8 @@ class VoiceCommands {
   /// tried again. It costs memory, so it is not started for somebody who never speaks.
   void wake();
   [[nodiscard]] HouseGrammar& grammar() { return grammar_; }
-  [[nodiscard]] const Recogniser& recogniser() const { return parts_.recogniser; }
+  /// Of the recogniser, which may still wait for the grammar that it is to learn.
+  [[nodiscard]] Recogniser::Status hearing() const;
   /// Whether the house says its answers aloud.
   [[nodiscard]] bool speaks() const;
   void speaks(bool on);
@@ -73,9 +75,11 @@ class VoiceCommands {
     std::vector<std::int32_t> refs;
     bool adds = false;
     std::string album{};  ///< that is played, as the library calls it
+    std::string label{};  ///< the command as a person knows it
   };
+  using Choice = Understanding::Choice;
   struct Question {
-    std::vector<std::string> choices;
+    std::vector<Choice> choices;
     base::Milliseconds asked{0};
   };
 
@@ -85,7 +89,6 @@ class VoiceCommands {
   [[nodiscard]] Order orderFor(const std::string& text, bool spoken);
   [[nodiscard]] std::optional<Order> answerOf(const std::string& who, const std::string& text);
   [[nodiscard]] Order orderOf(const std::vector<Said>& said, const std::string& text);
-  void addDevices(const Event& event, std::vector<std::int32_t>& refs) const;
   std::string take(const std::string& who, Order order, const Answered& answered);
   void carryOut(const Order& order, const Answered& answered);
   void add(const Order& order, PluginKeeper::Command command, const Answered& answered);
@@ -98,6 +101,7 @@ class VoiceCommands {
   Parts parts_;
   WorkHere here_;
   HouseGrammar grammar_;
+  Sentences sentences_;
   std::map<std::string, Question> questions_;
   bool awake_ = false;
   std::uint64_t learnt_ = 0;  ///< revision of the grammar that the recogniser was given

@@ -87,8 +87,8 @@ json JsonOf(const Recogniser::Status& status, bool owner) {
 WebAnswer AnswerOf(const Understanding& understanding) {
   const auto [kind, status] = NameAndStatus(understanding.kind);
   json choices = json::array();
-  for (const std::string& each : understanding.choices)
-    choices.push_back({{"command", each}, {"label", each}});
+  for (const Understanding::Choice& each : understanding.choices)
+    choices.push_back({{"command", each.command}, {"label", each.label}});
   json told{{"kind", kind},
             {"heard", understanding.heard},
             {"command", understanding.command},
@@ -106,7 +106,7 @@ WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner) {
   json events = json::array();
   for (const HouseGrammar::Entry& entry : voice.grammar().entries())
     events.push_back(JsonOf(house, voice.grammar(), entry));
-  return Told({{"recogniser", JsonOf(voice.recogniser().status(), owner)},
+  return Told({{"recogniser", JsonOf(voice.hearing(), owner)},
                {"events", std::move(events)},
                {"listen",
                 {{"rate", Recogniser::kRate},

@@ -40,6 +40,7 @@ class HearingHouse : public testing::Test {
   using Kind = standin::Understanding::Kind;
   using Heard = standin::Recogniser::Heard;
   using Understanding = standin::Understanding;
+  using Choice = Understanding::Choice;
   using Understood = std::optional<Understanding>;
 
   HearingHouse() {
@@ -111,7 +112,8 @@ class HearingHouse : public testing::Test {
   void question(const std::string& who = "ann") {
     const Understanding told = say("play night shit", {who});
     EXPECT_EQ(told.kind, Kind::kUnclear);
-    EXPECT_THAT(told.choices, testing::ElementsAre("Play Night Shift", "Play Night Shirt"));
+    EXPECT_THAT(told.choices, testing::ElementsAre(Choice{"Play Night Shift", "Play Night Shift"},
+                                                   Choice{"Play Night Shirt", "Play Night Shirt"}));
   }
 
   BusDaemon bus;

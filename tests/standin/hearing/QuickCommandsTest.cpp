@@ -1,0 +1,103 @@
+// What is said to the quick-play devices, by names that only the library writes as they are.
+#include "standin/hearing/HearingHouse.hpp"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class QuickCommands : public support::HearingHouse {
+ protected:
+  QuickCommands() {
+    album = quick("Quick Album", "12");
+    artist = quick("Quick Artist", "13");
+    house.events.removeDevice(event, 1);
+  }
+  std::int32_t quick(const std::string& name, const std::string& code) {
+    const std::int32_t ref = house.devices.create(name).ref;
+    house.devices.put(ref, &standin::Device::location, std::string("Media Player"));
+    house.devices.put(ref, &standin::Device::hc, std::string("Q"));
+    house.devices.put(ref, &standin::Device::dc, code);
+    return ref;
+  }
+  /// Has another event with that pattern for the device.
+  void hears(std::int32_t ref, const std::string& pattern) {
+    const std::int32_t id = house.events.create("VR of " + std::to_string(ref)).id;
+    house.events.addDevice(id, ref, standin::kFuncVoice);
+    house.events.put(id, &standin::Event::vcmd, pattern);
+  }
+  void named(const std::string& category, const std::string& key, const std::string& digits) {
+    house.settings.save("vxif_WMP.ini", category, key, digits);
+  }
+  /// What the plug-in was to do last.
+  std::string last() {
+    const std::vector<std::string> calls = plugin.calls();
+    return calls.empty() ? "" : calls.back();
+  }
+
+  std::int32_t album = 0;
+  std::int32_t artist = 0;
+};
+
+TEST_F(QuickCommands, TheHouseAsksInTheLibrarysOwnNames) {
+  named("Artist", "Bj rk", "426AC3B6726B");
+  named("Artist", "Bj rn", "426AC3B6726E");
+  hears(artist, "Play [Artist] (Bj rk|Bj rn|Blue)");
+  const Understanding told = say("play artist bjor");
+  EXPECT_EQ(told.says, "Did you mean “Play Artist Björk” or “Play Artist Björn”?");
+  EXPECT_THAT(told.choices, ElementsAre(Choice{"Play Artist Bj rk", "Play Artist Björk"},
+                                        Choice{"Play Artist Bj rn", "Play Artist Björn"}));
+  say("second");
+  EXPECT_EQ(last(), "SetIO Quick Artist Q 13 13 0 0 0 after Play Artist Bj rn") << "which knows the key";
+  EXPECT_EQ(spoken("play artist bjork", 0.5).says, "Did you mean “Play Artist Björk”?");
+  EXPECT_EQ(house.onSay("play bjork"), "Playing Björk");
+}
+
+TEST_F(QuickCommands, ANameThatBeginsLikeTheCategoryIsPlayedWhole) {
+  hears(album, "Play [Album] (Album 7|Albums Live|Album)");
+  say("play album 7");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Album 7");
+  say("play albums live");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Albums Live");
+  say("play album");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Album");
+}
+
+TEST_F(QuickCommands, ANameAndTheSameBehindTheCategoryAreToldApart) {
+  hears(album, "Play [Album] (Album 7|7|Blue)");
+  const Understanding told = say("play album 7");
+  EXPECT_EQ(told.says, "Did you mean “Play Album Album 7” or “Play Album 7”?");
+  say(told.choices.at(0).label == "Play Album 7" ? "first" : "second");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album 7");
+  say("Play Album Album 7");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Album 7");
+  say("play blue");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Blue");
+}
+
+TEST_F(QuickCommands, WithoutANameNothingIsDone) {
+  const std::size_t before = plugin.calls().size();
+  hears(album, "Play Album )");
+  EXPECT_EQ(say("play album").kind, Kind::kUnknown);
+  hears(artist, "Play (Artist)");
+  EXPECT_EQ(say("play artist").kind, Kind::kUnknown);
+  EXPECT_EQ(say("play artist").says, "“play artist” doesn’t say what to play");
+  EXPECT_EQ(plugin.calls().size(), before);
+}
+
+TEST_F(QuickCommands, NamesThatLookTheSameAreToldApartByTheirKeys) {
+  named("Artist", "Blu", "426C75652E");
+  named("Artist", "Blue", "426C75652E");
+  hears(artist, "Play [Artist] (Blu|Blue)");
+  EXPECT_EQ(say("play artist blux").says, "Did you mean “Play Artist Blu” or “Play Artist Blue”?");
+}
+
+TEST_F(QuickCommands, AnEventThatNobodyListensToIsNotMeant) {
+  hears(album, "Play Album (Blue)");
+  EXPECT_EQ(say("play album blue").kind, Kind::kDone);
+  house.events.removeDevice(house.events.byName("VR of " + std::to_string(album))->id, 1);
+  EXPECT_EQ(say("play album blue").kind, Kind::kUnknown);
+  EXPECT_THAT(say("play album blux").choices, IsEmpty());
+}
+
+}  // namespace
