@@ -89,6 +89,11 @@ std::string Encoded(const SpeechNetwork& network) {
     Put(out, arc.to);
     Put(out, static_cast<std::uint32_t>(arc.word));
   }
+  Put(out, static_cast<std::uint32_t>(network.spellings.size()));
+  for (const SpeechNetwork::Spelling& each : network.spellings) {
+    PutText(out, each.word);
+    PutText(out, each.written);
+  }
   return out;
 }
 
@@ -104,6 +109,11 @@ std::optional<SpeechNetwork> NetworkIn(std::string_view content) {
     arc.from = reader.number();
     arc.to = reader.number();
     arc.word = static_cast<std::int32_t>(reader.number());
+  }
+  network.spellings.resize(reader.count(2 * kNumber));
+  for (SpeechNetwork::Spelling& each : network.spellings) {
+    each.word = reader.text();
+    each.written = reader.text();
   }
   if (!reader.good() || !InRange(network)) return std::nullopt;
   return network;

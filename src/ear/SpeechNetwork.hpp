@@ -14,11 +14,18 @@ struct SpeechNetwork {
     std::int32_t word = kNoWord;  ///< index in `words`; a step that takes no word otherwise
     bool operator==(const Arc&) const = default;
   };
+  /// How a word is written by those who have other letters: "Björk" for "bjork".
+  struct Spelling {
+    std::string word;
+    std::string written;
+    bool operator==(const Spelling&) const = default;
+  };
   std::uint32_t places = 0;
   std::uint32_t start = 0;
   std::uint32_t end = 0;
   std::vector<Arc> arcs;
   std::vector<std::string> words;  ///< of the letters a to z alone
+  std::vector<Spelling> spellings;
   bool operator==(const SpeechNetwork&) const = default;
 };
 

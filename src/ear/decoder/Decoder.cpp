@@ -9,6 +9,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "ear/decoder/ForeignWords.hpp"
 #include "ear/decoder/Pronunciations.hpp"
 
 namespace ear {
@@ -17,6 +18,8 @@ namespace {
 constexpr const char* kCommands = "commands";
 constexpr const char* kPhones = "phones";
 constexpr std::size_t kMostUnspoken = 20;
+constexpr std::size_t kMostSpellings = 5000;
+constexpr std::size_t kLongestSpelling = 64;
 /// What a phone of the chain costs beside its sound, so that it has no more of them than were said.
 constexpr double kPhoneCost = 1e-4;
 /// A sound that is shorter or fainter than this is nobody's speech.
@@ -99,30 +102,45 @@ void Decoder::learnPhones() {
     throw std::runtime_error("The phones can’t be listened for");
 }
 
+void Decoder::addWays(const std::string& word, const std::vector<std::string>& ways) {
+  int number = 1;
+  for (const std::string& phones : ways) {
+    std::string name = word;
+    while (isKnown(name)) name = word + "(" + std::to_string(++number) + ")";
+    ps_add_word(decoder_, name.c_str(), phones.c_str(), FALSE);
+  }
+}
+
+bool Decoder::isKnown(const std::string& word) const {
+  char* const phones = ps_lookup_word(decoder_, word.c_str());
+  ckd_free(phones);
+  return phones != nullptr;
+}
+
+void Decoder::learnSpellings(const std::vector<SpeechNetwork::Spelling>& spellings) {
+  std::vector<std::string> written;
+  for (const SpeechNetwork::Spelling& each : spellings)
+    if (written.size() < kMostSpellings) written.push_back(each.written.substr(0, kLongestSpelling));
+  if (written.empty()) return;
+  const std::vector<std::vector<std::string>> ways = ForeignWays(written);
+  for (std::size_t i = 0; i < ways.size(); ++i) addWays(spellings[i].word, ways[i]);
+}
+
 Learnt Decoder::learn(const SpeechNetwork& network) {
   const Pronunciations pronunciations(dictionary_);
   Learnt learnt;
   std::vector<bool> spoken(network.words.size());
   for (std::size_t i = 0; i < network.words.size(); ++i) {
     const std::string& word = network.words[i];
-    if (char* known = ps_lookup_word(decoder_, word.c_str())) {
-      ckd_free(known);
-      spoken[i] = true;
-    } else {
-      int way = 0;
-      for (const std::string& phones : pronunciations.of(word)) {
-        const std::string name = way == 0 ? word : word + "(" + std::to_string(way + 1) + ")";
-        if (ps_add_word(decoder_, name.c_str(), phones.c_str(), FALSE) < 0) continue;
-        spoken[i] = true;
-        ++way;
-      }
-    }
+    if (!isKnown(word)) addWays(word, pronunciations.of(word));
+    spoken[i] = isKnown(word);
     if (spoken[i]) {
       ++learnt.words;
     } else if (learnt.unspoken.size() < kMostUnspoken) {
       learnt.unspoken.push_back(word);
     }
   }
+  learnSpellings(network.spellings);
   learnPhones();
   SpeechNetwork sayable = network;
   std::erase_if(sayable.arcs, [&](const SpeechNetwork::Arc& arc) {

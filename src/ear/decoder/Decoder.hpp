@@ -52,6 +52,10 @@ class Decoder {
     double score = 0;
   };
   std::vector<Piece> pieces(const char* search, const std::vector<std::int16_t>& sound);
+  [[nodiscard]] bool isKnown(const std::string& word) const;
+  /// Beside those that it has.
+  void addWays(const std::string& word, const std::vector<std::string>& ways);
+  void learnSpellings(const std::vector<SpeechNetwork::Spelling>& spellings);
   void learnPhones();
 
   ps_decoder_s* decoder_ = nullptr;

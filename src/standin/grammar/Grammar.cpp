@@ -167,6 +167,11 @@ std::size_t Grammar::asWritten(std::int32_t event) const {
 }
 
 bool Grammar::enterForms(const std::string& spelling, const WordGraph::Step& step) {
+  const bool ascii = std::all_of(spelling.begin(), spelling.end(),
+                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  for (NameWord& word : ascii ? std::vector<NameWord>() : NameWords(spelling))
+    if (!word.foreign.empty() && foreign_.size() < kMostForeign)
+      foreign_.emplace(std::move(word.folded), std::move(word.foreign));
   bool room = true;
   for (const NameForm& form : FormsOf(spelling, full_ ? 2 : kMostForms)) {
     const auto words = 1 + static_cast<std::size_t>(std::count(form.words.begin(), form.words.end(), ' '));

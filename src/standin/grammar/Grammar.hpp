@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -54,6 +55,10 @@ class Grammar {
   [[nodiscard]] const std::vector<WordGraph::Place>& starts() const { return starts_; }
   /// The places where a sentence may end, with its event.
   [[nodiscard]] const std::vector<std::pair<WordGraph::Place, std::int32_t>>& ends() const { return ends_; }
+  /// Words behind which another spelling stands, with letters that English doesn't have: "bjork" and "Björk",
+  /// each pair once, in the order of the words. The first `kMostForeign`.
+  static constexpr std::size_t kMostForeign = 5000;
+  [[nodiscard]] const std::set<std::pair<std::string, std::string>>& foreign() const { return foreign_; }
   /// How many names of an event have ways to say them for which there was no room.
   [[nodiscard]] std::size_t asWritten(std::int32_t event) const;
 
@@ -99,6 +104,7 @@ class Grammar {
   std::int32_t event_ = 0;                ///< whose pattern is entered, while it is built
   bool full_ = false;                     ///< it takes no other ways than the written one
   std::map<std::int32_t, std::size_t> asWritten_;
+  std::set<std::pair<std::string, std::string>> foreign_;
   WordGraph graph_;
   std::vector<Output> outputs_;
   std::unordered_map<std::string, std::uint32_t> outputNumbers_;

@@ -45,6 +45,18 @@ std::vector<std::string> HumpsOf(std::string_view piece) {
   return humps.size() < 2 ? std::vector<std::string>() : humps;
 }
 
+/// Latin letters beyond those of English, or an accent that stands behind its letter.
+bool HasForeignLetter(std::string_view piece) {
+  for (std::size_t i = 0; i + 1 < piece.size(); ++i) {
+    const auto first = static_cast<unsigned char>(piece[i]);
+    const auto second = static_cast<unsigned char>(piece[i + 1]);
+    const bool sign = first == 0xC3 && (second == 0x97 || second == 0xB7);  // "×", "÷"
+    if ((first >= 0xC3 && first <= 0xC9 && !sign) || first == 0xCC) return true;
+    if (first == 0xE1 && second >= 0xB8 && second <= 0xBB) return true;
+  }
+  return false;
+}
+
 void AddPiece(std::string_view piece, std::vector<NameWord>& words) {
   const std::string folded = Folded(piece);
   const bool capitals = All(piece, &IsCapital);
@@ -57,7 +69,9 @@ void AddPiece(std::string_view piece, std::vector<NameWord>& words) {
     if (end > start) words.push_back({folded.substr(start, end - start), capitals});
     start = end + 1;
   }
-  if (!words.empty() && words.back().folded == folded) words.back().humps = HumpsOf(piece);
+  if (words.empty() || words.back().folded != folded) return;
+  words.back().humps = HumpsOf(piece);
+  if (HasForeignLetter(piece)) words.back().foreign = piece;
 }
 
 /// A way to say the next words of a name.

@@ -11,6 +11,7 @@ struct NameWord {
   std::string folded;                ///< without case, accents, apostrophes and punctuation
   bool capitals = false;             ///< written in Latin capitals alone
   std::vector<std::string> humps{};  ///< the folded parts of a word such as "UnMute"; none of another
+  std::string foreign{};             ///< as it is written, where it has letters such as "ö" or "é"
 };
 /// The words of a name or of what somebody has typed; "&" and "+" are the word "and". None for blanks and
 /// punctuation alone.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace standin {
@@ -132,6 +134,9 @@ Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits) {
   for (const char* answer : {"first", "second", "third", "yes", "no"})
     all.arcs.push_back({all.start, all.end, words.numberOf(answer)});
   ear::Prune(all);
+  const std::unordered_set<std::string_view> known(all.words.begin(), all.words.end());
+  for (const auto& [word, written] : grammar.foreign())
+    if (known.count(word) != 0) all.spellings.push_back({word, written});
   return audible;
 }
 
