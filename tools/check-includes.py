@@ -69,7 +69,7 @@ MAY_INCLUDE = {
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
     "standin/hearing": "base bus ear standin/ear standin/grammar standin/hostobjects standin/house standin/player standin/voice",
     "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/grammar standin/hearing standin/hostobjects "
-                      "standin/house standin/player standin/playlists standin/rules standin/scripts standin/text",
+                      "standin/house standin/player standin/playlists standin/rules standin/scripts standin/text standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
     "standin": "base files",
 }

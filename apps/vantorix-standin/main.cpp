@@ -40,6 +40,7 @@
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
 #include "standin/voice/EspeakVoice.hpp"
+#include "standin/voice/Quiet.hpp"
 #include "standin/voice/RestingVoice.hpp"
 
 namespace {
@@ -79,6 +80,7 @@ int Serve(const Options& options) {
   EspeakVoice espeak;
   RestingVoice voice(espeak);
   Speech speech(loop, house, voice);
+  Quiet quiet(loop, speech.events());
   LoopWaits waits(loop, speech);
   const auto system = std::make_shared<SystemObject>(house);
   const auto host = std::make_shared<HostObject>(house, objects, waits, system);
@@ -138,7 +140,7 @@ int Serve(const Options& options) {
                 LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
                 PlaylistRoutes(playlists, library), CoverRoutes(covers),
                 CoverServiceRoutes(discs, options.listen), ScriptRoutes(scripts, runner),
-                UserRoutes(house, visitors, gate), VoiceRoutes(house, voiceCommands),
+                UserRoutes(house, visitors, gate), VoiceRoutes(house, voiceCommands, quiet),
                 PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,

@@ -19,6 +19,7 @@
 #include "standin/rules/RuleStore.hpp"
 #include "standin/scripts/ScriptRunner.hpp"
 #include "standin/scripts/ScriptStore.hpp"
+#include "standin/voice/Quiet.hpp"
 
 namespace standin {
 
@@ -29,8 +30,8 @@ namespace standin {
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
 /// Buttons, devices and menu.
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library);
-/// What is said to the house, and what can be.
-Routes VoiceRoutes(House& house, VoiceCommands& voice);
+/// What is said to the house, and what can be; `quiet` is kept for those who speak.
+Routes VoiceRoutes(House& house, VoiceCommands& voice, Quiet& quiet);
 /// The dialogs of the plug-in's actions, triggers and conditions.
 Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.

@@ -24,7 +24,8 @@ void Say(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
             [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
 }
 
-void Listen(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
+void Listen(VoiceCommands& voice, Quiet& quiet, const WebCall& call, const Reply& reply) {
+  quiet.end(call.token);  // before the command: "pause" is meant for what is playing
   std::vector<std::int16_t> sound;
   try {
     sound = SentSound(call.type, call.body);
@@ -67,9 +68,18 @@ WebAnswer FindChoices(HouseGrammar& grammar, const WebCall& call) {
 
 }  // namespace
 
-Routes VoiceRoutes(House& house, VoiceCommands& voice) {
+Routes VoiceRoutes(House& house, VoiceCommands& voice, Quiet& quiet) {
   const Later say{[&voice](const WebCall& call, const Reply& reply) { Say(voice, call, reply); }};
-  const Later listen{[&voice](const WebCall& call, const Reply& reply) { Listen(voice, call, reply); }};
+  const Later listen{
+      [&voice, &quiet](const WebCall& call, const Reply& reply) { Listen(voice, quiet, call, reply); }};
+  const Now hush{[&quiet](const WebCall& call) {
+    if (call.json.at("on").get<bool>()) {
+      quiet.begin(call.token);
+    } else {
+      quiet.end(call.token);
+    }
+    return WebAnswer();
+  }};
   const Now state{[&house, &voice](const WebCall& call) {
     const bool owner = !call.user.guest;
     if (owner) voice.wake();  // who may not speak needs no ear
@@ -89,6 +99,7 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice) {
           {Method::kGet, "/api/voice", Role::kGuest, state},
           {Method::kPost, "/api/voice/listen", Role::kOwner, listen, "Guests can’t speak to the house",
            Route::kLargestBody, "audio/"},
+          {Method::kPost, "/api/voice/quiet", Role::kOwner, hush, "Guests can’t speak to the house"},
           {Method::kGet, "/api/voice/choices", Role::kGuest, choices},
           {Method::kGet, "/api/voice/pattern", Role::kOwner, pattern, refused},
           {Method::kPost, "/api/voice/pattern", Role::kOwner, put, refused, Route::kLargestBody},

@@ -9,14 +9,18 @@
 namespace standin {
 namespace {
 
-constexpr std::int16_t kAudioEvents = 8;
 constexpr std::size_t kMostWaiting = 100;
 constexpr base::Milliseconds kHushAgain = std::chrono::milliseconds(200);
 
 }  // namespace
 
 Speech::Speech(bus::PollLoop& loop, House& house, VoiceOutput& voice, base::Milliseconds longest)
-    : loop_(loop), house_(house), voice_(voice), longest_(longest), cut_(loop.makeTimer(longest, [this] {
+    : loop_(loop),
+      house_(house),
+      events_(loop, house),
+      voice_(voice),
+      longest_(longest),
+      cut_(loop.makeTimer(longest, [this] {
         if (saying_) voice_.hush();
         cut_->interval(kHushAgain);
       })) {}
@@ -45,7 +49,7 @@ void Speech::speak(const std::string& text, bool tone, const Said& said) {
 void Speech::speak(const std::string& text, bool wait) {
   const auto order = take({text});
   // Asked for while a listener is being told, it could only be said after the listener has answered.
-  if (!order || !wait || telling_) return;
+  if (!order || !wait || events_.telling()) return;
   const base::Milliseconds end = loop_.now() + longest_;
   loop_.whileOpen([&] {
     while (!order->over && loop_.now() < end && !loop_.quitting())
@@ -61,7 +65,7 @@ void Speech::beginSoon() {
 }
 
 void Speech::begin() {
-  if (!std::exchange(orders_.front()->told, true)) tellSinks(true);
+  if (!std::exchange(orders_.front()->told, true)) events_.tell(true);
   cut_->interval(longest_);
   cut_->enabled(true);
   saying_ = true;
@@ -94,32 +98,14 @@ void Speech::said(const std::string& failure) {
     house_.log.write("Info", "Speech is written to the log only: " + failure);
   }
   toldFailure_ = failure;
-  if (orders_.size() > 1 && !std::exchange(orders_[1]->told, true)) tellSinks(true);
-  tellSinks(false);
+  if (orders_.size() > 1 && !std::exchange(orders_[1]->told, true)) events_.tell(true);
+  events_.tell(false);
   const std::shared_ptr<Order> over = orders_.front();
   over->over = true;
   orders_.pop_front();
   busy_ = false;
   if (!orders_.empty()) beginSoon();
   if (over->said) over->said(failure);
-}
-
-void Speech::tellSinks(bool started) {
-  telling_ = true;
-  const std::vector<EventSink> sinks = house_.eventSinks;  // they may change while one is told
-  for (const EventSink& sink : sinks) {
-    if ((sink.mask & kAudioEvents) == 0 || !sink.object) continue;
-    try {
-      loop_.whileOpen([&] {
-        sink.object->invoke("VXEvent", base::Array{base::Value(kAudioEvents), base::Value(started)});
-      });
-    } catch (...) {
-      house_.log.write("Warning",
-                       "A listener to audio events is dropped: " + base::CurrentFailure().description());
-      std::erase_if(house_.eventSinks, [&](const EventSink& each) { return each.object == sink.object; });
-    }
-  }
-  telling_ = false;
 }
 
 }  // namespace standin

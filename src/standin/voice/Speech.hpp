@@ -9,6 +9,7 @@
 
 #include "bus/PollLoop.hpp"
 #include "standin/house/House.hpp"
+#include "standin/voice/AudioEvents.hpp"
 #include "standin/voice/VoiceOutput.hpp"
 
 namespace standin {
@@ -37,6 +38,8 @@ class Speech {
   /// the log, unless the speech itself ends before. With `tone`, that comes first. To say nothing never
   /// fails.
   void speak(const std::string& text, bool tone, const Said& said);
+  /// For others that need the room's ear.
+  [[nodiscard]] AudioEvents& events() { return events_; }
 
  private:
   struct Order {
@@ -51,15 +54,14 @@ class Speech {
   void begin();
   void say(const Order& order);  ///< on the thread
   void said(const std::string& failure);
-  void tellSinks(bool started);
 
   bus::PollLoop& loop_;
   House& house_;
+  AudioEvents events_;
   VoiceOutput& voice_;
   base::Milliseconds longest_;
   std::deque<std::shared_ptr<Order>> orders_;
-  bool busy_ = false;     ///< a text is being said, or its events are being told
-  bool telling_ = false;  ///< the events are being told
+  bool busy_ = false;  ///< a text is being said, or its events are being told
   std::string toldFailure_;
   std::thread thread_;
   std::atomic<bool> saying_ = false;  ///< the thread is at a text

@@ -95,6 +95,7 @@ class WebHouse {
   FakeEventControl control_;
   FakeVoice voice_;
   standin::Speech speech_{loop_, house_, voice_};
+  standin::Quiet quiet_{loop_, speech_.events()};
   standin::NoRecogniser recogniser_{"There is no recogniser"};
   standin::VoiceCommands voiceCommands_{{loop_, house_, objects_, plugin_, library_, speech_, recogniser_}};
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
@@ -109,7 +110,7 @@ class WebHouse {
       standin::Joined(
           {standin::HouseRoutes(house_, plugin_, visitors_),
            standin::DeviceRoutes(house_, objects_, plugin_, library_), standin::DialogRoutes(dialog_),
-           standin::VoiceRoutes(house_, voiceCommands_), standin::LibraryRoutes(library_, search_),
+           standin::VoiceRoutes(house_, voiceCommands_, quiet_), standin::LibraryRoutes(library_, search_),
            standin::PlayerRoutes(nowPlaying_, playlists_), standin::PlaylistRoutes(playlists_, library_),
            standin::CoverRoutes(covers_), standin::CoverServiceRoutes(discs_, "127.0.0.1"),
            standin::ScriptRoutes(scripts_, runner_),

@@ -77,8 +77,10 @@ TEST_F(VoiceButton, ListensWhileTheMouseHoldsIt) {
       "return Number(document.querySelector('.talk-level').style.getPropertyValue('--level')) > 0.1"))
       << "it beeps";
   EXPECT_THAT(posts(), IsEmpty()) << "nothing before it is let go of";
+  EXPECT_EQ(run("return hushed"), json({true})) << "the player makes room";
   releaseMouse();
   EXPECT_TRUE(says("Stopped"));
+  EXPECT_EQ(run("return hushed"), json({true})) << "the house ends it when it has the sound";
   const json post = posts().at(0);
   EXPECT_EQ(post["path"], "/api/voice/listen");
   EXPECT_EQ(post["type"], "audio/l16;rate=16000");
@@ -208,6 +210,7 @@ TEST_F(VoiceButton, AMicrophoneThatGoesIsTold) {
   ASSERT_TRUE(button("listening"));
   run("track.dispatchEvent(new Event('ended'))");
   EXPECT_TRUE(says("The microphone is gone"));
+  EXPECT_TRUE(browser.eventually("return String(hushed) === 'true,false'"));
   releaseMouse();
   pressMouse();
   ASSERT_TRUE(button("listening"));

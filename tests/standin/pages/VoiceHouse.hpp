@@ -13,6 +13,7 @@ class VoiceHouse : public PageHouse {
       : PageHouse(width, 900, {"--use-fake-ui-for-media-stream", "--use-fake-device-for-media-stream"}) {}
 
   /// Before each page: `answers` by method and path, each a status and a body; `posts` as they were made;
+  /// `hushed` what was asked of the player's quiet;
   /// `asked` for the microphone, and the `track` that was given last.
   static constexpr const char* kEar = R"(
     const say = (...words) => words.map((each) => ({say: each}));
@@ -33,16 +34,19 @@ class VoiceHouse : public PageHouse {
         events: ['Control VR'], says: 'Stopped', choices: [], confidence: 0.9, done: 'Stopped'}],
       'POST /api/voice/pattern': [200, {faults: []}],
       'POST /api/voice/speaks': [200, {}],
+      'POST /api/voice/quiet': [200, {}],
     };
     window.posts = [];
     window.sought = [];
+    window.hushed = [];
     const ask = window.fetch;
     window.fetch = async (path, options = {}) => {
       const [place] = String(path).split('?');
       const answer = answers[`${options.method ?? 'GET'} ${place}`];
       if (!answer) return ask(path, options);
       if (place.endsWith('choices')) sought.push(path);
-      if (options.method) {
+      if (place.endsWith('quiet')) hushed.push(JSON.parse(options.body).on);
+      else if (options.method) {
         const {body} = options;
         const sound = typeof body === 'string' ? null : new Int16Array(body);
         posts.push({path: place, type: options.headers['Content-Type'], ...(sound

@@ -1,5 +1,5 @@
 // Listens while somebody holds a button, for as long as the page is looked at.
-import {hear, kLongest, kRate} from './listening.js';
+import {hear, kLongest, kRate, quiet} from './listening.js';
 import {openMicrophone} from './microphone.js';
 
 const kNotYet = 'Hold the button until it listens, and while you speak. If the browser asks for the microphone, allow it first.';
@@ -15,6 +15,7 @@ export class Ear {
   #signal;
   #turn = 0;
   #recording = null;
+  #quiet = null;  // settled when the house has been asked for it
 
   constructor(signal, told) {
     this.#signal = signal;
@@ -46,7 +47,10 @@ export class Ear {
   }
 
   #hears(level, seconds) {
-    if (this.state === 'opening') this.#become('listening');
+    if (this.state === 'opening') {
+      this.#quiet = quiet(true);
+      this.#become('listening');
+    }
     if (this.state === 'listening') this.#told.level(level, seconds);
   }
 
@@ -59,7 +63,11 @@ export class Ear {
     try {
       const sound = await this.#recording.take();
       this.#recording = null;
-      if (sound.length < kLeast * kRate) throw new Error('Hold the button while you speak');
+      await this.#quiet;  // it would begin behind its end otherwise
+      if (sound.length < kLeast * kRate) {
+        quiet(false);
+        throw new Error('Hold the button while you speak');
+      }
       await this.#send(sound, words);
     } catch (error) {
       if (error.name !== 'AbortError' && mine === this.#turn) this.#told.trouble(error.message);
@@ -93,6 +101,8 @@ export class Ear {
     this.#turn++;
     this.#recording?.drop();
     this.#recording = null;
+    this.#quiet?.then(() => quiet(false));
+    this.#quiet = null;
     this.#become('idle');
     if (words && !this.#signal.aborted) this.#told.trouble(words);
   }

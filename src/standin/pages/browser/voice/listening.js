@@ -24,6 +24,10 @@ export const say = (text, signal) => understanding(ask('/api/voice', {text}, sig
 export const hear = (sound, signal) => understanding(askWith('/api/voice/listen', {signal, method: 'POST',
   headers: {'Content-Type': `audio/l16;rate=${kRate}`}, body: littleEndian(sound)}));
 
+/** Has the player make room for who speaks, or ends that; without it he is only heard less well. The house ends it by
+ * itself when it has heard him, too. */
+export const quiet = (on) => ask('/api/voice/quiet', {on}).catch(() => {});
+
 function littleEndian(sound) {
   const bytes = new DataView(new ArrayBuffer(sound.length * 2));
   sound.forEach((sample, at) => bytes.setInt16(at * 2, sample, true));

@@ -1,0 +1,33 @@
+#include "standin/voice/AudioEvents.hpp"
+
+#include <cstdint>
+#include <vector>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+namespace {
+
+constexpr std::int16_t kAudioEvents = 8;
+
+}  // namespace
+
+void AudioEvents::tell(bool started) {
+  ++telling_;
+  const std::vector<EventSink> sinks = house_.eventSinks;  // they may change while one is told
+  for (const EventSink& sink : sinks) {
+    if ((sink.mask & kAudioEvents) == 0 || !sink.object) continue;
+    try {
+      loop_.whileOpen([&] {
+        sink.object->invoke("VXEvent", base::Array{base::Value(kAudioEvents), base::Value(started)});
+      });
+    } catch (...) {
+      house_.log.write("Warning",
+                       "A listener to audio events is dropped: " + base::CurrentFailure().description());
+      std::erase_if(house_.eventSinks, [&](const EventSink& each) { return each.object == sink.object; });
+    }
+  }
+  --telling_;
+}
+
+}  // namespace standin
