@@ -105,6 +105,22 @@ TEST(Network, TheSmallestEventsComeFirstWhereThereIsNotRoomForAll) {
               UnorderedElementsAre("first", "second", "third", "yes", "no"));
 }
 
+TEST(Network, ANameOfPunctuationIsSaidBySayingNothing) {
+  EXPECT_THAT(
+      Sentences(NetworkFor("Play Artist (?|Blue|!!)")),
+      UnorderedElementsAre("play artist", "play artist blue", "first", "second", "third", "yes", "no"));
+}
+
+TEST(Network, TellsHowAWordWithForeignLettersIsWritten) {
+  const Pattern pattern("Play (Bj rk|Blue|Москва|Für)");
+  const ear::SpeechNetwork network = NetworkOf(Grammar({{1, pattern}}, [](const std::string& words) {
+    return words == "Bj rk" ? std::vector<std::string>{"Björk Don’t"} : std::vector<std::string>();
+  }));
+  using Spelling = ear::SpeechNetwork::Spelling;
+  EXPECT_THAT(network.spellings, ElementsAre(Spelling{"bjork", "Björk"}, Spelling{"fur", "Für"}));
+  EXPECT_EQ(ear::NetworkIn(ear::Encoded(network)), network);
+}
+
 TEST(Network, HoldsFortyThousandNames) {
   constexpr std::size_t kNames = 40000;
   std::string text = "Play Album (";
