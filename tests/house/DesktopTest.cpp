@@ -48,6 +48,31 @@ TEST(TheDesktop, ABoxWaitsForItsReaderAndTheHouseGoesOn) {
   EXPECT_NO_THROW(call.get());
 }
 
+TEST(TheDesktop, ThePopupControlsAreSeenAndTheirDeviceFollowsThem) {
+  const support::SmallMusic music;
+  const support::XServer screen;
+  support::RealHouse house({.music = music.path(), .display = screen.display()});
+  ASSERT_TRUE(house.startReady());
+  support::Process finder(
+      {"timeout", "120", "xdotool", "search", "--sync", "--onlyvisible", "--name", "^Vantorix Media Player$"},
+      {"DISPLAY=" + screen.display()});
+  ASSERT_EQ(finder.wait(), 0) << finder.output();
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Show"));
+  ASSERT_EQ(house.press("Display Controls", "Show/Hide Controls"), 200);
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Hide"));
+  ASSERT_EQ(house.press("Display Controls", "Show/Hide Controls"), 200);
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Show"));
+}
+
+TEST(TheDesktop, WithoutAScreenThePopupControlsAreFollowedAllTheSame) {
+  const support::SmallMusic music;
+  support::RealHouse house({.music = music.path()});
+  ASSERT_TRUE(house.startReady());
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Show"));
+  ASSERT_EQ(house.press("Display Controls", "Show/Hide Controls"), 200);
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Hide"));
+}
+
 TEST(TheDesktop, WithoutAScreenABoxIsALineOfTheLog) {
   const support::SmallMusic music;
   support::RealHouse house({.music = music.path()});
