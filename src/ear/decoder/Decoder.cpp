@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 
 #include "ear/decoder/ForeignWords.hpp"
@@ -30,8 +31,6 @@ struct FsgDelete {
   void operator()(fsg_model_t* fsg) const { fsg_model_free(fsg); }
 };
 using Fsg = std::unique_ptr<fsg_model_t, FsgDelete>;
-
-std::string PhoneWord(const std::string& phone) { return "+phone+" + phone; }
 
 /// Sound of a synthesiser is followed by true silence, which no microphone hears and which the decoder's own
 /// suppression of noise takes for speech that is spoilt. A hiss 30 dB below the speech does no harm to
@@ -173,7 +172,7 @@ Learnt Decoder::learn(const SpeechNetwork& network) {
   return learnt;
 }
 
-std::vector<Decoder::Piece> Decoder::pieces(const char* search, const std::vector<std::int16_t>& sound) {
+std::vector<Piece> Decoder::pieces(const char* search, const std::vector<std::int16_t>& sound) {
   std::vector<Piece> all;
   // Every sound is heard as the first one: what another microphone has heard before tells nothing of it.
   if (ps_set_search(decoder_, search) < 0 || ps_start_stream(decoder_) < 0 || ps_start_utt(decoder_) < 0)
@@ -196,15 +195,14 @@ std::vector<Decoder::Piece> Decoder::pieces(const char* search, const std::vecto
   return all;
 }
 
-std::uint32_t Decoder::certainty(const Fit& fit) {
-  // Found with synthetic voices: above the second point of each line hardly anything was meant otherwise,
-  // below the first one hardly anything was a sentence of the network.
-  const auto line = [](double value, double perhaps, double sure, double surest) {
-    if (value < sure) return 0.3 + 0.3 * (value - perhaps) / (sure - perhaps);
-    return 0.6 + 0.4 * (value - sure) / (surest - sure);
-  };
-  const double certain = std::min(line(fit.mean, -6, 0, 12), line(fit.worst, -42, -25, 0));
-  return static_cast<std::uint32_t>(std::lround(1000 * std::clamp(certain, 0.0, 1.0)));
+std::vector<std::string> Decoder::phonesOf(const std::string& word) const {
+  std::vector<std::string> all;
+  if (char* known = ps_lookup_word(decoder_, word.c_str())) {
+    std::istringstream in(known);
+    ckd_free(known);
+    for (std::string phone; in >> phone;) all.push_back(phone);
+  }
+  return all;
 }
 
 Decoder::Found Decoder::hear(const std::vector<std::int16_t>& sound) {
@@ -212,39 +210,15 @@ Decoder::Found Decoder::hear(const std::vector<std::int16_t>& sound) {
   if (!MayBeSpeech(sound)) return found;
   const std::vector<std::int16_t> hissing = WithHiss(sound);
   const std::vector<Piece> words = pieces(kCommands, hissing);
-  const std::vector<Piece> phones = pieces(kPhones, hissing);
-  // What the chain of phones scores up to each frame.
-  std::vector<double> upTo{0};
-  for (const Piece& phone : phones) {
-    const double each = phone.score / (phone.end - phone.begin + 1);
-    for (int i = phone.begin; i <= phone.end; ++i) {
-      if (static_cast<std::size_t>(i) + 1 == upTo.size()) upTo.push_back(upTo.back() + each);
-    }
-  }
-  const auto chain = [&](const Piece& piece) {
-    const auto last = static_cast<int>(upTo.size()) - 1;
-    return upTo[static_cast<std::size_t>(std::clamp(piece.end + 1, 0, last))] -
-           upTo[static_cast<std::size_t>(std::clamp(piece.begin, 0, last))];
-  };
-  double better = 0;
-  int frames = 0;
-  bool first = true;
   for (const Piece& word : words) {
-    const bool filler = word.word.empty() || word.word.front() == '<' || word.word.front() == '[' ||
-                        word.word.front() == '(' || word.word.front() == '+';
-    if (filler) continue;
-    const int length = word.end - word.begin + 1;
-    const double difference = word.score - chain(word);
-    better += difference;
-    frames += length;
-    found.fit.worst = first ? difference / length : std::min(found.fit.worst, difference / length);
-    first = false;
+    if (IsFiller(word)) continue;
+    found.heard.speech = true;
     found.heard.words += (found.heard.words.empty() ? "" : " ") + word.word.substr(0, word.word.find('('));
   }
-  if (frames == 0) return found;
-  found.fit.mean = better / frames;
-  found.heard.speech = true;
-  found.heard.thousandths = certainty(found.fit);
+  if (!found.heard.speech) return found;
+  found.fit =
+      FitOf(words, pieces(kPhones, hissing), [this](const std::string& word) { return phonesOf(word); });
+  found.heard.thousandths = Certainty(found.fit);
   return found;
 }
 

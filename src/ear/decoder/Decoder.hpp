@@ -8,6 +8,7 @@
 
 #include "ear/Messages.hpp"
 #include "ear/SpeechNetwork.hpp"
+#include "ear/decoder/Fit.hpp"
 
 struct ps_decoder_s;
 
@@ -26,12 +27,6 @@ class Decoder {
   Decoder(Decoder&&) = delete;
   Decoder& operator=(Decoder&&) = delete;
 
-  /// How well the sentence explains the sound, against a chain of any phones: by frame over all of it, and in
-  /// its worst word. The larger, the better.
-  struct Fit {
-    double mean = 0;
-    double worst = 0;
-  };
   struct Found {
     Heard heard;
     Fit fit;
@@ -41,21 +36,14 @@ class Decoder {
   Learnt learn(const SpeechNetwork& network);
   /// 16,000 samples a second, after `learn`.
   Found hear(const std::vector<std::int16_t>& sound);
-  /// From 0 to 1 thousandths of certainty for a fit.
-  static std::uint32_t certainty(const Fit& fit);
 
  private:
-  struct Piece {
-    std::string word;
-    int begin = 0;  ///< first frame
-    int end = 0;    ///< last frame
-    double score = 0;
-  };
   std::vector<Piece> pieces(const char* search, const std::vector<std::int16_t>& sound);
   [[nodiscard]] bool isKnown(const std::string& word) const;
   /// Beside those that it has.
   void addWays(const std::string& word, const std::vector<std::string>& ways);
   void learnSpellings(const std::vector<SpeechNetwork::Spelling>& spellings);
+  [[nodiscard]] std::vector<std::string> phonesOf(const std::string& word) const;
   void learnPhones();
 
   ps_decoder_s* decoder_ = nullptr;
