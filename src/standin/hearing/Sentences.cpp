@@ -52,6 +52,7 @@ std::vector<Sentences::Choice> Sentences::choicesOf(const std::vector<Said>& sai
   }
   // Names that are the same to the eye are told apart by their keys.
   std::vector<bool> twins;
+  twins.reserve(choices.size());
   for (const Choice& each : choices)
     twins.push_back(std::count_if(choices.begin(), choices.end(),
                                   [&](const Choice& other) { return other.label == each.label; }) > 1);
