@@ -13,9 +13,11 @@
 #include <stdexcept>
 
 extern "C" {
+// The library has no header for them. NOLINTBEGIN(readability-identifier-naming)
 cst_voice* register_cmu_us_awb(const char* folder);
 cst_voice* register_cmu_us_rms(const char* folder);
 cst_voice* register_cmu_us_slt(const char* folder);
+// NOLINTEND(readability-identifier-naming)
 }
 
 namespace bench {

@@ -128,7 +128,7 @@ namespace {
 class LargePopup : public support::PopupScene {
  protected:
   LargePopup() : PopupScene([] { ::setenv("QT_SCALE_FACTOR", "2", 1); }) {}
-  ~LargePopup() override { ::unsetenv("QT_SCALE_FACTOR"); }
+  void TearDown() override { ::unsetenv("QT_SCALE_FACTOR"); }
 };
 
 }  // namespace

@@ -39,7 +39,7 @@ class TrayIcon : public ::testing::Test {
     icon->serve(&reports);
     reports.onRightButton = [this] { icon->popUpMenu(); };
   }
-  ~TrayIcon() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+  void TearDown() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
 
   void startArea() {
     area = std::make_unique<support::Process>(std::vector<std::string>{

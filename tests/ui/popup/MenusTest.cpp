@@ -11,7 +11,7 @@ using ::testing::ElementsAre;
 
 namespace {
 
-std::vector<std::string> below(const std::string& parent) {
+std::vector<std::string> Below(const std::string& parent) {
   std::vector<std::string> captions;
   for (const ui::PopupMenuItem& item : ui::PopupMenus::items())
     if (parent == item.parent) captions.emplace_back(item.separator() ? "---" : item.caption);
@@ -21,9 +21,9 @@ std::vector<std::string> below(const std::string& parent) {
 }  // namespace
 
 TEST(PopupMenus, StandAsTheUserKnowsThem) {
-  EXPECT_THAT(below(""), ElementsAre("&Play...", "&Settings", "A&bout Vantorix Media Player"));
-  EXPECT_THAT(below("Play"), ElementsAre("Album", "Artist", "Genre", "PlayList"));
-  EXPECT_THAT(below("Settings"), ElementsAre("Show Cover &Art", "Show &Visualizations (CPU Intensive)",
+  EXPECT_THAT(Below(""), ElementsAre("&Play...", "&Settings", "A&bout Vantorix Media Player"));
+  EXPECT_THAT(Below("Play"), ElementsAre("Album", "Artist", "Genre", "PlayList"));
+  EXPECT_THAT(Below("Settings"), ElementsAre("Show Cover &Art", "Show &Visualizations (CPU Intensive)",
                                              "Show Full &Screen Video", "---", "&Loop Mode", "&Shuffle Mode",
                                              "&Eject", "---", "Always &On Top"));
 }
