@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <string_view>
 
 namespace standin {
@@ -13,10 +14,16 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// Waits for what the step takes; false when the step can't go on, or not before that time.
-bool MayGoOn(const Channel::Step& step, std::chrono::steady_clock::time_point end, socket_t socket) {
-  if (step.state == Channel::State::kEnded) return false;
-  return ReadyBefore(end, socket, step.state == Channel::State::kReads ? POLLIN : POLLOUT);
+/// Takes the step as soon as the socket lets it, if that is before the time is over; nothing otherwise.
+template <class Step>
+std::optional<std::size_t> TakenBefore(SteadyClock::time_point end, socket_t socket, Step step) {
+  for (;;) {
+    const Channel::Step taken = step();
+    if (taken.state == Channel::State::kMoved) return taken.count;
+    if (taken.state == Channel::State::kEnded) return std::nullopt;
+    if (!ReadyBefore(end, socket, taken.state == Channel::State::kReads ? POLLIN : POLLOUT))
+      return std::nullopt;
+  }
 }
 
 template <class Ask>
@@ -80,9 +87,9 @@ ssize_t GuardedStream::write(const char* data, std::size_t size) {
   const Time end = SteadyClock::now() + limits_.answered;
   std::size_t sent = 0;
   while (sent < size) {
-    const Channel::Step step = channel_.send(data + sent, size - sent);
-    sent += step.count;
-    if (step.state != Channel::State::kMoved && !MayGoOn(step, end, socket_)) return -1;
+    const auto count = TakenBefore(end, socket_, [&] { return channel_.send(data + sent, size - sent); });
+    if (!count) return -1;
+    sent += *count;
   }
   return static_cast<ssize_t>(size);
 }
@@ -97,10 +104,9 @@ void GuardedStream::get_local_ip_and_port(std::string& ip, int& port) const {
 
 bool GuardedStream::begin() {
   waits_(true);
-  Channel::Step step = channel_.begin();
-  while (step.state != Channel::State::kMoved && MayGoOn(step, end_, socket_)) step = channel_.begin();
+  const bool begun = TakenBefore(end_, socket_, [&] { return channel_.begin(); }).has_value();
   waits_(false);
-  return step.state == Channel::State::kMoved;
+  return begun;
 }
 
 bool GuardedStream::next() {
@@ -128,13 +134,12 @@ void GuardedStream::drainBody() {
 
 bool GuardedStream::fill() {
   waits_(true);
-  Channel::Step step = channel_.receive(buffer_.data(), buffer_.size());
-  while (step.state != Channel::State::kMoved && MayGoOn(step, end_, socket_))
-    step = channel_.receive(buffer_.data(), buffer_.size());
+  const auto count =
+      TakenBefore(end_, socket_, [&] { return channel_.receive(buffer_.data(), buffer_.size()); });
   waits_(false);
-  if (step.state != Channel::State::kMoved) return false;
+  if (!count) return false;
   used_ = 0;
-  filled_ = step.count;
+  filled_ = *count;
   return true;
 }
 

@@ -2,16 +2,14 @@
 // comes to an end here was ended for a better reason.
 #include "standin/http/GuardedServer.hpp"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "files/Descriptor.hpp"
-#include "files/WriteFile.hpp"
+#include "standin/fakes/LocalConnection.hpp"
 
 namespace {
 
@@ -34,13 +32,8 @@ class AGuardedServer : public testing::Test {
   }
   /// A connection that has begun a request and says nothing more.
   [[nodiscard]] std::unique_ptr<files::Descriptor> silent() const {
-    auto socket = std::make_unique<files::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    files::WriteAll(socket->get(), "GET / HTTP/1.1\r\nX: ", "socket");
+    auto socket = support::ConnectionTo(port, "GET / HTTP/1.1\r\nX: ");
+    EXPECT_NE(socket, nullptr);
     return socket;
   }
 

@@ -1,9 +1,7 @@
 // https: who the house says it is, and that nobody holds it up by it either.
 #include "standin/http/Tls.hpp"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include <array>
 #include <memory>
@@ -13,6 +11,7 @@
 
 #include "files/Descriptor.hpp"
 #include "files/WriteFile.hpp"
+#include "standin/fakes/LocalConnection.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/hostobjects/UrlFetcher.hpp"
 #include "standin/http/GuardedServer.hpp"
@@ -24,19 +23,9 @@
 namespace standin {
 namespace {
 
-constexpr std::chrono::seconds kForEver = std::chrono::hours(24);
+using support::ConnectionTo;
 
-/// A connection that has sent these bytes.
-std::unique_ptr<files::Descriptor> Connected(int port, const std::string& said) {
-  auto socket = std::make_unique<files::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  EXPECT_EQ(connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  files::WriteAll(socket->get(), said, "socket");
-  return socket;
-}
+constexpr std::chrono::seconds kForEver = std::chrono::hours(24);
 
 std::string AllOf(const files::Descriptor& socket) {
   std::string all;
@@ -63,7 +52,7 @@ class Https : public testing::Test {
     server.stopNow();
     thread.join();
   }
-  /// A browser that knows the house's certificate.
+  /// A browser whose owner goes on though nobody vouches for the certificate.
   [[nodiscard]] std::unique_ptr<httplib::SSLClient> browser() const {
     auto client = std::make_unique<httplib::SSLClient>("127.0.0.1", port);
     client->enable_server_certificate_verification(false);
@@ -104,7 +93,8 @@ TEST_F(Https, ABodyThatIsTooLargeIsAnsweredAndTheServerGoesOn) {
 }
 
 TEST_F(Https, WhoComesByPlainHttpIsToldWhereToGo) {
-  const auto plain = Connected(port, "GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+  const auto plain = ConnectionTo(port, "GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+  ASSERT_NE(plain, nullptr);
   const std::string answer = AllOf(*plain);
   EXPECT_EQ(answer.substr(0, answer.find("\r\n")), "HTTP/1.1 400 Bad Request");
   EXPECT_NE(answer.find("its address begins with https://"), std::string::npos);
@@ -113,10 +103,11 @@ TEST_F(Https, WhoComesByPlainHttpIsToldWhereToGo) {
 TEST_F(Https, IsAnsweredBesideMoreThanItHasRoomForOfThoseWhoNeverFinishTheirGreeting) {
   std::vector<std::unique_ptr<files::Descriptor>> others;
   for (int i = 0; i < 20; ++i) {
-    others.push_back(Connected(port, ""));
-    others.push_back(Connected(port, std::string("\x16\x03\x01\x02\x00\x01", 6)));
-    others.push_back(Connected(port, std::string("\x16\x03\x01\x00\x04") + "none"));
+    others.push_back(ConnectionTo(port, ""));
+    others.push_back(ConnectionTo(port, std::string("\x16\x03\x01\x02\x00\x01", 6)));
+    others.push_back(ConnectionTo(port, std::string("\x16\x03\x01\x00\x04") + "none"));
   }
+  for (const auto& other : others) ASSERT_NE(other, nullptr);
   const auto page = browser()->Get("/");
   ASSERT_TRUE(page) << page.error();
   EXPECT_EQ(page->body, "here");

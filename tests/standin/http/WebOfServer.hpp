@@ -1,7 +1,5 @@
 #pragma once
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,7 +8,7 @@
 #include <string>
 
 #include "files/Descriptor.hpp"
-#include "files/WriteFile.hpp"
+#include "standin/fakes/LocalConnection.hpp"
 #include "standin/fakes/ServerProcess.hpp"
 #include "standin/fakes/WebClient.hpp"
 #include "support/BusDaemon.hpp"
@@ -26,14 +24,7 @@ class Web : public ::testing::Test {
  protected:
   /// A connection that has sent these bytes; null when there is none.
   std::unique_ptr<files::Descriptor> connected(const std::string& request) const {
-    auto socket = std::make_unique<files::Descriptor>(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(server.port()));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(socket->get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return nullptr;
-    files::WriteAll(socket->get(), request, "socket");
-    return socket;
+    return support::ConnectionTo(server.port(), request);
   }
   /// The first line of the answer to the bytes of a request.
   std::string raw(const std::string& request) const {
