@@ -68,8 +68,9 @@ MAY_INCLUDE = {
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
     "standin/hearing": "base bus ear standin/ear standin/grammar standin/hostobjects standin/house standin/player standin/voice",
+    "standin/room": "base bus ear standin/ear standin/hearing standin/house standin/voice",
     "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/grammar standin/hearing standin/hostobjects "
-                      "standin/house standin/player standin/playlists standin/rules standin/scripts standin/text standin/voice",
+                      "standin/house standin/player standin/playlists standin/room standin/rules standin/scripts standin/text standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",
     "standin": "base files",
 }

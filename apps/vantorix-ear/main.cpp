@@ -1,5 +1,6 @@
 // The server's ear: learns what can be said, then hears one sound after the other, for as long as the server
 // is there. A process of its own, as the decoder's library may hang, or die of a sound or a model.
+#include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "ear/GrowingSound.hpp"
 #include "ear/Messages.hpp"
 #include "ear/decoder/Decoder.hpp"
 
@@ -18,11 +20,20 @@ namespace {
 
 using ear::MessageKind;
 
-/// The next message; throws std::runtime_error once the server has gone.
-ear::Message Next(std::string& come) {
+/// Whether the server has said something that wasn't read yet, or has gone.
+bool MoreHasCome() {
+  pollfd wait{STDIN_FILENO, POLLIN, 0};
+  return ::poll(&wait, 1, 0) != 0;
+}
+
+/// The next message; until it comes, `idle` is called while nothing is there to be read. Throws
+/// std::out_of_range once the server has gone.
+template <class Idle>
+ear::Message Next(std::string& come, const Idle& idle) {
   std::array<char, 65536> part{};
   while (true) {
     if (auto message = ear::TakeMessage(come)) return std::move(*message);
+    if (!MoreHasCome()) idle();
     const ssize_t got = ::read(STDIN_FILENO, part.data(), part.size());
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) throw std::out_of_range("The server has gone");
@@ -51,14 +62,26 @@ void LimitMemory() {
 void Serve(const std::string& models) {
   std::string come;
   std::unique_ptr<ear::Decoder> decoder;
+  ear::GrowingSound growing(
+      [&decoder](const std::vector<std::int16_t>& sound) { return decoder->hear(sound).heard; });
   while (true) {
-    const ear::Message message = Next(come);
+    const ear::Message message = Next(come, [&] {
+      if (growing.pauses()) growing.hearPause();
+    });
     if (message.kind == MessageKind::kLearn && !decoder) {
       const auto network = ear::NetworkIn(message.content);
       if (!network) throw std::runtime_error("What can be said was not understood");
       decoder = std::make_unique<ear::Decoder>(models);
       Tell(MessageKind::kReady, ear::Encoded(decoder->learn(*network)));
-    } else if (message.kind == MessageKind::kHear && decoder) {
+    } else if (!decoder) {
+      continue;
+    } else if (message.kind == MessageKind::kBegin) {
+      growing.begin();
+    } else if (message.kind == MessageKind::kMore) {
+      growing.more(ear::SoundIn(message.content));
+    } else if (message.kind == MessageKind::kEnd) {
+      Tell(MessageKind::kHeard, ear::Encoded(growing.end()));
+    } else if (message.kind == MessageKind::kHear) {
       Tell(MessageKind::kHeard, ear::Encoded(decoder->hear(ear::SoundIn(message.content)).heard));
     }
   }

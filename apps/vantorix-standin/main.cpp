@@ -127,6 +127,8 @@ int Serve(const Options& options) {
         loop, {.program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vantorix-ear"});
     WorkerThread worker(loop);
     VoiceCommands voiceCommands({loop, house, objects, plugin, library, speech, recogniser, &worker});
+    Utterances utterances(loop, voiceCommands);
+    RoomMicrophone room({loop, house, voiceCommands, quiet, speech});
     LoopGate gate(loop, std::chrono::seconds(30));
     Visitors visitors(house.users, local);
     PlayerCovers playerCovers(connection, plugin, house);
@@ -140,8 +142,8 @@ int Serve(const Options& options) {
                 LibraryRoutes(library, search), PlayerRoutes(nowPlaying, playlists),
                 PlaylistRoutes(playlists, library), CoverRoutes(covers),
                 CoverServiceRoutes(discs, options.listen), ScriptRoutes(scripts, runner),
-                UserRoutes(house, visitors, gate), VoiceRoutes(house, voiceCommands, quiet),
-                PageRoutes(house, plugin)}));
+                UserRoutes(house, visitors, gate),
+                VoiceRoutes({house, voiceCommands, utterances, quiet, room}), PageRoutes(house, plugin)}));
     const WebServer web(port, {.api = api,
                                .gate = gate,
                                .live = house.live,
@@ -158,6 +160,9 @@ int Serve(const Options& options) {
     std::cout << "Vantorix is at " << address() << std::endl;
 
     house.log.write("Startup", "Vantorix has started, version " + house.version);
+    if (!options.tlsKey.empty() && IsReadByAnybody(options.tlsKey))
+      house.log.write("Warning", "Everybody on this machine may read the key in " + options.tlsKey.string() +
+                                     ", and who has it can pass for this house");
     connection.onDisconnect([&] {
       house.log.write("Error", "The message bus has gone");
       loop.quit(1);

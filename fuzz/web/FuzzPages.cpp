@@ -14,6 +14,7 @@
 #include "fuzz/Alphabet.hpp"
 #include "plugin/Plugin.hpp"
 #include "support/FakeLibrary.hpp"
+#include "support/Quiet.hpp"
 #include "support/VirtualLoop.hpp"
 
 namespace {
@@ -55,14 +56,8 @@ class FuzzHost : public base::Object {
   void put(std::string_view /*name*/, const base::Value& /*value*/) override {}
 };
 
-class FuzzNeighbours : public base::Platform, public plugin::Desktop, public plugin::ObjectFactory {
+class FuzzNeighbours : public support::QuietPlatform, public plugin::Desktop, public plugin::ObjectFactory {
  public:
-  std::int32_t osMajorVersion() override { return 6; }
-  void setPriorityClass(std::int32_t /*value*/) override {}
-  void end() override {}
-  void messageBox(base::BoxKind /*kind*/, const std::string& /*title*/,
-                  const std::string& /*text*/) override {}
-  void emptyFile(const std::string& /*path*/) override {}
   std::int16_t ShowTimedMessage(const std::string& /*title*/, const std::string& /*text*/,
                                 std::int16_t /*seconds*/) override {
     return 2;

@@ -40,14 +40,16 @@ std::string HouseSocket() {
   return folder + "/vantorix/bus";
 }
 
-std::string HouseBusAddress() {
-  if (auto address = Variable("VANTORIX_BUS"); !address.empty()) return address;
-  const std::string socket = HouseSocket();
-  // A socket that somebody else has put there is no bus of this user's house.
+std::string OwnBusAt(const std::string& socket) {
   struct stat found {};
   if (::stat(socket.c_str(), &found) == 0 && S_ISSOCK(found.st_mode) && found.st_uid == ::getuid())
     return "unix:path=" + Escaped(socket);
   return {};
+}
+
+std::string HouseBusAddress() {
+  if (auto address = Variable("VANTORIX_BUS"); !address.empty()) return address;
+  return OwnBusAt(HouseSocket());
 }
 
 }  // namespace bus

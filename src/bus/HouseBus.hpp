@@ -9,4 +9,7 @@ std::string HouseSocket();
 /// socket if there is one, else empty for the session bus.
 std::string HouseBusAddress();
 
+/// The address of the bus at that socket; empty where there is none, and where it is somebody else's.
+std::string OwnBusAt(const std::string& socket);
+
 }  // namespace bus

@@ -18,6 +18,9 @@ enum class MessageKind : std::uint32_t {
   kReady = 3,   ///< to the server: what the ear has learnt
   kHeard = 4,   ///< to the server: what it has heard
   kFailed = 5,  ///< to the server: why it can't go on, in words
+  kBegin = 6,   ///< to the ear: a sound begins that is still being spoken; what came of another is forgotten
+  kMore = 7,    ///< to the ear: a piece of it
+  kEnd = 8,     ///< to the ear: that was all of it; answered as `kHear`
 };
 struct Message {
   MessageKind kind = MessageKind::kFailed;

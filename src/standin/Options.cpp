@@ -35,6 +35,12 @@ std::string Environment(const char* name) {
   return value == nullptr ? std::string() : value;
 }
 
+/// What a variable that isn't set leaves is no file: nobody would see that pages go in the clear.
+std::string FileOf(const std::string& word, const std::string& value) {
+  if (value.empty()) Refuse(word + " needs a file");
+  return value;
+}
+
 }  // namespace
 
 std::filesystem::path DefaultDataFolder() {
@@ -88,9 +94,9 @@ Options ReadOptions(const std::vector<std::string>& words) {
     } else if (word == "--script-seconds") {
       options.scriptSeconds = SecondsOf(value);
     } else if (word == "--tls-cert") {
-      options.tlsCertificate = value;
+      options.tlsCertificate = FileOf(word, value);
     } else if (word == "--tls-key") {
-      options.tlsKey = value;
+      options.tlsKey = FileOf(word, value);
     } else if (word == "--allow-host") {
       options.allowedHosts.push_back(value);
     } else {

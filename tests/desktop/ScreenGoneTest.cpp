@@ -13,7 +13,7 @@
 #include "desktop/ProgBarWindow.hpp"
 #include "support/BusPeer.hpp"
 #include "support/FakeHost.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
 #include "support/desktop/WindowUser.hpp"

@@ -7,8 +7,8 @@
 
 #include "files/FolderLock.hpp"
 #include "support/FailureNumber.hpp"
-#include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace files::testing {
 namespace {

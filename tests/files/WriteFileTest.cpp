@@ -19,8 +19,8 @@
 #include "files/Stamp.hpp"
 #include "files/SyncSpy.hpp"
 #include "support/FailureNumber.hpp"
-#include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace files::testing {
 namespace {

@@ -5,10 +5,10 @@
 
 #include "demo/Cover.hpp"
 #include "pictures/Picture.hpp"
-#include "support/InChild.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/faults/SmallDisk.hpp"
 
 namespace {

@@ -13,7 +13,7 @@
 #include "pictures/Outline.hpp"
 #include "pictures/Picture.hpp"
 #include "pictures/PictureMaker.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace pictures::testing {
 namespace {

@@ -25,7 +25,9 @@ TEST(Options, AreReadAndWrongOnesRefused) {
                                                 {"--port", "8x"},
                                                 {"--what"},
                                                 {"file"},
-                                                {"--tls-key", "b.pem"}}) {
+                                                {"--tls-key", "b.pem"},
+                                                {"--tls-cert", ""},
+                                                {"--tls-cert", "a.pem", "--tls-key", ""}}) {
     EXPECT_THROW(ReadOptions(wrong), base::Failure);
   }
 }

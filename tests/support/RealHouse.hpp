@@ -24,6 +24,8 @@ class RealHouse {
     std::string plugin = VXIF_PROGRAM;
     std::vector<std::string> serverWords{};  ///< further words for the server
     std::string display{};                   ///< the plug-in's screen; none by default
+    std::vector<std::string> environment{};  ///< further variables of the server
+    std::string sessionBus{};                ///< the user's own; by default the house's is taken for it
   };
 
   explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
@@ -41,8 +43,9 @@ class RealHouse {
                                    data().string(), "--bus",  bus_.address()};
     words.insert(words.end(), setup_.serverWords.begin(), setup_.serverWords.end());
     // No house under test speaks aloud, wherever it runs.
-    server_ = std::make_unique<Process>(
-        words, std::vector<std::string>{"PULSE_SERVER=unix:/dev/null", "ALSA_CONFIG_PATH=/dev/null"});
+    std::vector<std::string> environment{"PULSE_SERVER=unix:/dev/null", "ALSA_CONFIG_PATH=/dev/null"};
+    environment.insert(environment.end(), setup_.environment.begin(), setup_.environment.end());
+    server_ = std::make_unique<Process>(words, environment);
     const std::string greeting = "Vantorix is at http://127.0.0.1:";
     server_->outputWith(greeting);
     const std::string said = server_->outputWith("\n");
@@ -140,7 +143,9 @@ class RealHouse {
     const std::string home = folder_.path().string();
     const std::string display =
         "-u DISPLAY -u WAYLAND_DISPLAY" + (setup_.display.empty() ? "" : " DISPLAY=" + setup_.display);
-    return "/usr/bin/env " + display + " VANTORIX_MUSIC='" + setup_.music +
+    const std::string session =
+        setup_.sessionBus.empty() ? "" : " 'VANTORIX_SESSION_BUS=" + setup_.sessionBus + "'";
+    return "/usr/bin/env " + display + session + " VANTORIX_MUSIC='" + setup_.music +
            "' VANTORIX_AUDIO=" + setup_.audio + " XDG_DATA_HOME=" + home + "/data XDG_CONFIG_HOME=" + home +
            "/config XDG_MUSIC_DIR=" + home + " " + setup_.plugin;
   }

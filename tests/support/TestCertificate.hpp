@@ -14,9 +14,12 @@ namespace support {
 /// A certificate that a house has made for itself, and its key, as PEM files in a folder.
 class TestCertificate {
  public:
-  explicit TestCertificate(const std::filesystem::path& folder, const std::string& name = "house")
+  enum class Kind { kElliptic, kRsa };
+  explicit TestCertificate(const std::filesystem::path& folder, const std::string& name = "house",
+                           Kind kind = Kind::kElliptic)
       : certificate(folder / (name + ".cert.pem")), key(folder / (name + ".key.pem")) {
-    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> pair(EVP_EC_gen("P-256"), &EVP_PKEY_free);
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> pair(
+        kind == Kind::kRsa ? EVP_RSA_gen(2048) : EVP_EC_gen("P-256"), &EVP_PKEY_free);
     const std::unique_ptr<X509, decltype(&X509_free)> made(X509_new(), &X509_free);
     ASN1_INTEGER_set(X509_get_serialNumber(made.get()), 1);
     X509_gmtime_adj(X509_getm_notBefore(made.get()), -86400);

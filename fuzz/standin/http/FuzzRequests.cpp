@@ -9,6 +9,8 @@
 
 #include "fuzz/Alphabet.hpp"
 #include "standin/house/DeviceStore.hpp"
+#include "standin/http/BodyFrame.hpp"
+#include "standin/http/RequestHead.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/http/WebRules.hpp"
 
@@ -30,6 +32,26 @@ void CheckPageData(const std::string& text) {
   if (data.size() < 2000 && std::regex_replace(data, parted, "<$1") != text) std::abort();
 }
 
+/// A head that is passed on has one meaning, and a body has the same end however its bytes come.
+void CheckFraming(const std::string& head, const std::string& body) {
+  const auto read = standin::ReadHead(head);
+  if (const auto* passed = std::get_if<standin::RequestHead>(&read)) {
+    if (passed->chunked && passed->length > 0) std::abort();
+    if (!head.ends_with("\r\n\r\n") || head.find('\0') != std::string::npos) std::abort();
+    if (head.starts_with("GET ") && (passed->chunked || passed->length > 0)) std::abort();
+  }
+  for (const bool chunked : {false, true}) {
+    const standin::RequestHead plan{.chunked = chunked, .length = chunked ? 0 : head.size() / 3};
+    standin::BodyFrame once(plan, 100);
+    const std::size_t taken = once.take(body);
+    if (taken > body.size() || taken > 100) std::abort();
+    standin::BodyFrame slowly(plan, 100);
+    std::size_t slow = 0;
+    while (slow < body.size() && slowly.take(std::string_view(body).substr(slow, 1)) == 1) ++slow;
+    if (slow != taken || once.ended() != slowly.ended()) std::abort();
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -43,7 +65,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto name = standin::HostName(text);
     if (!name || (!standin::IsLoopback(*name) && *name != "house.example")) std::abort();
   }
-  if (standin::SameOrigin(half, rest) && half.size() <= rest.size()) std::abort();
+  for (const bool tls : {false, true})
+    if (standin::SameOrigin(half, rest, tls) && half.size() <= rest.size()) std::abort();
+  CheckFraming(text, half);
   standin::CookieValue(text, "vantorix");
   if (standin::EscapeHtml(text).find_first_of("<>\"'") != std::string::npos) std::abort();
 

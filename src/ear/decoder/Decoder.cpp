@@ -9,6 +9,8 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
+#include <thread>
 
 #include "ear/decoder/ForeignWords.hpp"
 #include "ear/decoder/Pronunciations.hpp"
@@ -59,6 +61,16 @@ bool MayBeSpeech(const std::vector<std::int16_t>& sound) {
   return std::abs(int{*loudest}) >= kFaintest;
 }
 
+/// One without a dictionary knows only the words that it is told. Null where it can't be made.
+ps_decoder_t* NewDecoder(const std::filesystem::path& acoustic, const char* dictionary) {
+  cmd_ln_t* config = cmd_ln_init(nullptr, ps_args(), 1, "-hmm", acoustic.c_str(), "-cmn", "batch", nullptr);
+  if (config == nullptr) return nullptr;
+  if (dictionary != nullptr) cmd_ln_set_str_r(config, "-dict", dictionary);
+  ps_decoder_t* decoder = ps_init(config);
+  cmd_ln_free_r(config);
+  return decoder;
+}
+
 }  // namespace
 
 Decoder::Decoder(const std::filesystem::path& models) : dictionary_(models / "cmudict-en-us.dict") {
@@ -68,18 +80,19 @@ Decoder::Decoder(const std::filesystem::path& models) : dictionary_(models / "cm
                              ". Install the package pocketsphinx-en-us");
   }
   err_set_logfp(nullptr);
-  cmd_ln_t* config = cmd_ln_init(nullptr, ps_args(), 1, "-hmm", acoustic.c_str(), "-dict",
-                                 dictionary_.c_str(), "-cmn", "batch", nullptr);
-  if (config != nullptr) {
-    decoder_ = ps_init(config);
-    cmd_ln_free_r(config);
-  }
-  if (decoder_ == nullptr)
+  decoder_ = NewDecoder(acoustic, dictionary_.c_str());
+  phones_ = NewDecoder(acoustic, nullptr);
+  if (decoder_ == nullptr || phones_ == nullptr) {
+    free();
     throw std::runtime_error("The model of speech at " + models.string() + " can’t be used");
+  }
 }
 
-Decoder::~Decoder() {
+Decoder::~Decoder() { free(); }
+
+void Decoder::free() {
   if (decoder_ != nullptr) ps_free(decoder_);
+  if (phones_ != nullptr) ps_free(phones_);
 }
 
 void Decoder::learnPhones() {
@@ -87,17 +100,17 @@ void Decoder::learnPhones() {
                                   "EH", "ER", "EY", "F",  "G",  "HH", "IH", "IY", "JH", "K",
                                   "L",  "M",  "N",  "NG", "OW", "OY", "P",  "R",  "S",  "SH",
                                   "T",  "TH", "UH", "UW", "V",  "W",  "Y",  "Z",  "ZH"};
-  logmath_t* logs = ps_get_logmath(decoder_);
+  logmath_t* logs = ps_get_logmath(phones_);
   const Fsg loop(fsg_model_init(kPhones, logs, 1.0F, 2));
   loop->start_state = 0;
   loop->final_state = 1;
   const int cost = logmath_log(logs, kPhoneCost);
   for (const char* phone : kAll) {
-    ps_add_word(decoder_, PhoneWord(phone).c_str(), phone, FALSE);
+    ps_add_word(phones_, PhoneWord(phone).c_str(), phone, FALSE);
     fsg_model_trans_add(loop.get(), 0, 0, cost, fsg_model_word_add(loop.get(), PhoneWord(phone).c_str()));
   }
   fsg_model_null_trans_add(loop.get(), 0, 1, 0);
-  if (ps_set_fsg(decoder_, kPhones, loop.get()) < 0)
+  if (ps_set_fsg(phones_, kPhones, loop.get()) < 0)
     throw std::runtime_error("The phones can’t be listened for");
 }
 
@@ -172,16 +185,17 @@ Learnt Decoder::learn(const SpeechNetwork& network) {
   return learnt;
 }
 
-std::vector<Piece> Decoder::pieces(const char* search, const std::vector<std::int16_t>& sound) {
+std::vector<Piece> Decoder::pieces(ps_decoder_s& decoder, const char* search,
+                                   const std::vector<std::int16_t>& sound) {
   std::vector<Piece> all;
   // Every sound is heard as the first one: what another microphone has heard before tells nothing of it.
-  if (ps_set_search(decoder_, search) < 0 || ps_start_stream(decoder_) < 0 || ps_start_utt(decoder_) < 0)
+  if (ps_set_search(&decoder, search) < 0 || ps_start_stream(&decoder) < 0 || ps_start_utt(&decoder) < 0)
     return all;
-  ps_process_raw(decoder_, sound.data(), sound.size(), FALSE, TRUE);
-  ps_end_utt(decoder_);
+  ps_process_raw(&decoder, sound.data(), sound.size(), FALSE, TRUE);
+  ps_end_utt(&decoder);
   int32 score = 0;
-  if (ps_get_hyp(decoder_, &score) == nullptr) return all;
-  for (ps_seg_t* each = ps_seg_iter(decoder_); each != nullptr; each = ps_seg_next(each)) {
+  if (ps_get_hyp(&decoder, &score) == nullptr) return all;
+  for (ps_seg_t* each = ps_seg_iter(&decoder); each != nullptr; each = ps_seg_next(each)) {
     Piece piece;
     piece.word = ps_seg_word(each);
     ps_seg_frames(each, &piece.begin, &piece.end);
@@ -209,15 +223,24 @@ Decoder::Found Decoder::hear(const std::vector<std::int16_t>& sound) {
   Found found;
   if (!MayBeSpeech(sound)) return found;
   const std::vector<std::int16_t> hissing = WithHiss(sound);
-  const std::vector<Piece> words = pieces(kCommands, hissing);
+  // Who has spoken waits for both, and most machines can do two things at once.
+  std::vector<Piece> phones;
+  const auto findPhones = [&] { phones = pieces(*phones_, kPhones, hissing); };
+  std::jthread beside;
+  try {
+    beside = std::jthread(findPhones);
+  } catch (const std::system_error&) {  // the machine has no thread to spare
+    findPhones();
+  }
+  const std::vector<Piece> words = pieces(*decoder_, kCommands, hissing);
+  if (beside.joinable()) beside.join();
   for (const Piece& word : words) {
     if (IsFiller(word)) continue;
     found.heard.speech = true;
     found.heard.words += (found.heard.words.empty() ? "" : " ") + word.word.substr(0, word.word.find('('));
   }
   if (!found.heard.speech) return found;
-  found.fit =
-      FitOf(words, pieces(kPhones, hissing), [this](const std::string& word) { return phonesOf(word); });
+  found.fit = FitOf(words, phones, [this](const std::string& word) { return phonesOf(word); });
   found.heard.thousandths = Certainty(found.fit);
   return found;
 }

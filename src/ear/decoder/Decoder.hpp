@@ -38,7 +38,9 @@ class Decoder {
   Found hear(const std::vector<std::int16_t>& sound);
 
  private:
-  std::vector<Piece> pieces(const char* search, const std::vector<std::int16_t>& sound);
+  void free();
+  static std::vector<Piece> pieces(ps_decoder_s& decoder, const char* search,
+                                   const std::vector<std::int16_t>& sound);
   [[nodiscard]] bool isKnown(const std::string& word) const;
   /// Beside those that it has.
   void addWays(const std::string& word, const std::vector<std::string>& ways);
@@ -47,6 +49,7 @@ class Decoder {
   void learnPhones();
 
   ps_decoder_s* decoder_ = nullptr;
+  ps_decoder_s* phones_ = nullptr;  ///< for the chain of phones, which is found beside the sentence
   std::filesystem::path dictionary_;
 };
 

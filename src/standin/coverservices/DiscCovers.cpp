@@ -9,6 +9,7 @@
 #include "pictures/Picture.hpp"
 #include "standin/coverservices/DiscContents.hpp"
 #include "standin/hostobjects/PublicWeb.hpp"
+#include "standin/house/HouseJson.hpp"
 
 namespace standin {
 namespace {
@@ -37,15 +38,15 @@ bool IsRelease(const std::string& text) {
 
 /// The release that the disc is, before all others one that has a front; empty without one.
 std::string ReleaseIn(const std::string& answer) {
-  const Json json = Json::parse(answer, nullptr, false);
+  const Json json = ReadJson(answer);
   if (!json.is_object() || !json.contains("releases") || !json["releases"].is_array()) return {};
   std::string first;
   for (const Json& release : json["releases"]) {
     if (!release.is_object() || !release.contains("id") || !release["id"].is_string()) continue;
     auto id = release["id"].get<std::string>();
     if (!IsRelease(id)) continue;
-    const Json front = release.value("cover-art-archive", Json::object());
-    if (front.is_object() && front.contains("front") && front["front"] == true) return id;
+    const auto front = release.find("cover-art-archive");
+    if (front != release.end() && front->is_object() && front->value("front", Json()) == true) return id;
     if (first.empty()) first = std::move(id);
   }
   return first;

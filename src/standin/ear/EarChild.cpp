@@ -1,214 +1,53 @@
 #include "standin/ear/EarChild.hpp"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 #include <utility>
 
 namespace standin {
 namespace {
 
-constexpr std::size_t kLongestComplaint = 500;
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 20U;
 constexpr const char* kNonsense = "It talks nonsense";
-
-struct Pair {
-  files::Descriptor ours;
-  files::Descriptor theirs;
-};
-
-/// A socket tells a process that has gone by an error, where a pipe would end this one.
-Pair Sockets() {
-  std::array<int, 2> ends{-1, -1};
-  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
-    throw std::runtime_error(std::strerror(errno));
-  ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
-  return {files::Descriptor(ends[0]), files::Descriptor(ends[1])};
-}
-
-/// What a program needs to be found and to speak: all else, like the bus's address, is no business of one
-/// that takes in strangers' sounds.
-std::vector<std::string> Environment() {
-  std::vector<std::string> all;
-  for (const char* name : {"PATH", "LANG", "LD_LIBRARY_PATH"}) {
-    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody changes it
-    if (value != nullptr) all.push_back(std::string(name) + "=" + value);
-  }
-  return all;
-}
-
-/// As programs are given them. The texts have to outlive it.
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> all;
-  all.reserve(texts.size() + 1);
-  for (std::string& text : texts) all.push_back(text.data());
-  all.push_back(nullptr);
-  return all;
-}
-
-/// Some of what there is to be read now, as one who writes without a pause would hold the loop; false once
-/// the other side has gone.
-bool ReadInto(int descriptor, std::string& text) {
-  std::array<char, 65536> part{};
-  for (std::size_t all = 0; all < kMostAtOnce;) {
-    const ssize_t got = ::recv(descriptor, part.data(), part.size(), MSG_DONTWAIT);
-    if (got > 0) {
-      text.append(part.data(), static_cast<std::size_t>(got));
-      all += static_cast<std::size_t>(got);
-    } else if (got == 0 || (errno != EINTR)) {
-      return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
-    }
-  }
-  return true;
-}
-
-/// The end of what a process has complained of, which tells most.
-std::string Shortened(std::string complaint) {
-  if (complaint.size() > kLongestComplaint) complaint.erase(0, complaint.size() - kLongestComplaint);
-  return complaint;
-}
 
 }  // namespace
 
 EarChild::EarChild(bus::PollLoop& loop, const std::filesystem::path& program,
                    const std::vector<std::string>& arguments, Told told)
-    : loop_(loop),
-      told_(std::move(told)),
-      limit_(loop.makeTimer(std::chrono::seconds(1), [this] { endSoon("It gave no answer in time"); })) {
-  try {
-    start(program, arguments);
-  } catch (const std::exception& failure) {
-    endSoon(failure.what());
-  }
-}
+    : told_(std::move(told)),
+      limit_(loop.makeTimer(std::chrono::seconds(1), [this] { end("It gave no answer in time"); })),
+      child_(loop, {.program = program, .arguments = arguments},
+             {.come = [this](std::string& all) { come(all); },
+              .end = [this](const std::string& why) { told_.end(why); }}) {}
 
-EarChild::~EarChild() { kill(); }
-
-void EarChild::start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
-  Pair in = Sockets();
-  Pair out = Sockets();
-  Pair errors = Sockets();
-  std::vector<std::string> words{program.string()};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = Environment();
-  posix_spawn_file_actions_t actions{};
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, in.theirs.get(), STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, out.theirs.get(), STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, errors.theirs.get(), STDERR_FILENO);
-  // Not everything here is marked as the server's own: the web's connections aren't.
-  posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-  // The loop blocks the signals that it watches; a child would never hear them.
-  posix_spawnattr_t attributes{};
-  posix_spawnattr_init(&attributes);
-  sigset_t none{};
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  const int failed = ::posix_spawn(&process_, program.c_str(), &actions, &attributes, Pointers(words).data(),
-                                   Pointers(variables).data());
-  posix_spawn_file_actions_destroy(&actions);
-  posix_spawnattr_destroy(&attributes);
-  if (failed != 0) {
-    process_ = -1;
-    throw std::runtime_error(program.string() + " can’t be started: " + std::strerror(failed));
-  }
-  in_ = std::move(in.ours);
-  out_ = std::move(out.ours);
-  errors_ = std::move(errors.ours);
-  outWatch_ = loop_.watch(out_.get(), POLLIN, [this](short) { hear(); });
-  errorWatch_ = loop_.watch(errors_.get(), POLLIN, [this](short) { hearErrors(); });
-  inWatch_ = loop_.watch(in_.get(), 0, [this](short) { write(); });
-}
-
-void EarChild::kill() {
-  if (process_ <= 0) return;
-  ::kill(process_, SIGKILL);
-  while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
-  }
-  process_ = -1;
-}
-
-void EarChild::endSoon(std::string why) {
-  if (std::exchange(ended_, true)) return;
+void EarChild::end(std::string why) {
   limit_->enabled(false);
-  outWatch_.reset();
-  errorWatch_.reset();
-  inWatch_.reset();
-  kill();
-  while (why.ends_with('\n')) why.pop_back();
-  if (why.empty()) why = "It has ended";
-  loop_.post([this, why = std::move(why), alive = std::weak_ptr(alive_)] {
-    if (!alive.lock()) return;
-    const auto end = std::move(told_.end);  // which may be the end of this object
-    end(why);
-  });
+  child_.endSoon(std::move(why));
 }
 
-void EarChild::hearErrors() {
-  const bool there = ReadInto(errors_.get(), complaint_);
-  complaint_ = Shortened(std::move(complaint_));
-  if (!there) errorWatch_.reset();
-}
-
-std::optional<ear::Message> EarChild::nextMessage() {
+std::optional<ear::Message> EarChild::nextMessage(std::string& come) {
   try {
-    return ear::TakeMessage(come_, ear::kLongestAnswer);
+    return ear::TakeMessage(come, ear::kLongestAnswer);
   } catch (const std::length_error&) {
-    endSoon(kNonsense);
+    end(kNonsense);
     return std::nullopt;
   }
 }
 
-void EarChild::hear() {
-  const bool there = ReadInto(out_.get(), come_);
+void EarChild::come(std::string& come) {
   const auto alive = std::weak_ptr(alive_);
-  while (const auto message = nextMessage()) {
-    if (message->kind == ear::MessageKind::kFailed) return endSoon(Shortened(message->content));
+  while (const auto message = nextMessage(come)) {
+    if (message->kind == ear::MessageKind::kFailed) return end(message->content);
     const bool awaited = told_.message(*message);
-    if (!alive.lock() || ended_) return;
-    if (!awaited) return endSoon(kNonsense);
+    if (!alive.lock() || child_.ended()) return;
+    if (!awaited) return end(kNonsense);
   }
-  if (there || ended_) return;
-  if (errorWatch_) hearErrors();
-  endSoon(complaint_);
 }
 
 void EarChild::send(ear::MessageKind kind, std::string_view content) {
-  if (ended_) return;
-  toSend_.push_back(ear::Framed(kind, content));
-  inWatch_->events(POLLOUT);
-}
-
-/// A piece in each turn of the loop: a network may have some hundred MiB.
-void EarChild::write() {
-  const std::string& message = toSend_.front();
-  const std::size_t size = std::min(message.size() - sent_, kMostAtOnce);
-  const ssize_t sent = ::send(in_.get(), message.data() + sent_, size, MSG_NOSIGNAL | MSG_DONTWAIT);
-  if (sent < 0) {
-    const bool later = errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK;
-    if (!later) inWatch_->events(0);  // it has gone, which is heard at the other end
-    return;
-  }
-  sent_ += static_cast<std::size_t>(sent);
-  if (sent_ < message.size()) return;
-  toSend_.pop_front();
-  sent_ = 0;
-  if (toSend_.empty()) inWatch_->events(0);
+  child_.send(ear::Framed(kind, content));
 }
 
 void EarChild::answerWithin(base::Milliseconds limit) {
-  if (ended_) return;
+  if (child_.ended()) return;
   if (limit.count() > 0) limit_->interval(limit);
   limit_->enabled(limit.count() > 0);
 }

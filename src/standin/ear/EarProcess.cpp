@@ -10,6 +10,8 @@ namespace {
 
 using Kind = Recogniser::Heard::Kind;
 
+constexpr const char* kTooMany = "too many are speaking at once";
+
 Recogniser::Heard Deaf(const std::string& why) { return {.kind = Kind::kDeaf, .reason = why}; }
 Recogniser::Heard FailedOf(const std::string& why) { return Deaf("the recogniser has failed. " + why); }
 
@@ -28,6 +30,51 @@ std::string WithWay(const std::string& why) {
 }
 
 }  // namespace
+
+/// It is kept, too: the process may die of it, or be another one when it ends.
+class EarProcess::Flowing : public Recogniser::Growing {
+ public:
+  explicit Flowing(EarProcess& ears) : ears_(ears), alive_(ears.alive_) {
+    if (!ears_.now_ || ears_.flowing_ != nullptr) return;
+    ears_.flowing_ = this;
+    number_ = ears_.now_->number;
+    ears_.now_->child->send(ear::MessageKind::kBegin, {});
+  }
+  ~Flowing() override { leave(); }
+  Flowing(const Flowing&) = delete;
+  Flowing& operator=(const Flowing&) = delete;
+  Flowing(Flowing&&) = delete;
+  Flowing& operator=(Flowing&&) = delete;
+
+  void more(const std::vector<std::int16_t>& piece) override {
+    const std::size_t before = sound_.size();
+    const std::size_t some = std::min(piece.size(), kLongestSeconds * kRate - before);
+    sound_.insert(sound_.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(some));
+    if (some > 0 && flows())
+      ears_.now_->child->send(
+          ear::MessageKind::kMore,
+          ear::SoundContent({sound_.begin() + static_cast<std::ptrdiff_t>(before), sound_.end()}));
+  }
+  void end(Told told) override {
+    const bool flowed = flows();
+    leave();
+    if (!flowed) return ears_.hear(std::move(sound_), std::move(told));
+    if (ears_.full()) return told(Deaf(kTooMany));
+    ears_.await(std::move(told));
+    ears_.now_->child->send(ear::MessageKind::kEnd, {});
+  }
+
+ private:
+  [[nodiscard]] bool flows() const { return ears_.flowing_ == this && ears_.hears(number_); }
+  void leave() {
+    if (!alive_.expired() && ears_.flowing_ == this) ears_.flowing_ = nullptr;
+  }
+
+  EarProcess& ears_;
+  std::weak_ptr<bool> alive_;  ///< of that: the loop may keep a sound longer
+  std::uint64_t number_ = 0;
+  std::vector<std::int16_t> sound_;
+};
 
 EarProcess::EarProcess(bus::PollLoop& loop, Options options)
     : loop_(loop),
@@ -55,6 +102,7 @@ void EarProcess::startNext() {
   again_->enabled(false);
   bury(std::move(next_));
   next_ = std::make_unique<Ear>();
+  next_->number = ++ears_;
   // Whoever hears now goes on hearing; where there is nobody, all wait for the new one.
   if (!now_) enter(State::kStarting);
   Ear* const ear = next_.get();
@@ -151,9 +199,13 @@ void EarProcess::bury(std::unique_ptr<Ear> ear) {
   loop_.post([gone = std::shared_ptr<Ear>(std::move(ear))] {});
 }
 
-void EarProcess::ask(Sound sound) {
+void EarProcess::await(Told told) {
   if (now_->asked.empty()) now_->child->answerWithin(options_.hears);
-  now_->asked.push_back(std::move(sound.told));
+  now_->asked.push_back(std::move(told));
+}
+
+void EarProcess::ask(Sound sound) {
+  await(std::move(sound.told));
   now_->child->send(ear::MessageKind::kHear, ear::SoundContent(sound.samples));
 }
 
@@ -163,10 +215,13 @@ void EarProcess::retry() {
   if (failedAt_ && !next_ && !rests()) startNext();
 }
 
+bool EarProcess::full() const { return waiting_.size() + (now_ ? now_->asked.size() : 0) >= kMostWaiting; }
+
+std::unique_ptr<Recogniser::Growing> EarProcess::begin() { return std::make_unique<Flowing>(*this); }
+
 void EarProcess::hear(std::vector<std::int16_t> sound, Told told) {
   sound.resize(std::min(sound.size(), kLongestSeconds * kRate));
-  if (waiting_.size() + (now_ ? now_->asked.size() : 0) >= kMostWaiting)
-    return told(Deaf("too many are speaking at once"));
+  if (full()) return told(Deaf(kTooMany));
   if (now_) return ask({std::move(sound), std::move(told)});
   if (!next_ && (rests() || !network_))
     return told(

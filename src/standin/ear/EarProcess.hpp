@@ -37,24 +37,32 @@ class EarProcess : public Recogniser {
 
   void learn(ear::SpeechNetwork network) override;
   void hear(std::vector<std::int16_t> sound, Told told) override;
+  /// One at a time goes to the process while it is spoken, so that it is heard sooner; others are kept.
+  std::unique_ptr<Growing> begin() override;
   void retry() override;
   [[nodiscard]] Status status() const override { return status_; }
   /// Of the one that hears now; -1 where there is none.
   [[nodiscard]] pid_t process() const { return now_ ? now_->child->process() : -1; }
 
  private:
+  class Flowing;
   struct Sound {
     std::vector<std::int16_t> samples;
     Told told;
   };
   struct Ear {
+    std::uint64_t number = 0;
     std::unique_ptr<EarChild> child;
     std::deque<Told> asked;
   };
   static constexpr std::size_t kMostWaiting = 8;
 
+  /// Whether that one hears now.
+  [[nodiscard]] bool hears(std::uint64_t number) const { return now_ && now_->number == number; }
   void startNext();
+  [[nodiscard]] bool full() const;
   void ask(Sound sound);
+  void await(Told told);
   /// Whether that was its answer.
   bool nextTold(const ear::Message& message);
   bool nowTold(Ear& ear, const ear::Message& message);
@@ -74,6 +82,8 @@ class EarProcess : public Recogniser {
   std::unique_ptr<Ear> next_;
   std::vector<std::unique_ptr<Ear>> leaving_;  ///< with answers still to come
   std::deque<Sound> waiting_;                  ///< for the first process to be ready
+  Flowing* flowing_ = nullptr;                 ///< the sound that goes to the process as it is spoken
+  std::uint64_t ears_ = 0;                     ///< that have been started
   std::optional<base::Milliseconds> failedAt_;
   base::Milliseconds pause_;
   std::unique_ptr<base::Timer> again_;

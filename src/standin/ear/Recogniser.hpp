@@ -46,6 +46,22 @@ class Recogniser {
   virtual void learn(ear::SpeechNetwork network) = 0;
   /// `told` is called later, once in every case. At most `kLongestSeconds`; what is longer is cut.
   virtual void hear(std::vector<std::int16_t> sound, Told told) = 0;
+  /// A sound that is still being spoken; without an end it is forgotten.
+  class Growing {
+   public:
+    Growing() = default;
+    Growing(const Growing&) = delete;
+    Growing& operator=(const Growing&) = delete;
+    Growing(Growing&&) = delete;
+    Growing& operator=(Growing&&) = delete;
+    virtual ~Growing() = default;
+    /// What is beyond `kLongestSeconds` is cut.
+    virtual void more(const std::vector<std::int16_t>& piece) = 0;
+    /// Once, last: as `hear` with all of it.
+    virtual void end(Told told) = 0;
+  };
+  /// Only to be destroyed when the recogniser has gone. This one keeps it until its end.
+  virtual std::unique_ptr<Growing> begin();
   /// Somebody is about to speak, or has seen to what was missing: what has failed is tried again, unless that
   /// was only just so.
   virtual void retry() = 0;

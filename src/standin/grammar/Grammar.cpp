@@ -4,6 +4,8 @@
 #include <limits>
 #include <numeric>
 #include <set>
+#include <string_view>
+#include <unordered_set>
 
 #include "standin/grammar/NameForms.hpp"
 #include "standin/grammar/NearWords.hpp"
@@ -13,6 +15,8 @@ namespace {
 
 constexpr std::uint32_t kNoWayOut = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kEnd = kNoWayOut - 1;
+/// Ways to say a name that are entered in every case: without the second, one with numbers couldn't be said.
+constexpr std::size_t kAlways = 2;
 /// More than that is no name.
 constexpr std::size_t kLongestRest = 400;
 
@@ -173,9 +177,11 @@ bool Grammar::enterForms(const std::string& spelling, const WordGraph::Step& ste
     if (!word.foreign.empty() && foreign_.size() < kMostForeign)
       foreign_.emplace(std::move(word.folded), std::move(word.foreign));
   bool room = true;
-  for (const NameForm& form : FormsOf(spelling, full_ ? 2 : kMostForms)) {
+  const std::vector<NameForm> forms = FormsOf(spelling, full_ ? kAlways + 1 : kMostForms);
+  for (std::size_t i = 0; i < forms.size(); ++i) {
+    const NameForm& form = forms[i];
     const auto words = 1 + static_cast<std::size_t>(std::count(form.words.begin(), form.words.end(), ' '));
-    if (form.distance > 0 && (full_ || graph_.arcs().size() + words > kMostArcs)) {
+    if (i >= kAlways && (full_ || graph_.arcs().size() + words > kMostArcs)) {
       room = false;
       full_ = true;
     } else {
@@ -202,16 +208,20 @@ void Grammar::enterWords(const std::string& words, Place from, Place to) {
   const WordGraph::Step step{from, to, outputOf(words, false)};
   // Punctuation alone is said by saying nothing.
   if (NameWords(words).empty()) graph_.addStep(step);
-  bool room = enterForms(words, step);
+  // The name's own spellings come first: what a listener has no room for comes behind them.
+  bool room = true;
   for (const std::string& spelling : spellingsOf(words)) room = enterForms(spelling, step) && room;
+  room = enterForms(words, step) && room;
   if (!room) ++asWritten_[event_];
 }
 
 Grammar::Place Grammar::enterBracket(const Pattern::Part& part, Place from) {
   const Place to = graph_.add();
   Names names{from, to, {}};
+  std::unordered_set<std::string_view> known;
   for (const Pattern::Sequence& choice : part.choices) {
     if (choice.size() == 1 && choice.front().kind == Pattern::Kind::kWords) {
+      if (!known.insert(choice.front().words).second) continue;
       enterWords(choice.front().words, from, to);
       addName(choice.front().words, names);
     } else {

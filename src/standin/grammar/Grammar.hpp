@@ -33,7 +33,7 @@ struct Said {
 /// that any thread may ask.
 class Grammar {
  public:
-  /// With so many ways from word to word, a name is only entered as it is written.
+  /// With so many ways from word to word, a name is only entered as it is written and as it is said first.
   static constexpr std::size_t kMostArcs = 1'000'000;
   /// Of a pattern in which more can be left out at once than this, such as ten thousand optional words in a
   /// row, nothing is found.

@@ -30,6 +30,7 @@ bool IsPart(char c) {
 bool IsApostrophe(char c) { return c == '\'' || c == '`'; }
 
 bool All(std::string_view text, bool (*test)(char)) { return std::all_of(text.begin(), text.end(), test); }
+bool HasDigit(std::string_view text) { return std::any_of(text.begin(), text.end(), &IsDigit); }
 
 /// "UnMute" to "un", "mute": only words of at least two letters each, so that "McCoy" is one too, but "iPod"
 /// isn't.
@@ -79,7 +80,12 @@ struct Way {
   std::size_t taken = 1;
   std::string words;
   int distance = 1;
+  int cost = 1;  ///< what makes it come later
 };
+
+/// Typed, what is nearest to how a name is written comes first. Spoken, no digit is left, and what people
+/// would say comes first.
+enum class Manner { kTyped, kSpoken };
 
 std::string Spelt(std::string_view letters) {
   std::string all;
@@ -108,23 +114,51 @@ class Speaker {
  public:
   explicit Speaker(std::string_view name) : words_(NameWords(name)) {}
 
-  std::vector<NameForm> forms(std::size_t most) {
-    std::vector<NameForm> forms;
-    if (words_.empty()) return forms;
+  [[nodiscard]] std::vector<NameForm> forms(std::size_t most) const {
+    if (words_.empty()) return {};
     if (isLong()) return {{written(), 0}};
+    std::vector<NameForm> forms = found(Manner::kTyped, most);
+    if (std::none_of(words_.begin(), words_.end(),
+                     [](const NameWord& word) { return HasDigit(word.folded); }))
+      return forms;
+    // The nearest of many ways hold a digit here or there, which nobody can say.
+    const bool all = forms.size() < most;
+    const std::size_t typed = all ? forms.size() : std::max<std::size_t>(1, most / 3);
+    std::vector<NameForm> spoken = found(Manner::kSpoken, all ? 1 : most - typed);
+    std::vector<NameForm> once;
+    std::unordered_set<std::string> known;
+    const auto take = [&](NameForm& form) {
+      if (once.size() < most && known.insert(form.words).second) once.push_back(std::move(form));
+    };
+    take(forms.front());
+    if (!spoken.empty()) take(spoken.front());
+    for (std::size_t i = 1; i < typed; ++i) take(forms[i]);
+    for (std::size_t i = 1; i < spoken.size(); ++i) take(spoken[i]);
+    for (std::size_t i = typed; i < forms.size(); ++i) take(forms[i]);  // where both have found the same
+    return once;
+  }
+
+ private:
+  /// The first ones, by what their ways cost.
+  [[nodiscard]] std::vector<NameForm> found(Manner manner, std::size_t most) const {
     struct Begun {
+      int cost;
+      std::size_t order;  ///< of those that cost the same the first comes first
       int distance;
-      std::size_t order;  ///< of those at one distance the first comes first
       std::size_t at;
       std::string words;
       bool operator<(const Begun& other) const {
-        return std::pair(distance, order) > std::pair(other.distance, other.order);
+        return std::pair(cost, order) > std::pair(other.cost, other.order);
       }
     };
+    std::vector<std::vector<Way>> ways;
+    for (std::size_t at = 0; at < words_.size(); ++at)
+      ways.push_back(manner == Manner::kTyped ? waysAt(at) : spokenWaysAt(at));
+    std::vector<NameForm> forms;
     std::priority_queue<Begun> open;
     std::unordered_set<std::string> known;
     std::size_t steps = 0;
-    open.push({0, 0, 0, {}});
+    open.push({0, 0, 0, 0, {}});
     while (!open.empty() && forms.size() < most && steps < kMostSteps) {
       const Begun begun = open.top();
       open.pop();
@@ -132,15 +166,13 @@ class Speaker {
         if (known.insert(begun.words).second) forms.push_back({begun.words, begun.distance});
         continue;
       }
-      for (const Way& way : waysAt(begun.at)) {
-        open.push({begun.distance + way.distance, ++steps, begun.at + way.taken,
+      for (const Way& way : ways[begun.at]) {
+        open.push({begun.cost + way.cost, ++steps, begun.distance + way.distance, begun.at + way.taken,
                    begun.words + (begun.words.empty() ? "" : " ") + way.words});
       }
     }
     return forms;
   }
-
- private:
   [[nodiscard]] bool isLong() const {
     std::size_t bytes = 0;
     for (const NameWord& word : words_) {
@@ -164,12 +196,29 @@ class Speaker {
     return at < words_.size() && words_[at].folded.size() == 1 && IsSmall(words_[at].folded.front());
   }
 
-  std::vector<Way> waysAt(std::size_t at) {
+  /// What the short word there is short for; the empty text where it is none.
+  [[nodiscard]] std::string_view inFull(std::size_t at) const {
+    for (const Short& each : kShorts)
+      if (each.written == words_[at].folded && (!each.beforeNumber || numberAt(at + 1))) return each.said;
+    return {};
+  }
+
+  [[nodiscard]] std::vector<Way> spokenWaysAt(std::size_t at) const {
+    std::vector<Way> ways = waysAt(at);
+    std::erase_if(ways, [](const Way& way) { return HasDigit(way.words); });
+    const std::string_view full = inFull(at);
+    const auto natural = full.empty() ? ways.begin()
+                                      : std::find_if(ways.begin(), ways.end(),
+                                                     [&](const Way& way) { return way.words == full; });
+    for (Way& way : ways) way.cost = 1;
+    if (natural != ways.end()) natural->cost = 0;
+    return ways;
+  }
+
+  [[nodiscard]] std::vector<Way> waysAt(std::size_t at) const {
     const NameWord& word = words_[at];
-    std::vector<Way> ways{{1, word.folded, 0}};
-    const auto add = [&](std::size_t taken, std::string said) {
-      ways.push_back({taken, std::move(said), 1});
-    };
+    std::vector<Way> ways{{1, word.folded, 0, 0}};
+    const auto add = [&](std::size_t taken, std::string said) { ways.push_back({taken, std::move(said)}); };
     if (numberAt(at)) {
       for (std::string& way : SpokenNumber(word.folded)) add(1, std::move(way));
       if (is(at + 1, "s")) {
@@ -178,9 +227,7 @@ class Speaker {
       }
     } else {
       if (std::any_of(word.folded.begin(), word.folded.end(), &IsDigit)) mixed(word.folded, add);
-      for (const Short& each : kShorts)
-        if (each.written == word.folded && (!each.beforeNumber || numberAt(at + 1)))
-          add(1, std::string(each.said));
+      if (const std::string_view full = inFull(at); !full.empty()) add(1, std::string(full));
       letters(at, add);
       if (word.humps.size() > 1) {
         std::string apart;
@@ -193,7 +240,7 @@ class Speaker {
   }
 
   template <class Add>
-  void letters(std::size_t at, const Add& add) {
+  void letters(std::size_t at, const Add& add) const {
     const NameWord& word = words_[at];
     if (word.capitals) {
       if (const int roman = RomanValue(Capital(word.folded)); roman > 0)
@@ -251,7 +298,7 @@ class Speaker {
 
   /// What was one word before its apostrophe or its dots were lost.
   template <class Add>
-  void joined(std::size_t at, const Add& add) {
+  void joined(std::size_t at, const Add& add) const {
     if (letterAt(at) && letterAt(at + 1)) {  // "r e m": the whole run
       if (at > 0 && letterAt(at - 1)) return;
       std::size_t end = at;

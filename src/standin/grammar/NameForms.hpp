@@ -21,10 +21,13 @@ std::vector<NameWord> NameWords(std::string_view text);
 struct NameForm {
   std::string words;
   int distance = 0;  ///< how many of its words are said in another way than they are written
+  bool operator==(const NameForm&) const = default;
 };
 
-/// All ways in which a name is said, the one as it is written first, each once; at most `most` of
-/// them, the nearer ones first. Digits are said as a number, a year and one by one; capitals and single
+/// All ways in which a name is said, each once; at most `most` of them. The one as it is written comes first,
+/// and for a name with digits the one that people would say second: it has all of them in words. The nearer
+/// ones follow; where there are too many, two thirds of the room are kept for ways without any digit. Digits
+/// are said as a number, a year and one by one; capitals and single
 /// letters are spelt or read as a word; apostrophes may have been lost to a blank ("Don t"); "Vol", "Pt" and
 /// their like are said in full. A name of more than 40 words or 400 bytes, or with a word of more than 32
 /// bytes, is said as it is written only. None for a name without any letter or digit.

@@ -171,9 +171,15 @@ std::vector<std::string> HouseGrammar::troubles(std::int32_t event) const {
   const std::vector<std::int32_t>& leftOut = made_->audible.leftOut;
   if (std::find(leftOut.begin(), leftOut.end(), event) != leftOut.end())
     all.emplace_back("It is too long to be listened for: what it says can only be typed");
+  const std::vector<std::int32_t>& inOneWay = made_->audible.inOneWay;
+  if (std::find(inOneWay.begin(), inOneWay.end(), event) != inOneWay.end())
+    all.emplace_back("It has so many names that each is listened for in one way only");
+  if (const auto found = made_->audible.unsayable.find(event); found != made_->audible.unsayable.end())
+    all.push_back(std::to_string(found->second) +
+                  " of its names can’t be pronounced: they can only be typed");
   if (const std::size_t names = made_->grammar.asWritten(event); names > 0)
     all.push_back(std::to_string(names) +
-                  " of its names are only known as they are written, as there are too many");
+                  " of its names are only known in one or two ways, as there are too many");
   return all;
 }
 

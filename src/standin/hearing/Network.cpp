@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <numeric>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -35,29 +37,84 @@ class Words {
   std::unordered_map<std::string, std::int32_t> numbers_;
 };
 
-/// One network for each event, as far as it can be said. The places of an event stand behind each other.
-std::vector<SpeechNetwork> NetworksOf(const Grammar& grammar) {
+/// What an event has of the grammar's graph.
+struct Section {
+  std::int32_t event = 0;
+  WordGraph::Place first = 0;
+  WordGraph::Place behind = 0;
+  WordGraph::Place end = 0;
+  std::span<const WordGraph::Arc> arcs{};
+  std::span<const WordGraph::Step> steps{};
+};
+
+/// The places of an event stand behind each other, and so do the arcs and the steps.
+std::vector<Section> SectionsOf(const Grammar& grammar) {
   const WordGraph& graph = grammar.graph();
-  std::vector<SpeechNetwork> networks;
-  auto arc = graph.arcs().begin();
-  auto step = graph.steps().begin();
+  std::vector<Section> sections;
+  std::span<const WordGraph::Arc> arcs(graph.arcs());
+  std::span<const WordGraph::Step> steps(graph.steps());
+  const auto take = [](auto& all, WordGraph::Place behind) {
+    const auto end =
+        std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.from >= behind; });
+    const auto taken = all.first(static_cast<std::size_t>(end - all.begin()));
+    all = all.subspan(taken.size());
+    return taken;
+  };
   for (std::size_t i = 0; i < grammar.starts().size(); ++i) {
-    const WordGraph::Place first = grammar.starts()[i];
     const WordGraph::Place behind =
         i + 1 < grammar.starts().size() ? grammar.starts()[i + 1] : graph.places();
-    SpeechNetwork& network = networks.emplace_back();
-    network.places = behind - first;
-    network.end = grammar.ends()[i].first - first;
-    Words words(network);
-    for (; arc != graph.arcs().end() && arc->from < behind; ++arc) {
-      const std::string& word = graph.words()[arc->word];
-      if (IsSayable(word)) network.arcs.push_back({arc->from - first, arc->to - first, words.numberOf(word)});
-    }
-    for (; step != graph.steps().end() && step->from < behind; ++step)
-      network.arcs.push_back({step->from - first, step->to - first});
-    ear::Prune(network);
+    const auto& [end, event] = grammar.ends()[i];
+    sections.push_back({event, grammar.starts()[i], behind, end, take(arcs, behind), take(steps, behind)});
   }
-  return networks;
+  return sections;
+}
+
+/// The ways to say a section's names.
+class NameWays {
+ public:
+  NameWays(const WordGraph& graph, const Section& section)
+      : first_(section.first), spoken_(section.behind - section.first, true) {
+    // Whatever leads to a place was entered before what leads on from it.
+    for (const WordGraph::Arc& arc : section.arcs)
+      spoken_[arc.to - first_] = spoken_[arc.from - first_] && IsSayable(graph.words()[arc.word]);
+    for (const WordGraph::Step& step : section.steps) {
+      if (step.output == WordGraph::kNoOutput) continue;
+      const auto [at, isNew] = firsts_.try_emplace({step.to, step.output}, nullptr);
+      if (spoken_[step.from - first_] && at->second == nullptr) at->second = &step;
+    }
+  }
+  /// Whether it is the first to say its name.
+  [[nodiscard]] bool isFirst(const WordGraph::Step& step) const {
+    return step.output == WordGraph::kNoOutput || firsts_.at({step.to, step.output}) == &step;
+  }
+  /// How many names nobody can say.
+  [[nodiscard]] std::size_t unsayable() const {
+    return static_cast<std::size_t>(std::count_if(firsts_.begin(), firsts_.end(),
+                                                  [](const auto& each) { return each.second == nullptr; }));
+  }
+
+ private:
+  WordGraph::Place first_;
+  std::vector<bool> spoken_;  ///< by place: what leads there can be pronounced
+  std::map<std::pair<WordGraph::Place, std::uint32_t>, const WordGraph::Step*> firsts_;
+};
+
+/// As far as it can be said; with `names`, each name in one way.
+SpeechNetwork NetworkOfSection(const WordGraph& graph, const Section& section, const NameWays* names) {
+  SpeechNetwork network;
+  network.places = section.behind - section.first;
+  network.end = section.end - section.first;
+  Words words(network);
+  for (const WordGraph::Arc& arc : section.arcs) {
+    const std::string& word = graph.words()[arc.word];
+    if (IsSayable(word))
+      network.arcs.push_back({arc.from - section.first, arc.to - section.first, words.numberOf(word)});
+  }
+  for (const WordGraph::Step& step : section.steps)
+    if (names == nullptr || names->isFirst(step))
+      network.arcs.push_back({step.from - section.first, step.to - section.first});
+  ear::Prune(network);
+  return network;
 }
 
 /// How many pairs of places there are with a way between them that takes no word; no more than `most` are
@@ -108,7 +165,10 @@ void Add(const SpeechNetwork& network, SpeechNetwork& all, Words& words) {
 }  // namespace
 
 Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits) {
-  const std::vector<SpeechNetwork> networks = NetworksOf(grammar);
+  const std::vector<Section> sections = SectionsOf(grammar);
+  std::vector<SpeechNetwork> networks;
+  networks.reserve(sections.size());
+  for (const Section& each : sections) networks.push_back(NetworkOfSection(grammar.graph(), each, nullptr));
   std::vector<std::size_t> order(networks.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
@@ -120,15 +180,27 @@ Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits) {
   all.end = 1;
   Words words(all);
   std::size_t wordless = 0;
-  for (const std::size_t each : order) {
-    const SpeechNetwork& network = networks[each];
-    if (network.arcs.empty()) continue;
+  const auto hasRoomFor = [&](const SpeechNetwork& network) {
     const std::size_t ways = WordlessWays(network, limits.wordless + 1);
-    if (all.arcs.size() + network.arcs.size() > limits.arcs || wordless + ways > limits.wordless) {
-      audible.leftOut.push_back(grammar.ends()[each].second);
-      continue;
-    }
+    if (all.arcs.size() + network.arcs.size() > limits.arcs || wordless + ways > limits.wordless)
+      return false;
     wordless += ways;
+    return true;
+  };
+  for (const std::size_t each : order) {
+    const Section& section = sections[each];
+    const NameWays names(grammar.graph(), section);
+    if (const std::size_t count = names.unsayable(); count > 0) audible.unsayable[section.event] = count;
+    SpeechNetwork& network = networks[each];
+    if (network.arcs.empty()) continue;
+    if (!hasRoomFor(network)) {
+      network = NetworkOfSection(grammar.graph(), section, &names);
+      if (!hasRoomFor(network)) {
+        audible.leftOut.push_back(section.event);
+        continue;
+      }
+      audible.inOneWay.push_back(section.event);
+    }
     Add(network, all, words);
   }
   for (const char* answer : {"first", "second", "third", "yes", "no"})

@@ -24,6 +24,7 @@ constexpr const char* kScriptsSession = "a script";
 constexpr const char* kStatus = "Media Player Status";
 constexpr const char* kNothingKnown = "What can be said is too much for this machine";
 constexpr const char* kNotUnderstood = "That was not understood";
+constexpr const char* kTooLate = "That took too long: nothing was done";
 constexpr std::size_t kMostChoices = 3;
 constexpr std::size_t kMostQuestions = 100;
 constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
@@ -139,12 +140,10 @@ std::string VoiceCommands::answer(const Speaker& who, const std::string& text, c
   return take(who.session, choice ? std::move(*choice) : orderFor(text, false), aloud(who, answered));
 }
 
-void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
-  wake();
+Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answered) {
   Answered voice = aloud(who, answered);
-  Recogniser::Told told = [this, session = who.session, answered = std::move(voice),
-                           spoken = parts_.loop.now(),
-                           alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
+  return [this, session = who.session, answered = std::move(voice), spoken = parts_.loop.now(),
+          alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
     if (!alive.lock()) return;
     Order order;
@@ -162,7 +161,7 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
     understanding.confidence = heard.confidence;
     if (parts_.loop.now() - spoken > kHeardWithin) {
       understanding.kind = Kind::kFailed;
-      understanding.says = "That took too long: nothing was done";
+      understanding.says = kTooLate;
       return answered(understanding);
     }
     if (heard.confidence < kPerhaps) {
@@ -176,11 +175,29 @@ void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, 
     }
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
+    order.until = spoken + kHeardWithin;
     take(session, std::move(order), answered);
   };
-  grammar_.ask([this, sound = std::move(sound), told = std::move(told)]() mutable {
+}
+
+void VoiceCommands::listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered) {
+  wake();
+  Recogniser::Told onHeard = told(who, answered);
+  grammar_.ask([this, sound = std::move(sound), told = std::move(onHeard)]() mutable {
     parts_.recogniser.hear(std::move(sound), std::move(told));
   });
+}
+
+std::unique_ptr<Recogniser::Growing> VoiceCommands::begin() {
+  wake();
+  return parts_.recogniser.begin();
+}
+
+void VoiceCommands::end(const Speaker& who, std::shared_ptr<Recogniser::Growing> sound,
+                        const Answered& answered) {
+  Recogniser::Told onHeard = told(who, answered);
+  grammar_.ask(
+      [sound = std::move(sound), told = std::move(onHeard)]() mutable { sound->end(std::move(told)); });
 }
 
 std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text) {
@@ -190,7 +207,15 @@ std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& w
   const Question asked = std::move(question->second);
   questions_.erase(question);
   if (parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
-  if (*choice >= 0 && static_cast<std::size_t>(*choice) < asked.choices.size()) {
+  if (*choice >= static_cast<int>(asked.choices.size())) {
+    Order again;
+    again.understanding.heard = text;
+    Ask(again.understanding, asked.choices);
+    again.understanding.says =
+        "There is no " + std::string(*choice == 1 ? "second" : "third") + " one. " + again.understanding.says;
+    return again;
+  }
+  if (*choice >= 0) {
     Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)].command, false);
     order.understanding.heard = text;
     return order;
@@ -260,7 +285,9 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
       order.understanding.kind = Kind::kDone;
       order.understanding.command = text;
     } else {
-      order.understanding.says = Quoted(text) + " was not understood. Try “stop”, “next” or “volume up”";
+      // Those words are heard behind "player" alone.
+      order.understanding.says =
+          spoken ? kNotUnderstood : Quoted(text) + " was not understood. Try “stop”, “next” or “volume up”";
     }
   }
   if (order.understanding.kind != Kind::kDone) return order;
@@ -326,8 +353,12 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
     if (device != nullptr) targets.push_back({parts_.objects.device(ref), device->hc, device->dc});
   }
   // The text is set when its turn comes: another one may be waiting before it.
-  const PluginKeeper::Command command = [&house = parts_.house, text = order.understanding.command,
+  const PluginKeeper::Command command = [&house = parts_.house, &speech = parts_.speech, &loop = parts_.loop,
+                                         text = order.understanding.command, until = order.until,
                                          targets](base::Object& vxif) {
+    speech.events().endAll();
+    // The plug-in may have hung meanwhile, in that or in a command before.
+    if (until && loop.now() > *until) throw base::Failure(base::number::kDeviceIo, kTooLate);
     house.lastVoiceCommand = text;
     for (const Target& each : targets) {
       const std::int16_t none = 0;
@@ -381,10 +412,12 @@ void VoiceCommands::add(const Order& order, PluginKeeper::Command command, const
 
 VoiceCommands::Answered VoiceCommands::aloud(const Speaker& who, const Answered& answered) {
   if (who.guest) return answered;
-  return [this, answered](const Understanding& understanding) {
+  return [this, room = who.room, answered](const Understanding& understanding) {
     // What somebody has typed is not read out to the house because nothing fits it.
     const bool unknown = understanding.kind == Kind::kUnknown;
-    if (speaks()) parts_.speech.speak(unknown ? kNotUnderstood : understanding.says, false);
+    const bool unmeant =
+        room && (unknown || understanding.kind == Kind::kSilence || understanding.kind == Kind::kDeaf);
+    if (speaks() && !unmeant) parts_.speech.speak(unknown ? kNotUnderstood : understanding.says, false);
     answered(understanding);
   };
 }

@@ -27,6 +27,9 @@ struct Speaker {
   /// What a guest types is done. But the house doesn't answer him aloud, or he could talk in a room that he
   /// isn't in.
   bool guest = false;
+  /// It was heard in the room of the house itself. What isn't understood there may have been meant for
+  /// somebody else, or was a television's: the house doesn't talk about it.
+  bool room = false;
 };
 
 /// The one way in for all that is said to the house, be it typed, spoken or a script's: it finds the events
@@ -55,6 +58,9 @@ class VoiceCommands {
   void say(const Speaker& who, const std::string& text, const Answered& answered);
   /// Sound as `Recogniser` takes it.
   void listen(const Speaker& who, std::vector<std::int16_t> sound, const Answered& answered);
+  /// Sound that is still being spoken, and what becomes of it at its end.
+  std::unique_ptr<Recogniser::Growing> begin();
+  void end(const Speaker& who, std::shared_ptr<Recogniser::Growing> sound, const Answered& answered);
 
   /// Has the recogniser know what can be said now, and from now on follow its changes; one that has failed is
   /// tried again. It costs memory, so it is not started for somebody who never speaks.
@@ -74,8 +80,9 @@ class VoiceCommands {
     Understanding understanding;
     std::vector<std::int32_t> refs;
     bool adds = false;
-    std::string album{};  ///< that is played, as the library calls it
-    std::string label{};  ///< the command as a person knows it
+    std::string album{};                        ///< that is played, as the library calls it
+    std::string label{};                        ///< the command as a person knows it
+    std::optional<base::Milliseconds> until{};  ///< nobody expects it to be done later
   };
   using Choice = Understanding::Choice;
   struct Question {
@@ -84,6 +91,8 @@ class VoiceCommands {
   };
 
   void teach();
+  /// Has done what was heard, and answers it.
+  Recogniser::Told told(const Speaker& who, const Answered& answered);
   /// Answers what the house says to it if nothing goes wrong.
   std::string answer(const Speaker& who, const std::string& text, const Answered& answered);
   [[nodiscard]] Order orderFor(const std::string& text, bool spoken);

@@ -1,13 +1,13 @@
 #include "standin/house/HouseJson.hpp"
 
-#include <string_view>
-
 #include "standin/house/ValueTable.hpp"
 
 namespace standin {
 namespace {
 
 constexpr std::int16_t kCanBeSwitched = 8;  // a flag of `misc`
+
+constexpr int kDeepest = 32;
 
 /// The name of the selected value, empty when none is.
 std::string SelectedName(const Device& device) {
@@ -38,6 +38,17 @@ nlohmann::json DeviceJson(const Device& device) {
 
 nlohmann::json LogJson(const LogLine& line) {
   return {{"id", line.id}, {"time", line.time}, {"type", line.type}, {"text", line.text}};
+}
+
+nlohmann::json ReadJson(std::string_view text) {
+  bool tooDeep = false;
+  const auto keeps = [&](int depth, nlohmann::json::parse_event_t /*event*/, nlohmann::json& /*value*/) {
+    tooDeep = tooDeep || depth > kDeepest;
+    return !tooDeep;
+  };
+  nlohmann::json json = nlohmann::json::parse(text, keeps, false);
+  if (tooDeep) return nlohmann::json::value_t::discarded;
+  return json;
 }
 
 std::string Dump(const nlohmann::json& json) {

@@ -12,10 +12,12 @@ namespace {
 constexpr std::size_t kLongestLine = 8192;
 constexpr std::int64_t kTrimEvery = 256;
 
-/// At most `kLongestLine` bytes, cut between characters.
-std::string Bounded(const std::string& text) {
-  if (text.size() <= kLongestLine) return text;
-  std::size_t cut = kLongestLine;
+constexpr std::size_t kLongestType = 64;
+
+/// At most so many bytes, cut between characters.
+std::string Bounded(const std::string& text, std::size_t longest) {
+  if (text.size() <= longest) return text;
+  std::size_t cut = longest;
   while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
   return text.substr(0, cut) + "…";
 }
@@ -32,8 +34,8 @@ void HouseLog::write(const std::string& type, const std::string& text) {
   line.time = std::chrono::duration_cast<std::chrono::milliseconds>(
                   std::chrono::system_clock::now().time_since_epoch())
                   .count();
-  line.type = type;
-  line.text = Bounded(text);
+  line.type = Bounded(type, kLongestType);
+  line.text = Bounded(text, kLongestLine);
   try {
     insert_.with(line.time, line.type, line.text).run();
     line.id = database_.lastId();

@@ -11,9 +11,13 @@ LiveFeed::LiveFeed(Limits limits) : name_(std::to_string(std::random_device()())
 void LiveFeed::tell(const std::string& kind, const std::string& data) {
   {
     const std::lock_guard lock(mutex_);
-    events_.push_back("id: " + nameOf(first_ + events_.size()) + "\nevent: " + kind + "\ndata: " + data +
+    const bool whole = kind.size() + data.size() <= limits_.longest;
+    events_.push_back("id: " + nameOf(first_ + events_.size()) +
+                      (whole ? "\nevent: " + kind + "\ndata: " + data : "\nevent: reload\ndata: {}") +
                       "\n\n");
-    if (events_.size() > limits_.kept) {
+    bytes_ += events_.back().size();
+    while (events_.size() > limits_.kept || bytes_ > limits_.bytes) {
+      bytes_ -= events_.front().size();
       events_.pop_front();
       ++first_;
     }

@@ -15,8 +15,10 @@ namespace standin {
 class LiveFeed {
  public:
   struct Limits {
-    std::size_t kept = 1024;    ///< events
-    std::size_t readers = 24;   ///< in all
+    std::size_t kept = 1024;                      ///< events
+    std::size_t bytes = std::size_t{8} << 20U;    ///< of all that are kept
+    std::size_t longest = std::size_t{1} << 20U;  ///< bytes of an event; a longer one has all pages load anew
+    std::size_t readers = 24;                     ///< in all
     std::size_t ofSession = 8;  ///< readers of one session, so that one browser leaves room for others
   };
   LiveFeed() : LiveFeed(Limits()) {}
@@ -64,6 +66,7 @@ class LiveFeed {
   mutable std::mutex mutex_;
   std::condition_variable told_;
   std::deque<std::string> events_;
+  std::size_t bytes_ = 0;    ///< of the events
   std::uint64_t first_ = 0;  ///< number of the oldest event kept
   const std::string name_;   ///< of this feed: events of another run of the server are not its own
   Limits limits_;

@@ -2,6 +2,7 @@
 
 #include <sodium.h>
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <utility>
@@ -19,6 +20,12 @@ constexpr std::size_t kLongestPassword = 1024;
 
 void NeedSodium() {
   if (sodium_init() < 0) throw base::Failure(base::number::kInternal, "No source of random numbers");
+}
+
+std::int64_t SecondsSinceBoot() {
+  timespec time{};
+  ::clock_gettime(CLOCK_BOOTTIME, &time);
+  return time.tv_sec;
 }
 
 template <std::size_t N>
@@ -74,13 +81,24 @@ std::string RandomToken() {
   return Hex(bytes);
 }
 
-Users::Users(database::Database& database, Clock clock)
-    : database_(database), clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })) {
+Users::Users(database::Database& database, Clock clock, Clock sinceBoot)
+    : database_(database),
+      clock_(clock ? std::move(clock) : Clock([] { return std::time(nullptr); })),
+      sinceBoot_(sinceBoot ? std::move(sinceBoot) : Clock(&SecondsSinceBoot)),
+      seenSinceBoot_(sinceBoot_()),
+      latest_(clock_()) {
   NeedSodium();
   database::Statement add(database_, "INSERT OR IGNORE INTO user (name, hash, guest) VALUES (?, '', ?)");
   add.with(kFirstUser, false).run();
   add.with(kGuest, true).run();
-  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(now()).run();
+}
+
+std::int64_t Users::now() {
+  const std::int64_t sinceBoot = sinceBoot_();
+  latest_ = std::max(clock_(), latest_ + std::max(std::int64_t{0}, sinceBoot - seenSinceBoot_));
+  seenSinceBoot_ = sinceBoot;
+  return latest_;
 }
 
 std::optional<User> Users::find(const std::string& name) {
@@ -106,7 +124,7 @@ std::string Users::begin(const std::string& name) {
   const std::optional<User> user = find(name);
   const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
   database::Transaction whole(database_);
-  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(clock_()).run();
+  database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(now()).run();
   database::Statement(
       database_,
       "DELETE FROM session WHERE user = ?1 AND token NOT IN "
@@ -114,7 +132,7 @@ std::string Users::begin(const std::string& name) {
       .with(name, kMostSessions - 1)
       .run();
   database::Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
-      .with(StoredForm(token), name, clock_() + lasting)
+      .with(StoredForm(token), name, now() + lasting)
       .run();
   whole.commit();
   return token;
@@ -125,7 +143,7 @@ std::optional<User> Users::ofSession(const std::string& token) {
   database::Statement row(database_,
                           "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
                           "WHERE token = ? AND expires > ?");
-  if (!row.with(StoredForm(token), clock_()).step()) return std::nullopt;
+  if (!row.with(StoredForm(token), now()).step()) return std::nullopt;
   return UserOf(row);
 }
 

@@ -40,7 +40,8 @@ std::string RandomToken();
 /// Users and their sessions, in the database. Session tokens are stored as hashes only.
 class Users {
  public:
-  explicit Users(database::Database& database, Clock clock = {});
+  /// `sinceBoot` tells seconds that nobody sets, those of a sleeping machine among them.
+  explicit Users(database::Database& database, Clock clock = {}, Clock sinceBoot = {});
 
   [[nodiscard]] std::optional<User> find(const std::string& name);
   /// The stored hash, empty for a user without password or an unknown one.
@@ -57,8 +58,14 @@ class Users {
   void end(const std::string& token);
 
  private:
+  /// The time by which sessions age: it goes on with the clock, and without it where that is set back.
+  std::int64_t now();
+
   database::Database& database_;
   Clock clock_;
+  Clock sinceBoot_;
+  std::int64_t seenSinceBoot_;
+  std::int64_t latest_;
 };
 
 }  // namespace standin

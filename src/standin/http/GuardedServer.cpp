@@ -17,12 +17,21 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 using Time = SteadyClock::time_point;
 
+/// Connections that the system takes for us meanwhile. The library has it take 5: a browser that comes sixth
+/// begins again a second later.
+constexpr int kBacklog = 512;
+
 /// Threads for so many connections; one too many takes the place of one that keeps us waiting.
 class GuardedQueue : public httplib::TaskQueue {
  public:
   GuardedQueue(const WebLimits& limits, WebConnections& connections)
       : limits_(limits), connections_(connections), threads_(limits.threads) {}
   void enqueue(std::function<void()> work) override {
+    if (pending_ >= static_cast<int>(limits_.connections + limits_.queued)) {
+      // The descriptors are the house's too. The work does nothing but close the connection.
+      connections_.shed(work);
+      return;
+    }
     if (++pending_ > static_cast<int>(limits_.connections)) connections_.makeRoom();
     threads_.enqueue([this, work = std::move(work)] {
       work();
@@ -88,6 +97,14 @@ void WebConnections::makeRoom() {
   }
 }
 
+void WebConnections::shed(const std::function<void()>& work) {
+  shedder_ = std::this_thread::get_id();
+  work();
+  shedder_ = std::thread::id();
+}
+
+bool WebConnections::shedsHere() const { return shedder_ == std::this_thread::get_id(); }
+
 void WebConnections::endReading() {
   const std::lock_guard lock(mutex_);
   ending_ = true;
@@ -98,6 +115,12 @@ void WebConnections::endAll() {
   const std::lock_guard lock(mutex_);
   ending_ = true;
   for (const WebConnection& each : open_) ::shutdown(each.socket, SHUT_RDWR);
+}
+
+int GuardedServer::bind(const std::string& address, int port) {
+  const int bound = port == 0 ? bind_to_any_port(address) : bind_to_port(address, port) ? port : -1;
+  if (bound > 0) ::listen(svr_sock_, kBacklog);
+  return bound;
 }
 
 GuardedServer::GuardedServer(const WebLimits& limits) : limits_(limits) {
@@ -117,6 +140,10 @@ void GuardedServer::stopNow() {
 }
 
 bool GuardedServer::process_and_close_socket(socket_t socket) {
+  if (connections_.shedsHere()) {
+    ::close(socket);
+    return false;
+  }
   const auto entry = connections_.add(socket);
   const bool good = serve(socket, entry);
   connections_.remove(entry);
@@ -133,7 +160,11 @@ bool GuardedServer::serve(socket_t socket, WebConnections::Entry entry) {
   bool closed = false;
   for (int left = limits_.requests; good && !closed && left > 0; --left) {
     if (connections_.ending() || !stream.next()) break;
-    good = process_request(stream, left == 1, closed, nullptr);
+    good = process_request(stream, left == 1, closed, [](httplib::Request& request) {
+      // The library would cut any answer, under any status, and pack the part.
+      request.ranges.clear();
+      if (request.has_header("Range")) request.headers.erase("Accept-Encoding");
+    });
   }
   stream.drainBody();
   channel->endSending();
@@ -148,13 +179,10 @@ bool GuardedServer::firstIsTls(socket_t socket, const std::function<void(bool)>&
   waits(false);
   if (!said || BeginsTls(first)) return said;
   // An address that is typed begins by plain http.
-  constexpr std::string_view kText = "This server speaks https: its address begins with https://\n";
-  const std::string answer =
-      "HTTP/1.1 400 Bad Request\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: " +
-      std::to_string(kText.size()) + "\r\nConnection: close\r\n\r\n" + std::string(kText);
   PlainChannel plain(socket);
   GuardedStream stream(socket, plain, limits_, waits);
-  stream.write(answer.data(), answer.size());
+  stream.refuse({}, "text/plain; charset=utf-8",
+                "This server speaks https: its address begins with https://\n");
   stream.drainBody();
   return false;
 }

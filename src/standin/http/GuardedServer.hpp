@@ -1,11 +1,14 @@
 #pragma once
 #include <httplib.h>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <thread>
 #include <utility>
 
 #include "standin/http/GuardedStream.hpp"
@@ -33,6 +36,10 @@ class WebConnections {
   /// Ends the oldest one that waits for its peer. When all are at work it is the next one that begins to
   /// wait, unless one has gone by itself before.
   void makeRoom();
+  /// Has `work` done on this thread, with the connection that it is about closed unheard.
+  void shed(const std::function<void()>& work);
+  /// Whether that is going on, on this thread.
+  [[nodiscard]] bool shedsHere() const;
   /// Ends what is read, now and of connections yet to come; what is being answered may go on.
   void endReading();
   /// Ends them all.
@@ -45,6 +52,7 @@ class WebConnections {
   std::list<WebConnection> open_;  ///< the oldest first
   int owed_ = 0;                   ///< so many are still to make room
   bool ending_ = false;
+  std::atomic<std::thread::id> shedder_{};
 };
 
 /// A web server that no peer can hold up: by sending slowly or without end, by not reading, or by opening
@@ -57,6 +65,9 @@ class GuardedServer : public httplib::Server {
   /// From now on https is spoken, and nothing else. Before it listens.
   void speakAs(std::unique_ptr<TlsIdentity> identity) { identity_ = std::move(identity); }
   [[nodiscard]] bool speaksTls() const { return identity_ != nullptr; }
+
+  /// Takes the port, any free one for 0. The port; 0 or less when it isn't to be had.
+  int bind(const std::string& address, int port);
 
   /// Stops listening and ends all connections; answers under way have a moment left.
   void stopNow();

@@ -71,19 +71,20 @@ bool GuardedStream::is_writable() const {
 }
 
 ssize_t GuardedStream::read(char* into, std::size_t size) {
-  if (used_ == filled_ && !fill()) return -1;
-  const std::size_t count = std::min(size, filled_ - used_);
-  std::copy_n(buffer_.begin() + static_cast<std::ptrdiff_t>(used_), count, into);
+  if (headRead_ < head_.size()) {
+    const std::size_t count = head_.copy(into, size, headRead_);
+    headRead_ += count;
+    return static_cast<ssize_t>(count);
+  }
+  if (body_.ended() || body_.broken() || (used_ == filled_ && !fill())) return -1;
+  const std::size_t count = body_.take({&buffer_.at(used_), std::min(size, filled_ - used_)});
+  std::copy_n(&buffer_.at(used_), count, into);
   used_ += count;
-  return countRead(std::string_view(into, count)) ? static_cast<ssize_t>(count) : -1;
+  return count > 0 ? static_cast<ssize_t>(count) : -1;
 }
 
 ssize_t GuardedStream::write(const char* data, std::size_t size) {
-  // What follows such an answer on the connection may be the body that it refuses.
-  const std::string_view text(data, size);
-  if (text.starts_with("HTTP/1.1 4") && text.find("\r\nConnection: close\r\n") != std::string_view::npos) {
-    bodyRefused_ = true;
-  }
+  answered_ = true;
   const Time end = SteadyClock::now() + limits_.answered;
   std::size_t sent = 0;
   while (sent < size) {
@@ -110,22 +111,66 @@ bool GuardedStream::begin() {
 }
 
 bool GuardedStream::next() {
-  if (overflowed_ || bodyRefused_) return false;
-  if (used_ == filled_ && !channel_.holds()) {
+  if (refused_ || ended_ || headRead_ < head_.size() || !body_.ended()) return false;
+  if (used_ == filled_ && !channel_.holds() && !ReadyBefore(SteadyClock::now(), socket_, POLLIN)) {
     waits_(true);
     const bool ready = ReadyBefore(SteadyClock::now() + limits_.idle, socket_, POLLIN);
     waits_(false);
     if (!ready) return false;
   }
   end_ = SteadyClock::now() + limits_.whole;
-  read_ = 0;
-  lineLength_ = 0;
-  inBody_ = false;
+  head_.clear();
+  headRead_ = 0;
+  return takeHead();
+}
+
+bool GuardedStream::takeHead() {
+  constexpr HeadRefusal kTooLong{431, "Request Header Fields Too Large", "The request's head is too long"};
+  std::size_t lineBegin = 0;
+  for (;;) {
+    if (used_ == filled_ && !fill()) return false;
+    const char c = buffer_.at(used_++);
+    head_ += c;
+    if (head_.size() > limits_.head) {
+      refuse(kTooLong);
+      ended_ = true;  // nobody waits for the end of one that may have none
+      return false;
+    }
+    if (c != '\n') continue;
+    const std::string_view line = std::string_view(head_).substr(lineBegin);
+    lineBegin = head_.size();
+    const bool first = line.size() == head_.size();
+    if (line == "\r\n" && !first) break;
+    if (line == "\r\n" || !line.ends_with("\r\n")) {
+      refuse({});
+      return false;
+    }
+  }
+  const std::variant<RequestHead, HeadRefusal> read = ReadHead(head_);
+  if (const auto* refusal = std::get_if<HeadRefusal>(&read)) {
+    refuse(*refusal);
+    return false;
+  }
+  body_ = BodyFrame(std::get<RequestHead>(read), limits_.body);
   return true;
 }
 
+void GuardedStream::refuse(const HeadRefusal& why) {
+  refuse(why, "application/json", R"({"error":")" + std::string(why.text) + R"("})");
+}
+
+void GuardedStream::refuse(const HeadRefusal& why, std::string_view type, std::string_view text) {
+  std::string answer = "HTTP/1.1 " + std::to_string(why.status) + " ";
+  answer.append(why.reason).append("\r\nContent-Type: ").append(type);
+  answer += "\r\nX-Content-Type-Options: nosniff\r\nCache-Control: no-store\r\nContent-Length: " +
+            std::to_string(text.size()) + "\r\nConnection: close\r\n\r\n";
+  answer.append(text);
+  refused_ = true;
+  write(answer.data(), answer.size());
+}
+
 void GuardedStream::drainBody() {
-  if (!bodyRefused_) return;
+  if (!answered_ || ended_ || (!refused_ && headRead_ == head_.size() && body_.ended())) return;
   channel_.endSending();
   end_ = SteadyClock::now() + limits_.drained;
   for (std::size_t taken = 0; taken < limits_.leftOver && fill(); taken += filled_) {
@@ -133,28 +178,19 @@ void GuardedStream::drainBody() {
 }
 
 bool GuardedStream::fill() {
-  waits_(true);
-  const auto count =
-      TakenBefore(end_, socket_, [&] { return channel_.receive(buffer_.data(), buffer_.size()); });
-  waits_(false);
-  if (!count) return false;
+  const auto receive = [&] { return channel_.receive(buffer_.data(), buffer_.size()); };
+  // What is here already keeps nobody waiting.
+  std::optional<std::size_t> count = TakenBefore(SteadyClock::time_point(), socket_, receive);
+  if (!count) {
+    waits_(true);
+    count = TakenBefore(end_, socket_, receive);
+    waits_(false);
+  }
+  ended_ = !count;
+  if (ended_) return false;
   used_ = 0;
   filled_ = *count;
   return true;
-}
-
-bool GuardedStream::countRead(std::string_view part) {
-  read_ += part.size();
-  for (std::size_t i = 0; !inBody_ && i < part.size(); ++i) {
-    if (part[i] == '\n') {
-      inBody_ = lineLength_ == 0;
-      lineLength_ = 0;
-    } else if (part[i] != '\r') {
-      ++lineLength_;
-    }
-  }
-  overflowed_ = read_ > (inBody_ ? limits_.request : limits_.head);
-  return !overflowed_;
 }
 
 }  // namespace standin

@@ -6,17 +6,21 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
+#include "standin/http/BodyFrame.hpp"
 #include "standin/http/Channel.hpp"
+#include "standin/http/RequestHead.hpp"
 
 namespace standin {
 
 /// What one connection may take.
 struct WebLimits {
   std::size_t connections = 96;  ///< at once; beyond that the one that has kept us waiting longest goes
+  std::size_t queued = 256;      ///< that wait for a thread; one more is closed unheard
   std::size_t threads = 96;
   std::size_t head = 64U << 10U;      ///< bytes of a request before its body
-  std::size_t request = 4U << 20U;    ///< bytes of a request in all, as sent
+  std::size_t body = 4U << 20U;       ///< bytes of a request's body, as sent
   std::size_t leftOver = 32U << 20U;  ///< bytes of a refused body that are still taken, unread
   std::chrono::seconds whole{20};     ///< for a request to be there in full
   std::chrono::seconds idle{2};       ///< between two requests
@@ -44,17 +48,22 @@ class GuardedStream : public httplib::Stream {
 
   /// What comes before the first request; false when the peer doesn't get there.
   bool begin();
-  /// Waits for the next request on the same connection. After one that was too long nothing on it can be
-  /// understood any more.
+  /// Waits for the next request on the same connection, and takes its head. One that is not to be passed on
+  /// is answered here. False then, and when none comes; behind a body that was not read to its end nothing
+  /// can be understood any more.
   bool next();
-  /// Takes what a peer goes on sending of a body that was refused, so that the answer reaches it: a
+  /// Answers, and nothing more on this connection.
+  void refuse(const HeadRefusal& why);
+  void refuse(const HeadRefusal& why, std::string_view type, std::string_view text);
+  /// Takes what a peer goes on sending of a body that nobody has read, so that the answer reaches it: a
   /// connection closed with bytes unread is reset, and takes the answer along.
   void drainBody();
 
  private:
   using Time = std::chrono::steady_clock::time_point;
   bool fill();
-  bool countRead(std::string_view part);
+  /// The head of the next request, up to the empty line; answers one that is not understood.
+  bool takeHead();
 
   socket_t socket_;
   Channel& channel_;
@@ -64,11 +73,12 @@ class GuardedStream : public httplib::Stream {
   std::array<char, 4096> buffer_{};
   std::size_t used_ = 0;
   std::size_t filled_ = 0;
-  std::size_t read_ = 0;
-  std::size_t lineLength_ = 0;
-  bool inBody_ = false;
-  bool overflowed_ = false;
-  bool bodyRefused_ = false;
+  std::string head_;
+  std::size_t headRead_ = 0;
+  BodyFrame body_;
+  bool ended_ = false;     ///< the peer has, or has taken too long
+  bool answered_ = false;  ///< something
+  bool refused_ = false;
 };
 
 }  // namespace standin

@@ -7,6 +7,7 @@
 
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "base/Failure.hpp"
 
@@ -91,13 +92,19 @@ TlsIdentity::TlsIdentity(const std::filesystem::path& certificate, const std::fi
     Refuse("TLS can't be spoken here");
   SSL_CTX_set_options(context, SSL_OP_NO_RENEGOTIATION | SSL_OP_NO_COMPRESSION |
                                    SSL_OP_CIPHER_SERVER_PREFERENCE | SSL_OP_IGNORE_UNEXPECTED_EOF);
+  // Of what TLS 1.2 allows, only what nobody reads later who has come by the key. TLS 1.3 has nothing else.
+  if (SSL_CTX_set_cipher_list(context, "ECDHE+AESGCM:ECDHE+CHACHA20") != 1)
+    Refuse("TLS can't be spoken here");
+  SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_OFF);
   SSL_CTX_set_mode(context, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER |
                                 SSL_MODE_RELEASE_BUFFERS);
   // A key with a password would have the library ask for it on the terminal.
   SSL_CTX_set_default_passwd_cb(context, [](char*, int, int, void*) { return 0; });
   if (SSL_CTX_use_certificate_chain_file(context, certificate.c_str()) != 1)
     Refuse(certificate.string() + " holds no certificate that can be used");
-  if (SSL_CTX_use_PrivateKey_file(context, key.c_str(), SSL_FILETYPE_PEM) != 1)
+  // Reading compares keys of the certificate's own kind alone.
+  if (SSL_CTX_use_PrivateKey_file(context, key.c_str(), SSL_FILETYPE_PEM) != 1 ||
+      SSL_CTX_check_private_key(context) != 1)
     Refuse(key.string() + " holds no key that belongs to the certificate and has no password");
 }
 
@@ -105,6 +112,13 @@ TlsIdentity::~TlsIdentity() = default;
 
 std::unique_ptr<Channel> TlsIdentity::channel(socket_t socket) const {
   return std::make_unique<TlsChannel>(context_.get(), socket);
+}
+
+bool IsReadByAnybody(const std::filesystem::path& key) {
+  using std::filesystem::perms;
+  std::error_code unknown;
+  const perms given = std::filesystem::status(key, unknown).permissions();
+  return !unknown && (given & perms::others_read) != perms::none;
 }
 
 bool BeginsTls(char first) { return first == kHandshake; }

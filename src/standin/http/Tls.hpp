@@ -32,6 +32,9 @@ class TlsIdentity {
   std::unique_ptr<SSL_CTX, Free> context_;
 };
 
+/// Whether others of this machine than the file's owner and group may read it.
+bool IsReadByAnybody(const std::filesystem::path& key);
+
 /// Whether what a peer says first is the beginning of TLS. Some begin by plain http where https is spoken.
 bool BeginsTls(char first);
 

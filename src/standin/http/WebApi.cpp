@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/Failure.hpp"
+#include "standin/house/HouseJson.hpp"
 
 namespace standin {
 namespace {
@@ -44,6 +45,7 @@ std::optional<WebAnswer> WebApi::admit(const Route& route, WebCall& call) {
 }
 
 std::optional<WebAnswer> WebApi::refusal(const Route& route, const std::string& token) {
+  if (route.role == Role::kAnyone) return std::nullopt;
   const auto call = std::make_shared<WebCall>();
   call->token = token;
   const auto refused = std::make_shared<std::optional<WebAnswer>>();
@@ -69,7 +71,7 @@ WebAnswer WebApi::answer(const Route& route, WebCall given) {
   const auto call = std::make_shared<WebCall>(std::move(given));
   const bool fields =
       route.method == Method::kPost && route.path.starts_with(kScripts) && route.type == Route::kJson;
-  if (fields) call->json = nlohmann::json::parse(call->body.empty() ? "{}" : call->body, nullptr, false);
+  if (fields) call->json = ReadJson(call->body.empty() ? "{}" : call->body);
   const bool malformed = fields && !call->json.is_object();
   WebAnswer answer = AskLoop(gate_, [this, &route, call, malformed](const Reply& reply) {
     if (const std::optional<WebAnswer> refused = admit(route, *call)) return reply(*refused);

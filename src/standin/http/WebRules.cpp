@@ -74,9 +74,11 @@ bool IsAnyAddress(const std::string& listen) {
   return inet_pton(AF_INET6, listen.c_str(), &six) == 1 && IN6_IS_ADDR_UNSPECIFIED(&six);
 }
 
-bool SameOrigin(std::string_view origin, std::string_view hostHeader) {
+bool SameOrigin(std::string_view origin, std::string_view hostHeader, bool tls) {
   for (const std::string_view scheme : {"http://", "https://"}) {
-    if (origin.starts_with(scheme)) return base::SameText(origin.substr(scheme.size()), hostHeader);
+    if (!origin.starts_with(scheme)) continue;
+    const bool clear = scheme == "http://";
+    return !(clear && tls) && base::SameText(origin.substr(scheme.size()), hostHeader);
   }
   return false;
 }

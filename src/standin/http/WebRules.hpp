@@ -29,8 +29,10 @@ bool IsLoopback(const std::string& host);
 std::string HostOf(const std::string& listen);
 /// Whether who listens there is reached at each address of the machine.
 bool IsAnyAddress(const std::string& listen);
-/// True when a request's Origin header says that it comes from a page of the host it goes to.
-bool SameOrigin(std::string_view origin, std::string_view hostHeader);
+/// True when a request's Origin header says that it comes from a page of the host it goes to. A server that
+/// speaks TLS (`tls`) has no pages in the clear: one that comes from there is somebody's between it and its
+/// reader. Before one that doesn't, there may be another one that does.
+bool SameOrigin(std::string_view origin, std::string_view hostHeader, bool tls);
 /// What a browser tells about why it asks (Sec-Fetch-Site, -Mode, -Dest, and Sec-Purpose); empty texts where
 /// it tells nothing, as other programs do.
 struct LoadReason {

@@ -9,6 +9,7 @@
 #include "base/Failure.hpp"
 #include "files/ReadFile.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/http/ByteRange.hpp"
 #include "standin/http/GuardedServer.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/pages/WebFiles.hpp"
@@ -25,6 +26,7 @@ std::string PeerOf(const httplib::Request& request) {
 }
 
 constexpr std::size_t kLongestPath = 2048;
+constexpr const char* kTooLarge = "The request is too large";
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr std::chrono::seconds kSessionCheck{15};
 
@@ -56,6 +58,27 @@ void Put(httplib::Response& response, const char* header, const std::string& val
   response.set_header(header, value);
 }
 
+/// The part of the answer that was asked for, and all of it where none was.
+void GivePart(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
+  // What is not changed since can't be told by a weak mark: then all of it is right.
+  const bool asks = request.method == "GET" && answer.status == 200 && request.has_header("Range") &&
+                    !request.has_header("If-Range");
+  if (!asks) return Give(response, answer);
+  const std::string size = std::to_string(answer.body.size());
+  const auto part = RangeOf(request.get_header_value("Range"), answer.body.size());
+  if (!part) {
+    Put(response, "Content-Range", "bytes */" + size);
+    return Give(response, Refusal(416, "There is nothing at that place"));
+  }
+  WebAnswer cut = answer;
+  cut.status = 206;
+  cut.body = answer.body.substr(part->first, part->count);
+  Put(response, "Content-Range",
+      "bytes " + std::to_string(part->first) + "-" + std::to_string(part->first + part->count - 1) + "/" +
+          size);
+  Give(response, cut);
+}
+
 /// The answer, unless the browser has kept the same one from before: then it is only told so.
 void GiveIfNew(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
   const std::string mark = ContentMark(answer.body);
@@ -63,7 +86,7 @@ void GiveIfNew(const httplib::Request& request, httplib::Response& response, con
   if (HasMark(request.get_header_value("If-None-Match"), mark)) {
     response.status = 304;
   } else {
-    Give(response, answer);
+    GivePart(request, response, answer);
   }
 }
 
@@ -118,7 +141,7 @@ WebPort::WebPort(const std::string& address, int port, std::unique_ptr<TlsIdenti
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   });
   server_->set_tcp_nodelay(true);
-  port_ = port == 0 ? server_->bind_to_any_port(address) : server_->bind_to_port(address, port) ? port : -1;
+  port_ = server_->bind(address, port);
   if (port_ <= 0) {
     throw base::Failure(
         base::number::kPermissionDenied,
@@ -157,32 +180,29 @@ WebServer::WebServer(WebPort& port, const Parts& parts)
   server_.Post("[\\s\\S]*", [this](const httplib::Request& request, httplib::Response& response,
                                    const httplib::ContentReader& reader) {
     const Route* route = api_.find(Method::kPost, request.path);
-    const std::size_t limit = route == nullptr ? Route::kUsualBody : route->limit;
+    if (auto refused = refusedUnread(request, route)) {
+      response.set_header("Connection", "close");
+      return GiveFor(request, response, std::move(*refused));
+    }
     std::string body;
     bool tooLarge = false;
-    const auto take = [&](const char* data, std::size_t size) {
-      tooLarge = body.size() + size > limit;
+    const bool whole = reader([&](const char* data, std::size_t size) {
+      tooLarge = body.size() + size > route->limit;
       if (!tooLarge) body.append(data, size);
       return !tooLarge;
-    };
-    // No page of this server sends a body in parts: nothing of it is kept but its size.
-    const bool parts = request.is_multipart_form_data();
-    const bool whole =
-        parts ? reader([](const httplib::MultipartFormData&) { return true; }, take) : reader(take);
-    if (!whole && (tooLarge || response.status == 413)) {
-      RefuseUnread(response, 413, "The request is too large");
+    });
+    if (tooLarge) {
+      RefuseUnread(response, 413, kTooLarge);
     } else if (!whole) {
       RefuseUnread(response, 400, "The request was not understood");
-    } else if (parts) {
-      Give(response, Refusal(415, "A body in parts is not understood"));
     } else {
-      answerPost(request, response, route, std::move(body));
+      answerPost(request, response, *route, std::move(body));
     }
   });
   server_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (response.body.empty()) {
       const int status = response.status;
-      if (status == 413) return RefuseUnread(response, status, "The request is too large");
+      if (status == 413) return RefuseUnread(response, status, kTooLarge);
       Give(response, Refusal(status, "The request was not understood"));
     }
   });
@@ -257,32 +277,44 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
   GiveFor(request, response, api_.answer(*route, std::move(call)));
 }
 
-void WebServer::answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
-                           std::string body) {
+std::optional<WebAnswer> WebServer::refusedUnread(const httplib::Request& request, const Route* route) {
   const std::string host = request.get_header_value("Host");
   if (!hosts_.allows(host)) {
     refused_.count(PostRefusal::kForeignHost);
-    return GiveFor(request, response, Refusal(403, "This server doesn't answer to that name"));
+    return Refusal(403, "This server doesn't answer to that name");
   }
-  if (!SameOrigin(request.get_header_value("Origin"), host)) {
+  if (!SameOrigin(request.get_header_value("Origin"), host, server_.speaksTls()) ||
+      !MayLoadData({.site = request.get_header_value("Sec-Fetch-Site")})) {
     refused_.count(PostRefusal::kOtherOrigin);
-    return GiveFor(request, response, Refusal(403, "The request doesn't come from a page of this server"));
+    return Refusal(403, "The request doesn't come from a page of this server");
   }
-  const std::string type = request.get_header_value("Content-Type");
+  // No page of this server sends a body in parts.
+  if (request.is_multipart_form_data()) return Refusal(415, "A body in parts is not understood");
   const std::string wanted = route == nullptr ? Route::kJson : route->type;
-  if (request.path.starts_with("/api/") && !type.starts_with(wanted)) {
-    return Give(response, Refusal(415, wanted == Route::kJson ? "The request is no JSON object"
-                                                              : "The request is not of the type " + wanted));
+  if (request.path.starts_with("/api/") && !request.get_header_value("Content-Type").starts_with(wanted)) {
+    return Refusal(415, wanted == Route::kJson ? "The request is no JSON object"
+                                               : "The request is not of the type " + wanted);
   }
-  if (route == nullptr) return GiveFor(request, response, Refusal(404, "There is no such page"));
-  WebAnswer answer = api_.answer(*route, {.method = Method::kPost,
-                                          .path = request.path,
-                                          .body = std::move(body),
-                                          .type = type,
-                                          .token = tokenOf(request),
-                                          .peer = PeerOf(request)});
-  if (answer.status == 401) refused_.count(PostRefusal::kNoSession);
-  GiveFor(request, response, std::move(answer));
+  if (route == nullptr) return Refusal(404, "There is no such page");
+  if (auto refused = api_.refusal(*route, tokenOf(request))) {
+    if (refused->status == 401) refused_.count(PostRefusal::kNoSession);
+    return refused;
+  }
+  if (request.get_header_value<std::uint64_t>("Content-Length") > route->limit)
+    return Refusal(413, kTooLarge);
+  return std::nullopt;
+}
+
+void WebServer::answerPost(const httplib::Request& request, httplib::Response& response, const Route& route,
+                           std::string body) {
+  WebCall call{.method = Method::kPost,
+               .path = request.path,
+               .body = std::move(body),
+               .type = request.get_header_value("Content-Type"),
+               .token = tokenOf(request),
+               .peer = PeerOf(request)};
+  for (const auto& [name, value] : request.params) call.parameters.try_emplace(name, value);
+  GiveFor(request, response, api_.answer(route, std::move(call)));
 }
 
 void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {

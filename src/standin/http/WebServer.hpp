@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -62,8 +63,10 @@ class WebServer {
   /// Of the session, as the browser sends it.
   [[nodiscard]] std::string tokenOf(const httplib::Request& request) const;
   void answerGet(const httplib::Request& request, httplib::Response& response);
-  /// `route` is null where there is none.
-  void answerPost(const httplib::Request& request, httplib::Response& response, const Route* route,
+  /// Why a post is refused before a byte of its body is looked at; nothing when it may be read. `route` is
+  /// null where there is none.
+  std::optional<WebAnswer> refusedUnread(const httplib::Request& request, const Route* route);
+  void answerPost(const httplib::Request& request, httplib::Response& response, const Route& route,
                   std::string body);
   void stream(const Route& route, const httplib::Request& request, httplib::Response& response);
 

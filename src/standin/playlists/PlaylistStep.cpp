@@ -46,7 +46,7 @@ std::string TextOf(const PlaylistStep& step) {
 
 PlaylistStep StepOf(const std::string& text) {
   try {
-    const Json json = Json::parse(text);
+    const Json json = ReadJson(text);
     PlaylistStep step;
     const auto kind = json.at("kind").get<std::string>();
     std::size_t number = 0;

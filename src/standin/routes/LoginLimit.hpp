@@ -1,83 +1,87 @@
 #pragma once
-#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <string>
 
-#include "base/Text.hpp"
-
 namespace standin {
 
-/// Slows guessing down: from the fifth wrong password in a row on, each one makes the next wait longer.
-/// Thread-safe.
+/// Slows guessing down: from one wrong password on, each one makes the next wait longer. They are forgotten
+/// after an hour without one.
 class LoginLimit {
  public:
   using Time = std::chrono::steady_clock::time_point;
-  explicit LoginLimit(int free = 5) : free_(free) {}
+  /// `free` wrong ones cost nothing but the last of them, which costs a second; each doubling adds to that.
+  explicit LoginLimit(int free = 5, int mostDoublings = 6) : free_(free), mostDoublings_(mostDoublings) {}
 
   /// False while the next try has to wait.
-  bool mayTry(Time now) {
-    const std::lock_guard lock(mutex_);
-    return now >= next_;
-  }
-  void failed(Time now) {
-    const std::lock_guard lock(mutex_);
-    ++failures_;
-    if (failures_ >= free_)
-      next_ = now + std::chrono::seconds(1LL << std::min(failures_ - free_, kMostDoublings));
-  }
-  void succeeded() {
-    const std::lock_guard lock(mutex_);
-    failures_ = 0;
-    next_ = {};
-  }
+  [[nodiscard]] bool mayTry(Time now) const { return now >= next_; }
+  void failed(Time now);
+  void succeeded();
+  [[nodiscard]] Time last() const { return last_; }
 
  private:
-  static constexpr int kMostDoublings = 6;
-  std::mutex mutex_;
   int free_;
+  int mostDoublings_;
   int failures_ = 0;
   Time next_{};
+  Time last_{};  ///< when it failed last
 };
 
-/// A limit for each user at each address, and a wider one for each address, so that who guesses slows down
-/// himself and nobody else. Thread-safe.
+/// Limits by some text, a bounded number of them: whose last failure is the oldest is forgotten first.
+class KeyedLimits {
+ public:
+  using Time = LoginLimit::Time;
+  KeyedLimits(int free, std::size_t most) : free_(free), most_(most) {}
+
+  [[nodiscard]] bool mayTry(const std::string& key, Time now) const;
+  void failed(const std::string& key, Time now);
+  void succeeded(const std::string& key) { limits_.erase(key); }
+  [[nodiscard]] std::size_t size() const { return limits_.size(); }
+
+ private:
+  int free_;
+  std::size_t most_;
+  std::map<std::string, LoginLimit> limits_;
+};
+
+/// Who tries a password: an address, or somebody who has a session of the owner's already.
+struct Guesser {
+  std::string address{};
+  bool owner = false;
+};
+
+/// A limit for each user at each address, a wider one for each address, and one for all addresses together,
+/// so that who guesses slows down himself before anybody else, and gets nowhere by having many addresses. An
+/// owner who has a session has a limit of his own, which no stranger uses up. Thread-safe.
 class LoginLimits {
  public:
   using Time = LoginLimit::Time;
+  static constexpr std::size_t kMost = 4096;  ///< of users at addresses, and of addresses
 
-  bool mayTry(const std::string& user, const std::string& address, Time now) {
-    const std::lock_guard lock(mutex_);
-    return of(user, address).mayTry(now) && of(address).mayTry(now);
-  }
-  void failed(const std::string& user, const std::string& address, Time now) {
-    const std::lock_guard lock(mutex_);
-    of(user, address).failed(now);
-    of(address).failed(now);
-  }
-  void succeeded(const std::string& user, const std::string& address) {
-    const std::lock_guard lock(mutex_);
-    of(user, address).succeeded();
-  }
+  /// `user` may be a name that nobody has.
+  bool mayTry(const std::string& user, const Guesser& who, Time now);
+  /// `user` is empty for a name that nobody has.
+  void failed(const std::string& user, const Guesser& who, Time now);
+  void succeeded(const std::string& user, const Guesser& who);
+  /// Whether one more guest may come in from there without a password; counts him.
+  bool letsIn(const Guesser& who, Time now);
 
  private:
-  static constexpr std::size_t kMost = 4096;
   static constexpr int kFreeOfUser = 5;
   static constexpr int kFreeOfAddress = 20;
-
-  LoginLimit& of(const std::string& user, const std::string& address) {
-    if (users_.size() > kMost) users_.clear();
-    return users_.try_emplace(base::LowerCase(user) + '\n' + address, kFreeOfUser).first->second;
-  }
-  LoginLimit& of(const std::string& address) {
-    if (addresses_.size() > kMost) addresses_.clear();
-    return addresses_.try_emplace(address, kFreeOfAddress).first->second;
-  }
+  static constexpr int kFreeOfAll = 60;
+  static constexpr int kMostDoublingsOfAll = 4;
 
   std::mutex mutex_;
-  std::map<std::string, LoginLimit> users_;
-  std::map<std::string, LoginLimit> addresses_;
+  KeyedLimits users_{kFreeOfUser, kMost};
+  KeyedLimits addresses_{kFreeOfAddress, kMost};
+  KeyedLimits guests_{kFreeOfAddress, kMost};
+  LoginLimit all_{kFreeOfAll, kMostDoublingsOfAll};
 };
+
+/// The address as one to count by: of an IPv6 address the network, as who has one has all of its addresses.
+std::string NetworkOf(const std::string& address);
 
 }  // namespace standin

@@ -4,6 +4,7 @@
 #include "standin/dialogs/OpenDialog.hpp"
 #include "standin/events/EventControl.hpp"
 #include "standin/events/EventWords.hpp"
+#include "standin/hearing/Utterances.hpp"
 #include "standin/hearing/VoiceCommands.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/house/House.hpp"
@@ -12,6 +13,7 @@
 #include "standin/player/PlayerLibrary.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/playlists/Playlists.hpp"
+#include "standin/room/RoomMicrophone.hpp"
 #include "standin/routes/LoginLimit.hpp"
 #include "standin/routes/Route.hpp"
 #include "standin/routes/Visitors.hpp"
@@ -30,8 +32,16 @@ namespace standin {
 Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors);
 /// Buttons, devices and menu.
 Routes DeviceRoutes(House& house, HouseObjects& objects, PluginKeeper& plugin, PlayerLibrary& library);
-/// What is said to the house, and what can be; `quiet` is kept for those who speak.
-Routes VoiceRoutes(House& house, VoiceCommands& voice, Quiet& quiet);
+/// What the routes of what is said work with.
+struct VoiceParts {
+  House& house;
+  VoiceCommands& voice;
+  Utterances& utterances;
+  Quiet& quiet;  ///< kept for those who speak
+  RoomMicrophone& room;
+};
+/// What is said to the house, and what can be.
+Routes VoiceRoutes(const VoiceParts& parts);
 /// The dialogs of the plug-in's actions, triggers and conditions.
 Routes DialogRoutes(OpenDialog& dialog);
 /// The player's music.

@@ -1,17 +1,19 @@
 // Signing in and out, the owner's password, and what guests need. Passwords are hashed on the web's threads,
-// one at a time.
+// few at a time.
 #include <chrono>
 #include <memory>
-#include <mutex>
 
 #include "base/Text.hpp"
 #include "standin/routes/Routes.hpp"
+#include "standin/routes/Turns.hpp"
 
 namespace standin {
 namespace {
 
 constexpr std::size_t kLongestPassword = 1024;
 constexpr std::size_t kShortestPassword = 8;
+constexpr std::size_t kLongestName = 64;
+constexpr std::ptrdiff_t kMostWaiting = 4;  // to have a password hashed
 constexpr int kDone = 200;
 
 constexpr int kMonth = 2592000;  // seconds
@@ -25,6 +27,7 @@ std::string SessionCookie(const House& house, const std::string& token, int seco
 std::string NoCookie(const House& house) { return SessionCookie(house, {}, 0); }
 
 WebAnswer TooMany() { return Refusal(429, "Too many wrong passwords; please wait a little"); }
+WebAnswer Busy() { return Refusal(503, "Too many sign in at once; please wait a little"); }
 WebAnswer WrongLogin() { return Refusal(403, "The name or the password is wrong"); }
 
 /// The commands of this area, and what they share.
@@ -45,7 +48,13 @@ class Commands {
   WebAnswer login(const WebCall& call) {
     const auto name = call.json.at("name").get<std::string>();
     const auto password = call.json.value("password", std::string());
-    if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
+    const Guesser who = guesser(call);
+    const bool possible = name.size() <= kLongestName;
+    if (!limits_.mayTry(possible ? name : std::string(), who, now_())) return TooMany();
+    if (!possible) {
+      limits_.failed({}, who, now_());
+      return WrongLogin();
+    }
     struct Known {
       std::optional<User> user;
       std::string hash;
@@ -59,20 +68,23 @@ class Commands {
     });
     if (asked.status != kDone) return asked;
     if (!known->user) {
-      limits_.failed(name, call.peer, now_());
+      limits_.failed({}, who, now_());
       return WrongLogin();
     }
     if (!known->letIn) return Refusal(403, "Guests are not let in here");
     const User& user = *known->user;
     if (!user.hasPassword && !user.guest) return Refusal(403, kWayByKey);
     if (user.hasPassword) {
-      const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now_())) return TooMany();  // others have guessed meanwhile
+      const Turns::Turn turn(hashing_);
+      if (!turn.given()) return Busy();
+      if (!limits_.mayTry(name, who, now_())) return TooMany();  // others have guessed meanwhile
       if (!PasswordFits(known->hash, password)) {
-        limits_.failed(name, call.peer, now_());
+        limits_.failed(name, who, now_());
         return WrongLogin();
       }
-      limits_.succeeded(name, call.peer);
+      limits_.succeeded(name, who);
+    } else if (!limits_.letsIn(who, now_())) {
+      return Refusal(429, "Too many guests have come in from there; please wait a little");
     }
     const auto token = std::make_shared<std::string>();
     asked = onLoop([this, name = user.name, before = call.token, token] {
@@ -99,21 +111,23 @@ class Commands {
     if (wanted.size() > kLongestPassword) return Refusal(400, "The password is too long");
     if (wanted.empty() && !visitors_.local())
       return Refusal(403, "A server that others can reach needs a password");
-    if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
+    const Guesser who = guesser(call);
+    if (!limits_.mayTry(name, who, now_())) return TooMany();
     const auto hash = std::make_shared<std::string>();
     WebAnswer asked = onLoop([this, name, hash] { *hash = house_.users.hashOf(name); });
     if (asked.status != kDone) return asked;
     std::string made;
     {
-      const std::lock_guard one(hashing_);
-      if (!limits_.mayTry(name, call.peer, now_())) return TooMany();
+      const Turns::Turn turn(changing_);
+      if (!turn.given()) return Busy();
+      if (!limits_.mayTry(name, who, now_())) return TooMany();
       if (!hash->empty() && !PasswordFits(*hash, old)) {
-        limits_.failed(name, call.peer, now_());
+        limits_.failed(name, who, now_());
         return Refusal(403, "The old password is wrong");
       }
       if (!wanted.empty()) made = HashPassword(wanted);
     }
-    limits_.succeeded(name, call.peer);
+    limits_.succeeded(name, who);
     const auto fresh = std::make_shared<std::string>();
     asked = onLoop([this, name, made, fresh] {
       house_.users.setHash(name, made);
@@ -134,7 +148,8 @@ class Commands {
     if (rule == "password") {
       if (password.empty() || password.size() > kLongestPassword)
         return Refusal(400, "A password has 1 to 1024 characters");
-      const std::lock_guard one(hashing_);
+      const Turns::Turn turn(changing_);
+      if (!turn.given()) return Busy();
       stored = HashPassword(password);
     } else if (rule != "open" && rule != "off") {
       return Refusal(400, "Guests are let in as open, password or off");
@@ -149,6 +164,11 @@ class Commands {
   }
 
  private:
+  /// Who has come as the owner isn't held up by strangers.
+  static Guesser guesser(const WebCall& call) {
+    return {.address = call.peer, .owner = call.user.name == kFirstUser};
+  }
+
   void tellEnd() { house_.live.tell(kSessionsEnded, "{}"); }
 
   WebAnswer onLoop(std::function<void()> work) {
@@ -163,7 +183,9 @@ class Commands {
   LoopGate& gate_;
   std::function<LoginLimits::Time()> now_;
   LoginLimits limits_;
-  std::mutex hashing_;  // one at a time: each takes 64 MiB
+  // One at a time: each takes 64 MiB. Strangers wait for each other, and the owner for himself.
+  Turns hashing_{kMostWaiting};
+  Turns changing_{kMostWaiting};
 };
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "standin/routes/VoiceAnswers.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace standin {
@@ -10,6 +13,8 @@ using nlohmann::json;
 using Kind = Understanding::Kind;
 
 constexpr std::size_t kMostChoices = 100;
+constexpr std::size_t kMostParts = 100;  // of a sentence
+constexpr std::size_t kMostInAll = 5000;
 constexpr std::size_t kLongestPattern = 8000;
 
 std::pair<const char*, int> NameAndStatus(Kind kind) {
@@ -34,17 +39,48 @@ const char* NameOf(Recogniser::State state) {
   return "failed";
 }
 
-json JsonOf(const std::vector<Pattern::Sequence>& choices) {
+const char* NameOf(RoomMicrophone::State state) {
+  switch (state) {
+    case RoomMicrophone::State::kOff: return "off";
+    case RoomMicrophone::State::kStarting: return "starting";
+    case RoomMicrophone::State::kListening: return "listening";
+    case RoomMicrophone::State::kFailed: break;
+  }
+  return "failed";
+}
+
+json JsonOf(const Understanding& understanding) {
+  json choices = json::array();
+  for (const Understanding::Choice& each : understanding.choices)
+    choices.push_back({{"command", each.command}, {"label", each.label}});
+  json told{{"kind", NameAndStatus(understanding.kind).first},
+            {"heard", understanding.heard},
+            {"command", understanding.command},
+            {"events", understanding.events},
+            {"says", understanding.says},
+            {"choices", std::move(choices)}};
+  if (understanding.confidence) told["confidence"] = *understanding.confidence;
+  return told;
+}
+
+/// `room`: how many parts may still be told of the whole pattern. Where a sentence has more than are told,
+/// its last part says how many.
+json JsonOf(const std::vector<Pattern::Sequence>& choices, std::size_t& room) {
   json all = json::array();
   for (const Pattern::Sequence& sequence : choices) {
-    if (all.size() >= kMostChoices) break;
+    if (all.size() >= kMostChoices || room == 0) break;
     json parts = json::array();
     for (const Pattern::Part& part : sequence) {
+      if (parts.size() >= kMostParts || room == 0) {
+        parts.push_back({{"more", sequence.size() - parts.size()}});
+        break;
+      }
+      --room;
       if (part.kind == Pattern::Kind::kWords) {
         parts.push_back({{"say", part.words}});
       } else {
         const char* kind = part.kind == Pattern::Kind::kChoice ? "choice" : "optional";
-        parts.push_back({{kind, JsonOf(part.choices)}, {"count", part.choices.size()}});
+        parts.push_back({{kind, JsonOf(part.choices, room)}, {"count", part.choices.size()}});
       }
     }
     all.push_back(std::move(parts));
@@ -52,10 +88,17 @@ json JsonOf(const std::vector<Pattern::Sequence>& choices) {
   return all;
 }
 
+/// Whether the plug-in writes the event's pattern itself, whenever its lists are read anew.
+bool IsOfLibrary(const std::string& event) {
+  constexpr std::array<std::string_view, 4> kAll{"PlayList VR", "Album VR", "Artist VR", "Genre VR"};
+  return std::find(kAll.begin(), kAll.end(), event) != kAll.end();
+}
+
 json JsonOf(const House& house, const HouseGrammar& grammar, const HouseGrammar::Entry& entry) {
   std::vector<std::string> faults = entry.pattern->faults();
   for (std::string& each : grammar.troubles(entry.event)) faults.push_back(std::move(each));
   const Event& event = *house.events.byId(entry.event);
+  std::size_t room = kMostInAll;
   json devices = json::array();
   for (const EventDevice& each : event.devices) {
     const Device* device = house.devices.byRef(each.devid);
@@ -65,8 +108,10 @@ json JsonOf(const House& house, const HouseGrammar& grammar, const HouseGrammar:
             {"name", event.name},
             {"devices", std::move(devices)},
             {"length", event.vcmd.size()},
+            {"version", VersionOf(event.vcmd)},
             {"faults", std::move(faults)},
-            {"tree", JsonOf(entry.pattern->sentences())}};
+            {"tree", JsonOf(entry.pattern->sentences(), room)},
+            {"anew", IsOfLibrary(event.name)}};
   if (event.vcmd.size() <= kLongestPattern) told["pattern"] = event.vcmd;
   return told;
 }
@@ -85,18 +130,9 @@ json JsonOf(const Recogniser::Status& status, bool owner) {
 }  // namespace
 
 WebAnswer AnswerOf(const Understanding& understanding) {
-  const auto [kind, status] = NameAndStatus(understanding.kind);
-  json choices = json::array();
-  for (const Understanding::Choice& each : understanding.choices)
-    choices.push_back({{"command", each.command}, {"label", each.label}});
-  json told{{"kind", kind},
-            {"heard", understanding.heard},
-            {"command", understanding.command},
-            {"events", understanding.events},
-            {"says", understanding.says},
-            {"choices", std::move(choices)},
-            {status == 200 ? "done" : "error", understanding.says}};
-  if (understanding.confidence) told["confidence"] = *understanding.confidence;
+  const int status = NameAndStatus(understanding.kind).second;
+  json told = JsonOf(understanding);
+  told[status == 200 ? "done" : "error"] = understanding.says;
   WebAnswer answer = Told(told);
   answer.status = status;
   return answer;
@@ -114,6 +150,22 @@ WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner) {
                  {"bytes", Route::kLargestBody},
                  {"type", "audio/l16;rate=16000"}}},
                {"speaks", voice.speaks()}});
+}
+
+std::string VersionOf(const std::string& pattern) {
+  // FNV-1a: the same text has the same one after a restart, too.
+  std::uint64_t hash = 14695981039346656037U;
+  for (const char c : pattern) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+  return std::to_string(hash);
+}
+
+WebAnswer RoomOf(const RoomMicrophone::Status& room) {
+  json told{{"on", room.state != RoomMicrophone::State::kOff},
+            {"state", NameOf(room.state)},
+            {"trouble", room.trouble},
+            {"heard", room.heard}};
+  if (room.last) told["last"] = JsonOf(*room.last);
+  return Told(told);
 }
 
 }  // namespace standin

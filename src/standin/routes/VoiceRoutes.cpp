@@ -24,22 +24,72 @@ void Say(VoiceCommands& voice, const WebCall& call, const Reply& reply) {
             [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
 }
 
+/// Answers, and players come back: what was to be done found them as they were.
+VoiceCommands::Answered AnswerAndEnd(Quiet& quiet, const WebCall& call, const Reply& reply) {
+  return [&quiet, token = call.token, reply](const Understanding& understanding) {
+    reply(AnswerOf(understanding));
+    quiet.end(token);
+  };
+}
+
 void Listen(VoiceCommands& voice, Quiet& quiet, const WebCall& call, const Reply& reply) {
-  quiet.end(call.token);  // before the command: "pause" is meant for what is playing
   std::vector<std::int16_t> sound;
   try {
     sound = SentSound(call.type, call.body);
   } catch (const base::Failure& failure) {
-    return reply(Refusal(415, failure.description()));
+    reply(Refusal(415, failure.description()));
+    return quiet.end(call.token);
   }
-  voice.listen({call.token, call.user.guest}, std::move(sound),
-               [reply](const Understanding& understanding) { reply(AnswerOf(understanding)); });
+  voice.listen({call.token, call.user.guest}, std::move(sound), AnswerAndEnd(quiet, call, reply));
+}
+
+/// What is wrong with a piece of a sound, and who can mend it.
+WebAnswer RefusalOf(const base::Failure& failure) {
+  switch (failure.number()) {
+    case base::number::kFileNotFound: return Refusal(404, failure.description());
+    case base::number::kInvalidArgument: return Refusal(409, failure.description());
+    case base::number::kOverflow: return Refusal(503, failure.description());
+    default: throw base::Failure(failure);
+  }
+}
+
+WebAnswer BeginToListen(Utterances& utterances, const WebCall& call) {
+  try {
+    return Told({{"id", utterances.begin({call.token, call.user.guest})}});
+  } catch (const base::Failure& failure) {
+    return RefusalOf(failure);
+  }
+}
+
+WebAnswer ListenOn(Utterances& utterances, const WebCall& call) {
+  std::vector<std::int16_t> piece;
+  try {
+    piece = SentSound(call.type, call.body);
+  } catch (const base::Failure& failure) {
+    return Refusal(415, failure.description());
+  }
+  try {
+    utterances.more({call.token, call.user.guest}, call.number<std::uint64_t>("id"),
+                    call.number<std::uint64_t>("at"), piece);
+    return {};
+  } catch (const base::Failure& failure) {
+    return RefusalOf(failure);
+  }
+}
+
+void EndListening(Utterances& utterances, Quiet& quiet, const WebCall& call, const Reply& reply) {
+  try {
+    utterances.end({call.token, call.user.guest}, call.json.at("id").get<std::uint64_t>(),
+                   call.json.at("samples").get<std::uint64_t>(), AnswerAndEnd(quiet, call, reply));
+  } catch (const base::Failure& failure) {
+    reply(RefusalOf(failure));
+  }
 }
 
 WebAnswer TellPattern(House& house, const WebCall& call) {
   const Event* event = house.events.byId(call.number<std::int32_t>("event"));
   if (event == nullptr) return Refusal(404, "There is no such event");
-  return Told({{"id", event->id}, {"pattern", event->vcmd}});
+  return Told({{"id", event->id}, {"pattern", event->vcmd}, {"version", VersionOf(event->vcmd)}});
 }
 
 /// It is answered when it holds for what is said next.
@@ -48,8 +98,12 @@ void PutPattern(House& house, HouseGrammar& grammar, const WebCall& call, const 
   const auto pattern = call.json.at("pattern").get<std::string>();
   if (house.events.byId(id) == nullptr) return reply(Refusal(404, "There is no such event"));
   if (pattern.size() > kLongestPattern) return reply(Refusal(400, "The pattern is too long"));
+  const auto base = call.json.find("base");
+  if (base != call.json.end() && base->get<std::string>() != VersionOf(house.events.byId(id)->vcmd))
+    return reply(Refusal(409, "Somebody else has changed this meanwhile. Yours is kept, but not saved"));
   house.events.put(id, &Event::vcmd, pattern);
-  const WebAnswer answer = Told({{"faults", standin::Pattern(pattern).faults()}});
+  const WebAnswer answer =
+      Told({{"faults", standin::Pattern(pattern).faults()}, {"version", VersionOf(pattern)}});
   grammar.whenFollowed([reply, answer] { reply(answer); });
 }
 
@@ -68,10 +122,20 @@ WebAnswer FindChoices(HouseGrammar& grammar, const WebCall& call) {
 
 }  // namespace
 
-Routes VoiceRoutes(House& house, VoiceCommands& voice, Quiet& quiet) {
+Routes VoiceRoutes(const VoiceParts& parts) {
+  House& house = parts.house;
+  VoiceCommands& voice = parts.voice;
+  Utterances& utterances = parts.utterances;
+  Quiet& quiet = parts.quiet;
+  RoomMicrophone& room = parts.room;
   const Later say{[&voice](const WebCall& call, const Reply& reply) { Say(voice, call, reply); }};
   const Later listen{
       [&voice, &quiet](const WebCall& call, const Reply& reply) { Listen(voice, quiet, call, reply); }};
+  const Now begin{[&utterances](const WebCall& call) { return BeginToListen(utterances, call); }};
+  const Now more{[&utterances](const WebCall& call) { return ListenOn(utterances, call); }};
+  const Later end{[&utterances, &quiet](const WebCall& call, const Reply& reply) {
+    EndListening(utterances, quiet, call, reply);
+  }};
   const Now hush{[&quiet](const WebCall& call) {
     if (call.json.at("on").get<bool>()) {
       quiet.begin(call.token);
@@ -94,16 +158,27 @@ Routes VoiceRoutes(House& house, VoiceCommands& voice, Quiet& quiet) {
     voice.speaks(call.json.at("on").get<bool>());
     return WebAnswer();
   }};
+  const Now inRoom{[&room](const WebCall&) { return RoomOf(room.status()); }};
+  const Now setRoom{[&room](const WebCall& call) {
+    room.on(call.json.at("on").get<bool>());
+    return RoomOf(room.status());
+  }};
   const std::string refused = "Guests can’t change what can be said";
-  return {{Method::kPost, "/api/voice", Role::kGuest, say},
-          {Method::kGet, "/api/voice", Role::kGuest, state},
-          {Method::kPost, "/api/voice/listen", Role::kOwner, listen, "Guests can’t speak to the house",
-           Route::kLargestBody, "audio/"},
-          {Method::kPost, "/api/voice/quiet", Role::kOwner, hush, "Guests can’t speak to the house"},
-          {Method::kGet, "/api/voice/choices", Role::kGuest, choices},
-          {Method::kGet, "/api/voice/pattern", Role::kOwner, pattern, refused},
-          {Method::kPost, "/api/voice/pattern", Role::kOwner, put, refused, Route::kLargestBody},
-          {Method::kPost, "/api/voice/speaks", Role::kOwner, speaks, refused}};
+  const std::string silent = "Guests can’t speak to the house";
+  return {
+      {Method::kPost, "/api/voice", Role::kGuest, say},
+      {Method::kGet, "/api/voice", Role::kGuest, state},
+      {Method::kPost, "/api/voice/listen", Role::kOwner, listen, silent, Route::kLargestBody, "audio/"},
+      {Method::kPost, "/api/voice/listen/begin", Role::kOwner, begin, silent},
+      {Method::kPost, "/api/voice/listen/more", Role::kOwner, more, silent, Route::kUsualBody, "audio/"},
+      {Method::kPost, "/api/voice/listen/end", Role::kOwner, end, silent},
+      {Method::kPost, "/api/voice/quiet", Role::kOwner, hush, silent},
+      {Method::kGet, "/api/voice/choices", Role::kGuest, choices},
+      {Method::kGet, "/api/voice/pattern", Role::kOwner, pattern, refused},
+      {Method::kPost, "/api/voice/pattern", Role::kOwner, put, refused, Route::kLargestBody},
+      {Method::kPost, "/api/voice/speaks", Role::kOwner, speaks, refused},
+      {Method::kGet, "/api/voice/room", Role::kOwner, inRoom, "Guests aren’t told what is said in the house"},
+      {Method::kPost, "/api/voice/room", Role::kOwner, setRoom, refused}};
 }
 
 }  // namespace standin

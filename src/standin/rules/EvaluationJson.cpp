@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/Failure.hpp"
+#include "standin/house/HouseJson.hpp"
 #include "standin/rules/CutText.hpp"
 
 namespace standin {
@@ -60,7 +61,7 @@ Json JsonOf(const Evaluation& evaluation) {
 
 Evaluation EvaluationOfText(const std::string& text) {
   try {
-    const Json json = Json::parse(text);
+    const Json json = ReadJson(text);
     Evaluation evaluation;
     evaluation.id = json.at("id").get<std::int64_t>();
     evaluation.event = json.at("event").get<std::int32_t>();

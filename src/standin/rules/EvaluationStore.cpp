@@ -204,8 +204,7 @@ EvaluationStore::Page EvaluationStore::page(std::int32_t event, std::int64_t bef
                                      [&](const Evaluation& each) { return each.id == named.evaluation.id; });
       if (late != unwritten_.end()) named.evaluation = *late;
       const Event* now = house_.events.byId(named.evaluation.event);
-      named.name = now != nullptr ? base::RepairUtf8(now->name)
-                                  : nlohmann::json::parse(text).value("name", std::string());
+      named.name = now != nullptr ? base::RepairUtf8(now->name) : ReadJson(text).value("name", std::string());
       page.evaluations.push_back(std::move(named));
     } catch (const base::Failure&) {  // one that can't be read is not shown
     }

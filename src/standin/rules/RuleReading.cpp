@@ -4,6 +4,7 @@
 
 #include "base/Text.hpp"
 #include "standin/events/RuleNumber.hpp"
+#include "standin/house/HouseJson.hpp"
 #include "standin/rules/JsonPlace.hpp"
 #include "standin/rules/RuleJson.hpp"
 #include "standin/rules/RuleNames.hpp"
@@ -202,7 +203,7 @@ RuledEvent RuledEventOf(const nlohmann::json& json) {
 }
 
 Rule RuleOfText(const std::string& text) {
-  const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
+  const nlohmann::json json = ReadJson(text);
   if (json.is_discarded()) throw BadRule({}, "The event: is no JSON");
   return RuleOf(json);
 }

@@ -78,7 +78,7 @@ std::string TextOf(const RuleStep& step) {
 
 RuleStep StepOfText(const std::string& text) {
   try {
-    const Json json = Json::parse(text);
+    const Json json = ReadJson(text);
     RuleStep step;
     const auto kind = json.at("kind").get<std::string>();
     std::size_t number = 0;

@@ -13,6 +13,27 @@ constexpr std::int16_t kAudioEvents = 8;
 }  // namespace
 
 void AudioEvents::tell(bool started) {
+  if (started) {
+    ++begun_;
+  } else if (ended_ > 0) {
+    --ended_;
+    return;
+  } else {
+    --begun_;
+  }
+  send(started);
+}
+
+void AudioEvents::endAll() {
+  while (begun_ > 0) {
+    // Counted before it is told: others begin and end while a listener is waited for.
+    --begun_;
+    ++ended_;
+    send(false);
+  }
+}
+
+void AudioEvents::send(bool started) {
   ++telling_;
   const std::vector<EventSink> sinks = house_.eventSinks;  // they may change while one is told
   for (const EventSink& sink : sinks) {

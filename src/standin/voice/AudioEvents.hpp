@@ -12,13 +12,21 @@ class AudioEvents {
 
   /// Returns when all have answered; whoever fails is not told any more.
   void tell(bool started);
+  /// Ends all that have begun: their own ends are not told any more. A player that is given a command has to
+  /// be as its listener knows it, not as it makes room: "pause" has a paused one play, and what was stopped
+  /// would go on with the last speaker's end.
+  void endAll();
   /// While a listener is being told.
   [[nodiscard]] bool telling() const { return telling_ > 0; }
 
  private:
+  void send(bool started);
+
   bus::PollLoop& loop_;
   House& house_;
   int telling_ = 0;
+  int begun_ = 0;  ///< and not ended
+  int ended_ = 0;  ///< before their own end, which is still to come
 };
 
 }  // namespace standin

@@ -26,6 +26,10 @@ class Quiet {
   /// `who` as `VoiceCommands` has him. To begin twice, or to end what was not begun, does nothing.
   void begin(const std::string& who);
   void end(const std::string& who);
+  /// Whether anybody but `who` speaks now.
+  [[nodiscard]] bool hasOthers(const std::string& who) const {
+    return speakers_.size() > (speakers_.contains(who) ? 1U : 0U);
+  }
 
  private:
   static constexpr std::size_t kMost = 20;  ///< beyond that nobody would hear anybody

@@ -38,6 +38,8 @@ class Speech {
   /// the log, unless the speech itself ends before. With `tone`, that comes first. To say nothing never
   /// fails.
   void speak(const std::string& text, bool tone, const Said& said);
+  /// From when a text is to be said until nothing more is.
+  [[nodiscard]] bool speaking() const { return busy_; }
   /// For others that need the room's ear.
   [[nodiscard]] AudioEvents& events() { return events_; }
 

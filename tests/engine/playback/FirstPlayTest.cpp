@@ -9,7 +9,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/common/Fixtures.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace engine::testing {
 namespace {

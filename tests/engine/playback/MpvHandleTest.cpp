@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "base/Failure.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace {
 

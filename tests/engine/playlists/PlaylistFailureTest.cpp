@@ -8,7 +8,7 @@
 #include "base/Failure.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
 #include "files/SyncSpy.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/TempFolder.hpp"
 #include "support/faults/SmallDisk.hpp"
 

@@ -5,7 +5,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/TempFolder.hpp"
 #include "support/faults/SmallDisk.hpp"
 

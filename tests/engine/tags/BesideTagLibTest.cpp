@@ -19,7 +19,7 @@
 #include "engine/common/Fixtures.hpp"
 #include "engine/common/TagBuilder.hpp"
 #include "engine/tags/MediaFile.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace engine::testing {
 namespace {

@@ -10,7 +10,7 @@
 #include "engine/common/TagBuilder.hpp"
 #include "engine/tags/MediaFile.hpp"
 #include "engine/tags/TagFields.hpp"
-#include "support/InChild.hpp"
+#include "support/faults/InChild.hpp"
 
 namespace engine::testing {
 namespace {

@@ -30,7 +30,9 @@ class SpokenTo : public ::testing::Test {
   }
 
   support::SmallMusic music;
-  RealHouse house{{.music = music.path()}};
+  support::TempFolder programs;
+  RealHouse house{{.music = music.path(),
+                   .environment = {"PATH=" + programs.path().string() + ":" + std::getenv("PATH")}}};
 };
 
 TEST_F(SpokenTo, AnAlbumThatIsSaidPlays) {
@@ -52,6 +54,40 @@ TEST_F(SpokenTo, AnAlbumThatIsSaidPlays) {
   }
   EXPECT_TRUE(house.textBecomes("Title", "One"));
   EXPECT_THAT(house.log(), HasSubstr("Voice: play album counting"));
+}
+
+/// A program takes the place of the one that records the room: somebody there says a sentence, again and
+/// again until it is heard.
+TEST_F(SpokenTo, TheRoomIsHeardOnceThatIsWished) {
+  const std::vector<std::int16_t> sentence = support::Spoken("play album counting");
+  ASSERT_FALSE(sentence.empty());
+  std::vector<std::int16_t> sound(32000 + sentence.size() + 24000);
+  for (std::size_t i = 0; i < sound.size(); ++i) {
+    const std::size_t at = i < 32000 ? sentence.size() : i - 32000;
+    sound[i] = static_cast<std::int16_t>((at < sentence.size() ? sentence[at] : 0) +
+                                         static_cast<int>(i * 7919 % 21) - 10);
+  }
+  const std::string file = (programs.path() / "room").string();
+  const std::string program = (programs.path() / "parec").string();
+  std::ofstream(file, std::ios::binary) << ear::SoundContent(sound);
+  std::ofstream(program) << "#!/bin/sh\nexec cat " << file << "\n";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  EXPECT_EQ(support::JsonOf(house.get("/api/voice/room")).value("state", ""), "off");
+  RealHouse::Json told;
+  // The program ends behind its sentence, as a microphone that is pulled out does: it is started again.
+  EXPECT_TRUE(support::Eventually([&] {
+    house.post("/api/voice/room", {{"on", true}});
+    told = support::JsonOf(house.get("/api/voice/room"));
+    return told.contains("last") && told["last"].value("heard", "") == "play album counting";
+  })) << told;
+  if (told["last"].value("kind", "") == "unclear") {
+    EXPECT_EQ(house.say("Play Album Counting"), 200);
+  } else {
+    EXPECT_EQ(told["last"].value("says", ""), "Playing Counting by The Testers") << told;
+  }
+  EXPECT_TRUE(house.textBecomes("Title", "One"));
+  EXPECT_EQ(house.post("/api/voice/room", {{"on", false}}), 200);
+  EXPECT_EQ(support::JsonOf(house.get("/api/voice/room")).value("state", ""), "off");
 }
 
 TEST_F(SpokenTo, SilenceIsNobody) {

@@ -106,6 +106,11 @@ TEST_F(CoversOfDiscs, ComeToNothingWhenTheServiceAnswersAnythingElse) {
       R"({"releases": [{"id": "76df3287-6cda-33eb-8e9a-044b5e15ffdd", "cover-art-archive": {"front": true}}]})";
   EXPECT_FALSE(answered(std::string(std::size_t{2} << 20U, ' ') + good)) << "too long";
   EXPECT_FALSE(answered(std::string(500'000, '['))) << "as deep as it is long";
+  const std::string deep = std::string(500'000, '[') + std::string(500'000, ']');
+  EXPECT_FALSE(answered(R"({"releases": [{"id": "76df3287-6cda-33eb-8e9a-044b5e15ffdd",
+                            "cover-art-archive": )" +
+                        deep + "}]}"))
+      << "well-formed, and deeper than the stack";
   EXPECT_TRUE(answered(std::string(2000, ' ') + good));
 }
 

@@ -65,6 +65,22 @@ class EarOfItsOwn : public testing::Test {
     return told;
   }
 
+  /// What is heard of a sound that has grown.
+  std::optional<Heard> heard(std::unique_ptr<standin::Recogniser::Growing> sound) {
+    std::optional<Heard> told;
+    sound->end([&](const Heard& heard) { told = heard; });
+    eventually([&] { return told.has_value(); });
+    return told;
+  }
+  /// Says it in pieces, while the loop turns.
+  void say(standin::Recogniser::Growing& sound, const std::vector<std::int16_t>& all) {
+    for (std::size_t at = 0; at < all.size(); at += 4000) {
+      sound.more({all.begin() + static_cast<std::ptrdiff_t>(at),
+                  all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), at + 4000))});
+      loop.turn(base::Milliseconds(0));
+    }
+  }
+
   bus::PollLoop loop;
   std::vector<std::int16_t> anything = std::vector<std::int16_t>(16000, 1);
 };

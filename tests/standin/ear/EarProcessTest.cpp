@@ -39,6 +39,63 @@ TEST_F(EarOfItsOwn, HearsWhatItWasTaughtLast) {
   EXPECT_EQ(heard(ear, std::vector<std::int16_t>(16000, 0))->kind, Kind::kSilence);
 }
 
+TEST_F(EarOfItsOwn, WhatIsSaidInPiecesIsHeardAsAWhole) {
+  EarProcess ear(loop, {.program = EAR_PROGRAM});
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const std::vector<std::int16_t> night = support::Spoken("play album night shift");
+  const std::vector<std::int16_t> day = support::Spoken("play album long day");
+  ASSERT_FALSE(night.empty() || day.empty());
+  // Two speak at once, and a third sends all of it in between.
+  auto first = ear.begin();
+  auto second = ear.begin();
+  say(*first, night);
+  say(*second, day);
+  EXPECT_EQ(heard(ear, day)->words, "play album long day");
+  EXPECT_EQ(heard(std::move(second))->words, "play album long day");
+  EXPECT_EQ(heard(std::move(first))->words, "play album night shift");
+  EXPECT_EQ(heard(ear.begin())->kind, Kind::kSilence) << "of nothing";
+}
+
+TEST_F(EarOfItsOwn, WhatIsDroppedInTheMiddleIsForgotten) {
+  EarProcess ear(loop, {.program = EAR_PROGRAM});
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  auto dropped = ear.begin();
+  say(*dropped, support::Spoken("play album night shift"));
+  dropped.reset();
+  auto next = ear.begin();
+  say(*next, support::Spoken("play album long day"));
+  EXPECT_EQ(heard(std::move(next))->words, "play album long day");
+}
+
+TEST_F(EarOfItsOwn, OneThatDiesWhileSomebodySpeaksIsStartedAndHearsAllOfIt) {
+  EarProcess::Options options{.program = EAR_PROGRAM};
+  options.pause = base::Milliseconds(0);
+  EarProcess ear(loop, options);
+  ear.learn(NetworkFor("Play Album (Night Shift|Long Day)"));
+  auto early = ear.begin();  // nobody hears yet
+  ASSERT_TRUE(becomes(ear, State::kReady));
+  const std::vector<std::int16_t> sound = support::Spoken("play album night shift");
+  say(*early, sound);
+  EXPECT_EQ(heard(std::move(early))->words, "play album night shift");
+
+  auto cut = ear.begin();
+  say(*cut, {sound.begin(), sound.begin() + 16000});
+  ::kill(ear.process(), SIGKILL);
+  ASSERT_TRUE(becomes(ear, State::kFailed));
+  say(*cut, {sound.begin() + 16000, sound.end()});
+  EXPECT_EQ(heard(std::move(cut))->words, "play album night shift");
+
+  auto relearnt = ear.begin();
+  say(*relearnt, {sound.begin(), sound.begin() + 16000});
+  const pid_t before = ear.process();
+  ear.learn(NetworkFor("Play Album (Night Shift|Other Names)"));
+  ASSERT_TRUE(eventually([&] { return ear.process() != before; }));
+  say(*relearnt, {sound.begin() + 16000, sound.end()});
+  EXPECT_EQ(heard(std::move(relearnt))->words, "play album night shift");
+}
+
 TEST_F(EarOfItsOwn, OneThatDiesIsToldAndStartedAgain) {
   EarProcess::Options options{.program = EAR_PROGRAM};
   options.pause = base::Milliseconds(0);

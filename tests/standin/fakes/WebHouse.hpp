@@ -98,6 +98,9 @@ class WebHouse {
   standin::Quiet quiet_{loop_, speech_.events()};
   standin::NoRecogniser recogniser_{"There is no recogniser"};
   standin::VoiceCommands voiceCommands_{{loop_, house_, objects_, plugin_, library_, speech_, recogniser_}};
+  standin::Utterances utterances_{loop_, voiceCommands_};
+  const std::vector<standin::CaptureProgram> noPrograms_;
+  standin::RoomMicrophone room_{{loop_, house_, voiceCommands_, quiet_, speech_, noPrograms_}};
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
   standin::Visitors visitors_{house_.users, false};
   std::optional<standin::RefusedPosts> refused_;
@@ -110,10 +113,10 @@ class WebHouse {
       standin::Joined(
           {standin::HouseRoutes(house_, plugin_, visitors_),
            standin::DeviceRoutes(house_, objects_, plugin_, library_), standin::DialogRoutes(dialog_),
-           standin::VoiceRoutes(house_, voiceCommands_, quiet_), standin::LibraryRoutes(library_, search_),
-           standin::PlayerRoutes(nowPlaying_, playlists_), standin::PlaylistRoutes(playlists_, library_),
-           standin::CoverRoutes(covers_), standin::CoverServiceRoutes(discs_, "127.0.0.1"),
-           standin::ScriptRoutes(scripts_, runner_),
+           standin::VoiceRoutes({house_, voiceCommands_, utterances_, quiet_, room_}),
+           standin::LibraryRoutes(library_, search_), standin::PlayerRoutes(nowPlaying_, playlists_),
+           standin::PlaylistRoutes(playlists_, library_), standin::CoverRoutes(covers_),
+           standin::CoverServiceRoutes(discs_, "127.0.0.1"), standin::ScriptRoutes(scripts_, runner_),
            standin::EventRoutes({house_, rules_, evaluations_, words_, control_, scripts_}),
            standin::UserRoutes(house_, visitors_, gate_, [this] { return time_.load(); }),
            standin::PageRoutes(house_, plugin_)})};

@@ -156,7 +156,7 @@ TEST(Grammar, WhatMayBeLeftOutBehindANearNameStandsInTheWholeSentence) {
   EXPECT_THAT(speech.near("say nigth shift"), IsEmpty()) << "a word is missing behind it";
 }
 
-TEST(Grammar, BeyondAMillionWaysNamesAreEnteredAsTheyAreWritten) {
+TEST(Grammar, BeyondAMillionWaysNamesAreEnteredAsTheyAreWrittenAndSaidFirst) {
   constexpr int kNames = 30000;
   std::string text = "Play Album (";
   for (int i = 0; i < kNames; ++i) {
@@ -164,14 +164,15 @@ TEST(Grammar, BeyondAMillionWaysNamesAreEnteredAsTheyAreWritten) {
     for (const int part : {i, i * 7, i * 13}) text += std::to_string(1000 + part % 9000) + " ";
   }
   const Speech speech({"Play (1984)", text + ")", "Stop (1984)"});
-  EXPECT_LE(speech.grammar.graph().arcs().size(), Grammar::kMostArcs + 3U * kNames + 10U);
+  EXPECT_LE(speech.grammar.graph().arcs().size(), Grammar::kMostArcs + 15U * kNames + 10U);
   EXPECT_EQ(speech.grammar.asWritten(1), 0U);
-  EXPECT_GT(speech.grammar.asWritten(2), kNames / 2U);
+  EXPECT_GT(speech.grammar.asWritten(2), 1000U);
   EXPECT_LT(speech.grammar.asWritten(2), static_cast<std::size_t>(kNames));
   EXPECT_EQ(speech.grammar.asWritten(3), 1U);
   EXPECT_THAT(speech.of("play nineteen eighty four"), ElementsAre("1: Play 1984"));
   EXPECT_THAT(speech.of("stop 1984"), ElementsAre("3: Stop 1984"));
-  EXPECT_THAT(speech.of("stop nineteen eighty four"), IsEmpty());
+  EXPECT_THAT(speech.of("stop nineteen eighty four"), ElementsAre("3: Stop 1984"));
+  EXPECT_THAT(speech.of("stop one nine eight four"), IsEmpty());
   for (const int i : {0, 1, 8999, kNames - 1}) {
     std::string name;
     for (const int part : {i, i * 7, i * 13}) name += " " + std::to_string(1000 + part % 9000);

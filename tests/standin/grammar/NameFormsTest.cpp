@@ -90,10 +90,42 @@ TEST(NameForms, ShortWordsAreSaidInFull) {
   EXPECT_THAT(Ways("Rock 'n' Roll"), Contains("rock and roll"));
 }
 
+/// How many of its ways hold no digit.
+std::size_t Sayable(const std::string& name) {
+  const std::vector<std::string> ways = Ways(name);
+  return static_cast<std::size_t>(std::count_if(ways.begin(), ways.end(), [](const std::string& way) {
+    return way.find_first_of("0123456789") == std::string::npos;
+  }));
+}
+
+TEST(NameForms, ANameOfManyNumbersCanBeSaidAndIsSaidAsPeopleDoFirst) {
+  const std::vector<std::pair<std::string, std::string>> natural{
+      {"Complete Recordings 1950 1962 Vol 13",
+       "complete recordings nineteen fifty nineteen sixty two volume thirteen"},
+      {"String Quartet No 15 in A minor Op 132",
+       "string quartet number fifteen in a minor opus one hundred thirty two"},
+      {"Symphony No 104 in D major Op 102 No 3",
+       "symphony number one hundred four in d major opus one hundred two number three"},
+      {"Best of 1999 2005 Vol 2", "best of nineteen ninety nine twenty oh five volume two"},
+      {"1001 1002 1003", "ten oh one ten oh two ten oh three"},
+      {"Greatest 80s Hits 1981 1989 Pt 2",
+       "greatest eighties hits nineteen eighty one nineteen eighty nine part two"}};
+  for (const auto& [name, said] : natural) {
+    EXPECT_EQ(Ways(name).size(), kMostForms);
+    EXPECT_EQ(Ways(name)[1], said);
+    EXPECT_GE(Sayable(name), kMostForms * 2 / 3) << name;
+  }
+  EXPECT_THAT(Ways("1001 1002 1003"), Contains("one thousand one ten oh two ten oh three"));
+  EXPECT_EQ(FormsOf("Blue Vol 13")[1], (NameForm{"blue volume thirteen", 2}));
+  EXPECT_EQ(FormsOf("Quartet No 15 in A minor Op 132", 2)[1].words,
+            "quartet number fifteen in a minor opus one hundred thirty two");
+}
+
 TEST(NameForms, ALongNameHasNoEndOfWays) {
   std::string name;
   for (int i = 0; i < 12; ++i) name += "1984 ";
   EXPECT_EQ(FormsOf(name).size(), kMostForms);
+  EXPECT_GE(Sayable(name), kMostForms * 2 / 3);
   for (int i = 0; i < 10000; ++i) name += "1984 ";
   EXPECT_EQ(FormsOf(name).size(), 1U);
 }

@@ -24,11 +24,15 @@ namespace support {
 class FakeRecogniser : public standin::Recogniser {
  public:
   void learn(ear::SpeechNetwork network) override { learnt.push_back(std::move(network)); }
-  void hear(std::vector<std::int16_t> /*sound*/, Told told) override { asked.push_back(std::move(told)); }
+  void hear(std::vector<std::int16_t> sound, Told told) override {
+    sounds.push_back(std::move(sound));
+    asked.push_back(std::move(told));
+  }
   void retry() override { ++retried; }
   [[nodiscard]] Status status() const override { return {.state = State::kReady}; }
 
   std::vector<ear::SpeechNetwork> learnt;
+  std::vector<std::vector<std::int16_t>> sounds;  ///< all that it was given
   std::deque<Told> asked;
   int retried = 0;
 };

@@ -46,6 +46,10 @@ TEST(Network, HasAllSentencesThatCanBePronounced) {
   EXPECT_THAT(Sentences(NetworkFor("")), UnorderedElementsAre("first", "second", "third", "yes", "no"));
 }
 
+TEST(Network, HasNamesOfSeveralNumbers) {
+  EXPECT_THAT(NetworkFor("Play (1001 1002 1003)").words, Contains("thousand"));
+}
+
 TEST(Network, LeavesNoPlaceThatLeadsNowhere) {
   const ear::SpeechNetwork network = NetworkFor("Play Album (Москва|Blue 7 Москва|Blue)");
   EXPECT_THAT(network.words, ElementsAre("play", "album", "blue", "first", "second", "third", "yes", "no"));
@@ -137,6 +141,25 @@ TEST(Network, HoldsFortyThousandNames) {
   const std::string content = ear::Encoded(audible.network);
   EXPECT_LT(content.size(), ear::kLongestMessage / 50);
   EXPECT_EQ(ear::NetworkIn(content), audible.network);
+}
+
+TEST(Network, NamesOfManyWaysAreHeardInOneEachWhereThereIsNotRoomForAll) {
+  std::string text = "Play Album (";
+  for (int i = 0; i < 10000; ++i)
+    text += (i == 0 ? "" : "|") + std::string("Symphony No ") + std::to_string(i % 104 + 1) +
+            " in C minor Op " + std::to_string(i / 104 + 1) + " No " + std::to_string(i % 7 + 1);
+  const Audible audible = AudibleFor({text + "|Москва|Казань)", "Stop 7"});
+  EXPECT_THAT(audible.leftOut, testing::IsEmpty());
+  EXPECT_THAT(audible.inOneWay, ElementsAre(1));
+  EXPECT_THAT(audible.unsayable, ElementsAre(std::pair(1, 2U)));
+  EXPECT_LT(audible.network.arcs.size(), AudibleLimits().arcs);
+  const Audible some =
+      AudibleFor({"Play (7|No 104 Op 102 No 3)", Repeated("(Blue|Red) ", 20)}, {.arcs = 100});
+  EXPECT_THAT(some.inOneWay, ElementsAre(1));
+  EXPECT_THAT(
+      Sentences(AudibleFor({"Play (7|No 104 Op 102 No 3)"}, {.arcs = 30}).network),
+      UnorderedElementsAre("play seven", "play number one hundred four opus one hundred two number three",
+                           "first", "second", "third", "yes", "no"));
 }
 
 TEST(Network, GoesOverAPipeAsItIs) {

@@ -64,6 +64,31 @@ TEST_F(SpokenCommands, WhatIsHeardTooLateIsNotDone) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }
 
+TEST_F(SpokenCommands, WhatAPlayerThatHangsWouldDoTooLateIsNotDone) {
+  house.eventSinks = {{8, std::make_shared<support::TableOf>(
+                              "vxif", std::vector<base::Member>{{"VXEvent",
+                                                                 base::MemberKind::kOperation,
+                                                                 {{"parms", base::Type::kArray}},
+                                                                 base::Type::kNone,
+                                                                 [this](base::Args& args) {
+                                                                   if (args[0].array()[1] ==
+                                                                       base::Value(false))
+                                                                     passed += std::chrono::seconds(26);
+                                                                   return base::Value();
+                                                                 }}})}};
+  speech.events().tell(true);
+  const Understanding told = spoken("play night shift", 0.9);
+  EXPECT_EQ(told.kind, Kind::kFailed);
+  EXPECT_THAT(told.says, HasSubstr("That took too long: nothing was done"));
+  EXPECT_THAT(done(), IsEmpty());
+  EXPECT_EQ(spoken("play night shift", 0.9).kind, Kind::kDone);
+}
+
+TEST_F(SpokenCommands, WhatIsSpokenAndFitsNothingIsNotAdvisedToTryWhatIsNotHeard) {
+  EXPECT_EQ(spoken("play album", 0.9).says, "That was not understood");
+  EXPECT_THAT(say("play album").says, HasSubstr("Try “stop”"));
+}
+
 TEST_F(SpokenCommands, ASoundThatIsNotUnderstoodLeavesTheQuestionOpen) {
   question();
   EXPECT_EQ(spoken("play night shift", 0.1).kind, Kind::kUnknown) << "a cough";
@@ -118,6 +143,19 @@ TEST_F(SpokenCommands, AQuestionIsAnsweredByVoice) {
   EXPECT_EQ(spoken("no", 0.9).says, "Nothing was done");
   EXPECT_EQ(spoken("first", 0.9).kind, Kind::kUnknown) << "it has been answered";
   EXPECT_EQ(done().size(), 3U);
+}
+
+TEST_F(SpokenCommands, AnAnswerThatIsNoneOfThoseAskedForIsAskedAgain) {
+  question();
+  const Understanding third = say("the third one");
+  EXPECT_EQ(third.kind, Kind::kUnclear);
+  EXPECT_EQ(third.says, "There is no third one. Did you mean “Play Night Shift” or “Play Night Shirt”?");
+  EXPECT_EQ(third.choices.size(), 2U);
+  EXPECT_EQ(spoken("second", 0.9).command, "Play Night Shirt") << "it can still be answered";
+  spoken("play night shift", 0.5);
+  EXPECT_EQ(spoken("second", 0.9).says, "There is no second one. Did you mean “Play Night Shift”?");
+  EXPECT_EQ(say("no").says, "Nothing was done");
+  EXPECT_THAT(done(), ElementsAre("Play Night Shirt"));
 }
 
 TEST_F(SpokenCommands, AQuestionIsOpenForAMinute) {

@@ -12,6 +12,7 @@
 #include "standin/hostobjects/EventObject.hpp"
 #include "support/BusPeer.hpp"
 #include "support/TempFolder.hpp"
+#include "support/TestCertificate.hpp"
 
 namespace standin {
 namespace {
@@ -395,6 +396,24 @@ TEST_F(Host, GetUrlAsksTheHouseItselfForCoversWhereItsMachineIsNamedWithoutAPort
             }),
             0)
       << "a port that is named is kept";
+  web.stop();
+  thread.join();
+}
+
+TEST_F(Host, GetUrlAsksAHouseThatSpeaksHttpsByItsCertificate) {
+  const support::TestCertificate made(folder.path());
+  httplib::SSLServer web(made.certificate.c_str(), made.key.c_str());
+  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
+    response.set_content("a cover", "image/jpeg");
+  });
+  house.webPort = web.bind_to_any_port("127.0.0.1");
+  std::thread thread([&] { web.listen_after_bind(); });
+  constexpr std::int16_t kUsual = 80;
+  const base::Array asked{"http://127.0.0.1", "/cover/?large=x", false, kUsual};
+  house.webCertificate = made.certificate;
+  EXPECT_EQ(text("GetUrl", asked), "a cover");
+  house.webCertificate.clear();
+  EXPECT_NE(support::FailureNumberOf([&] { call("GetUrl", asked); }), 0) << "it speaks nothing else";
   web.stop();
   thread.join();
 }

@@ -214,6 +214,23 @@ TEST(Users, ASessionLivesUntilItsEndOrAPasswordChange) {
   EXPECT_FALSE(users.ofSession(again).has_value());
 }
 
+TEST(Users, AClockThatIsSetBackKeepsNoSessionAlive) {
+  const support::TempFolder folder;
+  std::int64_t wall = 1'000'000'000;
+  std::int64_t sinceBoot = 100;
+  House house(folder.path());
+  Users users(
+      house.database, [&] { return wall; }, [&] { return sinceBoot; });
+  const std::string token = users.begin(kFirstUser);
+  wall -= 365LL * 24 * 3600;
+  sinceBoot += 29LL * 24 * 3600;
+  EXPECT_TRUE(users.ofSession(token).has_value());
+  sinceBoot += 2LL * 24 * 3600;
+  EXPECT_FALSE(users.ofSession(token).has_value());
+  const std::string later = users.begin(kFirstUser);
+  EXPECT_TRUE(users.ofSession(later).has_value());
+}
+
 TEST(Users, TheOldestSessionsMakeRoom) {
   const support::TempFolder folder;
   std::int64_t now = 1000;

@@ -43,6 +43,26 @@ TEST(LiveFeed, AReaderThatFallsBehindIsToldToLoadAnew) {
   EXPECT_THAT(reader.wait(kAtOnce), EndsWith("event: n\ndata: 6\n\n"));
 }
 
+TEST(LiveFeed, KeepsSoManyBytesOfEvents) {
+  LiveFeed feed({.bytes = 1000});
+  LiveFeed::Reader reader(feed);
+  for (int i = 0; i < 4; ++i) feed.tell("n", std::string(300, 'x'));
+  EXPECT_THAT(reader.wait(kAtOnce), EndsWith(kReload)) << "the first is gone";
+  feed.tell("n", std::string(300, 'y'));
+  EXPECT_THAT(reader.wait(kAtOnce), HasSubstr(std::string(300, 'y')));
+}
+
+TEST(LiveFeed, AnEventThatIsTooLongHasThePagesLoadAnew) {
+  LiveFeed feed({.longest = 100});
+  LiveFeed::Reader reader(feed);
+  feed.tell("n", std::string(200, 'x'));
+  const std::string heard = reader.wait(kAtOnce);
+  EXPECT_THAT(heard, EndsWith(kReload));
+  EXPECT_THAT(heard, Not(HasSubstr("x")));
+  feed.tell("n", "short");
+  EXPECT_THAT(reader.wait(kAtOnce), EndsWith("event: n\ndata: short\n\n"));
+}
+
 TEST(LiveFeed, APageWhoseStreamWasCutHearsWhatItHasMissedOnce) {
   LiveFeed feed;
   std::string last;

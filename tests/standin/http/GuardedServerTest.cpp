@@ -4,12 +4,21 @@
 
 #include <gtest/gtest.h>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <condition_variable>
+#include <fstream>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
 #include "files/Descriptor.hpp"
 #include "standin/fakes/LocalConnection.hpp"
+#include "support/Process.hpp"
 
 namespace {
 
@@ -21,7 +30,13 @@ class AGuardedServer : public testing::Test {
     server.Get("/", [](const httplib::Request&, httplib::Response& response) {
       response.set_content("here", "text/plain");
     });
-    port = server.bind_to_any_port("127.0.0.1");
+    port = server.bind("127.0.0.1", 0);
+    server.Get("/wait", [this](const httplib::Request&, httplib::Response&) {
+      std::unique_lock lock(mutex);
+      ++atWork;
+      changed.notify_all();
+      changed.wait(lock, [this] { return over; });
+    });
     thread = std::thread([this] { server.listen_after_bind(); });
   }
   void TearDown() override { end(); }
@@ -38,6 +53,7 @@ class AGuardedServer : public testing::Test {
   }
 
   standin::GuardedServer server{standin::WebLimits{.connections = 8,
+                                                   .queued = 64,
                                                    .threads = 8,
                                                    .whole = kForEver,
                                                    .idle = kForEver,
@@ -45,6 +61,10 @@ class AGuardedServer : public testing::Test {
                                                    .answered = kForEver}};
   int port = 0;
   std::thread thread;
+  std::mutex mutex;
+  std::condition_variable changed;
+  int atWork = 0;
+  bool over = false;
 };
 
 }  // namespace
@@ -66,4 +86,53 @@ TEST_F(AGuardedServer, EndsThoughConnectionsAreSilent) {
   for (int i = 0; i < 30; ++i) others.push_back(silent());
   end();
   EXPECT_FALSE(server.is_running());
+}
+
+TEST_F(AGuardedServer, ClosesWhatItHasNoRoomToQueue) {
+  std::vector<std::unique_ptr<files::Descriptor>> others;
+  const std::string request = "GET /wait HTTP/1.1\r\nHost: localhost\r\n\r\n";
+  for (int i = 0; i < 8; ++i) others.push_back(support::ConnectionTo(port, request));
+  {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return atWork == 8; });
+  }
+  // 8 that are at work, 64 that wait: the others are closed, whether or not they have said anything.
+  std::vector<std::unique_ptr<files::Descriptor>> late;
+  for (int i = 0; i < 300; ++i) late.push_back(support::ConnectionTo(port, ""));
+  // Reading ends when a connection is closed, and not before.
+  const auto closed = [&](std::size_t each) {
+    char none = 0;
+    return ::recv(late.at(each)->get(), &none, 1, 0) <= 0;
+  };
+  for (std::size_t i = 64; i < late.size(); ++i) EXPECT_TRUE(closed(i)) << i;
+  {
+    const std::lock_guard lock(mutex);
+    over = true;
+  }
+  changed.notify_all();
+  others.clear();
+  late.clear();
+  httplib::Client client("127.0.0.1", port);
+  client.set_read_timeout(120);
+  EXPECT_TRUE(support::Eventually([&] {
+    const auto answer = client.Get("/");
+    return answer && answer->body == "here";
+  }));
+}
+
+TEST_F(AGuardedServer, LetsTheSystemTakeManyConnectionsAtOnce) {
+  // Of the sockets of this process that listen, the one on the port.
+  int backlog = 0;
+  for (int each = 3; each < 200; ++each) {
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    tcp_info info{};
+    socklen_t infoSize = sizeof info;
+    if (::getsockname(each, reinterpret_cast<sockaddr*>(&address), &size) != 0 ||
+        ntohs(address.sin_port) != port || ::getsockopt(each, IPPROTO_TCP, TCP_INFO, &info, &infoSize) != 0 ||
+        info.tcpi_state != TCP_LISTEN)
+      continue;
+    backlog = static_cast<int>(info.tcpi_sacked);
+  }
+  EXPECT_GE(backlog, 128);
 }

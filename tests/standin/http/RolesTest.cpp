@@ -102,9 +102,10 @@ TEST_F(Roles, GuestsLookAndUseDevicesAndNothingElse) {
                            "/api/library", "/api/live", "/api/log", "/api/player", "/api/playlist",
                            "/api/playlists", "/api/search", "/api/state", "/api/values", "/api/voice",
                            "/api/voice/choices", "/api/volume"));
-  EXPECT_THAT(linesFor(Method::kGet, Role::kOwner),
-              testing::ElementsAre("/api/covers/services", "/api/dialog", "/api/dialog/options",
-                                   "/api/script", "/api/script/run", "/api/scripts", "/api/voice/pattern"));
+  EXPECT_THAT(
+      linesFor(Method::kGet, Role::kOwner),
+      testing::ElementsAre("/api/covers/services", "/api/dialog", "/api/dialog/options", "/api/script",
+                           "/api/script/run", "/api/scripts", "/api/voice/pattern", "/api/voice/room"));
 }
 
 TEST_F(Roles, AGuestTurnsALampOfTheHouseOnThoughThereIsNoPlugin) {

@@ -25,10 +25,47 @@ class SaidToServer : public Server {
     ASSERT_EQ(web.post("/api/voice/pattern", {{"event", event.at("id")}, {"pattern", text}}), 200);
   }
 
-  FakePlugin plugin{bus.address(), furnishing()};
+  /// A plug-in that also writes down when it has to make room.
+  FakePlugin::Manner makingRoom() {
+    FakePlugin::Manner manner = furnishing();
+    manner.more = {{"VXEvent",
+                    base::MemberKind::kOperation,
+                    {{"parms", base::Type::kArray}},
+                    base::Type::kNone,
+                    [this](base::Args& args) {
+                      const bool started = args[0].array()[1] == base::Value(true);
+                      plugin.note(started ? "makes room" : "comes back");
+                      return base::Value();
+                    }}};
+    return manner;
+  }
+
+  FakePlugin plugin{bus.address(), makingRoom()};
   ServerProcess server{bus.address(), data};
   WebClient web{server};
 };
+
+TEST_F(SaidToServer, PlayersMakeRoomForWhoSpeaksAndAreBackBeforeTheCommand) {
+  const auto calls = [&] {
+    std::vector<std::string> all;
+    for (const std::string& call : plugin.calls())
+      if (call.starts_with("SetIO") || call == "makes room" || call == "comes back") all.push_back(call);
+    return all;
+  };
+  using Calls = std::vector<std::string>;
+  ASSERT_EQ(web.post("/api/voice/quiet", {{"on", true}}), 200);
+  ASSERT_EQ(web.post("/api/voice", {{"text", "play blue"}}), 200);
+  EXPECT_EQ(calls(), (Calls{"makes room", "comes back", "SetIO Quick Album Q 12 13 0 0 0 after Play Blue"}));
+  ASSERT_EQ(web.post("/api/voice/quiet", {{"on", false}}), 200);
+  EXPECT_EQ(calls().size(), 3U) << "it has come back already";
+  ASSERT_EQ(web.post("/api/voice/quiet", {{"on", true}}), 200);
+  ASSERT_EQ(web.post("/api/voice/quiet", {{"on", false}}), 200);
+  ASSERT_EQ(web.post("/api/voice/quiet", {{"on", true}}), 200);
+  EXPECT_EQ(web.postText("/api/voice/listen", "abcd", "audio/l16;rate=48000", {{"Origin", web.origin()}}),
+            415);
+  EXPECT_TRUE(Eventually([&] { return calls().size() == 7; }));
+  EXPECT_EQ(calls().back(), "comes back") << "a sound that is none ends it, too";
+}
 
 TEST_F(SaidToServer, TellsWhatCanBeSaidAndLetsTheOwnerChangeIt) {
   json told = support::JsonOf(web.get("/api/voice")->body);
@@ -54,6 +91,46 @@ TEST_F(SaidToServer, TellsWhatCanBeSaidAndLetsTheOwnerChangeIt) {
   EXPECT_EQ(support::JsonOf(web.get("/api/voice/pattern?event=" + id)->body).at("pattern"), "Play (Red|Blue");
   EXPECT_EQ(web.post("/api/voice", {{"text", "play red"}}), 200);
   EXPECT_EQ(web.post("/api/voice/pattern", {{"event", 999}, {"pattern", "x"}}), 404);
+}
+
+TEST_F(SaidToServer, OfTwoWhoChangeOnePatternTheSecondIsTold) {
+  const json event = support::JsonOf(web.get("/api/voice")->body).at("events")[0];
+  EXPECT_EQ(event.at("anew"), true);
+  const auto put = [&](const json& base, const char* pattern) {
+    return web.post("/api/voice/pattern", {{"event", event.at("id")}, {"pattern", pattern}, {"base", base}});
+  };
+  EXPECT_EQ(put(event.at("version"), "Play Red"), 200);
+  const json version = support::JsonOf(web.last).at("version");
+  EXPECT_EQ(put(event.at("version"), "Play Green"), 409);
+  EXPECT_EQ(support::JsonOf(web.last).at("error"),
+            "Somebody else has changed this meanwhile. Yours is kept, but not saved");
+  const std::string id = std::to_string(event.at("id").get<int>());
+  const json stored = support::JsonOf(web.get("/api/voice/pattern?event=" + id)->body);
+  EXPECT_EQ(stored.at("pattern"), "Play Red");
+  EXPECT_EQ(stored.at("version"), version);
+  EXPECT_EQ(put(version, "Play Green"), 200);
+}
+
+TEST_F(SaidToServer, TellsOfAFoolishPatternOnlySoMuch) {
+  std::string flat;
+  for (int i = 0; i < 50'000; ++i) flat += "[a] ";
+  pattern(flat);
+  std::string body = web.get("/api/voice")->body;
+  EXPECT_LT(body.size(), 20'000U);
+  const json sentence = support::JsonOf(body).at("events")[0].at("tree")[0];
+  ASSERT_EQ(sentence.size(), 101U);
+  EXPECT_EQ(sentence.back(), json({{"more", 49'900}}));
+
+  std::string wide = "a";
+  for (int depth = 0; depth < 3; ++depth) {
+    std::string all;
+    for (int i = 0; i < 30; ++i) all += "[" + wide + "] ";
+    wide = all;
+  }
+  pattern(wide);
+  body = web.get("/api/voice")->body;
+  EXPECT_LT(body.size(), 500'000U);
+  EXPECT_EQ(support::JsonOf(body).at("events")[0].at("tree")[0].at(0).at("optional")[0].size(), 30U);
 }
 
 TEST_F(SaidToServer, AsksBackWhereTwoAreMeantAndTakesTheAnswer) {
@@ -112,6 +189,30 @@ TEST_F(SaidToServer, SoundOfAnotherKindIsRefused) {
   EXPECT_EQ(
       web.postText("/api/voice/listen", std::string((1U << 20U) + 2, 'x'), "audio/l16;rate=16000", from),
       413);
+}
+
+TEST_F(SaidToServer, SoundIsTakenInPieces) {
+  const httplib::Headers from{{"Origin", web.origin()}};
+  ASSERT_EQ(web.post("/api/voice/listen/begin", json::object()), 200);
+  const auto id = support::JsonOf(web.last).at("id").get<int>();
+  const auto more = [&](int samples, int at) {
+    return web.postText("/api/voice/listen/more?id=" + std::to_string(id) + "&at=" + std::to_string(at),
+                        std::string(static_cast<std::size_t>(samples) * 2, '\0'), "audio/l16;rate=16000",
+                        from);
+  };
+  EXPECT_EQ(more(16000, 0), 200) << web.last;
+  EXPECT_EQ(more(16000, 16000), 200) << web.last;
+  EXPECT_EQ(more((64 << 10) / 2 + 1, 32000), 413);
+  EXPECT_EQ(web.postText("/api/voice/listen/more", "abcd", "audio/l16;rate=8000", from), 415);
+  EXPECT_EQ(web.post("/api/voice/listen/end", {{"id", id}, {"samples", 32000}}), 404) << web.last;
+  EXPECT_EQ(support::JsonOf(web.last).at("kind"), "silence") << "all of it is";
+  EXPECT_EQ(web.post("/api/voice/listen/end", {{"id", id}, {"samples", 32000}}), 404);
+  EXPECT_EQ(support::JsonOf(web.last).at("error"), "What was being said is forgotten. Say it again");
+  EXPECT_EQ(more(10, 32000), 404);
+  ASSERT_EQ(web.post("/api/voice/listen/begin", json::object()), 200);
+  const json begun = support::JsonOf(web.last);
+  EXPECT_EQ(web.post("/api/voice/listen/end", {{"id", begun.at("id")}, {"samples", 1}}), 409);
+  EXPECT_EQ(support::JsonOf(web.last).at("error"), "A piece of the sound is missing. Say it again");
 }
 
 TEST_F(SaidToServer, AGuestWakesNoEarAndHearsNothingOfTheMachine) {

@@ -64,4 +64,32 @@ TEST(Strangers, WhoGuessPasswordsAreSlowedDownAndNobodyElseIs) {
   EXPECT_EQ(tries("owner", "s3cret-enough"), 200);
 }
 
+TEST(Strangers, WhoGuessFromManyAddressesAreSlowedDownTogetherAndTheOwnerIsNot) {
+  support::WebHouse house;
+  house.onLoop([](standin::House& all) {
+    all.users.setHash(standin::kFirstUser, standin::HashPassword("s3cret-enough"));
+  });
+  WebClient owner(house.port());
+  owner.cookie = house.sessionOf("owner");
+  const auto triesFrom = [&](int address, const char* password) {
+    WebClient stranger(house.port());
+    stranger.raw().set_interface("127.0.1." + std::to_string(address));
+    return stranger.post("/api/login", {{"name", "owner"}, {"password", password}});
+  };
+  for (int i = 1; i <= 60; ++i) EXPECT_EQ(triesFrom(i, "wrong"), 403) << i;
+  EXPECT_EQ(triesFrom(61, "s3cret-enough"), 429);
+  EXPECT_EQ(owner.post("/api/password", {{"old", "s3cret-enough"}, {"password", "another-one"}}), 200);
+  EXPECT_EQ(owner.post("/api/login", {{"name", "owner"}, {"password", "another-one"}}), 200);
+  house.wait(std::chrono::seconds(1));
+  EXPECT_EQ(triesFrom(61, "another-one"), 200);
+}
+
+TEST(Strangers, ANameThatNobodyCouldHaveIsWrong) {
+  support::WebHouse house;
+  WebClient stranger(house.port());
+  for (int i = 0; i < 20; ++i)
+    EXPECT_EQ(stranger.post("/api/login", {{"name", std::string(60'000, 'x')}, {"password", ""}}), 403);
+  EXPECT_EQ(stranger.post("/api/login", {{"name", std::string(60'000, 'x')}, {"password", ""}}), 429);
+}
+
 }  // namespace

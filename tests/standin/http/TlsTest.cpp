@@ -2,6 +2,8 @@
 #include "standin/http/Tls.hpp"
 
 #include <gtest/gtest.h>
+#include <openssl/ssl.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <memory>
@@ -17,6 +19,7 @@
 #include "standin/http/GuardedServer.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/FailureNumber.hpp"
+#include "support/Process.hpp"
 #include "support/TempFolder.hpp"
 #include "support/TestCertificate.hpp"
 
@@ -24,6 +27,7 @@ namespace standin {
 namespace {
 
 using support::ConnectionTo;
+using support::Eventually;
 
 constexpr std::chrono::seconds kForEver = std::chrono::hours(24);
 
@@ -37,8 +41,10 @@ std::string AllOf(const files::Descriptor& socket) {
 
 class Https : public testing::Test {
  protected:
-  Https() {
+  explicit Https(support::TestCertificate::Kind kind = support::TestCertificate::Kind::kElliptic)
+      : made(folder.path(), "house", kind) {
     server.speakAs(std::make_unique<TlsIdentity>(made.certificate, made.key));
+    server.set_payload_max_length(std::size_t{4} << 20U);
     server.Get("/", [](const httplib::Request&, httplib::Response& response) {
       response.set_content("here", "text/plain");
     });
@@ -62,7 +68,7 @@ class Https : public testing::Test {
   }
 
   support::TempFolder folder;
-  support::TestCertificate made{folder.path()};
+  support::TestCertificate made;
   GuardedServer server{WebLimits{.connections = 8,
                                  .threads = 8,
                                  .whole = kForEver,
@@ -86,7 +92,8 @@ TEST_F(Https, PagesAndBodiesGoBothWays) {
 
 TEST_F(Https, ABodyThatIsTooLargeIsAnsweredAndTheServerGoesOn) {
   const auto refused = browser()->Post("/size", std::string(std::size_t{5} << 20U, 'y'), "text/plain");
-  EXPECT_TRUE(!refused || refused->status >= 400) << refused->status;
+  ASSERT_TRUE(refused) << refused.error();
+  EXPECT_EQ(refused->status, 413);
   const auto page = browser()->Get("/");
   ASSERT_TRUE(page) << page.error();
   EXPECT_EQ(page->status, 200);
@@ -137,14 +144,57 @@ TEST(TlsIdentity, SaysWhatIsWrongWithItsFiles) {
   EXPECT_EQ(number(house.key, house.key), base::number::kInvalidArgument) << "no certificate";
   EXPECT_EQ(number(house.certificate, house.certificate), base::number::kInvalidArgument) << "no key";
   EXPECT_EQ(number(house.certificate, other.key), base::number::kInvalidArgument) << "another one's key";
+  const support::TestCertificate rsa(folder.path(), "rsa", support::TestCertificate::Kind::kRsa);
+  EXPECT_NO_THROW(TlsIdentity(rsa.certificate, rsa.key));
+  EXPECT_EQ(number(rsa.certificate, house.key), base::number::kInvalidArgument) << "a key of another kind";
+  EXPECT_EQ(number(house.certificate, rsa.key), base::number::kInvalidArgument);
   EXPECT_EQ(number(house.certificate, house.lockedKey), base::number::kInvalidArgument)
       << "nobody is asked for a password";
+}
+
+TEST(TlsIdentity, KnowsWhoMayReadItsKey) {
+  const support::TempFolder folder;
+  const std::string key = (folder.path() / "key.pem").string();
+  files::WriteFile(key, "a key");
+  for (const auto& [mode, anybody] : {std::pair(0600, false), {0640, false}, {0644, true}, {0604, true}}) {
+    ASSERT_EQ(::chmod(key.c_str(), static_cast<mode_t>(mode)), 0);
+    EXPECT_EQ(IsReadByAnybody(key), anybody) << mode;
+  }
+  EXPECT_FALSE(IsReadByAnybody(folder.path() / "nowhere"));
+}
+
+/// A house whose key suits what older browsers would have, too.
+class HttpsOfAnRsaKey : public Https {
+ protected:
+  HttpsOfAnRsaKey() : Https(support::TestCertificate::Kind::kRsa) {}
+  /// Whether a browser that can do no better is let in.
+  bool admits(int newest, const char* ciphers) {
+    const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_client_method()),
+                                                                    &SSL_CTX_free);
+    SSL_CTX_set_min_proto_version(context.get(), TLS1_VERSION);
+    SSL_CTX_set_max_proto_version(context.get(), newest);
+    SSL_CTX_set_security_level(context.get(), 0);
+    EXPECT_EQ(SSL_CTX_set_cipher_list(context.get(), ciphers), 1);
+    const auto socket = ConnectionTo(port, "");
+    const std::unique_ptr<SSL, decltype(&SSL_free)> tls(SSL_new(context.get()), &SSL_free);
+    SSL_set_fd(tls.get(), socket->get());
+    return SSL_connect(tls.get()) == 1;
+  }
+};
+
+TEST_F(HttpsOfAnRsaKey, SpeaksNothingThatCouldBeReadLater) {
+  EXPECT_TRUE(admits(TLS1_2_VERSION, "ECDHE-RSA-AES128-GCM-SHA256"));
+  EXPECT_TRUE(admits(TLS1_3_VERSION, "ALL"));
+  EXPECT_FALSE(admits(TLS1_2_VERSION, "AES128-SHA")) << "without a key of its own for each connection";
+  EXPECT_FALSE(admits(TLS1_2_VERSION, "ECDHE-RSA-AES128-SHA"));
+  EXPECT_FALSE(admits(TLS1_1_VERSION, "ALL"));
 }
 
 TEST(TheServersProgram, SpeaksHttpsWithACertificateOfItsOwn) {
   const support::BusDaemon bus;
   const support::TempFolder folder;
   const support::TestCertificate made(folder.path());
+  ASSERT_EQ(::chmod(made.key.c_str(), 0644), 0);
   support::ServerProcess server(bus.address(), folder.path() / "data",
                                 {"--tls-cert", made.certificate.string(), "--tls-key", made.key.string()});
   ASSERT_TRUE(server.address().starts_with("https://127.0.0.1:")) << server.line() << server.errors();
@@ -160,6 +210,23 @@ TEST(TheServersProgram, SpeaksHttpsWithACertificateOfItsOwn) {
   const auto state = browser.Get("/api/state", headers);
   ASSERT_TRUE(state);
   EXPECT_EQ(state->status, 200);
+  const auto from = [&](const std::string& scheme, const std::string& site) {
+    httplib::Headers others{{"Cookie", cookie.substr(0, cookie.find(';'))},
+                            {"Origin", scheme + "127.0.0.1:" + std::to_string(server.port())}};
+    if (!site.empty()) others.emplace("Sec-Fetch-Site", site);
+    const auto answer = browser.Post("/WMP_Setup", others, "x=1", "application/x-www-form-urlencoded");
+    return answer ? answer->status : 0;
+  };
+  EXPECT_EQ(from("http://", ""), 403) << "it has no pages in the clear";
+  EXPECT_EQ(from("http://", "cross-site"), 403);
+  EXPECT_EQ(from("https://", "same-site"), 403);
+  EXPECT_NE(from("https://", "same-origin"), 403);
+  EXPECT_NE(from("https://", ""), 403) << "older browsers don't tell it";
+  const auto warned = [&] {
+    const auto log = browser.Get("/api/log", headers);
+    return log && log->body.find("may read the key") != std::string::npos;
+  };
+  EXPECT_TRUE(Eventually(warned)) << "everybody may read the key";
   const auto posted = browser.Post("/api/logout", headers, "{}", "application/json");
   ASSERT_TRUE(posted);
   EXPECT_EQ(posted->status, 200);

@@ -27,11 +27,15 @@ TEST(WebRules, OnlyTheServersOwnNamesAreAnswered) {
 }
 
 TEST(WebRules, AnOriginMustBeTheHostItself) {
-  EXPECT_TRUE(SameOrigin("http://localhost:8080", "localhost:8080"));
-  EXPECT_FALSE(SameOrigin("http://localhost:8081", "localhost:8080"));
-  EXPECT_FALSE(SameOrigin("http://evil.example", "localhost:8080"));
-  EXPECT_FALSE(SameOrigin("null", "localhost:8080"));
-  EXPECT_FALSE(SameOrigin("", "localhost:8080"));
+  for (const bool tls : {false, true}) {
+    EXPECT_TRUE(SameOrigin("https://localhost:8080", "localhost:8080", tls));
+    EXPECT_FALSE(SameOrigin("https://localhost:8081", "localhost:8080", tls));
+    EXPECT_FALSE(SameOrigin("https://evil.example", "localhost:8080", tls));
+    EXPECT_FALSE(SameOrigin("null", "localhost:8080", tls));
+    EXPECT_FALSE(SameOrigin("", "localhost:8080", tls));
+  }
+  EXPECT_TRUE(SameOrigin("http://localhost:8080", "localhost:8080", false));
+  EXPECT_FALSE(SameOrigin("http://localhost:8080", "localhost:8080", true)) << "it has no pages in the clear";
 }
 
 TEST(WebRules, DataIsLoadedByItsOwnPagesByReadersAndByOtherPrograms) {

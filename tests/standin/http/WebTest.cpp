@@ -44,15 +44,17 @@ TEST_F(Web, ARequestThatIsTooLargeIsRefused) {
 
 TEST_F(Web, AChunkedRequestThatIsTooLargeIsRefused) {
   std::string request =
-      "POST /api/voice HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\n"
-      "Content-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n";
+      "POST /api/voice HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\nCookie: " + web.cookie +
+      "\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n";
   for (int i = 0; i < 20; ++i) request += "10000\r\n" + std::string(65536, 'x') + "\r\n";
   request += "0\r\n\r\n";
   EXPECT_EQ(raw(request), "HTTP/1.1 413 Payload Too Large");
 }
 
 TEST_F(Web, ABodyThatIsFarTooLargeIsRefusedInAnAnswerThatArrives) {
-  const std::string head = "POST /WMP_Setup HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\n";
+  const std::string head =
+      "POST /WMP_Setup HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\nCookie: " + web.cookie +
+      "\r\n";
   const std::string body(10U << 20U, 'x');
   EXPECT_EQ(raw(head + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body),
             "HTTP/1.1 413 Payload Too Large");
@@ -71,10 +73,8 @@ TEST_F(Web, ABodyThatIsNotUnderstoodIsTheAskersFault) {
   };
   const std::string inParts = "Content-Type: multipart/form-data; boundary=b\r\n";
   EXPECT_EQ(answered(inParts, part + "--b--\r\n"), "HTTP/1.1 415 Unsupported Media Type");
-  EXPECT_EQ(answered(inParts, part), "HTTP/1.1 400 Bad Request");
-  EXPECT_EQ(answered(inParts, "no parts at all"), "HTTP/1.1 400 Bad Request");
-  EXPECT_EQ(answered("Content-Type: multipart/form-data\r\n", "a"), "HTTP/1.1 400 Bad Request");
-  EXPECT_EQ(answered("Content-Encoding: gzip\r\n", "this was never packed"), "HTTP/1.1 400 Bad Request");
+  EXPECT_EQ(answered("Content-Encoding: gzip\r\n", "this was never packed"),
+            "HTTP/1.1 415 Unsupported Media Type");
   EXPECT_EQ(raw("POST /" + std::string(3000, 'a') +
                 " HTTP/1.1\r\nHost: localhost\r\nOrigin: http://localhost\r\nContent-Length: 3\r\n\r\na=b"),
             "HTTP/1.1 414 URI Too Long");

@@ -109,7 +109,7 @@ TEST_F(VoiceButton, ListensWhileAKeyHoldsIt) {
   key("keyDown", support::kSpace);
   ASSERT_TRUE(spoken());
   key("keyDown", kEscape);
-  EXPECT_TRUE(says("It was let go of: nothing was sent"));
+  EXPECT_TRUE(says("It was let go of: nothing was done"));
   key("keyUp", kEscape);
   key("keyUp", support::kSpace);
   EXPECT_TRUE(button("idle"));
@@ -190,6 +190,59 @@ TEST_F(VoiceButton, EndsByItselfAfterHalfAMinute) {
   EXPECT_EQ(posts().size(), 1U);
 }
 
+TEST_F(VoiceButton, WhatIsSaidIsSentWhileItIsSpoken) {
+  soundFromTheTest();
+  openVoice();
+  pressMouse();
+  ASSERT_TRUE(browser.eventually("return window.ear !== undefined"));
+  run("hear(1); hear(0.2)");
+  EXPECT_TRUE(browser.eventually("return pieces.length === 1")) << "little things wait for more";
+  run("hear(0.5)");
+  EXPECT_TRUE(browser.eventually("return pieces.length === 2"));
+  run("hear(0.1)");
+  EXPECT_THAT(posts(), IsEmpty()) << "he still speaks";
+  releaseMouse();
+  EXPECT_TRUE(says("Stopped"));
+  EXPECT_EQ(run("return pieces"), json({{"7", 0, 16000}, {"7", 16000, 11200}, {"7", 27200, 1600}}));
+  const json post = posts().at(0);
+  EXPECT_EQ(post.at("said"), 28800);
+  EXPECT_EQ(post.at("samples"), 28800);
+  EXPECT_EQ(posts().size(), 1U);
+}
+
+TEST_F(VoiceButton, WherePiecesAreLostAllOfItIsSentAgain) {
+  soundFromTheTest();
+  openVoice();
+  const json lost = {
+      "answers['POST /api/voice/listen/begin'] = [503, {error: 'Too many are speaking at once'}]",
+      "answers['POST /api/voice/listen/begin'] = [200, {id: 7}];"
+      "answers['POST /api/voice/listen/more'] = [404, {error: 'It is forgotten'}]",
+      "answers['POST /api/voice/listen/more'] = [200, {}];"
+      "answers['POST /api/voice/listen/end'] = [409, {error: 'A piece is missing'}]"};
+  for (const json& each : lost) {
+    run("posts.length = 0; delete window.ear; " + each.get<std::string>());
+    pressMouse();
+    ASSERT_TRUE(browser.eventually("return window.ear !== undefined"));
+    run("hear(1); hear(1)");
+    releaseMouse();
+    ASSERT_TRUE(browser.eventually(
+        "return posts.some(({path, said}) => path === '/api/voice/listen' && said === undefined)"))
+        << each;
+    EXPECT_EQ(posts().back().at("samples"), 32000);
+    EXPECT_TRUE(button("idle"));
+    EXPECT_TRUE(says("Stopped"));
+  }
+  // What may have been done is not done a second time.
+  run("posts.length = 0; delete window.ear; answers['POST /api/voice/listen/end'] = [504, {error: 'No answer "
+      "in time'}]");
+  pressMouse();
+  ASSERT_TRUE(browser.eventually("return window.ear !== undefined"));
+  run("hear(1)");
+  releaseMouse();
+  EXPECT_TRUE(says("No answer in time"));
+  EXPECT_EQ(posts().size(), 1U);
+}
+
 TEST_F(VoiceButton, NobodyListensToAPageThatIsLeft) {
   openVoice();
   const char* const away[] = {"dispatchEvent(new Event('blur'))", "dispatchEvent(new Event('pagehide'))",
@@ -215,7 +268,7 @@ TEST_F(VoiceButton, AMicrophoneThatGoesIsTold) {
   pressMouse();
   ASSERT_TRUE(button("listening"));
   run("document.querySelector('.talk').dispatchEvent(new PointerEvent('pointercancel', {pointerId: 1}))");
-  EXPECT_TRUE(says("It was let go of: nothing was sent"));
+  EXPECT_TRUE(says("It was let go of: nothing was done"));
   EXPECT_THAT(posts(), IsEmpty());
 }
 
@@ -301,6 +354,7 @@ TEST_F(VoiceButton, AHouseThatDoesNotUnderstandSaysSo) {
   ASSERT_TRUE(spoken());
   releaseMouse();
   EXPECT_TRUE(says("That is too much"));
+  EXPECT_EQ(run("return hushed"), json({true, true, false})) << "the music goes on at once";
 }
 
 TEST_F(VoiceButton, StandsSmallBesideTheBoxOfTheDevices) {

@@ -13,8 +13,9 @@ class VoiceHouse : public PageHouse {
       : PageHouse(width, 900, {"--use-fake-ui-for-media-stream", "--use-fake-device-for-media-stream"}) {}
 
   /// Before each page: `answers` by method and path, each a status and a body; `posts` as they were made;
-  /// `hushed` what was asked of the player's quiet;
-  /// `asked` for the microphone, and the `track` that was given last.
+  /// what was said in pieces is one of them when it ends, and `pieces` are where each of the last began, and
+  /// its length; `hushed` what was asked of the player's quiet; `asked` for the microphone, and the `track`
+  /// that was given last.
   static constexpr const char* kEar = R"(
     const say = (...words) => words.map((each) => ({say: each}));
     window.many = (count) => Array.from({length: count}, (_, at) => say(`Album ${at}`));
@@ -22,35 +23,53 @@ class VoiceHouse : public PageHouse {
       'GET /api/voice': [200, {recogniser: {state: 'ready', missing: '', words: 1234, unspoken: []}, speaks: false,
         listen: {rate: 16000, seconds: 30, bytes: 1048576, type: 'audio/l16;rate=16000'},
         events: [
-          {id: 5, name: 'Album VR', devices: ['Media Player Quick Album'], length: 90000, faults: [],
+          {id: 5, name: 'Album VR', devices: ['Media Player Quick Album'], length: 90000, faults: [], version: 'a1', anew: true,
             tree: [[{say: 'Play'}, {optional: [say('Album')], count: 1}, {choice: many(100), count: 10000}]]},
-          {id: 6, name: 'Control VR', devices: ['Media Player Status'], length: 20, faults: [],
+          {id: 6, name: 'Control VR', devices: ['Media Player Status'], length: 20, faults: [], version: 'c1', anew: false,
             pattern: 'Player (stop|pause)', tree: [[{say: 'Player'}, {choice: [say('stop'), say('pause')], count: 2}]]}]}],
-      'GET /api/voice/pattern': [200, {id: 5, pattern: 'the whole text'}],
+      'GET /api/voice/pattern': [200, {id: 5, pattern: 'the whole text', version: 'a1'}],
       'GET /api/voice/choices': [200, {names: ['Album 7777'], total: 1}],
       'POST /api/voice': [200, {kind: 'done', heard: 'stop', command: 'Player stop', events: ['Control VR'],
         says: 'Stopped', choices: [], done: 'Stopped'}],
       'POST /api/voice/listen': [200, {kind: 'done', heard: 'player stop', command: 'Player stop',
         events: ['Control VR'], says: 'Stopped', choices: [], confidence: 0.9, done: 'Stopped'}],
-      'POST /api/voice/pattern': [200, {faults: []}],
+      'POST /api/voice/listen/begin': [200, {id: 7}],
+      'POST /api/voice/listen/more': [200, {}],
+      'POST /api/voice/pattern': [200, {faults: [], version: 'c2'}],
       'POST /api/voice/speaks': [200, {}],
       'POST /api/voice/quiet': [200, {}],
+      'GET /api/voice/room': [200, {on: false, state: 'off', trouble: '', heard: 0}],
+      'POST /api/voice/room': [200, {on: true, state: 'starting', trouble: '', heard: 0}],
     };
     window.posts = [];
+    window.pieces = [];
+    let spoken = [];
+    const counted = (sound) => ({samples: sound.length, loudest: sound.reduce((most, each) => Math.max(most, Math.abs(each)), 0)});
     window.sought = [];
     window.hushed = [];
     const ask = window.fetch;
     window.fetch = async (path, options = {}) => {
-      const [place] = String(path).split('?');
-      const answer = answers[`${options.method ?? 'GET'} ${place}`];
+      const [place, asked] = String(path).split('?');
+      const ended = place.endsWith('listen/end');
+      const answer = answers[`${options.method ?? 'GET'} ${place}`] ?? (ended ? answers['POST /api/voice/listen'] : undefined);
       if (!answer) return ask(path, options);
       if (place.endsWith('choices')) sought.push(path);
       if (place.endsWith('quiet')) hushed.push(JSON.parse(options.body).on);
-      else if (options.method) {
+      else if (place.endsWith('listen/begin')) {
+        spoken = [];
+        pieces = [];
+      } else if (place.endsWith('listen/more')) {
+        const sound = new Int16Array(options.body);
+        pieces.push([new URLSearchParams(asked).get('id'), Number(new URLSearchParams(asked).get('at')), sound.length]);
+        spoken.push(...sound);
+      } else if (ended) {
+        const {id, samples} = JSON.parse(options.body);
+        posts.push({path: '/api/voice/listen', type: 'audio/l16;rate=16000', id, said: samples, ...counted(spoken)});
+      } else if (options.method) {
         const {body} = options;
         const sound = typeof body === 'string' ? null : new Int16Array(body);
         posts.push({path: place, type: options.headers['Content-Type'], ...(sound
-          ? {samples: sound.length, loudest: sound.reduce((most, each) => Math.max(most, Math.abs(each)), 0)}
+          ? counted(sound)
           : JSON.parse(body))});
       }
       return new Response(JSON.stringify(answer[1]), {status: answer[0], headers: {'Content-Type': 'application/json'}});

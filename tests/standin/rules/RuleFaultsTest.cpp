@@ -11,8 +11,8 @@
 #include "standin/rules/EvaluationStore.hpp"
 #include "standin/rules/RuleStore.hpp"
 #include "standin/rules/Rules.hpp"
-#include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/faults/KilledWhile.hpp"
 #include "support/faults/SmallDisk.hpp"
 

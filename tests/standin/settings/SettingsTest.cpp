@@ -13,8 +13,8 @@
 #include "files/ReadFile.hpp"
 #include "standin/settings/SettingsStore.hpp"
 #include "support/FailureNumber.hpp"
-#include "support/InChild.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/faults/KilledWhile.hpp"
 #include "support/faults/SmallDisk.hpp"
 

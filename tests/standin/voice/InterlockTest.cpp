@@ -1,16 +1,22 @@
 // The house speaks over music that really plays, and what leaves the player is listened to.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "demo/Sound.hpp"
 #include "demo/Tags.hpp"
+#include "standin/ear/NoRecogniser.hpp"
+#include "standin/hearing/VoiceCommands.hpp"
 #include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HostWaits.hpp"
 #include "standin/player/PluginKeeper.hpp"
+#include "standin/voice/Quiet.hpp"
 #include "standin/voice/SoundCard.hpp"
 #include "standin/voice/Speech.hpp"
 #include "support/BusDaemon.hpp"
@@ -104,6 +110,55 @@ class SpeechOverMusic : public testing::Test {
       std::make_shared<standin::HostObject>(house, objects, waits, system);
   std::shared_ptr<standin::CallbackObject> callback = std::make_shared<standin::CallbackObject>(house, host);
   standin::PluginKeeper keeper{loop, connection, house, callback};
+  standin::PlayerLibrary library{loop, connection, keeper};
+};
+
+class CommandsOverMusic : public SpeechOverMusic {
+ protected:
+  /// What becomes of the player when "anna" has said it while "ben" speaks, and the house itself, too.
+  void say(const std::string& text) {
+    quiet.begin("anna");
+    ASSERT_TRUE(turnUntil([&] { return status() == "Paused"; })) << status();
+    quiet.begin("ben");
+    bool answered = false;
+    bool said = false;
+    std::atomic<bool> speaks = false;
+    voice.words = [&](const std::string&) {
+      speaks = true;
+      std::unique_lock lock(mutex);
+      silent.wait(lock, [&] { return over; });
+    };
+    speech.speak("The house speaks", false, [&](const std::string&) { said = true; });
+    ASSERT_TRUE(turnUntil([&] { return speaks.load(); }));
+    commands.say({"anna"}, text, [&](const standin::Understanding& understood) {
+      answered = true;
+      EXPECT_EQ(understood.kind, standin::Understanding::Kind::kDone) << understood.says;
+    });
+    EXPECT_TRUE(turnUntil([&] { return answered; }));
+    quiet.end("anna");
+    quiet.end("ben");
+    {
+      const std::lock_guard lock(mutex);
+      over = true;
+    }
+    silent.notify_all();
+    EXPECT_TRUE(turnUntil([&] { return said; }));
+  }
+
+  void staysSilent() {
+    ASSERT_TRUE(card.runsDry(kOnItsWay));
+    const std::uint64_t before = card.heard();
+    EXPECT_TRUE(card.runsDry(0));
+    EXPECT_EQ(card.heard(), before);
+    EXPECT_NE(status(), "Playing");
+  }
+
+  std::mutex mutex;
+  std::condition_variable silent;
+  bool over = false;
+  standin::Quiet quiet{loop, speech.events()};
+  standin::NoRecogniser ear{"There is none"};
+  standin::VoiceCommands commands{{loop, house, objects, keeper, library, speech, ear}};
 };
 
 }  // namespace
@@ -159,4 +214,18 @@ TEST_F(SpeechOverMusic, LeavesItPausedWhereTheUserHasPausedIt) {
   speakTwo([](const std::string&) {});
   EXPECT_TRUE(card.runsDry(0));
   EXPECT_EQ(card.heard(), before);
+}
+
+TEST_F(CommandsOverMusic, WhatIsStoppedWhileOthersSpeakStaysStopped) {
+  start("Pause");
+  say("player stop");
+  EXPECT_TRUE(turnUntil([&] { return status() == "Stopped"; })) << status();
+  staysSilent();
+}
+
+TEST_F(CommandsOverMusic, WhatIsPausedWhileOthersSpeakStaysPaused) {
+  start("Pause");
+  say("player pause");
+  EXPECT_TRUE(turnUntil([&] { return status() == "Paused"; })) << status();
+  staysSilent();
 }

@@ -72,4 +72,32 @@ TEST_F(ASpeaker, ThereIsRoomForTwentyOfThem) {
   EXPECT_EQ(events.size(), 40U);
 }
 
+TEST_F(ASpeaker, IsHeardOverByACommandAndHisEndIsNotToldTwice) {
+  standin::Quiet quiet(loop, speech.events());
+  quiet.begin("anna");
+  quiet.begin("ben");
+  speech.events().endAll();
+  EXPECT_EQ(events, (Lines{"started", "started", "stopped", "stopped"}));
+  events.clear();
+  quiet.end("anna");
+  quiet.end("ben");
+  speech.events().endAll();
+  EXPECT_EQ(events, Lines());
+  quiet.begin("anna");
+  quiet.end("anna");
+  EXPECT_EQ(events, (Lines{"started", "stopped"})) << "what begins later is told as ever";
+}
+
+TEST_F(ASpeaker, WhoIsHeardOverDoesNotEndTheQuietOfALaterOne) {
+  standin::Quiet quiet(loop, speech.events());
+  quiet.begin("anna");
+  speech.events().endAll();
+  quiet.begin("ben");
+  events.clear();
+  quiet.end("anna");
+  EXPECT_EQ(events, Lines());
+  quiet.end("ben");
+  EXPECT_EQ(events, (Lines{"stopped"}));
+}
+
 }  // namespace

@@ -11,8 +11,8 @@ const kTogether = 120;   // milliseconds in which several changes of the frame a
  * 'state' (before) the state was read, or the connection changed; 'again' something may have been missed: look anew;
  * 'device' (device), 'removed' (ref), 'log' (line), 'script' (event), 'playlist' (event), 'player' (what it is like
  * now), 'cover' ({key} of another picture of what plays), 'event' ({id} of an event of the house), 'dialog' (what has
- * become of the plug-in's open dialog), 'launch' (address), 'voice' what can be said, or heard, may be another, as it
- * happens; 'signed-out' nobody is signed in.
+ * become of the plug-in's open dialog), 'launch' (address), 'voice' what can be said, or heard, may be another, 'room' the
+ * server's own microphone has heard something, or is like something else, as it happens; 'signed-out' nobody is signed in.
  */
 export class House {
   /** `user` is null while nobody is signed in; `way` then tells by what one is, "password" or "key",

@@ -1,6 +1,6 @@
 // The server's event stream, as a page, or the worker of all pages, reads it.
 const kKinds = ['device', 'removed', 'log', 'script', 'playlist', 'player', 'cover', 'event', 'dialog', 'frame', 'launch', 'voice',
-  'reload'];
+  'room', 'reload'];
 const kSilence = 12000;  // milliseconds without a word after which the connection is dead: the server says one every 5 s
 const kLook = 4000;
 

@@ -4,6 +4,8 @@ import {html, nothing} from '../kit/html.js';
 const marks = {done: ['✓', 'good', 'Done'], unclear: ['?', 'wait', 'Unclear'], unknown: ['?', 'wait', 'Not understood'],
   silence: ['…', 'wait', 'Silence'], deaf: ['!', 'bad', 'Can’t listen'], failed: ['!', 'bad', 'Failed']};
 
+const spoken = ['Or say “yes” or “no”.', 'Or say “first” or “second”.', 'Or say “first”, “second” or “third”.'];
+
 /** `choose(command, button)` says one of the choices of a question. */
 export function answer(told, choose) {
   const [sign, style, words] = marks[told.kind] ?? marks.failed;
@@ -14,7 +16,7 @@ export function answer(told, choose) {
       ${told.note ? html`<p class="quiet">${told.note}</p>` : nothing}
       ${choose && told.choices?.length ? html`<div class="row answer-choices" role="group" aria-label="Which one?">
         ${told.choices.map(({command, label}) => html`<button type="button" @click=${({currentTarget}) => choose(command, currentTarget)}>${label}</button>`)}</div>
-        <p class="quiet">${told.choices.length > 1 ? 'Or say “first” or “second”.' : 'Or say “yes” or “no”.'}</p>` : nothing}
+        <p class="quiet">${spoken[told.choices.length - 1] ?? spoken.at(-1)}</p>` : nothing}
     </div></div>`;
 }
 

@@ -1,6 +1,7 @@
 // Listens while somebody holds a button, for as long as the page is looked at.
 import {hear, kLongest, kRate, quiet} from './listening.js';
 import {openMicrophone} from './microphone.js';
+import {Sending} from './sending.js';
 
 const kNotYet = 'Hold the button until it listens, and while you speak. If the browser asks for the microphone, allow it first.';
 const kLeast = 0.3;  // seconds in which something can be said
@@ -15,13 +16,14 @@ export class Ear {
   #signal;
   #turn = 0;
   #recording = null;
+  #sending = null;
   #quiet = null;  // settled when the house has been asked for it
 
   constructor(signal, told) {
     this.#signal = signal;
     this.#told = told;
     // The browser's own question takes the focus, too.
-    const lost = () => this.cancel(this.state === 'opening' ? kNotYet : 'The page was left: nothing was sent');
+    const lost = () => this.cancel(this.state === 'opening' ? kNotYet : 'The page was left: nothing was done');
     addEventListener('blur', lost, {signal});
     addEventListener('pagehide', lost, {signal});
     document.addEventListener('visibilitychange', () => { if (document.hidden) lost(); }, {signal});
@@ -35,7 +37,7 @@ export class Ear {
     this.#become('opening');
     try {
       const recording = await openMicrophone({
-        heard: still((level, seconds) => this.#hears(level, seconds)),
+        heard: still((piece, level, seconds) => this.#hears(piece, level, seconds)),
         full: still(() => this.end(`${kLongest} seconds are the most that the house listens to at once`)),
         gone: still(() => this.cancel('The microphone is gone')),
       });
@@ -46,11 +48,13 @@ export class Ear {
     }
   }
 
-  #hears(level, seconds) {
+  #hears(piece, level, seconds) {
     if (this.state === 'opening') {
       this.#quiet = quiet(true);
+      this.#sending = new Sending(this.#signal);
       this.#become('listening');
     }
+    this.#sending?.add(piece);
     if (this.state === 'listening') this.#told.level(level, seconds);
   }
 
@@ -65,11 +69,12 @@ export class Ear {
       this.#recording = null;
       await this.#quiet;  // it would begin behind its end otherwise
       if (sound.length < kLeast * kRate) {
-        quiet(false);
+        this.#sending.drop();
         throw new Error('Hold the button while you speak');
       }
-      await this.#send(sound, words);
+      await this.#send(this.#sending.end(sound), words);
     } catch (error) {
+      quiet(false);  // the house may not have heard of the end
       if (error.name !== 'AbortError' && mine === this.#turn) this.#told.trouble(error.message);
     } finally {
       if (mine === this.#turn) this.#become('idle');
@@ -82,7 +87,7 @@ export class Ear {
     this.#turn++;
     this.#become('thinking');
     try {
-      await this.#send(await find());
+      await this.#send(hear(await find(), this.#signal));
     } catch (error) {
       if (error.name !== 'AbortError') this.#told.trouble(error.message);
     } finally {
@@ -90,17 +95,19 @@ export class Ear {
     }
   }
 
-  async #send(sound, words = '') {
-    const understanding = await hear(sound, this.#signal);
+  async #send(understood, words = '') {
+    const understanding = await understood;
     if (!this.#signal.aborted) this.#told.answer(understanding, words);
   }
 
-  /** Ends it, and nothing is sent. What is on its way already is not called back. */
+  /** Ends it, and nothing is done. What was to be understood already is not called back. */
   cancel(words = '') {
     if (this.state !== 'opening' && this.state !== 'listening') return;
     this.#turn++;
     this.#recording?.drop();
     this.#recording = null;
+    this.#sending?.drop();
+    this.#sending = null;
     this.#quiet?.then(() => quiet(false));
     this.#quiet = null;
     this.#become('idle');

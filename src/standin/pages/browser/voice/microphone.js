@@ -27,7 +27,7 @@ refusals.OverconstrainedError = refusals.NotFoundError;
 const wanted = {audio: {echoCancellation: true, noiseSuppression: true, autoGainControl: true, channelCount: 1}};
 
 /**
- * Begins to listen. `heard(level, seconds)` comes again and again, `full()` when no more may be heard, `gone()` when
+ * Begins to listen. `heard(piece, level, seconds)` comes again and again, the last one while it is taken; `full()` when no more may be heard, `gone()` when
  * the microphone is. Throws an Error in words when there is no microphone to be had.
  */
 export async function openMicrophone(told) {
@@ -78,8 +78,8 @@ class Recording {
     const piece = sound.subarray(0, Math.max(0, room));
     this.#pieces.push(piece);
     this.#count += piece.length;
+    if (piece.length && (last || !this.#over)) this.#told.heard(piece, level, this.#count / kRate);
     if (last) this.#last();
-    else if (!this.#over) this.#told.heard(level, this.#count / kRate);
     if (!last && !this.#over && sound.length >= room) this.#told.full();
   }
 

@@ -8,6 +8,7 @@ const kFirst = 3;  // of more than that
 export function textOf(sequence) {
   return sequence.map((part) => {
     if ('say' in part) return part.say;
+    if ('more' in part) return '…';
     const [open, all, close] = part.choice ? ['(', part.choice, ')'] : ['[', part.optional, ']'];
     return open + all.map(textOf).join('|') + (part.count > all.length ? '|…' : '') + close;
   }).join(' ');
@@ -24,6 +25,7 @@ const sequenceParts = (sequence, place, opened) => sequence.map((part, at) => [a
 
 function partOf(part, place, opened) {
   if ('say' in part) return html`<span class="said-words">${part.say}</span>`;
+  if ('more' in part) return html`<span class="quiet">… and ${part.more.toLocaleString()} more parts</span>`;
   const choices = part.choice ?? part.optional;
   const optional = !part.choice;
   const long = part.count > kShort;

@@ -25,8 +25,8 @@ export class Talk {
     this.#draw = draw;
     this.#small = small;
     this.said = said;
-    this.#button = new TalkButton(signal, {small, answer: (told, note) => this.#add(told, note),
-      trouble: (words) => this.#add({kind: 'failed', says: words})});
+    this.#button = new TalkButton(signal, {small, answer: (told, note) => this.add(told, note),
+      trouble: (words) => this.add({kind: 'failed', says: words})});
   }
 
   /** Guests may not speak: anybody near an open window could. */
@@ -34,7 +34,8 @@ export class Talk {
     return this.#house.state.user && !this.#house.state.user.guest;
   }
 
-  #add(told, note = '') {
+  /** What was said, and the house's answer; `note` tells what else there is to it. */
+  add(told, note = '') {
     this.said = [{...told, note}, ...this.said].slice(0, kRemembered);
     this.#draw();
   }
@@ -42,7 +43,7 @@ export class Talk {
   async #say(text) {
     const told = await say(text, this.#signal);
     // The words on a button are the house's own; what was typed is worth reading again.
-    this.#add({...told, heard: told.heard || text});
+    this.add({...told, heard: told.heard || text});
   }
 
   async #typed(event) {

@@ -27,7 +27,7 @@ export class TalkButton {
     this.#text.classList.toggle('sr', small);
     this.node.classList.toggle('talk-small', small);
     this.#ended = holdable(this.node, {begin: () => this.#ear.begin(), end: () => this.#ear.end(),
-      cancel: () => this.#ear.cancel('It was let go of: nothing was sent')});
+      cancel: () => this.#ear.cancel('It was let go of: nothing was done')});
     this.#draw();
   }
 

@@ -4,6 +4,7 @@ import {whileShown} from '../kit/lasting.js';
 import {ask, complain, run} from '../kit/server.js';
 import {Choices} from './choices.js';
 import {draftOf, PatternEditor} from './patterneditor.js';
+import {Room} from './room.js';
 import {sentences} from './sentences.js';
 import {Talk} from './talk.js';
 
@@ -19,6 +20,7 @@ class VoicePage {
   #house;
   #draw;
   #talk;
+  #room;
   #told = null;         // as the house has told it last
   #turn = 0;
   #choices = new Map();  // by event
@@ -31,8 +33,10 @@ class VoicePage {
     this.#draw = whileShown(signal, () => this.#drawn());
     this.#talk = new Talk({signal, house, draw: this.#draw, said: kept.said});
     keep(() => ({said: this.#talk.said}));
+    this.#room = new Room({signal, draw: this.#draw, heard: (told) => this.#talk.add(told, 'Heard in the room')});
     house.on('voice', () => this.load(), signal);
     house.on('again', () => this.load(), signal);
+    house.on('room', () => this.#loadRoom(), signal);
     house.on('state', this.#draw, signal);
     this.#draw();
   }
@@ -41,8 +45,13 @@ class VoicePage {
     return this.#house.state.user && !this.#house.state.user.guest;
   }
 
+  async #loadRoom() {
+    if (this.#isOwner) await this.#room.load();
+  }
+
   async load() {
     const mine = ++this.#turn;
+    this.#loadRoom();
     try {
       const told = await ask('/api/voice', undefined, this.#signal);
       if (mine !== this.#turn) return;
@@ -100,7 +109,7 @@ class VoicePage {
       ${this.#isOwner && state === 'ready' ? html`<p class="quiet">It knows ${words.toLocaleString()} words by ear, all of them on this machine.</p>` : nothing}
       ${this.#isOwner && unspoken.length ? html`<details><summary>Names that it can’t hear</summary><p class="quiet">Nobody has told it how these are spoken:
         ${unspoken.join(', ')}</p></details>` : nothing}
-      ${this.#isOwner ? this.#speaks() : html`<p>Guests type here. The owner may speak, too, and change what can be said.</p>`}</aside>`;
+      ${this.#isOwner ? [this.#speaks(), this.#room.template()] : html`<p>Guests type here. The owner may speak, too, and change what can be said.</p>`}</aside>`;
   }
 
   #speaks() {
@@ -115,7 +124,7 @@ class VoicePage {
 
   #events(events) {
     if (!events.length) {
-      return html`<div class="empty"><p>Nothing can be said yet but what the player knows by itself: “play”, “stop”, “next”, “volume up” …</p>
+      return html`<div class="empty"><p>Nothing can be said yet but what the player knows by itself: “stop”, “next”, “volume up” …</p>
         <p>An event with a voice pattern adds to it; the player brings its own when it starts.</p></div>`;
     }
     return html`<ul class="said-events" aria-labelledby="said-head">${repeat(events, ({id}) => id, (event) => this.#event(event))}</ul>`;

@@ -1,0 +1,188 @@
+#include "standin/room/RoomMicrophone.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "ear/Messages.hpp"
+
+namespace standin {
+namespace {
+
+constexpr const char* kSettings = "voice.ini";
+constexpr const char* kSection = "Voice";
+constexpr const char* kListens = "ListensInTheRoom";
+/// No session of the web's is called so.
+constexpr const char* kRoom = "the room";
+constexpr const char* kOnlySilence =
+    "Only silence comes from the microphone. See whether it is muted, and whether it is the system’s default "
+    "source";
+constexpr base::Milliseconds kLongestPause = std::chrono::minutes(10);
+constexpr base::Milliseconds kLook = std::chrono::seconds(2);
+/// More than two things that are said one after the other nobody waits for.
+constexpr int kMostUnanswered = 2;
+
+}  // namespace
+
+RoomMicrophone::RoomMicrophone(const Parts& parts)
+    : parts_(parts),
+      gate_({.begins = [this] { begins(); },
+             .more = [this](const std::vector<std::int16_t>& piece) { sound_->more(piece); },
+             .ends = [this] { ends(); },
+             .nothing = [this] { nothing(); }}),
+      again_(parts.loop.makeTimer(kShortestPause,
+                                  [this] {
+                                    again_->enabled(false);
+                                    startNext();
+                                  })),
+      look_(parts.loop.makeTimer(kLook, [this] { look(); })) {
+  if (parts_.house.settings.get(kSettings, kSection, kListens) == "1") begin();
+}
+
+RoomMicrophone::~RoomMicrophone() = default;
+
+void RoomMicrophone::soon(std::function<void()> work) {
+  parts_.loop.post([work = std::move(work), alive = std::weak_ptr(alive_)] {
+    if (alive.lock()) work();
+  });
+}
+
+void RoomMicrophone::on(bool wished) {
+  parts_.house.settings.save(kSettings, kSection, kListens, wished ? "1" : "0");
+  const bool works = status_.state == State::kStarting || status_.state == State::kListening;
+  if (wished && !works) begin();
+  if (wished) return;
+  again_->enabled(false);
+  drop();
+  enter(State::kOff);
+}
+
+void RoomMicrophone::begin() {
+  pause_ = kShortestPause;
+  parts_.voice.wake();
+  again_->enabled(false);
+  enter(State::kStarting);
+  startNext();
+}
+
+/// What was being said is not heard to its end.
+void RoomMicrophone::drop() {
+  ++turn_;
+  look_->enabled(false);
+  check_.reset();
+  gate_.rest();
+  if (!child_) return;
+  child_->endSoon({});
+  parts_.loop.post([gone = std::shared_ptr<ChildProgram>(std::move(child_))] {});  // it may be at work
+}
+
+void RoomMicrophone::startNext() {
+  drop();
+  // Each that is installed, once.
+  while (next_ < parts_.programs.size()) {
+    const ChildProgram::Command command = CommandOf(parts_.programs[next_++]);
+    if (command.program.empty()) continue;
+    check_.emplace(parts_.loop.now());
+    look_->enabled(true);
+    child_ = std::make_unique<ChildProgram>(
+        parts_.loop, command,
+        ChildProgram::Told{.come =
+                               [this, mine = turn_, alive = std::weak_ptr(alive_)](std::string& bytes) {
+                                 if (alive.lock() && mine == turn_) come(bytes);
+                               },
+                           .end =
+                               [this, mine = turn_, alive = std::weak_ptr(alive_)](const std::string& why) {
+                                 if (alive.lock() && mine == turn_) failed(why);
+                               }});
+    return;
+  }
+  next_ = 0;
+  std::string why;
+  for (const std::string& each : std::exchange(troubles_, {})) why += (why.empty() ? "" : ". ") + each;
+  if (why.empty() && !parts_.programs.empty()) {
+    why = "No program that records is installed. Install the package ";
+    for (const CaptureProgram& each : parts_.programs)
+      why += (&each == &parts_.programs.front() ? "" : " or ") + each.package;
+  }
+  again_->interval(pause_);
+  again_->enabled(true);
+  pause_ = std::min(pause_ * 2, kLongestPause);
+  enter(State::kFailed, why);
+}
+
+void RoomMicrophone::failed(const std::string& why) {
+  parts_.house.log.write("Info", "The room’s microphone (" + parts_.programs[next_ - 1].name + "): " + why);
+  if (check_->proved()) {
+    // The others have nothing better to give: it is the microphone that has gone.
+    pause_ = kShortestPause;
+    next_ = parts_.programs.size();
+    troubles_.clear();
+  }
+  troubles_.push_back(WithAdvice(why));
+  startNext();
+}
+
+void RoomMicrophone::look() {
+  const std::string trouble = check_->trouble(parts_.loop.now());
+  if (!trouble.empty()) return failed(trouble);
+  if (status_.state != State::kListening) return;
+  const std::string silence = check_->onlySilence() ? kOnlySilence : "";
+  if (silence != status_.trouble) enter(State::kListening, silence);
+}
+
+void RoomMicrophone::come(std::string& bytes) {
+  const std::vector<std::int16_t> sound = ear::SoundIn(bytes);
+  bytes.erase(0, sound.size() * 2);  // of the last sample only a half may be there
+  if (sound.empty()) return;
+  status_.samples += sound.size();
+  check_->take(sound, parts_.loop.now());
+  if (const std::string trouble = check_->trouble(parts_.loop.now()); !trouble.empty())
+    return failed(trouble);
+  if (status_.state != State::kListening) {
+    troubles_.clear();
+    enter(State::kListening);
+  }
+  if (parts_.speech.speaking() || parts_.quiet.hasOthers(kRoom)) {
+    gate_.rest();
+  } else {
+    gate_.take(sound);
+  }
+}
+
+void RoomMicrophone::begins() {
+  sound_ = parts_.voice.begin();
+  soon([this] { parts_.quiet.begin(kRoom); });
+}
+
+void RoomMicrophone::nothing() {
+  sound_.reset();
+  soon([this] { quietEnds(); });
+}
+
+void RoomMicrophone::ends() {
+  soon([this, sound = std::exchange(sound_, nullptr)] {
+    if (unanswered_ >= kMostUnanswered) return;
+    ++unanswered_;
+    parts_.voice.end({.session = kRoom, .room = true}, sound,
+                     [this, alive = std::weak_ptr(alive_)](const Understanding& understanding) {
+                       if (!alive.lock()) return;
+                       --unanswered_;
+                       soon([this] { quietEnds(); });  // behind the answer, where that is said aloud
+                       if (understanding.kind == Understanding::Kind::kSilence) return;
+                       ++status_.heard;
+                       status_.last = understanding;
+                       parts_.house.live.tell("room", "{}");
+                     });
+  });
+}
+
+void RoomMicrophone::quietEnds() {
+  if (!sound_ && unanswered_ == 0) parts_.quiet.end(kRoom);
+}
+
+void RoomMicrophone::enter(State state, const std::string& trouble) {
+  status_.state = state;
+  status_.trouble = trouble;
+  parts_.house.live.tell("room", "{}");
+}
+
+}  // namespace standin
