@@ -12,6 +12,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 root=$PWD
 # shellcheck source=packaging/packages.sh
 source packaging/packages.sh
+# shellcheck source=packaging/desktop.sh
+source packaging/desktop.sh
 
 music=
 if [ $# -gt 0 ] && [[ $1 != --* ]]; then
@@ -28,7 +30,7 @@ if [ -z "${VANTORIX_SKIP_BUILD:-}" ]; then
   install_packages "${BUILD_PACKAGES[@]}" "${RUN_PACKAGES[@]}"
   echo "Building (the first time takes some minutes)"
   cmake --preset release >/dev/null
-  cmake --build --preset release --target vxif_WMP vantorix-standin vxcall vantorix-demo-library -- --quiet
+  cmake --build --preset release --target vxif_WMP vantorix-standin vxcall vantorix-demo-library desktop_icons -- --quiet
 fi
 bin=${VANTORIX_BIN:-$root/build/release/bin}
 services=${VANTORIX_SERVICES:-$root/build/release/dbus/services}
@@ -67,7 +69,9 @@ sed -e "s|@SOCKET@|$socket|" -e "s|@SERVICES@|$services|" packaging/dbus/house.c
 
 # The bus and the plug-in that it starts get a session of their own, so that Ctrl+C reaches the server alone,
 # which then stops the plug-in in order. What bus and plug-in have to say besides the house's log is in bus.log.
-VANTORIX_MUSIC=$music setsid dbus-daemon --config-file="$config" --nofork --nopidfile \
+# A bus tells whom it starts that it is the session bus itself; the user's own, on whose panels the player appears, is
+# handed on beside that.
+VANTORIX_MUSIC=$music VANTORIX_SESSION_BUS=${DBUS_SESSION_BUS_ADDRESS:-} setsid dbus-daemon --config-file="$config" --nofork --nopidfile \
   >"$run/bus.log" 2>&1 &
 bus=$!
 echo "$bus" >"$run/bus.pid"
@@ -76,6 +80,7 @@ for _ in $(seq 100); do
   sleep 0.05
 done
 
+put_on_desktop "$bin"
 server=
 # shellcheck disable=SC2317 # the trap calls it
 stop() {
@@ -91,6 +96,7 @@ while kill -0 "$server" 2>/dev/null; do
   code=0
   wait "$server" || code=$?
 done
+take_from_desktop
 kill "$bus" 2>/dev/null || true
 wait "$bus" 2>/dev/null || true
 rm -f "$socket" "$config" "$run/bus.pid"

@@ -14,13 +14,17 @@ class FirstMeeting {
   void meetIn(plugin::Plugin& plugin) { plugin_ = &plugin; }
   /// The library's first media are there.
   void met() { timer_->enabled(true); }
+  /// Whether it looks for start-up's end still.
+  [[nodiscard]] bool waits() const { return timer_->enabled(); }
 
  private:
   static constexpr base::Milliseconds kLook{50};
 
   void look() {
-    if (plugin_ == nullptr || !plugin_->state.Initialized) return;
+    if (plugin_ == nullptr || (!plugin_->state.Initialized && !plugin_->lifecycle.failed())) return;
     timer_->enabled(false);
+    // Whoever doesn't want the names read at the start doesn't want them read now.
+    if (plugin_->lifecycle.failed() || !plugin_->settings.flag("UpdateMediaEvents", true)) return;
     for (const char* category : {"Album", "Artist", "Genre"})
       if (plugin_->stale.CategoryStale[category]) plugin_->mediaEvents.UpdateMediaEvents(category);
   }

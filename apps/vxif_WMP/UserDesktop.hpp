@@ -14,12 +14,16 @@
 /// and leaves its text in the house's log.
 class UserDesktop : public plugin::Desktop {
  public:
-  UserDesktop(bus::PollLoop& loop, const PluginLog& log)
+  /// `picture` is what the player shows; it outlives the desktop.
+  UserDesktop(bus::PollLoop& loop, const PluginLog& log, base::MovingPicture& picture)
       : loop_(loop),
         log_(log),
         windows_(desktop::LoadWindows(
-            loop,
-            [&log] { log.warn("Media Player: The desktop has gone, the player goes on without windows"); },
+            loop, &picture,
+            [this, &log] {
+              gone_ = true;
+              log.warn("Media Player: The desktop has gone, the player goes on without windows");
+            },
             [&log](const std::string& problem) { log.warn("Media Player: " + problem); })),
         unseenMessage_([&log](const std::string& title, const std::string& text) {
           log.warn("Media Player: " + title + " " + text);
@@ -34,6 +38,9 @@ class UserDesktop : public plugin::Desktop {
   void ShowTrayIcon(bool show) override { tray_->ShowTrayIcon(show); }
   void unloadTray() override { tray_->unload(); }
 
+  void showPlayListEditor() override {
+    log_.warn("Media Player: There is no desktop to show the playlist editor on");
+  }
   std::int16_t ShowTimedMessage(const std::string& title, const std::string& text,
                                 std::int16_t seconds) override {
     return message_->ShowTimedMessage(title, text, seconds);
@@ -45,10 +52,15 @@ class UserDesktop : public plugin::Desktop {
   ui::ProgBarView* progress() { return windows_ ? &windows_->progress() : nullptr; }
   /// Nothing without a display.
   ui::PopupWindow* popup() { return windows_ ? &windows_->popup() : nullptr; }
+  /// Nothing without a display.
+  ui::editor::EditorWindow* editor() { return windows_ ? &windows_->editor() : nullptr; }
+  /// A window can be shown.
+  [[nodiscard]] bool shows() const { return windows_ && !gone_; }
 
  private:
   bus::PollLoop& loop_;
   const PluginLog& log_;
+  bool gone_ = false;
   std::unique_ptr<desktop::Windows> windows_;
   ui::WindowlessMsgForm unseenMessage_;
   std::optional<ui::myMsgForm> message_;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "FirstMeeting.hpp"
+#include "OnThePanels.hpp"
 #include "PluginLog.hpp"
 #include "RegisteredObjects.hpp"
 #include "UserDesktop.hpp"
@@ -60,7 +61,8 @@ int Serve() {
     owner->lifecycle.ShutdownIO();
   });
   PluginLog log;
-  UserDesktop desktop(loop, log);
+  engine::Screen screen;
+  UserDesktop desktop(loop, log, screen);
   platform::PosixPlatform machine;
   UserPlatform platform(machine, [&](base::BoxKind kind, const std::string& title, const std::string& text) {
     desktop.messageBox(kind, title, text);
@@ -72,25 +74,28 @@ int Serve() {
   const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
   FirstMeeting meeting(loop);
 
-  plugin::Plugin plugin(
-      {.loop = loop,
-       .platform = platform,
-       .makePlayer =
-           [&](player::WMP9Events& events) {
-             if (!configProblem.empty()) tell(configProblem);
-             // The plug-in's own words name no cause, so it is told beside them.
-             return base::Handled(
-                 [&] { return engine::MakePlayer(loop, config, events, tell, [&] { meeting.met(); }); },
-                 [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
-                   tell(failure.description());
-                   throw failure;
-                 });
-           },
-       .neighbours = {desktop, objects},
-       .popupWindow = desktop.popup(),
-       .progressView = desktop.progress(),
-       .coverFiles = &covers,
-       .coverServices = {config.metadataAddress, config.coverAddress}});
+  plugin::Plugin plugin({.loop = loop,
+                         .platform = platform,
+                         .makePlayer =
+                             [&](player::WMP9Events& events) {
+                               if (!configProblem.empty()) tell(configProblem);
+                               // The plug-in's own words name no cause, so it is told beside them.
+                               return base::Handled(
+                                   [&] {
+                                     return engine::MakePlayer(
+                                         loop, config, events, tell, [&] { meeting.met(); }, &screen);
+                                   },
+                                   [&](const base::Failure& failure) -> std::unique_ptr<player::WMP9> {
+                                     tell(failure.description());
+                                     throw failure;
+                                   });
+                             },
+                         .neighbours = {desktop, objects},
+                         .popupWindow = desktop.popup(),
+                         .progressView = desktop.progress(),
+                         .coverFiles = &covers,
+                         .coverServices = {config.metadataAddress, config.coverAddress},
+                         .editorWindow = desktop.editor()});
   owner = &plugin;
   meeting.meetIn(plugin);
   log.connect(plugin.host);
@@ -98,6 +103,9 @@ int Serve() {
   objects.provide(std::make_shared<script::ScriptClass>(
       script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
                           plugin.catalogue, plugin.library, plugin.mediaEvents}));
+
+  const OnThePanels panels({loop, objects.scriptClass(), [&] { return desktop.shows(); }},
+                           plugin.playerEvents);
 
   connection.exportObject("/vxif", plugin.vxif());
   connection.exportObject("/scriptclass", objects.scriptClass());

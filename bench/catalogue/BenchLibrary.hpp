@@ -6,6 +6,7 @@
 
 #include "catalogue/MediaCatalogue.hpp"
 #include "support/FakePlayer.hpp"
+#include "support/Quiet.hpp"
 #include "support/VirtualLoop.hpp"
 #include "ui/ProgBar.hpp"
 
@@ -32,27 +33,6 @@ class SilentHost : public base::Object {
   base::Value get(std::string_view /*name*/) override { return {}; }
   void put(std::string_view /*name*/, const base::Value& /*value*/) override {}
   std::string section;
-};
-
-class SilentPlatform : public base::Platform {
- public:
-  std::int32_t osMajorVersion() override { return 6; }
-  void setPriorityClass(std::int32_t /*value*/) override {}
-  void end() override {}
-  void messageBox(base::BoxKind /*kind*/, const std::string& /*title*/,
-                  const std::string& /*text*/) override {}
-  void emptyFile(const std::string& /*path*/) override {}
-};
-
-class SilentEvents : public player::WMP9Events {
- public:
-  void PlayStateChange(std::int32_t /*state*/) override {}
-  void ModeChange(const std::string& /*mode*/, bool /*value*/) override {}
-  void Error() override {}
-  void Warning(std::int32_t /*type*/, std::int32_t /*param*/, const std::string& /*text*/) override {}
-  void MediaCollectionChange() override {}
-  void PlaylistCollectionChange() override {}
-  void DoubleClick() override {}
 };
 
 /// A library in memory whose own cost is small.
@@ -122,12 +102,12 @@ struct BenchHouse {
   std::shared_ptr<SilentHost> silent = std::make_shared<SilentHost>();
   plugin::HostServices host{loop};
   plugin::PluginState state;
-  SilentPlatform platform;
+  support::QuietPlatform platform;
   plugin::Loggers loggers{host, state, platform};
   player::StaleMarks stale;
   player::PlayTarget target;
   support::Journal journal;
-  SilentEvents events;
+  support::QuietEvents events;
   std::unique_ptr<support::FakePlayer> made = std::make_unique<support::FakePlayer>(journal, events);
   player::WMPPlayer form{[this](player::WMP9Events&) { return std::move(made); }, events};
   base::LoopDayClock clock{loop};

@@ -4,6 +4,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include "desktop/InFront.hpp"
 #include "desktop/MessagePane.hpp"
 
 namespace desktop {
@@ -36,9 +37,7 @@ bool ShowBox(QtWindows& windows, base::BoxKind kind, const std::string& title, c
   windows.enter([&] {
     dialog.reset(std::make_unique<QDialog>());
     Fill(*dialog.get(), kind, title, text);
-    dialog->show();
-    dialog->raise();
-    dialog->activateWindow();
+    ShowInFront(*dialog.get());
   });
   windows.waitUntil([&] { return !dialog->isVisible(); });
   return !windows.gone();

@@ -1,5 +1,10 @@
 #include "desktop/Look.hpp"
 
+#include <QtCore/QEvent>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCallWatcher>
+#include <QtDBus/QDBusPendingReply>
+#include <QtDBus/QDBusVariant>
 #include <QtGui/QFont>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
@@ -52,18 +57,76 @@ QProgressBar { background: palette(mid); border: 0; border-radius: 5px; min-heig
 QProgressBar::chunk { background: palette(highlight); border-radius: 5px; }
 )";
 
+constexpr const char* kSettings = "org.freedesktop.portal.Desktop";
+constexpr const char* kSettingsPath = "/org/freedesktop/portal/desktop";
+constexpr const char* kSettingsInterface = "org.freedesktop.portal.Settings";
+
 }  // namespace
 
-void ApplyLook(QApplication& application) {
+Look::Look(QApplication& application)
+    : QObject(&application), application_(application), bus_(QDBusConnection::sessionBus()) {
   constexpr double kSmallestFont = 10.5;
-  const bool dark = QApplication::palette().color(QPalette::Window).lightness() <
-                    QApplication::palette().color(QPalette::WindowText).lightness();
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
   QFont font = QApplication::font();
   font.setPointSizeF(std::max(font.pointSizeF(), kSmallestFont));
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setFont(font);
+  dress_.setSingleShot(true);
+  connect(&dress_, &QTimer::timeout, this, [this] { apply(); });
+  apply();
+  application_.installEventFilter(this);
+  if (!bus_.isConnected()) return;
+  again_.setSingleShot(true);
+  again_.setInterval(0);
+  connect(&again_, &QTimer::timeout, this, [this] { ask(); });
+  bus_.connect(kSettings, kSettingsPath, kSettingsInterface, "SettingChanged", &again_, SLOT(start()));
+  again_.start();
+}
+
+void Look::ask() {
+  QDBusMessage question =
+      QDBusMessage::createMethodCall(kSettings, kSettingsPath, kSettingsInterface, "Read");
+  question << "org.freedesktop.appearance"
+           << "color-scheme";
+  question.setAutoStartService(false);
+  auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+  connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* ended) {
+    ended->deleteLater();
+    const QDBusPendingReply<QDBusVariant> answer = *ended;
+    if (answer.isError()) return;
+    // The value lies in a box, and that in the answer's own.
+    QVariant value = answer.value().variant();
+    if (value.userType() == qMetaTypeId<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+    const uint wish = value.toUInt();
+    wish_ = wish <= 2 ? static_cast<Wish>(wish) : Wish::kNone;
+    apply();
+  });
+}
+
+void Look::apply() {
+  dressing_ = true;
+  bool dark = wish_ == Wish::kDark;
+  if (wish_ == Wish::kNone) {
+    // What its own colours are is seen when ours are taken off.
+    QApplication::setPalette(QPalette());
+    const QPalette own = QApplication::palette();
+    dark = own.color(QPalette::Window).lightness() < own.color(QPalette::WindowText).lightness();
+  }
   QApplication::setPalette(PaletteOf(dark ? kDark : kLight));
-  application.setStyleSheet(kStyle);
+  if (!dark_ || *dark_ != dark) {
+    // Rules keep the colours that they were made with.
+    application_.setStyleSheet({});
+    application_.setStyleSheet(kStyle);
+  }
+  dark_ = dark;
+  dressing_ = false;
+}
+
+bool Look::eventFilter(QObject* watched, QEvent* event) {
+  const bool changed = event->type() == QEvent::ThemeChange ||
+                       (event->type() == QEvent::ApplicationPaletteChange && watched == &application_);
+  // Behind the event, when the desktop's new colours are known.
+  if (changed && !dressing_) dress_.start();
+  return QObject::eventFilter(watched, event);
 }
 
 }  // namespace desktop

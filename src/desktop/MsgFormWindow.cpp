@@ -8,6 +8,7 @@
 
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
+#include "desktop/InFront.hpp"
 #include "desktop/MessagePane.hpp"
 
 namespace desktop {
@@ -116,11 +117,7 @@ void MsgFormWindow::showModal(ui::MsgFormEvents& events) {
     dialog.listen(&events);
   });
   if (!windows_.gone()) events.Form_Load();
-  touch([](Dialog& dialog) {
-    dialog.show();
-    dialog.raise();
-    dialog.activateWindow();
-  });
+  touch([](Dialog& dialog) { ShowInFront(dialog); });
   windows_.waitUntil([&] { return !dialog_->isVisible(); });
   touch([](Dialog& dialog) { dialog.listen(nullptr); });
   if (windows_.gone()) throw base::Failure(base::number::kWindowNotShown);

@@ -65,7 +65,8 @@ QtWindows::QtWindows(WindowsParts parts)
     return;
   }
   QApplication::setQuitOnLastWindowClosed(false);
-  ApplyLook(*application_);
+  QGuiApplication::setDesktopFileName("vantorix-media-player");  // whose icon and name its windows have
+  new Look(*application_);                                       // which owns it
   context_ = std::make_unique<MainContext>(loop_, [this] { work(); });
   watch_ = loop_.watch(display_.descriptor(), POLLIN | POLLRDHUP, [this](short) {
     if (display_.gone()) leave();

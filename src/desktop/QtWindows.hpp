@@ -2,6 +2,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "desktop/loader/Windows.hpp"
 
@@ -34,6 +35,8 @@ class QtWindows {
   bool enter(const std::function<void()>& act);
   /// True from when the desktop is known to have gone.
   [[nodiscard]] bool gone() const { return gone_; }
+  /// Runs `act` on the loop's next turn, behind the event of a window that is being handled now.
+  void later(std::function<void()> act) { loop_.post(std::move(act)); }
   /// Waits until `done`, or until the desktop has gone. Calls on the bus, timers, the player's events and all
   /// windows go on.
   void waitUntil(const std::function<bool()>& done);

@@ -8,14 +8,15 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "engine/common/Poster.hpp"
+#include "engine/decoder/MpvOutput.hpp"
 #include "engine/library/Library.hpp"
 #include "engine/library/Lists.hpp"
 #include "engine/machine/CdDrives.hpp"
 #include "engine/machine/Network.hpp"
 #include "engine/playback/Crossfade.hpp"
 #include "engine/playback/ErrorList.hpp"
-#include "engine/playback/MpvOutput.hpp"
 #include "engine/playback/Playback.hpp"
+#include "engine/playback/Projector.hpp"
 #include "engine/playback/QueueList.hpp"
 #include "engine/playlists/StoredPlaylists.hpp"
 #include "engine/queue/QueueKeeper.hpp"
@@ -58,8 +59,13 @@ class Preferences : public player::PlayerSettings {
  public:
   using ModeChange = std::function<void(const std::string&, bool)>;
 
-  Preferences(Playback& playback, Output& output, std::string rights, ModeChange changed)
-      : playback_(playback), output_(output), rights_(std::move(rights)), changed_(std::move(changed)) {
+  Preferences(Playback& playback, Output& output, std::string rights, ModeChange changed,
+              std::function<void()> loudness)
+      : playback_(playback),
+        output_(output),
+        rights_(std::move(rights)),
+        changed_(std::move(changed)),
+        loudness_(std::move(loudness)) {
     output_.volume(volume_);
   }
 
@@ -69,12 +75,14 @@ class Preferences : public player::PlayerSettings {
   void mute(bool value) override {
     mute_ = value;
     output_.mute(value);
+    loudness_();
   }
   [[nodiscard]] std::int32_t volume() const override { return volume_; }
   void volume(std::int32_t value) override {
     if (value < 0 || value > 100) throw base::Failure(base::number::kInvalidArgument);
     volume_ = value;
     output_.volume(value);
+    loudness_();
   }
 
   [[nodiscard]] bool getMode(const std::string& mode) const override {
@@ -105,6 +113,7 @@ class Preferences : public player::PlayerSettings {
   Output& output_;
   std::string rights_;
   ModeChange changed_;
+  std::function<void()> loudness_;  ///< another volume, or muted or not
   bool autoStart_ = true;
   bool mute_ = false;
   std::int32_t volume_ = kDefaultVolume;
@@ -113,25 +122,36 @@ class Preferences : public player::PlayerSettings {
 class Player : public player::WMP9 {
  public:
   Player(base::Loop& loop, const Config& config, player::WMP9Events& events,
-         std::function<void(const std::string&)> log, std::function<void()> met)
+         std::function<void(const std::string&)> log, std::function<void()> met, Screen* screen)
       : events_(events),
         log_(std::move(log)),
         met_(std::move(met)),
         post_(loop),
+        screen_(screen),
         output_(makeOutput(loop, config)),
-        playback_(
-            loop, *output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
-            {[this](player::PlayState state) { post_([this, state] { events_.PlayStateChange(state); }); },
-             [this] { post_([this] { events_.Error(); }); },
-             [this] {
-               if (keeper_) keeper_->note();
-             },
-             [this] { post_([this] { events_.StreamTitleChange(); }); }}),
+        playback_(loop, *output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
+                  {[this](player::PlayState state) {
+                     if (projector_) projector_->follow();
+                     post_([this, state] { events_.PlayStateChange(state); });
+                   },
+                   [this] { post_([this] { events_.Error(); }); },
+                   [this] {
+                     if (keeper_) keeper_->note();
+                     if (projector_) projector_->follow();
+                     changed();
+                   },
+                   [this] {
+                     post_([this] { events_.StreamTitleChange(); });
+                     changed();
+                   },
+                   [this] { post_([this] { events_.Sought(); }); }, [this] { changed(); }}),
         controls_(playback_),
-        settings_(playback_, *output_, config.mediaAccessRights,
-                  [this](const std::string& mode, bool value) {
-                    post_([this, mode, value] { events_.ModeChange(mode, value); });
-                  }),
+        settings_(
+            playback_, *output_, config.mediaAccessRights,
+            [this](const std::string& mode, bool value) {
+              post_([this, mode, value] { events_.ModeChange(mode, value); });
+            },
+            [this] { changed(); }),
         library_(loop, config,
                  {[this] { libraryChanged(); }, [this](const std::string& line) { message(line); },
                   [this] { libraryScanned(); }, [this] { playlists_.libraryChanged(); }}),
@@ -142,6 +162,7 @@ class Player : public player::WMP9 {
                     [this] { events_.PlaylistCollectionChange(); }}),
         drives_(config.cdDevices, config.findCdDrives, library_.shelf()) {
     playback_.preset(library_.getAll());
+    if (screen_ != nullptr) project(loop);
     if (config.resume) takeUp(loop, config.dataFolder);
   }
 
@@ -182,7 +203,10 @@ class Player : public player::WMP9 {
   player::ErrorQueue& Error() override { return errors_; }
   player::CdromCollection& cdromCollection() override { return drives_; }
   [[nodiscard]] bool fullScreen() const override { return fullScreen_; }
-  void fullScreen(bool value) override { fullScreen_ = value; }
+  void fullScreen(bool value) override {
+    fullScreen_ = value;
+    if (projector_) projector_->full(value);
+  }
   [[nodiscard]] bool isOnline() const override { return IsOnline(); }
   player::MediaCollection& mediaCollection() override { return library_; }
   player::PlaylistCollection& playlistCollection() override { return playlists_; }
@@ -192,7 +216,23 @@ class Player : public player::WMP9 {
     return std::make_unique<MpvOutput>(
         loop, config, [this](const std::string& device) { return drives_.has(device); },
         [this](const std::string& line) { message(line); },
-        [this](const std::string& location) { return library_.loudnessAt(location); });
+        [this](const std::string& location) { return library_.loudnessAt(location); }, shown());
+  }
+
+  [[nodiscard]] PictureRenderer::Shown shown() const {
+    if (screen_ == nullptr) return {};
+    return [screen = screen_](base::FrameRef frame) { screen->show(std::move(frame)); };
+  }
+
+  void project(base::Loop& loop) {
+    visualiser_.emplace(
+        loop, [this](const std::string& device) { return drives_.has(device); },
+        [this](const std::string& line) { message(line); }, shown());
+    projector_.emplace(Projector::Parts{
+        *screen_, playback_, *output_,
+        SoundPicture{[this](const std::string& location, double seconds, bool paused,
+                            base::PictureSize size) { visualiser_->show(location, seconds, paused, size); },
+                     [this] { visualiser_->end(); }}});
   }
 
   /// The playback hears of it, though nothing is told before it stands.
@@ -246,6 +286,15 @@ class Player : public player::WMP9 {
   /// What is there only because nobody has chosen anything is no queue before it plays.
   [[nodiscard]] bool queueIsShown() const { return ownChoice_ || playback_.playing(); }
 
+  /// Of a step that changes much the whole is told at its end.
+  void changed() {
+    if (std::exchange(changeTold_, true)) return;
+    post_([this] {
+      changeTold_ = false;
+      events_.Changed();
+    });
+  }
+
   /// Somebody has changed the queue: it is his choice from then on.
   void queueEdited() { ownChoice_ = true; }
 
@@ -276,6 +325,8 @@ class Player : public player::WMP9 {
   std::function<void()> met_;
   ErrorList errors_;
   Poster post_;
+  Screen* screen_;
+  bool changeTold_ = false;
   std::unique_ptr<Output> output_;
   Playback playback_;
   PlaybackControls controls_;
@@ -289,6 +340,8 @@ class Player : public player::WMP9 {
                        .mediaOf = [this](const player::ToldMedia& told) { return playlists_.mediaOf(told); },
                        .edited = [this] { queueEdited(); }})};
   std::optional<QueueKeeper> keeper_;
+  std::optional<Visualiser> visualiser_;
+  std::optional<Projector> projector_;
   bool fullScreen_ = false;
   bool wasEmpty_ = library_.empty();
   bool ownChoice_ = false;  ///< somebody has chosen what to play; until then it is the whole library
@@ -298,8 +351,8 @@ class Player : public player::WMP9 {
 
 std::unique_ptr<player::WMP9> MakePlayer(base::Loop& loop, const Config& config, player::WMP9Events& events,
                                          std::function<void(const std::string&)> log,
-                                         std::function<void()> met) {
-  return std::make_unique<Player>(loop, config, events, std::move(log), std::move(met));
+                                         std::function<void()> met, Screen* screen) {
+  return std::make_unique<Player>(loop, config, events, std::move(log), std::move(met), screen);
 }
 
 }  // namespace engine

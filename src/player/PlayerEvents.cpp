@@ -50,6 +50,7 @@ void PlayerEvents::MediaCollectionChange() {
 
 void PlayerEvents::PlaylistCollectionChange() {
   stale_.PlayListsStale = true;
+  if (playlistsChanged) playlistsChanged();
   Attempt step;
   step([&] { loggers_.Debug("Media Player: PlayList collection has been modified"); });
 }

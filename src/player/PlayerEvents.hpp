@@ -39,8 +39,19 @@ class PlayerEvents : public WMP9Events {
     if (streamTitleChange) streamTitleChange();
   }
 
+  void Changed() override {
+    if (changed) changed();
+  }
+  void Sought() override {
+    if (sought) sought();
+  }
+
   /// What is to be done when a station goes on to another title, if anything.
   std::function<void()> streamTitleChange{};
+  /// For whoever shows the player elsewhere, if anybody does.
+  std::function<void()> changed{};
+  std::function<void()> sought{};
+  std::function<void()> playlistsChanged{};
 
   /// Saves and publishes a mode; start-up calls it too.
   void WMP9_ModeChange(const std::string& modeName, bool newValue);

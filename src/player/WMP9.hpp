@@ -48,6 +48,8 @@ struct Picture {
 class Media : public Modelled {
  public:
   [[nodiscard]] virtual std::string name() const = 0;
+  /// Writes `name`. Not every player's media takes one.
+  virtual void rename(const std::string& /*title*/) { throw base::Failure(base::number::kNoSuchMember); }
   [[nodiscard]] virtual std::string sourceURL() const = 0;
   /// The value of an attribute such as "Artist", "Album", "Genre", "Duration", "SourceURL", "WM/AlbumTitle",
   /// "WM/WMCollectionID", "WM/MCDI", "StreamTitle" (what a station says that it plays); empty for one that is
@@ -257,6 +259,11 @@ class WMP9Events {
 
   /// The station that plays has gone on to another title: the current item's "StreamTitle" is another.
   virtual void StreamTitleChange() {}
+  /// What is shown of the player may be another than before: its state, its item, the queue, a mode, how loud
+  /// it is. Changes that come together are told once.
+  virtual void Changed() {}
+  /// Somebody has chosen another place in the item.
+  virtual void Sought() {}
 };
 
 /// Makes the player control. Throws number 429 when it can't be created.

@@ -111,6 +111,12 @@ void Lifecycle::registerWithHost(const base::ObjectRef& self) {
 
 std::string Lifecycle::InitIO(const base::ObjectRef& self) {
   if (in_.state.Initialized) return {};
+  std::string refusal = startInForeground(self);
+  failed_ = !refusal.empty();
+  return refusal;
+}
+
+std::string Lifecycle::startInForeground(const base::ObjectRef& self) {
   return base::Handled(
       [&]() -> std::string {
         announce();
@@ -132,6 +138,7 @@ void Lifecycle::StartInitialization_Timer() {
   StartInitialization_->enabled(false);
   const std::string result = InitHW();
   if (!result.empty()) {
+    failed_ = true;
     step([&] { in_.host.WriteLog("Error", "Media Player background initialization FAILED: " + result); });
     return;
   }

@@ -63,10 +63,13 @@ class Lifecycle {
   void ShutdownIO();
 
   [[nodiscard]] PublicFields& fields() { return fields_; }
+  /// Whether one of the halves has failed, so that nothing is to come of this start.
+  [[nodiscard]] bool failed() const { return failed_; }
   [[nodiscard]] base::Timer& StartInitialization() { return *StartInitialization_; }
 
  private:
   void StartInitialization_Timer();
+  std::string startInForeground(const base::ObjectRef& self);
   // The foreground half, step by step; a text is a refusal.
   void announce();
   std::optional<std::string> connectPlayer();
@@ -84,6 +87,7 @@ class Lifecycle {
 
   LifecycleParts in_;
   PublicFields fields_;
+  bool failed_ = false;
   std::unique_ptr<base::Timer> StartInitialization_;
 };
 

@@ -49,11 +49,18 @@ Plugin::Plugin(const PluginGround& ground)
       web(ground.web != nullptr ? *ground.web : ownPages),
       lifecycle({host, settings, loggers, state, ground.platform, ground.loop, form, calls, popup, playState,
                  playerEvents, stale, triggers, devices, library, web, mediaEvents, ground.neighbours}),
-      dispatch(calls, host, state, library, mediaEvents, ground.neighbours.desktop,
-               [this] { Vxif::ConfigIO(host); }),
+      dispatch(
+          calls, host, state, library, mediaEvents,
+          [this, &desktop = ground.neighbours.desktop] {
+            playListEditor ? playListEditor->show() : desktop.showPlayListEditor();
+          },
+          [this] { Vxif::ConfigIO(host); }),
       vxif_(std::make_shared<Vxif>(lifecycle, dispatch, host, state, ground.platform, web,
                                    EventParts{actionDialog, actionDropLists, openActionDialog, actionRun,
                                               conditions, speechInterlock, state})) {
+  if (ground.editorWindow != nullptr)
+    playListEditor.emplace(ui::editor::EditorParts{*ground.editorWindow, catalogue, nameXref, form, stale,
+                                                   host, settings, state});
   playerEvents.streamTitleChange = [this] { playState.StreamTitleChange(); };
   if (ground.coverFiles == nullptr) return;
   coverSearch_.emplace(cover::SearchParts{form, popup, host, loggers, state, *ground.coverFiles},

@@ -20,6 +20,7 @@
 #include "plugin/commands/Dispatch.hpp"
 #include "plugin/commands/SpeechInterlock.hpp"
 #include "ui/ProgBar.hpp"
+#include "ui/editor/PlayListEditor.hpp"
 #include "ui/popup/PopupForm.hpp"
 #include "ui/popup/WindowlessPopup.hpp"
 
@@ -40,6 +41,7 @@ struct PluginGround {
   MediaEvents* mediaEvents = nullptr;       ///< in the place of the plug-in's own
   cover::CoverFiles* coverFiles = nullptr;  ///< without it no cover is looked for
   cover::Services coverServices{};
+  ui::editor::EditorWindow* editorWindow = nullptr;  ///< none on a machine without a display
 };
 
 /// The one owner of everything that the plug-in shares: its modules are members in the order in which they
@@ -92,6 +94,7 @@ class Plugin {
   pages::WebEditorForm editorForm;
   PagesAdapter ownPages;
   WebForms& web;
+  std::optional<ui::editor::PlayListEditor> playListEditor;  ///< where there is a window for it
   Lifecycle lifecycle;
   Dispatch dispatch;
 

@@ -51,8 +51,16 @@ TEST_F(VoiceControl, ADeletedStatusIsMadeAgainAndNothingElse) {
   host->addDevice("Mute", "Q", 9);
   plugin.voiceEvents.UpdateControlEvent();
   EXPECT_THAT(journal.with("NewDevice("), ElementsAre("NewDevice(\"Status\")"));
-  EXPECT_THAT(journal.with("DeviceButtonAdd("), SizeIs(5));
-  EXPECT_THAT(journal.with("DeviceButtonAdd("), Each(HasSubstr("\"Q1\"")));
+  EXPECT_THAT(journal.with("DeviceButtonAdd("),
+              ElementsAre("DeviceButtonAdd(\"Q1\", \"Media Player\", \"Pause\")",
+                          "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Stop\")",
+                          "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Next\")",
+                          "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Prev\")",
+                          "DeviceButtonAdd(\"Q1\", \"Media Player\", \"Restart\")"));
+  const auto status = host->byName("Media Player Status");
+  ASSERT_TRUE(status);
+  EXPECT_EQ(status->fields["dc"], base::Value(std::int16_t{1}));
+  EXPECT_EQ(status->fields["misc"], base::Value(std::int16_t{16}));
   EXPECT_THAT(events["Controls VR"].devices->shown(), ElementsAre("101:13"));
 }
 

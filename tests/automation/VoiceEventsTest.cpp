@@ -1,5 +1,6 @@
 // The quick-play devices and the voice events of the library, in a house of fakes.
 #include "VoiceHouse.hpp"
+#include "support/LibraryHouse.hpp"
 
 using support::FieldObject;
 using ::testing::ElementsAre;
@@ -257,7 +258,7 @@ TEST_F(VoiceEvents, TheHostHasATurnAtEveryFiftiethName) {
   EXPECT_EQ(journal.count("WaitEvents()"), 8U);
 }
 
-TEST_F(VoiceEvents, ANameWithoutAKeyGivesTheHostItsTurnAndMovesTheProgress) {
+TEST_F(VoiceEvents, ANameWithoutAKeyGivesTheHostItsTurn) {
   albums({"!!!", "Blue"});
   host->answers["WaitEvents"] = [&](base::Args&) -> base::Value {
     menusAtTurn.push_back(neighbours.menus.size());
@@ -266,6 +267,17 @@ TEST_F(VoiceEvents, ANameWithoutAKeyGivesTheHostItsTurnAndMovesTheProgress) {
   update("Album");
   // One while the library is read; one in the second pass, at the first name, which has no key.
   EXPECT_THAT(menusAtTurn, ElementsAre(0U, 1U));
+}
+
+TEST_F(VoiceEvents, EachNameMovesTheProgressWhileItIsReadAndWhileItIsEntered) {
+  albums({"!!!", "Blue"});
+  support::FakeProgress progress;
+  automation::VoiceEvents watched({plugin.devices, plugin.catalogue, progress, plugin.stale, neighbours,
+                                   plugin.host, plugin.loggers, plugin.state});
+  watched.UpdateMediaEvents("Album");
+  EXPECT_EQ(vcmd("Album VR"), "Play Album (Blue)");
+  EXPECT_THAT(progress.fractions, ElementsAre(0.5F, 1.0F, 0.5F, 1.0F)) << "also one without a key";
+  EXPECT_EQ(progress.depth, 0);
 }
 
 TEST_F(VoiceEvents, TheLibraryMayChangeWhileItIsReadAndBeReadWithinThat) {

@@ -13,10 +13,10 @@
 #include "desktop/ProgBarWindow.hpp"
 #include "support/BusPeer.hpp"
 #include "support/FakeHost.hpp"
-#include "support/faults/InChild.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
 #include "support/desktop/WindowUser.hpp"
+#include "support/faults/InChild.hpp"
 #include "ui/myMsgForm.hpp"
 
 namespace {

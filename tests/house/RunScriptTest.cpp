@@ -8,6 +8,7 @@
 
 #include "bus/Connection.hpp"
 #include "bus/PollLoop.hpp"
+#include "support/BusDaemon.hpp"
 #include "support/JsonText.hpp"
 #include "support/Process.hpp"
 #include "support/SmallMusic.hpp"
@@ -27,7 +28,8 @@ class RunScript : public ::testing::Test {
         std::vector<std::string>{"XDG_DATA_HOME=" + home + "/data", "XDG_RUNTIME_DIR=" + home,
                                  "XDG_CONFIG_HOME=" + home + "/config", "VANTORIX_SKIP_BUILD=1",
                                  "VANTORIX_BIN=" BIN_FOLDER, "VANTORIX_SERVICES=" SERVICES_FOLDER,
-                                 "VANTORIX_AUDIO=null"});
+                                 "VANTORIX_AUDIO=null", "DISPLAY=" + display,
+                                 "WAYLAND_DISPLAY=", "DBUS_SESSION_BUS_ADDRESS=" + sessionBus});
   }
   static int portOf(support::Process& house) {
     return std::stoi(addressOf(house).substr(std::string("http://127.0.0.1:").size()));
@@ -63,6 +65,8 @@ class RunScript : public ::testing::Test {
   }
   support::TempFolder folder;
   support::SmallMusic music{1};
+  std::string display;     ///< none by default
+  std::string sessionBus;  ///< none by default
 };
 
 }  // namespace
@@ -105,4 +109,37 @@ TEST_F(RunScript, SaysThatAMusicFolderIsMissing) {
   const auto house = run("/nonexistent/music");
   EXPECT_EQ(house->wait(), 1);
   EXPECT_THAT(house->output(), HasSubstr("There is no music folder /nonexistent/music"));
+}
+
+TEST_F(RunScript, OnADesktopThePlayerStandsOnItsPanelsAndInItsMenuAsLongAsTheHouseIsUp) {
+  const support::BusDaemon session;
+  sessionBus = session.address();
+  display = ":54321";  // nobody need look at it
+  const std::filesystem::path share = folder.path() / "data";
+  const auto entry = share / "applications" / "vantorix-media-player.desktop";
+  const auto icon = share / "icons" / "hicolor" / "48x48" / "apps" / "vantorix-media-player.png";
+  const auto house = run(music.path());
+  ASSERT_TRUE(becomesReady(*house));
+  EXPECT_TRUE(support::Eventually([&] {
+    support::Process playerctl({"playerctl", "-p", "vantorix", "status"},
+                               {"DBUS_SESSION_BUS_ADDRESS=" + sessionBus});
+    return playerctl.wait() == 0 && playerctl.output() == "Stopped\n";
+  }));
+  support::Process validate({"desktop-file-validate", entry.string()});
+  EXPECT_EQ(validate.wait(), 0);
+  EXPECT_EQ(validate.output(), "");
+  EXPECT_TRUE(std::filesystem::exists(icon));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+  EXPECT_FALSE(std::filesystem::exists(entry));
+  EXPECT_FALSE(std::filesystem::exists(icon));
+}
+
+TEST_F(RunScript, WithoutADesktopNothingIsPutThere) {
+  const auto house = run(music.path());
+  ASSERT_TRUE(becomesReady(*house));
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "data" / "applications"));
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "data" / "icons"));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
 }

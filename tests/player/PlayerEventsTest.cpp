@@ -37,6 +37,20 @@ TEST_F(PlayerEvents, AnotherModeIsSavedUnderItsOwnNameWithNoMenuChange) {
   EXPECT_THAT(journal.with("popup:"), IsEmpty());
 }
 
+TEST_F(PlayerEvents, WhoeverShowsThePlayerElsewhereHearsOfItAndNobodyElseDoes) {
+  wmp9->events().Changed();  // nobody does
+  wmp9->events().Sought();
+  support::Journal shown;
+  plugin.playerEvents.changed = [&] { shown.add("changed"); };
+  plugin.playerEvents.sought = [&] { shown.add("sought"); };
+  plugin.playerEvents.playlistsChanged = [&] { shown.add("playlists"); };
+  wmp9->events().Changed();
+  wmp9->events().Sought();
+  EXPECT_THAT(journal.lines(), IsEmpty());
+  wmp9->events().PlaylistCollectionChange();
+  EXPECT_THAT(shown.lines(), ElementsAre("changed", "sought", "playlists"));
+}
+
 TEST_F(PlayerEvents, AnErrorIsTheOneLogCallWithThreeArguments) {
   wmp9->errors = {{-1072885327, "No such file"}, {5, "second"}};
   wmp9->events().Error();

@@ -44,6 +44,14 @@ class BusDaemon {
   /// The bus's own folder, for whatever a test keeps beside it.
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
 
+  /// Another run of it, in the same place.
+  void again() {
+    address_.clear();
+    start();
+  }
+  /// Has it stand still, and go on.
+  void stand() const { ::kill(process_, SIGSTOP); }
+  void goOn() const { ::kill(process_, SIGCONT); }
   /// Ends the bus at once, as a crash would.
   void kill() {
     if (process_ <= 0) return;

@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <vector>
@@ -17,7 +18,8 @@ class FakePlaylist : public player::Playlist {
   std::string title;
   std::vector<player::MediaRef> members;
   bool nameFails = false;
-  bool refuses = false;  ///< every change fails
+  bool refuses = false;                                    ///< every change fails
+  std::int32_t failure = base::number::kPermissionDenied;  ///< the number with which it does
   std::function<void()> onName = [] {};
 
   [[nodiscard]] std::string name() const override {
@@ -44,16 +46,21 @@ class FakePlaylist : public player::Playlist {
   }
   void removeItem(const player::MediaRef& media) override {
     changed("remove " + media->name() + " from " + title);
-    std::erase(members, media);
+    const auto found = std::find(members.begin(), members.end(), media);  // the first of equal ones
+    if (found != members.end()) members.erase(found);
   }
   void moveItem(std::int32_t from, std::int32_t to) override {
-    journal_.add("library: move " + std::to_string(from) + " to " + std::to_string(to));
+    changed("move " + std::to_string(from) + " to " + std::to_string(to));
+    const player::MediaRef moved = item(from);
+    static_cast<void>(item(to));
+    members.erase(members.begin() + from);
+    members.insert(members.begin() + to, moved);
   }
 
  private:
   void changed(const std::string& what) {
     journal_.add("library: " + what);
-    if (refuses) throw Failure(base::number::kPermissionDenied);
+    if (refuses) throw Failure(failure);
   }
 
   Journal& journal_;

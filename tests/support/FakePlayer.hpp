@@ -15,6 +15,8 @@ class FakeMedia : public player::Media {
   std::string title;
   std::map<std::string, std::string> info;
   double seconds = 0;
+  std::string url;          ///< empty for one that is made of the title
+  bool renames = false;     ///< takes another name
   std::string picture;      ///< the address of the picture in it
   std::int32_t height = 0;  ///< of the picture that it moves, in pixels
 
@@ -22,7 +24,11 @@ class FakeMedia : public player::Media {
       : title(std::move(name)),
         info{{"Artist", std::move(artist)}, {"Album", std::move(album)}, {"Genre", std::move(genre)}} {}
   [[nodiscard]] std::string name() const override { return title; }
-  [[nodiscard]] std::string sourceURL() const override { return "file:" + title; }
+  void rename(const std::string& value) override {
+    if (!renames) throw Failure(base::number::kPermissionDenied);
+    title = value;
+  }
+  [[nodiscard]] std::string sourceURL() const override { return url.empty() ? "file:" + title : url; }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override {
     const auto found = info.find(attribute);
     return found == info.end() ? "" : found->second;

@@ -136,8 +136,12 @@ class House : public ::testing::Test {
   enum class Pages { kFakes, kOwn };
 
   /// With a window, the popup controls are the plug-in's own too.
-  explicit House(Pages pages = Pages::kFakes, ui::PopupWindow* popupWindow = nullptr)
-      : pages_(pages), popupWindow_(popupWindow), host(std::make_shared<FakeHost>(journal)) {
+  explicit House(Pages pages = Pages::kFakes, ui::PopupWindow* popupWindow = nullptr,
+                 ui::editor::EditorWindow* editorWindow = nullptr)
+      : pages_(pages),
+        popupWindow_(popupWindow),
+        editorWindow_(editorWindow),
+        host(std::make_shared<FakeHost>(journal)) {
     // The host hands out itself as its second object; the test breaks the circle at its end.
     host->self = host;
   }
@@ -180,6 +184,7 @@ class House : public ::testing::Test {
 
   const Pages pages_;
   ui::PopupWindow* const popupWindow_;
+  ui::editor::EditorWindow* const editorWindow_;
   Journal journal;
   VirtualLoop loop;
   std::shared_ptr<FakeHost> host;
@@ -206,7 +211,10 @@ class House : public ::testing::Test {
                          &neighbours,
                          nullptr,
                          pages_ == Pages::kFakes ? &neighbours : nullptr,
-                         &neighbours}};
+                         &neighbours,
+                         nullptr,
+                         {},
+                         editorWindow_}};
 };
 
 }  // namespace support

@@ -2,12 +2,14 @@
 #include <functional>
 #include <string>
 
+#include "base/MovingPicture.hpp"
 #include "base/Platform.hpp"
 #include "bus/PollLoop.hpp"
 #include "desktop/loader/Display.hpp"
 #include "ui/MsgFormView.hpp"
 #include "ui/ProgBarView.hpp"
 #include "ui/TrayView.hpp"
+#include "ui/editor/EditorWindow.hpp"
 #include "ui/popup/PopupWindow.hpp"
 
 namespace desktop {
@@ -28,6 +30,7 @@ class Windows {
   virtual ui::ProgBarView& progress() = 0;
   virtual ui::PopupWindow& popup() = 0;
   virtual ui::TrayView& tray() = 0;
+  virtual ui::editor::EditorWindow& editor() = 0;
   /// Shows a message with an OK button and waits until it is read. False when it was not.
   virtual bool showBox(base::BoxKind kind, const std::string& title, const std::string& text) = 0;
 };
@@ -38,6 +41,8 @@ struct WindowsParts {
   Display display;
   /// Called once, on the loop, when the desktop has gone.
   std::function<void()> gone;
+  /// What the player shows, for the popup window; null where it shows nothing.
+  base::MovingPicture* picture = nullptr;
 };
 
 }  // namespace desktop

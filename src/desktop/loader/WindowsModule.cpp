@@ -25,7 +25,8 @@ OpenWindows Load(std::string& problem) {
 
 }  // namespace
 
-std::unique_ptr<Windows> LoadWindows(bus::PollLoop& loop, const std::function<void()>& gone,
+std::unique_ptr<Windows> LoadWindows(bus::PollLoop& loop, base::MovingPicture* picture,
+                                     const std::function<void()>& gone,
                                      const std::function<void(const std::string&)>& tell) {
   OpenWindows open = nullptr;
   for (const Display::Kind kind : Display::kOrder) {
@@ -35,7 +36,7 @@ std::unique_ptr<Windows> LoadWindows(bus::PollLoop& loop, const std::function<vo
       tell("The windows can't be loaded: " + problem);
       return nullptr;
     }
-    WindowsParts parts{loop, std::move(*display), gone};
+    WindowsParts parts{loop, std::move(*display), gone, picture};
     if (auto windows = std::unique_ptr<Windows>(open(&parts))) return windows;
   }
   return nullptr;

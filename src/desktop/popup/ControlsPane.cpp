@@ -31,19 +31,7 @@ ControlsPane::ControlsPane(Frame frame)
       cover_(new QLabel(this)),
       picture_(new QWidget(this)),
       transport_(new TransportPane([this](const auto& event) { tell(event); })),
-      names_(std::make_unique<NameList>([this](const NameEntry& entry) {
-        if (menus_ == nullptr) return;
-        // The names may have been made anew since the list was opened: then it is another one's number.
-        const ui::ElementArray& list = menus_->list(openList_);
-        if (!list.has(entry.element) || ShownText(list.caption(entry.element)) != entry.text) return;
-        const bool media = openList_ == ui::PopupMenus::kMedia;
-        tell([&](ui::PopupWindowEvents& events) {
-          if (media)
-            events.mediaClick(entry.element);
-          else
-            events.listClick(openList_, entry.element);
-        });
-      })),
+      names_(std::make_unique<NameList>([this](const NameEntry& entry) { choose(entry); })),
       controlHeight_(kBarHeight) {
   setWindowTitle("Vantorix Media Player");
   setWindowIcon(PlayerIcon());
@@ -71,6 +59,10 @@ ControlsPane::~ControlsPane() = default;
 void ControlsPane::tell(const std::function<void(ui::PopupWindowEvents&)>& event) const {
   base::Attempt step;
   if (events_ != nullptr) step([&] { event(*events_); });
+}
+
+void ControlsPane::menuClick(const std::string& item) const {
+  tell([&](ui::PopupWindowEvents& events) { events.menuClick(item); });
 }
 
 void ControlsPane::serve(ui::PopupWindowEvents* events, ui::PopupMenus* menus) {
@@ -120,10 +112,27 @@ void ControlsPane::addBelow(QMenu& menu, const char* parent) {
   }
 }
 
+void ControlsPane::choose(const NameEntry& entry) {
+  if (menus_ == nullptr) return;
+  // Held as it is now: the click may take long, and another list may be opened meanwhile.
+  const std::string list = openList_;
+  // The names may have been made anew since the list was opened: then it is another one's number.
+  const ui::ElementArray& elements = menus_->list(list);
+  if (!elements.has(entry.element) || ShownText(elements.caption(entry.element)) != entry.text) return;
+  tell([&](ui::PopupWindowEvents& events) {
+    if (list == ui::PopupMenus::kMedia)
+      events.mediaClick(entry.element);
+    else
+      events.listClick(list, entry.element);
+  });
+}
+
 void ControlsPane::openNames(const std::string& category, QPoint at) { openList(category, 0, at, QString()); }
 
 void ControlsPane::popUpMedia() {
-  if (menus_ == nullptr) return;
+  // Titles may take long to be read: by then their reader may have put the window away, and a list that
+  // takes all keys and clicks is nobody's wish any more.
+  if (menus_ == nullptr || !isVisible() || isMinimized()) return;
   const QString heading = ShownText(menus_->list(ui::PopupMenus::kMedia).caption(ui::PopupMenus::kHeading));
   openList(ui::PopupMenus::kMedia, ui::PopupMenus::kPlayAll, mapToGlobal(QPoint(0, bar_->height())), heading);
 }
@@ -131,12 +140,15 @@ void ControlsPane::popUpMedia() {
 void ControlsPane::openList(const std::string& list, std::int16_t first, QPoint at, const QString& heading) {
   if (menus_ == nullptr) return;
   const ui::ElementArray& elements = menus_->list(list);
+  // Before them stand the entries that mean all of them.
+  const std::int16_t firstName =
+      list == ui::PopupMenus::kMedia ? ui::PopupMenus::kFirstTitle : std::int16_t{1};
   std::vector<NameEntry> entries;
   entries.reserve(static_cast<std::size_t>(elements.upperBound()) + 1);
   for (std::int32_t i = first; i <= elements.upperBound(); ++i) {
     if (!elements.has(i)) continue;
     const auto element = static_cast<std::int16_t>(i);
-    entries.push_back({element, ShownText(elements.caption(element))});
+    entries.push_back({element, ShownText(elements.caption(element)), element >= firstName});
   }
   openList_ = list;
   names_->open(at, heading, heading.isEmpty() ? QString::fromStdString(list) : heading, std::move(entries));
@@ -165,6 +177,7 @@ void ControlsPane::fit() {
 void ControlsPane::moveEvent(QMoveEvent* event) {
   QWidget::moveEvent(event);
   if (whole_ > 0) fit();
+  frame_.moved();
 }
 
 void ControlsPane::arrange() {
@@ -190,9 +203,12 @@ bool ControlsPane::cover(const std::string& bytes) {
   // No larger than it is shown, so that a picture of any size costs the same.
   const qreal scale = devicePixelRatioF();
   const QSize room = QSize(kWidth, kCoverHeight) * scale;
+  // A picture is scaled first and turned then.
+  const bool lying = reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+  const QSize before = lying ? room.transposed() : room;
   if (const QSize size = reader.size();
-      size.isValid() && (size.width() > room.width() || size.height() > room.height()))
-    reader.setScaledSize(size.scaled(room, Qt::KeepAspectRatio));
+      size.isValid() && (size.width() > before.width() || size.height() > before.height()))
+    reader.setScaledSize(size.scaled(before, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
   const QImage image = reader.read();
   if (image.isNull()) return false;
   pixmap_ = QPixmap::fromImage(image);

@@ -17,6 +17,7 @@ class QMenuBar;
 namespace desktop {
 
 class NameList;
+struct NameEntry;
 
 /// What is in the popup window: its menu bar, the cover, the place for a moving picture, the transport bar.
 /// All lengths are in pixels of the desktop's scale.
@@ -26,6 +27,7 @@ class ControlsPane : public QWidget {
   struct Frame {
     std::function<void()> closed;
     std::function<void()> stateChanged;
+    std::function<void()> moved;
   };
 
   explicit ControlsPane(Frame frame);
@@ -42,6 +44,8 @@ class ControlsPane : public QWidget {
   bool cover(const std::string& bytes);
   void clearCover();
   void popUpMedia();
+  /// As if the user had chosen that item of the menus.
+  void menuClick(const std::string& item) const;
   [[nodiscard]] TransportPane& transport() { return *transport_; }
   /// Where somebody may show a moving picture: a child of this place is as large as it is.
   [[nodiscard]] QWidget& picture() { return *picture_; }
@@ -58,6 +62,7 @@ class ControlsPane : public QWidget {
   void tell(const std::function<void(ui::PopupWindowEvents&)>& event) const;
   void buildMenus();
   void addBelow(QMenu& menu, const char* parent);
+  void choose(const NameEntry& entry);
   void openNames(const std::string& category, QPoint at);
   void openList(const std::string& list, std::int16_t first, QPoint at, const QString& heading);
   void fit();

@@ -10,6 +10,7 @@
 #include "base/Attempt.hpp"
 #include "desktop/Twips.hpp"
 #include "desktop/popup/ControlsPane.hpp"
+#include "desktop/popup/ScreenOwners.hpp"
 #include "player/PopupView.hpp"
 
 namespace desktop {
@@ -24,7 +25,11 @@ int Pixels(float twips) {
   return std::isfinite(twips) ? ToPixels(std::clamp(twips, -kFarthest, kFarthest)) : 0;
 }
 
-QRect Screens() { return QGuiApplication::primaryScreen()->virtualGeometry(); }
+/// All screens together; an empty place while there are none.
+QRect Screens() {
+  const QScreen* first = QGuiApplication::primaryScreen();
+  return first != nullptr ? first->virtualGeometry() : QRect();
+}
 
 }  // namespace
 
@@ -32,7 +37,7 @@ ControlsWindow::ControlsWindow(QtWindows& windows, std::function<bool()> canCome
     : windows_(windows), canComeBack_(std::move(canComeBack)), pane_(windows) {
   windows_.enter([&] {
     pane_.reset(std::make_unique<ControlsPane>(
-        ControlsPane::Frame{[this] { closed(); }, [this] { stateChanged(); }}));
+        ControlsPane::Frame{[this] { closed(); }, [this] { stateChanged(); }, [this] { keepPlace(); }}));
   });
 }
 
@@ -90,6 +95,12 @@ bool ControlsWindow::visible() const {
   return seen;
 }
 
+void ControlsWindow::place() {
+  reach();
+  const QPoint at = Screens().topLeft() + place_;
+  if (!pane_->isVisible() || pane_->pos() != at) pane_->move(at);
+}
+
 // The screen on which it stood may have gone or shrunk since.
 void ControlsWindow::reach() {
   constexpr int kGrip = 40;
@@ -98,6 +109,7 @@ void ControlsWindow::reach() {
     const QRect seen = screen->availableGeometry() & grip;
     if (seen.width() >= kGrip && seen.height() >= kGrip / 2) return;
   }
+  if (QGuiApplication::primaryScreen() == nullptr) return;
   const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
   const QPoint near(
       std::clamp(grip.x(), room.left(), std::max(room.left(), room.right() + 1 - pane_->width())),
@@ -110,10 +122,8 @@ void ControlsWindow::show() {
   windows_.enter([&] {
     modal = QApplication::activeModalWidget() != nullptr;
     if (modal) return;
-    if (!pane_->isVisible()) {
-      reach();
-      pane_->move(Screens().topLeft() + place_);
-    }
+    keepPlace();
+    place();
     quietly([&] {
       if (pane_->isMinimized())
         pane_->showNormal();
@@ -125,25 +135,34 @@ void ControlsWindow::show() {
   });
   if (modal) throw base::Failure(base::number::kWindowNotShown);
   shown_ = true;
+  hidden_ = false;
 }
 
 void ControlsWindow::hide() {
   keepPlace();
   shown_ = false;
-  windows_.enter([&] {
-    if (!pane_->isVisible()) return;
-    quietly([&] {
-      if (canComeBack_())
-        pane_->hide();
-      else
-        pane_->showMinimized();
-    });
+  hidden_ = true;
+  windows_.enter([&] { putAway(); });
+}
+
+void ControlsWindow::iconChanged() {
+  if (hidden_) windows_.enter([&] { putAway(); });
+}
+
+void ControlsWindow::putAway() {
+  quietly([&] {
+    // Where nobody minimises windows, one that should be would stay where it is.
+    if (canComeBack_() || !HasWindowManager()) return pane_->hide();
+    if (!pane_->isVisible()) place();
+    pane_->showMinimized();
   });
 }
 
+// A window that is only minimised because it is hidden is none that its user has minimised: whatever comes of
+// that, as that a video shows it, is for a hidden one.
 bool ControlsWindow::minimised() const {
   bool answer = false;
-  windows_.enter([&] { answer = pane_->isMinimized(); });
+  windows_.enter([&] { answer = !hidden_ && pane_->isMinimized(); });
   return answer;
 }
 

@@ -10,8 +10,8 @@ namespace desktop {
 
 class ControlsPane;
 
-/// The popup window. Where the desktop has no icon from which it could be brought back, hiding it minimises
-/// it to the task bar. When the desktop has gone, it keeps its place and whether it is to be seen.
+/// The popup window. While the desktop has no icon from which it could be brought back, a hidden one is
+/// minimised to the task bar. When the desktop has gone, it keeps its place and whether it is to be seen.
 class ControlsWindow : public ui::PopupWindow {
  public:
   /// `canComeBack` tells whether there is an icon in the notification area.
@@ -21,6 +21,9 @@ class ControlsWindow : public ui::PopupWindow {
   ControlsWindow& operator=(const ControlsWindow&) = delete;
   ControlsWindow(ControlsWindow&&) = delete;
   ControlsWindow& operator=(ControlsWindow&&) = delete;
+
+  /// The icon has come or gone: what `canComeBack` tells may be another.
+  void iconChanged();
 
   void serve(ui::PopupWindowEvents* events, ui::PopupMenus* menus) override;
   [[nodiscard]] float top() const override;
@@ -56,6 +59,10 @@ class ControlsWindow : public ui::PopupWindow {
   void quietly(const std::function<void()>& act);
   void keepPlace() const;
   void reach();
+  /// Brings it to its place, within reach.
+  void place();
+  /// Makes it a hidden window, as this desktop can have one.
+  void putAway();
 
   QtWindows& windows_;
   std::function<bool()> canComeBack_;
@@ -63,6 +70,7 @@ class ControlsWindow : public ui::PopupWindow {
   ui::PopupWindowEvents* events_ = nullptr;
   mutable QPoint place_;  // of the frame
   bool shown_ = false;    // as it is wanted
+  bool hidden_ = false;   // as it is wanted; at first neither is
   bool quiet_ = false;
   std::int32_t controlTop_ = 0;
   std::int32_t controlHeight_ = 0;

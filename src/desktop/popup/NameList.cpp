@@ -13,7 +13,8 @@
 
 namespace desktop {
 
-/// The entries in which the text that is looked for stands.
+/// The names in which the text that is looked for stands, those that begin with it first. All entries while
+/// nothing is looked for.
 class NameList::Entries : public QAbstractListModel {
  public:
   using QAbstractListModel::QAbstractListModel;
@@ -25,8 +26,15 @@ class NameList::Entries : public QAbstractListModel {
   void find(const QString& text) {
     beginResetModel();
     found_.clear();
-    for (std::size_t i = 0; i < all_.size(); ++i)
-      if (text.isEmpty() || all_[i].text.contains(text, Qt::CaseInsensitive)) found_.push_back(i);
+    std::vector<std::size_t> within;
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+      const NameEntry& entry = all_[i];
+      if (text.isEmpty() || (entry.name && entry.text.startsWith(text, Qt::CaseInsensitive)))
+        found_.push_back(i);
+      else if (entry.name && entry.text.contains(text, Qt::CaseInsensitive))
+        within.push_back(i);
+    }
+    found_.insert(found_.end(), within.begin(), within.end());
     endResetModel();
   }
   [[nodiscard]] const NameEntry& at(int row) const { return all_[found_[static_cast<std::size_t>(row)]]; }
@@ -117,7 +125,9 @@ void NameList::open(QPoint at, const QString& heading, const QString& name, std:
   heading_->setText(heading_->fontMetrics().elidedText(heading, Qt::ElideRight, kWidth - 20));
   heading_->setAccessibleName(heading);
   const QScreen* on = QGuiApplication::screenAt(at);
-  const QRect screen = (on != nullptr ? on : QGuiApplication::primaryScreen())->availableGeometry();
+  if (on == nullptr) on = QGuiApplication::primaryScreen();
+  if (on == nullptr) return;  // all screens have gone: there is nobody to choose
+  const QRect screen = on->availableGeometry();
   const QSize size(std::min(kWidth, screen.width()), std::min(kHeight, screen.height()));
   resize(size);
   move(std::clamp(at.x(), screen.left(), screen.right() + 1 - size.width()),

@@ -18,6 +18,7 @@ namespace desktop {
 struct NameEntry {
   std::int16_t element = 0;
   QString text;
+  bool name = true;  ///< false for what stands among the names and is none; nobody looks for that
 };
 
 /// A menu of thousands of names: it opens at once, scrolls, and finds by typing. Escape and a click beside it

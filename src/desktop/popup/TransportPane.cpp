@@ -30,9 +30,12 @@ class Slider : public QSlider {
 
  protected:
   void mousePressEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
+      // Held before it is moved there, so that the place is told once, when it is let go.
+      setSliderDown(true);
       setSliderPosition(QStyle::sliderValueFromPosition(minimum(), maximum(),
                                                         static_cast<int>(event->position().x()), width()));
+    }
     QSlider::mousePressEvent(event);
   }
 };

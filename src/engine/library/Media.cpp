@@ -45,6 +45,18 @@ std::string EngineMedia::pictureBytes() const {
 
 std::string TrackMedia::name() const { return std::string(shelf_->table.text(shelf_->table.row(id_).title)); }
 
+std::int32_t TrackMedia::imageSourceHeight() const {
+  const auto known = shelf_->pictureHeights.find(id_);
+  return known != shelf_->pictureHeights.end() ? known->second : 0;
+}
+
+void TrackMedia::pictureHeight(std::int32_t lines) {
+  if (lines > 0)
+    shelf_->pictureHeights[id_] = lines;
+  else
+    shelf_->pictureHeights.erase(id_);
+}
+
 std::string TrackMedia::getItemInfo(const std::string& attribute) const {
   return AttributeText(shelf_->table, id_, AttributeNamed(attribute));
 }

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "engine/library/Attributes.hpp"
 #include "engine/library/Pictures.hpp"
@@ -20,6 +21,8 @@ struct Shelf {
   TrackTable table;
   TrackIndex index;
   Pictures pictures;
+  std::unordered_map<TrackId, std::int32_t>
+      pictureHeights;  ///< of the tracks that are videos, as far as they were played
 };
 using ShelfRef = std::shared_ptr<Shelf>;
 
@@ -31,7 +34,8 @@ class EngineMedia : public player::Media, public player::Pictured {
   /// The same media as an object of its own.
   [[nodiscard]] virtual std::shared_ptr<EngineMedia> copy() const = 0;
   [[nodiscard]] std::string durationString() const override { return ClockText(duration()); }
-  [[nodiscard]] std::int32_t imageSourceHeight() const override { return 0; }
+  /// Told by the decoder when it begins to play, as nobody looks for a picture before that.
+  virtual void pictureHeight(std::int32_t lines) = 0;
   [[nodiscard]] player::Picture getItemInfoByType(const std::string& attribute, const std::string& language,
                                                   std::int32_t index) const override;
   [[nodiscard]] std::string pictureMark() const override;
@@ -59,6 +63,8 @@ class TrackMedia : public EngineMedia {
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location()); }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
   [[nodiscard]] double duration() const override { return shelf_->table.row(id_).milliseconds / 1000.0; }
+  [[nodiscard]] std::int32_t imageSourceHeight() const override;
+  void pictureHeight(std::int32_t lines) override;
 
  protected:
   [[nodiscard]] Pictures* pictures() const override { return &shelf_->pictures; }
@@ -94,6 +100,8 @@ class LooseMedia : public EngineMedia {
   [[nodiscard]] std::string sourceURL() const override { return SourceUrl(location_); }
   [[nodiscard]] std::string getItemInfo(const std::string& attribute) const override;
   [[nodiscard]] double duration() const override { return tags_.milliseconds / 1000.0; }
+  [[nodiscard]] std::int32_t imageSourceHeight() const override { return height_; }
+  void pictureHeight(std::int32_t lines) override { height_ = lines; }
 
  protected:
   [[nodiscard]] Pictures* pictures() const override { return shelf_ ? &shelf_->pictures : nullptr; }
@@ -103,6 +111,7 @@ class LooseMedia : public EngineMedia {
   TrackTags tags_;
   ShelfRef shelf_;
   std::string streamTitle_;
+  std::int32_t height_ = 0;
 };
 
 /// A path without "." and ".." steps; an address as it is.

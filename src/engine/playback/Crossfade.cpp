@@ -45,6 +45,7 @@ void Crossfade::retire(std::unique_ptr<Deck> deck) {
   if (!deck) return;
   deck->entry = 0;
   deck->output->stop();
+  deck->output->look({});
   post_([gone = std::shared_ptr<Deck>(std::move(deck))] {});
 }
 
@@ -124,6 +125,11 @@ void Crossfade::mute(bool value) {
   if (second_) second_->output->mute(value);
 }
 
+void Crossfade::look(base::PictureSize size) {
+  size_ = size;
+  now_->output->look(size);
+}
+
 void Crossfade::lookIn(double seconds) {
   timer_->interval(base::Milliseconds(static_cast<int>(std::clamp(seconds, kStep, kLongestLook) * 1000)));
   timer_->enabled(true);
@@ -197,6 +203,7 @@ void Crossfade::moveOn() {
   retire(std::exchange(now_, std::move(second_)));
   now_->output->volume(volume_);
   now_->output->pause(paused_);
+  now_->output->look(size_);
   now_->tellAll(*events_);
 }
 
@@ -208,7 +215,10 @@ void Crossfade::Deck::tellAll(OutputEvents& events) const {
   const bool ended = over;
   const double seconds = length;
   if (failed) return events.failed(mine, *failed);
-  if (ready) events.started(mine);
+  if (ready) {
+    events.heightKnown(mine, height);
+    events.started(mine);
+  }
   if (entry == mine && seconds > 0) events.lengthKnown(mine, seconds);
   if (entry == mine && !said.empty()) events.titleTold(mine, said);
   if (entry == mine && ended) owner.moveOn();
@@ -221,6 +231,12 @@ void Crossfade::Deck::started(EntryId which) {
     owner.events_->started(which);
   else
     owner.look();
+}
+
+void Crossfade::Deck::heightKnown(EntryId which, std::int32_t lines) {
+  if (which != entry) return;
+  height = lines;
+  if (owner.sounds(*this)) owner.events_->heightKnown(which, lines);
 }
 
 void Crossfade::Deck::lengthKnown(EntryId which, double seconds) {

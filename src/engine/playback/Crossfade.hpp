@@ -6,7 +6,7 @@
 
 #include "base/Loop.hpp"
 #include "engine/common/Poster.hpp"
-#include "engine/playback/Output.hpp"
+#include "engine/decoder/Output.hpp"
 
 namespace engine {
 
@@ -43,12 +43,14 @@ class Crossfade : public Output {
   void speed(double factor) override;
   void volume(std::int32_t percent) override;
   void mute(bool value) override;
+  void look(base::PictureSize size) override;
 
  private:
   /// One output and what it has told.
   struct Deck : OutputEvents {
     explicit Deck(Crossfade& whose) : owner(whose) {}
     void started(EntryId entry) override;
+    void heightKnown(EntryId entry, std::int32_t height) override;
     void lengthKnown(EntryId entry, double seconds) override;
     void titleTold(EntryId entry, const std::string& title) override;
     void ended(EntryId entry) override;
@@ -60,6 +62,7 @@ class Crossfade : public Output {
     Crossfade& owner;
     EntryId entry = 0;
     double length = 0;
+    std::int32_t height = 0;
     bool ready = false;
     bool over = false;
     std::string title;
@@ -99,6 +102,7 @@ class Crossfade : public Output {
   bool paused_ = false;
   std::int32_t volume_ = 100;
   bool mute_ = false;
+  base::PictureSize size_;  ///< how large the picture of what sounds is looked at
   Poster post_;
 };
 

@@ -234,6 +234,7 @@ void Playback::position(double seconds) {
     startAt_ = wanted;
   }
   events_.place();
+  events_.sought();
 }
 
 void Playback::loop(bool value) {
@@ -264,9 +265,19 @@ void Playback::prepareNext() {
   output_.append(nextEntry_, location);
 }
 
+void Playback::heightKnown(EntryId entry, std::int32_t height) {
+  if (!putOff_.empty()) {
+    putOff_.emplace_back([this, entry, height] { heightKnown(entry, height); });
+    return;
+  }
+  if (entry != entry_ || entry == 0) return;
+  if (auto* media = dynamic_cast<EngineMedia*>(queue_.current().get())) media->pictureHeight(height);
+}
+
 void Playback::lengthKnown(EntryId entry, double seconds) {
   if (entry != entry_ || entry == 0) return;
   if (auto* loose = dynamic_cast<LooseMedia*>(queue_.current().get())) loose->duration(seconds);
+  events_.length();
 }
 
 void Playback::titleTold(EntryId entry, const std::string& title) {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/Loop.hpp"
+#include "engine/decoder/Output.hpp"
 #include "engine/playback/ErrorList.hpp"
-#include "engine/playback/Output.hpp"
 #include "engine/playback/PlayQueue.hpp"
 
 namespace engine {
@@ -18,9 +18,11 @@ class Playback : public OutputEvents {
  public:
   struct Events {
     std::function<void(player::PlayState)> state;
-    std::function<void()> error;          ///< an item was added to the error list
-    std::function<void()> place = [] {};  ///< another list, item or position may be the one to go on from
-    std::function<void()> title = [] {};  ///< the station that plays has gone on to another title
+    std::function<void()> error;           ///< an item was added to the error list
+    std::function<void()> place = [] {};   ///< another list, item or position may be the one to go on from
+    std::function<void()> title = [] {};   ///< the station that plays has gone on to another title
+    std::function<void()> sought = [] {};  ///< another position was chosen
+    std::function<void()> length = [] {};  ///< the item that plays turns out to be that long
   };
 
   Playback(base::Loop& loop, Output& output, ErrorList& errors, std::uint32_t seed, Events events);
@@ -66,6 +68,7 @@ class Playback : public OutputEvents {
   void shuffle(bool value);
 
   void started(EntryId entry) override;
+  void heightKnown(EntryId entry, std::int32_t height) override;
   void lengthKnown(EntryId entry, double seconds) override;
   void titleTold(EntryId entry, const std::string& title) override;
   void ended(EntryId entry) override;

@@ -159,7 +159,7 @@ void Dispatch::SelectMenu(const std::string& menu_name) {
   if (found != MenuCommands().end())
     found->second(calls_);
   else if (menu_name == "PlayList Editor")
-    step([&] { desktop_.showPlayListEditor(); });
+    step([&] { editor_(); });
   else if (menu_name == "Setup")
     step([&] { configure_(); });
   else if (menu_name != VersionMenuItem())

@@ -14,15 +14,15 @@ namespace plugin {
 /// with failures skipped and throw nothing; an unknown command does nothing or is logged.
 class Dispatch {
  public:
-  /// `configure` opens the setup page.
+  /// `configure` opens the setup page, `editor` shows the playlist editor without blocking.
   Dispatch(player::WMPCalls& calls, HostServices& host, const PluginState& state, LibraryCalls& library,
-           MediaEvents& mediaEvents, Desktop& desktop, std::function<void()> configure)
+           MediaEvents& mediaEvents, std::function<void()> editor, std::function<void()> configure)
       : calls_(calls),
         host_(host),
         state_(state),
         library_(library),
         mediaEvents_(mediaEvents),
-        desktop_(desktop),
+        editor_(std::move(editor)),
         configure_(std::move(configure)) {}
 
   /// A command to one of the plug-in's devices: 2 on, 3 off, 13 voice, 19 a value chosen, which is then in
@@ -46,7 +46,7 @@ class Dispatch {
   const PluginState& state_;
   LibraryCalls& library_;
   MediaEvents& mediaEvents_;
-  Desktop& desktop_;
+  std::function<void()> editor_;
   std::function<void()> configure_;
 };
 

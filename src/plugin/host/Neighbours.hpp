@@ -57,7 +57,7 @@ class Desktop : public Neighbour {
   virtual void ShowTrayIcon(bool /*show*/) {}
   /// Takes the tray icon away.
   virtual void unloadTray() {}
-  /// Shows the playlist editor without blocking.
+  /// The playlist editor is asked for, and there is no window for it.
   virtual void showPlayListEditor() {}
   /// A message that closes itself. 1 for OK, 2 for Cancel or the end of the time.
   virtual std::int16_t ShowTimedMessage(const std::string& title, const std::string& text,

@@ -25,14 +25,16 @@ T& Existing(const std::shared_ptr<T>& object) {
 
 void PopupLists::listClick(const std::string& category, std::int16_t index) {
   Attempt step;
+  // Both texts are held as they are now: while the library is read, the window may open another list and the
+  // names may be made anew.
+  const std::string type = category;
   if (index == 0) {
-    step([&] { in_.mediaEvents.UpdateMediaEvents(category); });
+    step([&] { in_.mediaEvents.UpdateMediaEvents(type); });
     return;
   }
   step([&] {
-    // Held as it is now: while the titles are read, the names may be made anew.
-    const std::string name = in_.menus.list(category).caption(index);
-    BuildMediaListMenu(category, name);
+    const std::string name = in_.menus.list(type).caption(index);
+    BuildMediaListMenu(type, name);
   });
   step([&] { in_.window.popUpMedia(PopupMenus::kHeading); });
 }

@@ -17,7 +17,7 @@ class NoDisplay : public ::testing::Test {
   bool none() {
     std::string problem;
     const auto windows = desktop::LoadWindows(
-        loop, [] {}, [&](const std::string& told) { problem = told; });
+        loop, nullptr, [] {}, [&](const std::string& told) { problem = told; });
     return windows == nullptr && problem.empty();
   }
 

@@ -23,8 +23,12 @@ class Reports : public ui::TrayEvents {
     journal_.add("message " + std::to_string(x));
     if (x == kRightDown) onRightButton();
   }
+  std::function<void()> onMute = [] {};
   void mnuShowHide_Click() override { journal_.add("mnuShowHide"); }
-  void mnuMute_Click() override { journal_.add("mnuMute"); }
+  void mnuMute_Click() override {
+    journal_.add("mnuMute");
+    onMute();
+  }
 
  private:
   support::Journal& journal_;
@@ -78,16 +82,46 @@ class TrayIcon : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(TrayIcon, ADoubleClickIsItsMessageAndASingleOneIsAnother) {
+TEST_F(TrayIcon, ASingleClickIsAMessageOfItsOwn) {
   startArea();
   icon->add("Vantorix Media Player");
   ASSERT_TRUE(stands());
   support::ScreenShot("tray");
   click(1);
-  ASSERT_TRUE(until([&] { return !journal.lines().empty(); }));
-  EXPECT_FALSE(journal.has("message 515"));
+  EXPECT_TRUE(until([&] { return !journal.lines().empty(); }));
+  EXPECT_THAT(journal.lines(), ElementsAre("message 514"));
+}
+
+TEST_F(TrayIcon, ADoubleClickIsOneMessage) {
+  startArea();
+  icon->add("Vantorix Media Player");
+  ASSERT_TRUE(stands());
   click(1, 2);
-  EXPECT_TRUE(until([&] { return journal.has("message 515"); }));
+  ASSERT_TRUE(until([&] { return journal.has("message 515"); }));
+  // What is clicked last is heard last: two of them would show the controls and hide them again.
+  click(3);
+  ASSERT_TRUE(until([&] { return journal.has("message 516"); }));
+  EXPECT_EQ(journal.count("message 515"), 1U);
+}
+
+TEST_F(TrayIcon, MayBeTakenAwayInTheMiddleOfItsClick) {
+  startArea();
+  icon->add("Vantorix Media Player");
+  ASSERT_TRUE(stands());
+  reports.onMute = [this] {
+    icon->remove();
+    loop.pump();
+  };
+  click(3);
+  ASSERT_TRUE(until([] { return menu() != nullptr; }));
+  const QRect mute = menu()->actionGeometry(menu()->actions().back());
+  const QPoint at = menu()->mapToGlobal(mute.center());
+  support::Process tool(
+      {"xdotool", "mousemove", std::to_string(at.x()), std::to_string(at.y()), "click", "1"});
+  tool.wait();
+  ASSERT_TRUE(until([&] { return journal.has("mnuMute"); }));
+  EXPECT_TRUE(until([&] { return shownIcon() == nullptr && menu() == nullptr; }));
+  EXPECT_FALSE(icon->canBeSeen());
 }
 
 TEST_F(TrayIcon, TheRightButtonOpensItsMenu) {
@@ -106,8 +140,28 @@ TEST_F(TrayIcon, TheRightButtonOpensItsMenu) {
 }
 
 TEST_F(TrayIcon, TellsItsTip) {
+  startArea();
   icon->add("Vantorix Media Player");
-  EXPECT_EQ(icon->tip(), "Vantorix Media Player");
+  ASSERT_TRUE(stands());
+  EXPECT_EQ(shownIcon()->toolTip(), "Vantorix Media Player");
+}
+
+TEST_F(TrayIcon, TellsWhenItCanBeSeenAndWhenNot) {
+  std::vector<bool> seen;
+  icon->onSight([&] { seen.push_back(icon->canBeSeen()); });
+  const auto becomes = [&](bool value) {
+    return until([&] { return !seen.empty() && seen.back() == value; });
+  };
+  icon->add("tip");
+  EXPECT_TRUE(becomes(false));
+  startArea();
+  EXPECT_TRUE(becomes(true));
+  area.reset();
+  EXPECT_TRUE(becomes(false));
+  startArea();
+  EXPECT_TRUE(becomes(true));
+  icon->remove();
+  EXPECT_TRUE(becomes(false));
 }
 
 TEST_F(TrayIcon, IsRefusedASecondTimeAndCantBeTakenAwayTwice) {

@@ -60,12 +60,16 @@ class Recorder : public player::WMP9Events {
   void PlaylistCollectionChange() override { ++playlistChanges; }
   void DoubleClick() override {}
   void StreamTitleChange() override { ++titles; }
+  void Changed() override { ++changes; }
+  void Sought() override { ++soughts; }
 
   std::vector<std::int32_t> states;
   std::vector<std::chrono::steady_clock::time_point> times;  ///< of the states
   std::vector<std::pair<std::string, bool>> modes;
   int errors = 0;
   int titles = 0;
+  int changes = 0;
+  int soughts = 0;
   int mediaChanges = 0;
   int playlistChanges = 0;
   std::vector<std::string> warnings;

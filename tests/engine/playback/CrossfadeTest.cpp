@@ -33,6 +33,9 @@ class Crossfading : public ::testing::Test, protected OutputEvents {
   Crossfading() { fade.listener(*this); }
 
   void started(EntryId entry) override { note("started", entry); }
+  void heightKnown(EntryId entry, std::int32_t height) override {
+    if (height > 0) note("height", entry);
+  }
   void lengthKnown(EntryId entry, double) override { note("length", entry); }
   void titleTold(EntryId entry, const std::string&) override { note("title", entry); }
   void ended(EntryId entry) override {

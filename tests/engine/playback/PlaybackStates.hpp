@@ -37,6 +37,7 @@ class FakeOutput : public Output {
   void speed(double factor) override { rate = factor; }
   void volume(std::int32_t) override {}
   void mute(bool) override {}
+  void look(base::PictureSize size) override { looked = size; }
 
   std::vector<std::string> loaded;
   std::string appended;
@@ -47,6 +48,7 @@ class FakeOutput : public Output {
   bool paused = false;
   double place = 0;
   double rate = 1;
+  base::PictureSize looked;
 };
 
 /// A loop whose one timer is fired by hand.

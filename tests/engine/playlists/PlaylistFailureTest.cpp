@@ -8,8 +8,8 @@
 #include "base/Failure.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
 #include "files/SyncSpy.hpp"
-#include "support/faults/InChild.hpp"
 #include "support/TempFolder.hpp"
+#include "support/faults/InChild.hpp"
 #include "support/faults/SmallDisk.hpp"
 
 namespace engine::testing {

@@ -4,11 +4,13 @@
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListView>
+#include <optional>
 
 #include "desktop/popup/ControlsPane.hpp"
 #include "desktop/popup/ControlsWindow.hpp"
 #include "support/BusPeer.hpp"
 #include "support/Journal.hpp"
+#include "support/desktop/WindowManager.hpp"
 #include "support/desktop/WindowUser.hpp"
 #include "ui/popup/PopupMenus.hpp"
 
@@ -18,6 +20,7 @@ namespace support {
 class PopupReports : public ui::PopupWindowEvents {
  public:
   explicit PopupReports(Journal& journal) : journal_(journal) {}
+  std::function<void()> onListClick = [] {};
   void Form_Resize() override { journal_.add("resize"); }
   bool Form_QueryUnload(std::int16_t mode) override {
     journal_.add("query unload " + std::to_string(mode));
@@ -29,6 +32,7 @@ class PopupReports : public ui::PopupWindowEvents {
   void wmp9_DoubleClick() override { journal_.add("double click on the player"); }
   void menuClick(const std::string& item) override { journal_.add("menu " + item); }
   void listClick(const std::string& category, std::int16_t index) override {
+    onListClick();
     journal_.add(category + " " + std::to_string(index));
   }
   void mediaClick(std::int16_t index) override { journal_.add("media " + std::to_string(index)); }
@@ -45,25 +49,15 @@ class PopupReports : public ui::PopupWindowEvents {
   Journal& journal_;
 };
 
-/// A desktop with a window manager, as a user has it.
-class WindowManager {
- public:
-  WindowManager() {
-    Eventually([] {
-      Process look({"xprop", "-root", "_NET_SUPPORTING_WM_CHECK"});
-      look.wait();
-      return look.output().find("window id") != std::string::npos;
-    });
-  }
-
- private:
-  Process manager_{{"openbox", "--sm-disable", "--config-file", "/dev/null"}};
-};
-
 /// The popup window on a screen, over the real menus.
 class PopupScene : public ::testing::Test {
  protected:
-  explicit PopupScene(const std::function<void()>& prepare = [] {}) {
+  /// `managed`: on a desktop whose windows have frames. Otherwise nobody manages them.
+  explicit PopupScene(
+      bool managed = false, const std::vector<std::string>& screenOptions = {},
+      const std::function<void()>& prepare = [] {})
+      : screen(screenOptions) {
+    if (managed) manager.emplace();
     prepare();
     windows = OpenDesktop(loop);
     view = std::make_unique<desktop::ControlsWindow>(*windows, [this] { return iconShown; });
@@ -125,6 +119,7 @@ class PopupScene : public ::testing::Test {
   desktop::ControlsPane& pane() { return view->pane(); }
 
   Screen screen;
+  std::optional<WindowManager> manager;
   Journal journal;
   PopupReports reports{journal};
   ui::PopupMenus menus;

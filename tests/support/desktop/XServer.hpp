@@ -3,6 +3,7 @@
 #include <regex>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "support/Process.hpp"
 
@@ -11,6 +12,9 @@ namespace support {
 /// A screen of the test's own, 1280 by 800 pixels, which goes with its owner.
 class XServer {
  public:
+  /// `options` are the server's own, such as "-dpi", "192".
+  explicit XServer(const std::vector<std::string>& options = {}) : server_(command(options)) {}
+
   /// Its name, as DISPLAY has it.
   [[nodiscard]] const std::string& display() const { return display_; }
   /// It goes, as when its user signs out (SIGTERM) or when it breaks (SIGKILL).
@@ -35,15 +39,22 @@ class XServer {
     return ":" + found[1].str();
   }
 
+  static std::vector<std::string> command(const std::vector<std::string>& options) {
+    std::vector<std::string> words = {"Xvfb",        "-displayfd", "1",   "-screen", "0",
+                                      "1280x800x24", "-nolisten",  "tcp", "-noreset"};
+    words.insert(words.end(), options.begin(), options.end());
+    return words;
+  }
+
   std::string said_;
-  Process server_{{"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"}};
+  Process server_;
   std::string display_ = name();
 };
 
 /// The screen that this process's windows go to.
 class Screen {
  public:
-  Screen() { server_.use(); }
+  explicit Screen(const std::vector<std::string>& options = {}) : server_(options) { server_.use(); }
   void end(int signal = SIGKILL) const { server_.end(signal); }
 
  private:

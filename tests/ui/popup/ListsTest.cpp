@@ -164,6 +164,20 @@ TEST_F(Lists, NothingGuardsAgainstAClickWhileTheMenuIsBuilt) {
   EXPECT_EQ(media().back(), "T100059");
 }
 
+TEST_F(Lists, TitlesAreThoseOfTheListThatWasClickedEvenIfAnotherIsOpenedMeanwhile) {
+  longAlbum(60);
+  name("Album", 3, "Long");
+  std::string open = "Album";
+  host->answers["WaitEvents"] = [&](base::Args&) {
+    open = "Genre";
+    return base::Value();
+  };
+  click(open, 3);
+  EXPECT_EQ(open, "Genre");
+  EXPECT_EQ(media()[0], "Album");
+  EXPECT_THAT(media(), SizeIs(64));
+}
+
 TEST_F(Lists, AClickOnATitleWhileTheMenuIsBuiltPlaysWhatStandsThere) {
   longAlbum(60);
   name("Album", 3, "Long");
@@ -238,6 +252,23 @@ TEST_F(MenuNames, AreMadeWithTheVoiceEvents) {
   EXPECT_TRUE(journal.has("library: getByAttribute Album=Green/Night")) << "the key leads back to the name";
   EXPECT_THAT(captions(ui::PopupMenus::kMedia), ElementsAre("Album", "Green Night", "Album: Green Night",
                                                             "(Play entire list)", "Dawn", "Dusk"));
+}
+
+TEST_F(MenuNames, GoIntoTheListThatWasClickedEvenIfAnotherIsOpenedMeanwhile) {
+  support::FakeProgress progress;
+  ui::PopupLists lists({window, plugin.popupMenus, plugin.catalogue, progress, plugin.calls, neighbours,
+                        plugin.voiceEvents, plugin.host});
+  library.attributes = {{"album", {"Blue", "Green"}}};
+  std::string open = "Album";
+  host->answers["WaitEvents"] = [&](base::Args&) {
+    open = "Artist";
+    return base::Value();
+  };
+  lists.listClick(open, 0);
+  EXPECT_EQ(open, "Artist");
+  EXPECT_THAT(captions("Album"), ElementsAre("*Refresh Albums*", "Blue", "Green"));
+  EXPECT_THAT(captions("Artist"), ElementsAre("(none)"));
+  EXPECT_EQ(vcmd("Album VR"), "Play Album (Blue|Green)");
 }
 
 TEST_F(MenuNames, ThatHaveGoneStayBehindTheNewOnes) {

@@ -1,0 +1,55 @@
+#include "desktop/editor/Pictures.hpp"
+
+#include <QtCore/QFile>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QPainter>
+#include <QtGui/QPixmap>
+#include <QtSvg/QSvgRenderer>
+
+// The macro's function stands in no namespace.
+static void HavePictures() { Q_INIT_RESOURCE(pictures); }
+
+namespace desktop {
+
+namespace {
+
+QByteArray TextOf(const char* key, const QColor& ink) {
+  HavePictures();
+  QFile file(QString(":/editor/") + key);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  return file.readAll().replace("currentColor", ink.name().toUtf8());
+}
+
+QPixmap Drawn(const QByteArray& text, int size) {
+  QPixmap pixmap(size, size);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  QSvgRenderer(text).render(&painter);
+  return pixmap;
+}
+
+}  // namespace
+
+QIcon Pictures::icon(const char* key, const QColor& ink) {
+  constexpr int kSizes[] = {16, 24, 32, 48};
+  if (ink.rgb() != ink_) drawn_.clear();
+  ink_ = ink.rgb();
+  const auto [entry, isNew] = drawn_.try_emplace(key);
+  if (!isNew) return entry->second;
+  const QByteArray text = TextOf(key, ink);
+  if (text.isEmpty()) return {};
+  for (const int size : kSizes) entry->second.addPixmap(Drawn(text, size));
+  return entry->second;
+}
+
+QCursor Pictures::pointer(const char* key, const QColor& ink) {
+  constexpr int kSize = 24;
+  const QByteArray text = TextOf(key, ink);
+  if (text.isEmpty()) return {};
+  const double scale = qGuiApp->devicePixelRatio();
+  QPixmap drawn = Drawn(text, static_cast<int>(kSize * scale));
+  drawn.setDevicePixelRatio(scale);
+  return QCursor(drawn, 1, 1);
+}
+
+}  // namespace desktop
