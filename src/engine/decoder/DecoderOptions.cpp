@@ -6,12 +6,15 @@
 namespace engine {
 namespace {
 
-/// What the libraries below the decoder may speak, whatever a stream or a list of streams asks them for.
+/// What the libraries below the decoder may speak, whatever a station or a list of streams asks them for.
 constexpr std::string_view kProtocols = "http,https,httpproxy,tls,tcp,crypto,data,mmsh,mmst";
 
+/// No protocol is called so.
+constexpr std::string_view kNoProtocol = "none";
+
 /// The limits as the value of a list of options, whose own commas must not end it.
-std::string ProtocolLimit() {
-  return "protocol_whitelist=%" + std::to_string(kProtocols.size()) + "%" + std::string(kProtocols);
+std::string ProtocolLimit(std::string_view protocols) {
+  return "protocol_whitelist=%" + std::to_string(protocols.size()) + "%" + std::string(protocols);
 }
 
 }  // namespace
@@ -33,8 +36,9 @@ MpvOptions DecoderOptions() {
       {"audio-file-auto", "no"},
       {"sub-auto", "no"},
       {"cover-art-auto", "no"},
-      {"demuxer-lavf-o", ProtocolLimit()},
-      {"stream-lavf-o", ProtocolLimit()},
+      // Whatever a file's content says: what reads it opens nothing else, not by any of its lists in lists.
+      {"demuxer-lavf-o", ProtocolLimit(kNoProtocol)},
+      {"stream-lavf-o", ProtocolLimit(kProtocols)},  // for the addresses that we give it
       // What may be read ahead and kept of a station, and of a file whose parts lie far from each other.
       {"demuxer-max-bytes", "33554432"},
       {"demuxer-max-back-bytes", "16777216"},
@@ -51,6 +55,15 @@ MpvOptions DecoderOptions() {
       {"autoload-files", "no"},
       {"keep-open", "no"},
       {"resume-playback", "no"},
+  };
+}
+
+MpvOptions StationOptions() {
+  return {
+      {"access-references", "yes"},
+      {"demuxer-lavf-o", ProtocolLimit(kProtocols)},
+      // The next one is opened beside what plays, and would be under what holds for this one.
+      {"prefetch-playlist", "no"},
   };
 }
 

@@ -8,7 +8,11 @@ namespace engine {
 /// and its pictures are drawn by us.
 MpvOptions DecoderOptions();
 
-/// The same for one that is heard as the configuration says.
+/// What holds instead while a station plays, and for that alone: a list of addresses may be all that it
+/// sends.
+MpvOptions StationOptions();
+
+/// `DecoderOptions` for one that is heard as the configuration says.
 MpvOptions HeardDecoderOptions(const Config& config);
 
 }  // namespace engine

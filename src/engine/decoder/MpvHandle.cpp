@@ -61,9 +61,9 @@ void MpvHandle::command(std::uint64_t tag, const std::vector<std::string>& words
   library_.command(handle_.get(), tag, arguments.data());
 }
 
-void MpvHandle::set(const char* property, const std::string& value) {
+void MpvHandle::set(const char* property, const std::string& value, std::uint64_t tag) {
   const char* text = value.c_str();
-  library_.setProperty(handle_.get(), 0, property, MPV_FORMAT_STRING, static_cast<void*>(&text));
+  library_.setProperty(handle_.get(), tag, property, MPV_FORMAT_STRING, static_cast<void*>(&text));
 }
 
 void MpvHandle::set(const char* property, double value) {
@@ -82,6 +82,10 @@ void MpvHandle::ask(std::uint64_t tag, const char* property, mpv_format format) 
 void MpvHandle::observe(const char* property, mpv_format format) {
   library_.observe(handle_.get(), 0, property, format);
 }
+
+void MpvHandle::holdBeforeOpening() { library_.hook(handle_.get(), 0, "on_load", 0); }
+
+void MpvHandle::open(std::uint64_t held) { library_.leaveHook(handle_.get(), held); }
 
 void MpvHandle::onWakeup(void (*wake)(void*), void* context) {
   library_.onWakeup(handle_.get(), wake, context);

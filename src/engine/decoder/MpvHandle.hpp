@@ -29,13 +29,17 @@ class MpvHandle {
   MpvHandle& operator=(MpvHandle&&) = delete;
 
   void command(std::uint64_t tag, const std::vector<std::string>& words);
-  void set(const char* property, const std::string& value);
+  /// That it is set comes as an event of that tag.
+  void set(const char* property, const std::string& value, std::uint64_t tag = 0);
   void set(const char* property, double value);
   void set(const char* property, bool value);
   /// Its value comes as an event of that tag.
   void ask(std::uint64_t tag, const char* property, mpv_format format);
   /// Its changes come as events from now on.
   void observe(const char* property, mpv_format format);
+  /// Each file waits before it is opened, told as an event, until `open`.
+  void holdBeforeOpening();
+  void open(std::uint64_t held);
   /// `wake(context)` is called on any thread when there may be an event.
   void onWakeup(void (*wake)(void*), void* context);
   /// The next event, which holds until the next call; `MPV_EVENT_NONE` without one.

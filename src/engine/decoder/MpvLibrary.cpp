@@ -37,6 +37,8 @@ MpvLibrary::MpvLibrary() {
   Find(library, "mpv_set_property_async", setProperty);
   Find(library, "mpv_get_property_async", askProperty);
   Find(library, "mpv_observe_property", observe);
+  Find(library, "mpv_hook_add", hook);
+  Find(library, "mpv_hook_continue", leaveHook);
   Find(library, "mpv_set_wakeup_callback", onWakeup);
   Find(library, "mpv_wait_event", nextEvent);
   Find(library, "mpv_stream_cb_add_ro", serve);

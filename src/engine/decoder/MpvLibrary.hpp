@@ -23,6 +23,8 @@ struct MpvLibrary {
   decltype(&mpv_set_property_async) setProperty;
   decltype(&mpv_get_property_async) askProperty;
   decltype(&mpv_observe_property) observe;
+  decltype(&mpv_hook_add) hook;
+  decltype(&mpv_hook_continue) leaveHook;
   decltype(&mpv_set_wakeup_callback) onWakeup;
   decltype(&mpv_wait_event) nextEvent;
   decltype(&mpv_stream_cb_add_ro) serve;

@@ -41,6 +41,7 @@ void MpvOutput::needDecoder() {
   if (mpv_) return;
   mpv_.emplace(options_);
   decoderFiles_.serve(*mpv_);
+  mpv_->holdBeforeOpening();
   mpv_->set("volume", static_cast<double>(volume_));
   mpv_->set("mute", mute_);
   mpv_->observe("time-pos", MPV_FORMAT_DOUBLE);
@@ -82,6 +83,7 @@ void MpvOutput::showPicture() {
 void MpvOutput::forget() {
   files_.clear();
   entries_.clear();
+  stations_.clear();
   decoderFiles_.forgetAll();
   dropped_.clear();
   held_ = startedMeanwhile_ = 0;
@@ -97,8 +99,7 @@ void MpvOutput::addFile(EntryId entry, const std::string& location, const char* 
   else if (address.kind == DecoderAddress::Kind::kFile)
     address.address = decoderFiles_.give(entry, address.address);
   entries_[entry] = std::move(address.refusal);
-  // Of a file on disk nothing else is opened; of a station a list of addresses may be all that it sends.
-  mpv_->set("access-references", address.kind == DecoderAddress::Kind::kStation);
+  if (address.kind == DecoderAddress::Kind::kStation) stations_.insert(entry);
   std::vector<std::string> words{"loadfile", address.address, how};
   if (leveller_.on()) {
     if (!address.options.empty()) address.options += ',';
@@ -196,6 +197,10 @@ void MpvOutput::handle(const mpv_event& event) {
     case MPV_EVENT_START_FILE:
       fileStarted(static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id);
       break;
+    case MPV_EVENT_HOOK: aboutToOpen(static_cast<const mpv_event_hook*>(event.data)->id); break;
+    case MPV_EVENT_SET_PROPERTY_REPLY:
+      if (event.reply_userdata != 0) mpv_->open(event.reply_userdata);
+      break;
     case MPV_EVENT_FILE_LOADED:
       mpv_->ask(kTracks + static_cast<std::uint64_t>(playing_), "track-list", MPV_FORMAT_NODE);
       break;
@@ -223,7 +228,17 @@ void MpvOutput::fileStarted(FileId file) {
   if (dropped_.contains(entry)) mpv_->command(0, {"playlist-next", "force"});
   if (entry == 0) return;
   dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
+  stations_.erase(stations_.begin(), stations_.lower_bound(entry));
   decoderFiles_.forgetBefore(entry);
+}
+
+void MpvOutput::aboutToOpen(std::uint64_t held) {
+  if (!stations_.contains(entryOf(playing_))) return mpv_->open(held);
+  const MpvOptions options = StationOptions();
+  for (const auto& option : options) {
+    const std::uint64_t last = &option == &options.back() ? held : 0;  // it is opened when all are set
+    mpv_->set(("file-local-options/" + option.first).c_str(), option.second, last);
+  }
 }
 
 void MpvOutput::askHeard() { mpv_->ask(kHeardSince, "audio-pts", MPV_FORMAT_DOUBLE); }

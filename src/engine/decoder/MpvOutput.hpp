@@ -69,6 +69,8 @@ class MpvOutput : public Output {
   void fileGiven(const mpv_event& event);
   void fileEnded(const mpv_event_end_file& end);
   void fileStarted(FileId file);
+  /// The file that was started waits to be opened: it is decided how far it may lead.
+  void aboutToOpen(std::uint64_t held);
   /// The decoder's tracks: whether there is a moving picture among them.
   void tracksTold(const mpv_event& event);
   void audible();
@@ -99,6 +101,7 @@ class MpvOutput : public Output {
   std::unique_ptr<base::Timer> heardTimer_;
   std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
   std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
+  std::set<EntryId> stations_;              ///< those of them that may lead on to other addresses
   FileId playing_ = 0;
   bool opening_ = false;  ///< the file that plays can't be heard yet
   bool tracksKnown_ = false;
