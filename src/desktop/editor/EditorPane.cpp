@@ -33,6 +33,7 @@ EditorPane::EditorPane(QtWindows& windows, std::function<void()> closed)
   setWindowTitle(layout::kCaption);
   setWindowIcon(pictures_.icon(image::kList, ink()));
   setFixedSize(ToPixels(layout::kWidth), ToPixels(layout::kHeight));
+  shared_.settle = [this] { tree_->settle(); };
   tree_->setAccessibleName("Sources");
   box_->setAccessibleName("Playlist");
   list_->setAccessibleName("Playlist");
@@ -99,8 +100,10 @@ void EditorPane::fitButtons() {
 }
 
 void EditorPane::clicked(Control button) {
+  tree_->settle();
   EditorEvents* events = shared_.events;
-  if (events == nullptr) return;
+  // Behind an edit there may be nothing left for it to do.
+  if (events == nullptr || !control(button).isEnabled()) return;
   switch (button) {
     case Control::kNew_PlayList: return events->New_PlayList_Click();
     case Control::kRename_Button: return events->Rename_Button_Click();
@@ -161,7 +164,9 @@ void EditorPane::focusMoved(const QWidget* from, const QWidget* to) {
   if (shared_.quiet || shared_.events == nullptr || from == nullptr || to == nullptr) return;
   // A label's edit is a part of its tree.
   if (from->window() != this || from == to || to->isAncestorOf(from)) return;
-  if (to != tree_ && to != list_) return;
+  if (to != tree_ && to != list_ && to != box_) return;
+  tree_->settle();
+  if (to == box_ || shared_.events == nullptr) return;
   const PaneEvents& told = to == tree_ ? kTreeEvents : kListEvents;
   shared_.focused = told.pane;
   (shared_.events->*told.gotFocus)();
@@ -170,6 +175,8 @@ void EditorPane::focusMoved(const QWidget* from, const QWidget* to) {
 void EditorPane::focusOn(Control pane) {
   QWidget& widget = control(pane);
   if (focusWidget() == &widget || shared_.events == nullptr) return;
+  tree_->settle();
+  if (shared_.events == nullptr) return;
   const bool before = std::exchange(shared_.quiet, true);
   widget.setFocus();
   shared_.quiet = before;
@@ -181,7 +188,7 @@ void EditorPane::focusOn(Control pane) {
 void EditorPane::closeEvent(QCloseEvent* event) {
   if (!isEnabled()) return event->ignore();
   drag_.end();
-  tree_->dropEdit();
+  tree_->settle();
   closed_();
   // Opened again it begins anew.
   shared_.focused.reset();

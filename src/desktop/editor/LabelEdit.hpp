@@ -17,6 +17,9 @@ class LabelEdit : public QStyledItemDelegate {
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const override;
 
+ protected:
+  bool eventFilter(QObject* object, QEvent* event) override;
+
  private:
   TreePane* pane_;
 };

@@ -99,16 +99,20 @@ void ListPane::focusInEvent(QFocusEvent* event) {
 
 void ListPane::mousePressEvent(QMouseEvent* event) {
   event->accept();
+  shared_.settle();
   input_.entered();
   const ItemRef item = itemAt(event->pos());
   if (item && shared_.models != nullptr) shared_.models->ListView1.selectedItem(item);
-  input_.press(*event, item != nullptr, [&] { shared_.events->ListView1_ItemClick(item); });
+  input_.press(*event, event->pos(), item != nullptr, [&] { shared_.events->ListView1_ItemClick(item); });
 }
 
-void ListPane::choose(const QModelIndex& index) {
-  const ItemRef item = model_.itemOf(index);
-  if (!item || item == shared_.models->ListView1.selectedItem()) return;
+void ListPane::choose(const QModelIndex& chosen) {
+  const ItemRef item = model_.itemOf(chosen);
+  if (!item) return;
+  shared_.settle();
+  if (shared_.models == nullptr || !item->held() || item == shared_.models->ListView1.selectedItem()) return;
   shared_.models->ListView1.selectedItem(item);
+  const QModelIndex index = model_.indexOf(item);
   scrollTo(index);
   const QRect seen = visualRect(index) & viewport()->rect();
   input_.chosen(seen.center(), [&] { shared_.events->ListView1_ItemClick(item); });

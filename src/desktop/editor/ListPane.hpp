@@ -40,7 +40,7 @@ class ListPane : public QListView {
   [[nodiscard]] int columnWidth() const;
   void showSelected();
   void showColumn();
-  void choose(const QModelIndex& index);
+  void choose(const QModelIndex& chosen);
 
   Shared& shared_;
   PaneInput input_;

@@ -39,6 +39,7 @@ NameBox::NameBox(Shared& shared) : shared_(shared), names_(new Names(this)) {
   refresh_.setSingleShot(true);
   connect(&refresh_, &QTimer::timeout, this, [this] { refresh(); });
   connect(this, &QComboBox::activated, this, [this](int row) {
+    shared_.settle();
     if (box_ == nullptr || refresh_.isActive() || row < 0 || static_cast<std::size_t>(row) >= box_->count())
       return;
     box_->listIndex(row);

@@ -50,16 +50,16 @@ void PaneInput::entered() {
   (shared_.events->*told_.gotFocus)();
 }
 
-void PaneInput::press(const QMouseEvent& event, bool onEntry, const std::function<void()>& click) {
+void PaneInput::press(const QMouseEvent& event, QPoint at, bool onEntry, const std::function<void()>& click) {
   pressed_.reset();
   const std::int16_t button = ButtonOf(event.button());
   if (button == 0) return;
   const bool own = onEntry && button == kLeftButton;
   const unsigned before = shared_.questions;
   pressAt(
-      button, ShiftOf(event.modifiers()), event.pos(), own ? click : [] {});
+      button, ShiftOf(event.modifiers()), at, own ? click : [] {});
   // Behind a question the button is held no more.
-  if (own && shared_.questions == before) pressed_ = event.pos();
+  if (own && shared_.questions == before) pressed_ = Press{event.pos(), at};
 }
 
 void PaneInput::pressAt(std::int16_t button, std::int16_t shift, QPoint at,
@@ -84,8 +84,11 @@ void PaneInput::move(const QMouseEvent& event) {
   }
   if (!pressed_ || !(event.buttons() & Qt::LeftButton) || shared_.events == nullptr) return;
   // A hand that trembles drags nothing. And it is dragged from where it was pressed, however fast.
-  if ((event.pos() - *pressed_).manhattanLength() < QApplication::startDragDistance()) return;
-  const PanePlace place = PlaceIn(pane_, *pressed_);
+  if ((event.pos() - pressed_->mouse).manhattanLength() < QApplication::startDragDistance()) return;
+  const PanePlace place = PlaceIn(pane_, pressed_->entry);
+  // The press itself may have begun an edit.
+  shared_.settle();
+  if (shared_.events == nullptr) return;
   (shared_.events->*told_.mouseMove)(kLeftButton, ShiftOf(event.modifiers()), place.x, place.y);
   if (drag_.active()) drag_.moved(event.globalPosition().toPoint());
 }
@@ -101,6 +104,7 @@ bool PaneInput::keyDown(const QKeyEvent& event) {
     drag_.cancelled();
     return true;
   }
+  shared_.settle();
   entered();
   const std::int16_t code = CodeOf(event.key());
   if (code == 0 || shared_.events == nullptr) return drag_.active();
@@ -109,6 +113,7 @@ bool PaneInput::keyDown(const QKeyEvent& event) {
 }
 
 void PaneInput::keyUp(const QKeyEvent& event) {
+  shared_.settle();
   const std::int16_t code = CodeOf(event.key());
   if (code == 0 || event.isAutoRepeat() || shared_.events == nullptr) return;
   (shared_.events->*told_.keyUp)(code, ShiftOf(event.modifiers()));

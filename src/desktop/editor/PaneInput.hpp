@@ -22,8 +22,9 @@ class PaneInput {
   /// Before anything that the user does in the pane: the focus may have come without being told, as it does
   /// when the window opens.
   void entered();
-  /// A mouse button, pressed where an entry is or none. `click` reports the pane's own click on it.
-  void press(const QMouseEvent& event, bool onEntry, const std::function<void()>& click);
+  /// A mouse button, pressed where an entry is or none, told as at that place. `click` reports the pane's own
+  /// click on it.
+  void press(const QMouseEvent& event, QPoint at, bool onEntry, const std::function<void()>& click);
   /// An entry was chosen by other means than the mouse, and it shows around this place of the viewport. That
   /// is told like a press there: so the commands act on what is seen to be selected.
   void chosen(QPoint at, const std::function<void()>& click);
@@ -42,7 +43,12 @@ class PaneInput {
   const PaneEvents& told_;
   Shared& shared_;
   Drag& drag_;
-  std::optional<QPoint> pressed_;  // with the left button on an entry, from where a drag may begin
+  /// With the left button on an entry, from where a drag may begin.
+  struct Press {
+    QPoint mouse;
+    QPoint entry;
+  };
+  std::optional<Press> pressed_;
 };
 
 }  // namespace desktop

@@ -16,6 +16,8 @@ struct Shared {
   ui::editor::EditorModels* models = nullptr;
   /// The pane that was last reported to have the focus.
   std::optional<ui::editor::Control> focused = std::nullopt;
+  /// Ends an edit of a label and reports it. To be done before anything else is reported.
+  std::function<void()> settle = [] {};
   bool quiet = false;      ///< the focus moves, and not by the user
   unsigned questions = 0;  ///< that were asked so far; behind one, nothing of a press is left to be done
 };

@@ -1,5 +1,6 @@
 #include "desktop/editor/TreePane.hpp"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <utility>
@@ -103,20 +104,34 @@ void TreePane::focusInEvent(QFocusEvent* event) {
   showSelected();
 }
 
+QPoint TreePane::placeNow(const NodeRef& node, QPoint seen) {
+  if (!node || !node->held() || nodeAt(seen) == node) return seen;
+  bring(node);
+  return visualRect(model_.indexOf(*node)).center();
+}
+
 void TreePane::mousePressEvent(QMouseEvent* event) {
   event->accept();
-  input_.entered();
   const NodeRef branch = branchAt(event->pos());
-  if (branch && event->button() == Qt::LeftButton) return expand(branch, !branch->expanded());
-  const NodeRef node = nodeAt(event->pos());
+  const NodeRef seen = nodeAt(event->pos());
+  shared_.settle();
+  input_.entered();
+  if (branch && event->button() == Qt::LeftButton) {
+    if (branch->held()) expand(branch, !branch->expanded());
+    return;
+  }
+  // A label that has just been edited may have put its node elsewhere, and others with it.
+  const QPoint at = placeNow(seen, event->pos());
+  const NodeRef node = nodeAt(at);
   wasExpanded_ = node && node->expanded();
   if (node && shared_.models != nullptr) shared_.models->TreeView1.selectedItem(node);
-  input_.press(*event, node != nullptr, [&] { shared_.events->TreeView1_NodeClick(node); });
+  input_.press(*event, at, node != nullptr, [&] { shared_.events->TreeView1_NodeClick(node); });
 }
 
 // The first press of the two may have expanded it already, since a click fills what was not filled.
 void TreePane::mouseDoubleClickEvent(QMouseEvent* event) {
   event->accept();
+  shared_.settle();
   const NodeRef node = nodeAt(event->pos());
   if (node == nullptr) return mousePressEvent(event);
   if (event->button() == Qt::LeftButton && node->expanded() == wasExpanded_) expand(node, !wasExpanded_);
@@ -128,10 +143,13 @@ void TreePane::expand(const NodeRef& node, bool value) {
   if (value && shared_.events != nullptr) shared_.events->TreeView1_Expand(node);
 }
 
-void TreePane::choose(const QModelIndex& index) {
-  const NodeRef node = TreeModel::nodeOf(index);
-  if (!node || shared_.models == nullptr || node == shared_.models->TreeView1.selectedItem()) return;
+void TreePane::choose(const QModelIndex& chosen) {
+  const NodeRef node = TreeModel::nodeOf(chosen);
+  if (!node) return;
+  shared_.settle();
+  if (shared_.models == nullptr || !node->held() || node == shared_.models->TreeView1.selectedItem()) return;
   shared_.models->TreeView1.selectedItem(node);
+  const QModelIndex index = model_.indexOf(*node);
   scrollTo(index);
   input_.chosen(visualRect(index).center(), [&] { shared_.events->TreeView1_NodeClick(node); });
 }
@@ -179,6 +197,11 @@ void TreePane::keyPressEvent(QKeyEvent* event) {
     event->ignore();
 }
 
+// Nor is a key that was pressed before and is let go in the edit.
+void TreePane::keyReleaseEvent(QKeyEvent* event) {
+  if (state() != EditingState) input_.keyUp(*event);
+}
+
 void TreePane::editLabel() {
   const NodeRef node = shared_.models != nullptr ? shared_.models->TreeView1.selectedItem() : nullptr;
   if (!node || !isVisible() || state() == EditingState || shared_.events == nullptr) return;
@@ -190,10 +213,28 @@ void TreePane::editLabel() {
   edit(index);
 }
 
+QWidget* TreePane::labelEdit() const {
+  return state() == EditingState ? indexWidget(currentIndex()) : nullptr;
+}
+
 void TreePane::dropEdit() {
-  if (state() != EditingState) return;
-  if (QWidget* editor = indexWidget(currentIndex()))
-    closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+  edited_.clear();
+  if (QWidget* editor = labelEdit()) closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+}
+
+void TreePane::settle() {
+  if (QWidget* editor = labelEdit()) {
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+  }
+  tellEdits();
+}
+
+// No other label is edited behind it, as Qt does where the edit is left by the tabulator.
+void TreePane::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  const bool another =
+      hint == QAbstractItemDelegate::EditNextItem || hint == QAbstractItemDelegate::EditPreviousItem;
+  QTreeView::closeEditor(editor, another ? QAbstractItemDelegate::NoHint : hint);
 }
 
 // What follows may ask the user, and must not do so from within the editor.
@@ -201,10 +242,19 @@ void TreePane::edited(const QModelIndex& index, const QString& text, bool anothe
   const NodeRef node = TreeModel::nodeOf(index);
   if (!node) return;
   edited_.emplace_back(node, another ? text.toStdString() : node->text());
-  finish_.start();
+  finish_.start(0);
 }
 
 void TreePane::finishEdits() {
+  constexpr int kHeld = 20;  // milliseconds until it is looked at again
+  // The press that has ended it is not to be lost in a question: it settles the edit by itself when it comes
+  // to something, as a button's does when it is let go.
+  if (QGuiApplication::mouseButtons() != Qt::NoButton) return finish_.start(kHeld);
+  tellEdits();
+}
+
+void TreePane::tellEdits() {
+  finish_.stop();
   for (const auto& [node, text] : std::exchange(edited_, {})) finishEdit(node, text);
 }
 

@@ -32,8 +32,11 @@ class TreePane : public QTreeView {
   void bring(const ui::editor::NodeRef& node);
   /// Edits the selected node's label, if it may be.
   void editLabel();
-  /// Ends the edit without a change.
+  /// Ends the edit without a change, and forgets one that has ended but was not reported yet.
   void dropEdit();
+  /// Ends an edit with what was typed so far, and reports it if that is still to be done. This may ask the
+  /// user.
+  void settle();
   /// A label was edited; an unchanged one is told as it was.
   void edited(const QModelIndex& index, const QString& text, bool another);
 
@@ -45,18 +48,23 @@ class TreePane : public QTreeView {
   void mouseReleaseEvent(QMouseEvent* event) override { input_.release(*event); }
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void keyReleaseEvent(QKeyEvent* event) override { input_.keyUp(*event); }
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   void showEvent(QShowEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
 
  private:
   void showExpanded(const QModelIndex& parent, int first, int last);
   void showSelected();
-  void choose(const QModelIndex& index);
+  void choose(const QModelIndex& chosen);
   void expand(const ui::editor::NodeRef& node, bool value);
   void goSideways(bool in);
   [[nodiscard]] ui::editor::NodeRef branchAt(QPoint at) const;
+  /// Where a node stands that was seen at that place.
+  [[nodiscard]] QPoint placeNow(const ui::editor::NodeRef& node, QPoint seen);
+  [[nodiscard]] QWidget* labelEdit() const;
   void finishEdits();
+  void tellEdits();
   void finishEdit(const ui::editor::NodeRef& node, const std::string& text);
 
   Shared& shared_;

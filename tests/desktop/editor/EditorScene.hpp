@@ -17,6 +17,7 @@ class EditorReports : public editor::EditorEvents {
   bool editable = true;      ///< labels
   bool acceptsLabel = true;  ///< that was edited
   std::function<void()> onTreePress = [] {};
+  std::function<void()> onLabel = [] {};  ///< one was edited
   std::function<void()> onUnload = [] {};
 
   void Form_Unload() override {
@@ -52,6 +53,7 @@ class EditorReports : public editor::EditorEvents {
   }
   void TreeView1_AfterLabelEdit(std::int16_t& Cancel, std::string& NewString) override {
     journal_.add("after edit " + NewString);
+    onLabel();
     if (acceptsLabel)
       NewString += "!";
     else
