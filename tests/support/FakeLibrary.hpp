@@ -18,6 +18,7 @@ class FakePlaylist : public player::Playlist {
   std::string title;
   std::vector<player::MediaRef> members;
   bool nameFails = false;
+  bool stored = false;                                     ///< and not removed since
   bool refuses = false;                                    ///< every change fails
   std::int32_t failure = base::number::kPermissionDenied;  ///< the number with which it does
   std::function<void()> onName = [] {};
@@ -31,6 +32,7 @@ class FakePlaylist : public player::Playlist {
     changed("rename " + title + " to " + value);
     title = value;
   }
+  [[nodiscard]] std::int64_t revision() const override { return stored ? 1 : 0; }
   [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(members.size()); }
   [[nodiscard]] player::MediaRef item(std::int32_t index) const override {
     if (index < 0 || index >= count()) throw Failure(base::number::kIndex);
@@ -86,7 +88,14 @@ class FakeLibrary : public player::MediaCollection {
   }
   FakePlaylistRef addPlaylist(const std::string& name, std::vector<player::MediaRef> members = {}) {
     playlists.push_back(std::make_shared<FakePlaylist>(journal_, name, std::move(members)));
+    playlists.back()->stored = true;
     return playlists.back();
+  }
+  /// Somebody removes it, and who holds it holds nothing that is stored.
+  void removePlaylist(const player::PlaylistRef& playlist) {
+    for (const FakePlaylistRef& each : playlists)
+      if (each == playlist) each->stored = false;
+    std::erase(playlists, playlist);
   }
   /// Puts the library into a player.
   void into(FakePlayer& player) {
@@ -184,7 +193,7 @@ class FakeLibrary : public player::MediaCollection {
     }
     void remove(const player::PlaylistRef& playlist) override {
       library_.asked("remove", playlist->name());
-      std::erase(library_.playlists, playlist);
+      library_.removePlaylist(playlist);
     }
 
    private:

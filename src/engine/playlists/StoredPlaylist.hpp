@@ -29,6 +29,8 @@ class PlaylistKeeper {
   virtual M3uText open(StoredPlaylist& playlist) = 0;
   /// Writes the file. Throws as `WriteFile`; then the old file stays.
   virtual void save(StoredPlaylist& playlist, const std::string& text) = 0;
+  /// False for one whose file has gone.
+  [[nodiscard]] virtual bool holds(const StoredPlaylist& playlist) const = 0;
   /// The media that an item of a file means.
   [[nodiscard]] virtual player::MediaRef mediaOf(const M3uItem& item) const = 0;
   /// The playlist's items have changed.
@@ -52,7 +54,10 @@ class StoredPlaylist : public ListPlaylist {
   void removeItems(const std::vector<std::int32_t>& places) override;
   void moveItem(std::int32_t oldIndex, std::int32_t newIndex) override;
   void insertItems(std::int32_t index, const std::vector<player::ToldMedia>& items) override;
-  [[nodiscard]] std::int64_t revision() const override { return revision_; }
+  /// 0 once it has been removed, and while its file has gone.
+  [[nodiscard]] std::int64_t revision() const override {
+    return keeper_ != nullptr && keeper_->holds(*this) ? revision_ : 0;
+  }
 
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] const files::FileStamp& stamp() const { return stamp_; }

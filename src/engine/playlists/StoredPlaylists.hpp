@@ -62,6 +62,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
 
   M3uText open(StoredPlaylist& playlist) override;
   void save(StoredPlaylist& playlist, const std::string& text) override;
+  [[nodiscard]] bool holds(const StoredPlaylist& playlist) const override;
   [[nodiscard]] player::MediaRef mediaOf(const M3uItem& item) const override;
   void tellContent() override { events_.content(); }
   void rename(StoredPlaylist& playlist, const std::string& name) override;
@@ -84,7 +85,6 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   /// The lost playlist that is found again: the one that had lain in the very file, or else, if that is not
   /// asked for, the last one at the path.
   Stored found(const std::string& path, const files::FileStamp& stamp, bool veryFileOnly);
-  [[nodiscard]] bool holds(const StoredPlaylist& playlist) const;
   /// A path for a playlist of that name: `own` if that fits, otherwise one where nothing lies.
   [[nodiscard]] std::string freePath(const std::string& name, const std::string& own) const;
   /// True if any playlist but `own` has the name.

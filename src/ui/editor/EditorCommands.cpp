@@ -152,7 +152,7 @@ void PlayListEditor::deleteListItem() {
   }
   // The list may be another behind the question: then nothing is taken from what it shows now.
   if (!item->held()) return disableButtons();
-  Present(list).removeItem(media);
+  stillThere(list).removeItem(media);
   takeFromList(item);
 }
 

@@ -74,7 +74,7 @@ void PlayListEditor::reorder(const EntryRef& item, const ItemRef& target) {
   const KeyedList& list = models_.ListView1;
   const auto listed = std::dynamic_pointer_cast<ListItem>(item);
   const auto from = static_cast<std::int32_t>(list.indexOf(Present(listed)));
-  player::Playlist& playlist = Present(now_.ListPlayList);
+  player::Playlist& playlist = stillThere(now_.ListPlayList);
   if (!target) return playlist.moveItem(from - 1, playlist.count() - 1);
   const auto to = static_cast<std::int32_t>(list.indexOf(*target));
   playlist.moveItem(from - 1, from > to ? to - 1 : to - 2);
@@ -84,7 +84,7 @@ void PlayListEditor::takeAway(const EntryRef& item, Control source, const Additi
   if (source == Control::kTreeView1) {
     // Its playlist may have been read anew since it was cut.
     if (item->held()) models_.TreeView1.remove(AsNode(item));
-    Present(added.from).removeItem(added.media);
+    stillThere(added.from).removeItem(added.media);
     return;
   }
   KeyedList& list = models_.ListView1;
@@ -194,12 +194,12 @@ void PlayListEditor::addAddress(const EntryRef& item, Addition& added) {
 void PlayListEditor::store(const Addition& added, std::int16_t copy) {
   if (added.SrcList != added.DestList) {
     if (readPlayList(added.DestList, now_.ListPlayList) != catalogue::kDone) return;
-    Present(now_.ListPlayList).appendItem(added.media);
+    stillThere(now_.ListPlayList).appendItem(added.media);
   } else if (copy == 1) {
     // The library's titles too come here where their group bears the playlist's name, and go to whatever the
     // tree has read last.
     now_.ListPlayList = added.from;
-    Present(added.from).appendItem(added.media);
+    stillThere(added.from).appendItem(added.media);
   }
   // A move within the list has been stored already.
 }

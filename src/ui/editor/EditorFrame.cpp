@@ -1,6 +1,7 @@
 #include "base/Value.hpp"
 #include "ui/ToFront.hpp"
 #include "ui/editor/PlayListEditor.hpp"
+#include "ui/editor/Present.hpp"
 
 // The window as a frame: how it opens and closes, the long read, and how failures are told.
 namespace ui::editor {
@@ -161,13 +162,28 @@ void PlayListEditor::disableButtons() {
 }
 
 std::int32_t PlayListEditor::readPlayList(const std::string& name, player::PlaylistRef& handle) {
-  if (handle && handle->name() == name) return catalogue::kDone;
+  if (handle && !gone(handle) && handle->name() == name) return catalogue::kDone;
   // The catalogue may let others in, who look at the handle too.
   player::PlaylistRef read;
   const Reading reading(*this);
   const std::int32_t status = in_.catalogue.GetGroupItems(catalogue::kPlayListCategory, name, read);
   handle = read;
+  note(read);
   return status;
+}
+
+void PlayListEditor::note(const player::PlaylistRef& handle) {
+  std::erase_if(stored_, [](const auto& each) { return each.expired(); });
+  if (handle && handle->revision() != 0) stored_.insert(handle);
+}
+
+bool PlayListEditor::gone(const player::PlaylistRef& handle) const {
+  return stored_.contains(handle) && handle->revision() == 0;
+}
+
+player::Playlist& PlayListEditor::stillThere(const player::PlaylistRef& handle) const {
+  if (gone(handle)) throw base::Failure(base::number::kFileNotFound);
+  return Present(handle);
 }
 
 }  // namespace ui::editor

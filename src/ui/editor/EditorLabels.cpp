@@ -52,7 +52,7 @@ void PlayListEditor::renamePlayList(std::int16_t& Cancel, const std::string& wan
     plain("Error: PlayList \"" + old + "\" does not exist");
     return;
   }
-  Present(now_.TreePlayList).name(wanted);
+  stillThere(now_.TreePlayList).name(wanted);
   {
     const Reading reading(*this);
     in_.xref.RemoveNameXref(catalogue::kPlayListCategory, old);

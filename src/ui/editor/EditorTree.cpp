@@ -196,6 +196,7 @@ void PlayListEditor::readGroup(const NodeRef& node, const NodeRef& parent) {
     status = in_.catalogue.GetGroupItems(category, node->text(), group);
   }
   now_.TreePlayList = group;
+  note(group);
   // What the player makes of a category has a name of its own, and the branch is found by the group's.
   if (!isPlayList) Present(group).name(node->text());
   if (status == catalogue::kDone) FillTreeBranch(group, category);

@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <set>
 #include <string>
 
 #include "base/Attempt.hpp"
@@ -142,6 +144,13 @@ class PlayListEditor : public EditorEvents {
   void disableButtons();
   /// The playlist of that name, into a handle that may hold it already. A status of the catalogue.
   std::int32_t readPlayList(const std::string& name, player::PlaylistRef& handle);
+  /// To be done with each playlist that was read: whether it is a stored one.
+  void note(const player::PlaylistRef& handle);
+  /// It was a stored one and has been removed. It keeps its name, and another may bear that by now.
+  [[nodiscard]] bool gone(const player::PlaylistRef& handle) const;
+  /// A playlist that is to be changed. Throws 91 for none, and 53 for one that has gone: what is changed in
+  /// its handle would be nowhere.
+  [[nodiscard]] player::Playlist& stillThere(const player::PlaylistRef& handle) const;
 
   // The tree.
   NodeRef addNode(const std::string& parent, const std::string& key, const std::string& text,
@@ -187,6 +196,7 @@ class PlayListEditor : public EditorEvents {
   EditorParts in_;
   EditorModels models_;
   EditorState now_;
+  std::set<std::weak_ptr<player::Playlist>, std::owner_less<>> stored_;  ///< those that were read
   bool loading_ = false;
   int readings_ = 0;
 };

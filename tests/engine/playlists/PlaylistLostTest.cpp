@@ -104,6 +104,20 @@ TEST(LostPlaylists, ARenameOntoThePathOfALostOneLeavesBothTheirOwn) {
   EXPECT_EQ(renamed->count(), 0);
 }
 
+TEST(LostPlaylists, OneIsGoneUntilItsFileIsBack) {
+  const support::TempFolder root;
+  const std::string away = (root.path() / "away.m3u8").string();
+  PlaylistFolder playlists(root.path());
+  const auto list = playlists.make("L", {"http://x/1"});
+  const std::int64_t before = list->revision();
+  fs::rename(playlists.path("L.m3u8"), away);
+  EXPECT_THAT(playlists.names(), IsEmpty());
+  EXPECT_EQ(list->revision(), 0) << "as that of a list which is not stored";
+  fs::rename(away, playlists.path("L.m3u8"));
+  EXPECT_THAT(playlists.names(), ElementsAre("L"));
+  EXPECT_GE(list->revision(), before);
+}
+
 TEST(RemovedPlaylists, OneWhoseFileWasMovedIsRemovedWhereItLiesNow) {
   const support::TempFolder root;
   PlaylistFolder playlists(root.path());

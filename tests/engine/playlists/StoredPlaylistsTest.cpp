@@ -100,6 +100,11 @@ TEST_F(Playlists, ARemovedOneIsGoneAndItsObjectStillAnswers) {
   auto list = playlists().newPlaylist("L");
   list->appendItem(track("One"));
   playlists().remove(list);
+  EXPECT_EQ(list->revision(), 0) << "it is a list that is not stored";
+  const auto anew = playlists().newPlaylist("L");
+  EXPECT_GT(anew->revision(), 0);
+  EXPECT_EQ(list->revision(), 0) << "the new one is another";
+  playlists().remove(anew);
   EXPECT_THAT(all(), IsEmpty());
   EXPECT_THAT(fs::is_empty(folder / "playlists"), true);
   list->appendItem(track("Two"));

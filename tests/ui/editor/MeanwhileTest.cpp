@@ -197,3 +197,70 @@ TEST_F(Meanwhile, ADeletedPlaylistsHandleIsNotTakenForANewOneOfItsName) {
   drag(Control::kTreeView1, nullptr);
   EXPECT_THAT(stored("Autumn"), ElementsAre("Sea"));
 }
+
+TEST_F(Meanwhile, APlaylistThatOthersMadeAnewUnderItsNameIsReadAtTheNextChoice) {
+  choose("Winter");
+  library.removePlaylist(playlist("Winter"));
+  library.addPlaylist("Winter", {track("Sea")});
+  choose("Winter");
+  EXPECT_THAT(listed(), ElementsAre("Sea"));
+  click("AlbumBlue");
+  click("AlbumBlueSky");
+  drag(Control::kTreeView1, nullptr);
+  EXPECT_THAT(stored("Winter"), ElementsAre("Sea", "Sky"));
+}
+
+TEST_F(Meanwhile, ATitleGoesIntoThePlaylistThatOthersHaveMadeAnew) {
+  choose("Winter");
+  library.removePlaylist(playlist("Winter"));
+  library.addPlaylist("Winter", {track("Leaf")});
+  click("AlbumBlue");
+  click("AlbumBlueSky");
+  drag(Control::kTreeView1, nullptr);
+  EXPECT_THAT(stored("Winter"), ElementsAre("Leaf", "Sky")) << "and not into the old one, which is nowhere";
+}
+
+TEST_F(Meanwhile, WhatOthersHaveRemovedIsNotReordered) {
+  choose("Winter");
+  const auto removed = playlist("Winter");
+  library.removePlaylist(removed);
+  click(item(2));
+  window.events->MoveUp_Button_Click();
+  EXPECT_THAT(window.messages, ElementsAre(report("MoveNode", base::number::kFileNotFound)));
+  EXPECT_THAT(titles(*removed), ElementsAre("Moss", "A/B"));
+  EXPECT_THAT(listed(), ElementsAre("Moss", "A/B"));
+  choose("Winter");
+  EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(Meanwhile, ATitleIsDeletedFromThePlaylistThatOthersHaveMadeAnew) {
+  choose("Winter");
+  click(item(1));
+  library.removePlaylist(playlist("Winter"));
+  library.addPlaylist("Winter", {track("Moss"), track("Sea")});
+  window.answers = {MessageAnswer::kYes};
+  window.events->Delete_Button_Click();
+  EXPECT_THAT(stored("Winter"), ElementsAre("Sea"));
+}
+
+TEST_F(Meanwhile, AMemberIsDraggedOutOfThePlaylistThatOthersHaveMadeAnew) {
+  choose("Summer");
+  click("PlayListWinter");
+  click("PlayListWinterMoss");
+  library.removePlaylist(playlist("Winter"));
+  library.addPlaylist("Winter", {track("Leaf"), track("Moss")});
+  drag(Control::kTreeView1, nullptr);
+  EXPECT_THAT(stored("Summer"), ElementsAre("Sea", "Moss"));
+  EXPECT_THAT(stored("Winter"), ElementsAre("Leaf"));
+}
+
+TEST_F(Meanwhile, APlaylistThatOthersHaveRenamedIsFoundNoMoreUnderItsOldName) {
+  choose("Winter");
+  click(item(1));
+  playlist("Winter")->title = "Frost";
+  window.answers = {MessageAnswer::kYes};
+  window.events->Delete_Button_Click();
+  EXPECT_THAT(stored("Frost"), ElementsAre("Moss", "A/B"));
+  choose("Winter");
+  EXPECT_THAT(listed(), IsEmpty());
+}
