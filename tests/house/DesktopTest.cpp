@@ -83,6 +83,18 @@ TEST(TheDesktop, WithoutAScreenABoxIsALineOfTheLog) {
   EXPECT_TRUE(house.logHas("Warning: Media Player: Configure device Q5"));
 }
 
+TEST(TheDesktop, WithoutAScreenThePlaylistEditorIsALineOfTheLog) {
+  const support::SmallMusic music;
+  support::RealHouse house({.music = music.path()});
+  ASSERT_TRUE(house.startReady());
+  const auto devices = house.state()["devices"];
+  EXPECT_EQ(house.choose("PlayList Editor"), 200);
+  EXPECT_TRUE(house.logHas("Warning: Media Player: There is no desktop to show the playlist editor on"));
+  EXPECT_EQ(house.pluginState(), "ready");
+  EXPECT_EQ(house.state()["devices"], devices) << "nothing else has come of it";
+  EXPECT_EQ(house.log().find("Error: Media Player"), std::string::npos) << house.log();
+}
+
 TEST(TheDesktop, AScreenThatDoesNotAnswerIsNone) {
   const support::SmallMusic music;
   support::RealHouse house({.music = music.path(), .display = ":54321"});
