@@ -7,22 +7,24 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/playlists/PlaylistDiff.hpp"
 
 namespace standin {
 namespace {
 
-/// The titles after the step, or after its undoing.
-std::vector<std::string> After(std::vector<std::string> names, const PlaylistStep& step, bool undone) {
+/// The titles after the step, or after its undoing. `told` makes one of them of an item of the step.
+template <class Told, class Tell>
+std::vector<Told> After(std::vector<Told> titles, const PlaylistStep& step, bool undone, Tell told) {
   const auto place = [&](std::int32_t at) {
-    return names.begin() + std::clamp<std::ptrdiff_t>(at, 0, static_cast<std::ptrdiff_t>(names.size()));
+    return titles.begin() + std::clamp<std::ptrdiff_t>(at, 0, static_cast<std::ptrdiff_t>(titles.size()));
   };
   const auto takeOut = [&](std::int32_t at) {
-    names.erase(place(at), place(at + static_cast<std::int32_t>(step.items.size())));
+    titles.erase(place(at), place(at + static_cast<std::int32_t>(step.items.size())));
   };
   const auto putIn = [&](std::int32_t at) {
-    std::vector<std::string> added;
-    for (const ListedItem& item : step.items) added.push_back(item.name);
-    names.insert(place(at), added.begin(), added.end());
+    std::vector<Told> added;
+    for (const ListedItem& item : step.items) added.push_back(told(item));
+    titles.insert(place(at), added.begin(), added.end());
   };
   if (step.kind == StepKind::kRemove || step.kind == StepKind::kMove) {
     if (!undone) takeOut(step.from.at);
@@ -30,7 +32,7 @@ std::vector<std::string> After(std::vector<std::string> names, const PlaylistSte
   if ((step.kind == StepKind::kAdd || step.kind == StepKind::kMove) && undone) takeOut(step.to.at);
   if ((step.kind == StepKind::kAdd || step.kind == StepKind::kMove) && !undone) putIn(step.to.at);
   if ((step.kind == StepKind::kRemove || step.kind == StepKind::kMove) && undone) putIn(step.from.at);
-  return names;
+  return titles;
 }
 
 /// Where the step, or its undoing, has put titles in; nowhere if it has only taken some out.
@@ -123,25 +125,29 @@ Playlists::Kept& Playlists::keepAsItIs(const PlayerList& list) {
   // Asked for first: should somebody change the list while it is read, the number is an older one than what
   // is there, and the next look reads it anew.
   const std::int64_t revision = list.revision();
-  std::vector<std::string> names = list.names(0, list.count());
-  return keep(list.name(), std::move(names), revision);
+  Content content = ContentOf(list);
+  const std::string name = list.name();
+  takeDownOthers(name, content);
+  return keep(name, std::move(content), revision);
 }
 
-Playlists::Kept& Playlists::keep(const std::string& name, std::vector<std::string> names,
-                                 std::int64_t revision) {
+Playlists::Kept& Playlists::keep(const std::string& name, Content content, std::int64_t revision) {
   Kept* known = kept(name);
   if (known == nullptr) {
     std::size_t idle = 0;
     for (auto each = kept_.begin(); each != kept_.end();)
       each = !watched(each->name) && ++idle >= kListsKept ? kept_.erase(each) : std::next(each);
-    kept_.push_front({name, nullptr, 0, 0, {}});
+    kept_.push_front({name, nullptr});
     known = &kept_.front();
   }
   known->seen = loop_.now();
   known->revision = revision;
-  if (known->names && known->name == name && known->names->all() == names) return *known;
+  const Items before = std::exchange(known->items, std::move(content.items));
+  forgetOldItems();
+  const bool same = !before || !known->items || StepsBetween(*before, *known->items).empty();
+  if (same && known->names && known->name == name && known->names->all() == content.names) return *known;
   known->name = name;
-  known->names = std::make_shared<NameList>(std::move(names));
+  known->names = std::make_shared<NameList>(std::move(content.names));
   known->version = ++lastVersion_;
   return *known;
 }
@@ -184,6 +190,7 @@ void Playlists::show(const std::string& name, bool fresh, Done done) {
   }
   ask(
       [this, name](PlayerLists& lists, Outcome& outcome) {
+        if (kept(name) != nullptr && !lists.find(name)) followMissing(lists, name);
         const PlayerList list = Existing(lists, name);
         const Kept* before = kept(name);
         const std::int64_t version = before != nullptr ? before->version : 0;
@@ -220,19 +227,26 @@ void Playlists::follow(PlayerLists& lists, const PlaylistStep& step, bool undone
   const std::optional<PlayerList> found = lists.find(list);
   if (!found) return;
   const std::int64_t now = found->revision();
-  const Kept* known = kept(list);  // looked for again: calls may let in whoever forgets it
+  Kept* known = kept(list);  // looked for again: calls may let in whoever forgets it
   if (known == nullptr) return;
   // What was kept was what the player had, and nobody has come in between.
   const bool alone =
       known->revision == before && now == before + static_cast<std::int64_t>(step.items.size());
-  if (!alone) return tellChanged(keepAsItIs(*found));
-  std::vector<std::string> names = After(known->names->all(), step, undone);
+  if (!alone) {
+    known->items.reset();  // what is whose can't be told
+    return tellChanged(keepAsItIs(*found));
+  }
+  Content content{After(known->names->all(), step, undone, [](const ListedItem& item) { return item.name; })};
+  if (known->items)
+    content.items = std::make_shared<const std::vector<ListedItem>>(
+        After(*known->items, step, undone, [](const ListedItem& item) { return item; }));
+  known->items.reset();
   if (const auto at = PutAt(step, undone)) {  // a title may be called otherwise than when it was taken out
     std::vector<std::string> put = found->names(*at, static_cast<std::int32_t>(step.items.size()));
-    if (*at + put.size() > names.size()) return tellChanged(keepAsItIs(*found));
-    std::move(put.begin(), put.end(), names.begin() + *at);
+    if (*at + put.size() > content.names.size()) return tellChanged(keepAsItIs(*found));
+    std::move(put.begin(), put.end(), content.names.begin() + *at);
   }
-  tellChanged(keep(list, std::move(names), now));
+  tellChanged(keep(list, std::move(content), now));
 }
 
 void Playlists::change(const std::string& name, Plan plan, Done done) {
@@ -242,6 +256,7 @@ void Playlists::change(const std::string& name, Plan plan, Done done) {
         const std::string known = list.name();
         if (restoring_.contains(base::LowerCase(known)))
           throw base::Failure(base::number::kChangedMeanwhile, "The playlist is still on its way back");
+        catchUp(list, known);
         const std::int64_t before = list.revision();
         const PlaylistStep step = plan(lists, list);
         if (IsQueue(known)) history_.forgetOthers(QueueName(), known);
@@ -277,6 +292,7 @@ void Playlists::create(const std::string& name, const std::string& from, Done do
       [this, name, from](PlayerLists& lists, Outcome& outcome) {
         const PlaylistStep step =
             from.empty() ? PlanCreate(lists, name) : PlanCopy(lists, Existing(lists, from), name);
+        forget(name);  // one that others have taken away
         const std::int64_t id = history_.begin(name, step);
         try {
           Take(lists, step, name);

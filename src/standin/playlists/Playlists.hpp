@@ -65,9 +65,16 @@ class Playlists {
   static constexpr base::Milliseconds kGood = std::chrono::seconds(4);  ///< unless somebody watches it
   static constexpr std::size_t kListsKept = 12;  ///< besides those that somebody watches
 
+  using Items = std::shared_ptr<const std::vector<ListedItem>>;
+  /// What a list holds: the names of its titles, and more of them unless it is the queue or a long one.
+  struct Content {
+    std::vector<std::string> names;
+    Items items{};
+  };
   struct Kept {
     std::string name;
     std::shared_ptr<const NameList> names;
+    Items items{};  ///< null where they are not known
     std::int64_t version = 0;
     std::int64_t revision = 0;   ///< the player's own number for what it had then
     base::Milliseconds seen{0};  ///< when the player was last asked
@@ -90,12 +97,24 @@ class Playlists {
   /// The list as it is kept; it is the one used last now. Null for one that isn't.
   Kept* kept(const std::string& name);
   [[nodiscard]] bool watched(const std::string& name) const;
-  Kept& keep(const std::string& name, std::vector<std::string> names, std::int64_t revision);
+  Kept& keep(const std::string& name, Content content, std::int64_t revision);
+  /// What has changed since it was kept is taken down as somebody else's.
   Kept& keepAsItIs(const PlayerList& list);
   void forget(const std::string& name);
   /// `before` is the list's revision right before the step, 0 where that is not known.
   void follow(PlayerLists& lists, const PlaylistStep& step, bool undone, const std::string& list,
               std::int64_t before);
+  static Content ContentOf(const PlayerList& list);
+  void forgetOldItems();
+  /// A step that others have taken.
+  void takeDown(const std::string& list, const PlaylistStep& step);
+  void takeDownOthers(const std::string& list, const Content& now);
+  /// Others' changes of a list come before the step that is about to be taken.
+  void catchUp(const PlayerList& list, const std::string& name);
+  /// What a list that is not found any more is called now: the one with its revision and its titles.
+  std::optional<std::string> nameNow(PlayerLists& lists, const Kept& missing);
+  /// A list that is kept is no longer there: others have renamed or deleted it.
+  void followMissing(PlayerLists& lists, const std::string& name);
   void fill(PlayerLists& lists, Outcome& outcome, const std::string& name);
   void turnEntry(PlayerLists& lists, Outcome& outcome, const PlaylistHistory::Entry& entry, bool undo);
   void restoreSome(const std::shared_ptr<Restoring>& restoring);

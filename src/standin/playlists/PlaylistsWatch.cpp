@@ -72,12 +72,7 @@ void Playlists::lookAt(PlayerLists& lists, const std::string& name) {
   const std::string spelling = known->name;
   const std::int64_t revision = known->revision;
   const std::optional<PlayerList> list = lists.find(spelling);
-  if (!list) {
-    forget(spelling);
-    house_.live.tell("playlist", Dump({{"name", spelling}, {"gone", true}}));
-    tellCollection();
-    return;
-  }
+  if (!list) return followMissing(lists, spelling);
   if (list->revision() != revision) {
     const std::int64_t version = kept(name) != nullptr ? kept(name)->version : 0;
     const Kept& now = keepAsItIs(*list);

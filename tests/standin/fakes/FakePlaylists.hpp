@@ -81,6 +81,9 @@ class FakePlaylists {
   void drop(const std::string& list) {
     locked([&] { std::erase_if(lists_, [&](const auto& each) { return each->name == list; }); });
   }
+  void rename(const std::string& list, const std::string& name) {
+    locked([&] { found(list)->name = name; });
+  }
   [[nodiscard]] bool has(const std::string& list) {
     return locked([&] {
       for (const auto& each : lists_)
