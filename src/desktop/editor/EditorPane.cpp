@@ -36,6 +36,7 @@ EditorPane::EditorPane(QtWindows& windows, std::function<void()> closed)
   shared_.settle = [this] { tree_->settle(); };
   tree_->setAccessibleName("Sources");
   box_->setAccessibleName("Playlist");
+  box_->setAccessibleDescription("Playlist");  // it is named by what is chosen in it
   list_->setAccessibleName("Playlist");
   place(layout::Of(Control::kTreeView1), tree_);
   place(layout::Of(Control::kPlayListDropBox), box_);

@@ -74,6 +74,11 @@ QVariant TreeModel::data(const QModelIndex& index, int role) const {
   return EntryData(*node, role, icon_);
 }
 
+// The header is hidden, but read aloud.
+QVariant TreeModel::headerData(int /*section*/, Qt::Orientation /*orientation*/, int role) const {
+  return role == Qt::DisplayRole ? QVariant("Name") : QVariant();
+}
+
 Qt::ItemFlags TreeModel::flags(const QModelIndex& index) const {
   return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable : Qt::NoItemFlags;
 }

@@ -43,6 +43,7 @@ class TreeModel : public QAbstractItemModel, public ui::editor::TreeWatch {
   [[nodiscard]] int rowCount(const QModelIndex& parent) const override;
   [[nodiscard]] int columnCount(const QModelIndex& /*parent*/) const override { return 1; }
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
   void rowsInserting(const ui::editor::TreeNode* parent, std::size_t first, std::size_t last) override;

@@ -115,7 +115,9 @@ class EditorReports : public editor::EditorEvents {
 /// The editor's window on a screen, over the real models.
 class EditorScene : public ::testing::Test {
  protected:
-  EditorScene() {
+  /// `prepare` comes behind the screen and before the windows.
+  explicit EditorScene(const std::function<void()>& prepare = [] {}) {
+    prepare();
     windows = OpenDesktop(loop);
     window = std::make_unique<desktop::PlayListWindow>(*windows);
     reports.window = window.get();
