@@ -111,7 +111,7 @@ ScanTime Scan(const fs::path& root, Start start, int workers, engine::TrackTable
   std::size_t read = 0;
   engine::Scanner::Settings settings;
   settings.roots = {root.string()};
-  settings.workers = workers;
+  settings.reading.workers = workers;
   const auto begin = Clock::now();
   const engine::Scanner scanner(settings, std::move(start.store), std::move(start.known),
                                 [&](const engine::LibraryChange& change) {

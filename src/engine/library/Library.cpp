@@ -67,7 +67,7 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
   }
   Scanner::Settings settings;
   settings.roots = config.musicFolders;
-  settings.workers = config.tagWorkers;
+  settings.reading.workers = config.tagWorkers;
   scanner_ = std::make_unique<Scanner>(
       std::move(settings), std::move(store), std::move(records), [this](LibraryChange change) {
         post_([this, change = std::make_shared<LibraryChange>(std::move(change))] { take(*change); });

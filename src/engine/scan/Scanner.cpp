@@ -61,7 +61,7 @@ void Scanner::remember(FileRecord record) {
 }
 
 void Scanner::run() {
-  pool_ = std::make_unique<TagPool>(settings_.workers);
+  pool_ = std::make_unique<TagPool>(settings_.reading);
   scanAll();
   pool_.reset();
   GiveBackMemory();
@@ -92,7 +92,7 @@ void Scanner::wait() {
 
   std::map<std::string, bool> wasUsable;
   for (const Root& root : roots_) wasUsable[root.path] = root.usable;
-  pool_ = std::make_unique<TagPool>(settings_.workers);
+  pool_ = std::make_unique<TagPool>(settings_.reading);
   if (!complete) {
     scanAll();
   } else {
@@ -288,6 +288,8 @@ void Scanner::visit(const std::vector<ListedFile>& files) {
       known->scan = scan_;
       if (known->stamp == file.stamp) continue;
     }
+    const auto slow = slow_.find(file.path);
+    if (slow != slow_.end() && slow->second == file.stamp) continue;
     FileRecord record;
     record.path = file.path;
     record.stamp = file.stamp;
@@ -326,6 +328,7 @@ void Scanner::collect(std::chrono::milliseconds limit) {
     switch (result.outcome) {
       case TagResult::Outcome::kGone: remove(result.record.path); break;
       case TagResult::Outcome::kUnreadable: break;  // looked at again next time
+      case TagResult::Outcome::kSlow: slow_[result.record.path] = result.record.stamp; break;
       case TagResult::Outcome::kRead:
       case TagResult::Outcome::kNoMedia:
         known_.put(result.record.path, {result.record.stamp, scan_, false});

@@ -37,7 +37,7 @@ class Scanner {
  public:
   struct Settings {
     std::vector<std::string> roots;
-    int workers = 2;
+    TagPool::Settings reading;
     /// How long it must be quiet before changes are looked at, and how often missing folders are.
     std::chrono::milliseconds quiet{150};
     std::chrono::milliseconds retry{5000};
@@ -107,6 +107,8 @@ class Scanner {
   std::vector<std::string> unreadable_;
   std::set<std::string> mounts_;  ///< folders seen on another device than the one around them
   std::set<std::string> away_;    ///< those of them that are kept
+  /// Files given up, which are not begun again while they stay as they are.
+  std::map<std::string, files::FileStamp> slow_;
   LibraryWatch watch_;
   bool watchesShort_ = false;
   std::uint32_t scan_ = 0;

@@ -1,6 +1,11 @@
 #include "engine/scan/TagPool.hpp"
 
 #include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -34,51 +39,132 @@ TagResult ReadRecord(FileRecord record) {
   return result;
 }
 
-TagPool::TagPool(int workers) {
-  for (int i = 0; i < std::max(1, workers); ++i) threads_.emplace_back([this] { work(); });
+namespace {
+
+std::atomic<int> leftToThemselves{0};  // in the whole process
+
+TagResult Slow(FileRecord record) {
+  TagResult result;
+  result.outcome = TagResult::Outcome::kSlow;
+  result.complaint =
+      SafeName(record.path) + ": reading it takes too long, and it is left out until the next start";
+  result.record = std::move(record);
+  return result;
+}
+
+}  // namespace
+
+struct TagPool::Worker {
+  bool busy = false;
+  bool left = false;  ///< nobody waits for it any more
+  bool ended = false;
+  std::chrono::steady_clock::time_point since;
+  FileRecord reads;  ///< its path and stamp
+  std::thread thread;
+};
+
+struct TagPool::Shared {
+  explicit Shared(Settings given) : settings(std::move(given)) {}
+  void work(Worker& self);
+
+  const Settings settings;
+  std::mutex mutex;  ///< guards all of the below, and the workers
+  std::condition_variable jobReady;
+  std::condition_variable resultReady;
+  std::condition_variable ended;
+  std::deque<FileRecord> jobs;
+  std::vector<TagResult> results;
+  bool stopping = false;
+};
+
+TagPool::TagPool(Settings settings) : shared_(std::make_shared<Shared>(std::move(settings))) {
+  for (int i = 0; i < std::max(1, shared_->settings.workers); ++i) begin();
 }
 
 TagPool::~TagPool() {
-  {
-    const std::lock_guard lock(mutex_);
-    stopping_ = true;
+  std::unique_lock lock(shared_->mutex);
+  shared_->stopping = true;
+  shared_->jobReady.notify_all();
+  shared_->ended.wait_for(lock, shared_->settings.atEnd, [this] {
+    return std::all_of(workers_.begin(), workers_.end(), [](const auto& worker) { return worker->ended; });
+  });
+  for (const auto& worker : workers_) {
+    if (!worker->ended) giveUp(*worker);
   }
-  jobReady_.notify_all();
-  for (std::thread& thread : threads_) thread.join();
+  lock.unlock();
+  for (const auto& worker : workers_) {
+    if (worker->thread.joinable()) worker->thread.join();
+  }
+}
+
+void TagPool::begin() {
+  auto worker = std::make_shared<Worker>();
+  workers_.push_back(worker);
+  worker->thread = std::thread([shared = shared_, worker] { shared->work(*worker); });
+}
+
+void TagPool::giveUp(Worker& worker) {
+  worker.left = true;
+  worker.thread.detach();
+  ++leftToThemselves;
+}
+
+void TagPool::giveUpSlow() {
+  Shared& shared = *shared_;
+  const auto now = shared.settings.now();
+  for (std::size_t i = workers_.size(); i-- > 0;) {
+    const auto worker = workers_[i];
+    if (!worker->busy || now - worker->since <= shared.settings.longest) continue;
+    giveUp(*worker);
+    shared.results.push_back(Slow(std::move(worker->reads)));
+    workers_.erase(workers_.begin() + static_cast<std::ptrdiff_t>(i));
+    if (leftToThemselves <= kMostLeft) begin();
+  }
+  if (!workers_.empty()) return;
+  for (FileRecord& record : std::exchange(shared.jobs, {})) shared.results.push_back(Slow(std::move(record)));
 }
 
 void TagPool::submit(FileRecord record) {
   ++outstanding_;
   {
-    const std::lock_guard lock(mutex_);
-    jobs_.push_back(std::move(record));
+    const std::lock_guard lock(shared_->mutex);
+    shared_->jobs.push_back(std::move(record));
   }
-  jobReady_.notify_one();
+  shared_->jobReady.notify_one();
 }
 
 std::vector<TagResult> TagPool::collect(std::chrono::milliseconds limit) {
-  std::unique_lock lock(mutex_);
-  if (results_.empty() && limit.count() > 0) {
-    resultReady_.wait_for(lock, limit, [this] { return !results_.empty(); });
+  std::unique_lock lock(shared_->mutex);
+  if (shared_->results.empty() && limit.count() > 0) {
+    shared_->resultReady.wait_for(lock, limit, [this] { return !shared_->results.empty(); });
   }
-  std::vector<TagResult> results = std::exchange(results_, {});
+  giveUpSlow();
+  std::vector<TagResult> results = std::exchange(shared_->results, {});
   outstanding_ -= results.size();
   return results;
 }
 
-void TagPool::work() {
-  std::unique_lock lock(mutex_);
-  while (true) {
-    jobReady_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
-    if (stopping_) return;
-    FileRecord record = std::move(jobs_.front());
-    jobs_.pop_front();
+void TagPool::Shared::work(Worker& self) {
+  std::unique_lock lock(mutex);
+  while (!self.left) {
+    jobReady.wait(lock, [this] { return stopping || !jobs.empty(); });
+    if (stopping) break;
+    FileRecord record = std::move(jobs.front());
+    jobs.pop_front();
+    self.reads = record;
+    self.since = settings.now();
+    self.busy = true;
     lock.unlock();
-    TagResult result = ReadRecord(std::move(record));
+    TagResult result = settings.read(std::move(record));
     lock.lock();
-    results_.push_back(std::move(result));
-    if (results_.size() == 1) resultReady_.notify_one();
+    if (self.left) break;
+    self.busy = false;
+    results.push_back(std::move(result));
+    if (results.size() == 1) resultReady.notify_one();
   }
+  self.ended = true;
+  if (self.left) --leftToThemselves;
+  ended.notify_all();
 }
 
 }  // namespace engine

@@ -1,11 +1,8 @@
 #pragma once
 #include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <optional>
+#include <functional>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "engine/common/Track.hpp"
@@ -14,7 +11,13 @@ namespace engine {
 
 /// What became of one file.
 struct TagResult {
-  enum class Outcome { kRead, kNoMedia, kUnreadable, kGone };
+  enum class Outcome {
+    kRead,
+    kNoMedia,
+    kUnreadable,
+    kGone,
+    kSlow  ///< its reader has been left to itself
+  };
   FileRecord record;
   Outcome outcome = Outcome::kRead;
   std::string complaint;  ///< one line for people, empty when all went well
@@ -23,11 +26,24 @@ struct TagResult {
 /// Reads the one file of `record` and fills in its tags. Never throws.
 TagResult ReadRecord(FileRecord record);
 
-/// Threads that read tags. Used by one thread.
+/// Threads that read tags. Used by one thread. A file that takes too long, as on a disc that hangs, is given
+/// up: its thread is left to itself, and another takes its place, while not too many are left so in the
+/// process.
 class TagPool {
  public:
-  explicit TagPool(int workers);
-  /// Drops what has not been begun and waits for the rest.
+  struct Settings {
+    int workers = 2;
+    std::chrono::milliseconds longest = std::chrono::seconds(20);  ///< that one file may take
+    std::chrono::milliseconds atEnd = std::chrono::seconds(2);  ///< that the end waits for what is being read
+    /// Never throws; may be called after the pool's end.
+    std::function<TagResult(FileRecord)> read = ReadRecord;
+    std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
+  };
+  /// How many threads may be left to themselves in the process and get a successor.
+  static constexpr int kMostLeft = 8;
+
+  explicit TagPool(Settings settings);
+  /// Drops what has not been begun and waits for the rest, for as long as `atEnd`.
   ~TagPool();
   TagPool(const TagPool&) = delete;
   TagPool& operator=(const TagPool&) = delete;
@@ -41,16 +57,16 @@ class TagPool {
   [[nodiscard]] std::size_t outstanding() const { return outstanding_; }
 
  private:
-  void work();
+  struct Worker;
+  struct Shared;
 
-  std::mutex mutex_;
-  std::condition_variable jobReady_;
-  std::condition_variable resultReady_;
-  std::deque<FileRecord> jobs_;
-  std::vector<TagResult> results_;
-  bool stopping_ = false;
+  void begin();
+  void giveUp(Worker& worker);
+  void giveUpSlow();
+
+  std::shared_ptr<Shared> shared_;  ///< with the threads, of which some may outlive the pool
+  std::vector<std::shared_ptr<Worker>> workers_;
   std::size_t outstanding_ = 0;
-  std::vector<std::thread> threads_;
 };
 
 }  // namespace engine

@@ -7,7 +7,8 @@
 namespace engine::tags {
 namespace {
 constexpr int kMostReads = 4096;
-}
+constexpr std::uint64_t kMostBytes = std::uint64_t{64} * 1024 * 1024;  // four times the largest copy
+}  // namespace
 
 bool ByteSource::fill(std::uint64_t offset, std::size_t length) {
   char* target = small_.data();
@@ -19,9 +20,10 @@ bool ByteSource::fill(std::uint64_t offset, std::size_t length) {
   }
   window_ = {};
   start_ = offset;
-  if (++reads_ > kMostReads) return false;
+  if (++reads_ > kMostReads || bytes_ > kMostBytes) return false;
   const ssize_t got = ::pread(descriptor_, target, room, static_cast<off_t>(offset));
   if (got <= 0) return false;
+  bytes_ += static_cast<std::uint64_t>(got);
   window_ = {target, static_cast<std::size_t>(got)};
   return true;
 }

@@ -35,7 +35,8 @@ class ByteSource {
   std::uint64_t size_;
   std::uint64_t start_ = 0;
   int reads_ = 0;
-  std::string large_;  ///< in the place of the window for what does not fit it
+  std::uint64_t bytes_ = 0;  ///< read so far
+  std::string large_;        ///< in the place of the window for what does not fit it
   std::string_view window_;
   std::array<char, 8192> small_;  // not set to zero: it costs a scan what reading costs
 };
