@@ -54,6 +54,11 @@ std::vector<ValueEntry> SplitValues(std::string_view table);
 /// The devices of the house, in memory and in the database. Every change is stored when its call returns.
 class DeviceStore {
  public:
+  static constexpr std::size_t kMost = 10'000;                           ///< devices
+  static constexpr std::size_t kLongestText = std::size_t{64} << 10U;    ///< bytes, of any text but the next
+  static constexpr std::size_t kLongestValues = std::size_t{16} << 20U;  ///< of a value table
+  static constexpr std::size_t kMostButtons = 1000;                      ///< of a device
+
   explicit DeviceStore(database::Database& database);
 
   [[nodiscard]] const std::map<std::int32_t, Device>& all() const { return devices_; }
@@ -68,6 +73,7 @@ class DeviceStore {
   /// The code of a house-code letter that no device has, or -1.
   [[nodiscard]] std::int16_t freeHouseCode() const;
 
+  /// Throws 6 beyond `kMost`, as do the others for a text beyond its bound; nothing is changed then.
   const Device& create(const std::string& name);
   /// Deletes every device of the interface; answers their numbers.
   std::vector<std::int32_t> removeInterface(const std::string& interface);

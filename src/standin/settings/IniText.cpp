@@ -129,6 +129,7 @@ IniFile::Section& IniFile::need(std::string_view name) {
   const auto place = name.empty() ? sections_.begin() : sections_.end();
   const auto made = sections_.insert(place, Section{std::string(name), {}, {}});
   byName_.emplace(std::move(folded), made);
+  bytes_ += name.size();
   return *made;
 }
 
@@ -158,8 +159,10 @@ IniFile IniFile::parse(std::string_view text) {
     auto entry = remark ? std::nullopt : KeyAndValue(line);
     if (!entry) {
       here().lines.push_back({std::string(line), {}, true});
+      file.bytes_ += line.size();
     } else if (Section& in = here();
                in.byKey.try_emplace(base::LowerCase(entry->first), in.lines.size()).second) {
+      file.bytes_ += entry->first.size() + entry->second.size();
       in.lines.push_back({std::move(entry->first), std::move(entry->second), false});
     }
   }
@@ -197,9 +200,12 @@ const std::string* IniFile::find(std::string_view section, std::string_view key)
 void IniFile::set(std::string_view section, std::string_view key, std::string value) {
   Section& in = need(section);
   const auto [found, fresh] = in.byKey.try_emplace(base::LowerCase(key), in.lines.size());
+  bytes_ += value.size();
   if (fresh) {
+    bytes_ += key.size();
     in.lines.push_back({std::string(key), std::move(value), false});
   } else {
+    bytes_ -= in.lines[found->second].value.size();
     in.lines[found->second].value = std::move(value);
   }
 }
@@ -207,6 +213,8 @@ void IniFile::set(std::string_view section, std::string_view key, std::string va
 void IniFile::clear(std::string_view section) {
   const auto found = byName_.find(base::LowerCase(section));
   if (found == byName_.end()) return;
+  bytes_ -= found->second->name.size();
+  for (const Line& line : found->second->lines) bytes_ -= line.key.size() + line.value.size();
   sections_.erase(found->second);
   byName_.erase(found);
 }

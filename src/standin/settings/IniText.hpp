@@ -31,6 +31,8 @@ class IniFile {
   void clear(std::string_view section);
   /// The entries of a section as key=value, in their order.
   [[nodiscard]] std::vector<std::string> entries(std::string_view section) const;
+  /// Of all names, values and remarks.
+  [[nodiscard]] std::size_t bytes() const { return bytes_; }
 
  private:
   struct Line {
@@ -46,6 +48,7 @@ class IniFile {
   Section& need(std::string_view name);
   [[nodiscard]] const Section* look(std::string_view name) const;
 
+  std::size_t bytes_ = 0;
   std::list<Section> sections_;
   std::unordered_map<std::string, std::list<Section>::iterator> byName_;
 };

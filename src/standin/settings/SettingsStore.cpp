@@ -64,6 +64,8 @@ SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
   if (!PlainFileName(file)) {
     throw base::Failure(base::number::kInvalidArgument, "\"" + file + "\" is no name of a settings file");
   }
+  if (files_.size() >= kMostFiles)
+    throw base::Failure(base::number::kOverflow, "There are too many settings files");
   std::filesystem::path path = folder_ / file;
   for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
     if (base::LowerCase(entry.path().filename().string()) == folded) path = entry.path();
@@ -71,6 +73,17 @@ SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
   const std::optional<std::string> text = files::TextOf(path);
   return files_.emplace(folded, Loaded{path, IniFile::parse(text.value_or(std::string())), false})
       .first->second;
+}
+
+void SettingsStore::checkRoomFor(const SettingChange& change) {
+  if (change.section.size() > kLongestName || change.key.size() > kLongestName ||
+      change.value.size() > kLongestValue)
+    throw base::Failure(base::number::kOverflow, "The setting is too long to be kept");
+  std::size_t all = change.section.size() + change.key.size() + change.value.size();
+  for (const auto& [name, loaded] : files_) all += loaded.content.bytes();
+  if (const std::string* before = open(change.file).content.find(change.section, change.key))
+    all -= before->size();
+  if (all > kMostInAll) throw base::Failure(base::number::kOverflow, "There are too many settings");
 }
 
 void SettingsStore::apply(const SettingChange& change) {
@@ -94,6 +107,7 @@ void SettingsStore::save(const std::string& file, const std::string& section, co
   const std::string* stored = open(file).content.find(section, key);
   if (stored != nullptr && *stored == value) return;
   const SettingChange change{SettingChange::Kind::kSet, file, section, key, value};
+  checkRoomFor(change);
   journal_.append(change);
   apply(change);
 }

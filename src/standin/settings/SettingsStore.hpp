@@ -21,7 +21,13 @@ class SettingsStore {
   /// The stored text, or nothing when the key is absent. Throws number 5 for a name that is no plain file
   /// name.
   std::optional<std::string> get(const std::string& file, const std::string& section, const std::string& key);
-  /// Throws number 61 when the disk is full; the earlier value stands then.
+  static constexpr std::size_t kLongestName = 4096;  ///< of a section or a key, in bytes
+  static constexpr std::size_t kLongestValue = std::size_t{4} << 20U;
+  static constexpr std::size_t kMostInAll = std::size_t{64} << 20U;  ///< names and values of all files in use
+  static constexpr std::size_t kMostFiles = 1000;
+
+  /// Throws number 61 when the disk is full, 6 when this would be more than is kept; the earlier value stands
+  /// then.
   void save(const std::string& file, const std::string& section, const std::string& key,
             const std::string& value);
   /// The section as key=value entries separated by the character of code 0.
@@ -44,6 +50,7 @@ class SettingsStore {
     bool changed = false;
   };
   Loaded& open(const std::string& file);
+  void checkRoomFor(const SettingChange& change);
   void apply(const SettingChange& change);
   void keepEdited();
 
