@@ -62,8 +62,17 @@ at_once() {
 }
 
 run_fuzz_target() {
-  local target=$1
-  "build/fuzz/bin/$target" -max_total_time=8 -max_len=4096 -verbosity=0 -print_final_stats=0
+  local program=build/fuzz/bin/$1 corpus=fuzz/corpus/$1 known=() made
+  # What once broke something comes first, each by itself; then chance goes on from it, in a folder of its own.
+  if [ -d "$corpus" ]; then
+    find "$corpus" -type f -print0 | xargs -0 -r "$program" -verbosity=0 || return
+    known=("$corpus")
+  fi
+  made=$(mktemp -d)
+  "$program" -max_total_time=8 -max_len=4096 -verbosity=0 -print_final_stats=0 "$made" "${known[@]}"
+  local result=$?
+  rm -rf "$made"
+  return "$result"
 }
 
 run_benchmark() {
