@@ -33,7 +33,10 @@ House::House(const std::filesystem::path& dataFolder)
     tellDevice(device);
   };
   devices.onRemove = [this](std::int32_t ref) { live.tell("removed", std::to_string(ref)); };
-  log.onLine = [this](const LogLine& line) { live.tell("log", Dump(LogJson(line))); };
+  log.onLine = [this](const LogLine& line) {
+    live.tell("log", Dump(LogJson(line)),
+              IsForTheOwnerAlone(line.type) ? LiveFeed::Audience::kOwner : LiveFeed::Audience::kAll);
+  };
   seedPictures();
   try {
     for (const std::string& note : settings.notes()) log.write("Warning", note);

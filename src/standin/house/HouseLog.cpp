@@ -1,8 +1,10 @@
 #include "standin/house/HouseLog.hpp"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <iostream>
+#include <string_view>
 
 #include "base/Failure.hpp"
 
@@ -14,6 +16,8 @@ constexpr std::int64_t kTrimEvery = 256;
 
 constexpr std::size_t kLongestType = 64;
 
+constexpr std::array<std::string_view, 2> kForTheOwnerAlone{"Speech", "Voice"};
+
 /// At most so many bytes, cut between characters.
 std::string Bounded(const std::string& text, std::size_t longest) {
   if (text.size() <= longest) return text;
@@ -23,6 +27,10 @@ std::string Bounded(const std::string& text, std::size_t longest) {
 }
 
 }  // namespace
+
+bool IsForTheOwnerAlone(const std::string& type) {
+  return std::find(kForTheOwnerAlone.begin(), kForTheOwnerAlone.end(), type) != kForTheOwnerAlone.end();
+}
 
 HouseLog::HouseLog(database::Database& database, std::int64_t limit)
     : database_(database),
@@ -50,13 +58,16 @@ void HouseLog::write(const std::string& type, const std::string& text) {
   if (onLine) onLine(line);
 }
 
-std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type, std::int64_t before) {
+std::vector<LogLine> HouseLog::newest(std::size_t count, const std::string& type, std::int64_t before,
+                                      LogReader reader) {
   std::vector<LogLine> lines;
   database::Statement rows(
       database_,
       "SELECT id, time, type, text FROM log WHERE (?1 = '' OR type = ?1) AND (?2 = 0 OR id < ?2) "
-      "ORDER BY id DESC LIMIT ?3");
-  rows.with(type, before, static_cast<std::int64_t>(count));
+      "AND (?4 = 0 OR type NOT IN (?5, ?6)) ORDER BY id DESC LIMIT ?3");
+  rows.with(type, before, static_cast<std::int64_t>(count),
+            static_cast<std::int64_t>(reader == LogReader::kGuest), std::string(kForTheOwnerAlone[0]),
+            std::string(kForTheOwnerAlone[1]));
   while (rows.step()) lines.push_back({rows.integer(0), rows.integer(1), rows.text(2), rows.text(3)});
   std::reverse(lines.begin(), lines.end());
   return lines;
@@ -74,10 +85,11 @@ std::optional<LogLine> HouseLog::newestSince(const std::string& type, std::int64
   return LogLine{row.integer(0), row.integer(1), row.text(2), row.text(3)};
 }
 
-std::vector<std::string> HouseLog::types() {
+std::vector<std::string> HouseLog::types(LogReader reader) {
   std::vector<std::string> types;
   database::Statement rows(database_, "SELECT DISTINCT type FROM log ORDER BY type");
   while (rows.step()) types.push_back(rows.text(0));
+  if (reader == LogReader::kGuest) std::erase_if(types, IsForTheOwnerAlone);
   return types;
 }
 

@@ -8,16 +8,17 @@ namespace standin {
 
 LiveFeed::LiveFeed(Limits limits) : name_(std::to_string(std::random_device()())), limits_(limits) {}
 
-void LiveFeed::tell(const std::string& kind, const std::string& data) {
+void LiveFeed::tell(const std::string& kind, const std::string& data, Audience audience) {
   {
     const std::lock_guard lock(mutex_);
     const bool whole = kind.size() + data.size() <= limits_.longest;
-    events_.push_back("id: " + nameOf(first_ + events_.size()) +
-                      (whole ? "\nevent: " + kind + "\ndata: " + data : "\nevent: reload\ndata: {}") +
-                      "\n\n");
-    bytes_ += events_.back().size();
+    events_.push_back({"id: " + nameOf(first_ + events_.size()) +
+                           (whole ? "\nevent: " + kind + "\ndata: " + data : "\nevent: reload\ndata: {}") +
+                           "\n\n",
+                       audience});
+    bytes_ += events_.back().text.size();
     while (events_.size() > limits_.kept || bytes_ > limits_.bytes) {
-      bytes_ -= events_.front().size();
+      bytes_ -= events_.front().text.size();
       events_.pop_front();
       ++first_;
     }
@@ -44,8 +45,8 @@ std::size_t LiveFeed::readersOf(const std::string& session) const {
   return found == ofSession_.end() ? 0 : found->second;
 }
 
-LiveFeed::Reader::Reader(LiveFeed& feed, std::string session, const std::string& last)
-    : feed_(feed), session_(std::move(session)) {
+LiveFeed::Reader::Reader(LiveFeed& feed, std::string session, const std::string& last, Audience audience)
+    : feed_(feed), session_(std::move(session)), audience_(audience) {
   const std::lock_guard lock(feed.mutex_);
   const auto mine = feed.ofSession_.find(session_);
   admitted_ = feed.readers_ < feed.limits_.readers &&
@@ -75,7 +76,10 @@ LiveFeed::Reader::~Reader() {
 std::string LiveFeed::Reader::wait(std::chrono::milliseconds limit) {
   std::unique_lock lock(feed_.mutex_);
   const auto end = [&] { return feed_.first_ + feed_.events_.size(); };
-  feed_.told_.wait_for(lock, limit, [&] { return feed_.closed_ || behind_ || next_ < end(); });
+  feed_.told_.wait_for(lock, limit, [&] {
+    while (next_ >= feed_.first_ && next_ < end() && !mayHear(feed_.events_[next_ - feed_.first_])) ++next_;
+    return feed_.closed_ || behind_ || next_ < end();
+  });
   if (feed_.closed_) return {};
   if (behind_ || next_ < feed_.first_) {
     behind_ = false;
@@ -85,7 +89,10 @@ std::string LiveFeed::Reader::wait(std::chrono::milliseconds limit) {
   }
   if (next_ == end()) return "event: alive\ndata: {}\n\n";
   std::string out;
-  for (; next_ < end(); ++next_) out += feed_.events_[next_ - feed_.first_];
+  for (; next_ < end(); ++next_) {
+    const Told& event = feed_.events_[next_ - feed_.first_];
+    if (mayHear(event)) out += event.text;
+  }
   return out;
 }
 

@@ -24,8 +24,10 @@ class LiveFeed {
   LiveFeed() : LiveFeed(Limits()) {}
   explicit LiveFeed(Limits limits);
 
+  /// Who may hear something; the owner hears what is for all, too.
+  enum class Audience { kAll, kOwner };
   /// `kind` is one word, `data` one line.
-  void tell(const std::string& kind, const std::string& data);
+  void tell(const std::string& kind, const std::string& data, Audience audience = Audience::kAll);
   /// Ends all waits, now and later.
   void close();
   /// How many listen now.
@@ -33,12 +35,17 @@ class LiveFeed {
   /// How many of a session's do.
   [[nodiscard]] std::size_t readersOf(const std::string& session) const;
 
+  struct Told {
+    std::string text;
+    Audience audience = Audience::kAll;
+  };
   /// A place among the readers, taken for as long as the object lives.
   class Reader {
    public:
     /// `session` tells the browsers apart. `last` names the event that the page has heard last, as the feed
-    /// named it; empty for a page that has heard none.
-    explicit Reader(LiveFeed& feed, std::string session = {}, const std::string& last = {});
+    /// named it; empty for a page that has heard none. `audience`: `kOwner` where the owner reads.
+    explicit Reader(LiveFeed& feed, std::string session = {}, const std::string& last = {},
+                    Audience audience = Audience::kAll);
     ~Reader();
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
@@ -53,8 +60,13 @@ class LiveFeed {
     std::string wait(std::chrono::milliseconds limit);
 
    private:
+    [[nodiscard]] bool mayHear(const Told& event) const {
+      return event.audience == Audience::kAll || audience_ == Audience::kOwner;
+    }
+
     LiveFeed& feed_;
     std::string session_;
+    Audience audience_;
     bool admitted_ = false;
     bool behind_ = false;  ///< what it has missed is no longer known
     std::uint64_t next_ = 0;
@@ -65,7 +77,7 @@ class LiveFeed {
 
   mutable std::mutex mutex_;
   std::condition_variable told_;
-  std::deque<std::string> events_;
+  std::deque<Told> events_;
   std::size_t bytes_ = 0;    ///< of the events
   std::uint64_t first_ = 0;  ///< number of the oldest event kept
   const std::string name_;   ///< of this feed: events of another run of the server are not its own

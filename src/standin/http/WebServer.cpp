@@ -320,8 +320,10 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
 void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {
   const std::string token = tokenOf(request);
   if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return Give(response, *refused);
-  const auto reader =
-      std::make_shared<LiveFeed::Reader>(live_, token, request.get_header_value("Last-Event-ID"));
+  const std::optional<User> user = api_.visitor(token);
+  const auto reader = std::make_shared<LiveFeed::Reader>(
+      live_, token, request.get_header_value("Last-Event-ID"),
+      user && !user->guest ? LiveFeed::Audience::kOwner : LiveFeed::Audience::kAll);
   if (!reader->admitted()) return Give(response, Refusal(503, "Too many pages are open"));
   using SteadyClock = std::chrono::steady_clock;
   struct Progress {

@@ -59,10 +59,13 @@ WebAnswer ValuesOf(const House& house, std::int32_t ref, const std::string& soug
   return Told({{"values", std::move(found)}, {"total", places.size()}});
 }
 
-WebAnswer LinesOf(House& house, const std::string& type, std::int64_t before) {
+WebAnswer LinesOf(House& house, const WebCall& call) {
+  const LogReader reader = call.user.guest ? LogReader::kGuest : LogReader::kOwner;
   Json lines = Json::array();
-  for (const LogLine& line : house.log.newest(kLogPage, type, before)) lines.push_back(LogJson(line));
-  return Told({{"lines", std::move(lines)}, {"types", house.log.types()}});
+  for (const LogLine& line :
+       house.log.newest(kLogPage, call.parameter("type"), call.number<std::int64_t>("before"), reader))
+    lines.push_back(LogJson(line));
+  return Told({{"lines", std::move(lines)}, {"types", house.log.types(reader)}});
 }
 
 }  // namespace
@@ -72,9 +75,7 @@ Routes HouseRoutes(House& house, PluginKeeper& plugin, Visitors& visitors) {
   const auto values = [&](const WebCall& call) {
     return ValuesOf(house, call.number<std::int32_t>("ref"), call.parameter("q"));
   };
-  const auto log = [&](const WebCall& call) {
-    return LinesOf(house, call.parameter("type"), call.number<std::int64_t>("before"));
-  };
+  const auto log = [&](const WebCall& call) { return LinesOf(house, call); };
   const auto start = [&](const WebCall&) {
     plugin.startAgain();
     return WebAnswer();

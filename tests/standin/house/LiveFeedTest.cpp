@@ -34,6 +34,26 @@ TEST(LiveFeed, AReaderHearsWhatIsToldAfterItCame) {
   EXPECT_EQ(reader.wait(std::chrono::hours(1)), "");
 }
 
+TEST(LiveFeed, WhatIsForTheOwnerAloneNobodyElseHears) {
+  LiveFeed feed;
+  LiveFeed::Reader guest(feed);
+  LiveFeed::Reader owner(feed, {}, {}, LiveFeed::Audience::kOwner);
+  feed.tell("log", "for all");
+  feed.tell("log", "for the owner", LiveFeed::Audience::kOwner);
+  const std::string heard = guest.wait(kAtOnce);
+  EXPECT_THAT(heard, EndsWith("data: for all\n\n"));
+  EXPECT_THAT(heard, Not(HasSubstr("owner")));
+  EXPECT_EQ(guest.wait(kAtOnce), kAlive);
+  feed.tell("log", "a secret", LiveFeed::Audience::kOwner);
+  EXPECT_EQ(guest.wait(kAtOnce), kAlive) << "it is no end either";
+  EXPECT_THAT(owner.wait(kAtOnce), HasSubstr("data: for the owner\n\n"));
+  // Nor does one that comes back and has missed it.
+  LiveFeed::Reader again(feed, {}, LastOf(heard));
+  EXPECT_EQ(again.wait(kAtOnce), kAlive);
+  feed.tell("log", "more");
+  EXPECT_THAT(again.wait(kAtOnce), EndsWith("data: more\n\n"));
+}
+
 TEST(LiveFeed, AReaderThatFallsBehindIsToldToLoadAnew) {
   LiveFeed feed({.kept = 4});
   LiveFeed::Reader reader(feed);
