@@ -1,6 +1,7 @@
 #include "standin/room/RoomMicrophone.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "ear/Messages.hpp"
@@ -20,6 +21,11 @@ constexpr base::Milliseconds kLongestPause = std::chrono::minutes(10);
 constexpr base::Milliseconds kLook = std::chrono::seconds(2);
 /// More than two things that are said one after the other nobody waits for.
 constexpr int kMostUnanswered = 2;
+/// So long, from when the house has asked it, a question is answered in the room.
+constexpr std::size_t kAnswers = 10 * EnergyGate::kRate;
+constexpr int kMostInVain = 2;
+constexpr base::Milliseconds kLongestPeace = std::chrono::minutes(16);
+constexpr const char* kPlayerDevices[] = {"Media Player Status", "Media Player Title"};
 
 }  // namespace
 
@@ -34,7 +40,8 @@ RoomMicrophone::RoomMicrophone(const Parts& parts)
                                     again_->enabled(false);
                                     startNext();
                                   })),
-      look_(parts.loop.makeTimer(kLook, [this] { look(); })) {
+      look_(parts.loop.makeTimer(kLook, [this] { look(); })),
+      devices_(parts.house.hearDevices([this](const Device& device) { hearPlayer(device); })) {
   if (parts_.house.settings.get(kSettings, kSection, kListens) == "1") begin();
 }
 
@@ -70,6 +77,7 @@ void RoomMicrophone::drop() {
   look_->enabled(false);
   check_.reset();
   gate_.rest();
+  awaitAnswer(0);
   if (!child_) return;
   child_->endSoon({});
   parts_.loop.post([gone = std::shared_ptr<ChildProgram>(std::move(child_))] {});  // it may be at work
@@ -141,21 +149,57 @@ void RoomMicrophone::come(std::string& bytes) {
     troubles_.clear();
     enter(State::kListening);
   }
-  if (parts_.speech.speaking() || parts_.quiet.hasOthers(kRoom)) {
-    gate_.rest();
-  } else {
-    gate_.take(sound);
-  }
+  const bool quiet = parts_.speech.events().making();
+  if (std::exchange(quiet_, quiet) != quiet) quiet ? gate_.playersLeave() : gate_.playersReturn();
+  if (parts_.speech.speaking() || parts_.quiet.hasOthers(kRoom)) return gate_.pause();
+  gate_.take(sound);
+  // Who has begun to answer in time may end.
+  if (answerWithin_ > 0 && !sound_ && unanswered_ == 0)
+    awaitAnswer(answerWithin_ - std::min(answerWithin_, sound.size()));
+}
+
+void RoomMicrophone::hearPlayer(const Device& device) {
+  const std::string name = device.fullName();
+  if (std::find(std::begin(kPlayerDevices), std::end(kPlayerDevices), name) == std::end(kPlayerDevices))
+    return;
+  std::string tells = std::to_string(device.value) + " " + device.text;
+  if (std::exchange(playing_[name], tells) == tells) return;
+  // While players make room they tell of that.
+  if (!parts_.speech.events().making()) soon([this] { gate_.rest(); });
+}
+
+bool RoomMicrophone::makesRoom() const { return inVain_ < kMostInVain || parts_.loop.now() >= peaceUntil_; }
+
+void RoomMicrophone::awaitAnswer(std::size_t samples) {
+  const bool over = samples == 0 && answerWithin_ > 0;
+  answerWithin_ = samples;
+  gate_.awaitsWord(samples > 0);
+  if (over) soon([this] { quietEnds(); });
 }
 
 void RoomMicrophone::begins() {
   sound_ = parts_.voice.begin();
+  if (!makesRoom()) return;
   soon([this] { parts_.quiet.begin(kRoom); });
 }
 
 void RoomMicrophone::nothing() {
   sound_.reset();
   soon([this] { quietEnds(); });
+}
+
+void RoomMicrophone::understood(const Understanding& understanding) {
+  using Kind = Understanding::Kind;
+  if (understanding.kind == Kind::kUnknown || understanding.kind == Kind::kSilence) {
+    if (!parts_.speech.events().making() || ++inVain_ < kMostInVain) return;
+    peaceUntil_ = parts_.loop.now() + peace_;
+    peace_ = std::min(peace_ * 2, kLongestPeace);
+    return;
+  }
+  if (understanding.kind == Kind::kDeaf) return;
+  inVain_ = 0;
+  peace_ = kShortestPeace;
+  awaitAnswer(understanding.kind == Kind::kUnclear ? kAnswers : 0);
 }
 
 void RoomMicrophone::ends() {
@@ -166,6 +210,7 @@ void RoomMicrophone::ends() {
                      [this, alive = std::weak_ptr(alive_)](const Understanding& understanding) {
                        if (!alive.lock()) return;
                        --unanswered_;
+                       understood(understanding);
                        soon([this] { quietEnds(); });  // behind the answer, where that is said aloud
                        if (understanding.kind == Understanding::Kind::kSilence) return;
                        ++status_.heard;
@@ -176,7 +221,9 @@ void RoomMicrophone::ends() {
 }
 
 void RoomMicrophone::quietEnds() {
-  if (!sound_ && unanswered_ == 0) parts_.quiet.end(kRoom);
+  // Who was asked aloud is waited for.
+  const bool asked = answerWithin_ > 0 && parts_.voice.speaks();
+  if (!sound_ && unanswered_ == 0 && !asked) parts_.quiet.end(kRoom);
 }
 
 void RoomMicrophone::enter(State state, const std::string& trouble) {

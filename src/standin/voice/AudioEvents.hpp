@@ -16,6 +16,8 @@ class AudioEvents {
   /// be as its listener knows it, not as it makes room: "pause" has a paused one play, and what was stopped
   /// would go on with the last speaker's end.
   void endAll();
+  /// Whether somebody has been told to make room and not yet to come back.
+  [[nodiscard]] bool making() const { return begun_ > 0; }
   /// While a listener is being told.
   [[nodiscard]] bool telling() const { return telling_ > 0; }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <numbers>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -55,6 +56,16 @@ class ARoom : public testing::Test {
     return sound(0.3, [](double at) {
       return 20000 * std::exp(-60 * at) * std::sin(2 * std::numbers::pi * 300 * at);
     });
+  }
+  /// A door: a tenth of a second of noise, and what the room makes of it.
+  Sound bang(double loudness = 8000) {
+    Sound all;
+    for (int i = 0; i < static_cast<int>(kRate); ++i) {
+      const double behind = std::max(0.0, i / kRate - 0.1);
+      const double sample = (loudness * std::exp(-6.9 * behind / 0.4) + noise) * normal_(random_);
+      all.push_back(static_cast<std::int16_t>(std::lround(std::clamp(sample, -32768.0, 32767.0))));
+    }
+    return all;
   }
   static Sound sum(Sound left, const Sound& right) {
     for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i)
@@ -198,7 +209,7 @@ TEST_F(ARoom, NobodyIsHeardForLongerThanHalfAMinute) {
 
 TEST_F(ARoom, AtRestNobodyIsHeardAndTheRoomIsLearntAnew) {
   hear(nothing(2));
-  hear(words(0.5));
+  hear(words(0.75));
   EXPECT_EQ(begun, 1);
   gate.rest();
   EXPECT_EQ(nothings, 1) << "what had begun is told to be over";
@@ -211,6 +222,110 @@ TEST_F(ARoom, AtRestNobodyIsHeardAndTheRoomIsLearntAnew) {
   hear(music(10));
   EXPECT_EQ(begun, 1) << "music that is there behind a rest is no more than the room";
   EXPECT_TRUE(utterances.empty());
+}
+
+TEST_F(ARoom, ABangAndItsEchoAreNobody) {
+  hear(nothing(2));
+  for (const double loudness : {500.0, 2000.0, 8000.0, 30000.0}) {
+    hear(bang(loudness));
+    hear(nothing(2));
+    EXPECT_EQ(begun, 0) << loudness;
+  }
+}
+
+TEST_F(ARoom, ASingleShortWordIsHeardWhereOneIsAwaited) {
+  hear(nothing(2));
+  hear(words(0.17));
+  hear(nothing(1));
+  EXPECT_EQ(begun, 0);
+  gate.awaitsWord(true);
+  hear(words(0.17));
+  hear(nothing(1));
+  ASSERT_EQ(utterances.size(), 1U);
+  EXPECT_GT(seconds(0), 0.4 + 0.17 + 0.5);
+  gate.awaitsWord(false);
+  hear(nothing(1));
+  hear(words(0.17));
+  hear(nothing(1));
+  EXPECT_EQ(begun, 1);
+}
+
+TEST_F(ARoom, WhoSpeaksOverMusicIsHeardToHisEndThoughItFallsSilent) {
+  hear(music(5));
+  hear(sum(words(0.8, 16000), music(0.8)));
+  ASSERT_EQ(begun, 1);
+  gate.playersLeave();
+  hear(words(2, 1500));  // he need not be loud any more
+  EXPECT_TRUE(utterances.empty());
+  hear(nothing(1));
+  ASSERT_EQ(utterances.size(), 1U);
+  EXPECT_GT(seconds(0), 2.8);
+}
+
+TEST_F(ARoom, WherePlayersGoOnAllTheSameAnUtteranceEnds) {
+  hear(music(5));
+  hear(sum(words(0.8, 16000), music(0.8)));
+  gate.playersLeave();
+  hear(sum(words(0.8, 16000), music(0.8)));
+  hear(music(2));
+  ASSERT_EQ(utterances.size(), 1U);
+  EXPECT_LT(seconds(0), 3);
+}
+
+/// Music that comes back so many seconds behind the players' leave to, and its loudness.
+class MusicComesBack : public ARoom, public testing::WithParamInterface<std::pair<double, double>> {};
+
+TEST_P(MusicComesBack, AndIsNobody) {
+  const auto [late, loudness] = GetParam();
+  hear(music(5));
+  hear(sum(words(1, 16000), music(1)));
+  gate.playersLeave();
+  hear(words(1));
+  hear(nothing(3));  // what was said is found out
+  ASSERT_EQ(utterances.size(), 1U);
+  gate.playersReturn();
+  hear(nothing(late));
+  hear(music(30, loudness));
+  EXPECT_EQ(begun, 1);
+  hear(sum(words(1.5, 8 * loudness), music(1.5, loudness)));
+  EXPECT_EQ(begun, 2) << "who speaks over it again is heard";
+}
+
+INSTANTIATE_TEST_SUITE_P(Soon, MusicComesBack,
+                         testing::Values(std::pair(0.0, 2000.0), std::pair(0.5, 2000.0),
+                                         std::pair(1.5, 2000.0), std::pair(5.0, 2000.0),
+                                         std::pair(0.0, 4000.0), std::pair(0.3, 4000.0)));
+
+TEST_F(ARoom, WhereNothingHasFallenSilentThereIsNothingToComeBack) {
+  hear(nothing(2));
+  hear(words(1));
+  gate.playersLeave();
+  hear(nothing(2));
+  gate.playersReturn();
+  hear(words(1));
+  hear(nothing(1));
+  EXPECT_EQ(utterances.size(), 2U) << "who goes on is heard at once";
+}
+
+TEST_F(ARoom, IsKnownStillWhenTheHouseHasSpoken) {
+  hear(nothing(2));
+  hear(words(1));
+  hear(nothing(0.7));
+  ASSERT_EQ(utterances.size(), 1U);
+  gate.pause();
+  hear(nothing(0.4));
+  EXPECT_TRUE(gate.open()) << "nothing has to be learnt anew";
+  hear(words(1));
+  EXPECT_EQ(begun, 2);
+}
+
+TEST_F(ARoom, ThatWasNeverLearntIsLearntBehindThat) {
+  gate.pause();
+  hear(music(0.5));
+  EXPECT_FALSE(gate.open());
+  hear(music(10));
+  EXPECT_TRUE(gate.open());
+  EXPECT_EQ(begun, 0);
 }
 
 TEST_F(ARoom, NoiseOfAnyKindDoesNoHarm) {
