@@ -57,6 +57,26 @@ TEST_F(Decoding, HearsNobodyInSilenceNoiseAndNothing) {
   EXPECT_LT(heard.thousandths, 300U) << heard.words;
 }
 
+TEST_F(Decoding, WhatIsLoudAndNoSentenceIsNotSilence) {
+  decoder.learn(network());
+  std::vector<std::int16_t> loud(32000);
+  for (std::size_t i = 0; i < loud.size(); ++i) loud[i] = i / 50 % 2 == 0 ? 20000 : -20000;
+  const ear::Heard heard = decoder.hear(loud).heard;
+  EXPECT_TRUE(heard.speech) << "it was heard, and not understood";
+  EXPECT_LT(heard.thousandths, 300U) << heard.words;
+  for (std::int16_t& each : loud) each = static_cast<std::int16_t>(each / 100);
+  EXPECT_FALSE(decoder.hear(loud).heard.speech);
+}
+
+TEST_F(Decoding, HearsTheAnswersToAQuestion) {
+  decoder.learn(network());
+  for (const char* answer : {"second", "third", "yes", "no"}) {
+    const ear::Heard heard = decoder.hear(support::Spoken(answer)).heard;
+    EXPECT_EQ(heard.words, answer);
+    EXPECT_GE(heard.thousandths, 600U) << answer;
+  }
+}
+
 struct Foreign {
   const char* key;
   const char* name;

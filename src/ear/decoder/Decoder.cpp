@@ -28,6 +28,9 @@ constexpr double kPhoneCost = 1e-4;
 /// A sound that is shorter or fainter than this is nobody's speech.
 constexpr std::size_t kShortest = 16000 / 5;
 constexpr int kFaintest = 60;
+/// In what is as loud for as long somebody was to be heard, whatever he has said.
+constexpr double kLoud = 1000.0 * 1000;
+constexpr std::size_t kLoudBlocks = 10;
 
 struct FsgDelete {
   void operator()(fsg_model_t* fsg) const { fsg_model_free(fsg); }
@@ -59,6 +62,17 @@ bool MayBeSpeech(const std::vector<std::int16_t>& sound) {
       sound.begin(), sound.end(),
       [](std::int16_t left, std::int16_t right) { return std::abs(int{left}) < std::abs(int{right}); });
   return std::abs(int{*loudest}) >= kFaintest;
+}
+
+bool IsLoud(const std::vector<std::int16_t>& sound) {
+  constexpr std::size_t kBlock = 320;
+  std::size_t loud = 0;
+  for (std::size_t at = 0; at + kBlock <= sound.size(); at += kBlock) {
+    double power = 0;
+    for (std::size_t i = at; i < at + kBlock; ++i) power += static_cast<double>(sound[i]) * sound[i];
+    if (power >= kLoud * kBlock) ++loud;
+  }
+  return loud >= kLoudBlocks;
 }
 
 /// One without a dictionary knows only the words that it is told. Null where it can't be made.
@@ -239,7 +253,11 @@ Decoder::Found Decoder::hear(const std::vector<std::int16_t>& sound) {
     found.heard.speech = true;
     found.heard.words += (found.heard.words.empty() ? "" : " ") + word.word.substr(0, word.word.find('('));
   }
-  if (!found.heard.speech) return found;
+  if (!found.heard.speech) {
+    // To be told that nobody was heard wouldn't help who has spoken up.
+    found.heard.speech = IsLoud(sound);
+    return found;
+  }
   found.fit = FitOf(words, phones, [this](const std::string& word) { return phonesOf(word); });
   found.heard.thousandths = Certainty(found.fit);
   return found;

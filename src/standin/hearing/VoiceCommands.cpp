@@ -136,7 +136,7 @@ void VoiceCommands::say(const Speaker& who, const std::string& text, const Answe
 }
 
 std::string VoiceCommands::answer(const Speaker& who, const std::string& text, const Answered& answered) {
-  std::optional<Order> choice = answerOf(who.session, text);
+  std::optional<Order> choice = answerOf(who.session, text, false);
   return take(who.session, choice ? std::move(*choice) : orderFor(text, false), aloud(who, answered));
 }
 
@@ -156,17 +156,16 @@ Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answere
       understanding = {.kind = Kind::kSilence, .says = "Nobody was heard speaking"};
       return answered(understanding);
     }
-    parts_.house.log.write("Voice", heard.words);
+    if (!heard.words.empty()) parts_.house.log.write("Voice", heard.words);
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
-    if (parts_.loop.now() - spoken > kHeardWithin) {
+    if (heard.confidence < kPerhaps) {
+      understanding.says = kNotUnderstood;
+    } else if (parts_.loop.now() - spoken > kHeardWithin) {
       understanding.kind = Kind::kFailed;
       understanding.says = kTooLate;
       return answered(understanding);
-    }
-    if (heard.confidence < kPerhaps) {
-      understanding.says = kNotUnderstood;
-    } else if (std::optional<Order> answer = answerOf(session, heard.words)) {
+    } else if (std::optional<Order> answer = answerOf(session, heard.words, true)) {
       order = std::move(*answer);
     } else {
       order = orderFor(heard.words, true);
@@ -200,13 +199,16 @@ void VoiceCommands::end(const Speaker& who, std::shared_ptr<Recogniser::Growing>
       [sound = std::move(sound), told = std::move(onHeard)]() mutable { sound->end(std::move(told)); });
 }
 
-std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text) {
+std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text,
+                                                            bool spoken) {
   const auto question = questions_.find(who);
-  const std::optional<int> choice = ChoiceIn(text);
+  std::optional<int> choice = ChoiceIn(text);
   if (question == questions_.end() || !choice) return std::nullopt;
   const Question asked = std::move(question->second);
   questions_.erase(question);
   if (parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
+  // To the ear "first" is like "third", which nobody says of two.
+  if (spoken && choice == 2 && asked.choices.size() < 3) choice = 0;
   if (*choice >= static_cast<int>(asked.choices.size())) {
     Order again;
     again.understanding.heard = text;

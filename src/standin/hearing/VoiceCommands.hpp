@@ -96,7 +96,7 @@ class VoiceCommands {
   /// Answers what the house says to it if nothing goes wrong.
   std::string answer(const Speaker& who, const std::string& text, const Answered& answered);
   [[nodiscard]] Order orderFor(const std::string& text, bool spoken);
-  [[nodiscard]] std::optional<Order> answerOf(const std::string& who, const std::string& text);
+  [[nodiscard]] std::optional<Order> answerOf(const std::string& who, const std::string& text, bool spoken);
   [[nodiscard]] Order orderOf(const std::vector<Said>& said, const std::string& text);
   std::string take(const std::string& who, Order order, const Answered& answered);
   void carryOut(const Order& order, const Answered& answered);

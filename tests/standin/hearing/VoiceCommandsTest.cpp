@@ -276,4 +276,18 @@ TEST_F(SpokenCommands, WhatIsHeardAfterTheEndIsNobodys) {
   EXPECT_EQ(house.onSay("play night shift"), "");
 }
 
+TEST_F(SpokenCommands, ThirdOfTwoIsAFirstThatWasHeardBadly) {
+  question();
+  EXPECT_EQ(spoken("third", 0.5).command, "Play Night Shift");
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
+  question();
+  EXPECT_EQ(say("third").kind, Kind::kUnclear) << "who types it has typed it";
+}
+
+TEST_F(SpokenCommands, LoudNonsenseIsNotUnderstood) {
+  const Understanding told = spoken("", 0);
+  EXPECT_EQ(told.kind, Kind::kUnknown);
+  EXPECT_EQ(told.says, "That was not understood");
+}
+
 }  // namespace
