@@ -29,9 +29,11 @@ class QuietProgress : public catalogue::Progress {
   void Hide_ProgBar(const std::string& /*name*/) override {}
 };
 
-/// A playlist editor with all that it takes and nothing else, over a library in memory.
+/// A playlist editor with all that it takes and nothing else, over a library in memory. Its window is the
+/// fake one unless there is another.
 struct EditorGround {
-  EditorGround() {
+  explicit EditorGround(ui::editor::EditorWindow* shown = nullptr)
+      : editor({shown != nullptr ? *shown : window, catalogue, xref, form, stale, host, settings, state}) {
     host.Host = host.HostCallback = std::make_shared<QuietHost>();
     stale.markCategories();
   }
@@ -58,7 +60,7 @@ struct EditorGround {
   catalogue::NameXref xref{host, loggers, progress};
   catalogue::MediaCatalogue catalogue{{form, host, loggers, state, stale, target, xref, progress, clock}};
   FakeEditorWindow window;
-  ui::editor::PlayListEditor editor{{window, catalogue, xref, form, stale, host, settings, state}};
+  ui::editor::PlayListEditor editor;
 };
 
 }  // namespace support
