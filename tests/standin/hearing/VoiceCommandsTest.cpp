@@ -64,6 +64,18 @@ TEST_F(SpokenCommands, WhatIsHeardTooLateIsNotDone) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }
 
+TEST_F(SpokenCommands, WhatIsHardlyASentenceIsNotUnderstoodHoweverLateItIs) {
+  commands->speaks(true);
+  Understood understood;
+  commands->listen({.session = "the room", .room = true}, std::vector<std::int16_t>(16000, 1),
+                   [&](const Understanding& told) { understood = told; });
+  passed += std::chrono::seconds(26);
+  hear("play night shirt", 0.1);
+  ASSERT_TRUE(understood);
+  EXPECT_EQ(understood->kind, Kind::kUnknown);
+  EXPECT_FALSE(speech.speaking()) << "nobody in the room has asked for an answer";
+}
+
 TEST_F(SpokenCommands, WhatAPlayerThatHangsWouldDoTooLateIsNotDone) {
   house.eventSinks = {{8, std::make_shared<support::TableOf>(
                               "vxif", std::vector<base::Member>{{"VXEvent",
