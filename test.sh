@@ -124,6 +124,9 @@ printf '%s\n' "${targets[@]}" | at_once bash -c 'run_fuzz_target {}'
 step "Release build"
 build release -DVANTORIX_WERROR=ON
 
+step "The programs are hardened"
+find build/release/bin -type f -print0 | xargs -0 tools/check-hardening.sh
+
 step "Benchmarks: build"
 build bench
 

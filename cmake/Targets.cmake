@@ -11,6 +11,8 @@ find_program(LLD_PROGRAM ld.lld)
 if(LLD_PROGRAM)
   target_link_options(vantorix_options INTERFACE -fuse-ld=lld)
 endif()
+# Where things lie is settled before a program runs, and read-only from then on: tools/check-hardening.sh.
+target_link_options(vantorix_options INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now,-z,noexecstack>)
 if(VANTORIX_SANITIZE)
   target_compile_options(vantorix_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer
