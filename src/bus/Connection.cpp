@@ -66,6 +66,8 @@ std::uint32_t Connection::processOf(const std::string& name) {
 
 void Connection::replyWithin(std::optional<base::Milliseconds> limit) { link_->replyWithin(limit); }
 
+void Connection::waitLongFor(const std::string& name) { link_->waitLongFor(name); }
+
 void Connection::onNameLost(const std::string& name, std::function<void()> gone) {
   link_->onNameLost(name, std::move(gone));
 }

@@ -52,6 +52,11 @@ class Connection {
   /// limit a reply may again take as long as any. For a process that has been told to end.
   void replyWithin(std::optional<base::Milliseconds> limit);
 
+  /// From now on only the process that owns `name` may take as long as it likes with a reply, and not with
+  /// that to the reading of a field. Any other gets some seconds, is waited for with the loop open and until
+  /// the loop is asked to quit, and only a few are waited for at once: what they owe then is failure 462.
+  void waitLongFor(const std::string& name);
+
   /// Calls `gone` on a turn of the loop whenever the name loses its owner. One watcher a name.
   void onNameLost(const std::string& name, std::function<void()> gone);
   /// Calls `gone` on a turn of the loop when the bus itself has gone.

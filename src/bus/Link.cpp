@@ -18,13 +18,17 @@ using base::Milliseconds;
 
 namespace {
 
-constexpr std::chrono::microseconds kReplyTimeout = std::chrono::minutes(30);
+constexpr std::chrono::microseconds kReplyTimeout = kLongestReply;
 constexpr Milliseconds kLongestWait = std::chrono::minutes(1);
 constexpr Milliseconds kLookAtHeld = std::chrono::milliseconds(500);
 constexpr const char* kDaemon = "org.freedesktop.DBus";
 constexpr const char* kDaemonPath = "/org/freedesktop/DBus";
 
 [[noreturn]] void ThrowGone() { throw base::Failure(base::number::kHostGone); }
+
+[[noreturn]] void ThrowSilent() {
+  throw base::Failure(base::number::kHostGone, "The program that was asked doesn't answer");
+}
 
 void CheckConnected(int result, const std::string& address) {
   if (result >= 0) return;
@@ -37,10 +41,15 @@ void CheckConnected(int result, const std::string& address) {
 
 /// A call that waits for its reply. The calls of one thread wait within each other.
 struct Link::Waiting {
-  Waiting(Link& owner, std::string name) : link(owner), destination(std::move(name)) {
+  Waiting(Link& owner, std::string name, bool isStranger, Milliseconds end)
+      : link(owner), destination(std::move(name)), stranger(isStranger), until(end) {
+    if (stranger) ++link.strangers_;
     link.waits_.push_back(this);
   }
-  ~Waiting() { link.waits_.pop_back(); }
+  ~Waiting() {
+    link.waits_.pop_back();
+    if (stranger) --link.strangers_;
+  }
   Waiting(const Waiting&) = delete;
   Waiting& operator=(const Waiting&) = delete;
   Waiting(Waiting&&) = delete;
@@ -48,6 +57,8 @@ struct Link::Waiting {
 
   Link& link;
   std::string destination;
+  bool stranger;
+  Milliseconds until;
   Message reply;
 };
 
@@ -115,10 +126,18 @@ Draft Link::newCall(const std::string& name, const std::string& path, const char
   return draft;
 }
 
-Message Link::call(const Message& message, bool untilQuit) {
+Message Link::call(const Message& message, Patience patience) {
   const auto keep = shared_from_this();
   if (!alive_) ThrowGone();
-  Waiting waiting(*this, OrEmpty(sd_bus_message_get_destination(message.get())));
+  const std::string destination = OrEmpty(sd_bus_message_get_destination(message.get()));
+  const bool stranger = isStranger(destination);
+  if (stranger && strangers_ >= kMostStrangers) ThrowSilent();
+  Milliseconds until = Milliseconds::max();  // the bus library has its own limit
+  if (stranger)
+    until = loop_.now() + kLongestOfStrangers;
+  else if (patience == Patience::kField && !longFor_.empty())
+    until = loop_.now() + kLongestField;
+  Waiting waiting(*this, destination, stranger, until);
   sd_bus_slot* slot = nullptr;
   Check(sd_bus_call_async(
       bus_.get(), &slot, message.get(),
@@ -131,14 +150,29 @@ Message Link::call(const Message& message, bool untilQuit) {
       &waiting, static_cast<std::uint64_t>(kReplyTimeout.count())));
   const Slot owned(slot);
   refresh();
-  while (!waiting.reply) {
-    const bool quits = untilQuit && loop_.open() && loop_.quitting();
-    if (!alive_ || quits || replyLimit_.over()) ThrowGone();
-    waitOnce(waiting);
-  }
+  if (stranger)
+    loop_.whileOpen([&] { waitFor(waiting, true); });
+  else
+    waitFor(waiting, patience == Patience::kUntilQuit);
   if (const sd_bus_error* error = sd_bus_message_get_error(waiting.reply.get()))
     throw FailureOf(OrEmpty(error->name), descriptionIn(waiting.reply.get(), *error));
   return std::move(waiting.reply);
+}
+
+void Link::waitFor(const Waiting& waiting, bool untilQuit) {
+  while (!waiting.reply) {
+    const bool quits = untilQuit && loop_.open() && loop_.quitting();
+    if (!alive_ || quits || replyLimit_.over()) ThrowGone();
+    if (loop_.now() >= waiting.until) ThrowSilent();
+    waitOnce(waiting);
+  }
+}
+
+bool Link::isStranger(const std::string& destination) {
+  if (longFor_.empty() || destination == longFor_ || destination == kDaemon) return false;
+  std::string vouched;
+  base::Handled([&] { vouched = holderOf(longFor_); }, [](const base::Failure&) {});
+  return vouched.empty() || (destination != vouched && holderOf(destination) != vouched);
 }
 
 /// A description that is no plain text follows as bytes.
@@ -196,6 +230,7 @@ Milliseconds Link::timeout() const {
   if (sd_bus_get_timeout(bus_.get(), &until) < 0) return Milliseconds(0);
   const Milliseconds now = loop_.now();
   Milliseconds limit = replyLimit_.cut(calls_.held() ? kLookAtHeld : kLongestWait);
+  if (!waits_.empty()) limit = std::min(limit, std::max(Milliseconds(0), waits_.back()->until - now));
   // The bus library tells microseconds of the same clock, or the largest number for never.
   const auto end = std::chrono::duration_cast<std::chrono::microseconds>(now + limit);
   if (until < static_cast<std::uint64_t>(end.count()))
@@ -230,7 +265,7 @@ Message Link::callDaemon(const std::string& member, const std::vector<base::Valu
 }
 
 Message Link::callDaemonLong(const std::string& member, const std::vector<base::Value>& args) {
-  return call(daemonMessage(member, args).message, true);
+  return call(daemonMessage(member, args).message, Patience::kUntilQuit);
 }
 
 void Link::process() {
@@ -355,7 +390,7 @@ std::shared_ptr<const NodeInfo> Link::describe(const std::string& name, const st
 }
 
 std::string Link::introspect(const std::string& name, const std::string& path) {
-  const Message reply = call(newCall(name, path, kIntrospectable, "Introspect").message);
+  const Message reply = call(newCall(name, path, kIntrospectable, "Introspect").message, Patience::kField);
   return base::ToText(Read(reply.get(), *this));
 }
 

@@ -12,6 +12,7 @@
 #include "bus/Introspection.hpp"
 #include "bus/Marshal.hpp"
 #include "bus/Message.hpp"
+#include "bus/Patience.hpp"
 #include "bus/PollLoop.hpp"
 #include "bus/ReplyLimit.hpp"
 
@@ -31,13 +32,15 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   [[nodiscard]] bool alive() const { return alive_; }
   /// As `Connection::replyWithin`.
   void replyWithin(std::optional<base::Milliseconds> limit);
+  /// As `Connection::waitLongFor`.
+  void waitLongFor(const std::string& name) { longFor_ = name; }
 
   /// A call to be filled with arguments. It doesn't start a service. Throws 438 for an operation name that
   /// the bus can't carry.
   Draft newCall(const std::string& name, const std::string& path, const char* interface,
                 const std::string& member);
   /// Sends a call and waits for its reply, serving meanwhile. Throws the failure that came back.
-  Message call(const Message& message, bool untilQuit = false);
+  Message call(const Message& message, Patience patience = Patience::kCall);
   /// Sends without waiting for anything.
   void send(const Message& message);
   /// Calls an operation of the bus itself, with no timers meanwhile.
@@ -70,6 +73,10 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   void process();
   void refresh();
   void waitOnce(const Waiting& waiting);
+  /// Until the reply is there. Throws 462 when it can't come any more, or not in time.
+  void waitFor(const Waiting& waiting, bool untilQuit);
+  /// True for a process that nobody vouches for.
+  [[nodiscard]] bool isStranger(const std::string& destination);
   void serve(const Message& call);
   void serveSoon();
   void servePosted();
@@ -91,6 +98,8 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   bool servesSoon_ = false;
   std::vector<const Waiting*> waits_;  // the innermost last
   ReplyLimit replyLimit_;
+  std::string longFor_;  // whose replies may take long; empty for everybody's
+  int strangers_ = 0;    // that are waited for
   Exports exports_;
   std::set<std::string> ownNames_;
   std::map<std::string, std::string> owners_;  // well-known names of others, as far as asked for

@@ -53,7 +53,7 @@ base::Value RemoteObject::get(std::string_view name) {
   Draft message = link_->newCall(name_, path_, kProperties, "Get");
   AppendPlain(message, "", *link_);
   AppendPlain(message, name, *link_);
-  const Message reply = link_->call(message.message);
+  const Message reply = link_->call(message.message, Patience::kField);
   return Read(reply.get(), *link_);
 }
 

@@ -61,6 +61,7 @@ PluginKeeper::PluginKeeper(bus::PollLoop& loop, bus::Connection& connection, Hou
                     .wanted = [this] { return house_.live.readers() > 0; },
                     .changed = [this] { lookForDelay(); }}) {
   connection_.onNameLost(address_.name, [this] { lost(); });
+  connection_.waitLongFor(address_.name);
 }
 
 PluginKeeper::~PluginKeeper() {
