@@ -33,7 +33,6 @@ class WholeEditor : public support::EditorScene {
     make("Winter", {"Sun"});
     editor.emplace(ui::editor::EditorParts{*window, catalogue, xref, form, stale, host, settings, state});
   }
-  ~WholeEditor() override { editor.reset(); }
 
   void make(const std::string& name, const Names& members) {
     const auto list = stored.newPlaylist(name);
