@@ -163,7 +163,15 @@ void ControlsPane::layOut(int controlTop, int controlHeight, bool cover, int who
   fit();
 }
 
+void ControlsPane::refit() {
+  // A hidden one has no frame, and its size would be told with a place that is no frame's.
+  if (whole_ > 0 && isVisible()) fit();
+}
+
+// Qt brings a minimised window back to give it a size, so that waits until its user does. It tells a place
+// with it, so none is told either while the desktop is bringing the window to its own.
 void ControlsPane::fit() {
+  if (isMinimized() || (isVisible() && !frame_.settled())) return arrange();
   const QMargins margins = windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
   const QSize frame(margins.left() + margins.right(), margins.top() + margins.bottom());
   const int menu = bar_->heightForWidth(kWidth - frame.width());
@@ -176,7 +184,7 @@ void ControlsPane::fit() {
 // Only now, or when it gets the keyboard, the desktop may have told how large its frame is.
 void ControlsPane::moveEvent(QMoveEvent* event) {
   QWidget::moveEvent(event);
-  if (whole_ > 0) fit();
+  refit();
   frame_.moved();
 }
 
@@ -231,8 +239,11 @@ void ControlsPane::closeEvent(QCloseEvent* event) {
 
 void ControlsPane::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() == QEvent::WindowStateChange) frame_.stateChanged();
-  if (event->type() == QEvent::ActivationChange && whole_ > 0) fit();
+  if (event->type() == QEvent::WindowStateChange) {
+    refit();
+    frame_.stateChanged();
+  }
+  if (event->type() == QEvent::ActivationChange) refit();
 }
 
 void ControlsPane::enterEvent(QEnterEvent* event) {

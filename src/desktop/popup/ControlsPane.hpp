@@ -28,6 +28,9 @@ class ControlsPane : public QWidget {
     std::function<void()> closed;
     std::function<void()> stateChanged;
     std::function<void()> moved;
+    /// Whether what is known of the frame holds: while the desktop is bringing the window, it may be
+    /// another's.
+    std::function<bool()> settled;
   };
 
   explicit ControlsPane(Frame frame);
@@ -40,6 +43,8 @@ class ControlsPane : public QWidget {
   void serve(ui::PopupWindowEvents* events, ui::PopupMenus* menus);
   /// Where the control begins below the menu bar, and how high it is; `whole` is the window with its frame.
   void layOut(int controlTop, int controlHeight, bool cover, int whole);
+  /// To be called when the frame is known, or another.
+  void refit();
   /// False for what is no picture.
   bool cover(const std::string& bytes);
   void clearCover();

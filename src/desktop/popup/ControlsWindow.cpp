@@ -34,10 +34,27 @@ QRect Screens() {
 }  // namespace
 
 ControlsWindow::ControlsWindow(QtWindows& windows, std::function<bool()> canComeBack)
-    : windows_(windows), canComeBack_(std::move(canComeBack)), pane_(windows) {
+    : windows_(windows),
+      canComeBack_(std::move(canComeBack)),
+      pane_(windows),
+      later_(windows),
+      manager_(windows) {
   windows_.enter([&] {
     pane_.reset(std::make_unique<ControlsPane>(
-        ControlsPane::Frame{[this] { closed(); }, [this] { stateChanged(); }, [this] { keepPlace(); }}));
+        ControlsPane::Frame{[this] { closed(); }, [this] { stateChanged(); }, [this] { keepPlace(); },
+                            [this] { return settled(); }}));
+    later_.reset(std::make_unique<QTimer>());
+    later_->setSingleShot(true);
+    later_->setInterval(0);
+    QObject::connect(later_.get(), &QTimer::timeout, pane_.get(), [this] {
+      // What the manager says may be known before what it has told earlier has been read.
+      if (settling_) QGuiApplication::sync();
+      settling_ = false;
+      agreement_.settled() ? settle() : carryOut();
+    });
+    manager_.reset(
+        std::make_unique<ManagersWord>([this] { return static_cast<std::uint32_t>(pane_->internalWinId()); },
+                                       [this](Standing now) { managerTells(now); }));
   });
 }
 
@@ -50,7 +67,7 @@ void ControlsWindow::serve(ui::PopupWindowEvents* events, ui::PopupMenus* menus)
 
 void ControlsWindow::keepPlace() const {
   windows_.enter([&] {
-    if (pane_->isVisible() && !pane_->isMinimized()) place_ = pane_->pos() - Screens().topLeft();
+    if (settled() && pane_->isVisible() && !pane_->isMinimized()) place_ = frame() - Screens().topLeft();
   });
 }
 
@@ -67,13 +84,13 @@ float ControlsWindow::left() const {
 void ControlsWindow::top(float value) {
   keepPlace();
   place_.setY(Pixels(value));
-  windows_.enter([&] { pane_->move(Screens().topLeft() + place_); });
+  windows_.enter([&] { put(); });
 }
 
 void ControlsWindow::left(float value) {
   keepPlace();
   place_.setX(Pixels(value));
-  windows_.enter([&] { pane_->move(Screens().topLeft() + place_); });
+  windows_.enter([&] { put(); });
 }
 
 float ControlsWindow::screenHeight() const {
@@ -91,14 +108,69 @@ float ControlsWindow::screenWidth() const {
 bool ControlsWindow::visible() const {
   if (!shown_) return false;
   bool seen = true;  // as far as it is wanted, where there is no desktop any more
-  windows_.enter([&] { seen = pane_->isVisible(); });
+  windows_.enter([&] { seen = act_ || pane_->isVisible(); });
   return seen;
 }
 
+// The widget's own idea of it may be of the frame that the window had when it was here before.
+QPoint ControlsWindow::frame() const { return pane_->windowHandle()->framePosition(); }
+
 void ControlsWindow::place() {
   reach();
+  if (!pane_->isVisible() || frame() != Screens().topLeft() + place_) put();
+}
+
+// How large the frame will be is known only when it is there. So its place is told, and not that of what is
+// in it, or the window would stand higher by its title at each start. While the desktop is bringing it,
+// nothing is told: Qt would tell places of before.
+void ControlsWindow::put() {
+  if (pane_->isVisible() && !settled()) return;
+  if (pane_->isMinimized()) return;  // Qt would bring it back for that
   const QPoint at = Screens().topLeft() + place_;
-  if (!pane_->isVisible() || pane_->pos() != at) pane_->move(at);
+  QWindow* window = pane_->windowHandle();
+  if (window == nullptr) return pane_->move(at);
+  if (pane_->isVisible()) {
+    const QMargins margins = window->frameMargins();
+    return window->setPosition(at + QPoint(margins.left(), margins.top()));
+  }
+  // Both, or Qt would tell a place of its own when it shows the window.
+  pane_->setGeometry(QRect(at, pane_->size()));
+  window->setFramePosition(at);
+}
+
+void ControlsWindow::want(Standing standing, std::function<void()> act) {
+  agreement_.want(standing);
+  act_ = std::move(act);
+  carryOut();
+}
+
+void ControlsWindow::carryOut() {
+  if (!act_) return;
+  if (!ManagersWord::speaks())
+    agreement_ = {};
+  else if (agreement_.mayAsk())
+    agreement_.ask();
+  else
+    return;
+  const std::function<void()> act = std::exchange(act_, {});
+  const bool before = std::exchange(quiet_, true);
+  act();
+  quiet_ = before;
+}
+
+void ControlsWindow::managerTells(Standing now) {
+  const bool waited = !agreement_.settled();
+  if (agreement_.told(now)) manager_->ask(agreement_.wanted());
+  // Behind what is being told: Qt has still to hear of it.
+  const bool done = waited && agreement_.settled();
+  settling_ = settling_ || done;
+  if (done || act_) later_->start();
+}
+
+void ControlsWindow::settle() {
+  if (pane_->isVisible()) place();
+  pane_->refit();
+  if (std::exchange(toActivate_, false) && agreement_.wanted() == Standing::kSeen) pane_->activateWindow();
 }
 
 // The screen on which it stood may have gone or shrunk since.
@@ -123,15 +195,16 @@ void ControlsWindow::show() {
     modal = QApplication::activeModalWidget() != nullptr;
     if (modal) return;
     keepPlace();
-    place();
-    quietly([&] {
-      if (pane_->isMinimized())
-        pane_->showNormal();
-      else
-        pane_->show();
+    want(Standing::kSeen, [this] {
+      if (!pane_->isMinimized()) place();
+      pane_->showNormal();
+      place();
+      pane_->raise();
+      // Qt would keep that for the moment at which the window is there, and bring it back if it is hidden by
+      // then.
+      toActivate_ = !agreement_.settled();
+      if (!toActivate_) pane_->activateWindow();
     });
-    pane_->raise();
-    pane_->activateWindow();
   });
   if (modal) throw base::Failure(base::number::kWindowNotShown);
   shown_ = true;
@@ -150,9 +223,9 @@ void ControlsWindow::iconChanged() {
 }
 
 void ControlsWindow::putAway() {
-  quietly([&] {
-    // Where nobody minimises windows, one that should be would stay where it is.
-    if (canComeBack_() || !HasWindowManager()) return pane_->hide();
+  // Where nobody minimises windows, one that should be would stay where it is.
+  if (canComeBack_() || !HasWindowManager()) return want(Standing::kAway, [this] { pane_->hide(); });
+  want(Standing::kInTaskBar, [this] {
     if (!pane_->isVisible()) place();
     pane_->showMinimized();
   });
@@ -168,18 +241,18 @@ bool ControlsWindow::minimised() const {
 
 void ControlsWindow::minimise() {
   keepPlace();
-  windows_.enter([&] { pane_->setWindowState(pane_->windowState() | Qt::WindowMinimized); });
+  windows_.enter([&] {
+    if (pane_->isMinimized()) return;
+    want(Standing::kInTaskBar, [this] { pane_->setWindowState(pane_->windowState() | Qt::WindowMinimized); });
+    tellState();
+  });
 }
 
 void ControlsWindow::normal() {
-  windows_.enter(
-      [&] { quietly([&] { pane_->setWindowState(pane_->windowState() & ~Qt::WindowMinimized); }); });
-}
-
-void ControlsWindow::quietly(const std::function<void()>& act) {
-  const bool before = std::exchange(quiet_, true);
-  act();
-  quiet_ = before;
+  windows_.enter([&] {
+    if (!pane_->isVisible() || !pane_->isMinimized()) return;
+    want(Standing::kSeen, [this] { pane_->setWindowState(pane_->windowState() & ~Qt::WindowMinimized); });
+  });
 }
 
 void ControlsWindow::closed() {
@@ -188,7 +261,11 @@ void ControlsWindow::closed() {
 }
 
 void ControlsWindow::stateChanged() {
-  if (quiet_ || events_ == nullptr) return;
+  if (!quiet_ && agreement_.settled()) tellState();
+}
+
+void ControlsWindow::tellState() {
+  if (events_ == nullptr) return;
   base::Attempt step;
   if (!shown_ && !pane_->isMinimized())
     step([&] { events_->broughtBack(); });
@@ -214,7 +291,11 @@ void ControlsWindow::setWindowPos(std::int32_t insertAfter, std::int32_t /*heigh
 }
 
 void ControlsWindow::height(float value) {
-  windows_.enter([&] { pane_->layOut(controlTop_, controlHeight_, imageVisible_, Pixels(value)); });
+  windows_.enter([&] {
+    pane_->layOut(controlTop_, controlHeight_, imageVisible_, Pixels(value));
+    // Told of a size, the desktop is told a place with it, which Qt takes for that of what is in the frame.
+    if (!pane_->isVisible()) put();
+  });
 }
 
 void ControlsWindow::image(const std::string& bytes) {

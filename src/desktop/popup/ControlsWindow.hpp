@@ -1,9 +1,11 @@
 #pragma once
 #include <QtCore/QPoint>
+#include <QtCore/QTimer>
 
 #include <functional>
 
 #include "desktop/QtWindows.hpp"
+#include "desktop/popup/ManagersWord.hpp"
 #include "ui/popup/PopupWindow.hpp"
 
 namespace desktop {
@@ -22,6 +24,9 @@ class ControlsWindow : public ui::PopupWindow {
   ControlsWindow(ControlsWindow&&) = delete;
   ControlsWindow& operator=(ControlsWindow&&) = delete;
 
+  /// Whether the desktop has done what was wanted of the window last. What it tells from then on is the
+  /// user's doing.
+  [[nodiscard]] bool settled() const { return agreement_.settled() && !settling_; }
   /// The icon has come or gone: what `canComeBack` tells may be another.
   void iconChanged();
 
@@ -55,9 +60,19 @@ class ControlsWindow : public ui::PopupWindow {
  private:
   void closed();
   void stateChanged();
-  /// Does something to the window's state that is not the user's doing.
-  void quietly(const std::function<void()>& act);
+  void tellState();
+  /// `act` makes that of the window, which is not the user's doing: at once, or as soon as the desktop has
+  /// done what it was asked before. Of several that wait only the last one is done.
+  void want(Standing standing, std::function<void()> act);
+  void carryOut();
+  void managerTells(Standing now);
+  /// The desktop has done what was wanted.
+  void settle();
   void keepPlace() const;
+  /// Where the frame of the window stands that is there.
+  [[nodiscard]] QPoint frame() const;
+  /// Puts the frame there, in pixels of the desktop, whether or not it is there yet.
+  void put();
   void reach();
   /// Brings it to its place, within reach.
   void place();
@@ -66,12 +81,18 @@ class ControlsWindow : public ui::PopupWindow {
 
   QtWindows& windows_;
   std::function<bool()> canComeBack_;
+  Agreement agreement_;
+  std::function<void()> act_;  // that waits for the desktop
   Owned<ControlsPane> pane_;
+  Owned<QTimer> later_;  // behind what the desktop is telling
+  Owned<ManagersWord> manager_;
   ui::PopupWindowEvents* events_ = nullptr;
   mutable QPoint place_;  // of the frame
   bool shown_ = false;    // as it is wanted
   bool hidden_ = false;   // as it is wanted; at first neither is
   bool quiet_ = false;
+  bool settling_ = false;
+  bool toActivate_ = false;
   std::int32_t controlTop_ = 0;
   std::int32_t controlHeight_ = 0;
   bool imageVisible_ = false;

@@ -59,6 +59,19 @@ TEST_F(ManagedPopup, IsAsLargeAsItIsToldWithItsFrame) {
   support::ScreenShot("popup-managed");
 }
 
+TEST_F(ManagedPopup, StandsWhereItWasPutWithItsFrameAlsoWhenItHadAHandleBefore) {
+  ASSERT_NE(view->handle(), 0);
+  view->top(200 * 15);
+  view->left(250 * 15);
+  show();
+  ASSERT_TRUE(until([&] { return framed(); }));
+  EXPECT_TRUE(until([&] { return pane().pos() == QPoint(250, 200); }))
+      << pane().pos().x() << " " << pane().pos().y();
+  layOut(212, true);
+  EXPECT_EQ(view->top(), 200 * 15) << "or it would climb by its title at each start";
+  EXPECT_EQ(view->left(), 250 * 15);
+}
+
 TEST_F(ManagedPopup, ComesBackWhereItsUserHasPutIt) {
   show();
   moveTo(400, 330);
@@ -123,7 +136,7 @@ TEST_F(ManagedPopup, MinimisingItIsReported) {
 TEST_F(ManagedPopup, WithAnIconItIsHiddenAltogether) {
   show();
   view->hide();
-  EXPECT_FALSE(pane().isVisible());
+  EXPECT_TRUE(until([&] { return !pane().isVisible(); }));
   EXPECT_THAT(journal.lines(), IsEmpty()) << "that is not its user's doing";
 }
 
@@ -144,7 +157,7 @@ TEST_F(ManagedPopup, WithoutAnIconItIsMinimisedAndComesBackFromTheTaskBar) {
 TEST_F(ManagedPopup, GoesToTheTaskBarWhenItIsHiddenAndItsIconGoes) {
   show();
   view->hide();
-  ASSERT_FALSE(pane().isVisible());
+  ASSERT_TRUE(until([&] { return !pane().isVisible(); }));
   iconShown = false;
   view->iconChanged();
   EXPECT_TRUE(isInTheTaskBar());
@@ -161,7 +174,7 @@ TEST_F(ManagedPopup, LeavesTheTaskBarForAnIconThatComes) {
   ASSERT_TRUE(isInTheTaskBar());
   iconShown = true;
   view->iconChanged();
-  EXPECT_FALSE(pane().isVisible());
+  EXPECT_TRUE(until([&] { return !pane().isVisible(); }));
   EXPECT_THAT(journal.lines(), IsEmpty());
   show();
   EXPECT_TRUE(view->visible());

@@ -48,7 +48,9 @@ class OneColour : public base::MovingPicture {
 
 class MovingPicture : public support::PopupScene {
  protected:
-  MovingPicture() { picture.emplace(*windows, pane(), player); }
+  explicit MovingPicture(bool managed = false) : PopupScene(managed) {
+    picture.emplace(*windows, pane(), player);
+  }
 
   [[nodiscard]] static QColor colourAt(QPoint place) {
     return QGuiApplication::primaryScreen()
@@ -65,6 +67,11 @@ class MovingPicture : public support::PopupScene {
 
   OneColour player;
   std::optional<desktop::PictureView> picture;
+};
+
+class ManagedMovingPicture : public MovingPicture {
+ protected:
+  ManagedMovingPicture() : MovingPicture(true) {}
 };
 
 TEST_F(MovingPicture, IsSeenOnlyWhileTheWindowShowsIt) {
@@ -116,6 +123,21 @@ TEST_F(MovingPicture, FillsTheScreenAndEscapeAsksToLeave) {
   EXPECT_TRUE(seenAt({1280, 800})) << "once more";
   clickAt({600, 400}, 2);
   EXPECT_TRUE(until([&] { return journal.count("menu ShowFullScreenVideo") == 2; }));
+}
+
+TEST_F(ManagedMovingPicture, FillsTheScreenAlsoWhereTheWindowIsOnTop) {
+  showActive();
+  layOut(212, false);
+  view->setWindowPos(-1, 2970, 83);
+  ASSERT_TRUE(until([&] { return !player.sizes.empty() && !player.sizes.back().empty(); }));
+  const QPoint middle = middleOf(pane());
+  player.full(true);
+  ASSERT_TRUE(seenAt({1280, 800}));
+  player.show(10, 200, 30);
+  for (const QPoint place : {middle, QPoint(2, 2), QPoint(1277, 797)})
+    EXPECT_TRUE(turns(QColor(30, 200, 10), place)) << place.x() << " " << place.y();
+  player.full(false);
+  EXPECT_TRUE(until([&] { return colourAt({1277, 797}) != QColor(30, 200, 10); }));
 }
 
 TEST_F(MovingPicture, IsSeenByNobodyWhenTheDesktopHasGone) {

@@ -46,7 +46,7 @@ class WholePopup : public support::PopupScene {
     house = std::make_unique<HouseAround>(*view);
     house->start();
     house->second();
-    ASSERT_TRUE(until([&] { return exposed(pane()); }));
+    ASSERT_TRUE(until([&] { return exposed(pane()) && view->settled(); }));
   }
   void TearDown() override { house.reset(); }
   static bool exposed(const QWidget& window) {

@@ -76,8 +76,10 @@ class PopupScene : public ::testing::Test {
   void show() {
     view->show();
     layOut(62, false);
-    ASSERT_TRUE(
-        until([&] { return pane().windowHandle() != nullptr && pane().windowHandle()->isExposed(); }));
+    ASSERT_TRUE(until([&] {
+      const QWindow* window = pane().windowHandle();
+      return window != nullptr && window->isExposed() && view->settled();
+    }));
     journal.clear();
   }
   bool until(const std::function<bool()>& done) { return TurnUntil(loop, done); }
