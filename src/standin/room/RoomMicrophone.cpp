@@ -190,16 +190,17 @@ void RoomMicrophone::nothing() {
 
 void RoomMicrophone::understood(const Understanding& understanding) {
   using Kind = Understanding::Kind;
-  if (understanding.kind == Kind::kUnknown || understanding.kind == Kind::kSilence) {
-    if (!parts_.speech.events().making() || ++inVain_ < kMostInVain) return;
+  if (understanding.kind == Kind::kDeaf) return;
+  const bool nobody = understanding.kind == Kind::kUnknown || understanding.kind == Kind::kSilence;
+  // A television that is half understood is asked back, and never answers.
+  if (!nobody && understanding.kind != Kind::kUnclear) {
+    inVain_ = 0;
+    peace_ = kShortestPeace;
+  } else if (parts_.speech.events().making() && ++inVain_ >= kMostInVain) {
     peaceUntil_ = parts_.loop.now() + peace_;
     peace_ = std::min(peace_ * 2, kLongestPeace);
-    return;
   }
-  if (understanding.kind == Kind::kDeaf) return;
-  inVain_ = 0;
-  peace_ = kShortestPeace;
-  awaitAnswer(understanding.kind == Kind::kUnclear ? kAnswers : 0);
+  if (!nobody) awaitAnswer(understanding.kind == Kind::kUnclear ? kAnswers : 0);
 }
 
 void RoomMicrophone::ends() {

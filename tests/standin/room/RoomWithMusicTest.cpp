@@ -13,11 +13,11 @@ using testing::IsEmpty;
 class WithMusic : public support::InTheRoom {
  protected:
   /// What the room is like for so many seconds, with somebody's words in it: the player plays unless it makes
-  /// room. Whatever the ear is asked it doesn't understand.
+  /// room. Whatever the ear is asked it is as certain of as `certainty_` tells.
   void pass(double seconds, const Sound& words = {}, double loudness = 0) {
     for (std::size_t at = 0; at < static_cast<std::size_t>(seconds * kRate); at += kPiece) {
       feed(now(at, words, loudness));
-      while (!ear.asked.empty()) hear("play night shift", 0.1);
+      while (!ear.asked.empty()) hear("play night shift", certainty_);
     }
   }
   /// It counts who has asked it to make room.
@@ -42,6 +42,8 @@ class WithMusic : public support::InTheRoom {
     static const Sound all = support::Spoken("yes", "en-gb");
     return all;
   }
+  /// At first it understands nothing.
+  double certainty_ = 0.1;
   void aMinute() {
     for (int i = 0; i < 12; ++i) feed(stillness(5));
   }
@@ -128,6 +130,16 @@ TEST_F(WithMusic, PlayersAreLeftAloneWhereNobodyIsUnderstoodAgainAndAgain) {
   pass(2);
   pass(4, sentence(), 0.5);
   EXPECT_EQ(players.size(), 8U) << "who is understood is worth it";
+}
+
+TEST_F(WithMusic, PlayersAreLeftAloneWhereNobodyAnswersAgainAndAgain) {
+  listen();
+  certainty_ = 0.5;
+  for (int i = 0; i < 4; ++i) pass(16, sentence(), 0.5);
+  EXPECT_EQ(ear.sounds.size(), 4U);
+  ASSERT_TRUE(room->status().last);
+  EXPECT_EQ(room->status().last->kind, standin::Understanding::Kind::kUnclear);
+  EXPECT_THAT(players, ElementsAre("quiet", "as before", "quiet", "as before"));
 }
 
 TEST_F(WithMusic, ABangIsNothingToAnybody) {
