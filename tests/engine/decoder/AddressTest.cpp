@@ -1,15 +1,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <httplib.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
-#include <fstream>
-#include <sstream>
-#include <thread>
 
 #include "engine/common/Fixtures.hpp"
+#include "engine/common/SmallServer.hpp"
 #include "engine/decoder/DecoderAddress.hpp"
 
 namespace engine::testing {
@@ -218,50 +215,9 @@ TEST_F(HostileList, WithFilesThatAreListsThemselvesOpensNothingElse) {
   EXPECT_EQ(connection.left(), connection.all());
 }
 
-/// A station that sends what the test wants.
-class Station {
- public:
-  Station() : port_(server_.bind_to_any_port("127.0.0.1")), thread_([this] { server_.listen_after_bind(); }) {
-    while (!server_.is_running()) std::this_thread::yield();
-  }
-  ~Station() {
-    server_.stop();
-    thread_.join();
-  }
-  Station(const Station&) = delete;
-  Station& operator=(const Station&) = delete;
-  Station(Station&&) = delete;
-  Station& operator=(Station&&) = delete;
-
-  void sends(const std::string& path, const std::string& body, const std::string& type) {
-    server_.Get(path,
-                [=](const httplib::Request&, httplib::Response& answer) { answer.set_content(body, type); });
-  }
-  void leadsTo(const std::string& path, const std::string& place) {
-    server_.Get(path, [=](const httplib::Request&, httplib::Response& answer) {
-      answer.status = 302;
-      answer.headers.emplace("Location", place);
-    });
-  }
-  [[nodiscard]] std::string operator/(const std::string& path) const {
-    return "http://127.0.0.1:" + std::to_string(port_) + "/" + path;
-  }
-
- private:
-  httplib::Server server_;
-  int port_;
-  std::thread thread_;
-};
-
-std::string Content(const std::string& path) {
-  std::ostringstream all;
-  all << std::ifstream(path, std::ios::binary).rdbuf();
-  return all.str();
-}
-
 TEST_F(HostileList, OfAStationLeadsToOtherStationsOnly) {
   const std::string pipe = "/proc/self/fd/" + connection.pipe();
-  Station station;
+  SmallServer station;
   station.sends("/fd.m3u", "#EXTM3U\nfd://" + connection.socket() + "\n", "audio/x-mpegurl");
   station.sends("/edl.m3u", "#EXTM3U\nedl://fd://" + connection.socket() + "\n", "audio/x-mpegurl");
   station.sends("/lavf.m3u", "#EXTM3U\nlavf://pipe:" + connection.socket() + "\n", "audio/x-mpegurl");
@@ -284,7 +240,7 @@ TEST_F(HostileList, OfAStationLeadsToOtherStationsOnly) {
 }
 
 TEST_F(HostileList, LeavesGoodStationsInPeace) {
-  Station station;
+  SmallServer station;
   station.sends("/good.flac", Content(good), "audio/flac");
   station.sends("/list.m3u", "#EXTM3U\n" + (station / "good.flac") + "\n", "audio/x-mpegurl");
   station.sends("/near.pls", "[playlist]\nFile1=good.flac\nNumberOfEntries=1\n", "audio/x-scpls");

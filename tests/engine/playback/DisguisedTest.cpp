@@ -1,15 +1,11 @@
 // Lists of addresses under the names of music and of videos: what comes from a file opens that file only.
 
 #include <gmock/gmock.h>
-#include <httplib.h>
 
 #include <algorithm>
-#include <atomic>
-#include <fstream>
-#include <sstream>
-#include <thread>
 
 #include "engine/common/Fixtures.hpp"
+#include "engine/common/SmallServer.hpp"
 #include "engine/common/TagBuilder.hpp"
 #include "engine/decoder/MpvOutput.hpp"
 
@@ -18,54 +14,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-/// A server on this machine that notes whatever is asked of it.
-class Neighbour {
- public:
-  Neighbour() : port_(server_.bind_to_any_port("127.0.0.1")) {
-    server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& /*answer*/) {
-      const std::lock_guard lock(mutex_);
-      asked_.push_back(request.path);
-      return httplib::Server::HandlerResponse::Unhandled;
-    });
-    thread_ = std::thread([this] { server_.listen_after_bind(); });
-    while (!server_.is_running()) std::this_thread::yield();
-  }
-  ~Neighbour() {
-    server_.stop();
-    thread_.join();
-  }
-  Neighbour(const Neighbour&) = delete;
-  Neighbour& operator=(const Neighbour&) = delete;
-  Neighbour(Neighbour&&) = delete;
-  Neighbour& operator=(Neighbour&&) = delete;
-
-  void sends(const std::string& path, const std::string& body, const std::string& type) {
-    server_.Get(path,
-                [=](const httplib::Request&, httplib::Response& answer) { answer.set_content(body, type); });
-  }
-  [[nodiscard]] std::string port() const { return std::to_string(port_); }
-  [[nodiscard]] std::string operator/(const std::string& path) const {
-    return "http://127.0.0.1:" + port() + "/" + path;
-  }
-  [[nodiscard]] std::vector<std::string> asked() const {
-    const std::lock_guard lock(mutex_);
-    return asked_;
-  }
-
- private:
-  httplib::Server server_;
-  mutable std::mutex mutex_;
-  std::vector<std::string> asked_;
-  int port_;
-  std::thread thread_;
-};
-
-std::string Content(const std::string& path) {
-  std::ostringstream all;
-  all << std::ifstream(path, std::ios::binary).rdbuf();
-  return all.str();
-}
 
 /// A list of pieces of sound.
 std::string Pieces(const std::string& address, const std::string& line = {}) {
@@ -162,7 +110,7 @@ class ADisguisedList : public PlayerTest {
     return items;
   }
 
-  Neighbour neighbour;
+  SmallServer neighbour;
   std::string good;
   std::vector<std::string> disguises;
 };
