@@ -198,7 +198,6 @@ void ControlsWindow::show() {
     want(Standing::kSeen, [this] {
       if (!pane_->isMinimized()) place();
       pane_->showNormal();
-      place();
       pane_->raise();
       // Qt would keep that for the moment at which the window is there, and bring it back if it is hidden by
       // then.
