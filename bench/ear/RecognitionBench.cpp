@@ -39,10 +39,14 @@ struct Outcome {
   bool inside = false;
   bool right = false;    ///< heard as what it stands for
   bool command = false;  ///< heard as a command at all, not as nothing or an answer
+  bool answer = false;   ///< heard as an answer to a question
   std::uint32_t thousandths = 0;
   double seconds = 0;  ///< of the sound
   double cost = 0;     ///< of processor time
 };
+
+/// What the ear hears besides commands: the answers to a question.
+constexpr const char* kAnswers[] = {"first", "second", "third", "yes", "no"};
 
 /// Some of them, from all of it; all where there are no more.
 void Thin(std::vector<bench::Sentence>& sentences, std::size_t most) {
@@ -93,6 +97,15 @@ class House {
           outcomeOf({.said = "(a sound)"}, bench::NobodysSound(static_cast<std::uint32_t>(i)), "", dump));
     return all;
   }
+  /// Of the answers to a question, each by each voice, how many are heard as themselves with that certainty.
+  std::vector<Outcome> answers(const Room& room) {
+    std::vector<Outcome> all;
+    for (const char* word : kAnswers) {
+      for (std::size_t k = 0; k < voices_.count(); ++k)
+        all.push_back(hear({.said = word, .command = word}, k, room, false));
+    }
+    return all;
+  }
   [[nodiscard]] std::size_t sentences() const { return corpus_.inside.size(); }
   [[nodiscard]] std::size_t strangers() const { return corpus_.outside.size(); }
 
@@ -112,6 +125,9 @@ class House {
                     .thousandths = found.heard.thousandths,
                     .seconds = static_cast<double>(sound.size()) / 16000,
                     .cost = ProcessSeconds() - before};
+    outcome.answer =
+        std::find(std::begin(kAnswers), std::end(kAnswers), found.heard.words) != std::end(kAnswers);
+    if (outcome.answer) outcome.right = found.heard.words == sentence.command;
     for (const standin::Said& said : grammar_->match(found.heard.words)) {
       outcome.command = true;
       outcome.right |= said.command == sentence.command;
@@ -190,6 +206,21 @@ void PrintTradeOff(const char* title, const std::vector<Outcome>& inside,
   }
 }
 
+/// Answers to a question, and what would be taken for one while a question is open.
+void PrintAnswers(const char* title, const std::vector<Outcome>& answers,
+                  const std::vector<Outcome>& outside) {
+  std::printf("\n%s: of %zu answers, and of %zu from outside\n", title, answers.size(), outside.size());
+  std::printf("  certainty   heard rightly   taken for another   taken for an answer from outside\n");
+  for (std::uint32_t asked = 100; asked <= 900; asked += 100) {
+    const auto sure = [asked](const Outcome& each) { return each.answer && each.thousandths >= asked; };
+    const std::size_t right = Count(answers, [&](const Outcome& each) { return sure(each) && each.right; });
+    const std::size_t wrong = Count(answers, [&](const Outcome& each) { return sure(each) && !each.right; });
+    std::printf("  %9.1f %13.1f %% %17.1f %% %19.1f %%%s\n", asked / 1000.0, Percent(right, answers.size()),
+                Percent(wrong, answers.size()), Percent(Count(outside, sure), outside.size()),
+                asked == kPerhaps ? "   (as it is)" : "");
+  }
+}
+
 int Measure(bool dump) {
   const auto sentences = static_cast<std::size_t>(bench::Amount(140, 4));
   const auto strangers = static_cast<std::size_t>(bench::Amount(3, 1));
@@ -217,6 +248,9 @@ int Measure(bool dump) {
     PrintInside((std::string(name) + ", 10 dB").c_str(), house.inside(1, noisy(10), false));
     PrintTradeOff((std::string(name) + ", clean").c_str(), inside, outside);
     PrintTradeOff((std::string(name) + ", 20 dB").c_str(), inNoise, house.outside(1, 0, noisy(20), false));
+    PrintAnswers((std::string(name) + ", clean").c_str(), house.answers(clean), outside);
+    PrintAnswers((std::string(name) + ", 20 dB").c_str(), house.answers(noisy(20)),
+                 house.outside(1, 0, noisy(20), false));
     std::printf("\n");
   }
   if (dump) return 0;

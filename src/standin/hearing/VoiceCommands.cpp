@@ -1,7 +1,6 @@
 #include "standin/hearing/VoiceCommands.hpp"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -26,8 +25,6 @@ constexpr const char* kNothingKnown = "What can be said is too much for this mac
 constexpr const char* kNotUnderstood = "That was not understood";
 constexpr const char* kTooLate = "That took too long: nothing was done";
 constexpr std::size_t kMostChoices = 3;
-constexpr std::size_t kMostQuestions = 100;
-constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
 /// The page that has sent a sound is told that nobody answers soon after this. What would be done later,
 /// nobody would expect any more.
 constexpr base::Milliseconds kHeardWithin = std::chrono::seconds(25);
@@ -38,20 +35,6 @@ constexpr double kSure = 0.6;
 constexpr double kPerhaps = 0.3;
 
 std::string Quoted(const std::string& text) { return "“" + text + "”"; }
-
-/// Which of the choices an answer means: 0 and so on, -1 for none of them; nothing where it is no answer.
-std::optional<int> ChoiceIn(const std::string& text) {
-  constexpr std::array<std::pair<std::string_view, int>, 20> kAnswers{
-      {{"first", 0},     {"the first", 0},     {"the first one", 0},  {"one", 0}, {"1", 0},   {"yes", 0},
-       {"second", 1},    {"the second", 1},    {"the second one", 1}, {"two", 1}, {"2", 1},   {"third", 2},
-       {"the third", 2}, {"the third one", 2}, {"three", 2},          {"3", 2},   {"no", -1}, {"neither", -1},
-       {"none", -1},     {"cancel", -1}}};
-  const std::string words = SaidWords(text);
-  const auto* const found =
-      std::find_if(kAnswers.begin(), kAnswers.end(), [&](const auto& each) { return each.first == words; });
-  if (found == kAnswers.end()) return std::nullopt;
-  return found->second;
-}
 
 void Ask(Understanding& understanding, std::vector<Understanding::Choice> choices) {
   std::vector<std::string> labels;
@@ -156,7 +139,8 @@ Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answere
       understanding = {.kind = Kind::kSilence, .says = "Nobody was heard speaking"};
       return answered(understanding);
     }
-    if (!heard.words.empty()) parts_.house.log.write("Voice", heard.words);
+    // What hardly is a sentence was a cough, a television or two who talk: nobody wants that on record.
+    if (heard.confidence >= kPerhaps) parts_.house.log.write("Voice", heard.words);
     understanding.heard = heard.words;
     understanding.confidence = heard.confidence;
     if (heard.confidence < kPerhaps) {
@@ -201,24 +185,19 @@ void VoiceCommands::end(const Speaker& who, std::shared_ptr<Recogniser::Growing>
 
 std::optional<VoiceCommands::Order> VoiceCommands::answerOf(const std::string& who, const std::string& text,
                                                             bool spoken) {
-  const auto question = questions_.find(who);
-  std::optional<int> choice = ChoiceIn(text);
-  if (question == questions_.end() || !choice) return std::nullopt;
-  const Question asked = std::move(question->second);
-  questions_.erase(question);
-  if (parts_.loop.now() - asked.asked > kAnswerWithin) return std::nullopt;
-  // To the ear "first" is like "third", which nobody says of two.
-  if (spoken && choice == 2 && asked.choices.size() < 3) choice = 0;
-  if (*choice >= static_cast<int>(asked.choices.size())) {
+  const std::optional<Questions::Answer> answer = questions_.answer(who, text, spoken, parts_.loop.now());
+  if (!answer) return std::nullopt;
+  const auto& [choice, choices] = *answer;
+  if (choice >= static_cast<int>(choices.size())) {
     Order again;
     again.understanding.heard = text;
-    Ask(again.understanding, asked.choices);
+    Ask(again.understanding, choices);
     again.understanding.says =
-        "There is no " + std::string(*choice == 1 ? "second" : "third") + " one. " + again.understanding.says;
+        "There is no " + std::string(choice == 1 ? "second" : "third") + " one. " + again.understanding.says;
     return again;
   }
-  if (*choice >= 0) {
-    Order order = orderFor(asked.choices[static_cast<std::size_t>(*choice)].command, false);
+  if (choice >= 0) {
+    Order order = orderFor(choices[static_cast<std::size_t>(choice)].command, false);
     order.understanding.heard = text;
     return order;
   }
@@ -310,14 +289,8 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
 void VoiceCommands::remember(const std::string& who, const Understanding& understanding) {
   // A cough or a mumbled "first" is no other command: what was asked can still be answered.
   if (understanding.kind == Kind::kUnknown) return;
-  questions_.erase(who);
-  if (understanding.kind != Kind::kUnclear) return;
-  if (questions_.size() >= kMostQuestions) {
-    questions_.erase(std::min_element(
-        questions_.begin(), questions_.end(),
-        [](const auto& left, const auto& right) { return left.second.asked < right.second.asked; }));
-  }
-  questions_[who] = {understanding.choices, parts_.loop.now()};
+  questions_.forget(who);
+  if (understanding.kind == Kind::kUnclear) questions_.ask(who, understanding.choices, parts_.loop.now());
 }
 
 std::string VoiceCommands::take(const std::string& who, Order order, const Answered& answered) {
@@ -343,7 +316,21 @@ void VoiceCommands::wordAnswer(Order& order) const {
   if (category == "Album") order.album = name;
 }
 
-void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
+VoiceCommands::Answered VoiceCommands::andGoOn(const Answered& answered,
+                                               const std::shared_ptr<bool>& cameBack) {
+  return [this, answered, cameBack, alive = std::weak_ptr(alive_)](const Understanding& understanding) {
+    answered(understanding);
+    if (!*cameBack) return;
+    // Posted, as is the end of him who has given the command.
+    parts_.loop.post([this, alive] {
+      if (alive.lock()) parts_.speech.events().goOn();
+    });
+  };
+}
+
+void VoiceCommands::carryOut(const Order& order, const Answered& told) {
+  const auto cameBack = std::make_shared<bool>(false);
+  const Answered answered = andGoOn(told, cameBack);
   struct Target {
     base::ObjectRef object;
     std::string hc;
@@ -356,8 +343,9 @@ void VoiceCommands::carryOut(const Order& order, const Answered& answered) {
   }
   // The text is set when its turn comes: another one may be waiting before it.
   const PluginKeeper::Command command = [&house = parts_.house, &speech = parts_.speech, &loop = parts_.loop,
-                                         text = order.understanding.command, until = order.until,
-                                         targets](base::Object& vxif) {
+                                         text = order.understanding.command, until = order.until, targets,
+                                         cameBack](base::Object& vxif) {
+    *cameBack = true;
     speech.events().endAll();
     // The plug-in may have hung meanwhile, in that or in a command before.
     if (until && loop.now() > *until) throw base::Failure(base::number::kDeviceIo, kTooLate);

@@ -1,7 +1,6 @@
 #pragma once
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 #include "bus/PollLoop.hpp"
 #include "standin/ear/Recogniser.hpp"
 #include "standin/hearing/HouseGrammar.hpp"
+#include "standin/hearing/Questions.hpp"
 #include "standin/hearing/Sentences.hpp"
 #include "standin/hearing/Understanding.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
@@ -62,6 +62,9 @@ class VoiceCommands {
   std::unique_ptr<Recogniser::Growing> begin();
   void end(const Speaker& who, std::shared_ptr<Recogniser::Growing> sound, const Answered& answered);
 
+  /// What that session was asked can't be answered any more.
+  void forgetQuestion(const std::string& session) { questions_.forget(session); }
+
   /// Has the recogniser know what can be said now, and from now on follow its changes; one that has failed is
   /// tried again. It costs memory, so it is not started for somebody who never speaks.
   void wake();
@@ -85,10 +88,6 @@ class VoiceCommands {
     std::optional<base::Milliseconds> until{};  ///< nobody expects it to be done later
   };
   using Choice = Understanding::Choice;
-  struct Question {
-    std::vector<Choice> choices;
-    base::Milliseconds asked{0};
-  };
 
   void teach();
   /// Has done what was heard, and answers it.
@@ -100,6 +99,8 @@ class VoiceCommands {
   [[nodiscard]] Order orderOf(const std::vector<Said>& said, const std::string& text);
   std::string take(const std::string& who, Order order, const Answered& answered);
   void carryOut(const Order& order, const Answered& answered);
+  /// The same; then players make room again for those who still speak, where they came back for the command.
+  [[nodiscard]] Answered andGoOn(const Answered& answered, const std::shared_ptr<bool>& cameBack);
   void add(const Order& order, PluginKeeper::Command command, const Answered& answered);
   void wordAnswer(Order& order) const;
   void withArtist(Understanding understanding, const std::string& album, const Answered& answered);
@@ -111,7 +112,7 @@ class VoiceCommands {
   WorkHere here_;
   HouseGrammar grammar_;
   Sentences sentences_;
-  std::map<std::string, Question> questions_;
+  Questions questions_;
   bool awake_ = false;
   std::uint64_t learnt_ = 0;  ///< revision of the grammar that the recogniser was given
   std::unique_ptr<base::Timer> follow_;

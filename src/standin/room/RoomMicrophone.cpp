@@ -149,7 +149,8 @@ void RoomMicrophone::come(std::string& bytes) {
     troubles_.clear();
     enter(State::kListening);
   }
-  const bool quiet = parts_.speech.events().making();
+  const AudioEvents& events = parts_.speech.events();
+  const bool quiet = events.making() || events.interrupted();
   if (std::exchange(quiet_, quiet) != quiet) quiet ? gate_.playersLeave() : gate_.playersReturn();
   if (parts_.speech.speaking() || parts_.quiet.hasOthers(kRoom)) return gate_.pause();
   gate_.take(sound);
@@ -164,8 +165,9 @@ void RoomMicrophone::hearPlayer(const Device& device) {
     return;
   std::string tells = std::to_string(device.value) + " " + device.text;
   if (std::exchange(playing_[name], tells) == tells) return;
-  // While players make room they tell of that.
-  if (!parts_.speech.events().making()) soon([this] { gate_.rest(); });
+  // While players make room they tell of that. Somebody else's command leaves them little time to be heard.
+  const AudioEvents& events = parts_.speech.events();
+  if (!events.making() && !(events.interrupted() && sound_)) soon([this] { gate_.rest(); });
 }
 
 bool RoomMicrophone::makesRoom() const { return inVain_ < kMostInVain || parts_.loop.now() >= peaceUntil_; }
@@ -174,7 +176,9 @@ void RoomMicrophone::awaitAnswer(std::size_t samples) {
   const bool over = samples == 0 && answerWithin_ > 0;
   answerWithin_ = samples;
   gate_.awaitsWord(samples > 0);
-  if (over) soon([this] { quietEnds(); });
+  if (!over) return;
+  parts_.voice.forgetQuestion(kRoom);
+  soon([this] { quietEnds(); });
 }
 
 void RoomMicrophone::begins() {

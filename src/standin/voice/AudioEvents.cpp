@@ -25,11 +25,21 @@ void AudioEvents::tell(bool started) {
 }
 
 void AudioEvents::endAll() {
+  ++commands_;
   while (begun_ > 0) {
     // Counted before it is told: others begin and end while a listener is waited for.
     --begun_;
     ++ended_;
     send(false);
+  }
+}
+
+void AudioEvents::goOn() {
+  --commands_;
+  while (commands_ == 0 && ended_ > 0) {
+    --ended_;
+    ++begun_;
+    send(true);
   }
 }
 

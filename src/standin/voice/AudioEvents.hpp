@@ -16,8 +16,13 @@ class AudioEvents {
   /// be as its listener knows it, not as it makes room: "pause" has a paused one play, and what was stopped
   /// would go on with the last speaker's end.
   void endAll();
+  /// Behind that command, once for each call of `endAll`. After the last of them those who have not ended
+  /// since are told to have begun once more.
+  void goOn();
   /// Whether somebody has been told to make room and not yet to come back.
   [[nodiscard]] bool making() const { return begun_ > 0; }
+  /// Whether players have come back for a command alone, while somebody still needs the room's ear.
+  [[nodiscard]] bool interrupted() const { return ended_ > 0; }
   /// While a listener is being told.
   [[nodiscard]] bool telling() const { return telling_ > 0; }
 
@@ -27,8 +32,9 @@ class AudioEvents {
   bus::PollLoop& loop_;
   House& house_;
   int telling_ = 0;
-  int begun_ = 0;  ///< and not ended
-  int ended_ = 0;  ///< before their own end, which is still to come
+  int begun_ = 0;     ///< and not ended
+  int ended_ = 0;     ///< before their own end, which is still to come
+  int commands_ = 0;  ///< that have ended all and not yet gone on
 };
 
 }  // namespace standin

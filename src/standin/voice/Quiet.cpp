@@ -3,7 +3,11 @@
 namespace standin {
 
 void Quiet::begin(const std::string& who) {
-  if (speakers_.contains(who) || speakers_.size() >= kMost) return;
+  if (const auto known = speakers_.find(who); known != speakers_.end()) {
+    known->second->enabled(false);
+    return known->second->enabled(true);
+  }
+  if (speakers_.size() >= kMost) return;
   auto gone = loop_.makeTimer(longest_, [this, who] {
     // Posted, as a timer may not end within its own event.
     loop_.post([this, who, alive = std::weak_ptr(alive_)] {

@@ -23,7 +23,8 @@ class Quiet {
   Quiet& operator=(Quiet&&) = delete;
   ~Quiet() = default;
 
-  /// `who` as `VoiceCommands` has him. To begin twice, or to end what was not begun, does nothing.
+  /// `who` as `VoiceCommands` has him. To begin again gives him his time once more; to end what was not begun
+  /// does nothing.
   void begin(const std::string& who);
   void end(const std::string& who);
   /// Whether anybody but `who` speaks now.

@@ -66,6 +66,7 @@ TEST_F(SpokenCommands, WhatIsHeardTooLateIsNotDone) {
 
 TEST_F(SpokenCommands, WhatIsHardlyASentenceIsNotUnderstoodHoweverLateItIs) {
   commands->speaks(true);
+  const auto heard = house.log.lastId();
   Understood understood;
   commands->listen({.session = "the room", .room = true}, std::vector<std::int16_t>(16000, 1),
                    [&](const Understanding& told) { understood = told; });
@@ -74,6 +75,7 @@ TEST_F(SpokenCommands, WhatIsHardlyASentenceIsNotUnderstoodHoweverLateItIs) {
   ASSERT_TRUE(understood);
   EXPECT_EQ(understood->kind, Kind::kUnknown);
   EXPECT_FALSE(speech.speaking()) << "nobody in the room has asked for an answer";
+  EXPECT_EQ(house.log.lastId(), heard) << "and nobody wants to read it";
 }
 
 TEST_F(SpokenCommands, WhatAPlayerThatHangsWouldDoTooLateIsNotDone) {

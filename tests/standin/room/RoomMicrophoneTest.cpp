@@ -73,6 +73,31 @@ TEST_F(InTheRoom, AQuestionIsAnsweredThereByVoice) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }
 
+TEST_F(InTheRoom, ACommandThatIsTypedMeanwhileLosesNothing) {
+  listen();
+  const Sound sentence = support::Spoken("play night shift");
+  const auto half = static_cast<std::ptrdiff_t>(sentence.size() / 2);
+  const auto hearable = [](const Sound& words) {
+    Sound noisy = stillness(static_cast<double>(words.size()) / kRate);
+    for (std::size_t i = 0; i < noisy.size(); ++i)
+      noisy[i] = static_cast<std::int16_t>(noisy[i] + words[i] / 2);
+    return noisy;
+  };
+  feed(hearable({sentence.begin(), sentence.begin() + half}));
+  ASSERT_TRUE(eventually([&] { return players.size() == 1; }));
+  EXPECT_EQ(say("play night shirt").kind, Kind::kDone);
+  ASSERT_TRUE(eventually([&] { return players.size() == 3; }));
+  EXPECT_THAT(players, ElementsAre("quiet", "as before", "quiet"));
+  feed(hearable({sentence.begin() + half, sentence.end()}));
+  feed(stillness(2));
+  ASSERT_TRUE(askedFor(1));
+  EXPECT_GT(ear.sounds[0].size(), sentence.size() - kRate / 2) << "all of it is one sentence";
+  hear("play night shift", 0.9);
+  EXPECT_THAT(done(), ElementsAre("Play Night Shirt", "Play Night Shift"));
+  ASSERT_TRUE(eventually([&] { return players.size() == 4; }));
+  EXPECT_EQ(players.back(), "as before");
+}
+
 TEST_F(InTheRoom, IsAnsweredAloudButNotWhatWasMeantForNobody) {
   commands->speaks(true);
   listen();

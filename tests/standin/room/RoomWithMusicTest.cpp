@@ -191,6 +191,9 @@ TEST_F(WithMusic, AQuestionThatNobodyAnswersIsLeftAlone) {
   pass(30);
   EXPECT_TRUE(plays());
   EXPECT_EQ(ear.sounds.size(), 1U);
+  sayOverIt();
+  hear("yes", 0.9);
+  EXPECT_THAT(done(), IsEmpty()) << "it isn't meant any more";
 }
 
 }  // namespace

@@ -64,6 +64,26 @@ TEST_F(ASpeaker, WhoHasGoneKeepsNobodyQuiet) {
   ASSERT_TRUE(support::TurnUntil(loop, [&] { return events.size() == 4; }));
 }
 
+TEST(Quiet, IsGivenAnewToWhoBeginsAgain) {
+  const support::TempFolder folder;
+  std::chrono::seconds passed{0};
+  const auto began = std::chrono::steady_clock::now();
+  bus::PollLoop loop([&] { return began + passed; });
+  standin::House house(folder.path());
+  standin::AudioEvents events(loop, house);
+  standin::Quiet quiet(loop, events);
+  const auto after = [&](int seconds) {
+    passed = std::chrono::seconds(seconds);
+    for (int i = 0; i < 3; ++i) loop.turn(base::Milliseconds(0));
+    return events.making();
+  };
+  quiet.begin("anna");
+  EXPECT_TRUE(after(30));
+  quiet.begin("anna");
+  EXPECT_TRUE(after(64));
+  EXPECT_FALSE(after(66));
+}
+
 TEST_F(ASpeaker, ThereIsRoomForTwentyOfThem) {
   standin::Quiet quiet(loop, speech.events());
   for (int i = 0; i < 1000; ++i) quiet.begin(std::to_string(i));
@@ -86,6 +106,34 @@ TEST_F(ASpeaker, IsHeardOverByACommandAndHisEndIsNotToldTwice) {
   quiet.begin("anna");
   quiet.end("anna");
   EXPECT_EQ(events, (Lines{"started", "stopped"})) << "what begins later is told as ever";
+}
+
+TEST_F(ASpeaker, WhoStillSpeaksBehindACommandIsGivenQuietAgain) {
+  standin::Quiet quiet(loop, speech.events());
+  quiet.begin("anna");
+  quiet.begin("ben");
+  speech.events().endAll();
+  EXPECT_TRUE(speech.events().interrupted());
+  events.clear();
+  quiet.end("anna");
+  speech.events().goOn();
+  EXPECT_EQ(events, (Lines{"started"})) << "Ben's";
+  EXPECT_FALSE(speech.events().interrupted());
+  quiet.end("ben");
+  EXPECT_EQ(events, (Lines{"started", "stopped"}));
+  EXPECT_FALSE(speech.events().making());
+}
+
+TEST_F(ASpeaker, IsGivenNoQuietBetweenTwoCommands) {
+  standin::Quiet quiet(loop, speech.events());
+  quiet.begin("anna");
+  speech.events().endAll();
+  speech.events().endAll();
+  events.clear();
+  speech.events().goOn();
+  EXPECT_EQ(events, Lines()) << "the second is being carried out";
+  speech.events().goOn();
+  EXPECT_EQ(events, (Lines{"started"}));
 }
 
 TEST_F(ASpeaker, WhoIsHeardOverDoesNotEndTheQuietOfALaterOne) {
