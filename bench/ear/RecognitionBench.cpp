@@ -34,6 +34,12 @@ double ProcessSeconds() {
 /// What becomes of a sound on its way; the number is another one each time.
 using Room = std::function<Sound(const Sound& sound, std::uint32_t seed)>;
 
+Sound Clean(const Sound& sound, std::uint32_t /*seed*/) { return sound; }
+Room Noisy(double decibels) {
+  return
+      [decibels](const Sound& sound, std::uint32_t seed) { return bench::WithNoise(sound, decibels, seed); };
+}
+
 /// What became of one sound.
 struct Outcome {
   bool inside = false;
@@ -46,7 +52,14 @@ struct Outcome {
 };
 
 /// What the ear hears besides commands: the answers to a question.
-constexpr const char* kAnswers[] = {"first", "second", "third", "yes", "no"};
+constexpr const char* kAnswers[] = {"first", "second",        "third",          "yes",
+                                    "no",    "the first one", "the second one", "the third one"};
+
+/// "first", of "the first one".
+std::string Meant(std::string answer) {
+  if (answer.starts_with("the ")) answer.erase(0, 4);
+  return answer.substr(0, answer.find(' '));
+}
 
 /// Some of them, from all of it; all where there are no more.
 void Thin(std::vector<bench::Sentence>& sentences, std::size_t most) {
@@ -98,9 +111,10 @@ class House {
     return all;
   }
   /// Of the answers to a question, each by each voice, how many are heard as themselves with that certainty.
-  std::vector<Outcome> answers(const Room& room) {
+  std::vector<Outcome> answers(bool single, const Room& room) {
     std::vector<Outcome> all;
-    for (const char* word : kAnswers) {
+    for (const std::string word : kAnswers) {
+      if ((word.find(' ') == std::string::npos) != single) continue;
       for (std::size_t k = 0; k < voices_.count(); ++k)
         all.push_back(hear({.said = word, .command = word}, k, room, false));
     }
@@ -127,7 +141,7 @@ class House {
                     .cost = ProcessSeconds() - before};
     outcome.answer =
         std::find(std::begin(kAnswers), std::end(kAnswers), found.heard.words) != std::end(kAnswers);
-    if (outcome.answer) outcome.right = found.heard.words == sentence.command;
+    if (outcome.answer) outcome.right = Meant(found.heard.words) == Meant(sentence.command);
     for (const standin::Said& said : grammar_->match(found.heard.words)) {
       outcome.command = true;
       outcome.right |= said.command == sentence.command;
@@ -221,17 +235,28 @@ void PrintAnswers(const char* title, const std::vector<Outcome>& answers,
   }
 }
 
+void MeasureAnswers(const std::string& name, House& house, const std::vector<Outcome>& outside) {
+  const std::vector<Outcome> outsideInNoise = house.outside(1, 0, Noisy(20), false);
+  for (const bool single : {true, false}) {
+    const std::string which = name + (single ? ", a single word" : ", several words");
+    PrintAnswers((which + ", clean").c_str(), house.answers(single, Clean), outside);
+    PrintAnswers((which + ", 20 dB").c_str(), house.answers(single, Noisy(20)), outsideInNoise);
+  }
+}
+
+int MeasureAnswersAlone() {
+  for (const Which which : {Which::kTuning, Which::kHeldOut}) {
+    House house(which, 200, 1);
+    MeasureAnswers(which == Which::kTuning ? "tuning" : "held out", house, {});
+  }
+  return 0;
+}
+
 int Measure(bool dump) {
   const auto sentences = static_cast<std::size_t>(bench::Amount(140, 4));
   const auto strangers = static_cast<std::size_t>(bench::Amount(3, 1));
   const auto sounds = static_cast<std::size_t>(bench::Amount(40, 1));
   const auto voices = static_cast<std::size_t>(bench::Amount(3, 1));
-  const Room clean = [](const Sound& sound, std::uint32_t) { return sound; };
-  const auto noisy = [](double decibels) -> Room {
-    return [decibels](const Sound& sound, std::uint32_t seed) {
-      return bench::WithNoise(sound, decibels, seed);
-    };
-  };
   if (!dump) {
     std::printf("%-28s %5s %9s %9s %9s %9s %8s %11s\n", "", "said", "right", "… done", "… asked",
                 "wrong done", "of real", "median cost");
@@ -239,24 +264,22 @@ int Measure(bool dump) {
   for (const Which which : {Which::kTuning, Which::kHeldOut}) {
     const char* name = which == Which::kTuning ? "tuning" : "held out";
     House house(which, 200, sentences);
-    const std::vector<Outcome> inside = house.inside(voices, clean, dump);
-    const std::vector<Outcome> outside = house.outside(strangers, sounds, clean, dump);
+    const std::vector<Outcome> inside = house.inside(voices, Clean, dump);
+    const std::vector<Outcome> outside = house.outside(strangers, sounds, Clean, dump);
     if (dump) continue;
     PrintInside((std::string(name) + ", clean").c_str(), inside);
-    const std::vector<Outcome> inNoise = house.inside(1, noisy(20), false);
+    const std::vector<Outcome> inNoise = house.inside(1, Noisy(20), false);
     PrintInside((std::string(name) + ", 20 dB").c_str(), inNoise);
-    PrintInside((std::string(name) + ", 10 dB").c_str(), house.inside(1, noisy(10), false));
+    PrintInside((std::string(name) + ", 10 dB").c_str(), house.inside(1, Noisy(10), false));
     PrintTradeOff((std::string(name) + ", clean").c_str(), inside, outside);
-    PrintTradeOff((std::string(name) + ", 20 dB").c_str(), inNoise, house.outside(1, 0, noisy(20), false));
-    PrintAnswers((std::string(name) + ", clean").c_str(), house.answers(clean), outside);
-    PrintAnswers((std::string(name) + ", 20 dB").c_str(), house.answers(noisy(20)),
-                 house.outside(1, 0, noisy(20), false));
+    PrintTradeOff((std::string(name) + ", 20 dB").c_str(), inNoise, house.outside(1, 0, Noisy(20), false));
+    MeasureAnswers(name, house, outside);
     std::printf("\n");
   }
   if (dump) return 0;
   for (const int albums : {1000, 5000}) {
     House house(Which::kHeldOut, static_cast<std::size_t>(bench::Amount(albums, 50)), sentences);
-    PrintInside((std::to_string(albums) + " albums").c_str(), house.inside(1, clean, false));
+    PrintInside((std::to_string(albums) + " albums").c_str(), house.inside(1, Clean, false));
     std::printf("  learnt in %.2f s of processor time, %zu steps\n", house.learning, house.arcs);
   }
   return 0;
@@ -268,6 +291,7 @@ int main(int argc, char** argv) {
   try {
     // With --dump each sound is a line: meant, right, a command, mean, worst, thousandths, voice, said,
     // heard.
+    if (argc > 1 && std::strcmp(argv[1], "--answers") == 0) return MeasureAnswersAlone();
     return Measure(argc > 1 && std::strcmp(argv[1], "--dump") == 0);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "%s\n", failure.what());

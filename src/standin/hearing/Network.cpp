@@ -162,6 +162,19 @@ void Add(const SpeechNetwork& network, SpeechNetwork& all, Words& words) {
   all.arcs.push_back({first + network.end, all.end});
 }
 
+/// What a question of the house's is answered with. A single word is easily misheard, "the first one" hardly.
+void AddAnswers(SpeechNetwork& all, Words& words) {
+  const std::uint32_t behindThe = all.places++;
+  const std::uint32_t beforeOne = all.places++;
+  all.arcs.push_back({all.start, behindThe, words.numberOf("the")});
+  all.arcs.push_back({beforeOne, all.end, words.numberOf("one")});
+  for (const char* which : {"first", "second", "third"}) {
+    all.arcs.push_back({all.start, all.end, words.numberOf(which)});
+    all.arcs.push_back({behindThe, beforeOne, words.numberOf(which)});
+  }
+  for (const char* answer : {"yes", "no"}) all.arcs.push_back({all.start, all.end, words.numberOf(answer)});
+}
+
 }  // namespace
 
 Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits) {
@@ -203,8 +216,7 @@ Audible AudibleOf(const Grammar& grammar, const AudibleLimits& limits) {
     }
     Add(network, all, words);
   }
-  for (const char* answer : {"first", "second", "third", "yes", "no"})
-    all.arcs.push_back({all.start, all.end, words.numberOf(answer)});
+  AddAnswers(all, words);
   ear::Prune(all);
   const std::unordered_set<std::string_view> known(all.words.begin(), all.words.end());
   for (const auto& [word, written] : grammar.foreign())

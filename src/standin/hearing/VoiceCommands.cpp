@@ -125,8 +125,10 @@ std::string VoiceCommands::answer(const Speaker& who, const std::string& text, c
 
 Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answered) {
   Answered voice = aloud(who, answered);
-  return [this, session = who.session, answered = std::move(voice), spoken = parts_.loop.now(),
-          alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
+  // Who holds a button means to answer. In the room it may be anybody's "no".
+  const double leastOfAnswers = who.room ? kSure : kPerhaps;
+  return [this, session = who.session, leastOfAnswers, answered = std::move(voice),
+          spoken = parts_.loop.now(), alive = std::weak_ptr(alive_)](const Recogniser::Heard& heard) {
     using HeardKind = Recogniser::Heard::Kind;
     if (!alive.lock()) return;
     Order order;
@@ -149,7 +151,8 @@ Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answere
       understanding.kind = Kind::kFailed;
       understanding.says = kTooLate;
       return answered(understanding);
-    } else if (std::optional<Order> answer = answerOf(session, heard.words, true)) {
+    } else if (std::optional<Order> answer =
+                   heard.confidence >= leastOfAnswers ? answerOf(session, heard.words, true) : std::nullopt) {
       order = std::move(*answer);
     } else {
       order = orderFor(heard.words, true);

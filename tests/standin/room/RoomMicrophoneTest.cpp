@@ -69,6 +69,10 @@ TEST_F(InTheRoom, AQuestionIsAnsweredThereByVoice) {
   EXPECT_THAT(done(), IsEmpty());
   sayAloud();
   ASSERT_TRUE(askedFor(2));
+  hear("no", 0.5);
+  EXPECT_EQ(room->status().last->kind, Kind::kUnknown) << "that may have been said to somebody else";
+  sayAloud();
+  ASSERT_TRUE(askedFor(3));
   hear("yes", 0.9);
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }

@@ -4,7 +4,8 @@ import {html, nothing} from '../kit/html.js';
 const marks = {done: ['✓', 'good', 'Done'], unclear: ['?', 'wait', 'Unclear'], unknown: ['?', 'wait', 'Not understood'],
   silence: ['…', 'wait', 'Silence'], deaf: ['!', 'bad', 'Can’t listen'], failed: ['!', 'bad', 'Failed']};
 
-const spoken = ['Or say “yes” or “no”.', 'Or say “first” or “second”.', 'Or say “first”, “second” or “third”.'];
+const spoken = ['Or say “yes” or “no”.', 'Or say “the first one” or “the second one”.',
+  'Or say “the first one”, “the second one” or “the third one”.'];
 
 /** `choose(command, button)` says one of the choices of a question. */
 export function answer(told, choose) {
