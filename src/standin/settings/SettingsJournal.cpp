@@ -88,12 +88,16 @@ bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
   return true;
 }
 
-void SettingsJournal::replay(const std::function<void(const SettingChange&)>& apply) const {
+void SettingsJournal::replay(const std::function<void(const SettingChange&)>& apply) {
   const std::optional<std::string> content = files::TextOf(path_);
   std::string_view rest = content ? std::string_view(*content) : std::string_view();
   while (!rest.empty()) {
     const std::size_t end = rest.find('\n');
-    if (end == std::string_view::npos) return;
+    if (end == std::string_view::npos) {
+      size_ = content->size() - rest.size();
+      torn_ = true;
+      return;
+    }
     SettingChange change;
     if (readLine(rest.substr(0, end), change)) apply(change);
     rest.remove_prefix(end + 1);
@@ -102,19 +106,23 @@ void SettingsJournal::replay(const std::function<void(const SettingChange&)>& ap
 
 void SettingsJournal::append(const SettingChange& change) {
   const std::string line = lineOf(change);
-  try {
-    files::WriteAll(file_.get(), line, path_);
-  } catch (...) {
-    // Half a line would swallow the next one.
-    if (::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0) files::WriteAll(file_.get(), "\n", path_);
-    throw;
-  }
+  cutWhatIsTorn();
+  torn_ = true;
+  files::WriteAll(file_.get(), line, path_);
+  torn_ = false;
   size_ += line.size();
+}
+
+void SettingsJournal::cutWhatIsTorn() {
+  if (torn_ && ::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0)
+    throw files::FileFailure(errno, path_, "Can't write ");
+  torn_ = false;
 }
 
 void SettingsJournal::empty() {
   if (::ftruncate(file_.get(), 0) != 0) throw files::FileFailure(errno, path_, "Can't write ");
   size_ = 0;
+  torn_ = false;
 }
 
 }  // namespace standin

@@ -26,9 +26,10 @@ class SettingsJournal {
   /// Opens or creates it. Throws as files do.
   explicit SettingsJournal(std::filesystem::path path);
 
-  /// Gives every whole change to `apply` in order; what is torn is passed over.
-  void replay(const std::function<void(const SettingChange&)>& apply) const;
-  /// Has the change in the file when it returns; throws, 61 for a full disk, and leaves no trace of it.
+  /// Gives every whole change to `apply` in order; what is torn is passed over. Throws as files do.
+  void replay(const std::function<void(const SettingChange&)>& apply);
+  /// Has the change in the file when it returns; throws, 61 for a full disk, and leaves nothing that would be
+  /// read as one.
   void append(const SettingChange& change);
   /// Forgets all changes, as the files hold them now.
   void empty();
@@ -39,9 +40,12 @@ class SettingsJournal {
   static bool readLine(std::string_view line, SettingChange& change);
 
  private:
+  void cutWhatIsTorn();
+
   std::filesystem::path path_;
   files::Descriptor file_;
-  std::size_t size_ = 0;
+  std::size_t size_ = 0;  ///< of the changes
+  bool torn_ = false;     ///< there is more behind them, which would swallow the next one
 };
 
 }  // namespace standin

@@ -4,6 +4,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "files/FileError.hpp"
 #include "files/ReadFile.hpp"
 #include "files/WriteFile.hpp"
 
@@ -20,6 +21,8 @@ bool PlainFileName(const std::string& name) {
          folded != kJournal && !folded.ends_with(".new") && !folded.ends_with(".edited");
 }
 
+std::string NoName(const std::string& file) { return "\"" + file + "\" is no name of a settings file"; }
+
 }  // namespace
 
 SettingsStore::SettingsStore(const std::filesystem::path& folder)
@@ -27,13 +30,14 @@ SettingsStore::SettingsStore(const std::filesystem::path& folder)
   files::ClearLeftovers(folder_);
   if (!pending()) return;
   journal_.replay([this](const SettingChange& change) {
-    try {
-      apply(change);
-    } catch (const base::Failure& failure) {
-      notes_.push_back("A change in the journal is passed over: " + failure.description());
+    if (PlainFileName(change.file)) {
+      waiting_[base::LowerCase(change.file)].push_back(change);
+    } else {
+      notes_.push_back("A change in the journal is passed over: " + NoName(change.file));
     }
   });
   try {
+    openWaiting();
     keepEdited();
     flush();
   } catch (const base::Failure& failure) {
@@ -41,8 +45,14 @@ SettingsStore::SettingsStore(const std::filesystem::path& folder)
   }
 }
 
+void SettingsStore::openWaiting() {
+  while (!waiting_.empty()) open(std::string(waiting_.begin()->second.front().file));
+}
+
 void SettingsStore::keepEdited() {
-  const auto journalTime = std::filesystem::last_write_time(folder_ / kJournal);
+  std::error_code failed;
+  const auto journalTime = std::filesystem::last_write_time(folder_ / kJournal, failed);
+  if (failed) files::FailOn(folder_ / kJournal, failed.value());
   for (const auto& [name, loaded] : files_) {
     std::error_code none;
     const auto time = std::filesystem::last_write_time(loaded.path, none);
@@ -62,17 +72,24 @@ SettingsStore::Loaded& SettingsStore::open(const std::string& file) {
   const std::string folded = base::LowerCase(file);
   if (const auto found = files_.find(folded); found != files_.end()) return found->second;
   if (!PlainFileName(file)) {
-    throw base::Failure(base::number::kInvalidArgument, "\"" + file + "\" is no name of a settings file");
+    throw base::Failure(base::number::kInvalidArgument, NoName(file));
   }
   if (files_.size() >= kMostFiles)
     throw base::Failure(base::number::kOverflow, "There are too many settings files");
   std::filesystem::path path = folder_ / file;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-    if (base::LowerCase(entry.path().filename().string()) == folded) path = entry.path();
+  std::error_code failed;
+  for (std::filesystem::directory_iterator entry(folder_, failed), end; !failed && entry != end;
+       entry.increment(failed)) {
+    if (base::LowerCase(entry->path().filename().string()) == folded) path = entry->path();
   }
+  if (failed) files::FailOn(folder_, failed.value());
   const std::optional<std::string> text = files::TextOf(path);
-  return files_.emplace(folded, Loaded{path, IniFile::parse(text.value_or(std::string())), false})
-      .first->second;
+  Loaded loaded{path, IniFile::parse(text.value_or(std::string())), false};
+  const auto waiting = waiting_.extract(folded);
+  if (!waiting.empty()) {
+    for (const SettingChange& change : waiting.mapped()) bring(change, loaded);
+  }
+  return files_.emplace(folded, std::move(loaded)).first->second;
 }
 
 void SettingsStore::checkRoomFor(const SettingChange& change) {
@@ -86,14 +103,13 @@ void SettingsStore::checkRoomFor(const SettingChange& change) {
   if (all > kMostInAll) throw base::Failure(base::number::kOverflow, "There are too many settings");
 }
 
-void SettingsStore::apply(const SettingChange& change) {
-  Loaded& loaded = open(change.file);
+void SettingsStore::bring(const SettingChange& change, Loaded& into) {
   if (change.kind == SettingChange::Kind::kSet) {
-    loaded.content.set(change.section, change.key, change.value);
+    into.content.set(change.section, change.key, change.value);
   } else {
-    loaded.content.clear(change.section);
+    into.content.clear(change.section);
   }
-  loaded.changed = true;
+  into.changed = true;
 }
 
 std::optional<std::string> SettingsStore::get(const std::string& file, const std::string& section,
@@ -104,12 +120,13 @@ std::optional<std::string> SettingsStore::get(const std::string& file, const std
 
 void SettingsStore::save(const std::string& file, const std::string& section, const std::string& key,
                          const std::string& value) {
-  const std::string* stored = open(file).content.find(section, key);
+  Loaded& loaded = open(file);
+  const std::string* stored = loaded.content.find(section, key);
   if (stored != nullptr && *stored == value) return;
   const SettingChange change{SettingChange::Kind::kSet, file, section, key, value};
   checkRoomFor(change);
   journal_.append(change);
-  apply(change);
+  bring(change, loaded);
 }
 
 std::string SettingsStore::section(const std::string& file, const std::string& section) {
@@ -123,13 +140,14 @@ std::string SettingsStore::section(const std::string& file, const std::string& s
 }
 
 void SettingsStore::clear(const std::string& file, const std::string& section) {
-  open(file);
+  Loaded& loaded = open(file);
   const SettingChange change{SettingChange::Kind::kClear, file, section, {}, {}};
   journal_.append(change);
-  apply(change);
+  bring(change, loaded);
 }
 
 void SettingsStore::flush() {
+  openWaiting();  // the journal goes only with all that is in it
   for (auto& [name, loaded] : files_) {
     if (!loaded.changed) continue;
     files::WriteFile(loaded.path, loaded.content.format(), {.mode = files::kForOwner});

@@ -14,8 +14,9 @@ namespace standin {
 /// returns; the files themselves are rewritten by `flush`.
 class SettingsStore {
  public:
-  /// Takes over what a journal of an earlier run still holds; where that can't be written now, the journal
-  /// goes on. A file that was edited since is kept beside the new one. Throws as files do.
+  /// Takes over what a journal of an earlier run still holds; where that can't be written now, or the file
+  /// that it belongs to can't be read, the journal goes on. A file that was edited since is kept beside the
+  /// new one. Throws as files do.
   explicit SettingsStore(const std::filesystem::path& folder);
 
   /// The stored text, or nothing when the key is absent. Throws number 5 for a name that is no plain file
@@ -51,12 +52,14 @@ class SettingsStore {
   };
   Loaded& open(const std::string& file);
   void checkRoomFor(const SettingChange& change);
-  void apply(const SettingChange& change);
+  static void bring(const SettingChange& change, Loaded& into);
+  void openWaiting();
   void keepEdited();
 
   std::filesystem::path folder_;
   SettingsJournal journal_;
   std::map<std::string, Loaded> files_;
+  std::map<std::string, std::vector<SettingChange>> waiting_;  ///< of the journal, for files not opened yet
   std::vector<std::string> notes_;
 };
 
