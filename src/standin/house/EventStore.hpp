@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -58,7 +59,9 @@ class EventStore {
 
   /// Reads the event anew after somebody else has written or erased its rows.
   void reload(std::int32_t id);
-  /// Called when the name or group of an event has been changed here. Not by `reload`.
+  /// The same with what has been read already; nothing for an event that is gone.
+  void take(std::int32_t id, std::optional<Event> event);
+  /// Called when the name or group of an event has been changed here. Not by `reload` and `take`.
   std::function<void(std::int32_t id)> onRename = [](std::int32_t) {};
   /// Called whenever `patternsRevision` has grown.
   std::function<void()> onPattern = [] {};

@@ -56,14 +56,10 @@ void RuleStore::load() {
   }
 }
 
-void RuleStore::read(std::int32_t id) {
+std::optional<RuledEvent> RuleStore::read(const Event& event) {
   database::Statement row(house_.database, std::string(kRules) + " WHERE event = ?");
-  const Event* event = house_.events.byId(id);
-  if (event == nullptr || !row.with(id).step()) {
-    rules_.erase(id);
-    return;
-  }
-  rules_.insert_or_assign(id, RuledFrom(row, *event));
+  if (!row.with(event.id).step()) return std::nullopt;
+  return RuledFrom(row, event);
 }
 
 void RuleStore::loadPlace() {

@@ -34,7 +34,7 @@ RuledEvent SwitchOf(const RuledEvent& event) {
 RuleStore::RuleStore(House& house, RuleSteps::Limits limits) : house_(house), steps_(house.database, limits) {
   load();
   loadPlace();
-  lookAtSteps();
+  next_ = nextSteps();
   house_.events.onRename = [this](std::int32_t id) { renamed(id); };
 }
 
@@ -93,8 +93,7 @@ const RuledEvent& RuleStore::make(const RuledEvent& event) {
   database::Transaction whole(house_.database);
   made.id = insert({made, {}});
   steps_.add({.kind = RuleStep::Kind::kMake, .event = made.id, .after = WholeEvent{made, {}}});
-  whole.commit();
-  return *changed(made.id);
+  return *commit(whole, made.id);
 }
 
 const RuledEvent& RuleStore::change(const RuledEvent& event) {
@@ -108,8 +107,7 @@ const RuledEvent& RuleStore::change(const RuledEvent& event) {
               .event = event.id,
               .before = WholeEvent{before, {}},
               .after = WholeEvent{event, {}}});
-  whole.commit();
-  return *changed(event.id);
+  return *commit(whole, event.id);
 }
 
 const RuledEvent& RuleStore::turn(std::int32_t id, bool on) {
@@ -126,8 +124,7 @@ const RuledEvent& RuleStore::turn(std::int32_t id, bool on) {
               .event = id,
               .before = WholeEvent{SwitchOf(before), {}},
               .after = WholeEvent{after, {}}});
-  whole.commit();
-  return *changed(id);
+  return *commit(whole, id);
 }
 
 void RuleStore::remove(std::int32_t id, std::int64_t version) {
@@ -136,8 +133,7 @@ void RuleStore::remove(std::int32_t id, std::int64_t version) {
   database::Transaction whole(house_.database);
   steps_.add({.kind = RuleStep::Kind::kDelete, .event = id, .before = wholeOf(id)});
   EraseEvent(house_.database, id);
-  whole.commit();
-  changed(id);
+  commit(whole, id);
 }
 
 RuleStore::Turned RuleStore::turnStep(bool undo) {
@@ -150,8 +146,7 @@ RuleStore::Turned RuleStore::turnStep(bool undo) {
   database::Transaction whole(house_.database);
   turnInto(*step, undo);
   steps_.turned(*step, undo);
-  whole.commit();
-  changed(step->event);
+  commit(whole, step->event);
   return turned;
 }
 
@@ -187,38 +182,51 @@ void RuleStore::turnInto(RuleStep& step, bool undo) {
   rewrite(next, now->version + 1);
 }
 
-void RuleStore::skipUndo() {
-  const std::optional<RuleStep> step = steps_.toUndo();
+void RuleStore::skipUndo() { skip(steps_.toUndo()); }
+
+void RuleStore::skipRedo() { skip(steps_.toRedo()); }
+
+void RuleStore::skip(const std::optional<RuleStep>& step) {
+  database::Transaction whole(house_.database);
   if (step) steps_.drop(step->id);
-  lookAtSteps();
+  NextSteps next = nextSteps();
+  whole.commit();
+  next_ = std::move(next);
 }
 
-void RuleStore::skipRedo() {
-  const std::optional<RuleStep> step = steps_.toRedo();
-  if (step) steps_.drop(step->id);
-  lookAtSteps();
-}
-
-void RuleStore::lookAtSteps() {
+RuleStore::NextSteps RuleStore::nextSteps() {
   const auto words = [](const std::optional<RuleStep>& step) {
     return step ? WordsOf(*step) : std::string();
   };
-  undo_ = words(steps_.toUndo());
-  redo_ = words(steps_.toRedo());
+  return {words(steps_.toUndo()), words(steps_.toRedo())};
 }
 
-/// What is in memory follows what has been written.
-const RuledEvent* RuleStore::changed(std::int32_t id) {
-  house_.events.reload(id);
-  read(id);
-  lookAtSteps();
+/// What is in memory follows what has been written. That is read before it counts: what can't be read back is
+/// not done, rather than done and told as failed.
+const RuledEvent* RuleStore::commit(database::Transaction& whole, std::int32_t id) {
+  std::optional<Event> event = ReadEvent(house_.database, id);
+  std::optional<RuledEvent> rule;
+  if (event) rule = read(*event);
+  NextSteps next = nextSteps();
+  whole.commit();
+  next_ = std::move(next);
+  if (rule) {
+    rules_.insert_or_assign(id, std::move(*rule));
+  } else {
+    rules_.erase(id);
+  }
+  house_.events.take(id, std::move(event));
   tell(id);
   return byId(id);
 }
 
 void RuleStore::renamed(std::int32_t id) {
-  if (byId(id) == nullptr) return;
-  read(id);
+  const auto found = rules_.find(id);
+  if (found == rules_.end()) return;
+  const Event& event = *house_.events.byId(id);
+  found->second.name = base::RepairUtf8(event.name);
+  found->second.group = base::RepairUtf8(event.group);
+  ++found->second.version;  // as the database's trigger does
   tell(id);
 }
 

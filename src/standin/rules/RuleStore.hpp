@@ -46,8 +46,8 @@ class RuleStore : public RuleSource {
   void remove(std::int32_t id, std::int64_t version);
 
   /// What `undo` and `redo` would do: "Deletion of “Good night”", empty for nothing.
-  [[nodiscard]] const std::string& toUndo() const { return undo_; }
-  [[nodiscard]] const std::string& toRedo() const { return redo_; }
+  [[nodiscard]] const std::string& toUndo() const { return next_.undo; }
+  [[nodiscard]] const std::string& toRedo() const { return next_.redo; }
   struct Turned {
     std::int32_t event = 0;
     std::string words{};  ///< of the step
@@ -63,6 +63,11 @@ class RuleStore : public RuleSource {
   void setPlace(const std::optional<Place>& place);
 
  private:
+  /// In words.
+  struct NextSteps {
+    std::string undo{};
+    std::string redo{};
+  };
   [[nodiscard]] const RuledEvent& need(std::int32_t id) const;
   void mustBeFree(const std::string& name, std::int32_t except) const;
   Turned turnStep(bool undo);
@@ -72,9 +77,10 @@ class RuleStore : public RuleSource {
   [[nodiscard]] WholeEvent wholeOf(std::int32_t id) const;
   void load();
   void loadPlace();
-  void read(std::int32_t id);
-  void lookAtSteps();
-  const RuledEvent* changed(std::int32_t id);
+  std::optional<RuledEvent> read(const Event& event);
+  NextSteps nextSteps();
+  void skip(const std::optional<RuleStep>& step);
+  const RuledEvent* commit(database::Transaction& whole, std::int32_t id);
   void renamed(std::int32_t id);
   void tell(std::int32_t id);
 
@@ -82,8 +88,7 @@ class RuleStore : public RuleSource {
   RuleSteps steps_;
   std::map<std::int32_t, RuledEvent> rules_;
   std::optional<Place> place_;
-  std::string undo_;
-  std::string redo_;
+  NextSteps next_;
   std::vector<Heard> listeners_;
 };
 
