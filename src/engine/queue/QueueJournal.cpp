@@ -85,6 +85,8 @@ std::vector<QueueJournal::Known> QueueJournal::known() const {
     if (const auto number = NumberOf(entry->path().filename().string()))
       all.push_back({*number, entry->path().string()});
   }
+  if (failed && failed != std::errc::no_such_file_or_directory && failed != std::errc::not_a_directory)
+    files::FailOn(folder_, failed.value());
   std::sort(all.begin(), all.end(), [](const Known& a, const Known& b) { return a.number > b.number; });
   return all;
 }
@@ -102,7 +104,10 @@ bool QueueJournal::read(const Known& known, KeptReplay& replay, std::string& tex
   base::Handled([&] { text = files::ReadFile(known.path, 3 * kMostBytes).text; },
                 [&](const base::Failure& failure) { problem = failure.description(); });
   if (!problem.empty()) {
-    moveAside(known.path, "can't be read: " + problem);
+    // It is there for a start that can, unless something else has been played until then.
+    message_("The kept queue can't be read: " + problem);
+    older_.push_back(known.path);
+    unread_ = true;
     return false;
   }
   if (text.compare(0, kHeader.size(), kHeader) != 0) {
@@ -144,8 +149,11 @@ bool QueueJournal::read(const Known& known, KeptReplay& replay, std::string& tex
 
 std::optional<KeptQueue> QueueJournal::load() {
   std::optional<KeptQueue> kept;
-  for (const Known& each : known()) {
+  const std::vector<Known> all = known();
+  looked_ = true;
+  for (const Known& each : all) {
     number_ = std::max(number_, each.number);
+    if (unread_) break;
     if (kept) {
       older_.push_back(each.path);
       continue;
@@ -174,6 +182,13 @@ void QueueJournal::begin(const KeptQueue& queue) {
   AddFramed(text, EncodedQueue(queue));
   if (static_cast<std::int64_t>(text.size()) > kMostBytes)
     throw base::Failure(base::number::kInvalidArgument, "The list is too long");
+  if (!looked_) {  // the start couldn't
+    for (const Known& each : known()) {
+      number_ = std::max(number_, each.number);
+      older_.push_back(each.path);
+    }
+    looked_ = true;
+  }
   std::error_code ignored;
   fs::create_directories(folder_, ignored);
   const std::string path = folder_ + "/" + std::string(kName) + std::to_string(++number_);

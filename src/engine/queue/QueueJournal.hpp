@@ -24,8 +24,8 @@ class QueueJournal {
   QueueJournal(std::string folder, std::function<void(const std::string&)> message,
                files::WriteCall write = files::WriteBytes);
 
-  /// What was kept, or none; to be asked once, before anything is written. What can't be read is moved aside
-  /// and told.
+  /// What was kept, or none; to be asked once, before anything is written. What is damaged is moved aside
+  /// and told; what can't be read now is told, and stays. Throws as `files::FailOn`.
   std::optional<KeptQueue> load();
 
   /// Throws as `files::WriteAll`, or 5 for a list that is too long; then what was kept before stays as it is,
@@ -55,6 +55,8 @@ class QueueJournal {
   files::WriteCall write_;
   std::shared_ptr<files::Descriptor> file_;
   std::string path_;
+  bool looked_ = false;  ///< for what there is
+  bool unread_ = false;  ///< the newest can't be read now
   std::uint64_t number_ = 0;
   std::int64_t whole_ = 0;  ///< bytes up to the end of the whole queue
   std::int64_t size_ = 0;
