@@ -72,7 +72,7 @@ LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
   fs::create_directories(folder, ignored);
   try {
     try {
-      open(path);
+      openOrAgain(path);
     } catch (const database::Damaged&) {
       close();
       const std::string aside = MoveAside(path);
@@ -83,6 +83,15 @@ LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
     close();
     log("The library's index can't be kept in " + folder + ": " + failure.what());
     open(":memory:");
+  }
+}
+
+void LibraryStore::openOrAgain(const std::string& path) {
+  try {
+    open(path);
+  } catch (const database::Damaged&) {  // so a disk that couldn't read just once is told too
+    close();
+    open(path);
   }
 }
 

@@ -28,6 +28,7 @@ class LibraryStore {
 
  private:
   void open(const std::string& path);
+  void openOrAgain(const std::string& path);
   void close();
   std::vector<FileRecord> readAll();
 
