@@ -127,6 +127,9 @@ build release -DVANTORIX_WERROR=ON
 step "The programs are hardened"
 find build/release/bin -type f -print0 | xargs -0 tools/check-hardening.sh
 
+step "The service"
+python3 tools/try-service.py
+
 step "Benchmarks: build"
 build bench
 

@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Has systemd bring the house up whenever its owner's session is, in a sandbox.
+#
+#   packaging/service.sh install [FOLDER]   with the music in FOLDER, or the demonstration library
+#   packaging/service.sh remove             and leaves the house's own folder as it is
+#   packaging/service.sh print [FOLDER]     only shows the unit
+#
+# It brings up what ./run.sh has built, and neither builds nor installs anything itself.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+units=${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user
+name=${VANTORIX_SERVICE:-vantorix}.service
+data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
+
+# quoted WORD: as a unit's ExecStart and Environment take it.
+quoted() {
+  local word=${1//%/%%}
+  word=${word//\\/\\\\}
+  word=${word//\"/\\\"}
+  printf '"%s"' "$word"
+}
+# program WORD: the same, and no "$" is taken for a variable.
+program() {
+  local word
+  word=$(quoted "$1")
+  printf '%s' "${word//\$/\$\$}"
+}
+# path WORD: the same for a list of paths; none has to be there.
+path() {
+  local word
+  word=$(quoted "$1")
+  printf '"-%s' "${word#\"}"
+}
+
+# put MARK TEXT: the text in place of the mark in the line, whatever characters it has.
+put() {
+  [ "${line#*"$1"}" = "$line" ] || line=${line%%"$1"*}$2${line#*"$1"}
+}
+
+music=
+playlists=$data/demo-music/Playlists
+look_for_music() {
+  [ $# -gt 0 ] || return 0
+  [ -d "$1" ] || { echo "There is no music folder $1" >&2; exit 1; }
+  music=$(cd "$1" && pwd)
+  playlists=$music/Playlists
+}
+
+print() {
+  local line
+  while IFS= read -r line; do
+    put @RUN@ "$(program "$PWD/run.sh")"
+    if [ -n "$music" ]; then put @MUSIC@ "$(program "$music")"; else put " @MUSIC@" ""; fi
+    put @FOLDERS@ "$(quoted "XDG_DATA_HOME=${XDG_DATA_HOME:-$HOME/.local/share}")"
+    put @DATA@ "$(path "$data")"
+    put @PLAYLISTS@ "$(path "$playlists")"
+    printf '%s\n' "$line"
+  done <packaging/systemd/vantorix.service.in
+}
+
+case "${1:-}" in
+  print)
+    shift
+    look_for_music "$@"
+    print
+    ;;
+  install)
+    shift
+    if [ ! -x "${VANTORIX_BIN:-build/release/bin}/vantorix-standin" ]; then
+      echo "Nothing is built yet: run ./run.sh once" >&2
+      exit 1
+    fi
+    look_for_music "$@"
+    mkdir -p "$units" "$data"
+    # The demonstration library lies in the house's own folder and is made where there is none.
+    if [ -n "$music" ]; then mkdir -p "$playlists"; fi
+    chmod 700 "$data"
+    print >"$units/$name"
+    systemctl --user daemon-reload
+    systemctl --user enable --now "$name"
+    echo "The house comes up with your session. See it with: systemctl --user status $name"
+    ;;
+  remove)
+    systemctl --user disable --now "$name" 2>/dev/null || true
+    rm -f "$units/$name"
+    systemctl --user daemon-reload
+    ;;
+  *)
+    sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' packaging/service.sh
+    exit 1
+    ;;
+esac
