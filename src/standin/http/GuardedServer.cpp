@@ -63,10 +63,10 @@ void WebConnections::remove(Entry entry) {
   open_.erase(entry);
 }
 
-void WebConnections::waits(Entry entry, bool value) {
+void WebConnections::waits(Entry entry, Waits value) {
   const std::lock_guard lock(mutex_);
   entry->waits = value;
-  if (!value || owed_ == 0 || entry->ended) return;
+  if (value != Waits::kLong || owed_ == 0 || entry->ended) return;
   --owed_;
   end(*entry);
 }
@@ -88,8 +88,8 @@ void WebConnections::end(WebConnection& connection) {
 
 void WebConnections::makeRoom() {
   const std::lock_guard lock(mutex_);
-  const auto oldest =
-      std::find_if(open_.begin(), open_.end(), [](const auto& each) { return each.waits && !each.ended; });
+  const auto oldest = std::find_if(
+      open_.begin(), open_.end(), [](const auto& each) { return each.waits == Waits::kLong && !each.ended; });
   if (oldest != open_.end()) {
     end(*oldest);
   } else {
@@ -151,7 +151,7 @@ bool GuardedServer::process_and_close_socket(socket_t socket) {
 }
 
 bool GuardedServer::serve(socket_t socket, WebConnections::Entry entry) {
-  const auto waits = [&](bool value) { connections_.waits(entry, value); };
+  const auto waits = [&](Waits value) { connections_.waits(entry, value); };
   if (identity_ != nullptr && !firstIsTls(socket, waits)) return false;
   const std::unique_ptr<Channel> channel =
       identity_ != nullptr ? identity_->channel(socket) : std::make_unique<PlainChannel>(socket);
@@ -171,12 +171,11 @@ bool GuardedServer::serve(socket_t socket, WebConnections::Entry entry) {
   return good;
 }
 
-bool GuardedServer::firstIsTls(socket_t socket, const std::function<void(bool)>& waits) {
-  waits(true);
+bool GuardedServer::firstIsTls(socket_t socket, const std::function<void(Waits)>& waits) {
   char first = 0;
-  const bool said = ReadyBefore(SteadyClock::now() + limits_.whole, socket, POLLIN) &&
+  const bool said = Awaited(SteadyClock::now() + limits_.whole, limits_.brief, waits,
+                            [&](Time end) { return ReadyBefore(end, socket, POLLIN); }) &&
                     ::recv(socket, &first, 1, MSG_PEEK | MSG_DONTWAIT) == 1;
-  waits(false);
   if (!said || BeginsTls(first)) return said;
   // An address that is typed begins by plain http.
   PlainChannel plain(socket);

@@ -19,7 +19,7 @@ namespace standin {
 /// A connection of the web's that is open now.
 struct WebConnection {
   socket_t socket = INVALID_SOCKET;
-  bool waits = false;  ///< for something to read
+  Waits waits = Waits::kNot;
   bool ended = false;  ///< to make room
 };
 
@@ -30,11 +30,11 @@ class WebConnections {
 
   Entry add(socket_t socket);
   void remove(Entry entry);
-  void waits(Entry entry, bool value);
+  void waits(Entry entry, Waits value);
   [[nodiscard]] std::size_t count() const;
   [[nodiscard]] bool ending() const;
-  /// Ends the oldest one that waits for its peer. When all are at work it is the next one that begins to
-  /// wait, unless one has gone by itself before.
+  /// Ends the oldest one that waits long for its peer. Where there is none it is the next one that does,
+  /// unless one has gone by itself before. Who has only just come is heard.
   void makeRoom();
   /// Has `work` done on this thread, with the connection that it is about closed unheard.
   void shed(const std::function<void()>& work);
@@ -76,7 +76,7 @@ class GuardedServer : public httplib::Server {
   bool process_and_close_socket(socket_t socket) override;
   bool serve(socket_t socket, WebConnections::Entry entry);
   /// Looks at the first byte, and answers one that is none of TLS.
-  bool firstIsTls(socket_t socket, const std::function<void(bool)>& waits);
+  bool firstIsTls(socket_t socket, const std::function<void(Waits)>& waits);
 
   WebLimits limits_;
   std::unique_ptr<TlsIdentity> identity_;

@@ -54,7 +54,7 @@ bool ReadyBefore(std::chrono::steady_clock::time_point end, socket_t socket, sho
 }
 
 GuardedStream::GuardedStream(socket_t socket, Channel& channel, const WebLimits& limits,
-                             std::function<void(bool)> waits)
+                             std::function<void(Waits)> waits)
     : socket_(socket),
       channel_(channel),
       limits_(limits),
@@ -104,18 +104,18 @@ void GuardedStream::get_local_ip_and_port(std::string& ip, int& port) const {
 }
 
 bool GuardedStream::begin() {
-  waits_(true);
-  const bool begun = TakenBefore(end_, socket_, [&] { return channel_.begin(); }).has_value();
-  waits_(false);
-  return begun;
+  return Awaited(end_, limits_.brief, waits_, [&](Time end) {
+    return TakenBefore(end, socket_, [&] { return channel_.begin(); }).has_value();
+  });
 }
 
 bool GuardedStream::next() {
   if (refused_ || ended_ || headRead_ < head_.size() || !body_.ended()) return false;
   if (used_ == filled_ && !channel_.holds() && !ReadyBefore(SteadyClock::now(), socket_, POLLIN)) {
-    waits_(true);
-    const bool ready = ReadyBefore(SteadyClock::now() + limits_.idle, socket_, POLLIN);
-    waits_(false);
+    // Between two requests nobody is cut off, so that need not wait for anything.
+    const auto brief = answered_ ? std::chrono::milliseconds(0) : limits_.brief;
+    const bool ready = Awaited(SteadyClock::now() + limits_.idle, brief, waits_,
+                               [&](Time end) { return ReadyBefore(end, socket_, POLLIN); });
     if (!ready) return false;
   }
   end_ = SteadyClock::now() + limits_.whole;
@@ -182,9 +182,8 @@ bool GuardedStream::fill() {
   // What is here already keeps nobody waiting.
   std::optional<std::size_t> count = TakenBefore(SteadyClock::time_point(), socket_, receive);
   if (!count) {
-    waits_(true);
-    count = TakenBefore(end_, socket_, receive);
-    waits_(false);
+    count =
+        Awaited(end_, limits_.brief, waits_, [&](Time end) { return TakenBefore(end, socket_, receive); });
   }
   ended_ = !count;
   if (ended_) return false;

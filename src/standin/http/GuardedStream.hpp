@@ -1,6 +1,7 @@
 #pragma once
 #include <httplib.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
@@ -19,24 +20,46 @@ struct WebLimits {
   std::size_t connections = 96;  ///< at once; beyond that the one that has kept us waiting longest goes
   std::size_t queued = 256;      ///< that wait for a thread; one more is closed unheard
   std::size_t threads = 96;
-  std::size_t head = 64U << 10U;      ///< bytes of a request before its body
-  std::size_t body = 4U << 20U;       ///< bytes of a request's body, as sent
-  std::size_t leftOver = 32U << 20U;  ///< bytes of a refused body that are still taken, unread
-  std::chrono::seconds whole{20};     ///< for a request to be there in full
-  std::chrono::seconds idle{2};       ///< between two requests
-  std::chrono::seconds drained{5};    ///< for the rest of a refused body
-  std::chrono::seconds answered{15};  ///< for each piece of an answer to be taken
-  int requests = 100;                 ///< on one connection
+  std::size_t head = 64U << 10U;         ///< bytes of a request before its body
+  std::size_t body = 4U << 20U;          ///< bytes of a request's body, as sent
+  std::size_t leftOver = 32U << 20U;     ///< bytes of a refused body that are still taken, unread
+  std::chrono::seconds whole{20};        ///< for a request to be there in full
+  std::chrono::seconds idle{2};          ///< between two requests
+  std::chrono::milliseconds brief{500};  ///< for a peer before it is one that keeps us waiting
+  std::chrono::seconds drained{5};       ///< for the rest of a refused body
+  std::chrono::seconds answered{15};     ///< for each piece of an answer to be taken
+  int requests = 100;                    ///< on one connection
+};
+
+/// Whether something is to be read of a peer.
+enum class Waits {
+  kNot,
+  kBriefly,  ///< as for everybody
+  kLong,     ///< it keeps us waiting, or has been answered and may come again
 };
 
 /// Whether the socket is ready for one of the events, as `poll` has them, before the time is over.
 bool ReadyBefore(std::chrono::steady_clock::time_point end, socket_t socket, short events);
 
+/// What `step` gets of a peer before the end, which it is given; `waits` is told how long it takes.
+template <class Step>
+auto Awaited(std::chrono::steady_clock::time_point end, std::chrono::milliseconds brief,
+             const std::function<void(Waits)>& waits, const Step& step) {
+  waits(Waits::kBriefly);
+  auto got = step(std::min(end, std::chrono::steady_clock::now() + brief));
+  if (!got && std::chrono::steady_clock::now() < end) {
+    waits(Waits::kLong);
+    got = step(end);
+  }
+  waits(Waits::kNot);
+  return got;
+}
+
 /// One request after the other and their answers on a socket, within the limits.
 class GuardedStream : public httplib::Stream {
  public:
   /// `waits` is told when it begins and ends to wait for its peer. All must outlive it.
-  GuardedStream(socket_t socket, Channel& channel, const WebLimits& limits, std::function<void(bool)> waits);
+  GuardedStream(socket_t socket, Channel& channel, const WebLimits& limits, std::function<void(Waits)> waits);
 
   [[nodiscard]] bool is_readable() const override;
   [[nodiscard]] bool is_writable() const override;
@@ -68,7 +91,7 @@ class GuardedStream : public httplib::Stream {
   socket_t socket_;
   Channel& channel_;
   const WebLimits& limits_;
-  std::function<void(bool)> waits_;
+  std::function<void(Waits)> waits_;
   Time end_;
   std::array<char, 4096> buffer_{};
   std::size_t used_ = 0;

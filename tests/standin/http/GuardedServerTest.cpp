@@ -26,7 +26,16 @@ constexpr std::chrono::seconds kForEver = std::chrono::hours(24);
 
 class AGuardedServer : public testing::Test {
  protected:
-  AGuardedServer() {
+  AGuardedServer() : AGuardedServer(std::chrono::milliseconds(1)) {}
+  explicit AGuardedServer(std::chrono::milliseconds brief)
+      : server{standin::WebLimits{.connections = 8,
+                                  .queued = 64,
+                                  .threads = 8,
+                                  .whole = kForEver,
+                                  .idle = kForEver,
+                                  .brief = brief,
+                                  .drained = kForEver,
+                                  .answered = kForEver}} {
     server.Get("/", [](const httplib::Request&, httplib::Response& response) {
       response.set_content("here", "text/plain");
     });
@@ -52,13 +61,7 @@ class AGuardedServer : public testing::Test {
     return socket;
   }
 
-  standin::GuardedServer server{standin::WebLimits{.connections = 8,
-                                                   .queued = 64,
-                                                   .threads = 8,
-                                                   .whole = kForEver,
-                                                   .idle = kForEver,
-                                                   .drained = kForEver,
-                                                   .answered = kForEver}};
+  standin::GuardedServer server;
   int port = 0;
   std::thread thread;
   std::mutex mutex;
@@ -67,7 +70,28 @@ class AGuardedServer : public testing::Test {
   bool over = false;
 };
 
+/// To it nobody keeps it waiting for long.
+class APatientServer : public AGuardedServer {
+ protected:
+  APatientServer() : AGuardedServer(kForEver) {}
+};
+
 }  // namespace
+
+TEST_F(APatientServer, HearsEachOfMoreThanItHasRoomForWhoHaveOnlyJustCome) {
+  std::vector<std::unique_ptr<files::Descriptor>> all;
+  for (int i = 0; i < 40; ++i) all.push_back(support::ConnectionTo(port, ""));
+  const std::string request = "GET / HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n";
+  for (const auto& each : all) {
+    ASSERT_EQ(::send(each->get(), request.data(), request.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(request.size()));
+    std::string answer;
+    std::array<char, 4096> part{};
+    for (ssize_t got = 0; (got = ::recv(each->get(), part.data(), part.size(), 0)) > 0;)
+      answer.append(part.data(), static_cast<std::size_t>(got));
+    ASSERT_TRUE(answer.ends_with("here")) << answer;
+  }
+}
 
 TEST_F(AGuardedServer, AnswersBesideMoreSilentConnectionsThanItHasRoomFor) {
   std::vector<std::unique_ptr<files::Descriptor>> others;

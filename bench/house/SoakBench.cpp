@@ -1,0 +1,220 @@
+// A house that is used for ten minutes at a hundred times a household's pace: what its processes hold of
+// memory, descriptors and threads, and what its files grow to, with their slopes over the second half. Prints
+// figures; judges none.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <thread>
+#include <vector>
+
+#include "Brief.hpp"
+#include "Times.hpp"
+#include "support/RealHouse.hpp"
+#include "support/SmallMusic.hpp"
+
+namespace {
+
+using bench::Clock;
+using Json = support::RealHouse::Json;
+
+/// What is looked at, by its name.
+using Sample = std::map<std::string, double>;
+
+double FilesIn(const std::filesystem::path& folder) {
+  double bytes = 0;
+  std::error_code gone;  // a file may go while it is looked at
+  for (auto each = std::filesystem::recursive_directory_iterator(folder, gone);
+       each != std::filesystem::recursive_directory_iterator(); each.increment(gone)) {
+    if (gone) break;
+    if (each->is_regular_file(gone)) bytes += static_cast<double>(each->file_size(gone));
+  }
+  return bytes;
+}
+
+std::size_t Count(const std::filesystem::path& folder) {
+  std::error_code gone;
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder, gone), {}));
+}
+
+void Look(Sample& sample, const std::string& who, long process) {
+  const std::filesystem::path folder = "/proc/" + std::to_string(process);
+  std::ifstream rollup(folder / "smaps_rollup");
+  for (std::string line; std::getline(rollup, line);) {
+    if (line.starts_with("Private_Dirty:"))
+      sample[who + ", own memory, kB"] = std::atof(line.c_str() + sizeof("Private_Dirty:"));
+  }
+  sample[who + ", descriptors"] = static_cast<double>(Count(folder / "fd"));
+  sample[who + ", threads"] = static_cast<double>(Count(folder / "task"));
+}
+
+/// The slope by least squares.
+double SlopeOf(const std::vector<std::pair<double, double>>& points) {
+  double x = 0;
+  double y = 0;
+  for (const auto& [at, value] : points) {
+    x += at;
+    y += value;
+  }
+  const auto count = static_cast<double>(points.size());
+  x /= count;
+  y /= count;
+  double up = 0;
+  double along = 0;
+  for (const auto& [at, value] : points) {
+    up += (at - x) * (value - y);
+    along += (at - x) * (at - x);
+  }
+  return along == 0 ? 0 : up / along;
+}
+
+/// What the people of a house do, one thing after the other and again from the beginning.
+class Household {
+ public:
+  explicit Household(support::RealHouse& house)
+      : house_(house), connection_(loop_, house.busAddress()), client_(house.client()) {
+    client_.set_keep_alive(true);
+    things_ = {
+        [this] {
+          post("/api/play", {{"category", "Album"}, {"name", "Album " + std::to_string(round_ % 20)}});
+        },
+        [this] { get("/api/state"); },
+        [this] { get("/api/library?category=Album&limit=50"); },
+        [this] { get("/api/cover?album=Album%20" + std::to_string(round_ % 20) + "&size=256"); },
+        [this] {
+          post("/api/player/volume", {{"to", static_cast<int>(20 + round_ % 60)}});
+        },
+        [this] { post("/api/player/next", Json::object()); },
+        [this] {
+          post("/api/voice", {{"text", "player shuffle"}});
+        },
+        [this] {
+          post("/api/voice", {{"text", "play album Album " + std::to_string(round_ % 20)}});
+        },
+        [this] {
+          post("/api/voice", {{"text", "what is the weather like"}});
+        },
+        [this] {
+          post("/api/voice", {{"text", "player add to playlist"}});
+        },
+        [this] {
+          post("/api/playlist/undo", {{"name", "Vantorix"}});
+        },
+        [this] { get("/api/player"); },
+        [this] { get("/api/log"); },
+        [this] { get("/"); },
+        [this] {
+          connection_.proxy("org.vantorix.Host", "/host")
+              ->invoke("SaveINISetting", "Soak", "Key " + std::to_string(round_ % 500),
+                       std::to_string(round_), "soak.ini");
+        },
+        [this] {
+          connection_.proxy("org.vantorix.vxif_WMP9", "/scriptclass")->invoke("GetCategoryList", "Artist");
+        },
+        [this] {
+          post("/api/script/run", {{"name", "soak"}, {"text", "print('hello')"}});
+        },
+        [this] {  // a page is opened and closed
+          httplib::Client page = house_.client();
+          page.Get("/api/live", [](const char*, std::size_t) { return false; });
+        },
+        [this] {  // a program comes to the bus, and goes
+          bus::PollLoop loop;
+          bus::Connection other(loop, house_.busAddress());
+          other.proxy("org.vantorix.Host", "/host")->invoke("WEBLoggedInUser");
+        },
+        [this] {
+          post("/api/voice", {{"text", "player stop"}});
+        }};
+  }
+  void doNext() {
+    try {
+      things_[static_cast<std::size_t>(done_ % static_cast<long>(things_.size()))]();
+    } catch (const std::exception&) {
+      ++failed_;
+    }
+    if (++done_ % static_cast<long>(things_.size()) == 0) ++round_;
+  }
+  [[nodiscard]] long done() const { return done_; }
+  [[nodiscard]] long failed() const { return failed_; }
+  [[nodiscard]] long plugin() { return connection_.processOf("org.vantorix.vxif_WMP9"); }
+
+ private:
+  void get(const std::string& path) { count(client_.Get(path)); }
+  void post(const std::string& path, const Json& body) {
+    count(client_.Post(path, {{"Origin", house_.url()}}, body.dump(), "application/json"));
+  }
+  /// What isn't understood, nothing to undo and a script that still runs are answers, too.
+  void count(const httplib::Result& answer) {
+    if (!answer || answer->status >= 500) ++failed_;
+  }
+
+  support::RealHouse& house_;
+  bus::PollLoop loop_;
+  bus::Connection connection_;
+  httplib::Client client_;
+  std::vector<std::function<void()>> things_;
+  long done_ = 0;
+  long round_ = 0;
+  long failed_ = 0;
+};
+
+void Fill(const support::SmallMusic& music) {
+  for (int i = 0; i < 60; ++i) {
+    engine::TrackTags tags;
+    tags.title = "Song " + std::to_string(i);
+    tags.artist = "Artist " + std::to_string(i % 7);
+    tags.album = "Album " + std::to_string(i / 3);
+    tags.track = i % 3 + 1;
+    music.add("song " + std::to_string(i), 20, tags);
+  }
+}
+
+int Measure(int seconds) {
+  // Somebody in a household does something every ten seconds; here it is ten things a second.
+  constexpr std::chrono::milliseconds kPace(100);
+  const auto every = std::chrono::seconds(bench::Amount(5, 1));
+  const support::SmallMusic music(20);
+  Fill(music);
+  support::RealHouse house({.music = music.path()});
+  if (!house.startReady()) return 1;
+  Household household(house);
+  std::map<std::string, std::vector<std::pair<double, double>>> all;
+  const auto begin = Clock::now();
+  const auto end = begin + std::chrono::seconds(seconds);
+  auto look = begin;
+  const long plugin = household.plugin();
+  for (auto next = begin; Clock::now() < end; next += kPace) {
+    std::this_thread::sleep_until(next);
+    household.doNext();
+    if (Clock::now() < look) continue;
+    look += every;
+    Sample sample;
+    Look(sample, "server", house.server().id());
+    Look(sample, "plug-in", plugin);
+    sample["files of the house, kB"] = FilesIn(house.folder()) / 1024;
+    const double hours = bench::Milliseconds(Clock::now() - begin) / 3'600'000;
+    for (const auto& [what, value] : sample) all[what].emplace_back(hours, value);
+  }
+  std::printf("%ld things done in %d s, %ld failed; the plug-in is %s\n", household.done(), seconds,
+              household.failed(), household.plugin() == plugin ? "the same" : "another one");
+  for (const auto& [what, points] : all) {
+    const std::vector<std::pair<double, double>> second(
+        points.begin() + static_cast<std::ptrdiff_t>(points.size() / 2), points.end());
+    double most = 0;
+    for (const auto& [at, value] : points) most = std::max(most, value);
+    const double slope = SlopeOf(second);
+    std::printf(
+        "%-28s first %9.0f, half-way %9.0f, last %9.0f, most %9.0f; second half %+9.1f an hour, %+.2f for a "
+        "thousand things\n",
+        what.c_str(), points.front().second, second.front().second, second.back().second, most, slope,
+        slope / 36);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) { return Measure(count > 1 ? std::atoi(words[1]) : bench::Amount(600, 4)); }
