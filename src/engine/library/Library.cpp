@@ -49,6 +49,7 @@ TrackTags TagsOfAddress(const std::string& address) {
 
 Library::Library(base::Loop& loop, const Config& config, Events events)
     : shelf_(std::make_shared<Shelf>(config.dataFolder + "/pictures", config.chosenCovers)),
+      folders_(config.musicFolders),
       events_(std::move(events)),
       changeTimer_(loop.makeTimer(kChangeDelay, [this] { tellChange(); })),
       post_(loop) {
@@ -61,7 +62,8 @@ Library::Library(base::Loop& loop, const Config& config, Events events)
     if (!ours) foreign.push_back(record.path);
     return !ours;
   });
-  if (!foreign.empty()) store->apply({}, foreign);
+  base::Attempt step;  // on a full disk they go at a later start
+  if (!foreign.empty()) step([&] { store->apply({}, foreign); });
   for (const FileRecord& record : records) {
     if (record.tags.kind != MediaKind::kNone) shelf_->table.put(record.path, record.tags);
   }

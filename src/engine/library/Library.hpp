@@ -27,6 +27,8 @@ class Library : public player::MediaCollection {
   Library(base::Loop& loop, const Config& config, Events events);
 
   [[nodiscard]] const ShelfRef& shelf() const { return shelf_; }
+  /// The music folders.
+  [[nodiscard]] const std::vector<std::string>& folders() const { return folders_; }
   /// Whether it has never held any media.
   [[nodiscard]] bool empty() const { return shelf_->table.rows() == 0; }
   /// The media at a path or address: the library's own if it has it, otherwise loose with what can be learnt
@@ -57,6 +59,7 @@ class Library : public player::MediaCollection {
   void tellChange();
 
   ShelfRef shelf_;
+  std::vector<std::string> folders_;
   Events events_;
   std::unique_ptr<base::Timer> changeTimer_;
   Poster post_;

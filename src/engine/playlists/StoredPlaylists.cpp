@@ -195,7 +195,7 @@ void StoredPlaylists::look(const std::string& path, Changes& changes) {
   // in its stamp.
   base::Attempt step;
   const bool good = step([&] {
-    const files::FileText file = files::ReadFile(path, kLargest);
+    const files::FileText file = files::ReadFile(behind(path), kLargest);
     read(path, file.stamp, M3uText(file.text), changes);
   });
   if (good) {
@@ -280,7 +280,7 @@ M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
   if (!holds(playlist) || !fs::exists(playlist.path(), ignored))
     refresh();  // it may have come back, or moved
   if (!holds(playlist)) files::FailOn(playlist.path(), ENOENT);
-  files::FileText file = files::ReadFile(playlist.path(), kLargest);
+  files::FileText file = files::ReadFile(behind(playlist.path()), kLargest);
   M3uText text(std::move(file.text));
   const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
   if (foreign) {
@@ -295,7 +295,7 @@ void StoredPlaylists::save(StoredPlaylist& playlist, const std::string& text) {
   if (static_cast<std::int64_t>(text.size()) > kLargest) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist would be too large");
   }
-  playlist.stored(playlist.path(), files::WriteFile(playlist.path(), text, {.write = write_}));
+  playlist.stored(playlist.path(), files::WriteFile(behind(playlist.path()), text, {.write = write_}));
 }
 
 bool StoredPlaylists::taken(const std::string& name, const StoredPlaylist* own) const {

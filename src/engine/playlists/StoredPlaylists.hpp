@@ -9,6 +9,7 @@
 
 #include "base/Loop.hpp"
 #include "engine/library/Library.hpp"
+#include "engine/playlists/PlaylistLink.hpp"
 #include "engine/playlists/StoredPlaylist.hpp"
 #include "files/WriteFile.hpp"
 #include "player/WMP9.hpp"
@@ -16,7 +17,8 @@
 namespace engine {
 
 /// The playlists of a folder, one file each. Every change is on the disk when its call returns; what others
-/// change in the folder is noticed within seconds and at the next question.
+/// change in the folder is noticed within seconds and at the next question. A link there is followed to a
+/// file in the folder or the music's folders, and is told otherwise.
 class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeeper {
  public:
   struct Events {
@@ -72,6 +74,11 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   /// The same without telling.
   Changes lookAround();
   void tell(const Changes& changes);
+  /// The file to read and write; a link may lead to one in the folders of playlists and music. Throws as
+  /// `FileBehind`.
+  [[nodiscard]] std::string behind(const std::string& path) const {
+    return FileBehind(path, folder_, library_.folders());
+  }
   /// The playlist files of the folder; none when it can't be told now.
   std::optional<std::vector<std::string>> files();
   /// Files that are no longer among `present` are lost: whoever holds such a playlist can't change it until

@@ -145,23 +145,58 @@ TEST_F(ForeignPlaylists, AFileMeantByItsOlderEncodingIsFound) {
   EXPECT_THAT(Addresses(*list), ElementsAre(playlists.path("../café.mp3"), HasSubstr("gone%E9.mp3")));
 }
 
-TEST_F(ForeignPlaylists, ALinkStaysALinkAndItsFileIsWritten) {
+TEST(LinkedPlaylists, ALinkIntoTheMusicStaysALinkAndItsFileIsWritten) {
+  const support::TempFolder root;
+  for (const std::string folder : {"music", "playlists/kept"}) {
+    PlaylistFolder playlists(root.path(), files::WriteBytes, {root.path() / "music"});
+    const std::string target = root.path() / folder / "real.m3u8";
+    WriteText(target, "#EXTM3U\n#PLAYLIST:Linked\nhttp://x/1\n");
+    fs::create_directories(playlists.folder);
+    fs::create_symlink("../" + folder + "/real.m3u8", playlists.path("L.m3u8"));
+    auto list = playlists.named("Linked");
+    ASSERT_NE(list, nullptr);
+    list->appendItem(playlists.media("http://x/2"));
+    EXPECT_TRUE(fs::is_symlink(playlists.path("L.m3u8")));
+    EXPECT_THAT(ItemsOf(FileContent(target)), SizeIs(2));
+    list->name("Named anew");
+    EXPECT_TRUE(fs::is_symlink(playlists.path("Named anew.m3u8")));
+    EXPECT_FALSE(fs::exists(playlists.path("L.m3u8")));
+    EXPECT_EQ(M3uText(FileContent(target)).name(), "Named anew");
+    playlists.lists.remove(list);
+    EXPECT_THAT(playlists.names(), IsEmpty());
+    EXPECT_THAT(ItemsOf(FileContent(target)), SizeIs(2));
+  }
+}
+
+TEST_F(ForeignPlaylists, ALinkThatLeadsOutIsToldOnceAndNeitherReadNorWritten) {
+  const std::string text = "#EXTM3U\n#PLAYLIST:Linked\nhttp://x/1\n";
+  for (const std::string target : {"elsewhere/real.m3u8", "playlists-of-another/real.m3u8"}) {
+    WriteText(root.path() / target, text);
+    fs::create_directories(playlists.folder);
+    fs::create_symlink("../" + target, playlists.path("L.m3u8"));
+    EXPECT_THAT(playlists.names(), IsEmpty());
+    EXPECT_THAT(playlists.names(), IsEmpty());
+    EXPECT_THAT(playlists.messages,
+                ElementsAre(HasSubstr("leads out of the folders of playlists and music")));
+    EXPECT_EQ(FileContent(root.path() / target), text);
+    fs::remove(playlists.path("L.m3u8"));
+    playlists.names();
+    playlists.messages.clear();
+  }
+}
+
+TEST_F(ForeignPlaylists, AFileThatBecomesALinkLeadingOutIsNotWritten) {
+  auto list = playlists.make("L", {"http://x/1"});
   const std::string target = root.path() / "elsewhere/real.m3u8";
-  WriteText(target, "#EXTM3U\n#PLAYLIST:Linked\nhttp://x/1\n");
-  fs::create_directories(playlists.folder);
-  fs::create_symlink("../elsewhere/real.m3u8", playlists.path("L.m3u8"));
-  auto list = playlists.named("Linked");
-  ASSERT_NE(list, nullptr);
-  list->appendItem(playlists.media("http://x/2"));
-  EXPECT_TRUE(fs::is_symlink(playlists.path("L.m3u8")));
-  EXPECT_THAT(ItemsOf(FileContent(target)), SizeIs(2));
-  list->name("Named anew");
-  EXPECT_TRUE(fs::is_symlink(playlists.path("Named anew.m3u8")));
-  EXPECT_FALSE(fs::exists(playlists.path("L.m3u8")));
-  EXPECT_EQ(M3uText(FileContent(target)).name(), "Named anew");
-  playlists.lists.remove(list);
-  EXPECT_THAT(playlists.names(), IsEmpty());
-  EXPECT_THAT(ItemsOf(FileContent(target)), SizeIs(2));
+  const std::string text = playlists.content("L.m3u8");
+  WriteText(target, text);
+  fs::remove(playlists.path("L.m3u8"));
+  fs::create_symlink(target, playlists.path("L.m3u8"));
+  EXPECT_EQ(FailureOf([&] { list->appendItem(playlists.media("http://x/2")); }),
+            base::number::kPermissionDenied);
+  EXPECT_EQ(FailureOf([&] { list->name("Another"); }), base::number::kPermissionDenied);
+  EXPECT_THAT(Addresses(*list), ElementsAre("http://x/1"));
+  EXPECT_EQ(FileContent(target), text);
 }
 
 TEST_F(ForeignPlaylists, AFilesModeStaysAsItWas) {

@@ -37,7 +37,7 @@ TEST_F(Leftovers, AtTheStartThePlaylistFolderIsCleared) {
   WriteText(path("elsewhere/.vantorix-0123456789abcdef.part"), "x");
   WriteText(path("playlists/.vantorix-0123456789abcdef.part"), "x");
   fs::create_symlink(target, path("playlists/L.m3u8"));
-  const PlaylistFolder playlists(root.path());
+  const PlaylistFolder playlists(root.path(), files::WriteBytes, {path("elsewhere")});
   EXPECT_TRUE(cleared(root.path() / "playlists"));
   EXPECT_TRUE(cleared(root.path() / "elsewhere"));
 }

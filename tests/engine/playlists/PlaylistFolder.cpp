@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "base/Attempt.hpp"
 #include "engine/common/Config.hpp"
@@ -10,8 +11,9 @@
 namespace engine::testing {
 namespace {
 
-Config LibraryIn(const std::string& root) {
+Config LibraryIn(const std::string& root, std::vector<std::string> musicFolders) {
   Config config;
+  config.musicFolders = std::move(musicFolders);
   config.dataFolder = root + "/data";
   return config;
 }
@@ -43,9 +45,10 @@ std::vector<std::string> Addresses(player::Playlist& list) {
   return addresses;
 }
 
-PlaylistFolder::PlaylistFolder(const std::string& root, files::WriteCall write)
+PlaylistFolder::PlaylistFolder(const std::string& root, files::WriteCall write,
+                               std::vector<std::string> musicFolders)
     : folder(root + "/playlists"),
-      library(loop, LibraryIn(root), {[] {}, [](const std::string&) {}, [] {}}),
+      library(loop, LibraryIn(root, std::move(musicFolders)), {[] {}, [](const std::string&) {}, [] {}}),
       lists(loop, folder, library,
             {[this] { ++changes; }, [this] { ++contents; },
              [this](const std::string& line) { messages.push_back(line); }},

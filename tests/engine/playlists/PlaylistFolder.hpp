@@ -23,7 +23,8 @@ std::vector<std::string> Addresses(player::Playlist& list);
 class PlaylistFolder {
  public:
   /// `root` also takes the library's data; the playlists lie in `root`/playlists.
-  explicit PlaylistFolder(const std::string& root, files::WriteCall write = files::WriteBytes);
+  explicit PlaylistFolder(const std::string& root, files::WriteCall write = files::WriteBytes,
+                          std::vector<std::string> musicFolders = {});
 
   [[nodiscard]] player::MediaRef media(const std::string& address) const { return library.mediaAt(address); }
   /// The playlist of that name; nothing without one.
