@@ -1,15 +1,38 @@
 #include "database/Database.hpp"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <utility>
 
 namespace database {
 
+namespace {
+
+/// A file that is its owner's alone, whatever the process gives others; those beside it follow it.
+void KeepForOwner(const std::string& path) {
+  const int made = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (made >= 0) {
+    ::close(made);
+    return;
+  }
+  for (const char* ending : {"", "-wal", "-shm"}) {  // of a version that gave them to all
+    struct stat info {};
+    const std::string file = path + ending;
+    if (::stat(file.c_str(), &info) == 0 && (info.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+      static_cast<void>(::chmod(file.c_str(), S_IRUSR | S_IWUSR) == 0);
+  }
+}
+
+}  // namespace
+
 void Database::Close::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 Database::Database(const std::string& path, std::string name) : name_(std::move(name)) {
+  if (path != ":memory:") KeepForOwner(path);
   sqlite3* handle = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &handle,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);

@@ -17,9 +17,10 @@ class Damaged : public base::Failure {
   using Failure::Failure;
 };
 
-/// A database file, opened or made (":memory:" for none), for one thread at a time. Statements are committed
-/// one by one, unless inside a `Transaction`; what is committed survives the end of the process at any
-/// moment. Failures throw: 61 for a full disk, `Damaged` where the file is to blame, 57 otherwise.
+/// A database file, opened or made (":memory:" for none), its owner's alone, for one thread at a time.
+/// Statements are committed one by one, unless inside a `Transaction`; what is committed survives the end of
+/// the process at any moment. Failures throw: 61 for a full disk, `Damaged` where the file is to blame, 57
+/// otherwise.
 class Database {
  public:
   /// `name` begins the texts of its failures.

@@ -172,16 +172,19 @@ bool MoveFile(const std::string& from, const std::string& to) {
   return true;
 }
 
-void MakeFolder(const std::string& folder) {
+void MakeFolder(const std::string& folder, mode_t mode) {
   std::error_code failed;
-  std::vector<std::string> into;
+  std::vector<std::string> missing;
   for (fs::path made = folder; !made.empty() && !fs::exists(made, failed); made = made.parent_path()) {
-    into.push_back(FolderOf(made.string()));
+    missing.push_back(made.string());
     if (made == made.parent_path()) break;
   }
-  fs::create_directories(folder, failed);
-  if (failed) throw FileFailure(failed.value(), folder, "Can't make the folder ");
-  for (const std::string& parent : into) SyncFolder(parent);
+  for (auto made = missing.rbegin(); made != missing.rend(); ++made) {
+    if (::mkdir(made->c_str(), mode) != 0 && errno != EEXIST)
+      throw FileFailure(errno, folder, "Can't make the folder ");
+  }
+  if (!fs::is_directory(folder, failed)) throw FileFailure(ENOTDIR, folder, "Can't make the folder ");
+  for (const std::string& made : missing) SyncFolder(FolderOf(made));
 }
 
 void RemoveFile(const std::string& path) {

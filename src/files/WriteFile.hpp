@@ -18,6 +18,8 @@ ssize_t WriteBytes(int file, const void* bytes, std::size_t size);
 /// What a new file may be: the process's mask applies to the first.
 constexpr mode_t kForAll = 0666;
 constexpr mode_t kForOwner = 0600;
+constexpr mode_t kFolderForAll = 0777;
+constexpr mode_t kFolderForOwner = 0700;
 
 struct WriteHow {
   mode_t mode = kForAll;  ///< of a file that is not there yet
@@ -42,7 +44,7 @@ bool MoveFile(const std::string& from, const std::string& to);
 
 /// Makes a folder, and those it lies in, unless they are there; then they are on the disk. Throws as
 /// `FailOn`.
-void MakeFolder(const std::string& folder);
+void MakeFolder(const std::string& folder, mode_t mode = kFolderForAll);
 
 /// Removes a file, which may have gone already. Throws as `FailOn`.
 void RemoveFile(const std::string& path);

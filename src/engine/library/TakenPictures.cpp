@@ -66,8 +66,8 @@ std::string TakenPictures::keep(const std::string& picture) {
   std::snprintf(name.data(), name.size(), "%016zx", std::hash<std::string>{}(picture));
   std::string path = folder_ + '/' + name.data() + Ending(picture);
   if (isThere(path)) return path;
-  fs::create_directories(folder_);
-  files::WriteFile(path, picture);
+  files::MakeFolder(folder_, files::kFolderForOwner);
+  files::WriteFile(path, picture, {.mode = files::kForOwner});
   if (bytes_ >= 0) bytes_ += static_cast<std::int64_t>(picture.size());
   if (bytes_ < 0 || bytes_ > mostBytes_) makeRoom(path);
   return path;

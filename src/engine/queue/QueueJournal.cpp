@@ -189,8 +189,7 @@ void QueueJournal::begin(const KeptQueue& queue) {
     }
     looked_ = true;
   }
-  std::error_code ignored;
-  fs::create_directories(folder_, ignored);
+  files::MakeFolder(folder_, files::kFolderForOwner);
   const std::string path = folder_ + "/" + std::string(kName) + std::to_string(++number_);
   auto file = std::make_shared<files::Descriptor>(
       ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_APPEND | O_CLOEXEC, files::kForOwner));

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "files/WriteFile.hpp"
+
 namespace engine {
 namespace {
 
@@ -68,9 +70,8 @@ std::string MoveAside(const std::string& path) {
 
 LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
   const std::string path = folder + "/library.db";
-  std::error_code ignored;
-  fs::create_directories(folder, ignored);
   try {
+    files::MakeFolder(folder, files::kFolderForOwner);
     try {
       openOrAgain(path);
     } catch (const database::Damaged&) {

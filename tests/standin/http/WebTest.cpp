@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <memory>
+#include <set>
 
 #include "standin/http/WebOfServer.hpp"
 
@@ -183,12 +184,14 @@ TEST_F(Web, WhatABrowserHasAlreadyIsNotSentAgain) {
 }
 
 TEST_F(Web, TheHousesFilesAreTheUsersOwn) {
-  for (const char* name : {"house.db", "config/settings.journal"}) {
-    const auto permissions = std::filesystem::status(data / name).permissions();
-    EXPECT_EQ(permissions & (std::filesystem::perms::group_all | std::filesystem::perms::others_all),
-              std::filesystem::perms::none)
-        << name;
+  constexpr auto kOthers = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(data)) {
+    names.insert(entry.path().filename());
+    EXPECT_EQ(entry.symlink_status().permissions() & kOthers, std::filesystem::perms::none) << entry.path();
   }
+  for (const char* name : {"house.db", "config", "settings.journal", "address", "html"})
+    EXPECT_TRUE(names.contains(name)) << name;
 }
 
 TEST_F(Web, ARequestWithoutEndIsCutOff) {
