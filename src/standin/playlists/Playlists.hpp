@@ -61,7 +61,7 @@ class Playlists {
   void watch(const std::string& page, const std::string& name);
 
  private:
-  static constexpr base::Milliseconds kLookInterval = std::chrono::milliseconds(1200);
+  static constexpr base::Milliseconds kLookInterval = std::chrono::milliseconds(600);
   static constexpr base::Milliseconds kGood = std::chrono::seconds(4);  ///< unless somebody watches it
   static constexpr std::size_t kListsKept = 12;  ///< besides those that somebody watches
 

@@ -61,9 +61,9 @@ void Playlists::lookAtNames(PlayerLists& lists) {
   const base::Value all = lists.script().invoke("GetCategoryList", "PlayList");
   for (const base::Value& each : all.array()) names.push_back(base::ToText(each));
   if (names == listed_) return;
-  const bool first = !listed_;
+  // At the first look, too: what has been shown may have been read before it.
   listed_ = std::move(names);
-  if (!first) tellCollection();
+  tellCollection();
 }
 
 void Playlists::lookAt(PlayerLists& lists, const std::string& name) {
