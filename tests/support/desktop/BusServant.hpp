@@ -2,6 +2,7 @@
 #include <systemd/sd-bus.h>
 
 #include <atomic>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -19,14 +20,17 @@ class BusServant {
 
  protected:
   BusServant() = default;
-  /// Takes `name` and serves what `table` says at `path`; the table's functions are given `self`.
-  void serve(const std::string& busAddress, const char* name, const char* path, const char* interface,
-             const sd_bus_vtable* table, void* self) {
+  /// Takes `name` and serves what `table` says at `path`; the table's functions are given `self`. `further`
+  /// serves more, before anybody knows the name.
+  void serve(
+      const std::string& busAddress, const char* name, const char* path, const char* interface,
+      const sd_bus_vtable* table, void* self, const std::function<void()>& further = [] {}) {
     check(sd_bus_new(&bus_));
     check(sd_bus_set_address(bus_, busAddress.c_str()));
     check(sd_bus_set_bus_client(bus_, 1));
     check(sd_bus_start(bus_));
     check(sd_bus_add_object_vtable(bus_, nullptr, path, interface, table, self));
+    further();
     check(sd_bus_request_name(bus_, name, 0));
     thread_ = std::thread([this] { run(); });
   }
