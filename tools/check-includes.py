@@ -62,7 +62,8 @@ MAY_INCLUDE = {
     "standin/calendar": "standin/events",
     "standin/eventrun": "base standin/calendar standin/events standin/house",
     "standin/voice": "base bus standin/house",
-    "standin/ear": "bus ear files",
+    "standin/process": "bus files",
+    "standin/ear": "bus ear standin/process",
     "standin/hostobjects": "base bus standin/house standin/voice",
     "standin/player": "base bus standin/hostobjects standin/house standin/text",
     "standin/covers": "base bus files pictures standin/house standin/player",
@@ -73,7 +74,7 @@ MAY_INCLUDE = {
     "standin/scripts": "base bus files standin/house standin/player",
     "standin/eventworld": "base standin/eventrun standin/house standin/player standin/scripts standin/voice",
     "standin/hearing": "base bus ear standin/ear standin/grammar standin/hostobjects standin/house standin/player standin/voice",
-    "standin/room": "base bus ear standin/ear standin/hearing standin/house standin/voice",
+    "standin/room": "base bus ear standin/hearing standin/house standin/process standin/voice",
     "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/grammar standin/hearing standin/hostobjects "
                       "standin/house standin/player standin/playlists standin/room standin/rules standin/scripts standin/text standin/voice",
     "standin/http": "base files standin/house standin/pages standin/player standin/routes",

@@ -9,7 +9,7 @@
 
 #include "bus/PollLoop.hpp"
 #include "ear/Messages.hpp"
-#include "standin/ear/ChildProgram.hpp"
+#include "standin/process/ChildProgram.hpp"
 
 namespace standin {
 

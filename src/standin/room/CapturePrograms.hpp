@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/ear/ChildProgram.hpp"
+#include "standin/process/ChildProgram.hpp"
 
 namespace standin {
 

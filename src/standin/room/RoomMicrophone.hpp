@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "bus/PollLoop.hpp"
-#include "standin/ear/ChildProgram.hpp"
 #include "standin/hearing/VoiceCommands.hpp"
 #include "standin/house/House.hpp"
+#include "standin/process/ChildProgram.hpp"
 #include "standin/room/CapturePrograms.hpp"
 #include "standin/room/EnergyGate.hpp"
 #include "standin/room/SourceCheck.hpp"

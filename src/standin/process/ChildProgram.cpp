@@ -1,4 +1,4 @@
-#include "standin/ear/ChildProgram.hpp"
+#include "standin/process/ChildProgram.hpp"
 
 #include <fcntl.h>
 #include <poll.h>
