@@ -120,11 +120,12 @@ int Serve(const Options& options) {
   {
     ScriptLimits limits;
     limits.computing = std::chrono::seconds(options.scriptSeconds);
-    ScriptRunner runner(loop, connection, house, plugin, host, limits);
+    const auto programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    ScriptRunner runner(loop, connection, house, plugin, host,
+                        {.program = programs / "vantorix-script", .limits = limits});
     HouseEvents events(
         {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});
-    EarProcess recogniser(
-        loop, {.program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vantorix-ear"});
+    EarProcess recogniser(loop, {.program = programs / "vantorix-ear"});
     WorkerThread worker(loop);
     VoiceCommands voiceCommands({loop, house, objects, plugin, library, speech, recogniser, &worker});
     Utterances utterances(loop, voiceCommands);

@@ -26,7 +26,8 @@ struct Stage {
   bus::Connection connection{loop, bus.address()};
   standin::House house{folder.path() / "data"};
   standin::PluginKeeper plugin{loop, connection, house, nullptr};
-  standin::ScriptRunner runner{loop, connection, house, plugin, std::make_shared<Quick>(), {}};
+  standin::ScriptRunner runner{
+      loop, connection, house, plugin, std::make_shared<Quick>(), {.program = SCRIPT_PROGRAM}};
 
   std::string run(const std::string& text) {
     runner.start("bench", text);

@@ -77,11 +77,10 @@ void ScriptTurns::next() {
       continue;
     }
     running_ = turn;
-    if (!runner_.start(turn->name, *text)) {  // somebody was quicker
+    if (const std::string refused = runner_.start(turn->name, *text); !refused.empty()) {
       running_ = nullptr;
-      waiting_.push_front(turn);
-      turn->patience->enabled(true);
-      return;
+      const EventWorld::Done told = std::move(turn->done);
+      told(refused);
     }
   }
 }

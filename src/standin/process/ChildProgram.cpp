@@ -58,12 +58,14 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 /// Some of what there is to be read now, as one who writes without a pause would hold the loop; false once
 /// the other side has gone.
 bool ReadInto(int descriptor, std::string& text) {
-  std::array<char, 65536> part{};
+  std::array<char, 65536> part;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into
   for (std::size_t all = 0; all < kMostAtOnce;) {
     const ssize_t got = ::recv(descriptor, part.data(), part.size(), MSG_DONTWAIT);
     if (got > 0) {
-      text.append(part.data(), static_cast<std::size_t>(got));
-      all += static_cast<std::size_t>(got);
+      const auto some = static_cast<std::size_t>(got);
+      text.append(part.data(), some);
+      all += some;
+      if (some < part.size()) return true;  // that was all; the next look tells of an end
     } else if (got == 0 || (errno != EINTR)) {
       return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
     }
@@ -71,25 +73,29 @@ bool ReadInto(int descriptor, std::string& text) {
   return true;
 }
 
-bool HasEnded(pid_t process, int how) {
+/// How it has ended; nothing where it hasn't.
+std::optional<int> EndOf(pid_t process, int how) {
+  int status = 0;
   while (true) {
-    const pid_t ended = ::waitpid(process, nullptr, how);
-    if (ended >= 0 || errno != EINTR) return ended != 0;
+    const pid_t ended = ::waitpid(process, &status, how);
+    if (ended == 0) return std::nullopt;
+    if (ended > 0 || errno != EINTR) return status;
   }
 }
 
 /// A process that was told to end is gone in a moment, but for one that a driver of the system's holds: that
 /// one is waited for elsewhere.
-void Bury(pid_t process) {
+std::optional<int> Bury(pid_t process) {
   constexpr int kMoments = 10;
   for (int i = 0; i < kMoments; ++i) {
-    if (HasEnded(process, WNOHANG)) return;
+    if (const auto status = EndOf(process, WNOHANG)) return status;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   try {
-    std::thread([process] { HasEnded(process, 0); }).detach();
+    std::thread([process] { EndOf(process, 0); }).detach();
   } catch (const std::system_error&) {  // nobody is hurt by a process that has ended and wasn't asked why
   }
+  return std::nullopt;
 }
 
 /// The end of what a process has complained of, which tells most.
@@ -148,10 +154,10 @@ void ChildProgram::start(const Command& command) {
   inWatch_ = loop_.watch(in_.get(), 0, [this](short) { write(); });
 }
 
-void ChildProgram::kill() {
-  if (process_ <= 0) return;
-  ::kill(process_, SIGKILL);
-  Bury(std::exchange(process_, -1));
+std::optional<int> ChildProgram::kill() {
+  if (process_ <= 0) return std::nullopt;
+  ::kill(process_, SIGKILL);  // which changes nothing for one that has ended
+  return Bury(std::exchange(process_, -1));
 }
 
 void ChildProgram::endSoon(std::string why) {
@@ -159,7 +165,8 @@ void ChildProgram::endSoon(std::string why) {
   outWatch_.reset();
   errorWatch_.reset();
   inWatch_.reset();
-  kill();
+  const std::optional<int> status = kill();
+  if (status && WIFSIGNALED(*status)) signal_ = WTERMSIG(*status);
   why = Shortened(std::move(why));
   while (why.ends_with('\n')) why.pop_back();
   if (why.empty()) why = "It has ended";
@@ -188,24 +195,25 @@ void ChildProgram::hear() {
 void ChildProgram::send(std::string message) {
   if (ended_ || message.empty()) return;
   toSend_.push_back(std::move(message));
-  inWatch_->events(POLLOUT);
+  if (toSend_.size() == 1) write();
 }
 
-/// A piece in each turn of the loop: a network may have some hundred MiB.
+/// A piece now and in each turn of the loop: a network may have some hundred MiB.
 void ChildProgram::write() {
   const std::string& message = toSend_.front();
   const std::size_t size = std::min(message.size() - sent_, kMostAtOnce);
   const ssize_t sent = ::send(in_.get(), message.data() + sent_, size, MSG_NOSIGNAL | MSG_DONTWAIT);
   if (sent < 0) {
     const bool later = errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK;
-    if (!later) inWatch_->events(0);  // it has gone, which is heard at the other end
+    inWatch_->events(later ? POLLOUT : 0);  // where it has gone, that is heard at the other end
     return;
   }
   sent_ += static_cast<std::size_t>(sent);
-  if (sent_ < message.size()) return;
-  toSend_.pop_front();
-  sent_ = 0;
-  if (toSend_.empty()) inWatch_->events(0);
+  if (sent_ == message.size()) {
+    toSend_.pop_front();
+    sent_ = 0;
+  }
+  inWatch_->events(toSend_.empty() ? 0 : POLLOUT);
 }
 
 }  // namespace standin

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ class ChildProgram {
   /// Ends the process; `Told::end` follows soon, with this text.
   void endSoon(std::string why);
   [[nodiscard]] bool ended() const { return ended_; }
+  /// Which one has ended it; 0 where it has ended by itself, or where that isn't known.
+  [[nodiscard]] int signal() const { return signal_; }
   [[nodiscard]] pid_t process() const { return process_; }
 
  private:
@@ -53,7 +56,8 @@ class ChildProgram {
   void hear();
   void hearErrors();
   void write();
-  void kill();
+  /// How it has ended, where that is known already.
+  std::optional<int> kill();
 
   bus::PollLoop& loop_;
   Told told_;
@@ -66,6 +70,7 @@ class ChildProgram {
   std::deque<std::string> toSend_;
   std::size_t sent_ = 0;  ///< of the first of them
   bool ended_ = false;
+  int signal_ = 0;
   std::unique_ptr<bus::PollLoop::Watch> outWatch_;
   std::unique_ptr<bus::PollLoop::Watch> errorWatch_;
   std::unique_ptr<bus::PollLoop::Watch> inWatch_;

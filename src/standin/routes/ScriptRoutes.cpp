@@ -35,7 +35,7 @@ WebAnswer Run(const ScriptStore& store, ScriptRunner& runner, const WebCall& cal
       call.json.contains("text") ? std::optional(call.json.at("text").get<std::string>()) : store.read(name);
   if (!text) return Refusal(404, "There is no such script");
   if (text->size() > kLongestScript) return Refusal(413, "The script is too long");
-  if (!runner.start(name, *text)) return Refusal(409, "A script is running; stop it first");
+  if (const std::string refused = runner.start(name, *text); !refused.empty()) return Refusal(409, refused);
   return Told({{"run", runner.number()}});
 }
 

@@ -5,9 +5,12 @@
 
 #include "base/Members.hpp"
 #include "base/Text.hpp"
+#include "scripting/ScriptHouse.hpp"
 
 namespace standin {
 namespace {
+
+using scripting::ScriptHandle;
 
 constexpr std::size_t kMostObjects = 100000;
 
@@ -43,10 +46,22 @@ std::set<std::string> FieldsIn(const std::string& text) {
 
 ScriptObjects::ScriptObjects(bus::PollLoop& loop, bus::Connection& connection, PluginKeeper& plugin,
                              base::ObjectRef host, const PluginKeeper::Address& address)
-    : loop_(loop), connection_(connection), plugin_(plugin) {
-  objects_[kScriptClassHandle] = connection.proxy(address.name, "/scriptclass");
-  objects_[kVxifHandle] = connection.proxy(address.name, address.path);
-  objects_[kHostHandle] = std::move(host);
+    : loop_(loop), connection_(connection), plugin_(plugin), host_(std::move(host)) {
+  objects_[scripting::kScriptClassHandle] = connection.proxy(address.name, "/scriptclass");
+  objects_[scripting::kVxifHandle] = connection.proxy(address.name, address.path);
+  objects_[scripting::kHostHandle] = host_;
+}
+
+std::optional<double> ScriptObjects::waitIn(const scripting::Ask& ask) const {
+  if (ask.kind != scripting::MessageKind::kCall || ask.args.size() != 1) return std::nullopt;
+  if (base::LowerCase(ask.name) != "waitsecs") return std::nullopt;
+  const auto found = objects_.find(ask.object);
+  if (found == objects_.end() || found->second != host_) return std::nullopt;
+  try {
+    return base::ToInt16(ask.args[0]);
+  } catch (const base::Failure&) {
+    return std::nullopt;  // the host says so itself
+  }
 }
 
 base::Value ScriptObjects::unwrapped(const base::Value& value) const {
@@ -78,7 +93,7 @@ base::Value ScriptObjects::wrapped(const base::Value& value) {
 
 void ScriptObjects::with(std::int32_t handle, Work work, Done done) {
   const auto found = objects_.find(handle);
-  if (found == objects_.end()) {
+  if (found == objects_.end() || !found->second) {
     const base::Failure missing(base::number::kObjectMissing);
     done({}, &missing);
     return;
@@ -90,6 +105,7 @@ void ScriptObjects::with(std::int32_t handle, Work work, Done done) {
   const auto answer = std::make_shared<Answer>();
   const auto attempt = [this, answer, object = found->second, work = std::move(work)] {
     try {
+      if (closed_) throw base::Failure(base::number::kHostGone, "The script has ended");
       answer->result = wrapped(work(*object));
     } catch (...) {
       answer->failure = base::CurrentFailure();

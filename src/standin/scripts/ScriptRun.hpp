@@ -1,84 +1,85 @@
 #pragma once
-#include <atomic>
 #include <chrono>
-#include <condition_variable>
+#include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
+#include <string_view>
 
-#include "standin/house/LoopGate.hpp"
-#include "standin/scripts/LuaScript.hpp"
+#include "scripting/Messages.hpp"
+#include "standin/process/ChildProgram.hpp"
 #include "standin/scripts/ScriptObjects.hpp"
 
 namespace standin {
 
 /// How long a script may go on: `computing` without the time in which it waits for the house, `whole` in all.
+/// Its process sees to that itself and names the line; `grace` later it is ended in the midst of a step.
 struct ScriptLimits {
   std::chrono::milliseconds computing = std::chrono::seconds(30);
   std::chrono::milliseconds whole = std::chrono::minutes(10);
+  std::chrono::milliseconds grace = std::chrono::seconds(2);
   std::size_t output = std::size_t{256} << 10U;
+  std::size_t memory = std::size_t{64} << 20U;
 };
 
-/// One run of a script: what its thread and the loop both know of it. The thread reaches the house through a
-/// gate, so that the loop goes on whatever the script does.
-class ScriptRun : public ScriptHouse {
+/// One run of a script, in a process of its own, which asks for what it needs of the house. What comes from
+/// there is trusted in nothing: a process that tells anything but what is awaited is ended. All use is on the
+/// loop's thread, and nothing waits for the process.
+class ScriptRun {
  public:
-  ScriptRun(std::string name, base::Loop& loop, const std::shared_ptr<ScriptObjects>& objects,
-            ScriptLimits limits);
+  struct Parts {
+    bus::PollLoop& loop;
+    std::shared_ptr<ScriptObjects> objects;
+    std::filesystem::path program;
+    ScriptLimits limits;
+  };
+  /// `ended` is called once, on a later turn of the loop, but not after the destructor.
+  ScriptRun(const Parts& parts, std::string name, std::string text, std::function<void()> ended);
 
-  base::Value call(std::int32_t object, const std::string& name, base::Args args) override;
-  base::Value get(std::int32_t object, const std::string& name) override;
-  void put(std::int32_t object, const std::string& name, const base::Value& value) override;
-  bool isField(std::int32_t object, const std::string& name) override;
-  void sleep(double seconds) override;
-  void print(std::string_view text) override;
-  const char* endReason() override;
-
-  /// On the script's thread: runs the text to its end, then calls `ended` unless the run was abandoned.
-  void run(const std::string& text, const std::function<void()>& ended);
-
-  /// On the loop's thread.
+  /// Ends the process.
   void stop();
-  /// True when it should have ended `grace` ago and goes on nevertheless.
-  [[nodiscard]] bool overdue(std::chrono::milliseconds grace);
-  /// Nobody waits for the end of it any longer. False when it has ended already.
-  bool abandon();
-  /// Waits for the end; false when the limit passes before it.
-  bool waitForEnd(std::chrono::milliseconds limit);
 
   struct Report {
     std::string name;
     bool running = false;
     std::string output;    ///< from the place asked for
     std::size_t next = 0;  ///< where the next report goes on
-    ScriptOutcome outcome;
+    scripting::ScriptOutcome outcome;
   };
-  [[nodiscard]] Report report(std::size_t from);
+  [[nodiscard]] Report report(std::size_t from) const;
   [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] pid_t process() const { return child_.process(); }
 
  private:
-  using Clock = std::chrono::steady_clock;
-  using Work = std::function<base::Value(ScriptObjects& objects, base::Object& object)>;
-  base::Value ask(std::int32_t object, Work work);
-  const char* reasonAt(Clock::time_point now);
+  /// Why its process has ended: by what has ended it, or else by what was told of it.
+  [[nodiscard]] std::string reasonOf(const std::string& why) const;
+  void come(std::string& come);
+  /// Whether that was awaited.
+  bool hear(const scripting::Message& message);
+  bool hearAsk(const scripting::Message& message);
+  void carryOut(const scripting::Ask& ask);
+  void sleep(double seconds);
+  void answer(const base::Value& value, const base::Failure* failure);
+  /// Looks whether it has computed for too long.
+  void watch();
+  void end(scripting::ScriptOutcome outcome);
 
   const std::string name_;
-  const std::weak_ptr<ScriptObjects> objects_;  // they end on the loop's thread
+  bus::PollLoop& loop_;
+  std::shared_ptr<ScriptObjects> objects_;
   const ScriptLimits limits_;
-  LoopGate gate_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
+  std::function<void()> told_;
   std::string output_;
-  bool cut_ = false;
-  bool stopped_ = false;
+  bool waiting_ = false;  ///< the process, for the house
   bool ended_ = false;
-  bool abandoned_ = false;
-  bool waiting_ = false;  ///< for the house
-  Clock::time_point begun_ = Clock::now();
-  Clock::duration waited_{0};
-  Clock::time_point stoppedAt_;
-  ScriptOutcome outcome_;
+  base::Milliseconds since_;     ///< when it began to compute
+  base::Milliseconds spent_{0};  ///< before that
+  scripting::ScriptOutcome outcome_;
+  std::unique_ptr<base::Timer> watch_;
+  std::unique_ptr<base::Timer> whole_;
+  std::unique_ptr<base::Timer> sleep_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  ChildProgram child_;
 };
 
 }  // namespace standin

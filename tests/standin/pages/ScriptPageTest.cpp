@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/ServerProcess.hpp"
@@ -48,6 +53,30 @@ class ScriptPage : public testing::Test {
   bool heard(const std::string& call) {
     const auto calls = plugin.calls();
     return std::find(calls.begin(), calls.end(), call) != calls.end();
+  }
+
+  /// A line of what the system tells of a process; empty where there is none.
+  static std::string statusOf(const std::filesystem::path& process, const std::string& word) {
+    std::ifstream file(process / "status");
+    for (std::string line; std::getline(file, line);)
+      if (line.starts_with(word + ":\t")) return line.substr(word.size() + 2);
+    return {};
+  }
+  /// One whose end nobody has asked for yet doesn't.
+  static bool computes(pid_t process) {
+    const std::string state = statusOf("/proc/" + std::to_string(process), "State");
+    return !state.empty() && !state.starts_with("Z");
+  }
+  /// The process of this server's script; 0 where there is none.
+  [[nodiscard]] pid_t processOfScript() const {
+    for (const auto& process : std::filesystem::directory_iterator("/proc")) {
+      if (statusOf(process.path(), "Name") != "vantorix-script") continue;
+      std::ifstream parent("/proc/" + statusOf(process.path(), "PPid") + "/cmdline");
+      const std::string words((std::istreambuf_iterator<char>(parent)), std::istreambuf_iterator<char>());
+      if (words.find(folder.path().string()) != std::string::npos)
+        return std::stoi(process.path().filename().string());
+    }
+    return 0;
   }
 
   support::BusDaemon bus;
@@ -115,9 +144,10 @@ TEST_F(ScriptPage, AScriptThatWaitsIsStoppedAtOnce) {
   EXPECT_NE(web.json("/api/script/run").at("error").get<std::string>().find("stopped"), std::string::npos);
 }
 
-TEST_F(ScriptPage, AStepThatNeverEndsIsLeftToItself) {
+TEST_F(ScriptPage, AStepThatNeverEndsIsEnded) {
   ASSERT_EQ(web.post("/api/script/run", {{"name", "stuck"}, {"text", "string.rep('', 1 << 62)"}}), 200);
   ASSERT_TRUE(ended());
+  EXPECT_EQ(web.json("/api/script/run").at("error"), "the script was stopped: it took too long");
   EXPECT_EQ(ranText("print('next')").at("output"), "next\n");
   EXPECT_EQ(server.end(), 0);
 }
@@ -156,6 +186,15 @@ TEST_F(ScriptPage, GuestsHaveNoScripts) {
 TEST_F(ScriptPage, TheServerStopsWithAScriptUnderWay) {
   ASSERT_EQ(web.post("/api/script/run", {{"name", "wait"}, {"text", "house.sleep(100)"}}), 200);
   EXPECT_EQ(server.end(), 0);
+}
+
+// Not even one that has no time to end it.
+TEST_F(ScriptPage, AScriptEndsWithTheServer) {
+  ASSERT_EQ(web.post("/api/script/run", {{"name", "busy"}, {"text", "table.move({}, 1, 2^40, 2)"}}), 200);
+  pid_t script = 0;
+  ASSERT_TRUE(Eventually([&] { return (script = processOfScript()) != 0; }));
+  EXPECT_EQ(server.end(SIGKILL), -SIGKILL);
+  EXPECT_TRUE(Eventually([&] { return !computes(script); }));
 }
 
 }  // namespace

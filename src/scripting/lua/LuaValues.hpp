@@ -2,12 +2,9 @@
 #include <lua.hpp>
 
 #include "base/Value.hpp"
+#include "scripting/Values.hpp"
 
-namespace standin {
-
-/// What the values of one call may take, in bytes: a table that holds another many times is as large as all
-/// of them together once it has been read.
-inline constexpr std::size_t kMostRead = std::size_t{64} << 20U;
+namespace scripting {
 
 /// The value at a place of the stack. Raises no Lua error. Throws number 13 for what has no counterpart,
 /// such as a function, and 6 when it takes more than `left`, which is lowered by what it takes. `objects` is
@@ -25,4 +22,4 @@ inline constexpr const char* kLuaObjects = "house.object";
 /// The handle at a place of the stack, 0 when there is no object. Raises no Lua error.
 std::int32_t LuaObjectAt(lua_State* lua, int index, const void* objects);
 
-}  // namespace standin
+}  // namespace scripting

@@ -5,9 +5,7 @@
 #include <map>
 
 #include "base/Failure.hpp"
-#include "standin/scripts/LuaScript.hpp"
-#include "standin/scripts/ScriptStore.hpp"
-#include "support/TempFolder.hpp"
+#include "scripting/lua/LuaScript.hpp"
 
 namespace {
 
@@ -16,11 +14,11 @@ using base::Array;
 using base::Failure;
 using base::Record;
 using base::Value;
-using standin::RunLua;
-using standin::ScriptHandle;
-using standin::ScriptOutcome;
+using scripting::RunLua;
+using scripting::ScriptHandle;
+using scripting::ScriptOutcome;
 
-class House : public standin::ScriptHouse {
+class House : public scripting::ScriptHouse {
  public:
   Value call(std::int32_t object, const std::string& name, Args args) override {
     calls.push_back(std::to_string(object) + " " + name);
@@ -73,7 +71,7 @@ TEST_F(Script, ValuesGoToTheHouse) {
   EXPECT_TRUE(house.given[6].empty());
   const auto handle = std::dynamic_pointer_cast<ScriptHandle>(base::ToObject(house.given[7]));
   ASSERT_TRUE(handle);
-  EXPECT_EQ(handle->id(), standin::kHostHandle);
+  EXPECT_EQ(handle->id(), scripting::kHostHandle);
   EXPECT_EQ(house.given[8], Value(3000000000.0));
   EXPECT_EQ(house.given[9], Value(Array{}));
 }
@@ -166,33 +164,6 @@ TEST_F(Script, AStrangeValueIsNoWayToHarm) {
   EXPECT_NE(errorOf("scriptclass.Take({[true] = 1})").find("failure 13"), std::string::npos);
   EXPECT_NE(errorOf("print(setmetatable({}, {__tostring = function() error('no') end}))").find("no"),
             std::string::npos);
-}
-
-TEST(ScriptStore, KeepsScriptsUnderGoodNames) {
-  const support::TempFolder folder;
-  const standin::ScriptStore store(folder.path() / "scripts");
-  ASSERT_EQ(store.names().size(), standin::ScriptExamples().size());
-  store.write("My own-1", "print(1)");
-  EXPECT_EQ(store.read("My own-1"), "print(1)");
-  EXPECT_EQ(store.names().size(), standin::ScriptExamples().size() + 1);
-  for (const char* bad : {"", ".", "..", "../house", "a/b", "a.lua", " a", "a ", "\xC3\xA4"}) {
-    EXPECT_THROW(store.write(bad, "x"), Failure) << bad;
-    EXPECT_FALSE(store.read(bad)) << bad;
-    EXPECT_FALSE(store.remove(bad)) << bad;
-  }
-  EXPECT_TRUE(store.remove("My own-1"));
-  EXPECT_FALSE(store.remove("My own-1"));
-  const standin::ScriptStore again(folder.path() / "scripts");
-  EXPECT_EQ(again.names(), store.names());
-}
-
-TEST(ScriptStore, DeletedExamplesStayAway) {
-  const support::TempFolder folder;
-  {
-    const standin::ScriptStore store(folder.path() / "scripts");
-    for (const std::string& name : store.names()) EXPECT_TRUE(store.remove(name));
-  }
-  EXPECT_TRUE(standin::ScriptStore(folder.path() / "scripts").names().empty());
 }
 
 // A small table can stand for more than any memory holds.

@@ -1,17 +1,18 @@
-#include "standin/scripts/LuaScript.hpp"
+#include "scripting/lua/LuaScript.hpp"
 
 #include <cstdlib>
 #include <lua.hpp>
 #include <memory>
 
 #include "base/Failure.hpp"
-#include "standin/scripts/LuaValues.hpp"
+#include "scripting/Messages.hpp"
+#include "scripting/lua/LuaValues.hpp"
 
 // Lua leaves a function by longjmp when something fails in it. So each function here has two halves: the
 // first is C++, may throw, holds what it needs and calls nothing that Lua could fail in; the second hands
 // over to Lua what the first has left in `Run`, and holds nothing that would have to be destroyed.
 
-namespace standin {
+namespace scripting {
 namespace {
 
 constexpr int kStepsBetweenChecks = 5000;
@@ -87,12 +88,15 @@ std::string NameAt(lua_State* lua, int index) {
   if (lua_type(lua, index) != LUA_TSTRING) {
     throw base::Failure(base::number::kTypeMismatch, "The name of a member is a text");
   }
-  return lua_tostring(lua, index);
+  std::size_t size = 0;
+  const char* name = lua_tolstring(lua, index, &size);
+  if (size > kLongestName) throw base::Failure(base::number::kNoSuchMember);
+  return name;
 }
 
 base::Args ArgumentsFrom(lua_State* lua, const Run& run, int first) {
   base::Args args;
-  std::size_t left = kMostRead;
+  std::size_t left = kMostAsked;
   for (int i = first; i <= lua_gettop(lua); ++i) args.push_back(ReadLua(lua, i, run.objects, left));
   return args;
 }
@@ -113,7 +117,7 @@ int HouseGet(lua_State* lua) {
 
 int HousePut(lua_State* lua) {
   return Answer(lua, [](lua_State* from, Run& run) {
-    std::size_t left = kMostRead;
+    std::size_t left = kMostAsked;
     run.house.put(ObjectAt(from, run, 1), NameAt(from, 2), ReadLua(from, 3, run.objects, left));
   });
 }
@@ -299,4 +303,4 @@ ScriptOutcome RunLua(const std::string& name, const std::string& text, ScriptHou
   return OutcomeOf(lua.get(), name);
 }
 
-}  // namespace standin
+}  // namespace scripting

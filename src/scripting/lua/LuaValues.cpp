@@ -1,15 +1,14 @@
-#include "standin/scripts/LuaValues.hpp"
+#include "scripting/lua/LuaValues.hpp"
 
 #include <limits>
 
 #include "base/Failure.hpp"
-#include "standin/scripts/ScriptHouse.hpp"
+#include "scripting/ScriptHouse.hpp"
 
-namespace standin {
+namespace scripting {
 namespace {
 
 constexpr int kDeepest = 16;
-constexpr std::size_t kOneValue = 64;  // bytes, roughly
 
 void Take(std::size_t& left, std::size_t bytes) {
   if (bytes > left) throw base::Failure(base::number::kOverflow, "The value is too large");
@@ -133,4 +132,4 @@ void PushLua(lua_State* lua, const base::Value& value) {
   }
 }
 
-}  // namespace standin
+}  // namespace scripting

@@ -1,13 +1,14 @@
 #pragma once
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "base/Failure.hpp"
 #include "base/Object.hpp"
 
-namespace standin {
+namespace scripting {
 
-/// An object of the house as a script's thread holds it: a number. The object itself stays on the loop.
+/// An object of the house as a script's process holds it: a number. The object itself stays with the server.
 class ScriptHandle : public base::Object {
  public:
   explicit ScriptHandle(std::int32_t id) : id_(id) {}
@@ -27,7 +28,7 @@ inline constexpr std::int32_t kScriptClassHandle = 1;
 inline constexpr std::int32_t kVxifHandle = 2;
 inline constexpr std::int32_t kHostHandle = 3;
 
-/// The house as a script reaches it, on the script's own thread. Objects in values are handles. What fails
+/// The house as a script reaches it. Objects in values are handles. What fails
 /// is thrown as base::Failure.
 class ScriptHouse {
  public:
@@ -49,4 +50,4 @@ class ScriptHouse {
   virtual const char* endReason() = 0;
 };
 
-}  // namespace standin
+}  // namespace scripting
