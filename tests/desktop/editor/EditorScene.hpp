@@ -1,4 +1,6 @@
 #pragma once
+#include <QtCore/QPointer>
+
 #include "desktop/editor/EditorPane.hpp"
 #include "desktop/editor/PlayListWindow.hpp"
 #include "support/desktop/PopupScene.hpp"
@@ -156,12 +158,13 @@ class EditorScene : public ::testing::Test {
     show();
   }
 
-  /// Does something, once, when a question has the keyboard.
+  /// Does something, once, when a question has the keyboard that nothing has been done about.
   void then(const std::function<void(QWidget&)>& act) {
     act_ = act;
     timer_ = loop.makeTimer(base::Milliseconds(1), [this] {
       QWidget* open = QApplication::activeModalWidget();
-      if (act_ == nullptr || open == nullptr || !open->isActiveWindow()) return;
+      if (act_ == nullptr || open == nullptr || open == answered_ || !open->isActiveWindow()) return;
+      answered_ = open;
       const auto now = std::exchange(act_, nullptr);
       now(*open);
     });
@@ -212,6 +215,7 @@ class EditorScene : public ::testing::Test {
 
  private:
   std::function<void(QWidget&)> act_;
+  QPointer<QWidget> answered_;
   std::unique_ptr<base::Timer> timer_;
 };
 
