@@ -8,6 +8,7 @@
 #include "standin/hostobjects/HostSettings.hpp"
 #include "standin/hostobjects/UrlFetcher.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/house/Quotas.hpp"
 
 namespace standin {
 
@@ -48,6 +49,12 @@ std::string Readable(const std::string& trigger) {
   return out;
 }
 
+/// What is said waits to be said, and is kept so long.
+std::string Sayable(std::string text) {
+  CheckLength("What is to be said", text);
+  return text;
+}
+
 std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectRef& system) {
   return {
       Operation("Version", {}, Type::kText, [&house] { return house.version; }),
@@ -63,7 +70,7 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
       Command("RegisterEventCB", {Short("mask"), Reference("plugin")},
               [&house](Args& args) {
                 base::Deref(args[1]);
-                house.eventSinks.push_back({ShortAt(args, 0), ReferenceAt(args, 1)});
+                house.addEventSink({ShortAt(args, 0), ReferenceAt(args, 1)});
               }),
       Command("RegisterLink", {Reference("page")},
               [&house](Args& args) {
@@ -75,9 +82,9 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
       Command("WriteLog", {Text("type"), Text("text"), Text("more", "")},
               [&house](Args& args) { house.log.write(TextAt(args, 0), TextAt(args, 1) + TextAt(args, 2)); }),
       Command("Speak", {Text("text"), Flag("wait", false)},
-              [&waits](Args& args) { waits.speak(TextAt(args, 0), FlagAt(args, 1)); }),
+              [&waits](Args& args) { waits.speak(Sayable(TextAt(args, 0)), FlagAt(args, 1)); }),
       Operation("Say", {Text("text")}, Type::kText,
-                [&house](Args& args) { return house.onSay(TextAt(args, 0)); }),
+                [&house](Args& args) { return house.onSay(Sayable(TextAt(args, 0))); }),
       Operation("TriggerEvent", {Text("name")}, Type::kBoolean,
                 [&house](Args& args) { return house.onScriptTrigger(TextAt(args, 0)); }),
       Command("WaitEvents", {}, [&waits] { waits.pendingEvents(); }),

@@ -6,6 +6,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/house/Quotas.hpp"
 
 namespace standin {
 namespace {
@@ -26,11 +27,7 @@ const char* ColumnOf(std::int16_t Device::*field) {
   return "misc";
 }
 
-void CheckLength(const std::string& text, std::size_t most) {
-  if (text.size() > most)
-    throw base::Failure(base::number::kOverflow,
-                        "A text of a device is too long: it may have " + std::to_string(most) + " bytes");
-}
+constexpr const char* kText = "A text of a device";
 
 }  // namespace
 
@@ -108,8 +105,8 @@ std::int16_t DeviceStore::freeHouseCode() const {
 }
 
 const Device& DeviceStore::create(const std::string& name) {
-  CheckLength(name, kLongestText);
-  if (devices_.size() >= kMost) throw base::Failure(base::number::kOverflow, "There are too many devices");
+  CheckLength(kText, name, kLongestText);
+  CheckRoom("devices", devices_.size(), kMost);
   Device device;
   device.name = name;
   device.changed = std::time(nullptr);
@@ -174,7 +171,7 @@ void DeviceStore::store(std::int32_t ref, Field Device::*field, const char* colu
 }
 
 void DeviceStore::put(std::int32_t ref, std::string Device::*field, const std::string& value) {
-  CheckLength(value, kLongestText);
+  CheckLength(kText, value, kLongestText);
   store(ref, field, ColumnOf(field), value);
 }
 
@@ -189,7 +186,7 @@ void DeviceStore::putValue(std::int32_t ref, std::int32_t value) {
 void DeviceStore::putValues(std::int32_t ref, const std::string& table) {
   Device& device = need(ref);
   if (device.values == table) return;
-  CheckLength(table, kLongestValues);
+  CheckLength(kText, table, kLongestValues);
   database::Statement(database_,
                       "INSERT INTO device_values (ref, list) VALUES (?, ?) "
                       "ON CONFLICT (ref) DO UPDATE SET list = excluded.list")
@@ -204,8 +201,8 @@ void DeviceStore::addButton(std::int32_t ref, const std::string& interface, cons
   const bool known = std::any_of(device.buttons.begin(), device.buttons.end(),
                                  [&](const DeviceButton& button) { return button.caption == caption; });
   if (known) return;
-  CheckLength(interface, kLongestText);
-  CheckLength(caption, kLongestText);
+  CheckLength(kText, interface, kLongestText);
+  CheckLength(kText, caption, kLongestText);
   if (device.buttons.size() >= kMostButtons)
     throw base::Failure(base::number::kOverflow, "The device has too many buttons");
   database::Statement(database_, "INSERT INTO device_button (ref, interface, caption) VALUES (?, ?, ?)")

@@ -7,6 +7,7 @@
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "standin/house/EventRows.hpp"
+#include "standin/house/Quotas.hpp"
 
 namespace standin {
 
@@ -62,6 +63,8 @@ Event& EventStore::need(std::int32_t id) {
 }
 
 const Event& EventStore::create(const std::string& name) {
+  CheckLength("The name of an event", name);
+  CheckRoom("events", events_.size(), kMost);
   Event event;
   event.name = name;
   event.id = InsertEvent(database_, event);
@@ -83,6 +86,7 @@ void EventStore::update(std::int32_t id, const char* column, std::int64_t value)
 void EventStore::put(std::int32_t id, std::string Event::*field, const std::string& value) {
   Event& event = need(id);
   if (event.*field == value) return;
+  CheckLength("A text of an event", value, field == &Event::vcmd ? kLongestPattern : kLongestPlainText);
   update(id, field == &Event::name ? "name" : field == &Event::vcmd ? "vcmd" : "grp", value);
   if (field == &Event::name) {
     Event renamed = event;
@@ -112,6 +116,7 @@ void EventStore::putAbsTime(std::int32_t id, std::int16_t value) {
 
 std::int64_t EventStore::addDevice(std::int32_t id, std::int32_t devid, std::int16_t func) {
   Event& event = need(id);
+  CheckRoom("devices in the event", event.devices.size(), kMostDevices);
   database::Statement(database_, "INSERT INTO event_device (event, devid, func) VALUES (?, ?, ?)")
       .with(id, devid, func)
       .run();

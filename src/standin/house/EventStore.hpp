@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -46,6 +47,12 @@ class EventStore {
   /// Grows with every change of a voice command pattern, and when an event that has one comes or goes.
   [[nodiscard]] std::uint64_t patternsRevision() const { return patternsRevision_; }
 
+  static constexpr std::size_t kMost =
+      100'000;  ///< events, those that the plug-in makes of the library included
+  static constexpr std::size_t kMostDevices = 10'000;                     ///< of an event
+  static constexpr std::size_t kLongestPattern = std::size_t{16} << 20U;  ///< bytes of a voice command
+
+  /// Throws 6 beyond `kMost` and for a text that is too long, as do the others; nothing is changed then.
   const Event& create(const std::string& name);
   void put(std::int32_t id, std::string Event::*field, const std::string& value);
   void put(std::int32_t id, std::int32_t Event::*field, std::int32_t value);

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
 #include "files/WriteFile.hpp"
 #include "standin/house/HouseJson.hpp"
+#include "standin/house/Quotas.hpp"
 #include "standin/house/Schema.hpp"
 #include "standin/pages/WebFiles.hpp"
 
@@ -73,14 +75,21 @@ const PageLink* House::linkOf(const std::string& path) const {
 }
 
 void House::addLink(PageLink link) {
+  for (const std::string& text : {link.link, link.text, link.title}) CheckLength("A text of a page", text);
   const auto found = std::find_if(links.begin(), links.end(),
                                   [&](const PageLink& each) { return base::SameText(each.link, link.link); });
   if (found == links.end()) {
+    CheckRoom("pages", links.size(), kMostPages);
     links.push_back(std::move(link));
   } else {
     *found = std::move(link);
   }
   live.tell("frame", "{}");
+}
+
+void House::addEventSink(EventSink sink) {
+  CheckRoom("objects that hear of events", eventSinks.size(), kMostSinks);
+  eventSinks.push_back(std::move(sink));
 }
 
 void House::forgetPlugin() {

@@ -66,8 +66,13 @@ class House {
   [[nodiscard]] std::filesystem::path htmlFolder() const { return folder / "html"; }
   /// Null when no page has that link; without regard to case.
   [[nodiscard]] const PageLink* linkOf(const std::string& path) const;
-  /// Adds the page, in place of one with the same link.
+  static constexpr std::size_t kMostPages = 1000;
+  static constexpr std::size_t kMostSinks = 1000;
+  /// Adds the page, in place of one with the same link. Throws 6 beyond `kMostPages`, and for a text that is
+  /// too long.
   void addLink(PageLink link);
+  /// Throws 6 beyond `kMostSinks`.
+  void addEventSink(EventSink sink);
   /// Forgets what a plug-in has registered: menu, links, event calls.
   void forgetPlugin();
 

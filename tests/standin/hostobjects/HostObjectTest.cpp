@@ -311,6 +311,12 @@ TEST_F(Host, SaysWhatItIs) {
   EXPECT_EQ(callback->call("GetNextFreeIOCode"), Value(std::int16_t{'Q'}));
 }
 
+TEST_F(Host, SaysNothingThatIsTooLong) {
+  const std::string tooLong((std::size_t{64} << 10U) + 1, 'x');
+  EXPECT_EQ(support::FailureNumberOf([&] { call("Speak", {tooLong}); }), base::number::kOverflow);
+  EXPECT_EQ(support::FailureNumberOf([&] { call("Say", {tooLong}); }), base::number::kOverflow);
+}
+
 TEST_F(Host, WaitSecsTurnsTheLoopWhileItLasts) {
   int ticks = 0;
   const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { ++ticks; });

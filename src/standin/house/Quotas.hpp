@@ -1,0 +1,27 @@
+#pragma once
+#include <cstddef>
+#include <string>
+
+#include "base/Failure.hpp"
+
+namespace standin {
+
+/// Of any text of the house's that has no bound of its own, in bytes.
+inline constexpr std::size_t kLongestPlainText = std::size_t{64} << 10U;
+
+/// Throws number 6 where the text is longer. `what` begins the sentence: "A text of a device".
+inline void CheckLength(const std::string& what, const std::string& text,
+                        std::size_t most = kLongestPlainText) {
+  if (text.size() > most)
+    throw base::Failure(base::number::kOverflow,
+                        what + " is too long: it may have " + std::to_string(most) + " bytes");
+}
+
+/// Throws number 6 where one more would be more than `most`: "There are too many devices".
+inline void CheckRoom(const std::string& what, std::size_t count, std::size_t most) {
+  if (count >= most)
+    throw base::Failure(base::number::kOverflow,
+                        "There are too many " + what + ": there may be " + std::to_string(most));
+}
+
+}  // namespace standin
