@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Tells of each program or library given whether it lies anywhere in memory, has its tables made read-only before it
-# runs, no stack that may be executed, functions that watch their stacks, and copies that are looked at in any of them; and on x86 whether
-# its functions are marked as places to jump to. (That is no note in its headers, since the system's own start files have
-# none.) Fails when one is not so, or when there is none.
+# runs, no stack that may be executed, and functions that watch their stacks; on x86 also whether its functions are marked
+# as places to jump to. (That is no note in its headers, since the system's own start files have none.) Of all together
+# it tells whether copies are looked at. Fails when one is not so, or when there is none.
 #
 #   tools/check-hardening.sh FILE...
 set -euo pipefail
