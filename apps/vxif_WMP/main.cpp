@@ -16,6 +16,7 @@
 #include "bus/ReplyLimit.hpp"
 #include "engine/Player.hpp"
 #include "engine/common/Config.hpp"
+#include "mpris/session/SessionAddress.hpp"
 #include "pictures/CoverDesk.hpp"
 #include "platform/PosixPlatform.hpp"
 #include "plugin/Plugin.hpp"
@@ -29,6 +30,13 @@ constexpr const char* kHostName = "org.vantorix.Host";
 std::string BusAddress() {
   const char* starter = std::getenv("DBUS_STARTER_ADDRESS");
   return starter != nullptr ? starter : bus::HouseBusAddress();
+}
+
+/// The bus that has started this process passes for the session bus. Trays, colours and screen readers are
+/// found on the user's own. While one thread runs.
+void LookToTheUsersBus() {
+  if (const std::string address = mpris::SessionAddress(); !address.empty())
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
 }
 
 /// The player's configuration. One that can't be read leaves the defaults, and `problem` says why.
@@ -50,6 +58,7 @@ engine::Config PlayerConfig(std::string& problem) {
 }
 
 int Serve() {
+  LookToTheUsersBus();
   bus::PollLoop loop;
   bus::Connection connection(loop, BusAddress());
   plugin::Plugin* owner = nullptr;

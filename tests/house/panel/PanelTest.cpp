@@ -5,6 +5,8 @@
 
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
+#include "support/desktop/Panel.hpp"
+#include "support/desktop/XServer.hpp"
 
 using support::Eventually;
 using ::testing::HasSubstr;
@@ -137,4 +139,15 @@ TEST_F(OnThePanel, TheHouseGoesOnWithoutTheSessionAndComesBackWithIt) {
   EXPECT_TRUE(says({"metadata", "xesam:title"}, "Two"));
   EXPECT_EQ(house.pluginState(), "ready");
   EXPECT_THAT(house.log(), ::testing::Not(HasSubstr("started again")));
+}
+
+TEST(OnTheUsersDesktop, TheIconStandsInThePanelThoughTheHouseHasABusOfItsOwn) {
+  const support::XServer screen;
+  const support::SmallMusic music;
+  const support::BusDaemon session;
+  support::Panel panel(session.address());
+  support::RealHouse house(
+      {.music = music.path(), .display = screen.display(), .sessionBus = session.address()});
+  ASSERT_TRUE(house.startReady()) << house.server().output();
+  EXPECT_TRUE(Eventually([&] { return !panel.icons().empty(); }));
 }
