@@ -31,7 +31,7 @@ EditorPane::EditorPane(QtWindows& windows, std::function<void()> closed)
       box_(new NameBox(shared_)),
       list_(new ListPane(shared_, drag_, pictures_)) {
   setWindowTitle(layout::kCaption);
-  setWindowIcon(pictures_.icon(image::kList, ink()));
+  setWindowIcon(pictures_.icon(image::kList, ink(), ink()));
   setFixedSize(ToPixels(layout::kWidth), ToPixels(layout::kHeight));
   shared_.settle = [this] { tree_->settle(); };
   tree_->setAccessibleName("Sources");

@@ -34,7 +34,8 @@ ListPane::ListPane(Shared& shared, Drag& drag, Pictures& pictures)
       model_({shared.enter, [this] { showSelected(); }, [this] { viewport()->update(); },
               [this] { showColumn(); }},
              [this, &pictures](const char* key) {
-               return pictures.icon(key, palette().color(QPalette::Text));
+               return pictures.icon(key, palette().color(QPalette::Text),
+                                    palette().color(QPalette::HighlightedText));
              }) {
   setUniformItemSizes(true);
   setIconSize({16, 16});

@@ -13,6 +13,9 @@ namespace desktop {
 
 namespace {
 
+/// The pictures' own colours that can't be told from the ground of what is chosen.
+constexpr const char* kLost[] = {"#2f7fe0", "#a04fd0"};
+
 QByteArray TextOf(const char* key, const QColor& ink) {
   HavePictures();
   QFile file(QString(":/editor/") + key);
@@ -30,15 +33,21 @@ QPixmap Drawn(const QByteArray& text, int size) {
 
 }  // namespace
 
-QIcon Pictures::icon(const char* key, const QColor& ink) {
+QIcon Pictures::icon(const char* key, const QColor& ink, const QColor& chosen) {
   constexpr int kSizes[] = {16, 24, 32, 48};
-  if (ink.rgb() != ink_) drawn_.clear();
+  if (ink.rgb() != ink_ || chosen.rgb() != chosen_) drawn_.clear();
   ink_ = ink.rgb();
+  chosen_ = chosen.rgb();
   const auto [entry, isNew] = drawn_.try_emplace(key);
   if (!isNew) return entry->second;
   const QByteArray text = TextOf(key, ink);
   if (text.isEmpty()) return {};
-  for (const int size : kSizes) entry->second.addPixmap(Drawn(text, size));
+  QByteArray onChosen = TextOf(key, chosen);
+  for (const char* colour : kLost) onChosen.replace(colour, chosen.name().toUtf8());
+  for (const int size : kSizes) {
+    entry->second.addPixmap(Drawn(text, size));
+    entry->second.addPixmap(Drawn(onChosen, size), QIcon::Selected);
+  }
   return entry->second;
 }
 

@@ -21,7 +21,8 @@ TreePane::TreePane(Shared& shared, Drag& drag, Pictures& pictures)
            [this] { showSelected(); },
            [this](const QModelIndex& parent, int first, int last) { showExpanded(parent, first, last); }},
           [this, &pictures](const char* key) {
-            return pictures.icon(key, palette().color(QPalette::Text));
+            return pictures.icon(key, palette().color(QPalette::Text),
+                                 palette().color(QPalette::HighlightedText));
           }) {
   finish_.setSingleShot(true);
   connect(&finish_, &QTimer::timeout, this, [this] { finishEdits(); });

@@ -168,7 +168,7 @@ TEST_F(Window, EachPictureIsThereAndIsAnother) {
   std::vector<QImage> drawn;
   for (const char* key : ui::editor::image::kAll) {
     for (const QColor& ink : {QColor(Qt::black), QColor(Qt::white)}) {
-      const QImage image = pictures.icon(key, ink).pixmap(16, 16).toImage();
+      const QImage image = pictures.icon(key, ink, ink).pixmap(16, 16).toImage();
       ASSERT_EQ(image.size(), QSize(16, 16)) << key;
       if (ink == QColor(Qt::black)) continue;
       EXPECT_THAT(drawn, ::testing::Not(::testing::Contains(image))) << key;
@@ -176,7 +176,26 @@ TEST_F(Window, EachPictureIsThereAndIsAnother) {
     }
   }
   EXPECT_EQ(drawn.size(), 22U);
-  EXPECT_TRUE(pictures.icon("None", Qt::black).isNull());
+  EXPECT_TRUE(pictures.icon("None", Qt::black, Qt::black).isNull());
+}
+
+TEST_F(Window, APictureIsSeenOnTheGroundOfWhatIsChosen) {
+  desktop::Pictures pictures;
+  const QColor ground = pane().palette().color(QPalette::Highlight);
+  const QColor ink = pane().palette().color(QPalette::HighlightedText);
+  for (const char* key : {"Sound", "List", "Music2"}) {
+    const QIcon icon = pictures.icon(key, pane().palette().color(QPalette::Text), ink);
+    const QImage image = icon.pixmap(QSize(16, 16), QIcon::Selected).toImage();
+    int seen = 0;
+    for (int x = 0; x < image.width(); ++x)
+      for (int y = 0; y < image.height(); ++y) {
+        const QColor dot = image.pixelColor(x, y);
+        if (dot.alpha() < 200) continue;
+        ++seen;
+        EXPECT_GT(std::abs(dot.lightness() - ground.lightness()), 60) << key << " at " << x << ", " << y;
+      }
+    EXPECT_GT(seen, 10) << key;
+  }
 }
 
 TEST_F(Window, AHundredThousandTitlesAreShownWithoutACopy) {
