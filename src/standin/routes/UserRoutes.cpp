@@ -15,6 +15,7 @@ constexpr std::size_t kShortestPassword = 8;
 constexpr std::size_t kLongestName = 64;
 constexpr std::ptrdiff_t kMostWaiting = 4;  // to have a password hashed
 constexpr int kDone = 200;
+constexpr int kNoRoom = 507;
 
 constexpr int kMonth = 2592000;  // seconds
 
@@ -88,8 +89,8 @@ class Commands {
     }
     const auto token = std::make_shared<std::string>();
     asked = onLoop([this, name = user.name, before = call.token, token] {
-      house_.users.end(before);  // the browser keeps one
       *token = house_.users.begin(name);
+      house_.users.end(before);  // the browser keeps one
       tellEnd();
     });
     if (asked.status == kDone) asked.cookie = SessionCookie(house_, *token);
@@ -172,10 +173,12 @@ class Commands {
   void tellEnd() { house_.live.tell(kSessionsEnded, "{}"); }
 
   WebAnswer onLoop(std::function<void()> work) {
-    return AskLoop(gate_, [work = std::move(work)](const Reply& reply) {
+    WebAnswer answer = AskLoop(gate_, [work = std::move(work)](const Reply& reply) {
       work();
       reply({});
     });
+    // Who isn't in yet is told no more of the house than that.
+    return answer.status == kNoRoom ? Refusal(kNoRoom, "The house's disk is full") : answer;
   }
 
   House& house_;

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "standin/fakes/WebHouse.hpp"
+#include "support/FailureNumber.hpp"
 #include "support/Process.hpp"
 
 namespace {
@@ -78,4 +79,32 @@ TEST_F(Sessions, OfOneBrowserFollowEachOther) {
   EXPECT_EQ(look(cookie), 200);
   EXPECT_EQ(post("/api/login", cookie, R"({"name": "guest"})"), 200);
   EXPECT_EQ(look(cookie), 401);
+}
+
+TEST_F(Sessions, AreRefusedAsSuchWhereTheDiskIsFullAndTheOneBeforeLivesOn) {
+  const std::string before = house.sessionOf(standin::kGuest);
+  house.onLoop([](standin::House& all) { all.users.setHash(standin::kGuest, standin::kAdmitted); });
+  const std::string guest = house.sessionOf(standin::kGuest);
+  EXPECT_EQ(look(before), 401);
+  ASSERT_EQ(look(guest), 200);
+  house.onLoop([](standin::House& all) {
+    all.database.run("PRAGMA max_page_count=1");  // which stands for as many as there are
+    database::Statement fill(all.database,
+                             "INSERT INTO session (token, user, expires) VALUES (?, 'owner', 1 << 40)");
+    const auto one = [&] { fill.with(standin::RandomToken()).run(); };
+    int filled = 0;
+    while (support::FailureNumberOf(one) == 0) ASSERT_LT(++filled, 1000);
+  });
+  httplib::Client client("127.0.0.1", house.port());
+  const std::string origin = "http://127.0.0.1:" + std::to_string(house.port());
+  const auto answer = client.Post("/api/login", {{"Origin", origin}, {"Cookie", guest}},
+                                  R"({"name": "guest"})", "application/json");
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(answer->status, 507);
+  EXPECT_EQ(answer->body, R"({"error":"The house's disk is full"})");
+  EXPECT_FALSE(answer->has_header("Set-Cookie"));
+  EXPECT_EQ(look(guest), 200);
+  house.onLoop([](standin::House& all) { all.database.run("PRAGMA max_page_count=100000"); });
+  EXPECT_EQ(post("/api/login", guest, R"({"name": "guest"})"), 200);
+  EXPECT_EQ(look(guest), 401);
 }
