@@ -74,3 +74,27 @@ TEST(AServerThatWaitsForAHangingProgram, EndsInOrderWhenItIsToldTo) {
   ASSERT_TRUE(house.startReady());
   EXPECT_EQ(connection.proxy(kPlugIn, "/scriptclass")->get("Volume"), Value(std::int16_t{34}));
 }
+
+TEST(AServerThatWaitsForAHangingProgram, AnswersTheWebMeanwhileAndEndsBeforeAllIsAnswered) {
+  const support::SmallMusic music(2);
+  support::RealHouse house({.music = music.path()});
+  ASSERT_TRUE(house.startReady());
+  // Far more than it waits for within the time that a page would wait.
+  constexpr std::size_t kCalls = 100;
+  support::ForeignProgram hanging(house.busAddress());
+  hanging.hangs = true;
+  for (std::size_t i = 0; i < kCalls; ++i)
+    hanging.send("org.vantorix.Host", "/host", "RegisterLink", "(so)", "", "/page");
+  hanging.serveWhile([&] { return hanging.asked == 0; });
+
+  EXPECT_EQ(house.pluginState(), "ready");
+  EXPECT_EQ(house.press("Status", "Restart"), 200);
+  EXPECT_FALSE(house.get("/").empty());
+  int turns = 0;
+  hanging.serveWhile([&] { return ++turns < 100 && hanging.answers.size() < kCalls; });
+  EXPECT_LT(hanging.answers.size(), kCalls);
+
+  house.server().signal(SIGTERM);
+  EXPECT_EQ(house.server().wait(), 0);
+  EXPECT_LT(static_cast<std::size_t>(hanging.asked), kCalls);
+}
