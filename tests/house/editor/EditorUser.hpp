@@ -76,17 +76,17 @@ class EditorUser {
   /// Takes an entry from one pane and lets it go over an entry of another.
   bool drag(const std::string& from, const std::string& entry, const std::string& to,
             const std::string& target) {
-    const auto [startX, startY] = middle(from, entry);
-    const auto [endX, endY] = middle(to, target);
-    mouse({"mousemove", std::to_string(startX), std::to_string(startY)});
-    const std::string before = dot(endX, endY);
+    const Dot start = middle(from, entry);
+    const Dot end = middle(to, target);
+    mouse({"mousemove", std::to_string(start.x), std::to_string(start.y)});
+    const std::string before = colourAt(end);
     mouse({"mousedown", "1"});
     // Moves that come together may be taken for one.
     const bool marked = Eventually([&] {
-      mouse({"mousemove", std::to_string(startX + 8), std::to_string(startY + 1)});
-      mouse({"mousemove", std::to_string(startX + 20), std::to_string(startY + 2)});
-      mouse({"mousemove", std::to_string(endX), std::to_string(endY)});
-      return dot(endX, endY) != before;
+      mouse({"mousemove", std::to_string(start.x + 8), std::to_string(start.y + 1)});
+      mouse({"mousemove", std::to_string(start.x + 20), std::to_string(start.y + 2)});
+      mouse({"mousemove", std::to_string(end.x), std::to_string(end.y)});
+      return colourAt(end) != before;
     });
     mouse({"mouseup", "1"});
     return marked;
@@ -99,6 +99,11 @@ class EditorUser {
   }
 
  private:
+  struct Dot {
+    int x;
+    int y;
+  };
+
   bool hidePopup() {
     return isBefore("Vantorix Media Player") && house_.textBecomes("Display Controls", "Show") &&
            house_.press("Display Controls", "Show/Hide Controls") == 200 &&
@@ -113,7 +118,7 @@ class EditorUser {
     return found && !entry.empty() ? reader_.child(*found, entry) : found;
   }
   /// Where it stands, once it does.
-  std::pair<int, int> middle(const std::string& pane, const std::string& entry) {
+  Dot middle(const std::string& pane, const std::string& entry) {
     ScreenReader::Place place;
     const bool seen = Eventually([&] {
       const auto found = thing(pane, entry);
@@ -124,9 +129,9 @@ class EditorUser {
     return {place.x + place.width / 2, place.y + place.height / 2};
   }
   /// The colour of one dot of the screen.
-  static std::string dot(int x, int y) {
+  static std::string colourAt(const Dot& dot) {
     Process look({"import", "-silent", "-window", "root", "-crop",
-                  "1x1+" + std::to_string(x) + "+" + std::to_string(y), "-depth", "8", "txt:-"});
+                  "1x1+" + std::to_string(dot.x) + "+" + std::to_string(dot.y), "-depth", "8", "txt:-"});
     look.wait();
     return look.output();
   }
