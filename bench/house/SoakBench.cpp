@@ -200,17 +200,15 @@ int Measure(int seconds) {
   }
   std::printf("%ld things done in %d s, %ld failed; the plug-in is %s\n", household.done(), seconds,
               household.failed(), household.plugin() == plugin ? "the same" : "another one");
+  std::printf("%-28s tenth by tenth of the time, and the slope of the second half\n", "");
   for (const auto& [what, points] : all) {
-    const std::vector<std::pair<double, double>> second(
-        points.begin() + static_cast<std::ptrdiff_t>(points.size() / 2), points.end());
-    double most = 0;
-    for (const auto& [at, value] : points) most = std::max(most, value);
-    const double slope = SlopeOf(second);
-    std::printf(
-        "%-28s first %9.0f, half-way %9.0f, last %9.0f, most %9.0f; second half %+9.1f an hour, %+.2f for a "
-        "thousand things\n",
-        what.c_str(), points.front().second, second.front().second, second.back().second, most, slope,
-        slope / 36);
+    std::printf("%-28s", what.c_str());
+    constexpr std::size_t kShown = 10;
+    for (std::size_t i = 0; i <= kShown; ++i)
+      std::printf(" %.0f", points[i * (points.size() - 1) / kShown].second);
+    const auto middle = points.begin() + static_cast<std::ptrdiff_t>(points.size() / 2);
+    const double slope = SlopeOf({middle, points.end()});
+    std::printf("; %+.1f an hour, %+.2f for a thousand things\n", slope, slope / 36);
   }
   return 0;
 }

@@ -162,7 +162,7 @@ void Add(const SpeechNetwork& network, SpeechNetwork& all, Words& words) {
   all.arcs.push_back({first + network.end, all.end});
 }
 
-/// What a question of the house's is answered with. A single word is easily misheard, "the first one" hardly.
+/// What a question of the house's is answered with. A single word is easily lost, "the first one" less so.
 void AddAnswers(SpeechNetwork& all, Words& words) {
   const std::uint32_t behindThe = all.places++;
   const std::uint32_t beforeOne = all.places++;

@@ -322,12 +322,16 @@ void VoiceCommands::wordAnswer(Order& order) const {
 VoiceCommands::Answered VoiceCommands::andGoOn(const Answered& answered,
                                                const std::shared_ptr<bool>& cameBack) {
   return [this, answered, cameBack, alive = std::weak_ptr(alive_)](const Understanding& understanding) {
+    if (*cameBack) {
+      // Whatever becomes of the answer, and behind what it posts: the end of him who has given the command.
+      parts_.loop.post([this, alive] {
+        if (!alive.lock()) return;
+        parts_.loop.post([this, alive] {
+          if (alive.lock()) parts_.speech.events().goOn();
+        });
+      });
+    }
     answered(understanding);
-    if (!*cameBack) return;
-    // Posted, as is the end of him who has given the command.
-    parts_.loop.post([this, alive] {
-      if (alive.lock()) parts_.speech.events().goOn();
-    });
   };
 }
 

@@ -207,6 +207,18 @@ TEST_F(SpokenCommands, TwoWhoSpeakAtOnceAreEachAnswered) {
   EXPECT_EQ(say("yes", {"ben"}).command, "Play Night Shirt");
 }
 
+TEST_F(SpokenCommands, WhoStillSpeaksIsGivenQuietAgainWhateverBecomesOfAnAnswer) {
+  standin::AudioEvents& events = speech.events();
+  events.tell(true);
+  EXPECT_EQ(say("play night shift").kind, Kind::kDone);
+  EXPECT_TRUE(events.interrupted());
+  EXPECT_TRUE(eventually([&] { return events.making(); }));
+  commands->say({"ben"}, "play night shirt", [](const Understanding&) { throw std::runtime_error("gone"); });
+  EXPECT_TRUE(events.interrupted());
+  EXPECT_TRUE(eventually([&] { return events.making(); }));
+  EXPECT_THAT(done(), ElementsAre("Play Night Shift", "Play Night Shirt"));
+}
+
 TEST_F(SpokenCommands, WhatCanNoLongerBeSaidIsNotDone) {
   question();
   house.events.put(event, &standin::Event::vcmd, std::string("Play (Night Shift)"));
