@@ -1,6 +1,8 @@
 // A plug-in's page whose names try everything: it stays in its place, asks for nothing, and posts what its
 // reader has chosen.
+#include <algorithm>
 #include <deque>
+#include <random>
 
 #include "standin/fakes/FramePage.hpp"
 #include "standin/fakes/HostileNames.hpp"
@@ -39,6 +41,33 @@ class HostilePage : public support::FramePage {
     come({each.c_str()});
     browser.open(url(kAddress));
     ASSERT_TRUE(prepared()) << each;
+  }
+  /// What these names are in changes nothing around it, asks for nothing and posts nothing.
+  void expectNothingOf(const std::vector<const char*>& members) {
+    const auto first = shownOneByOne({"Name"});
+    ASSERT_TRUE(first.is_array()) << first;
+    const auto& plain = first[0];
+    const auto& before = plain["outside"];
+    ASSERT_THAT(before["asked"], Not(IsEmpty()));
+    ASSERT_EQ(before["covered"], nlohmann::json::array());
+    const auto seen = shownOneByOne(members);
+    ASSERT_EQ(seen.size(), members.size()) << seen;
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+      const char* name = members[i];
+      EXPECT_EQ(seen[i]["served"], plain["served"]) << name;
+      EXPECT_EQ(seen[i]["outside"], before) << name;
+      EXPECT_EQ(seen[i]["strange"], nlohmann::json::array()) << name;
+      EXPECT_EQ(seen[i]["unseen"], nlohmann::json::array()) << name;
+      auto after = seen[i]["after"];
+      after["focus"] = before["focus"];
+      EXPECT_EQ(after, before) << "after clicks: " << name;
+    }
+    clickAround();
+    auto after = outside();
+    after["focus"] = before["focus"];
+    EXPECT_EQ(after, before);
+    EXPECT_THAT(posts(), IsEmpty());
+    EXPECT_FALSE(foreign.wasVisited());
   }
   nlohmann::json outside() { return browser.run(std::string(kOutside) + "return outside();"); }
   nlohmann::json strange() { return browser.run(std::string(kStrange) + "return strange();"); }
@@ -194,37 +223,42 @@ class HostilePage : public support::FramePage {
 
 class HostileNames : public HostilePage, public testing::WithParamInterface<support::HostileFamily> {};
 
-TEST_P(HostileNames, ChangeNothingAskForNothingAndPostNothing) {
-  const auto first = shownOneByOne({"Name"});
-  ASSERT_TRUE(first.is_array()) << first;
-  const auto& plain = first[0];
-  const auto& before = plain["outside"];
-  ASSERT_THAT(before["asked"], Not(IsEmpty()));
-  ASSERT_EQ(before["covered"], nlohmann::json::array());
-  const auto seen = shownOneByOne(GetParam().members);
-  ASSERT_EQ(seen.size(), GetParam().members.size()) << seen;
-  for (std::size_t i = 0; i < seen.size(); ++i) {
-    const char* name = GetParam().members[i];
-    EXPECT_EQ(seen[i]["served"], plain["served"]) << name;
-    EXPECT_EQ(seen[i]["outside"], before) << name;
-    EXPECT_EQ(seen[i]["strange"], nlohmann::json::array()) << name;
-    EXPECT_EQ(seen[i]["unseen"], nlohmann::json::array()) << name;
-    auto after = seen[i]["after"];
-    after["focus"] = before["focus"];
-    EXPECT_EQ(after, before) << "after clicks: " << name;
-  }
-  clickAround();
-  auto after = outside();
-  after["focus"] = before["focus"];
-  EXPECT_EQ(after, before);
-  EXPECT_THAT(posts(), IsEmpty());
-  EXPECT_FALSE(foreign.wasVisited());
-}
+TEST_P(HostileNames, ChangeNothingAskForNothingAndPostNothing) { expectNothingOf(GetParam().members); }
 
 INSTANTIATE_TEST_SUITE_P(Families, HostileNames, testing::ValuesIn(support::kHostileFamilies),
                          [](const auto& each) { return std::string(each.param.name); });
 
-// Were it otherwise, the test above would see it.
+/// Names put together from pieces of all the others, each cut where chance will have it: the same at each
+/// run.
+std::vector<std::string> NamesByChance(std::size_t count) {
+  std::mt19937 chance(20220);
+  std::vector<std::string> pieces;
+  for (const support::HostileFamily& family : support::kHostileFamilies)
+    pieces.insert(pieces.end(), family.members.begin(), family.members.end());
+  const auto plain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  std::vector<std::string> names(count);
+  for (std::string& name : names) {
+    for (std::size_t left = 2 + chance() % 6; left > 0; --left) {
+      std::string piece = pieces[chance() % pieces.size()];
+      if (piece.size() > 1000) continue;
+      const bool cut = chance() % 2 == 0 && std::all_of(piece.begin(), piece.end(), plain);
+      name += cut ? piece.substr(chance() % piece.size()).substr(0, 1 + chance() % piece.size()) : piece;
+    }
+  }
+  return names;
+}
+
+TEST_F(HostilePage, ChangesNothingAndAsksForNothingWhateverChanceMakesOfThem) {
+  const std::vector<std::string> names = NamesByChance(240);
+  for (std::size_t at = 0; at < names.size(); at += 60) {
+    std::vector<const char*> members;
+    for (std::size_t i = at; i < at + 60; ++i) members.push_back(names[i].c_str());
+    expectNothingOf(members);
+    if (HasFailure()) return;
+  }
+}
+
+// Were it otherwise, the tests above would see it.
 TEST_F(HostilePage, WhatTheFrameItselfDoesIsSeen) {
   const auto before = outside();
   browser.run("document.querySelector('.plugin-page').style.position = 'fixed'");

@@ -63,6 +63,14 @@ function narrow(node, data) {
   if (!look || !look.test(data.attrValue)) data.keepAttr = false;
 }
 
+/** What a form says of itself, its fields say otherwise, by their names. */
+const reader = (type, name) => {
+  const {get} = Object.getOwnPropertyDescriptor(type.prototype, name);
+  return (node) => get.call(node);
+};
+const parentOf = reader(Node, 'parentNode');
+const nameOf = reader(Element, 'localName');
+
 /**
  * A copy without the elements that no page has, or not within so many others. What they hold stays if it is there to
  * be read.
@@ -73,12 +81,12 @@ function withoutForeign(body) {
   const walker = document.createTreeWalker(body, NodeFilter.SHOW_ELEMENT | NodeFilter.SHOW_TEXT);
   while (walker.nextNode()) {
     const node = walker.currentNode;
-    const place = places.get(node.parentNode);
+    const place = places.get(parentOf(node));
     if (!place) continue;
     if (node.nodeType === Node.TEXT_NODE) {
       place.into.append(node.data);
-    } else if (node instanceof HTMLElement && !kUnread.has(node.localName)) {
-      const stays = kAllowed[node.localName] && (place.depth < kDeepest || !kNesting.has(node.localName));
+    } else if (node instanceof HTMLElement && !kUnread.has(nameOf(node))) {
+      const stays = kAllowed[nameOf(node)] && (place.depth < kDeepest || !kNesting.has(nameOf(node)));
       places.set(node, stays ? {into: place.into.appendChild(node.cloneNode()), depth: place.depth + 1} : place);
     }
   }
