@@ -12,8 +12,9 @@ class FakePopupWindow : public ui::PopupWindow {
   ui::PopupMenus* menus = nullptr;
   bool isVisible = false;
   bool isMinimised = false;
-  bool obeys = true;             ///< shows and hides when it is told to
-  std::int32_t showFailure = 0;  ///< the number with which showing fails
+  std::int32_t minimiseFailure = 0;  ///< number of it, 0 for none
+  bool obeys = true;                 ///< shows and hides when it is told to
+  std::int32_t showFailure = 0;      ///< the number with which showing fails
   std::int32_t windowHandle = 55;
   float topTwips = 0;
   float leftTwips = 0;
@@ -45,6 +46,7 @@ class FakePopupWindow : public ui::PopupWindow {
   }
   [[nodiscard]] bool minimised() const override { return isMinimised; }
   void minimise() override {
+    if (minimiseFailure != 0) throw base::Failure(minimiseFailure);
     told("minimise");
     isMinimised = true;
     if (events != nullptr) events->Form_Resize();

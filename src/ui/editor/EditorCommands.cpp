@@ -151,17 +151,17 @@ void PlayListEditor::deleteListItem() {
     return;
   }
   // The list may be another behind the question: then nothing is taken from what it shows now.
-  if (!item->held()) return disableButtons();
+  if (!item->held()) {
+    disableButtons();
+    if (models_.ListView1.count() == 0) plain("index not > 1 in delete_button click");
+    return;
+  }
   stillThere(list).removeItem(media);
   takeFromList(item);
 }
 
 void PlayListEditor::takeFromList(const ItemRef& item) {
   KeyedList& list = models_.ListView1;
-  if (list.count() == 0) {
-    plain("index not > 1 in delete_button click");
-    return;
-  }
   const std::size_t index = list.indexOf(*item);
   if (index == 1 && list.count() == 1) {
     // The next selection falls back to the tree.

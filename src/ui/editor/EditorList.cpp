@@ -69,10 +69,10 @@ void PlayListEditor::ListView1_ItemClick(const ItemRef& item) {
     // It is the state that is asked, and not the argument.
     if (!now_.CurrentListItem) return disableButtons();
     now_.CurrentListItem = item;
-    if (!Present(item).held()) return disableButtons();
+    if (item && !item->held()) return disableButtons();
     enable(Control::kDelete_Button, now_.Delete_Button, true);
     enable(Control::kRename_Button, now_.Rename_Button, false);
-    const std::size_t index = models_.ListView1.indexOf(*item);
+    const std::size_t index = models_.ListView1.indexOf(Present(item));
     enable(Control::kMoveUp_Button, now_.MoveUp_Button, index != 1);
     enable(Control::kMoveDown_Button, now_.MoveDown_Button, index < models_.ListView1.count());
   });

@@ -83,6 +83,7 @@ void PopupControls::clearImage() {
 std::int32_t PopupControls::controlHeight() {
   std::int32_t height = PopupWindow::kBarHeight;
   if (!in_.form.loaded()) return height;
+  film_ = false;
   Attempt step;
   step([&] {
     const std::int32_t state = in_.form.wmp9().playState();
@@ -91,12 +92,31 @@ std::int32_t PopupControls::controlHeight() {
     if (!media || idle) return;
     if (media->imageSourceHeight() > 0) {
       height = PopupWindow::kPictureHeight;
+      film_ = true;
       in_.calls.SetDisplayControls(true);  // a video always shows
     } else if (in_.state.ShowVisualizations) {
       height = PopupWindow::kPictureHeight;
     }
   });
   return height;
+}
+
+// A title of the same album as the last one lays nothing out by itself, and may be a film all the same.
+void PopupControls::transportChanged() {
+  if (filmPlays() != film_) LayoutControls();
+  bar_.refresh();
+}
+
+bool PopupControls::filmPlays() {
+  bool film = film_;
+  if (!in_.form.loaded()) return film;
+  Attempt step;
+  step([&] {
+    if (in_.form.wmp9().playState() != player::kPlaying) return;
+    const player::MediaRef media = in_.form.wmp9().currentMedia();
+    film = media && media->imageSourceHeight() > 0;
+  });
+  return film;
 }
 
 void PopupControls::LayoutControls() {

@@ -52,7 +52,7 @@ class PopupControls : public player::PopupView {
   void LayoutControls() override;
   void check(const std::string& menuItem, bool value) override { in_.menus.check(menuItem, value); }
   void armVisibility() override { Visibility_->enabled(true); }
-  void transportChanged() override { bar_.refresh(); }
+  void transportChanged() override;
 
   [[nodiscard]] TransportBar& bar() { return bar_; }
   [[nodiscard]] const base::Timer& Visibility() const { return *Visibility_; }
@@ -65,12 +65,15 @@ class PopupControls : public player::PopupView {
   /// What really happened: the device and the setting.
   void tell(const std::string& code, bool shown);
   [[nodiscard]] std::int32_t controlHeight();
+  /// While nothing plays it is as it was: a pause or a stop says nothing of another title.
+  [[nodiscard]] bool filmPlays();
 
   PopupParts in_;
   TransportBar bar_;
   std::unique_ptr<base::Timer> Visibility_;
   std::int32_t windowHeight_ = 0;
   bool hasImage_ = false;
+  bool film_ = false;  ///< what was laid out last was one
 };
 
 }  // namespace ui

@@ -33,6 +33,20 @@ TEST_F(WholeEditor, APlaylistIsMadeRenamedAndDeleted) {
   EXPECT_THAT(members("Autumn"), ElementsAre("Sky", "Sea"));
 }
 
+TEST_F(WholeEditor, TheDeleteButtonServesThePaneThatHadTheFocusLast) {
+  open();
+  clickItem("Sea");
+  answer("alt+y");
+  clickAt(middleOf(Control::kDelete_Button));
+  ASSERT_TRUE(becomes("Autumn", {"Sky"}));
+  EXPECT_EQ(said, "Are you sure you want to delete Sea from the playlist?");
+  clickNode("Winter");
+  answer("alt+y");
+  clickAt(middleOf(Control::kDelete_Button));
+  ASSERT_TRUE(until([&] { return named("Winter") == nullptr; }));
+  EXPECT_EQ(said, "Are you sure you want to delete the entire playlist: Winter?");
+}
+
 TEST_F(WholeEditor, WhatIsDroppedIsInTheFile) {
   open();
   EXPECT_THAT(listed(), ElementsAre("Sky", "Sea"));

@@ -201,7 +201,9 @@ TEST_F(ControlsWindow, ADoubleClickOnTheCoverAndOnThePicture) {
   ASSERT_TRUE(cover->isVisible());
   clickAt(middleOf(*cover), 2);
   EXPECT_TRUE(reported("double click on Image1"));
-  support::ScreenShot("popup-cover");
+  const QPoint middle = middleOf(*cover);
+  EXPECT_TRUE(
+      until([&] { return support::ScreenShot("popup-cover").pixelColor(middle) == QColor(Qt::darkGreen); }));
   tool({"mousemove", "1000", "700"});
   clickAt(middleOf(pane().picture()), 2);
   EXPECT_TRUE(reported("double click on the player"));

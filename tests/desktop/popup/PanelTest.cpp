@@ -1,6 +1,8 @@
 // The icon in a panel that takes icons over the session bus.
 #include <gmock/gmock.h>
 
+#include <QtWidgets/QApplication>
+
 #include <cstdlib>
 
 #include "desktop/popup/TrayIcon.hpp"
@@ -69,6 +71,18 @@ TEST_F(IconInAPanel, StandsThereAndTellsOfItsClicks) {
   EXPECT_THAT(journal.lines(), ElementsAre("message 514"));
   press("ContextMenu");
   EXPECT_TRUE(until([&] { return journal.has("message 516"); }));
+}
+
+TEST_F(IconInAPanel, TwoClicksAreADoubleClickAndTheThirdIsOneOfItsOwn) {
+  QApplication::setDoubleClickInterval(10 * 60 * 1000);
+  startPanel();
+  icon->add("Vantorix Media Player");
+  ASSERT_TRUE(stands());
+  for (std::size_t clicks = 1; clicks <= 3; ++clicks) {
+    press("Activate");
+    ASSERT_TRUE(until([&] { return journal.lines().size() == clicks; }));
+  }
+  EXPECT_THAT(journal.lines(), ElementsAre("message 514", "message 515", "message 514"));
 }
 
 TEST_F(IconInAPanel, StandsInAPanelThatStartsLater) {

@@ -86,7 +86,14 @@ TEST_F(TrayIcon, ASingleClickIsAMessageOfItsOwn) {
   startArea();
   icon->add("Vantorix Media Player");
   ASSERT_TRUE(stands());
-  support::ScreenShot("tray");
+  const QRect at(shownIcon()->mapToGlobal(QPoint(0, 0)), shownIcon()->size());
+  constexpr QRgb kGround = 0xff2f55e0;
+  EXPECT_TRUE(until([&] {
+    const QImage seen = support::ScreenShot("tray").copy(at);
+    for (int x = 0; x < seen.width(); ++x)
+      if (seen.pixel(x, seen.height() / 2) == kGround) return true;
+    return false;
+  })) << "the icon's own colour";
   click(1);
   EXPECT_TRUE(until([&] { return !journal.lines().empty(); }));
   EXPECT_THAT(journal.lines(), ElementsAre("message 514"));
@@ -102,6 +109,24 @@ TEST_F(TrayIcon, ADoubleClickIsOneMessage) {
   click(3);
   ASSERT_TRUE(until([&] { return journal.has("message 516"); }));
   EXPECT_EQ(journal.count("message 515"), 1U);
+}
+
+TEST_F(TrayIcon, ItsAreaMayDieInTheMiddleOfItsClick) {
+  startArea();
+  icon->add("Vantorix Media Player");
+  ASSERT_TRUE(stands());
+  reports.onRightButton = [this] {
+    area.reset();
+    icon->popUpMenu();
+  };
+  click(3);
+  ASSERT_TRUE(until([&] { return journal.has("message 516") && !icon->canBeSeen(); }));
+  if (menu() != nullptr) menu()->close();
+  reports.onRightButton = [] {};
+  startArea();
+  ASSERT_TRUE(stands());
+  click(3);
+  EXPECT_TRUE(until([&] { return journal.count("message 516") == 2; }));
 }
 
 TEST_F(TrayIcon, MayBeTakenAwayInTheMiddleOfItsClick) {

@@ -175,6 +175,24 @@ TEST_F(Clicks, EnterOpensTheLabelAndCtrlCPicksUp) {
   EXPECT_EQ(state().ClipItem, node("AlbumBlueSky")) << "a whole playlist is not picked up";
 }
 
+TEST_F(Clicks, TheTreeHasNoKeyThatPastes) {
+  click("AlbumBlue");
+  click("AlbumBlueSky");
+  treeKey(ui::editor::kCKey, kCtrlDown);
+  journal.clear();
+  treeKey(ui::editor::kVKey, kCtrlDown);
+  EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(Clicks, AMissingFileIsMarkedInEachKindOfGroup) {
+  for (const std::string group : {"AlbumBlue", "ArtistAnn", "GenreFolk", "PlayListAutumn"}) {
+    click(group);
+    const auto member = node(group + "Sky");
+    click(member);
+    EXPECT_EQ(member->text(), "File not found: file:Sky") << group;
+  }
+}
+
 TEST_F(Clicks, InsertAsksForANewPlaylistAndDeleteDeletes) {
   click("PlayListWinter");
   window.events->TreeView1_GotFocus();
@@ -184,8 +202,10 @@ TEST_F(Clicks, InsertAsksForANewPlaylistAndDeleteDeletes) {
   treeKey(ui::editor::kDeleteKey);
   EXPECT_TRUE(
       journal.has("window: confirmation: Are you sure you want to delete the entire playlist: Winter?"));
-  click("AlbumBlue");
-  journal.clear();
-  treeKey(ui::editor::kDeleteKey);
-  EXPECT_THAT(journal.lines(), IsEmpty()) << "the button is disabled";
+  for (const char* key : {"Album", "PlayList", "AlbumBlue"}) {
+    click(key);
+    journal.clear();
+    treeKey(ui::editor::kDeleteKey);
+    EXPECT_THAT(journal.lines(), IsEmpty()) << key << ": the button is disabled";
+  }
 }

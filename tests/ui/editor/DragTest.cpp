@@ -180,3 +180,42 @@ TEST_F(Drag, OpenedAnewNothingIsUnderWay) {
   open();
   EXPECT_FALSE(state().Dragging);
 }
+
+TEST_F(Drag, EachFailureIsToldUnderTheNameOfWhatFailed) {
+  click("AlbumBlue");
+  click("AlbumBlueSky");
+  window.item = item(1);
+  auto& events = *window.events;
+  const auto told = [&](const char* call, const char* name, const std::function<void()>& event) {
+    window.messages.clear();
+    window.failing = {call};
+    event();
+    window.failing.clear();
+    EXPECT_THAT(window.messages, ElementsAre(report(name, 57))) << call;
+  };
+  told("hit test", "TreeView1 MouseDown", [&] { events.TreeView1_MouseDown(kLeftButton, 0, 0, 0); });
+  told("hit test", "ListView1 MouseDown", [&] { events.ListView1_MouseDown(kLeftButton, 0, 0, 0); });
+  told("label edit", "TreeView1_KeyDown", [&] { events.TreeView1_KeyDown(ui::editor::kEnterKey, 0); });
+  told("drag begins in TreeView1", "Treeview1 MouseMove",
+       [&] { events.TreeView1_MouseMove(kLeftButton, 0, 0, 0); });
+  told("drag begins in ListView1", "Listview1 MouseMove",
+       [&] { events.ListView1_MouseMove(kLeftButton, 0, 0, 0); });
+  told("ListView1 drags No", "TreeView1_DragOver",
+       [&] { events.TreeView1_DragOver(Control::kListView1, 0, 0, DragState::kOver); });
+  told("TreeView1 drags Drag", "ListView1_DragOver",
+       [&] { events.ListView1_DragOver(Control::kTreeView1, 0, 1000, DragState::kOver); });
+  told("hit test", "ListView1_DragDrop", [&] { events.ListView1_DragDrop(Control::kTreeView1, 0, 1000); });
+  EXPECT_FALSE(state().Dragging) << "the drag has ended all the same";
+  told("ListView1 pointer 0", "TreeView1_DragDrop",
+       [&] { events.TreeView1_DragDrop(Control::kListView1, 0, 0); });
+  told("label edit", "TreeView1_NodeClick", [&] { events.TreeView1_NodeClick(node("URLURL")); });
+}
+
+TEST_F(Drag, WhatNoBranchHoldsIsReportedWhenItIsAskedWhetherItCanBeCopied) {
+  click("AlbumBlue");
+  const auto sky = node("AlbumBlueSky");
+  click("PlayList");  // a root has no parent
+  window.messages.clear();
+  EXPECT_FALSE(form().IsCopyable(sky));
+  EXPECT_THAT(window.messages, ElementsAre(report("IsCopyable", 91)));
+}

@@ -89,8 +89,14 @@ class FakeEditorWindow : public editor::EditorWindow {
       disabled.insert(button);
   }
   void focus(Control pane) override { told("focus " + nameOf(pane)); }
-  editor::NodeRef nodeAt(float /*x*/, float /*y*/) override { return node; }
-  editor::ItemRef itemAt(float /*x*/, float /*y*/) override { return item; }
+  editor::NodeRef nodeAt(float /*x*/, float /*y*/) override {
+    failWhereWanted("hit test");
+    return node;
+  }
+  editor::ItemRef itemAt(float /*x*/, float /*y*/) override {
+    failWhereWanted("hit test");
+    return item;
+  }
   void ensureVisible(const editor::NodeRef& shown) override { told("brings into sight " + shown->key()); }
   void ensureVisible(const editor::ItemRef& shown) override { told("brings into sight " + shown->text()); }
   void startLabelEdit() override { told("label edit"); }
@@ -127,6 +133,9 @@ class FakeEditorWindow : public editor::EditorWindow {
   static std::string nameOf(Control control) { return editor::layout::Of(control).name; }
   void told(const std::string& what) {
     if (journal != nullptr) journal->add("window: " + what);
+    failWhereWanted(what);
+  }
+  void failWhereWanted(const std::string& what) const {
     if (failing.count(what) > 0) throw base::Failure(base::number::kDeviceIo);
   }
 };

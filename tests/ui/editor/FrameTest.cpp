@@ -12,6 +12,7 @@ class Frame : public support::EditorHouse {};
 }  // namespace
 
 TEST_F(Frame, TheHousesMenuOpensItAtTheTopLeftTheFirstTime) {
+  plugin.state.ProgressWindowAllowed = false;
   callVxif("SelectMenu", "PlayList Editor");
   EXPECT_TRUE(window.isShown);
   EXPECT_TRUE(window.isEnabled);
@@ -54,6 +55,47 @@ TEST_F(Frame, AStoredPlaceIsANumberInFront) {
   host->settings["playlisteditortop"] = "none";
   form().Form_Load();
   EXPECT_EQ(window.top(), 0);
+}
+
+TEST_F(Frame, AWindowWithoutAStoredPlaceOrWithANegativeOneStandsAtTheCorner) {
+  window.topTwips = 700;
+  window.leftTwips = 300;
+  open();
+  EXPECT_EQ(window.top(), 0);
+  EXPECT_EQ(window.left(), 0);
+  host->settings["playlisteditortop"] = "-30";
+  window.topTwips = 700;
+  form().Form_Load();
+  EXPECT_EQ(window.top(), 0);
+}
+
+TEST_F(Frame, ThePlaceIsReadUnderTheOneSpelling) {
+  host->silent.clear();
+  callVxif("SelectMenu", "PlayList Editor");
+  EXPECT_THAT(journal.with("GetINISetting(\"Settings\", \"PlaylistEditor"),
+              ElementsAre("GetINISetting(\"Settings\", \"PlaylistEditorTop\", 0, \"vxif_WMP.ini\")",
+                          "GetINISetting(\"Settings\", \"PlaylistEditorLeft\", 0, \"vxif_WMP.ini\")"));
+}
+
+TEST_F(Frame, TheLongReadBeginsAndEndsStepByStep) {
+  open();
+  journal.clear();
+  form().Please_Wait(true);
+  EXPECT_THAT(journal.with("window: "),
+              ElementsAre("window: screen pointer 11", "window: disabled", "window: hides TreeView1",
+                          "window: hides ListView1", "window: hides PlayListDropBox", "window: shows WaitBox",
+                          "window: repaint"));
+  journal.clear();
+  form().Please_Wait(false);
+  EXPECT_THAT(
+      journal.with("window: "),
+      ElementsAre("window: shows TreeView1", "window: shows ListView1", "window: shows PlayListDropBox",
+                  "window: hides WaitBox", "window: enabled", "window: screen pointer 0", "window: repaint"));
+  window.failing = {"disabled"};
+  form().Please_Wait(true);
+  window.failing = {"close"};
+  form().Close_Button_Click();
+  EXPECT_THAT(window.messages, ElementsAre(report("Please_Wait", 57), report("Close_Button_Click", 57)));
 }
 
 TEST_F(Frame, ClosingKeepsThePlaceUnderTheOtherSpelling) {
@@ -152,10 +194,20 @@ TEST_F(Frame, ADeniedLoadHasWordsOfItsOwn) {
 TEST_F(Frame, MessagesHaveTheirForms) {
   using ui::editor::FormOf;
   using ui::editor::MessageAnswer;
+  using ui::editor::MessageButtons;
+  using ui::editor::MessageIcon;
   using ui::editor::MessageKind;
   EXPECT_STREQ(FormOf(MessageKind::kWarning).title, "Vantorix PlayList Editor");
   EXPECT_STREQ(FormOf(MessageKind::kErrorReport).title, "Media Player Error");
   EXPECT_STREQ(FormOf(MessageKind::kConfirmation).title, "Confirm PlayList Deletion");
   EXPECT_EQ(FormOf(MessageKind::kConfirmation).byDefault, MessageAnswer::kNo);
   EXPECT_EQ(FormOf(MessageKind::kWarning).byDefault, MessageAnswer::kOk);
+  EXPECT_EQ(FormOf(MessageKind::kPlain).buttons, MessageButtons::kOk);
+  EXPECT_EQ(FormOf(MessageKind::kPlain).icon, MessageIcon::kNone);
+  EXPECT_EQ(FormOf(MessageKind::kWarning).buttons, MessageButtons::kOkCancel);
+  EXPECT_EQ(FormOf(MessageKind::kWarning).icon, MessageIcon::kExclamation);
+  EXPECT_EQ(FormOf(MessageKind::kConfirmation).buttons, MessageButtons::kYesNo);
+  EXPECT_EQ(FormOf(MessageKind::kConfirmation).icon, MessageIcon::kNone);
+  EXPECT_EQ(FormOf(MessageKind::kErrorReport).buttons, MessageButtons::kOk);
+  EXPECT_EQ(FormOf(MessageKind::kErrorReport).icon, MessageIcon::kCritical);
 }

@@ -23,6 +23,17 @@ class List : public support::EditorHouse {
   }
 };
 
+/// Counts how often its source is asked for.
+class Counted : public support::FakeMedia {
+ public:
+  using FakeMedia::FakeMedia;
+  [[nodiscard]] std::string sourceURL() const override {
+    ++asked;
+    return FakeMedia::sourceURL();
+  }
+  mutable int asked = 0;
+};
+
 std::string Multiple(const std::string& title, const std::string& name) {
   return "Warning: \"" + title + "\" appears multiple times in PlayList \"" + name +
          "\".  Multiple appearances do not appear, and are not supported in this editor.   Reordering items "
@@ -61,6 +72,8 @@ TEST_F(List, ThePlaylistThatIsShownAlreadyIsNotReadAnew) {
 }
 
 TEST_F(List, APlaylistWithNoItemsIsAnEmptyList) {
+  click(item(1));
+  ASSERT_EQ(buttons(), "Delete Down ");
   playlist("Winter")->members.clear();
   choose("Winter");
   EXPECT_THAT(listed(), IsEmpty());
@@ -78,7 +91,7 @@ TEST_F(List, APlaylistThatCanNotBeReadIsAnEmptyListWithoutAWord) {
 }
 
 TEST_F(List, ATitleThreeTimesIsTwoWarningsAndOneItem) {
-  auto again = std::make_shared<support::FakeMedia>("Moss", "", "", "");
+  auto again = std::make_shared<Counted>("Moss", "", "", "");
   again->url = "elsewhere";
   auto& members = playlist("Winter")->members;
   members = {track("Moss"), again, again, track("Two")};
@@ -87,6 +100,23 @@ TEST_F(List, ATitleThreeTimesIsTwoWarningsAndOneItem) {
   EXPECT_THAT(window.messages, ElementsAre(Multiple("Moss", "Winter"), Multiple("Moss", "Winter")));
   EXPECT_THAT(listed(), ElementsAre("Moss", "Two"));
   EXPECT_EQ(item(1)->tag, "file:Moss") << "the first appearance's";
+  EXPECT_EQ(again->asked, 0) << "a skipped one is not asked for its source";
+}
+
+TEST_F(List, TheClipNeedsCtrl) {
+  click(item(1));
+  key(ui::editor::kCKey);
+  key(ui::editor::kXKey, kShiftDown);
+  EXPECT_EQ(state().ClipItem, nullptr);
+  key(ui::editor::kCKey, kCtrlDown);
+  EXPECT_EQ(state().ClipItem, item(1));
+  EXPECT_EQ(state().ClipSource, Control::kListView1);
+  EXPECT_EQ(state().ClipIsCopy, 1);
+  key(ui::editor::kXKey, kCtrlDown);
+  EXPECT_EQ(state().ClipIsCopy, 0);
+  journal.clear();
+  key(ui::editor::kVKey);
+  EXPECT_THAT(journal.lines(), IsEmpty());
 }
 
 TEST_F(List, CancelSilencesTheWarningOfDuplicates) {
@@ -109,10 +139,13 @@ TEST_F(List, AWarningWithinAFillMayLetOtherEventsIn) {
 }
 
 TEST_F(List, AFailureGivesUpTheRestOfTheFill) {
+  const auto kept = item(1);
+  click(kept);
   playlist("Winter")->members = {track("One"), nullptr, track("Two")};
   choose("Winter");
   EXPECT_THAT(listed(), ElementsAre("One"));
   EXPECT_THAT(window.messages, ElementsAre(report("PlayListDropBox_Click", 91)));
+  EXPECT_EQ(state().CurrentListItem, kept) << "it is left as it was";
 }
 
 TEST_F(List, ALongTitleWidensTheColumn) {

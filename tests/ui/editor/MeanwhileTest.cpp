@@ -182,6 +182,20 @@ TEST_F(Meanwhile, ATitleWhoseListGoesBehindTheQuestionIsNotDeleted) {
   window.events->Delete_Button_Click();
   EXPECT_THAT(stored("Autumn"), ElementsAre("Sky", "Leaf"));
   EXPECT_EQ(buttons(), "");
+  EXPECT_EQ(window.messages.back(), "index not > 1 in delete_button click");
+}
+
+TEST_F(Meanwhile, WhatThePlayerTellsReachesTheMarksAndNotThePanes) {
+  library.addPlaylist("Spring");
+  plugin.stale.PlayListsStale = false;
+  const auto before = below("PlayList");
+  const auto inTheBox = boxed();
+  journal.clear();
+  wmp9->events().PlaylistCollectionChange();
+  EXPECT_TRUE(plugin.stale.PlayListsStale);
+  EXPECT_EQ(below("PlayList"), before);
+  EXPECT_EQ(boxed(), inTheBox);
+  EXPECT_THAT(journal.with("library: "), IsEmpty());
 }
 
 TEST_F(Meanwhile, ADeletedPlaylistsHandleIsNotTakenForANewOneOfItsName) {

@@ -363,3 +363,40 @@ TEST_F(Move, APlaylistRenamedElsewhereIsSoughtByItsOldName) {
   EXPECT_THAT(changes(), IsEmpty());
   EXPECT_EQ(state().ListPlayList, nullptr);
 }
+
+TEST_F(Move, TheMoveButtonsAndRenameDoNotAskWhetherADragIsUnderWay) {
+  click(item(3));
+  window.events->ListView1_MouseMove(ui::editor::kLeftButton, 0, 0, 0);
+  ASSERT_TRUE(state().Dragging);
+  window.events->MoveUp_Button_Click();
+  EXPECT_THAT(changes(), ElementsAre("library: move 2 to 1"));
+  window.events->Rename_Button_Click();
+  EXPECT_TRUE(journal.has("window: label edit"));
+}
+
+TEST_F(Move, WithoutACurrentItemAMoveIsReported) {
+  window.events->ListView1_GotFocus();
+  window.events->MoveUp_Button_Click();
+  window.events->MoveDown_Button_Click();
+  EXPECT_THAT(window.messages,
+              ElementsAre(report("MoveUp_Button_Click", 91), report("MoveDown_Button_Click", 91)));
+}
+
+TEST_F(Move, AnAddressShowsTheNameThatTheLibraryKeepsForIt) {
+  click("URLURL");
+  editLabel(node("URLURL"), "http://station");
+  tree().text(node("URLURL"), "My station");
+  journal.clear();
+  drag(Control::kTreeView1, item(1));
+  EXPECT_EQ(item(1)->text(), "http://station") << "the library has refused the other name";
+  EXPECT_EQ(node("URLURL")->text(), "http://station");
+  EXPECT_EQ(item(1)->key(), "PlayListWinterMy station");
+  EXPECT_THAT(journal.with("SaveINISetting(\"Media Library\""), SizeIs(1));
+}
+
+TEST_F(Move, AMemberLeavesItsPlaylistAlsoWhereTheOtherCanNotBeRead) {
+  playlist("Winter")->title = "Frost";
+  dragNode("PlayListAutumn", "Leaf", item(1));
+  EXPECT_THAT(changes(), ElementsAre("library: remove Leaf from Autumn"));
+  EXPECT_EQ(item(1)->text(), "Leaf");
+}

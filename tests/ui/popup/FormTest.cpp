@@ -19,6 +19,14 @@ TEST_F(Form, ClosingItByItsFrameHidesItAndTurnsTheDeviceOff) {
   EXPECT_TRUE(journal.has(R"(SetDeviceStatus("Q10", 3))"));
 }
 
+TEST_F(Form, AWindowThatCantBeMinimisedIsToldInTheLogAndStays) {
+  shown();
+  window.minimiseFailure = base::number::kDeviceIo;
+  EXPECT_TRUE(window.events->Form_QueryUnload(ui::PopupWindowEvents::kByTheUser));
+  EXPECT_TRUE(logged("Error", "Media Player Error# 57: Input or output failed"));
+  EXPECT_TRUE(plugin.state.DisplayControlsShown);
+}
+
 TEST_F(Form, MinimisingItHidesIt) {
   shown();
   window.isMinimised = true;

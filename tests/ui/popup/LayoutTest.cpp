@@ -78,6 +78,33 @@ TEST_F(Layout, AVideoThatStartsWithTheControlsHiddenShowsThem) {
   EXPECT_TRUE(journal.has(device("Show")));
 }
 
+TEST_F(Layout, AFilmBehindATitleOfTheSameAlbumShowsTheControlsToo) {
+  shown();
+  const auto goesTo = [&](std::int32_t state, std::int32_t height) {
+    play(state, height);
+    wmp9->events().PlayStateChange(state);
+    loop.advance(base::Milliseconds(20));
+  };
+  goesTo(player::kPlaying, 0);
+  plugin.calls.SetDisplayControls(false);
+  second();
+  ASSERT_FALSE(window.isVisible);
+  goesTo(player::kTransitioning, 480);
+  goesTo(player::kPlaying, 480);
+  EXPECT_EQ(window.shownHeight, 212);
+  second();
+  EXPECT_TRUE(window.isVisible);
+  plugin.calls.SetDisplayControls(false);
+  second();
+  goesTo(player::kPaused, 480);
+  goesTo(player::kPlaying, 480);
+  second();
+  EXPECT_FALSE(window.isVisible) << "it was hidden while it played";
+  goesTo(player::kTransitioning, 0);
+  goesTo(player::kPlaying, 0);
+  EXPECT_EQ(window.shownHeight, 62);
+}
+
 TEST_F(Layout, ACoverStandsAboveTheBar) {
   play(player::kPlaying);
   cover();
