@@ -49,12 +49,6 @@ std::string Readable(const std::string& trigger) {
   return out;
 }
 
-/// What is said waits to be said, and is kept so long.
-std::string Sayable(std::string text) {
-  CheckLength("What is to be said", text);
-  return text;
-}
-
 std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectRef& system) {
   return {
       Operation("Version", {}, Type::kText, [&house] { return house.version; }),
@@ -82,9 +76,14 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
       Command("WriteLog", {Text("type"), Text("text"), Text("more", "")},
               [&house](Args& args) { house.log.write(TextAt(args, 0), TextAt(args, 1) + TextAt(args, 2)); }),
       Command("Speak", {Text("text"), Flag("wait", false)},
-              [&waits](Args& args) { waits.speak(Sayable(TextAt(args, 0)), FlagAt(args, 1)); }),
+              [&waits](Args& args) {
+                waits.speak(Bounded(TextAt(args, 0), kLongestPlainText), FlagAt(args, 1));
+              }),
       Operation("Say", {Text("text")}, Type::kText,
-                [&house](Args& args) { return house.onSay(Sayable(TextAt(args, 0))); }),
+                [&house](Args& args) {
+                  CheckLength("What is to be said", TextAt(args, 0));
+                  return house.onSay(TextAt(args, 0));
+                }),
       Operation("TriggerEvent", {Text("name")}, Type::kBoolean,
                 [&house](Args& args) { return house.onScriptTrigger(TextAt(args, 0)); }),
       Command("WaitEvents", {}, [&waits] { waits.pendingEvents(); }),

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/Failure.hpp"
+#include "standin/house/Quotas.hpp"
 
 namespace standin {
 namespace {
@@ -17,14 +18,6 @@ constexpr std::int64_t kTrimEvery = 256;
 constexpr std::size_t kLongestType = 64;
 
 constexpr std::array<std::string_view, 2> kForTheOwnerAlone{"Speech", "Voice"};
-
-/// At most so many bytes, cut between characters.
-std::string Bounded(const std::string& text, std::size_t longest) {
-  if (text.size() <= longest) return text;
-  std::size_t cut = longest;
-  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
-  return text.substr(0, cut) + "…";
-}
 
 }  // namespace
 

@@ -9,6 +9,14 @@ namespace standin {
 /// Of any text of the house's that has no bound of its own, in bytes.
 inline constexpr std::size_t kLongestPlainText = std::size_t{64} << 10U;
 
+/// The text, or its beginning and "…" where it has more bytes; no character is cut in two.
+inline std::string Bounded(const std::string& text, std::size_t longest) {
+  if (text.size() <= longest) return text;
+  std::size_t cut = longest;
+  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
+  return text.substr(0, cut) + "…";
+}
+
 /// Throws number 6 where the text is longer. `what` begins the sentence: "A text of a device".
 inline void CheckLength(const std::string& what, const std::string& text,
                         std::size_t most = kLongestPlainText) {

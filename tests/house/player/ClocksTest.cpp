@@ -71,13 +71,15 @@ TEST_F(PlayerClocks, AllWhoShowThePositionTurnAtOnce) {
   ASSERT_TRUE(listener.shows(".playing-now .position:not(:disabled)"));
   EXPECT_EQ(listener.browser.run("return document.querySelectorAll('.position').length"), 1)
       << "the bar leaves it to this page";
-  // What changes in one turn is told in one piece; the browser draws it once.
+  // What changes in one turn is told in one piece; the browser draws it once. A word of the house may write
+  // the page's position in between.
   EXPECT_EQ(listener.browser.runAsync(R"(
       const done = arguments[0];
       const shown = {page: document.querySelector('.playing-now .passed'), bar: document.querySelector('.player-reached')};
+      let alone = 0;
       const look = new MutationObserver((changes) => {
         const turned = Object.keys(shown).filter((each) => changes.some(({target}) => shown[each].contains(target)));
-        if (!turned.includes('page')) return;
+        if (!turned.includes('page') || turned.length === 1 && ++alone < 3) return;
         look.disconnect();
         done(turned);
       });
