@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 
 #include <array>
 #include <cerrno>
@@ -179,8 +180,9 @@ void MakeFolder(const std::string& folder, mode_t mode) {
     missing.push_back(made.string());
     if (made == made.parent_path()) break;
   }
-  for (auto made = missing.rbegin(); made != missing.rend(); ++made) {
-    if (::mkdir(made->c_str(), mode) != 0 && errno != EEXIST)
+  std::reverse(missing.begin(), missing.end());  // the outermost first
+  for (const std::string& made : missing) {
+    if (::mkdir(made.c_str(), mode) != 0 && errno != EEXIST)
       throw FileFailure(errno, folder, "Can't make the folder ");
   }
   if (!fs::is_directory(folder, failed)) throw FileFailure(ENOTDIR, folder, "Can't make the folder ");
