@@ -1,5 +1,5 @@
 // What the editor's commands leave behind: in the box, in the cross-reference of names, of what was read.
-#include "ui/editor/EditorHouse.hpp"
+#include "ui/editor/CommandsHouse.hpp"
 
 using support::MessageAnswer;
 using ::testing::Each;
@@ -10,23 +10,7 @@ using ::testing::StartsWith;
 
 namespace {
 
-class Aftermath : public support::EditorHouse {
- protected:
-  void SetUp() override {
-    EditorHouse::SetUp();
-    open();
-  }
-  void makeNew(const std::string& name) {
-    window.typed = name;
-    window.events->New_PlayList_Click();
-  }
-  void choosePlayList(const std::string& name) {
-    window.events->TreeView1_GotFocus();
-    click("PlayList" + name);
-    journal.clear();
-    window.messages.clear();
-  }
-};
+class Aftermath : public support::CommandsHouse {};
 
 }  // namespace
 

@@ -1,5 +1,5 @@
 // New, rename, delete and the file dialog.
-#include "ui/editor/EditorHouse.hpp"
+#include "ui/editor/CommandsHouse.hpp"
 
 using support::Control;
 using support::MessageAnswer;
@@ -13,23 +13,8 @@ constexpr const char* kDenied =
     "Error: Permission Denied, check Windows Media Player \"Tools-->Options-->Media Library-->Internet Site "
     "Rights\"";
 
-class Commands : public support::EditorHouse {
+class Commands : public support::CommandsHouse {
  protected:
-  void SetUp() override {
-    EditorHouse::SetUp();
-    open();
-  }
-  void makeNew(const std::string& name) {
-    window.typed = name;
-    window.events->New_PlayList_Click();
-  }
-  /// Chooses a playlist in the tree, as if by mouse.
-  void choosePlayList(const std::string& name) {
-    window.events->TreeView1_GotFocus();
-    click("PlayList" + name);
-    journal.clear();
-    window.messages.clear();
-  }
   void deleteItem(std::size_t position) {
     click(item(position));
     journal.clear();
