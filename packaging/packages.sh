@@ -20,7 +20,7 @@ TEST_PACKAGES=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   clang lld libclang-rt-14-dev clang-format clang-tidy shellcheck
   chromium chromium-driver python3 ffmpeg espeak-ng
-  xvfb xdotool openbox trayer x11-utils imagemagick weston qt6-wayland playerctl desktop-file-utils
+  xvfb tigervnc-standalone-server x11-xserver-utils xdotool openbox trayer x11-utils imagemagick weston qt6-wayland playerctl desktop-file-utils
   systemd
 )
 # What bench/engine/beside-mpd.sh takes beside those of the build.
