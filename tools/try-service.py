@@ -28,8 +28,11 @@ def run(*words, **more):
 def score(folder):
     """Fails where the sandbox has become wider."""
     unit = folder / 'vantorix.service'
-    unit.write_text(run(ROOT / 'packaging/service.sh', 'print').stdout, encoding='utf-8')
     environment = dict(os.environ, XDG_RUNTIME_DIR=os.environ.get('XDG_RUNTIME_DIR', str(folder)))
+    printed = run(ROOT / 'packaging/service.sh', 'print', env=environment)
+    if printed.returncode != 0:
+        sys.exit(printed.stderr)
+    unit.write_text(printed.stdout, encoding='utf-8')
     told = run('systemd-analyze', 'security', '--user', '--offline=true', f'--threshold={MOST_EXPOSED}', unit,
                env=environment)
     print((told.stdout + told.stderr).strip().splitlines()[-1])
@@ -112,6 +115,7 @@ def try_it(folder):
 
 
 def main():
+    os.environ.setdefault('HOME', str(pathlib.Path.home()))
     with tempfile.TemporaryDirectory(dir=pathlib.Path.home(), prefix='.vantorix-trial-') as name:
         folder = pathlib.Path(name)
         score(folder)
