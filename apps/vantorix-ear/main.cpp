@@ -4,8 +4,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -15,6 +13,7 @@
 #include "ear/GrowingSound.hpp"
 #include "ear/Messages.hpp"
 #include "ear/decoder/Decoder.hpp"
+#include "wire/Frames.hpp"
 
 namespace {
 
@@ -30,24 +29,16 @@ bool MoreHasCome() {
 /// std::out_of_range once the server has gone.
 template <class Idle>
 ear::Message Next(std::string& come, const Idle& idle) {
-  std::array<char, 65536> part{};
   while (true) {
     if (auto message = ear::TakeMessage(come)) return std::move(*message);
     if (!MoreHasCome()) idle();
-    const ssize_t got = ::read(STDIN_FILENO, part.data(), part.size());
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) throw std::out_of_range("The server has gone");
-    come.append(part.data(), static_cast<std::size_t>(got));
+    if (!wire::ReadMore(STDIN_FILENO, come)) throw std::out_of_range("The server has gone");
   }
 }
 
 void Tell(MessageKind kind, const std::string& content) {
-  const std::string framed = ear::Framed(kind, content);
-  for (std::size_t sent = 0; sent < framed.size();) {
-    const ssize_t count = ::write(STDOUT_FILENO, framed.data() + sent, framed.size() - sent);
-    if (count < 0 && errno != EINTR) throw std::out_of_range("The server has gone");
-    if (count > 0) sent += static_cast<std::size_t>(count);
-  }
+  if (!wire::WriteWhole(STDOUT_FILENO, ear::Framed(kind, content)))
+    throw std::out_of_range("The server has gone");
 }
 
 /// A grammar that nobody could say takes more memory than any machine has.

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "ear/Messages.hpp"
 #include "fuzz/Input.hpp"
+#include "fuzz/Stream.hpp"
 
 namespace {
 
@@ -70,26 +70,14 @@ void CheckSpelled(std::string_view bytes) {
   CheckNetwork(content);
 }
 
-/// The bytes come in pieces, of which their own first one tells the size.
 void CheckStream(std::string_view bytes, std::size_t longest) {
-  const std::size_t piece = bytes.empty() ? 1 : static_cast<unsigned char>(bytes.front()) % 16 + 1;
-  std::string come;
-  std::size_t taken = 0;
-  try {
-    for (std::size_t at = 0; at < bytes.size(); at += piece) {
-      come += bytes.substr(at, piece);
-      while (const auto message = ear::TakeMessage(come, longest)) {
-        Require(message->content.size() <= longest);
-        const std::string framed = ear::Framed(message->kind, message->content);
-        Require(bytes.substr(taken, framed.size()) == framed);
-        taken += framed.size();
-        CheckContent(message->content);
-      }
-      Require(taken + come.size() <= bytes.size());
-    }
-  } catch (const std::length_error&) {
-    Require(come.size() >= 8);  // a head that tells of too much
-  }
+  support::CheckStream(bytes, longest, [longest](std::string& come, const auto& each) {
+    const auto message = ear::TakeMessage(come, longest);
+    if (!message) return false;
+    each(ear::Framed(message->kind, message->content));
+    CheckContent(message->content);
+    return true;
+  });
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 // What comes from the process of a script: any bytes, in pieces. What can be read is written the same again.
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "fuzz/Input.hpp"
+#include "fuzz/Stream.hpp"
 #include "scripting/Messages.hpp"
 
 namespace {
@@ -28,28 +28,16 @@ void CheckContent(const scripting::Message& message) {
   }
 }
 
-/// The bytes come in pieces, of which their own first one tells the size.
 void CheckStream(std::string_view bytes, std::size_t longest) {
-  const std::size_t piece = bytes.empty() ? 1 : static_cast<unsigned char>(bytes.front()) % 16 + 1;
-  std::string come;
-  std::size_t taken = 0;
-  try {
-    for (std::size_t at = 0; at < bytes.size(); at += piece) {
-      come += bytes.substr(at, piece);
-      std::string_view left = come;
-      while (const auto message = scripting::TakeMessage(left, longest)) {
-        Require(message->content.size() <= longest);
-        const std::string framed = scripting::Framed(message->kind, message->content);
-        Require(bytes.substr(taken, framed.size()) == framed);
-        taken += framed.size();
-        CheckContent(*message);
-      }
-      come.erase(0, come.size() - left.size());
-      Require(taken + come.size() <= bytes.size());
-    }
-  } catch (const std::length_error&) {
-    Require(come.size() >= 8);  // a head that tells of too much
-  }
+  support::CheckStream(bytes, longest, [longest](std::string& come, const auto& each) {
+    std::string_view left = come;
+    const auto message = scripting::TakeMessage(left, longest);
+    if (!message) return false;
+    each(scripting::Framed(message->kind, message->content));
+    CheckContent(*message);
+    come.erase(0, come.size() - left.size());
+    return true;
+  });
 }
 
 }  // namespace

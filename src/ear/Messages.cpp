@@ -1,66 +1,37 @@
 #include "ear/Messages.hpp"
 
 #include <algorithm>
-#include <stdexcept>
+
+#include "wire/Bytes.hpp"
+#include "wire/Frames.hpp"
 
 namespace ear {
 namespace {
 
+using wire::PutNumber;
+using wire::PutText;
+
 constexpr std::size_t kNumber = 4;
 
-void Put(std::string& out, std::uint32_t value) {
-  for (unsigned shift = 0; shift < 32; shift += 8) out += static_cast<char>(value >> shift);
-}
-
-void PutText(std::string& out, std::string_view text) {
-  Put(out, static_cast<std::uint32_t>(text.size()));
-  out += text;
-}
-
-class Reader {
+class Reader : public wire::Bytes {
  public:
-  explicit Reader(std::string_view content) : left_(content) {}
-  std::uint32_t number() {
-    if (left_.size() < kNumber) return fail();
-    std::uint32_t value = 0;
-    for (std::size_t i = kNumber; i-- > 0;) value = value << 8U | static_cast<unsigned char>(left_[i]);
-    left_.remove_prefix(kNumber);
-    return value;
-  }
-  std::string text() {
-    const std::size_t size = number();
-    if (size > left_.size()) {
-      fail();
-      return {};
-    }
-    std::string text(left_.substr(0, size));
-    left_.remove_prefix(size);
-    return text;
-  }
+  using Bytes::Bytes;
   /// How many things of at least that size can still come.
   std::uint32_t count(std::size_t size) {
     const std::uint32_t value = number();
-    return value > left_.size() / size ? fail() : value;
+    if (value <= left() / size) return value;
+    fail();
+    return 0;
   }
   std::vector<std::string> texts() {
     std::vector<std::string> all(count(kNumber));
     for (std::string& each : all) each = text();
     return all;
   }
-  [[nodiscard]] bool good() const { return good_ && left_.empty(); }
-
- private:
-  std::uint32_t fail() {
-    good_ = false;
-    left_ = {};
-    return 0;
-  }
-  std::string_view left_;
-  bool good_ = true;
 };
 
 void PutTexts(std::string& out, const std::vector<std::string>& texts) {
-  Put(out, static_cast<std::uint32_t>(texts.size()));
+  PutNumber(out, static_cast<std::uint32_t>(texts.size()));
   for (const std::string& each : texts) PutText(out, each);
 }
 
@@ -79,17 +50,17 @@ bool InRange(const SpeechNetwork& network) {
 
 std::string Encoded(const SpeechNetwork& network) {
   std::string out;
-  Put(out, network.places);
-  Put(out, network.start);
-  Put(out, network.end);
+  PutNumber(out, network.places);
+  PutNumber(out, network.start);
+  PutNumber(out, network.end);
   PutTexts(out, network.words);
-  Put(out, static_cast<std::uint32_t>(network.arcs.size()));
+  PutNumber(out, static_cast<std::uint32_t>(network.arcs.size()));
   for (const SpeechNetwork::Arc& arc : network.arcs) {
-    Put(out, arc.from);
-    Put(out, arc.to);
-    Put(out, static_cast<std::uint32_t>(arc.word));
+    PutNumber(out, arc.from);
+    PutNumber(out, arc.to);
+    PutNumber(out, static_cast<std::uint32_t>(arc.word));
   }
-  Put(out, static_cast<std::uint32_t>(network.spellings.size()));
+  PutNumber(out, static_cast<std::uint32_t>(network.spellings.size()));
   for (const SpeechNetwork::Spelling& each : network.spellings) {
     PutText(out, each.word);
     PutText(out, each.written);
@@ -115,13 +86,13 @@ std::optional<SpeechNetwork> NetworkIn(std::string_view content) {
     each.word = reader.text();
     each.written = reader.text();
   }
-  if (!reader.good() || !InRange(network)) return std::nullopt;
+  if (!reader.whole() || !InRange(network)) return std::nullopt;
   return network;
 }
 
 std::string Encoded(const Learnt& learnt) {
   std::string out;
-  Put(out, learnt.words);
+  PutNumber(out, learnt.words);
   PutTexts(out, learnt.unspoken);
   return out;
 }
@@ -131,15 +102,15 @@ std::optional<Learnt> LearntIn(std::string_view content) {
   Learnt learnt;
   learnt.words = reader.number();
   learnt.unspoken = reader.texts();
-  if (!reader.good()) return std::nullopt;
+  if (!reader.whole()) return std::nullopt;
   return learnt;
 }
 
 std::string Encoded(const Heard& heard) {
   std::string out;
-  Put(out, heard.speech ? 1 : 0);
+  PutNumber(out, heard.speech ? 1 : 0);
   PutText(out, heard.words);
-  Put(out, heard.thousandths);
+  PutNumber(out, heard.thousandths);
   return out;
 }
 
@@ -149,7 +120,7 @@ std::optional<Heard> HeardIn(std::string_view content) {
   heard.speech = reader.number() != 0;
   heard.words = reader.text();
   heard.thousandths = std::min<std::uint32_t>(reader.number(), 1000);
-  if (!reader.good()) return std::nullopt;
+  if (!reader.whole()) return std::nullopt;
   return heard;
 }
 
@@ -175,22 +146,15 @@ std::vector<std::int16_t> SoundIn(std::string_view content) {
 }
 
 std::string Framed(MessageKind kind, std::string_view content) {
-  std::string out;
-  out.reserve(content.size() + 2 * kNumber);
-  Put(out, static_cast<std::uint32_t>(kind));
-  PutText(out, content);
-  return out;
+  return wire::Framed(static_cast<std::uint32_t>(kind), content);
 }
 
 std::optional<Message> TakeMessage(std::string& come, std::size_t longest) {
-  if (come.size() < 2 * kNumber) return std::nullopt;
-  Reader head(std::string_view(come).substr(0, 2 * kNumber));
-  const std::uint32_t kind = head.number();
-  const std::size_t size = head.number();
-  if (size > longest) throw std::length_error("A message is longer than any");
-  if (come.size() < 2 * kNumber + size) return std::nullopt;
-  Message message{static_cast<MessageKind>(kind), come.substr(2 * kNumber, size)};
-  come.erase(0, 2 * kNumber + size);
+  std::string_view left = come;
+  const auto frame = wire::TakeFrame(left, longest);
+  if (!frame) return std::nullopt;
+  Message message{static_cast<MessageKind>(frame->kind), std::string(frame->content)};
+  come.erase(0, come.size() - left.size());
   return message;
 }
 

@@ -1,14 +1,15 @@
 #include "scripting/Messages.hpp"
 
-#include <stdexcept>
-
-#include "scripting/Bytes.hpp"
 #include "scripting/Values.hpp"
+#include "wire/Bytes.hpp"
+#include "wire/Frames.hpp"
 
 namespace scripting {
 namespace {
 
-constexpr std::size_t kHead = 8;
+using wire::Bytes;
+using wire::PutNumber;
+using wire::PutText;
 
 bool Fits(const Ask& ask) {
   const std::size_t count = ask.args.size();
@@ -119,23 +120,13 @@ std::optional<ScriptOutcome> OutcomeIn(std::string_view content) {
 }
 
 std::string Framed(MessageKind kind, std::string_view content) {
-  std::string out;
-  out.reserve(content.size() + kHead);
-  PutNumber(out, static_cast<std::uint32_t>(kind));
-  PutText(out, content);
-  return out;
+  return wire::Framed(static_cast<std::uint32_t>(kind), content);
 }
 
 std::optional<Message> TakeMessage(std::string_view& come, std::size_t longest) {
-  if (come.size() < kHead) return std::nullopt;
-  Bytes head(come.substr(0, kHead));
-  const auto kind = static_cast<MessageKind>(head.number());
-  const std::size_t size = head.number();
-  if (size > longest) throw std::length_error("A message is longer than any");
-  if (come.size() - kHead < size) return std::nullopt;
-  const Message message{kind, come.substr(kHead, size)};
-  come.remove_prefix(kHead + size);
-  return message;
+  const auto frame = wire::TakeFrame(come, longest);
+  if (!frame) return std::nullopt;
+  return Message{static_cast<MessageKind>(frame->kind), frame->content};
 }
 
 }  // namespace scripting

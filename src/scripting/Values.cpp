@@ -10,6 +10,10 @@
 namespace scripting {
 namespace {
 
+using wire::Bytes;
+using wire::PutNumber;
+using wire::PutText;
+
 constexpr int kDeepest = 64;
 
 enum class Kind : std::uint8_t {
@@ -136,7 +140,7 @@ void PutValue(std::string& out, const base::Value& value, std::size_t& left, int
   std::visit(Writer{out, left, depth}, value.held());
 }
 
-base::Value ReadValue(Bytes& in, std::size_t& left, int depth) {
+base::Value ReadValue(wire::Bytes& in, std::size_t& left, int depth) {
   const std::uint8_t kind = in.byte();
   if (!in.good() || depth > kDeepest || !Takes(in, left, kOneValue)) {
     in.fail();

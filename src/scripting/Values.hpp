@@ -3,7 +3,7 @@
 #include <string>
 
 #include "base/Value.hpp"
-#include "scripting/Bytes.hpp"
+#include "wire/Bytes.hpp"
 
 namespace scripting {
 
@@ -19,6 +19,6 @@ inline constexpr std::size_t kMostAnswered = std::size_t{256} << 20U;
 /// more than `left`, which is lowered by what it takes, and 5 when it is nested too deeply.
 void PutValue(std::string& out, const base::Value& value, std::size_t& left, int depth = 0);
 /// Reads a value of another process, which fails where it is none or takes more than `left`.
-base::Value ReadValue(Bytes& in, std::size_t& left, int depth = 0);
+base::Value ReadValue(wire::Bytes& in, std::size_t& left, int depth = 0);
 
 }  // namespace scripting

@@ -2,17 +2,17 @@
 
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
+#include "wire/Frames.hpp"
+
 namespace scripting {
 namespace {
 
-constexpr const char* kTooLong = "the script was stopped: it took too long";
+constexpr const char* kGone = "the server has gone";
 
 /// Nothing of the process is of use any longer, so nothing is cleared away.
 [[noreturn]] void EndWith(std::string_view complaint) {
@@ -38,27 +38,18 @@ auto Surely(const Work& work) {
 
 Message DistantHouse::awaitMessage() {
   come_.erase(0, std::exchange(taken_, 0));
-  std::array<char, 65536> part;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into
   while (true) {
     std::string_view left = come_;
     if (const auto message = TakeMessage(left, kLongestAnswer)) {
       taken_ = come_.size() - left.size();
       return *message;
     }
-    const ssize_t got = ::read(in_, part.data(), part.size());
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) throw std::runtime_error("the server has gone");
-    come_.append(part.data(), static_cast<std::size_t>(got));
+    if (!wire::ReadMore(in_, come_)) throw std::runtime_error(kGone);
   }
 }
 
 void DistantHouse::tell(MessageKind kind, std::string_view content) {
-  const std::string framed = Framed(kind, content);
-  for (std::size_t sent = 0; sent < framed.size();) {
-    const ssize_t count = ::write(out_, framed.data() + sent, framed.size() - sent);
-    if (count < 0 && errno != EINTR) throw std::runtime_error("the server has gone");
-    if (count > 0) sent += static_cast<std::size_t>(count);
-  }
+  if (!wire::WriteWhole(out_, Framed(kind, content))) throw std::runtime_error(kGone);
 }
 
 Order DistantHouse::awaitOrder() {

@@ -12,7 +12,7 @@ using scripting::Ask;
 using scripting::MessageKind;
 
 constexpr const char* kStopped = "the script was stopped";
-constexpr const char* kTooLong = "the script was stopped: it took too long";
+using scripting::kTooLong;
 constexpr const char* kEnded = "the script was ended: ";
 constexpr const char* kNonsense = "the script was ended: its process talks nonsense";
 /// What its process says in place of the output that is too much.

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace scripting {
+namespace wire {
 
 /// Whole numbers of 32 bits with the lowest byte first, and texts behind their length.
 inline void PutNumber(std::string& out, std::uint32_t value) {
@@ -60,4 +60,4 @@ class Bytes {
   bool good_ = true;
 };
 
-}  // namespace scripting
+}  // namespace wire
