@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/Failure.hpp"
+#include "standin/playlists/Adding.hpp"
 #include "standin/playlists/PlaylistHistory.hpp"
 #include "standin/rules/EvaluationStore.hpp"
 #include "standin/rules/RuleStore.hpp"
@@ -18,6 +19,7 @@
 namespace standin {
 namespace {
 
+using support::Adding;
 /// A house and what it keeps. Made anew in the same folder it is what the next start finds.
 struct KeptHouse {
   explicit KeptHouse(const std::string& folder) : house(folder) {}
@@ -57,15 +59,6 @@ std::string HistoryOf(KeptHouse& kept) {
     text << (entry ? WordsOf(entry->step) : "nothing") << '\n';
   text << kept.house.users.hashOf(kGuest) << '\n';
   return text.str();
-}
-
-PlaylistStep Adding(const std::string& title) {
-  PlaylistStep step;
-  step.kind = StepKind::kAdd;
-  step.to = {2, "before", "after"};
-  step.items = {{title, "/music/" + title}};
-  step.count = 7;
-  return step;
 }
 
 using Change = std::function<void(KeptHouse&)>;

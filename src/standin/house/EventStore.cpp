@@ -37,8 +37,6 @@ void EventStore::forget(std::int32_t id) {
   events_.erase(event);
 }
 
-void EventStore::reload(std::int32_t id) { take(id, ReadEvent(database_, id)); }
-
 void EventStore::take(std::int32_t id, std::optional<Event> event) {
   forget(id);
   if (event) take(std::move(*event));

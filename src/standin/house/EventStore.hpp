@@ -64,11 +64,10 @@ class EventStore {
   void removeDevice(std::int32_t id, std::int32_t position);
   void putDevice(std::int32_t id, const EventDevice& device);
 
-  /// Reads the event anew after somebody else has written or erased its rows.
-  void reload(std::int32_t id);
-  /// The same with what has been read already; nothing for an event that is gone.
+  /// Takes what has been read after somebody else has written or erased the event's rows; nothing for one
+  /// that is gone.
   void take(std::int32_t id, std::optional<Event> event);
-  /// Called when the name or group of an event has been changed here. Not by `reload` and `take`.
+  /// Called when the name or group of an event has been changed here. Not by `take`.
   std::function<void(std::int32_t id)> onRename = [](std::int32_t) {};
   /// Called whenever `patternsRevision` has grown.
   std::function<void()> onPattern = [] {};

@@ -105,6 +105,13 @@ class WholeEditor : public EditorScene {
       key(pressed);
     });
   }
+  /// Types over the node's label, whose edit goes on.
+  void editLabelOf(const QString& name, const std::string& text) {
+    clickNode(name);
+    clickAt(middleOf(Control::kRename_Button));
+    ASSERT_TRUE(until([&] { return pane().tree().findChild<QLineEdit*>() != nullptr; }));
+    type(text);
+  }
   void choose(const std::string& name) {
     ui::editor::DropBox& box = editor->models().PlayListDropBox;
     for (std::size_t i = 0; i < box.count(); ++i)

@@ -37,12 +37,6 @@ class NothingCanBeWritten : public WholeEditor, public ::testing::WithParamInter
 class UnderItsHands : public WholeEditor {
  protected:
   void SetUp() override { open(); }
-  void editLabelOf(const QString& name) {
-    clickNode(name);
-    clickAt(middleOf(Control::kRename_Button));
-    ASSERT_TRUE(until([&] { return pane().tree().findChild<QLineEdit*>() != nullptr; }));
-    type("Frost");
-  }
   void take(QPoint from) {
     mouseTo(from);
     tool({"mousedown", "1"});
@@ -78,10 +72,7 @@ TEST_P(NothingCanBeWritten, ATitleThatIsMovedToAnotherPlaylistStaysWhereItIs) {
 }
 
 TEST_P(NothingCanBeWritten, ARenamedPlaylistKeepsItsName) {
-  clickNode("Winter");
-  clickAt(middleOf(Control::kRename_Button));
-  ASSERT_TRUE(until([&] { return pane().tree().findChild<QLineEdit*>() != nullptr; }));
-  type("Frost");
+  editLabelOf("Winter", "Frost");
   answer("Return");
   key("Return");
   ASSERT_TRUE(hasSaid());
@@ -124,7 +115,7 @@ TEST_P(NothingCanBeWritten, ANewPlaylistIsNotStored) {
 INSTANTIATE_TEST_SUITE_P(TheEditor, NothingCanBeWritten, ::testing::Values(EACCES, ENOSPC));
 
 TEST_F(UnderItsHands, AListThatIsDeletedWhileItsLabelIsEditedStaysDeleted) {
-  editLabelOf("Winter");
+  editLabelOf("Winter", "Frost");
   stored.remove(named("Winter"));
   answer("Return");
   key("Return");
@@ -136,7 +127,7 @@ TEST_F(UnderItsHands, AListThatIsDeletedWhileItsLabelIsEditedStaysDeleted) {
 }
 
 TEST_F(UnderItsHands, AListThatIsRenamedWhileItsLabelIsEditedKeepsWhatItHolds) {
-  editLabelOf("Winter");
+  editLabelOf("Winter", "Frost");
   named("Winter")->name("Snow");
   answer("Return");
   key("Return");

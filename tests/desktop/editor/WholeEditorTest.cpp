@@ -16,10 +16,7 @@ TEST_F(WholeEditor, APlaylistIsMadeRenamedAndDeleted) {
   ASSERT_TRUE(becomes("Spring", {}));
   ASSERT_TRUE(until([&] { return current() == "Spring"; }));
 
-  clickNode("Winter");
-  clickAt(middleOf(Control::kRename_Button));
-  ASSERT_TRUE(until([&] { return pane().tree().findChild<QLineEdit*>() != nullptr; }));
-  type("Frost");
+  editLabelOf("Winter", "Frost");
   clickNode("Autumn");
   ASSERT_TRUE(becomes("Frost", {"Sun"})) << "a click elsewhere ends the edit";
   EXPECT_EQ(named("Winter"), nullptr);
@@ -80,10 +77,7 @@ TEST_F(WholeEditor, AFolderThatCanNotBeWrittenIsToldInWordsOfItsOwn) {
   EXPECT_THAT(listed(), ElementsAre("Sky", "Sea"));
 
   said.clear();
-  clickNode("Winter");
-  clickAt(middleOf(Control::kRename_Button));
-  ASSERT_TRUE(until([&] { return pane().tree().findChild<QLineEdit*>() != nullptr; }));
-  type("Frost");
+  editLabelOf("Winter", "Frost");
   answer("Return");
   key("Return");
   ASSERT_TRUE(until([&] { return !said.empty(); }));

@@ -243,7 +243,7 @@ TEST_F(SpokenCommands, WhatHasGoneWhileItWasHeardIsNotDone) {
   understood.reset();
   speak(understood);
   standin::EraseEvent(house.database, event);
-  house.events.reload(event);
+  house.events.take(event, standin::ReadEvent(house.database, event));
   hear("play night shift", 0.9);
   ASSERT_TRUE(understood);
   EXPECT_EQ(understood->kind, Kind::kUnknown);

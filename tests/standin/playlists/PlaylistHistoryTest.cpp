@@ -4,6 +4,7 @@
 #include "base/Failure.hpp"
 #include "database/Database.hpp"
 #include "standin/house/Schema.hpp"
+#include "standin/playlists/Adding.hpp"
 #include "standin/playlists/PlaylistHistory.hpp"
 #include "support/TempFolder.hpp"
 
@@ -14,15 +15,7 @@ using database::Statement;
 using standin::PlaylistHistory;
 using standin::PlaylistStep;
 using standin::StepKind;
-
-PlaylistStep Adding(const std::string& title) {
-  PlaylistStep step;
-  step.kind = StepKind::kAdd;
-  step.to = {2, "before", "after"};
-  step.items = {{title, "/music/" + title}};
-  step.count = 7;
-  return step;
-}
+using support::Adding;
 
 PlaylistStep Naming(StepKind kind, const std::string& oldName, const std::string& newName) {
   PlaylistStep step;
