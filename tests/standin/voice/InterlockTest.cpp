@@ -26,8 +26,10 @@
 
 namespace {
 
-// More than what is on its way from the player to the card: a pipe, and what the player has ready for it.
-constexpr std::uint64_t kOnItsWay = std::uint64_t{256} << 10U;
+// More than what is on its way from the player to the card: a pipe, what the player has ready for it, and
+// what its thread for the sound writes until it lets the one that stops it have its turn; and a small part of
+// the title.
+constexpr std::uint64_t kOnItsWay = std::uint64_t{2} << 20U;
 constexpr std::uint64_t kSomeWords = std::uint64_t{256} << 10U;
 
 /// Words that last as long as they are told to.
