@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/Text.hpp"
+#include "files/LiesIn.hpp"
 
 namespace standin {
 namespace {
@@ -124,10 +125,7 @@ std::optional<std::filesystem::path> FileBelow(const std::filesystem::path& root
   std::error_code error;
   const std::filesystem::path real = std::filesystem::canonical(path, error);
   if (error) return std::nullopt;
-  const std::filesystem::path realRoot = std::filesystem::canonical(root, error);
-  if (error) return std::nullopt;
-  const auto [rootEnd, ignored] = std::mismatch(realRoot.begin(), realRoot.end(), real.begin(), real.end());
-  if (rootEnd != realRoot.end()) return std::nullopt;
+  if (!files::LiesIn(real, root)) return std::nullopt;
   if (!std::filesystem::is_regular_file(real, error) || error) return std::nullopt;
   return real;
 }
