@@ -1,5 +1,6 @@
 #include "standin/house/LiveFeed.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <random>
 #include <utility>
@@ -45,14 +46,20 @@ std::size_t LiveFeed::readersOf(const std::string& session) const {
   return found == ofSession_.end() ? 0 : found->second;
 }
 
+bool LiveFeed::hasPlace(const std::string& session, Audience audience) const {
+  const std::size_t forGuests = limits_.readers - std::min(limits_.forOwner, limits_.readers);
+  const auto mine = ofSession_.find(session);
+  return readers_ < limits_.readers && (audience == Audience::kOwner || guests_ < forGuests) &&
+         (mine == ofSession_.end() || mine->second < limits_.ofSession);
+}
+
 LiveFeed::Reader::Reader(LiveFeed& feed, std::string session, const std::string& last, Audience audience)
     : feed_(feed), session_(std::move(session)), audience_(audience) {
   const std::lock_guard lock(feed.mutex_);
-  const auto mine = feed.ofSession_.find(session_);
-  admitted_ = feed.readers_ < feed.limits_.readers &&
-              (mine == feed.ofSession_.end() || mine->second < feed.limits_.ofSession);
+  admitted_ = feed.hasPlace(session_, audience_);
   if (admitted_) {
     ++feed.readers_;
+    if (audience_ != Audience::kOwner) ++feed.guests_;
     ++feed.ofSession_[session_];
   }
   const std::uint64_t end = feed.first_ + feed.events_.size();
@@ -70,6 +77,7 @@ LiveFeed::Reader::~Reader() {
   const std::lock_guard lock(feed_.mutex_);
   if (!admitted_) return;
   --feed_.readers_;
+  if (audience_ != Audience::kOwner) --feed_.guests_;
   if (--feed_.ofSession_[session_] == 0) feed_.ofSession_.erase(session_);
 }
 

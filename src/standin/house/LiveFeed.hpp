@@ -20,6 +20,7 @@ class LiveFeed {
     std::size_t longest = std::size_t{1} << 20U;  ///< bytes of an event; a longer one has all pages load anew
     std::size_t readers = 24;                     ///< in all
     std::size_t ofSession = 8;  ///< readers of one session, so that one browser leaves room for others
+    std::size_t forOwner = 8;   ///< of all readers, places that are the owner's alone
   };
   LiveFeed() : LiveFeed(Limits()) {}
   explicit LiveFeed(Limits limits);
@@ -73,6 +74,8 @@ class LiveFeed {
   };
 
  private:
+  /// With the lock held.
+  [[nodiscard]] bool hasPlace(const std::string& session, Audience audience) const;
   [[nodiscard]] std::string nameOf(std::uint64_t event) const { return name_ + "." + std::to_string(event); }
 
   mutable std::mutex mutex_;
@@ -84,6 +87,7 @@ class LiveFeed {
   Limits limits_;
   std::map<std::string, std::size_t> ofSession_;
   std::size_t readers_ = 0;
+  std::size_t guests_ = 0;  ///< of the readers, those who aren't the owner
   bool closed_ = false;
 };
 

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace {
 
 using standin::LiveFeed;
@@ -120,7 +122,7 @@ TEST(LiveFeed, APageThatWasAwayForTooLongOrHeardAnotherServerLoadsAnew) {
 }
 
 TEST(LiveFeed, ReadersAreCountedInAllAndByBrowser) {
-  LiveFeed feed({.readers = 3, .ofSession = 2});
+  LiveFeed feed({.readers = 3, .ofSession = 2, .forOwner = 0});
   const LiveFeed::Reader first(feed, "a");
   {
     const LiveFeed::Reader second(feed, "a");
@@ -136,6 +138,30 @@ TEST(LiveFeed, ReadersAreCountedInAllAndByBrowser) {
   EXPECT_EQ(feed.readersOf("b"), 0U);
   EXPECT_EQ(feed.readers(), 1U);
   EXPECT_TRUE(LiveFeed::Reader(feed, "a").admitted());
+}
+
+TEST(LiveFeed, GuestsLeavePlacesForTheOwner) {
+  LiveFeed feed({.readers = 4, .ofSession = 4, .forOwner = 2});
+  constexpr auto kGuests = LiveFeed::Audience::kAll;
+  constexpr auto kOwner = LiveFeed::Audience::kOwner;
+  const LiveFeed::Reader page(feed, "owner", {}, kOwner);
+  const LiveFeed::Reader guest(feed, "guest", {}, kGuests);
+  std::optional<LiveFeed::Reader> other(std::in_place, feed, "other guest", "", kGuests);
+  EXPECT_TRUE(other->admitted()) << "the owner's pages lie in his own places first";
+  EXPECT_FALSE(LiveFeed::Reader(feed, "third guest", {}, kGuests).admitted());
+  {
+    const LiveFeed::Reader another(feed, "owner", {}, kOwner);
+    EXPECT_TRUE(another.admitted());
+    EXPECT_FALSE(LiveFeed::Reader(feed, "owner", {}, kOwner).admitted()) << "of all there are so many";
+  }
+  other.reset();
+  EXPECT_TRUE(LiveFeed::Reader(feed, "third guest", {}, kGuests).admitted()) << "one has gone";
+}
+
+TEST(LiveFeed, OfFewerPlacesThanAreTheOwnersGuestsGetNone) {
+  LiveFeed feed({.readers = 1, .forOwner = 2});
+  EXPECT_FALSE(LiveFeed::Reader(feed, "guest").admitted());
+  EXPECT_TRUE(LiveFeed::Reader(feed, "owner", {}, LiveFeed::Audience::kOwner).admitted());
 }
 
 }  // namespace
