@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <system_error>
 
@@ -33,7 +34,9 @@ void Bound(Resource resource, rlim_t most) {
 }  // namespace
 
 void Confine() {
-  ::tzset();  // the time zone's file can't be opened later
+  // The time zone's file can't be opened later; where it has no name, it would be looked for at each use.
+  Check(::setenv("TZ", ":/etc/localtime", 0), "the time zone can’t be named");
+  ::tzset();
   Check(::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0), "the end of the server can’t be heard");
   Check(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), "privileges can’t be given up");
 #ifndef VANTORIX_SHADOWED  // a sanitizer's own memory is larger than any limit

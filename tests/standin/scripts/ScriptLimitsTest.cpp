@@ -85,6 +85,28 @@ TEST_F(ScriptLimitsTest, TheProcessOfAScriptCanReachNothingButTheServer) {
   std::ifstream status(process / "status");
   const std::string told((std::istreambuf_iterator<char>(status)), std::istreambuf_iterator<char>());
   EXPECT_THAT(told, HasSubstr("NoNewPrivs:\t1"));
+  EXPECT_THAT(told, HasSubstr("Seccomp:\t2"));  // a filter
+}
+
+TEST_F(ScriptLimitsTest, AllOfTheLanguageGoesOnInTheProcess) {
+  ScriptRunner& runner = runnerWith(kPatient);
+  host->does["Ask"] = [](base::Args&) { return base::Value("answered"); };
+  const char* text = R"(
+    local now = os.time()
+    print(os.date("!%Y-%m-%d %H:%M", 86400), os.time(os.date("*t", now)) == now, os.difftime(now, now), os.clock() >= 0)
+    print(#os.date(), #string.rep("x", 2^24), ("%5.2f|%q"):format(1.5, "a"), ("a,b"):gsub(",", ";"))
+    local many = {}
+    for i = 1, 200000 do many[i] = { tostring(200001 - i) } end
+    table.sort(many, function(a, b) return tonumber(a[1]) < tonumber(b[1]) end)
+    print(many[1][1], #many, table.concat({1, 2, 3}, "-"), select("#", table.unpack({1, 2})))
+    print(math.random(1, 1), math.type(2^53 // 1 | 0), utf8.len("Grüße"), pcall(error, "told"))
+    print(house.call(host, "Ask"), pcall(house.call, host, 7))
+    house.sleep(0)
+  )";
+  EXPECT_EQ(errorOf(runner, text), "");
+  EXPECT_EQ(runner.report(0)->output,
+            "1970-01-02 00:00\ttrue\t0.0\ttrue\n24\t16777216\t 1.50|\"a\"\ta;b\t1\n1\t200000\t1-2-3\t2\n"
+            "1\tinteger\t5\tfalse\ttold\nanswered\tfalse\tfailure 13: The name of a member is a text\n");
 }
 
 TEST_F(ScriptLimitsTest, OneRunsAtATime) {
