@@ -46,11 +46,17 @@ std::optional<WebAnswer> WebApi::admit(const Route& route, WebCall& call) {
 
 std::optional<WebAnswer> WebApi::refusal(const Route& route, const std::string& token) {
   if (route.role == Role::kAnyone) return std::nullopt;
+  return letIn(route, token, [](const User&) {});
+}
+
+std::optional<WebAnswer> WebApi::letIn(const Route& route, const std::string& token,
+                                       std::function<void(const User& user)> work) {
   const auto call = std::make_shared<WebCall>();
   call->token = token;
   const auto refused = std::make_shared<std::optional<WebAnswer>>();
-  WebAnswer asked = AskLoop(gate_, [this, &route, call, refused](const Reply& reply) {
+  WebAnswer asked = AskLoop(gate_, [this, &route, call, refused, work = std::move(work)](const Reply& reply) {
     *refused = admit(route, *call);
+    if (!*refused) work(call->user);
     reply({});
   });
   if (asked.status != 200) return asked;

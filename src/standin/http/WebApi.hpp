@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ class WebApi {
   WebAnswer answer(const Route& route, WebCall call);
   /// What to tell one who may not ask for it; nothing when he may.
   std::optional<WebAnswer> refusal(const Route& route, const std::string& token);
+  /// The same, and where he may, `work` is done in the very turn of the loop that has found so: no session
+  /// ends in between. It may be done when nobody waits for it here any more.
+  std::optional<WebAnswer> letIn(const Route& route, const std::string& token,
+                                 std::function<void(const User& user)> work);
   /// The user of a session token, if the house knows one.
   std::optional<User> visitor(const std::string& token);
   [[nodiscard]] const Routes& routes() const { return routes_; }

@@ -2,8 +2,6 @@
 
 #include <httplib.h>
 
-#include <atomic>
-#include <chrono>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -11,6 +9,7 @@
 #include "standin/house/HouseJson.hpp"
 #include "standin/http/ByteRange.hpp"
 #include "standin/http/GuardedServer.hpp"
+#include "standin/http/LiveStream.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/pages/WebFiles.hpp"
 
@@ -27,8 +26,6 @@ std::string PeerOf(const httplib::Request& request) {
 
 constexpr std::size_t kLongestPath = 2048;
 constexpr const char* kTooLarge = "The request is too large";
-constexpr std::chrono::seconds kHeartbeat{5};
-constexpr std::chrono::seconds kSessionCheck{15};
 
 void Give(httplib::Response& response, const WebAnswer& answer) {
   response.status = answer.status;
@@ -319,31 +316,20 @@ void WebServer::answerPost(const httplib::Request& request, httplib::Response& r
 
 void WebServer::stream(const Route& route, const httplib::Request& request, httplib::Response& response) {
   const std::string token = tokenOf(request);
-  if (const std::optional<WebAnswer> refused = api_.refusal(route, token)) return Give(response, *refused);
-  const std::optional<User> user = api_.visitor(token);
-  const auto reader = std::make_shared<LiveFeed::Reader>(
-      live_, token, request.get_header_value("Last-Event-ID"),
-      user && !user->guest ? LiveFeed::Audience::kOwner : LiveFeed::Audience::kAll);
-  if (!reader->admitted()) return Give(response, Refusal(503, "Too many pages are open"));
-  using SteadyClock = std::chrono::steady_clock;
-  struct Progress {
-    bool begun = false;
-    SteadyClock::time_point checked = SteadyClock::now();
-  };
-  const auto progress = std::make_shared<Progress>();
-  response.set_chunked_content_provider("text/event-stream", [this, token, reader, progress](
-                                                                 std::size_t, httplib::DataSink& sink) {
-    std::string text = "retry: 1000\n\n";
-    if (progress->begun) {
-      text = reader->wait(kHeartbeat);
-      // A session also ends by its age.
-      const bool doubted = text.find("\nevent: " + std::string(kSessionsEnded) + "\n") != std::string::npos;
-      if (doubted || SteadyClock::now() - progress->checked >= kSessionCheck) {
-        progress->checked = SteadyClock::now();
-        if (!StillKnown(api_, token)) text.clear();
-      }
-    }
-    progress->begun = true;
+  const auto stream = std::make_shared<std::optional<LiveStream>>();
+  const auto refused = api_.letIn(
+      route, token,
+      [&live = live_, &api = api_, stream, token,
+       last = request.get_header_value("Last-Event-ID")](const User& user) {
+        stream->emplace(
+            live,
+            LiveStream::Page{token, last, user.guest ? LiveFeed::Audience::kAll : LiveFeed::Audience::kOwner},
+            [&api, token] { return StillKnown(api, token); });
+      });
+  if (refused) return Give(response, *refused);
+  if (!stream->value().admitted()) return Give(response, Refusal(503, "Too many pages are open"));
+  response.set_chunked_content_provider("text/event-stream", [stream](std::size_t, httplib::DataSink& sink) {
+    const std::string text = stream->value().next();
     if (text.empty()) {
       sink.done();
       return true;

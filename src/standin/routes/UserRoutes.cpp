@@ -41,8 +41,10 @@ class Commands {
   WebAnswer enter(const WebCall& call) {
     WebAnswer answer{.location = "/"};
     const bool known = call.user.name == kFirstUser;
-    if (!known && visitors_.isKey(call.parameter("key")))
+    if (!known && visitors_.isKey(call.parameter("key"))) {
       answer.cookie = SessionCookie(house_, house_.users.begin(kFirstUser));
+      tellEnd();  // an older one may have made room
+    }
     return answer;
   }
 

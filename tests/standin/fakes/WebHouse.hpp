@@ -28,8 +28,9 @@ namespace support {
 class WebHouse {
  public:
   /// The log is told of refused posts at the first one, and of the others behind that pause.
-  explicit WebHouse(base::Milliseconds pause = std::chrono::minutes(1))
-      : refused_(std::in_place, loop_, house_.log, pause) {
+  /// `local`: the owner comes with a key while he has no password.
+  explicit WebHouse(base::Milliseconds pause = std::chrono::minutes(1), bool local = false)
+      : visitors_(house_.users, local), refused_(std::in_place, loop_, house_.log, pause) {
     house_.webPort = port_.port();
     thread_ = std::thread([this] { loop_.run(); });
   }
@@ -62,6 +63,12 @@ class WebHouse {
     std::string token;
     onLoop([&](standin::House& house) { token = house.users.begin(user); });
     return standin::CookieName(port()) + "=" + token;
+  }
+  /// The key of the owner's address.
+  std::string key() {
+    std::string key;
+    onLoop([&](standin::House&) { key = visitors_.key(); });
+    return key;
   }
   /// What the events' routes work with; on the loop.
   standin::RuleStore& rules() { return rules_; }
@@ -102,7 +109,7 @@ class WebHouse {
   const std::vector<standin::CaptureProgram> noPrograms_;
   standin::RoomMicrophone room_{{loop_, house_, voiceCommands_, quiet_, speech_, noPrograms_}};
   standin::LoopGate gate_{loop_, std::chrono::minutes(2)};
-  standin::Visitors visitors_{house_.users, false};
+  standin::Visitors visitors_;
   std::optional<standin::RefusedPosts> refused_;
   standin::PlayerCovers playerCovers_{connection_, plugin_, house_};
   standin::Covers covers_{gate_, playerCovers_, folder_.path() / "covers"};

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <thread>
+#include <vector>
 
 #include "standin/fakes/WebHouse.hpp"
 
@@ -146,6 +148,37 @@ TEST(TheTableOfRoutes, HasOneLineForAnAddress) {
   standin::Visitors visitors(house.users, false);
   const Route line{Method::kGet, "/api/same", Role::kGuest, standin::Live{}};
   EXPECT_THROW(standin::WebApi(visitors, gate, {line, line}), base::Failure);
+}
+
+TEST(TheTableOfRoutes, LetsInWithinOneTurnOfTheHouse) {
+  bus::PollLoop loop;
+  standin::LoopGate gate(loop, std::chrono::minutes(2));
+  const support::TempFolder folder;
+  standin::House house(folder.path());
+  standin::Visitors visitors(house.users, false);
+  const std::string guest = house.users.begin(standin::kGuest);
+  standin::WebApi api(visitors, gate,
+                      {{Method::kGet, "/api/all", Role::kGuest, standin::Live{}},
+                       {Method::kGet, "/api/owner", Role::kOwner, standin::Live{}}});
+  const auto home = std::this_thread::get_id();
+  std::thread web([&] {
+    std::vector<std::string> in;
+    const auto status = [&](const char* path, const std::string& token) {
+      const auto refused = api.letIn(*api.find(Method::kGet, path), token, [&](const standin::User& user) {
+        EXPECT_EQ(std::this_thread::get_id(), home);
+        in.push_back(user.name);
+      });
+      return refused ? refused->status : 200;
+    };
+    EXPECT_EQ(status("/api/all", guest), 200);
+    EXPECT_EQ(in, std::vector<std::string>{"guest"});
+    EXPECT_EQ(status("/api/owner", guest), 403);
+    EXPECT_EQ(status("/api/all", "a stranger's"), 401);
+    EXPECT_EQ(in.size(), 1U);
+    loop.post([&] { loop.quit(0); });
+  });
+  loop.run();
+  web.join();
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <list>
 #include <mutex>
 #include <thread>
 
@@ -32,22 +34,42 @@ class Sessions : public testing::Test {
   support::WebHouse house;
 };
 
-/// A page's stream, read to its end.
+/// A page's stream, read to its end; of one that was refused nothing is heard.
 class Stream {
  public:
   Stream(int port, const std::string& cookie)
       : thread_([this, port, cookie] {
           httplib::Client client("127.0.0.1", port);
           client.set_read_timeout(60);
-          client.Get("/api/live", {{"Cookie", cookie}}, [this](const char* text, std::size_t size) {
-            const std::lock_guard lock(mutex_);
-            heard_.append(text, size);
-            return true;
-          });
+          client.Get(
+              "/api/live", {{"Cookie", cookie}},
+              [this](const httplib::Response& head) {
+                status_ = head.status;
+                return status_ == 200;
+              },
+              [this](const char* text, std::size_t size) {
+                const std::lock_guard lock(mutex_);
+                heard_.append(text, size);
+                return !over_;
+              });
         }) {}
+  ~Stream() {
+    over_ = true;
+    if (thread_.joinable()) thread_.join();
+  }
+  Stream(const Stream&) = delete;
+  Stream& operator=(const Stream&) = delete;
+  Stream(Stream&&) = delete;
+  Stream& operator=(Stream&&) = delete;
+
   std::string heard() {
     const std::lock_guard lock(mutex_);
     return heard_;
+  }
+  /// The status of the answer, once something has come; 0 where nothing does.
+  int status() {
+    Eventually([this] { return status_ != 0 && (status_ != 200 || !heard().empty()); });
+    return status_;
   }
   std::string toItsEnd() {
     thread_.join();
@@ -57,8 +79,14 @@ class Stream {
  private:
   std::mutex mutex_;
   std::string heard_;
+  std::atomic<int> status_ = 0;
+  std::atomic<bool> over_ = false;
   std::thread thread_;
 };
+
+void Say(support::WebHouse& house, const std::string& line) {
+  house.onLoop([&](standin::House& all) { all.log.write("Info", line); });
+}
 
 }  // namespace
 
@@ -66,11 +94,54 @@ TEST_F(Sessions, TakeTheirStreamsAlongBeforeAnythingMoreIsHeard) {
   const std::string cookie = house.sessionOf(standin::kFirstUser);
   Stream stream(house.port(), cookie);
   ASSERT_TRUE(Eventually([&] { return !stream.heard().empty(); }));
-  house.onLoop([](standin::House& all) { all.log.write("Info", "for all to hear"); });
+  Say(house, "for all to hear");
   EXPECT_TRUE(Eventually([&] { return stream.heard().find("for all to hear") != std::string::npos; }));
   EXPECT_EQ(post("/api/logout", cookie, "{}"), 200);
-  house.onLoop([](standin::House& all) { all.log.write("Info", "not for strangers"); });
+  Say(house, "not for strangers");
   EXPECT_THAT(stream.toItsEnd(), Not(HasSubstr("not for strangers")));
+}
+
+TEST_F(Sessions, EndWithAPasswordThatIsChangedAndWithGuestsThatAreNoLongerLetIn) {
+  house.onLoop([](standin::House& all) { all.users.setHash(standin::kGuest, standin::kAdmitted); });
+  Stream guest(house.port(), house.sessionOf(standin::kGuest));
+  Stream owner(house.port(), house.sessionOf(standin::kFirstUser));
+  ASSERT_EQ(guest.status(), 200);
+  ASSERT_EQ(owner.status(), 200);
+  EXPECT_EQ(post("/api/guests", house.sessionOf(standin::kFirstUser), R"({"guests": "off"})"), 200);
+  Say(house, "not for guests");
+  EXPECT_THAT(guest.toItsEnd(), Not(HasSubstr("not for guests")));
+  EXPECT_TRUE(Eventually([&] { return owner.heard().find("not for guests") != std::string::npos; }));
+  EXPECT_EQ(post("/api/password", house.sessionOf(standin::kFirstUser), R"({"password": "long enough"})"),
+            200);
+  Say(house, "not for who had no password");
+  EXPECT_THAT(owner.toItsEnd(), Not(HasSubstr("not for who had no password")));
+}
+
+TEST(SessionsByKey, MakeRoomForOneMoreWithTheirStreams) {
+  support::WebHouse house(std::chrono::minutes(1), true);
+  Stream oldest(house.port(), house.sessionOf(standin::kFirstUser));
+  ASSERT_EQ(oldest.status(), 200);
+  house.onLoop([](standin::House& all) {
+    for (int i = 0; i < 49; ++i) all.users.begin(standin::kFirstUser);
+  });
+  support::WebClient(house.port()).enter(house.key());
+  Say(house, "not for the oldest");
+  EXPECT_THAT(oldest.toItsEnd(), Not(HasSubstr("not for the oldest")));
+}
+
+TEST_F(Sessions, OfGuestsLeaveTheOwnerAPlaceToHearOfItAll) {
+  house.onLoop([](standin::House& all) { all.users.setHash(standin::kGuest, standin::kAdmitted); });
+  std::list<Stream> guests;
+  for (int i = 0; i < 2; ++i) {
+    const std::string cookie = house.sessionOf(standin::kGuest);
+    for (int k = 0; k < 8; ++k) guests.emplace_back(house.port(), cookie);
+  }
+  for (Stream& each : guests) ASSERT_EQ(each.status(), 200);
+  Stream oneMore(house.port(), house.sessionOf(standin::kGuest));
+  EXPECT_EQ(oneMore.status(), 503);
+  Stream owner(house.port(), house.sessionOf(standin::kFirstUser));
+  EXPECT_EQ(owner.status(), 200);
+  house.end();
 }
 
 TEST_F(Sessions, OfOneBrowserFollowEachOther) {
