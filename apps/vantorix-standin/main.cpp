@@ -151,6 +151,9 @@ int Serve(const Options& options) {
                                .refused = refused,
                                .hosts = AllowedHosts(!local, options.allowedHosts),
                                .htmlFolder = house.htmlFolder()});
+    // Before the server waits for its threads.
+    const std::unique_ptr<DiscCovers, void (*)(DiscCovers*)> asked(&discs,
+                                                                   [](DiscCovers* all) { all->end(); });
     const AddressFile file(options.data);
     const auto address = [&] {
       return (port.speaksTls() ? "https://" : "http://") + HostOf(options.listen) + ":" +

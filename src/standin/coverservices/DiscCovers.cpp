@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <thread>
 #include <utility>
 
 #include "base/Failure.hpp"
@@ -89,15 +88,19 @@ DiscCovers::Setup DiscCovers::setup() {
 
 bool DiscCovers::wait() {
   const Time now = std::chrono::steady_clock::now();
-  Time turn{};
+  std::unique_lock lock(mutex_);
+  const Time turn = std::max(now, next_);
+  if (turn - now > kPatience) return false;
+  next_ = turn + pause_;
+  return !ending_.wait_until(lock, turn, [this] { return ended_.load(); });
+}
+
+void DiscCovers::end() {
   {
     const std::lock_guard lock(mutex_);
-    turn = std::max(now, next_);
-    if (turn - now > kPatience) return false;
-    next_ = turn + pause_;
+    ended_ = true;
   }
-  std::this_thread::sleep_until(turn);
-  return true;
+  ending_.notify_all();
 }
 
 template <class Ask>
@@ -140,7 +143,7 @@ std::optional<std::string> DiscCovers::about(const std::string& contents) {
     if (!wait()) throw NoTurn();
     const std::string release =
         ReleaseIn(FetchPublic(now.metadata + "/ws/2/discid/-?toc=" + *toc + "&cdstubs=no&fmt=json",
-                              {.userAgent = now.userAgent, .mostBytes = kLargestAnswer}));
+                              {.userAgent = now.userAgent, .mostBytes = kLargestAnswer, .stop = &ended_}));
     if (release.empty()) return {};
     return "<METADATA><MDR-CD><largeCoverParams>?large=" + release +
            "</largeCoverParams><smallCoverParams>?small=" + release +
@@ -154,8 +157,8 @@ std::optional<std::string> DiscCovers::cover(const std::string& release, bool la
   const std::string address = now.covers + "/release/" + release + (large ? "/front-1200" : "/front-250");
   return kept(address, [&]() -> std::string {
     if (!wait()) throw NoTurn();
-    std::string picture =
-        FetchPublic(address, {.userAgent = now.userAgent, .mostBytes = pictures::kMostBytes});
+    std::string picture = FetchPublic(
+        address, {.userAgent = now.userAgent, .mostBytes = pictures::kMostBytes, .stop = &ended_});
     return pictures::CanBeShown(picture) ? std::move(picture) : std::string();
   });
 }

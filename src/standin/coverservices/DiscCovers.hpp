@@ -1,5 +1,7 @@
 #pragma once
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -33,6 +35,9 @@ class DiscCovers {
   std::optional<std::string> about(const std::string& contents);
   /// A picture of a release, as a file; nothing as above.
   std::optional<std::string> cover(const std::string& release, bool large);
+  /// From now on nothing comes from the network, and whoever waits for it goes with nothing at once. On any
+  /// thread.
+  void end();
 
  private:
   struct Setup {
@@ -46,13 +51,15 @@ class DiscCovers {
   /// What `ask` has answered now or before; nothing is asked again for a while after it has failed.
   template <class Ask>
   std::optional<std::string> kept(const std::string& question, Ask&& ask);
-  /// Waits for its turn; false when too many wait.
+  /// Waits for its turn; false when too many wait, or at the end.
   bool wait();
 
   House& house_;
   std::chrono::milliseconds pause_;
   CoverShelf answers_;
   std::mutex mutex_;
+  std::condition_variable ending_;
+  std::atomic<bool> ended_ = false;
   Setup setup_;
   Time next_{};
   std::map<std::string, Time> failed_;  ///< not to be asked again until then

@@ -91,6 +91,8 @@ std::vector<Member> Sundries(House& house, HostWaits& waits, const base::ObjectR
       Operation("GetUrl", {Text("host"), Text("page"), Flag("strip_tags", false), Number("port", 80)},
                 Type::kText,
                 [&waits, &house](Args& args) {
+                  for (const std::size_t part : {0U, 1U})
+                    CheckLength("The address of a page", TextAt(args, part));
                   // A port above 32767 comes as the negative number of the same bits.
                   const auto port = static_cast<std::uint16_t>(NumberAt(args, 3));
                   const std::string body = Fetched(house, waits, TextAt(args, 0), TextAt(args, 1), port);

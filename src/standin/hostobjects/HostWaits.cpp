@@ -54,6 +54,9 @@ std::string LoopWaits::fetch(const std::string& host, const std::string& page, i
                              const std::string& certificate) {
   const Pending pending(pending_);
   std::atomic<bool> stop = false;
+  fetches_.push_back(&stop);
+  const std::unique_ptr<std::vector<std::atomic<bool>*>, void (*)(std::vector<std::atomic<bool>*>*)> listed(
+      &fetches_, [](std::vector<std::atomic<bool>*>* all) { all->pop_back(); });
   std::promise<std::string> promise;
   std::future<std::string> result = promise.get_future();
   // Joined at the end, also when an event of the loop throws.
@@ -72,7 +75,9 @@ std::string LoopWaits::fetch(const std::string& host, const std::string& page, i
       loop_.turn(base::Milliseconds(200));
     }
   });
-  if (loop_.quitting()) stop = true;
+  // All at once: those around this one are told before it has ended.
+  if (loop_.quitting())
+    for (std::atomic<bool>* const each : fetches_) *each = true;
   return result.get();
 }
 

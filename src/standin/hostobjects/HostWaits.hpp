@@ -1,6 +1,8 @@
 #pragma once
+#include <atomic>
 #include <chrono>
 #include <string>
+#include <vector>
 
 #include "bus/PollLoop.hpp"
 #include "standin/voice/Speech.hpp"
@@ -46,6 +48,7 @@ class LoopWaits : public HostWaits {
   Speech& speech_;
   std::chrono::milliseconds fetchLimit_;
   int pending_ = 0;
+  std::vector<std::atomic<bool>*> fetches_;  ///< each ends once its own is true
 };
 
 }  // namespace standin

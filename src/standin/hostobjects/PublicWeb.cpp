@@ -135,6 +135,8 @@ std::string Ask(const std::string& url, Step& step, const FetchRules& rules, lon
   curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &step);
   curl_easy_setopt(curl, CURLOPT_USERAGENT, rules.userAgent.c_str());
   if (rules.stop != nullptr) {
+    // A name that is being looked up isn't waited for.
+    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L);
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &LookForStop);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, rules.stop);

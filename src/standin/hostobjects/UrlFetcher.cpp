@@ -41,14 +41,14 @@ std::string UrlOf(const std::string& host, const std::string& page, int port) {
     path += page;
   }
   if (path.empty() || path.front() != '/') path.insert(path.begin(), '/');
-  for (std::size_t blank = path.find(' '); blank != std::string::npos; blank = path.find(' ')) {
-    path.replace(blank, 1, "%20");
-  }
+  std::string plain;
+  plain.reserve(path.size());
+  for (const char c : path) c == ' ' ? plain += "%20" : plain += c;
   const std::string scheme = address.scheme.empty() ? "http" : address.scheme;
   std::string at = address.port;
   // 80 is what is said by those who say nothing.
   if (at.empty() && (scheme == "http" || port != kUsualPort)) at = std::to_string(port);
-  return scheme + "://" + address.host + (at.empty() ? "" : ":" + at) + path;
+  return scheme + "://" + address.host + (at.empty() ? "" : ":" + at) + plain;
 }
 
 std::string FetchUrl(const std::string& host, const std::string& page, int port,

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 
 #include "demo/Cover.hpp"
 #include "standin/coverservices/CoverServices.hpp"
@@ -188,6 +189,25 @@ TEST_F(CoversOfDiscs, DoNotWaitForAServiceThatDoesNotAnswer) {
   EXPECT_THROW(standin::FetchPublic(services.address() + "/ws/2/discid/-",
                                     {.userAgent = "test", .limit = std::chrono::milliseconds(200)}),
                base::Failure);
+}
+
+TEST_F(CoversOfDiscs, AreNotWaitedForAtTheEnd) {
+  std::promise<void> asked;
+  std::promise<void> over;
+  services.disc = [&](httplib::Response&) {
+    asked.set_value();
+    over.get_future().wait();
+  };
+  const auto covers = switchedOn(std::chrono::seconds(4));
+  auto answer = std::async(std::launch::async, [&] { return covers->about(kDisc); });
+  asked.get_future().wait();
+  auto nextTurn = std::async(std::launch::async, [&] { return covers->about("1+96+12C"); });
+  covers->end();
+  EXPECT_EQ(answer.get(), std::nullopt);
+  EXPECT_EQ(nextTurn.get(), std::nullopt);
+  EXPECT_EQ(covers->cover(support::CoverServices::kRelease, true), std::nullopt);
+  EXPECT_EQ(services.asked().size(), 1U);
+  over.set_value();
 }
 
 TEST(ADiscsContents, AreReadAsThePlayerTellsThem) {

@@ -1,18 +1,11 @@
-#include "standin/fakes/FakeVoice.hpp"
 #include "standin/hostobjects/HostObject.hpp"
-#include "standin/hostobjects/UrlFetcher.hpp"
 
 #include <gtest/gtest.h>
-#include <httplib.h>
-
-#include <map>
-#include <thread>
 
 #include "base/Failure.hpp"
 #include "standin/hostobjects/EventObject.hpp"
-#include "support/BusPeer.hpp"
-#include "support/TempFolder.hpp"
-#include "support/TestCertificate.hpp"
+#include "standin/hostobjects/HostHouse.hpp"
+#include "support/FailureNumber.hpp"
 
 namespace standin {
 namespace {
@@ -20,47 +13,7 @@ namespace {
 using base::Type;
 using base::Value;
 
-/// Remembers what it shows.
-class MapShelf : public Shelf {
- public:
-  void show(const std::string& path, base::ObjectRef object) override { objects[path] = std::move(object); }
-  void hide(const std::string& path) override { objects.erase(path); }
-  std::map<std::string, base::ObjectRef> objects;
-};
-
-class Host : public testing::Test {
- protected:
-  Value call(const std::string& name, base::Args args = {}) { return host->call(name, args); }
-  std::string text(const std::string& name, base::Args args = {}) {
-    return base::ToText(host->call(name, args));
-  }
-  /// A device like the plug-in makes it.
-  base::ObjectRef makeDevice(const std::string& name, std::int16_t code) {
-    const Value key = call("NewDevice", {name});
-    const base::ObjectRef device = base::ToObject(call("GetDevice", {key}));
-    device->put("location", "Media Player");
-    device->put("hc", "Q");
-    device->put("dc", code);
-    device->put("interface", "Media Player");
-    device->put("Status", std::int16_t{17});
-    device->put("misc", std::int16_t{16});
-    device->put("dev_type_string", "Media Player");
-    device->put("iotype", std::int16_t{3});
-    return device;
-  }
-
-  support::TempFolder folder;
-  bus::PollLoop loop;
-  MapShelf shelf;
-  House house{folder.path()};
-  HouseObjects objects{house, shelf};
-  support::FakeVoice voice;
-  Speech speech{loop, house, voice};
-  LoopWaits waits{loop, speech};
-  std::shared_ptr<SystemObject> system = std::make_shared<SystemObject>(house);
-  std::shared_ptr<HostObject> host = std::make_shared<HostObject>(house, objects, waits, system);
-  std::shared_ptr<CallbackObject> callback = std::make_shared<CallbackObject>(house, host);
-};
+class Host : public support::HostHouse {};
 
 struct Expected {
   std::string name;
@@ -317,134 +270,6 @@ TEST_F(Host, SaysTheBeginningOfWhatIsTooLongAndTakesNoCommandOfThatLength) {
   ASSERT_FALSE(voice.said().empty());
   EXPECT_EQ(voice.said().back(), longest + "…");
   EXPECT_EQ(support::FailureNumberOf([&] { call("Say", {longest + "y"}); }), base::number::kOverflow);
-}
-
-TEST_F(Host, WaitSecsTurnsTheLoopWhileItLasts) {
-  int ticks = 0;
-  const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { ++ticks; });
-  timer->enabled(true);
-  const auto begin = loop.now();
-  call("WaitSecs", {std::int16_t{1}});
-  EXPECT_GE(loop.now() - begin, std::chrono::milliseconds(1000));
-  EXPECT_GE(ticks, 3);
-}
-
-TEST_F(Host, WaitSecsEndsWhenTheLoopIsAskedToQuit) {
-  const auto timer = loop.makeTimer(std::chrono::milliseconds(50), [&] { loop.quit(0); });
-  timer->enabled(true);
-  const auto begin = loop.now();
-  call("WaitSecs", {std::int16_t{3600}});
-  EXPECT_LT(loop.now() - begin, std::chrono::seconds(60));
-  EXPECT_EQ(loop.run(), 0);
-}
-
-TEST_F(Host, WaitsWithinWaitsAreLimited) {
-  int depth = 0;
-  std::int32_t failure = 0;
-  std::function<void()> wait = [&] {
-    ++depth;
-    loop.post(wait);
-    failure = std::max(failure, support::FailureNumberOf([&] { call("WaitSecs", {std::int16_t{1}}); }));
-    if (failure != 0) loop.quit(0);
-  };
-  wait();
-  EXPECT_EQ(failure, base::number::kInternal);
-  EXPECT_EQ(depth, 51);
-}
-
-TEST_F(Host, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
-  httplib::Server web;
-  const std::string body("a\0\xFF<b>c</b>", 11);
-  web.Get("/cover/x y", [&](const httplib::Request&, httplib::Response& response) {
-    response.set_content(body, "image/jpeg");
-  });
-  const int port = web.bind_to_any_port("127.0.0.1");
-  std::thread thread([&] { web.listen_after_bind(); });
-  EXPECT_EQ(text("GetUrl", {"127.0.0.1", "/cover/x y", false, port}), body);
-  EXPECT_EQ(text("GetUrl", {"127.0.0.1", "cover/x y", true, port}), std::string("a\0\xFF"
-                                                                                "c",
-                                                                                4));
-  EXPECT_EQ(support::FailureNumberOf([&] {
-              call("GetUrl", {"127.0.0.1", "/none", false, port});
-            }),
-            base::number::kDeviceIo);
-  web.stop();
-  thread.join();
-}
-
-TEST(AnAddressOfThePlayers, KeepsTheSchemeAndThePortThatItNames) {
-  EXPECT_EQ(UrlOf("127.0.0.1", "cover/x y", 8080), "http://127.0.0.1:8080/cover/x%20y");
-  EXPECT_EQ(UrlOf("http://meta.example", "/redir/a.asp?cd=1+2", 80),
-            "http://meta.example:80/redir/a.asp?cd=1+2");
-  EXPECT_EQ(UrlOf("http://meta.example:8080", "/a", 80), "http://meta.example:8080/a");
-  EXPECT_EQ(UrlOf("HTTP://meta.example:8080/cover/?large=x", "", 80),
-            "http://meta.example:8080/cover/?large=x");
-  EXPECT_EQ(UrlOf("https://meta.example/cover/x", "", 80), "https://meta.example/cover/x");
-  EXPECT_EQ(UrlOf("http://[::1]:8080/cover/x", "", 80), "http://[::1]:8080/cover/x");
-  EXPECT_EQ(UrlOf("[::1]", "", 80), "http://[::1]:80/");
-  EXPECT_EQ(UrlOf("http://meta.example/", "/a", 80), "http://meta.example:80/a");
-}
-
-TEST_F(Host, GetUrlAsksTheHouseItselfForCoversWhereItsMachineIsNamedWithoutAPort) {
-  httplib::Server web;
-  web.Get("/redir/GetMDRCD.asp", [&](const httplib::Request& request, httplib::Response& response) {
-    response.set_content("about " + request.get_param_value("cd"), "text/xml");
-  });
-  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
-    response.set_content("a cover", "image/jpeg");
-  });
-  house.webPort = web.bind_to_any_port("127.0.0.1");
-  std::thread thread([&] { web.listen_after_bind(); });
-  constexpr std::int16_t kUsual = 80;
-  EXPECT_EQ(text("GetUrl", {"http://127.0.0.1", "/redir/GetMDRCD.asp?locale=409&cd=1+96", false, kUsual}),
-            "about 1 96");
-  EXPECT_EQ(text("GetUrl", {"HTTP://127.0.0.1/cover/?large=x", "", false, kUsual}), "a cover");
-  EXPECT_NE(support::FailureNumberOf([&] {
-              call("GetUrl", {"http://127.0.0.1:1/cover/?large=x", "", false, kUsual});
-            }),
-            0)
-      << "a port that is named is kept";
-  web.stop();
-  thread.join();
-}
-
-TEST_F(Host, GetUrlAsksAHouseThatSpeaksHttpsByItsCertificate) {
-  const support::TestCertificate made(folder.path());
-  httplib::SSLServer web(made.certificate.c_str(), made.key.c_str());
-  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
-    response.set_content("a cover", "image/jpeg");
-  });
-  house.webPort = web.bind_to_any_port("127.0.0.1");
-  std::thread thread([&] { web.listen_after_bind(); });
-  constexpr std::int16_t kUsual = 80;
-  const base::Array asked{"http://127.0.0.1", "/cover/?large=x", false, kUsual};
-  house.webCertificate = made.certificate;
-  EXPECT_EQ(text("GetUrl", asked), "a cover");
-  house.webCertificate.clear();
-  EXPECT_NE(support::FailureNumberOf([&] { call("GetUrl", asked); }), 0) << "it speaks nothing else";
-  web.stop();
-  thread.join();
-}
-
-TEST_F(Host, GetUrlAsksTheHouseForCoversWhereItListensThoughItsMachineIsNamed) {
-  httplib::Server web;
-  web.Get("/redir/GetMDRCD.asp", [&](const httplib::Request&, httplib::Response& response) {
-    response.set_content("about it", "text/xml");
-  });
-  web.Get("/cover/", [&](const httplib::Request&, httplib::Response& response) {
-    response.set_content("a cover", "image/jpeg");
-  });
-  house.webHost = "127.0.0.2";
-  house.webPort = web.bind_to_any_port(house.webHost);
-  std::thread thread([&] { web.listen_after_bind(); });
-  constexpr std::int16_t kUsual = 80;
-  for (const char* name : {"localhost", "127.0.0.1", "[::1]", "127.0.0.2"}) {
-    const std::string host = std::string("http://") + name;
-    EXPECT_EQ(text("GetUrl", {host, "/redir/GetMDRCD.asp?locale=409&cd=1+96", false, kUsual}), "about it");
-    EXPECT_EQ(text("GetUrl", {"HTTP" + host.substr(4) + "/cover/?large=x", "", false, kUsual}), "a cover");
-  }
-  web.stop();
-  thread.join();
 }
 
 }  // namespace
