@@ -50,6 +50,9 @@ class ManyTabs : public support::PageHouse, public testing::WithParamInterface<b
   }
 };
 
+/// With a worker that never says a word.
+class AMuteWorker : public support::PageHouse {};
+
 INSTANTIATE_TEST_SUITE_P(ByWorker, ManyTabs, testing::Values(true));
 INSTANTIATE_TEST_SUITE_P(ByLeader, ManyTabs, testing::Values(false));
 
@@ -85,6 +88,17 @@ TEST_P(ManyTabs, AllHearOfEverythingWhenTheFirstIsClosedAndTheServerStartsAnew) 
   }
   EXPECT_TRUE(support::Eventually([&] { return ConnectionsTo(server->port()) == 1; }))
       << ConnectionsTo(server->port());
+}
+
+TEST_F(AMuteWorker, IsDoneWithoutByThePageThatHasIt) {
+  // It is asked in vain without the pauses in between.
+  browser.beforeEachPage(
+      "window.SharedWorker = class { port = {postMessage() {}}; };"
+      "const plain = window.setInterval;"
+      "window.setInterval = (work, time, ...rest) => plain(work, time === 10000 ? 50 : time, ...rest);");
+  open("#devices");
+  newDevice("Lamp");
+  EXPECT_TRUE(shows("Lamp"));
 }
 
 }  // namespace

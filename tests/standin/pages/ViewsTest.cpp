@@ -217,9 +217,10 @@ TEST_F(Views, NothingIsGreenWhileTheServerIsDown) {
   EXPECT_TRUE(browser.eventually("return document.querySelector('.now.stale, .cards.stale') === null"));
 }
 
-TEST_F(Views, AConnectionThatDiesWithoutAWordIsFoundOut) {
-  open("#devices");
-  const json told = browser.runAsync(
+/// What a page's stream tells when its clock is turned by hand: `steps` runs with `made`, `told`, `now`,
+/// `tick`.
+nlohmann::json ToldByAStream(support::Browser& browser, const std::string& steps) {
+  return browser.runAsync(
       "const done = arguments[0]; const made = []; let tick; let now = 0;"
       "window.EventSource = class extends EventTarget {"
       "  static CLOSED = 2; readyState = 1;"
@@ -228,12 +229,44 @@ TEST_F(Views, AConnectionThatDiesWithoutAWordIsFoundOut) {
       "window.setInterval = (work) => { tick = work; return 1; };"
       "Date.now = () => now;"
       "import(document.querySelector('script[src$=\"app.js\"]').src.replace('app.js', 'live/source.js'))"
-      "  .then(({Source}) => { const told = []; new Source((message) => told.push(message.type));"
-      "    made[0].onopen(); made[0].dispatchEvent(new Event('alive'));"
-      "    now = 11000; tick(); told.push('still');"
-      "    now = 12000; tick(); made[1].onopen();"
-      "    done([...told, made.length, made[0].closed]); }, error => done([String(error)]))");
-  EXPECT_EQ(told, json({"opened", "still", "lost", "opened", 2, true}));
+      "  .then(({Source}) => { const told = []; new Source((message) => told.push(message.type));" +
+      steps + "    done([...told, made.length, made[0].closed]); }, error => done([String(error)]))");
+}
+
+TEST_F(Views, AConnectionThatDiesWithoutAWordIsFoundOut) {
+  open("#devices");
+  EXPECT_EQ(ToldByAStream(browser,
+                          "made[0].onopen(); made[0].dispatchEvent(new Event('alive'));"
+                          "now = 11000; tick(); told.push('still');"
+                          "now = 12000; tick(); made[1].onopen();"),
+            json({"opened", "still", "lost", "opened", 2, true}));
+}
+
+TEST_F(Views, AConnectionThatNeverComesAboutIsBegunAnew) {
+  open("#devices");
+  EXPECT_EQ(ToldByAStream(browser,
+                          "now = 29000; tick(); told.push('still');"
+                          "now = 30000; tick(); made[1].onopen();"),
+            json({"still", "lost", "opened", 2, true}));
+}
+
+TEST_F(Views, AStreamThatWasRefusedIsAskedForUntilTheServerIsThereAgain) {
+  browser.beforeEachPage(
+      "window.opened = 0; window.down = 3;"
+      "window.SharedWorker = class { port = {"
+      "  set onmessage(hear) { this.hear = hear; if (hear) setTimeout(() => hear({data: {type: "
+      "'refused'}})); },"
+      "  postMessage(word) { if (word === 'open') window.opened++; }}; };"
+      "{ const wait = window.setTimeout; window.setTimeout = (work, time, ...rest) => "
+      "    wait(work, time === 3000 ? 30 : time, ...rest);"
+      "  const plain = window.fetch; let first = true;"
+      "  window.fetch = (path, ...rest) => {"
+      "    if (path !== '/api/state' || first || !window.down) { first = false; return plain(path, ...rest); "
+      "}"
+      "    window.down--; return Promise.reject(new TypeError('down')); }; }");
+  open("#devices");
+  EXPECT_TRUE(browser.eventually("return window.opened === 1"));
+  EXPECT_EQ(browser.run("return window.down"), 0);
 }
 
 TEST_F(Views, AnEditedScriptIsThereAgainAfterItWasLeft) {

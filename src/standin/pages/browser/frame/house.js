@@ -55,6 +55,11 @@ export class House {
   }
 
   listen() {
+    // Nobody who is signed out; but a server that can't be reached for a while is asked until it can.
+    const again = async () => {
+      if (await this.load()) open();
+      else if (this.state.user) setTimeout(again, kTryAgain);
+    };
     const open = joinStream((message) => {
       if (message.type === 'opened') {
         this.#opened();
@@ -64,7 +69,7 @@ export class House {
         else work();
       } else {
         this.#lost(message.type === 'lost');
-        if (message.type === 'refused') setTimeout(async () => { if (await this.load()) open(); }, kTryAgain);
+        if (message.type === 'refused') setTimeout(again, kTryAgain);
       }
     });
   }

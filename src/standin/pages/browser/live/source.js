@@ -2,6 +2,7 @@
 const kKinds = ['device', 'removed', 'log', 'script', 'playlist', 'player', 'cover', 'event', 'dialog', 'frame', 'launch', 'voice',
   'room', 'reload'];
 const kSilence = 12000;  // milliseconds without a word after which the connection is dead: the server says one every 5 s
+const kOpening = 30000;  // after which it is begun anew
 const kLook = 4000;
 
 /**
@@ -25,9 +26,12 @@ export class Source {
     if (this.#stream && this.state !== 'refused') return;
     const stream = this.#stream = new EventSource('/api/live');
     this.state = 'opening';
+    this.#heard = Date.now();
+    this.#watch ||= setInterval(() => this.#look(), kLook);
     const become = (state) => {
       if (stream !== this.#stream) return;
       this.state = state;
+      this.#heard = Date.now();
       this.#tell({type: state});
     };
     stream.onopen = () => become('opened');
@@ -38,15 +42,13 @@ export class Source {
         this.#tell({type: 'event', kind, data: event.data});
       });
     }
-    stream.addEventListener('alive', () => {
-      this.#heard = Date.now();
-      this.#watch ||= setInterval(() => this.#look(), kLook);
-    });
+    stream.addEventListener('alive', () => { this.#heard = Date.now(); });
   }
 
   /** A connection may die without a word, as when a machine sleeps or a cable is pulled. */
   #look() {
-    if (this.state !== 'opened' || Date.now() - this.#heard < kSilence) return;
+    const patience = this.state === 'opened' ? kSilence : kOpening;
+    if (this.state === 'refused' || Date.now() - this.#heard < patience) return;
     this.close();
     this.#tell({type: 'lost'});
     this.open();

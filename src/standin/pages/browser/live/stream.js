@@ -2,15 +2,33 @@
 import {joinLeader} from './leader.js';
 import {Source} from './source.js';
 
-/** By a worker that the pages share. */
+const kAsk = 10000;  // milliseconds between two questions to the worker whether it is there
+const kMissed = 2;   // so many in a row without a word
+
+/** By a worker that the pages share. One that is gone, or never came, says nothing of it. */
 function joinWorker(hear, otherwise) {
   const worker = new SharedWorker(new URL('./worker.js', import.meta.url), {type: 'module', name: 'vantorix-live'});
-  worker.onerror = otherwise;
-  worker.port.onmessage = ({data}) => hear(data);
-  return {
-    open: () => worker.port.postMessage('open'),
-    leave: () => worker.port.postMessage('leave'),
+  const {port} = worker;
+  let unanswered = 0;
+  const leave = () => {
+    clearInterval(watch);
+    port.onmessage = null;
+    port.postMessage('leave');
   };
+  const giveUp = () => {
+    leave();
+    otherwise();
+  };
+  const watch = setInterval(() => {
+    if (unanswered++ < kMissed) port.postMessage('ask');
+    else giveUp();
+  }, kAsk);
+  worker.onerror = giveUp;
+  port.onmessage = ({data}) => {
+    unanswered = 0;
+    if (data.type !== 'here') hear(data);
+  };
+  return {open: () => port.postMessage('open'), leave};
 }
 
 function joinAlone(hear) {

@@ -20,7 +20,11 @@ function leave(page) {
 }
 
 self.onconnect = ({ports: [page]}) => {
-  page.onmessage = ({data}) => (data === 'leave' ? leave(page) : open());
+  page.onmessage = ({data}) => {
+    if (data === 'leave') leave(page);
+    else if (data === 'ask') page.postMessage({type: 'here'});
+    else open();
+  };
   pages.add(page);
   open();
   if (source.state === 'opened') page.postMessage({type: 'opened'});
