@@ -14,17 +14,18 @@ endif()
 # A function that has written behind its own end is stopped, and so are a jump to where nothing begins, a copy beyond
 # what is known to fit, and a stack that leaps over its guard. Nothing of it is for the sanitizers, which see more.
 # tools/check-hardening.sh looks at what can be seen of it.
+set(hardened "$<AND:$<CONFIG:Release,RelWithDebInfo,MinSizeRel>,$<NOT:$<BOOL:${VANTORIX_SANITIZE}>>>")
 include(CheckCXXCompilerFlag)
 foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
   string(MAKE_C_IDENTIFIER "HAS${flag}" has)
   check_cxx_compiler_flag(${flag} ${has})
   if(${has})
-    target_compile_options(vantorix_options INTERFACE $<$<CONFIG:Release>:${flag}>)
+    target_compile_options(vantorix_options INTERFACE $<${hardened}:${flag}>)
   endif()
 endforeach()
-target_compile_options(vantorix_options INTERFACE "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+target_compile_options(vantorix_options INTERFACE "$<${hardened}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 # Where things lie is settled before a program runs, and read-only from then on.
-target_link_options(vantorix_options INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now,-z,noexecstack>)
+target_link_options(vantorix_options INTERFACE $<${hardened}:-Wl,-z,relro,-z,now,-z,noexecstack>)
 if(VANTORIX_SANITIZE)
   target_compile_options(vantorix_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer

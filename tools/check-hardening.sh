@@ -2,7 +2,8 @@
 # Tells of each program or library given whether it lies anywhere in memory, has its tables made read-only before it
 # runs, no stack that may be executed, and functions that watch their stacks; on x86 also whether its functions are marked
 # as places to jump to. (That is no note in its headers, since the system's own start files have none.) Of all together
-# it tells whether copies are looked at. Fails when one is not so, or when there is none.
+# it tells whether copies are looked at and, on x86, whether large stacks are touched page by page. Fails when one is not
+# so, or when there is none.
 #
 #   tools/check-hardening.sh FILE...
 set -euo pipefail
@@ -11,6 +12,8 @@ set -euo pipefail
 
 failed=0
 copies=0
+probes=0
+x86=0
 lacks() {
   echo "$1: $2" >&2
   failed=1
@@ -28,12 +31,20 @@ for file in "$@"; do
   grep -q '__stack_chk_fail' <<<"$needs" || lacks "$file" "its functions don't watch their stacks"
   if grep -Eq '__[a-z]+_chk@' <<<"$needs"; then copies=1; fi
   if grep -q 'X86-64' <<<"$head"; then
-    marked=$(objdump -d --no-show-raw-insn -j .text "$file" | grep -c endbr64 || true)
+    x86=1
+    code=$(objdump -d --no-show-raw-insn -j .text "$file")
+    marked=$(grep -c endbr64 <<<"$code" || true)
     # The compiler's own start files have some.
     [ "$marked" -gt 10 ] || lacks "$file" "its functions aren't marked as places to jump to"
+    # A page is taken and at once written to, so that no stack steps over its guard.
+    # shellcheck disable=SC2016 # the program's words, not the shell's
+    touched=$(grep -A1 -E 'sub +\$0x1000,%rsp' <<<"$code" | grep -Ec '(or|mov)q +\$0x0,(0x[0-9a-f]+)?\(%rsp\)' || true)
+    if [ "$touched" -gt 0 ]; then probes=1; fi
   fi
   if [ -z "$stack" ] || grep -Eq ' RWE ' <<<"$stack"; then lacks "$file" "its stack may be executed"; fi
 done
 # Not each has a copy of which the compiler knows how much fits.
 [ "$copies" = 1 ] || lacks "all of them" "no copies are looked at (FORTIFY)"
+# Nor has each a function with a page of its own on the stack.
+[ "$x86" = 0 ] || [ "$probes" = 1 ] || lacks "all of them" "a large stack may step over its guard (stack clash)"
 exit "$failed"
