@@ -8,6 +8,7 @@
 #include "base/Failure.hpp"
 #include "bus/ReplyLimit.hpp"
 #include "files/FolderLock.hpp"
+#include "files/FolderSync.hpp"
 #include "files/WriteFile.hpp"
 #include "standin/AddressFile.hpp"
 #include "standin/Options.hpp"
@@ -75,6 +76,10 @@ int Serve(const Options& options) {
   if (!IsAnyAddress(options.listen)) house.webHost = HostOf(options.listen);
   if (!options.version.empty()) house.version = options.version;
 
+  // Whatever thread it is that writes.
+  const files::UnsyncedFolders unsynced([&](const base::Failure& failure) {
+    loop.post([&house, text = failure.description()] { house.log.write("Warning", text); });
+  });
   BusShelf shelf(connection);
   HouseObjects objects(house, shelf);
   EspeakVoice espeak;

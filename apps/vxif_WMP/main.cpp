@@ -16,6 +16,7 @@
 #include "bus/ReplyLimit.hpp"
 #include "engine/Player.hpp"
 #include "engine/common/Config.hpp"
+#include "files/FolderSync.hpp"
 #include "mpris/session/SessionAddress.hpp"
 #include "pictures/CoverDesk.hpp"
 #include "platform/PosixPlatform.hpp"
@@ -81,6 +82,10 @@ int Serve() {
   std::string configProblem;
   const engine::Config config = PlayerConfig(configProblem);
   const auto tell = [&log](const std::string& line) { log.warn("Media Player: " + line); };
+  // Whatever thread it is that writes; the loop tells it once it turns.
+  const files::UnsyncedFolders unsynced([&](const base::Failure& failure) {
+    loop.post([&tell, text = failure.description()] { tell(text); });
+  });
   FirstMeeting meeting(loop);
 
   plugin::Plugin plugin({.loop = loop,

@@ -17,6 +17,7 @@
 #include "base/Failure.hpp"
 #include "files/Descriptor.hpp"
 #include "files/FileError.hpp"
+#include "files/FolderSync.hpp"
 #include "files/Stamp.hpp"
 
 namespace files {
@@ -44,13 +45,6 @@ bool IsTemporaryName(std::string_view name) {
 std::string FolderOf(const std::string& path) {
   const std::string folder = fs::path(path).parent_path().string();
   return folder.empty() ? "." : folder;
-}
-
-/// A name's coming or going lasts only once its folder is on the disk. Some file systems don't know this, and
-/// by then it can't be taken back.
-void SyncFolder(const std::string& folder) {
-  const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (descriptor.get() >= 0) ::fsync(descriptor.get());
 }
 
 /// rename(2) that replaces nothing.

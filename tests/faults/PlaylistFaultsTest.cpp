@@ -8,6 +8,7 @@
 
 #include "base/Failure.hpp"
 #include "engine/playlists/PlaylistFolder.hpp"
+#include "files/FolderSync.hpp"
 #include "support/faults/FailingFiles.hpp"
 
 namespace engine::testing {
@@ -60,18 +61,25 @@ const std::vector<Edit>& Edits() {
 
 TEST(PlaylistFaults, WhereAnyOperationFailsAnEditIsKeptOrToldAndWhatStoodStands) {
   int failed = 0;
+  int unsyncedFolders = 0;
   for (const Edit& edit : Edits()) {
     failed += support::WithEachFileFault([&](support::FaultyRun& run) {
       Lists known{{"L", {"http://x/1", "http://x/2"}}, {"Other", {"http://x/3"}}, {"Third", {"http://x/5"}}};
       PlaylistFolder playlists(run.folder());
       for (const auto& [name, addresses] : known) playlists.make(name, addresses);
       playlists.names();
+      int unsynced = 0;
       run.onTheFailingDisk([&] {
+        const files::UnsyncedFolders watch([&](const base::Failure&) { ++unsynced; });
         try {
           edit(playlists, known);
         } catch (const base::Failure&) {  // told
         }
       });
+      if (run.failed() == "sync " + playlists.folder) {
+        EXPECT_GT(unsynced, 0);
+        ++unsyncedFolders;
+      }
       EXPECT_EQ(ListsIn(run.folder()), known);
       Lists now;
       for (const std::string& name : playlists.names()) now[name] = Addresses(*playlists.named(name));
@@ -84,6 +92,7 @@ TEST(PlaylistFaults, WhereAnyOperationFailsAnEditIsKeptOrToldAndWhatStoodStands)
     });
   }
   EXPECT_GT(failed, 40);
+  EXPECT_GT(unsyncedFolders, 0);
 }
 
 }  // namespace

@@ -1,0 +1,51 @@
+#include "files/FolderSync.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+#include <utility>
+
+#include "files/Descriptor.hpp"
+#include "files/FileError.hpp"
+
+namespace files {
+namespace {
+
+struct Watch {
+  std::mutex mutex;
+  std::function<void(const base::Failure&)> tell;
+};
+
+Watch& TheWatch() {
+  static Watch watch;
+  return watch;
+}
+
+void Tell(const std::string& folder, int error) {
+  Watch& watch = TheWatch();
+  const std::lock_guard lock(watch.mutex);
+  if (watch.tell) watch.tell(FileFailure(error, folder, "A change might not outlast a power cut, in "));
+}
+
+}  // namespace
+
+void SyncFolder(const std::string& folder) {
+  const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (descriptor.valid() && ::fsync(descriptor.get()) == 0) return;
+  // One can be let write into a folder without being let open it.
+  if (errno != EINVAL && errno != ENOTSUP && errno != EACCES) Tell(folder, errno);
+}
+
+UnsyncedFolders::UnsyncedFolders(std::function<void(const base::Failure&)> tell) {
+  const std::lock_guard lock(TheWatch().mutex);
+  TheWatch().tell = std::move(tell);
+}
+
+UnsyncedFolders::~UnsyncedFolders() {
+  const std::lock_guard lock(TheWatch().mutex);
+  TheWatch().tell = nullptr;
+}
+
+}  // namespace files
