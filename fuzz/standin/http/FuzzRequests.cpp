@@ -6,10 +6,12 @@
 #include <filesystem>
 #include <regex>
 #include <string>
+#include <string_view>
 
 #include "fuzz/Alphabet.hpp"
 #include "standin/house/DeviceStore.hpp"
 #include "standin/http/BodyFrame.hpp"
+#include "standin/http/ByteRange.hpp"
 #include "standin/http/RequestHead.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/http/WebRules.hpp"
@@ -52,6 +54,29 @@ void CheckFraming(const std::string& head, const std::string& body) {
   }
 }
 
+/// A header of a few digits and dashes, as chance seldom makes them of all characters.
+std::string RangeFrom(const std::string& text) {
+  constexpr std::string_view kCharacters = "0123456789-- ,";
+  constexpr std::size_t kLongest = 24;
+  std::string header = "bytes=";
+  for (const char c : text.substr(0, kLongest)) {
+    const auto place = static_cast<unsigned char>(c);
+    if (place >= 0xE0) break;  // or all would be long
+    header += kCharacters[place % kCharacters.size()];
+  }
+  return header;
+}
+
+/// A range lies in the content that it is of, and is not empty.
+void CheckRange(const std::string& header) {
+  for (const std::size_t all : {0, 1, 100}) {
+    const auto part = standin::RangeOf(header, all);
+    if (!part) continue;
+    if (!standin::IsOneRange(header)) std::abort();
+    if (part->count == 0 || part->first >= all || part->count > all - part->first) std::abort();
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -68,6 +93,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const bool tls : {false, true})
     if (standin::SameOrigin(half, rest, tls) && half.size() <= rest.size()) std::abort();
   CheckFraming(text, half);
+  CheckRange(text);
+  CheckRange(RangeFrom(text));
   standin::CookieValue(text, "vantorix");
   if (standin::EscapeHtml(text).find_first_of("<>\"'") != std::string::npos) std::abort();
 
