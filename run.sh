@@ -36,7 +36,8 @@ bin=${VANTORIX_BIN:-$root/build/release/bin}
 services=${VANTORIX_SERVICES:-$root/build/release/dbus/services}
 
 data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
-mkdir -p "$data"
+mkdir -p "$(dirname "$data")"
+[ -d "$data" ] || mkdir -m 700 "$data"
 if [ -z "$music" ]; then
   music=$data/demo-music
   "$bin/vantorix-demo-library" "$music"

@@ -23,7 +23,6 @@ namespace {
 
 constexpr std::int32_t kInvalidPicture = 481;
 constexpr std::int32_t kPathAccess = 75;
-constexpr mode_t kForAll = 0644;
 
 std::string BytesOf(const std::string& path) {
   return files::ReadFile(path, static_cast<std::int64_t>(kMostBytes)).text;
@@ -40,16 +39,16 @@ void CoverDesk::makeFolder(const std::string& path) {
   const std::string native = NativePath(path);
   struct stat info {};
   if (::stat(native.c_str(), &info) == 0) throw Failure(kPathAccess);
-  files::MakeFolder(native);
+  files::MakeFolder(native, files::kFolderForOwner);
 }
 
 void CoverDesk::copy(const std::string& from, const std::string& to) {
-  files::WriteFile(NativePath(to), BytesOf(NativePath(from)), {kForAll});
+  files::WriteFile(NativePath(to), BytesOf(NativePath(from)), {files::kForOwner});
 }
 
 void CoverDesk::overwrite(const std::string& path, const std::string& bytes) {
   const std::string native = NativePath(path);
-  const files::Descriptor file(::open(native.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kForAll));
+  const files::Descriptor file(::open(native.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, files::kForOwner));
   if (!file.valid()) files::FailOn(native, errno);
   files::WriteAll(file.get(), bytes, native);
 }
@@ -58,7 +57,7 @@ void CoverDesk::download(const std::string& url, const std::string& path) {
   constexpr std::string_view kFile = "file://";
   if (url.rfind(kFile, 0) != 0) return;
   base::Attempt step;
-  step([&] { files::WriteFile(NativePath(path), BytesOf(url.substr(kFile.size())), {kForAll}); });
+  step([&] { files::WriteFile(NativePath(path), BytesOf(url.substr(kFile.size())), {files::kForOwner}); });
 }
 
 cover::Picture CoverDesk::load(const std::string& path) {

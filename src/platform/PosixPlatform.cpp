@@ -13,12 +13,11 @@
 
 #include "files/Descriptor.hpp"
 #include "files/FileError.hpp"
+#include "files/WriteFile.hpp"
 
 namespace platform {
 
 using base::Failure;
-
-namespace {}  // namespace
 
 std::string NativePath(const std::string& path) {
   std::string native = path;
@@ -52,7 +51,8 @@ void PosixPlatform::messageBox(base::BoxKind kind, const std::string& title, con
 
 void PosixPlatform::emptyFile(const std::string& path) {
   const std::string native = NativePath(path);
-  const files::Descriptor file(open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  const files::Descriptor file(
+      open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, files::kForOwner));
   if (!file.valid()) files::FailOn(native, errno);
 }
 

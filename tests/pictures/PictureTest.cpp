@@ -2,6 +2,7 @@
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <filesystem>
@@ -118,6 +119,29 @@ TEST(CoverDesk, ReadsWritesAndCopiesBelowPathsWithBackslashes) {
   desk.remove(below + R"(\b.jpg)");
   EXPECT_EQ(support::FailureNumberOf([&] { desk.load(below + R"(\b.jpg)"); }), 53);
   EXPECT_EQ(support::FailureNumberOf([&] { desk.remove(below + R"(\b.jpg)"); }), 53);
+}
+
+TEST(CoverDesk, WritesForItsOwnerAlone) {
+  const support::TempFolder folder;
+  pictures::CoverDesk desk;
+  const std::string html = folder.path().string() + "/html";
+  const mode_t before = ::umask(022);
+  desk.makeFolder(html + R"(\images)");
+  desk.overwrite(html + R"(\images\a.jpg)", "a picture");
+  desk.copy(html + R"(\images\a.jpg)", html + R"(\images\b.jpg)");
+  desk.download("file://" + html + "/images/a.jpg", html + R"(\images\c.jpg)");
+  ::umask(before);
+  const auto forOthers = [](const std::filesystem::directory_entry& entry) {
+    return entry.status().permissions() &
+           (std::filesystem::perms::group_all | std::filesystem::perms::others_all);
+  };
+  EXPECT_EQ(forOthers(std::filesystem::directory_entry(html)), std::filesystem::perms::none);
+  int found = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(html)) {
+    EXPECT_EQ(forOthers(entry), std::filesystem::perms::none) << entry.path();
+    ++found;
+  }
+  EXPECT_EQ(found, 4);
 }
 
 TEST(CoverDesk, FetchesWhatLiesInFilesAndNothingElse) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,9 +41,12 @@ TEST_F(ThePlatform, EmptiesAFileWhosePathHasBackslashes) {
   EXPECT_EQ(std::filesystem::file_size(folder.path() / "Media Player" / "cover.jpg"), 0U);
 }
 
-TEST_F(ThePlatform, MakesAFileThatIsNotThere) {
+TEST_F(ThePlatform, MakesAFileThatIsNotThereForItsOwnerAlone) {
+  const mode_t before = ::umask(022);
   platform.emptyFile(folder.path().string() + "\\new.jpg");
-  EXPECT_TRUE(std::filesystem::exists(folder.path() / "new.jpg"));
+  ::umask(before);
+  EXPECT_EQ(std::filesystem::status(folder.path() / "new.jpg").permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 TEST_F(ThePlatform, AFolderThatIsNotThereIsAFailureOfItsOwn) {
