@@ -12,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "base/Failure.hpp"
 #include "files/Descriptor.hpp"
@@ -65,6 +66,28 @@ TEST_F(Files, ANewFileHasTheModeThatTheProcessGivesAndAnOldOneKeepsIts) {
   EXPECT_EQ(modeOf("a"), 0604U);
   EXPECT_EQ(FileContent(path("a")), "2");
   EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhatTakesThePlaceOfAnotherIsForItsOwnerAloneWhileItIsWritten) {
+  const mode_t before = ::umask(0);
+  WriteText(path("a"), "1");
+  ::chmod(path("a").c_str(), 0600);
+  WriteText(path("b"), "1");
+  ::chmod(path("b").c_str(), 0640);
+  std::vector<mode_t> seen;
+  const auto look = [&](int file, const void* bytes, std::size_t size) {
+    struct stat info {};
+    ::fstat(file, &info);
+    seen.push_back(info.st_mode & 07777U);
+    return WriteBytes(file, bytes, size);
+  };
+  for (const char* name : {"a", "b"}) WriteFile(path(name), "2", {.write = look});
+  WriteFile(path("new"), "2", {.mode = kForOwner, .write = look});
+  ::umask(before);
+  EXPECT_EQ(seen, (std::vector<mode_t>{0600, 0600, 0600}));
+  EXPECT_EQ(modeOf("a"), 0600U);
+  EXPECT_EQ(modeOf("b"), 0640U);
+  EXPECT_EQ(modeOf("new"), 0600U);
 }
 
 TEST_F(Files, WhatAGroupWasAllowedIsAllowedNoOther) {

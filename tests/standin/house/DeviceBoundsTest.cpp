@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "base/Failure.hpp"
 #include "standin/house/House.hpp"
 #include "support/FailureNumber.hpp"
@@ -32,10 +34,36 @@ TEST_F(ADevice, TakesTextsUpToTheirBoundAndKeepsWhatItHasBeyond) {
   house.devices.putValues(ref, table);
   EXPECT_EQ(FailureNumberOf([&] { house.devices.putValues(ref, table + "x"); }), base::number::kOverflow);
   EXPECT_EQ(device().values, table);
+}
+
+TEST_F(ADevice, IsMadeWithANameUpToItsBound) {
+  const std::string longest(DeviceStore::kLongestText, 'x');
   EXPECT_EQ(FailureNumberOf([&] { house.devices.create(longest + "x"); }), base::number::kOverflow);
+  EXPECT_EQ(house.devices.all().size(), 1U);
+  EXPECT_EQ(house.devices.create(longest).name, longest);
+}
+
+TEST_F(ADevice, TakesButtonsWithTextsUpToTheirBound) {
+  const std::string longest(DeviceStore::kLongestText, 'x');
   EXPECT_EQ(FailureNumberOf([&] { house.devices.addButton(ref, "I", longest + "x"); }),
             base::number::kOverflow);
+  EXPECT_EQ(FailureNumberOf([&] { house.devices.addButton(ref, longest + "x", "Press"); }),
+            base::number::kOverflow);
   EXPECT_TRUE(device().buttons.empty());
+  house.devices.addButton(ref, longest, longest);
+  ASSERT_EQ(device().buttons.size(), 1U);
+  EXPECT_EQ(device().buttons[0].interface, longest);
+  EXPECT_EQ(device().buttons[0].caption, longest);
+}
+
+TEST_F(ADevice, TakesButtonsWhileThereAreNotTooMany) {
+  for (std::size_t i = 0; i < DeviceStore::kMostButtons; ++i)
+    house.devices.addButton(ref, "I", "Button " + std::to_string(i));
+  EXPECT_EQ(device().buttons.size(), DeviceStore::kMostButtons);
+  EXPECT_EQ(FailureNumberOf([&] { house.devices.addButton(ref, "I", "One more"); }), base::number::kOverflow);
+  EXPECT_EQ(FailureNumberOf([&] { house.devices.addButton(ref, "I", "Button 7"); }), 0) << "it is there";
+  EXPECT_EQ(device().buttons.size(), DeviceStore::kMostButtons);
+  house.devices.addButton(house.devices.create("Radio").ref, "I", "One more");
 }
 
 TEST_F(ADevice, HasAPlaceWhileThereAreNotTooMany) {
