@@ -38,7 +38,8 @@ DecoderAddress ForPath(const std::string& path) {
   return {whole.string(), {}, {}, DecoderAddress::Kind::kFile};
 }
 
-/// The decoder takes a disc for one file, so the track is told to it as an option.
+/// The decoder takes a disc for one file, so the track is told to it as an option. What is opened ahead would
+/// be opened under the same options.
 DecoderAddress ForTrackOfDisc(std::string_view place, const IsDrive& isDrive) {
   const auto mark = place.rfind('#');
   const std::string device(place.substr(0, mark));
@@ -46,7 +47,11 @@ DecoderAddress ForTrackOfDisc(std::string_view place, const IsDrive& isDrive) {
   const bool number =
       !track.empty() && track.size() <= 2 && track.find_first_not_of("0123456789") == std::string_view::npos;
   if (!number || !isDrive(device)) return Refused("it is no track of a disc in one of the player's drives");
-  return {"cdda://" + device, "cdda-span=" + std::string(track) + "-" + std::string(track), {}};
+  const std::string only(track);
+  return {"cdda://" + device,
+          "cdda-span-a=" + only + ",cdda-span-b=" + only + ",demuxer=+disc,prefetch-playlist=no",
+          {},
+          DecoderAddress::Kind::kTrack};
 }
 
 }  // namespace

@@ -11,13 +11,14 @@ struct DecoderAddress {
   enum class Kind {
     kFile,     ///< a path, to be opened by `OpenMedia` only
     kStation,  ///< may lead on to other addresses
-    kTrack     ///< of a disc
+    kTrack,    ///< of a disc; opened in its turn only, as all tracks have one address
+    kNone      ///< refused
   };
 
   std::string address;  ///< empty when the item is refused
   std::string options;  ///< the decoder's, for this item alone
   std::string refusal;  ///< why it is refused, as people read it
-  Kind kind = Kind::kTrack;
+  Kind kind = Kind::kNone;
 };
 
 /// Whether the player has a drive of that name.

@@ -16,7 +16,9 @@ namespace {
 constexpr std::uint64_t kHeardSince = 1ULL << 62U;  // the tag of a question; entries are small numbers
 constexpr double kLongestHold = 2.0;
 constexpr const char* kStreamTitle = "metadata/by-key/icy-title";
-constexpr std::uint64_t kTracks = 1ULL << 61U;       // and the file's number
+constexpr std::uint64_t kTracks = 1ULL << 61U;  // and the file's number
+constexpr std::uint64_t kAddress = 1ULL << 60U;
+constexpr const char* kOpens = "stream-open-filename";
 constexpr const char* kOpensNothing = "refused://";  // no kind of address that the decoder knows
 
 }  // namespace
@@ -84,6 +86,7 @@ void MpvOutput::forget() {
   files_.clear();
   entries_.clear();
   stations_.clear();
+  tracks_.clear();
   decoderFiles_.forgetAll();
   dropped_.clear();
   held_ = startedMeanwhile_ = 0;
@@ -94,12 +97,15 @@ void MpvOutput::forget() {
 void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
   DecoderAddress address = AddressFor(location, isDrive_);
   // The decoder comes to a refused item in its turn, as to any other that can't be played.
-  if (!address.refusal.empty())
-    address.address = kOpensNothing;
-  else if (address.kind == DecoderAddress::Kind::kFile)
-    address.address = decoderFiles_.give(entry, address.address);
+  switch (address.kind) {
+    case DecoderAddress::Kind::kFile: address.address = decoderFiles_.give(entry, address.address); break;
+    case DecoderAddress::Kind::kStation: stations_.insert(entry); break;
+    case DecoderAddress::Kind::kTrack:
+      tracks_[entry] = std::exchange(address.address, kOpensNothing);  // until it is held before opening
+      break;
+    case DecoderAddress::Kind::kNone: address.address = kOpensNothing; break;
+  }
   entries_[entry] = std::move(address.refusal);
-  if (address.kind == DecoderAddress::Kind::kStation) stations_.insert(entry);
   std::vector<std::string> words{"loadfile", address.address, how};
   if (leveller_.on()) {
     if (!address.options.empty()) address.options += ',';
@@ -210,6 +216,7 @@ void MpvOutput::handle(const mpv_event& event) {
     case MPV_EVENT_PROPERTY_CHANGE: propertyTold(*static_cast<const mpv_event_property*>(event.data)); break;
     case MPV_EVENT_GET_PROPERTY_REPLY:
       if (event.reply_userdata == kHeardSince) heardTold(event);
+      if (event.reply_userdata == kAddress) addressTold(event);
       if (event.reply_userdata == kTracks + static_cast<std::uint64_t>(playing_)) tracksTold(event);
       break;
     default: break;
@@ -229,11 +236,26 @@ void MpvOutput::fileStarted(FileId file) {
   if (entry == 0) return;
   dropped_.erase(dropped_.begin(), dropped_.lower_bound(entry));
   stations_.erase(stations_.begin(), stations_.lower_bound(entry));
+  tracks_.erase(tracks_.begin(), tracks_.lower_bound(entry));
   decoderFiles_.forgetBefore(entry);
 }
 
 void MpvOutput::aboutToOpen(std::uint64_t held) {
-  if (!stations_.contains(entryOf(playing_))) return mpv_->open(held);
+  const EntryId entry = entryOf(playing_);
+  if (const auto track = tracks_.find(entry); track != tracks_.end())
+    return mpv_->set(kOpens, track->second, held);
+  if (!stations_.contains(entry)) return mpv_->open(held);
+  heldStation_ = held;
+  mpv_->ask(kAddress, kOpens, MPV_FORMAT_STRING);
+}
+
+void MpvOutput::addressTold(const mpv_event& event) {
+  const std::uint64_t held = std::exchange(heldStation_, 0);
+  const auto* property = static_cast<const mpv_event_property*>(event.data);
+  const bool known = event.error >= 0 && property->format == MPV_FORMAT_STRING;
+  const std::string address = known ? *static_cast<char* const*>(property->data) : "";
+  if (AddressFor(address, isDrive_).kind != DecoderAddress::Kind::kStation)
+    return mpv_->set(kOpens, std::string(kOpensNothing), held);
   const MpvOptions options = StationOptions();
   for (const auto& option : options) {
     const std::uint64_t last = &option == &options.back() ? held : 0;  // it is opened when all are set

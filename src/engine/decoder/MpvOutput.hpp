@@ -71,6 +71,8 @@ class MpvOutput : public Output {
   void fileStarted(FileId file);
   /// The file that was started waits to be opened: it is decided how far it may lead.
   void aboutToOpen(std::uint64_t held);
+  /// The address that the held file of a station would open, which may be one that the station sent.
+  void addressTold(const mpv_event& event);
   /// The decoder's tracks: whether there is a moving picture among them.
   void tracksTold(const mpv_event& event);
   void audible();
@@ -102,8 +104,10 @@ class MpvOutput : public Output {
   std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
   std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
   std::set<EntryId> stations_;              ///< those of them that may lead on to other addresses
+  std::map<EntryId, std::string> tracks_;   ///< the addresses of those of them that are a disc's
   FileId playing_ = 0;
-  bool opening_ = false;  ///< the file that plays can't be heard yet
+  std::uint64_t heldStation_ = 0;  ///< the file that waits to be opened
+  bool opening_ = false;           ///< the file that plays can't be heard yet
   bool tracksKnown_ = false;
   bool audibleFirst_ = false;  ///< it could be heard before its tracks were known
   std::int32_t height_ = 0;    ///< of its moving picture
