@@ -12,9 +12,25 @@ constexpr std::string_view kProtocols = "http,https,httpproxy,tls,tcp,crypto,dat
 /// No protocol is called so.
 constexpr std::string_view kNoProtocol = "none";
 
-/// The limits as the value of a list of options, whose own commas must not end it.
-std::string ProtocolLimit(std::string_view protocols) {
-  return "protocol_whitelist=%" + std::to_string(protocols.size()) + "%" + std::string(protocols);
+/// What the libraries below the decoder may take a file for: what holds sound or films, and all of it in
+/// itself. They know three times as many: lists of other files, texts that they read whole, sessions for
+/// which they would listen.
+constexpr std::string_view kFormats =
+    "aac,ac3,aiff,amr,amrnb,amrwb,ape,asf,au,avi,caf,dsf,dts,dtshd,dv,eac3,flac,flv,gsm,h264,hevc,iff,ivf,"
+    "loas,"
+    "m4v,matroska,mlp,mov,mp3,mpc,mpc8,mpeg,mpegts,mpegvideo,mxf,nsv,nut,ogg,oma,rm,shn,spdif,tak,truehd,tta,"
+    "vc1,voc,vqf,w64,wav,webm,wtv,wv,xwma";
+
+/// What a station may send beside them: its lists of pieces, and what belongs to those.
+constexpr std::string_view kStationFormats = "hls,dash,webvtt,live_flv";
+
+/// One of a list of options, whose own commas must not end it.
+std::string Limit(const char* name, std::string_view allowed) {
+  return std::string(name) + "=%" + std::to_string(allowed.size()) + "%" + std::string(allowed);
+}
+
+std::string Limits(std::string_view protocols, std::string_view formats) {
+  return Limit("protocol_whitelist", protocols) + "," + Limit("format_whitelist", formats);
 }
 
 }  // namespace
@@ -37,8 +53,10 @@ MpvOptions DecoderOptions() {
       {"sub-auto", "no"},
       {"cover-art-auto", "no"},
       // Whatever a file's content says: what reads it opens nothing else, not by any of its lists in lists.
-      {"demuxer-lavf-o", ProtocolLimit(kNoProtocol)},
-      {"stream-lavf-o", ProtocolLimit(kProtocols)},  // for the addresses that we give it
+      {"demuxer-lavf-o", Limits(kNoProtocol, kFormats)},
+      // The decoder's own readers open lists and archives, and unpack a block however large it becomes.
+      {"demuxer", "lavf"},
+      {"stream-lavf-o", Limit("protocol_whitelist", kProtocols)},  // for the addresses that we give it
       // What may be read ahead and kept of a station, and of a file whose parts lie far from each other.
       {"demuxer-max-bytes", "33554432"},
       {"demuxer-max-back-bytes", "16777216"},
@@ -61,7 +79,8 @@ MpvOptions DecoderOptions() {
 MpvOptions StationOptions() {
   return {
       {"access-references", "yes"},
-      {"demuxer-lavf-o", ProtocolLimit(kProtocols)},
+      {"demuxer", ""},
+      {"demuxer-lavf-o", Limits(kProtocols, std::string(kFormats) + "," + std::string(kStationFormats))},
       // The next one is opened beside what plays, and would be under what holds for this one.
       {"prefetch-playlist", "no"},
   };
