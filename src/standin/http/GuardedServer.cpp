@@ -97,6 +97,11 @@ void WebConnections::makeRoom() {
   }
 }
 
+bool WebConnections::owesRoom() const {
+  const std::lock_guard lock(mutex_);
+  return owed_ > 0;
+}
+
 void WebConnections::shed(const std::function<void()>& work) {
   shedder_ = std::this_thread::get_id();
   work();
@@ -157,10 +162,13 @@ bool GuardedServer::serve(socket_t socket, WebConnections::Entry entry) {
       identity_ != nullptr ? identity_->channel(socket) : std::make_unique<PlainChannel>(socket);
   GuardedStream stream(socket, *channel, limits_, waits);
   bool good = stream.begin();
+  bool last = false;
   bool closed = false;
-  for (int left = limits_.requests; good && !closed && left > 0; --left) {
+  for (int left = limits_.requests; good && !last && !closed; --left) {
     if (connections_.ending() || !stream.next()) break;
-    good = process_request(stream, left == 1, closed, [](httplib::Request& request) {
+    // While others wait for room, each answer is the last: who asks on and on would hold his place by it.
+    last = left <= 1 || connections_.owesRoom();
+    good = process_request(stream, last, closed, [](httplib::Request& request) {
       // The library would cut any answer, under any status, and pack the part.
       request.ranges.clear();
       if (request.has_header("Range")) request.headers.erase("Accept-Encoding");
@@ -173,7 +181,8 @@ bool GuardedServer::serve(socket_t socket, WebConnections::Entry entry) {
 
 bool GuardedServer::firstIsTls(socket_t socket, const std::function<void(Waits)>& waits) {
   char first = 0;
-  const bool said = Awaited(SteadyClock::now() + limits_.whole, limits_.brief, waits,
+  Patience patience = limits_.brief;
+  const bool said = Awaited(SteadyClock::now() + limits_.whole, patience, waits,
                             [&](Time end) { return ReadyBefore(end, socket, POLLIN); }) &&
                     ::recv(socket, &first, 1, MSG_PEEK | MSG_DONTWAIT) == 1;
   if (!said || BeginsTls(first)) return said;

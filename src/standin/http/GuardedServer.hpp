@@ -36,6 +36,8 @@ class WebConnections {
   /// Ends the oldest one that waits long for its peer. Where there is none it is the next one that does,
   /// unless one has gone by itself before. Who has only just come is heard.
   void makeRoom();
+  /// Whether one is still to make room.
+  [[nodiscard]] bool owesRoom() const;
   /// Has `work` done on this thread, with the connection that it is about closed unheard.
   void shed(const std::function<void()>& work);
   /// Whether that is going on, on this thread.

@@ -59,12 +59,13 @@ GuardedStream::GuardedStream(socket_t socket, Channel& channel, const WebLimits&
       channel_(channel),
       limits_(limits),
       waits_(std::move(waits)),
-      end_(SteadyClock::now() + limits.whole) {}
+      end_(SteadyClock::now() + limits.whole),
+      patience_(limits.brief) {}
 
 bool GuardedStream::is_readable() const { return channel_.holds() || ReadyBefore(end_, socket_, POLLIN); }
 
 bool GuardedStream::is_writable() const {
-  if (!ReadyBefore(SteadyClock::now() + limits_.answered, socket_, POLLOUT)) return false;
+  // Whether the peer is there; it is waited for when something is written.
   char next = 0;
   const ssize_t got = ::recv(socket_, &next, 1, MSG_PEEK | MSG_DONTWAIT);
   return got > 0 || (got < 0 && (errno == EAGAIN || errno == EINTR));
@@ -88,11 +89,18 @@ ssize_t GuardedStream::write(const char* data, std::size_t size) {
   const Time end = SteadyClock::now() + limits_.answered;
   std::size_t sent = 0;
   while (sent < size) {
-    const auto count = TakenBefore(end, socket_, [&] { return channel_.send(data + sent, size - sent); });
+    const auto count = taken(end, [&] { return channel_.send(data + sent, size - sent); });
     if (!count) return -1;
     sent += *count;
   }
   return static_cast<ssize_t>(size);
+}
+
+template <class Step>
+std::optional<std::size_t> GuardedStream::taken(Time end, const Step& step) {
+  // What is there already keeps nobody waiting.
+  if (const auto count = TakenBefore(Time(), socket_, step)) return count;
+  return Awaited(end, patience_, waits_, [&](Time until) { return TakenBefore(until, socket_, step); });
 }
 
 void GuardedStream::get_remote_ip_and_port(std::string& ip, int& port) const {
@@ -104,20 +112,19 @@ void GuardedStream::get_local_ip_and_port(std::string& ip, int& port) const {
 }
 
 bool GuardedStream::begin() {
-  return Awaited(end_, limits_.brief, waits_, [&](Time end) {
-    return TakenBefore(end, socket_, [&] { return channel_.begin(); }).has_value();
-  });
+  return taken(end_, [&] { return channel_.begin(); }).has_value();
 }
 
 bool GuardedStream::next() {
   if (refused_ || ended_ || headRead_ < head_.size() || !body_.ended()) return false;
   if (used_ == filled_ && !channel_.holds() && !ReadyBefore(SteadyClock::now(), socket_, POLLIN)) {
     // Between two requests nobody is cut off, so that need not wait for anything.
-    const auto brief = answered_ ? std::chrono::milliseconds(0) : limits_.brief;
-    const bool ready = Awaited(SteadyClock::now() + limits_.idle, brief, waits_,
+    if (answered_) patience_ = Patience::zero();
+    const bool ready = Awaited(SteadyClock::now() + limits_.idle, patience_, waits_,
                                [&](Time end) { return ReadyBefore(end, socket_, POLLIN); });
     if (!ready) return false;
   }
+  patience_ = limits_.brief;
   end_ = SteadyClock::now() + limits_.whole;
   head_.clear();
   headRead_ = 0;
@@ -178,13 +185,7 @@ void GuardedStream::drainBody() {
 }
 
 bool GuardedStream::fill() {
-  const auto receive = [&] { return channel_.receive(buffer_.data(), buffer_.size()); };
-  // What is here already keeps nobody waiting.
-  std::optional<std::size_t> count = TakenBefore(SteadyClock::time_point(), socket_, receive);
-  if (!count) {
-    count =
-        Awaited(end_, limits_.brief, waits_, [&](Time end) { return TakenBefore(end, socket_, receive); });
-  }
+  const auto count = taken(end_, [&] { return channel_.receive(buffer_.data(), buffer_.size()); });
   ended_ = !count;
   if (ended_) return false;
   used_ = 0;

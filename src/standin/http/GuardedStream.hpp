@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,7 +26,8 @@ struct WebLimits {
   std::size_t leftOver = 32U << 20U;     ///< bytes of a refused body that are still taken, unread
   std::chrono::seconds whole{20};        ///< for a request to be there in full
   std::chrono::seconds idle{2};          ///< between two requests
-  std::chrono::milliseconds brief{500};  ///< for a peer before it is one that keeps us waiting
+  std::chrono::milliseconds brief{500};  ///< for a peer, in all of a request and its answer, before it is
+                                         ///< one that keeps us waiting
   std::chrono::seconds drained{5};       ///< for the rest of a refused body
   std::chrono::seconds answered{15};     ///< for each piece of an answer to be taken
   int requests = 100;                    ///< on one connection
@@ -41,13 +43,21 @@ enum class Waits {
 /// Whether the socket is ready for one of the events, as `poll` has them, before the time is over.
 bool ReadyBefore(std::chrono::steady_clock::time_point end, socket_t socket, short events);
 
-/// What `step` gets of a peer before the end, which it is given; `waits` is told how long it takes.
+/// What is left of the time that a peer is waited for before it is one that keeps us waiting.
+using Patience = std::chrono::steady_clock::duration;
+
+/// What `step` gets of a peer before the end, which it is given; `waits` is told how long it takes. The time
+/// goes off the patience, so that many short waits count like a long one.
 template <class Step>
-auto Awaited(std::chrono::steady_clock::time_point end, std::chrono::milliseconds brief,
+auto Awaited(std::chrono::steady_clock::time_point end, Patience& patience,
              const std::function<void(Waits)>& waits, const Step& step) {
-  waits(Waits::kBriefly);
-  auto got = step(std::min(end, std::chrono::steady_clock::now() + brief));
-  if (!got && std::chrono::steady_clock::now() < end) {
+  using Clock = std::chrono::steady_clock;
+  const auto begin = Clock::now();
+  waits(patience > Patience::zero() ? Waits::kBriefly : Waits::kLong);
+  auto got = step(std::min(end, begin + patience));
+  const auto now = Clock::now();
+  patience -= std::min(patience, now - begin);
+  if (!got && now < end) {
     waits(Waits::kLong);
     got = step(end);
   }
@@ -84,6 +94,10 @@ class GuardedStream : public httplib::Stream {
 
  private:
   using Time = std::chrono::steady_clock::time_point;
+  /// How much the step has moved of what it is about, before the end; nothing where the peer doesn't get
+  /// there.
+  template <class Step>
+  std::optional<std::size_t> taken(Time end, const Step& step);
   bool fill();
   /// The head of the next request, up to the empty line; answers one that is not understood.
   bool takeHead();
@@ -93,6 +107,7 @@ class GuardedStream : public httplib::Stream {
   const WebLimits& limits_;
   std::function<void(Waits)> waits_;
   Time end_;
+  Patience patience_;  ///< for one request and its answer
   std::array<char, 4096> buffer_{};
   std::size_t used_ = 0;
   std::size_t filled_ = 0;

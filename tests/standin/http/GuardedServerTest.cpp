@@ -9,10 +9,12 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <atomic>
 #include <condition_variable>
-#include <fstream>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -35,9 +37,13 @@ class AGuardedServer : public testing::Test {
                                   .idle = kForEver,
                                   .brief = brief,
                                   .drained = kForEver,
-                                  .answered = kForEver}} {
+                                  .answered = kForEver,
+                                  .requests = 1 << 30}} {
     server.Get("/", [](const httplib::Request&, httplib::Response& response) {
       response.set_content("here", "text/plain");
+    });
+    server.Get("/large", [](const httplib::Request&, httplib::Response& response) {
+      response.set_content(std::string(32U << 20U, 'x'), "text/plain");
     });
     port = server.bind("127.0.0.1", 0);
     server.Get("/wait", [this](const httplib::Request&, httplib::Response&) {
@@ -45,6 +51,12 @@ class AGuardedServer : public testing::Test {
       ++atWork;
       changed.notify_all();
       changed.wait(lock, [this] { return over; });
+    });
+    server.Get("/turn", [this](const httplib::Request&, httplib::Response&) {
+      std::unique_lock lock(mutex);
+      const int turn = ++atWork;
+      changed.notify_all();
+      changed.wait(lock, [&] { return over || turn <= allowed; });
     });
     thread = std::thread([this] { server.listen_after_bind(); });
   }
@@ -61,12 +73,21 @@ class AGuardedServer : public testing::Test {
     return socket;
   }
 
+  void expectAnswer() const {
+    httplib::Client client("127.0.0.1", port);
+    client.set_read_timeout(120);
+    const auto answer = client.Get("/");
+    ASSERT_TRUE(answer) << answer.error();
+    EXPECT_EQ(answer->body, "here");
+  }
+
   standin::GuardedServer server;
   int port = 0;
   std::thread thread;
   std::mutex mutex;
   std::condition_variable changed;
   int atWork = 0;
+  int allowed = 0;  ///< of those who are at work on a turn
   bool over = false;
 };
 
@@ -74,6 +95,31 @@ class AGuardedServer : public testing::Test {
 class APatientServer : public AGuardedServer {
  protected:
   APatientServer() : AGuardedServer(kForEver) {}
+};
+
+/// It waits for a while, which those who come are careful not to take up at once.
+class AServerOfSippers : public AGuardedServer {
+ protected:
+  AServerOfSippers() : AGuardedServer(std::chrono::milliseconds(200)) {}
+};
+
+/// Does something again and again, on a thread of its own, until it goes.
+class Repeated {
+ public:
+  explicit Repeated(const std::function<void()>& step)
+      : thread_([this, step] {
+          while (!over_) step();
+        }) {}
+  Repeated(const Repeated&) = delete;
+  Repeated& operator=(const Repeated&) = delete;
+  ~Repeated() {
+    over_ = true;
+    thread_.join();
+  }
+
+ private:
+  std::atomic<bool> over_ = false;
+  std::thread thread_;
 };
 
 }  // namespace
@@ -97,11 +143,48 @@ TEST_F(AGuardedServer, AnswersBesideMoreSilentConnectionsThanItHasRoomFor) {
   std::vector<std::unique_ptr<files::Descriptor>> others;
   for (int round = 0; round < 5; ++round) {
     for (int i = 0; i < 30; ++i) others.push_back(silent());
-    httplib::Client client("127.0.0.1", port);
-    client.set_read_timeout(120);
-    const auto answer = client.Get("/");
-    ASSERT_TRUE(answer) << answer.error();
-    EXPECT_EQ(answer->body, "here");
+    expectAnswer();
+  }
+}
+
+TEST_F(AServerOfSippers, AnswersBesideThoseWhoSendALittleNowAndThen) {
+  std::vector<std::unique_ptr<files::Descriptor>> others;
+  for (int i = 0; i < 8; ++i) others.push_back(silent());
+  const Repeated sips([&] {
+    for (const auto& each : others) ::send(each->get(), "x", 1, MSG_NOSIGNAL);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  });
+  expectAnswer();
+}
+
+TEST_F(AServerOfSippers, AnswersBesideThoseWhoDoNotRead) {
+  std::vector<std::unique_ptr<files::Descriptor>> others;
+  for (int i = 0; i < 8; ++i)
+    others.push_back(support::ConnectionTo(port, "GET /large HTTP/1.1\r\nHost: localhost\r\n\r\n"));
+  expectAnswer();
+}
+
+TEST_F(APatientServer, AnswersBesideThoseWhoAskOnAndOn) {
+  const std::string request = "GET /turn HTTP/1.1\r\nHost: localhost\r\n\r\n";
+  std::vector<std::unique_ptr<files::Descriptor>> others;
+  for (int i = 0; i < 8; ++i) others.push_back(support::ConnectionTo(port, request + request));
+  {
+    // No request is answered before there is another one behind the next.
+    const Repeated asks([&] {
+      std::unique_lock lock(mutex);
+      changed.wait(lock, [this] { return over || atWork > allowed; });
+      if (over) return;
+      const int seen = atWork;
+      lock.unlock();
+      for (const auto& each : others) ::send(each->get(), request.data(), request.size(), MSG_NOSIGNAL);
+      lock.lock();
+      allowed = seen;
+      changed.notify_all();
+    });
+    expectAnswer();
+    const std::lock_guard lock(mutex);
+    over = true;
+    changed.notify_all();
   }
 }
 
