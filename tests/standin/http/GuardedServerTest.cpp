@@ -243,3 +243,15 @@ TEST_F(AGuardedServer, LetsTheSystemTakeManyConnectionsAtOnce) {
   }
   EXPECT_GE(backlog, 128);
 }
+
+TEST_F(AGuardedServer, PacksItsAnswersInTheWayThatCostsLittle) {
+  httplib::Client client("127.0.0.1", port);
+  client.set_decompress(false);
+  const auto packing = [&](const httplib::Headers& headers) {
+    const auto answer = client.Get("/", headers);
+    return answer ? answer->get_header_value("Content-Encoding") : "no answer";
+  };
+  EXPECT_EQ(packing({{"Accept-Encoding", "br, gzip"}}), "gzip");
+  EXPECT_EQ(packing({{"Accept-Encoding", "br"}}), "");
+  EXPECT_EQ(packing({{"Accept-Encoding", "gzip"}, {"Range", "bytes=0-1"}}), "");
+}
