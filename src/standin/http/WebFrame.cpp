@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 #include "standin/http/WebRules.hpp"
 #include "standin/pages/WebFiles.hpp"
@@ -11,9 +12,26 @@
 namespace standin {
 namespace {
 
-void ReplaceMark(std::string& page, std::string_view mark, std::string_view text) {
-  const std::size_t at = page.find(mark);
-  if (at != std::string::npos) page.replace(at, mark.size(), text);
+struct Mark {
+  std::string_view name;
+  std::string_view text;
+};
+
+/// The page with the text of each of its marks, as in {{name}}. What looks like a mark in a text is its own.
+std::string Filled(std::string_view page, std::initializer_list<Mark> marks) {
+  constexpr std::string_view kOpen = "{{";
+  constexpr std::string_view kClose = "}}";
+  std::string out;
+  for (std::size_t at = 0; (at = page.find(kOpen)) != std::string_view::npos;) {
+    out.append(page.substr(0, at));
+    page.remove_prefix(at + kOpen.size());
+    const std::size_t length = std::min(page.find(kClose), page.size());
+    const std::string_view name = page.substr(0, length);
+    page.remove_prefix(std::min(length + kClose.size(), page.size()));
+    for (const Mark& mark : marks)
+      if (mark.name == name) out.append(mark.text);
+  }
+  return out.append(page);
 }
 
 bool IsPlain(char c) {
@@ -76,13 +94,9 @@ std::string PluginPolicy(const std::string& nonce) {
 std::string Framed(const std::string& title, const std::string& view, std::string_view content,
                    const std::string& nonce) {
   const WebFile* file = FindWebFile("index.html");
-  std::string page(file == nullptr ? std::string_view() : file->content);
-  ReplaceMark(page, "{{nonce}}", nonce);
-  // The content last: what looks like a mark in it is its own.
-  ReplaceMark(page, "{{title}}", EscapeHtml(title));
-  ReplaceMark(page, "{{view}}", EscapeHtml(view));
-  ReplaceMark(page, "{{content}}", content);
-  return page;
+  return Filled(
+      file == nullptr ? std::string_view() : file->content,
+      {{"nonce", nonce}, {"title", EscapeHtml(title)}, {"view", EscapeHtml(view)}, {"content", content}});
 }
 
 // What would end the element, or keep its end from being seen, is parted by one backslash more than it holds,

@@ -43,6 +43,13 @@ TEST(WebFrame, APageTextStandsInTheFrameAsItIs) {
   EXPECT_THAT(page, HasSubstr("<section class=\"plugin-page\"><p>{{title}} {{content}}</section>"));
 }
 
+TEST(WebFrame, ATitleThatLooksLikeAMarkIsItself) {
+  const std::string page = standin::Framed("{{content}} {{view}}", "{{content}}", "</title><p>text");
+  EXPECT_THAT(page, HasSubstr("<title>{{content}} {{view}}</title>"));
+  EXPECT_THAT(page, HasSubstr("data-view=\"{{content}}\""));
+  EXPECT_THAT(page, HasSubstr("<section class=\"plugin-page\"></title><p>text</section>"));
+}
+
 TEST(WebFrame, ARefusalTellsWhatIsWrongAndWhereToGo) {
   const std::string page = RefusalPage(502, "No <answer>", "/WMP_Setup");
   EXPECT_THAT(page, HasSubstr("No &lt;answer&gt;"));
