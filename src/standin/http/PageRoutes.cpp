@@ -37,10 +37,10 @@ void AskPage(House& house, PluginKeeper& plugin, const WebCall& call, const Repl
 
 Routes PageRoutes(House& house, PluginKeeper& plugin) {
   const Later page{[&](const WebCall& call, const Reply& reply) { AskPage(house, plugin, call, reply); }};
-  return {
-      {Method::kGet, kHouseFiles, Role::kGuest, HouseFile{}},
-      {Method::kGet, "/*", Role::kGuest, page},
-      {Method::kPost, "/*", Role::kOwner, page, "Guests can't change anything here", Route::kLargestBody}};
+  return {{Method::kGet, kHouseFiles, Role::kGuest, HouseFile{}},
+          {Method::kGet, "/*", Role::kGuest, page},
+          {Method::kPost, "/*", Role::kOwner, page, "Guests can't change anything here", Route::kLargestBody,
+           Route::kForm}};
 }
 
 }  // namespace standin

@@ -288,7 +288,7 @@ std::optional<WebAnswer> WebServer::refusedUnread(const httplib::Request& reques
   // No page of this server sends a body in parts.
   if (request.is_multipart_form_data()) return Refusal(415, "A body in parts is not understood");
   const std::string wanted = route == nullptr ? Route::kJson : route->type;
-  if (request.path.starts_with("/api/") && !request.get_header_value("Content-Type").starts_with(wanted)) {
+  if (!request.get_header_value("Content-Type").starts_with(wanted)) {
     return Refusal(415, wanted == Route::kJson ? "The request is no JSON object"
                                                : "The request is not of the type " + wanted);
   }

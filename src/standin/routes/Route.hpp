@@ -93,6 +93,7 @@ struct Route {
   static constexpr std::size_t kUsualBody = std::size_t{64} << 10U;
   static constexpr std::size_t kLargestBody = std::size_t{1} << 20U;
   static constexpr const char* kJson = "application/json";
+  static constexpr const char* kForm = "application/x-www-form-urlencoded";
 
   Method method;
   std::string path;  ///< "/*": all that no other line takes, but nothing below /api/
@@ -100,8 +101,8 @@ struct Route {
   std::variant<Now, Later, Aside, Live, HouseFile> handler;
   std::string refused = "Guests can't do that";  ///< what a guest is told where only the owner may ask
   std::size_t limit = kUsualBody;                ///< bytes of a post's body
-  /// How the type of a post's body below /api/ begins. A form can't send these: no page's form, whoever has
-  /// written it, can ask for what scripts ask for.
+  /// How the type of a post's body begins. Below /api/ it is none that a form can send: no page's form,
+  /// whoever has written it, can ask for what scripts ask for.
   std::string type = kJson;
 };
 using Routes = std::vector<Route>;

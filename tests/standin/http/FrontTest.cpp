@@ -29,6 +29,7 @@ class TheFrontOfTheWeb : public Web {
 
   static constexpr const char* kOrigin = "Origin: http://localhost\r\n";
   static constexpr const char* kJson = "Content-Type: application/json\r\n";
+  static constexpr const char* kForm = "Content-Type: application/x-www-form-urlencoded\r\n";
   static constexpr const char* kThree = "Content-Length: 3\r\n";
 };
 
@@ -63,7 +64,7 @@ TEST_F(TheFrontOfTheWeb, RefusesAPostBeforeAByteOfItsBodyIsThere) {
   const std::string json = kJson;
   const std::string three = kThree;
   EXPECT_EQ(unsent("/api/press", origin + json + three), "HTTP/1.1 401 Unauthorized");
-  EXPECT_EQ(unsent("/WMP_Setup", origin + three), "HTTP/1.1 401 Unauthorized");
+  EXPECT_EQ(unsent("/WMP_Setup", origin + kForm + three), "HTTP/1.1 401 Unauthorized");
   EXPECT_EQ(unsent("/api/press", session() + json + three), "HTTP/1.1 403 Forbidden");
   EXPECT_EQ(unsent("/api/press", session() + origin + three), "HTTP/1.1 415 Unsupported Media Type");
   EXPECT_EQ(unsent("/api/nothing", session() + origin + json + three), "HTTP/1.1 404 Not Found");
@@ -76,7 +77,8 @@ TEST_F(TheFrontOfTheWeb, UnpacksNoBody) {
   const std::string mine = session() + kOrigin + kThree;
   EXPECT_EQ(unsent("/api/press", mine + kJson + "Content-Encoding: gzip\r\n"),
             "HTTP/1.1 415 Unsupported Media Type");
-  EXPECT_EQ(unsent("/WMP_Setup", mine + "Content-Encoding: br\r\n"), "HTTP/1.1 415 Unsupported Media Type");
+  EXPECT_EQ(unsent("/WMP_Setup", mine + kForm + "Content-Encoding: br\r\n"),
+            "HTTP/1.1 415 Unsupported Media Type");
   for (const char* type : {"multipart/form-data; boundary=b", "%6dultipart/form-data; boundary=b"})
     EXPECT_EQ(unsent("/WMP_Setup", mine + "Content-Type: " + type + "\r\n"),
               "HTTP/1.1 415 Unsupported Media Type");

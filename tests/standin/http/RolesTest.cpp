@@ -31,7 +31,8 @@ class Roles : public testing::Test {
     std::string path = route.path == "/*" ? "/Some_Page" : route.path;
     if (path == standin::kHouseFiles) path = "/images/Media%20Player/WMP_Icon.gif";
     if (route.method == Method::kPost) {
-      const std::string type = route.type == Route::kJson ? route.type : "audio/l16;rate=16000";
+      const bool whole = route.type == Route::kJson || route.type == Route::kForm;
+      const std::string type = whole ? route.type : "audio/l16;rate=16000";
       const auto answer = client.Post(path, headers, body, type);
       return answer ? answer->status : 0;
     }
