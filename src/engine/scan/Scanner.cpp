@@ -213,7 +213,7 @@ std::size_t Scanner::walk(const std::string& folder, const FolderIdentity& ident
         pending_.messages.push_back(SafeName(path) + " can't be reached");
         unreadable_.push_back(std::move(path));
       }
-      visit(listing.files);
+      visit(listing);
       met += listing.files.size();
       std::move(listing.folders.rbegin(), listing.folders.rend(), std::back_inserter(open));
     } catch (const base::Failure& failure) {
@@ -266,7 +266,7 @@ void Scanner::lookAgain(const std::string& folder) {
   noteMounts(listing);
   std::set<std::string> present(listing.unreachable.begin(), listing.unreachable.end());
   for (const ListedFile& file : listing.files) present.insert(file.path);
-  visit(listing.files);
+  visit(listing);
   for (const ListedFolder& sub : listing.folders) {
     present.insert(sub.path);
     if (!watch_.covers(sub.path)) walk(sub.path, sub.identity);
@@ -282,8 +282,8 @@ void Scanner::lookAgain(const std::string& folder) {
   for (const std::string& path : gone) remove(path);
 }
 
-void Scanner::visit(const std::vector<ListedFile>& files) {
-  for (const ListedFile& file : files) {
+void Scanner::visit(const FolderListing& listing) {
+  for (const ListedFile& file : listing.files) {
     if (KnownFiles::File* known = known_.find(file.path)) {
       known->scan = scan_;
       if (known->stamp == file.stamp) continue;
@@ -293,7 +293,7 @@ void Scanner::visit(const std::vector<ListedFile>& files) {
     FileRecord record;
     record.path = file.path;
     record.stamp = file.stamp;
-    pool_->submit(std::move(record));
+    pool_->submit(std::move(record), listing.identity.first);
   }
 }
 

@@ -77,7 +77,7 @@ class Scanner {
   std::size_t walk(const std::string& folder, const FolderIdentity& identity);
   void lookAgain(const std::string& folder);
   void watch(const std::string& folder);
-  void visit(const std::vector<ListedFile>& files);
+  void visit(const FolderListing& listing);
   /// True when the folder was not met under another path that still leads to it.
   bool claim(const FolderIdentity& identity, const std::string& folder);
   void removeUnseen();

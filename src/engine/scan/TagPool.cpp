@@ -4,6 +4,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -52,14 +53,30 @@ TagResult Slow(FileRecord record) {
   return result;
 }
 
+TagResult NotTried(FileRecord record, bool told) {
+  TagResult result;
+  result.outcome = TagResult::Outcome::kUnreadable;
+  if (!told)
+    result.complaint = SafeName(record.path) +
+                       ": not read, nor are others of its disc, as too many files there take too long";
+  result.record = std::move(record);
+  return result;
+}
+
 }  // namespace
+
+struct TagPool::Job {
+  FileRecord record;
+  std::uint64_t disc;
+};
 
 struct TagPool::Worker {
   bool busy = false;
   bool left = false;  ///< nobody waits for it any more
   bool ended = false;
   std::chrono::steady_clock::time_point since;
-  FileRecord reads;  ///< its path and stamp
+  FileRecord reads;        ///< its path and stamp
+  std::uint64_t disc = 0;  ///< that it lies on
   std::thread thread;
 };
 
@@ -72,7 +89,7 @@ struct TagPool::Shared {
   std::condition_variable jobReady;
   std::condition_variable resultReady;
   std::condition_variable ended;
-  std::deque<FileRecord> jobs;
+  std::deque<Job> jobs;
   std::vector<TagResult> results;
   bool stopping = false;
 };
@@ -117,18 +134,39 @@ void TagPool::giveUpSlow() {
     if (!worker->busy || now - worker->since <= shared.settings.longest) continue;
     giveUp(*worker);
     shared.results.push_back(Slow(std::move(worker->reads)));
+    hanging_.push_back(worker);
     workers_.erase(workers_.begin() + static_cast<std::ptrdiff_t>(i));
-    if (leftToThemselves <= kMostLeft) begin();
   }
-  if (!workers_.empty()) return;
-  for (FileRecord& record : std::exchange(shared.jobs, {})) shared.results.push_back(Slow(std::move(record)));
+  const auto wanted = static_cast<std::size_t>(std::max(1, shared.settings.workers));
+  while (workers_.size() < wanted && leftToThemselves <= kMostLeft) begin();
+  leaveOut();
 }
 
-void TagPool::submit(FileRecord record) {
+void TagPool::leaveOut() {
+  std::erase_if(hanging_, [](const auto& worker) { return worker->ended; });
+  std::map<std::uint64_t, int> hanging;
+  for (const auto& worker : hanging_) ++hanging[worker->disc];
+  std::erase_if(hanging, [](const auto& disc) { return disc.second < kMostOnADisc; });
+  if (!workers_.empty()) {
+    std::erase_if(told_, [&](std::uint64_t disc) { return !hanging.contains(disc); });
+    if (hanging.empty()) return;
+  }
+  std::deque<Job>& jobs = shared_->jobs;
+  const auto out = std::stable_partition(jobs.begin(), jobs.end(), [&](const Job& job) {
+    return !workers_.empty() && !hanging.contains(job.disc);
+  });
+  for (auto job = out; job != jobs.end(); ++job) {
+    const bool told = !told_.insert(job->disc).second;
+    shared_->results.push_back(NotTried(std::move(job->record), told));
+  }
+  jobs.erase(out, jobs.end());
+}
+
+void TagPool::submit(FileRecord record, std::uint64_t disc) {
   ++outstanding_;
   {
     const std::lock_guard lock(shared_->mutex);
-    shared_->jobs.push_back(std::move(record));
+    shared_->jobs.push_back({std::move(record), disc});
   }
   shared_->jobReady.notify_one();
 }
@@ -149,8 +187,9 @@ void TagPool::Shared::work(Worker& self) {
   while (!self.left) {
     jobReady.wait(lock, [this] { return stopping || !jobs.empty(); });
     if (stopping) break;
-    FileRecord record = std::move(jobs.front());
+    auto [record, disc] = std::move(jobs.front());
     jobs.pop_front();
+    self.disc = disc;
     self.reads = record;
     self.since = settings.now();
     self.busy = true;

@@ -1,7 +1,9 @@
 #pragma once
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,7 +30,7 @@ TagResult ReadRecord(FileRecord record);
 
 /// Threads that read tags. Used by one thread. A file that takes too long, as on a disc that hangs, is given
 /// up: its thread is left to itself, and another takes its place, while not too many are left so in the
-/// process.
+/// process. Once several of one disc are, its other files are not tried, so that those of other discs are.
 class TagPool {
  public:
   struct Settings {
@@ -41,6 +43,8 @@ class TagPool {
   };
   /// How many threads may be left to themselves in the process and get a successor.
   static constexpr int kMostLeft = 8;
+  /// How many files of one disc may hang before its others are answered as unreadable for now.
+  static constexpr int kMostOnADisc = 4;
 
   explicit TagPool(Settings settings);
   /// Drops what has not been begun and waits for the rest, for as long as `atEnd`.
@@ -50,22 +54,28 @@ class TagPool {
   TagPool(TagPool&&) = delete;
   TagPool& operator=(TagPool&&) = delete;
 
-  void submit(FileRecord record);
+  /// `disc` tells which files hang together, as the number of their device does.
+  void submit(FileRecord record, std::uint64_t disc = 0);
   /// What is done by now; waits up to `limit` for a first result when nothing is.
   std::vector<TagResult> collect(std::chrono::milliseconds limit);
   /// Files handed in and not yet collected.
   [[nodiscard]] std::size_t outstanding() const { return outstanding_; }
 
  private:
+  struct Job;
   struct Worker;
   struct Shared;
 
   void begin();
   void giveUp(Worker& worker);
   void giveUpSlow();
+  /// Answers what waits but can't be tried. One line tells of all that are on one disc.
+  void leaveOut();
 
   std::shared_ptr<Shared> shared_;  ///< with the threads, of which some may outlive the pool
   std::vector<std::shared_ptr<Worker>> workers_;
+  std::vector<std::shared_ptr<Worker>> hanging_;  ///< those that were given up
+  std::set<std::uint64_t> told_;                  ///< the discs that are left out
   std::size_t outstanding_ = 0;
 };
 

@@ -120,16 +120,67 @@ TEST_F(AHangingDisc, HoldsUpNoOtherFile) {
 TEST_F(AHangingDisc, KeepsNoMoreThanAFewThreads) {
   TagPool pool(settings(2));
   constexpr int kFiles = 40;
-  for (int i = 0; i < kFiles; ++i) pool.submit(file("slow" + std::to_string(i) + ".mp3"));
-  int slow = 0;
+  for (int i = 0; i < kFiles; ++i)
+    pool.submit(file("slow" + std::to_string(i) + ".mp3"), static_cast<std::uint64_t>(i));
+  int unread = 0;
   while (pool.outstanding() > 0) {
     disc->pass(std::chrono::seconds(21));
     for (const TagResult& result : pool.collect(std::chrono::milliseconds(1)))
-      slow += result.outcome == Outcome::kSlow ? 1 : 0;
+      unread += result.outcome == Outcome::kSlow || result.outcome == Outcome::kUnreadable ? 1 : 0;
   }
-  EXPECT_EQ(slow, kFiles);
+  EXPECT_EQ(unread, kFiles);
   const std::lock_guard lock(disc->mutex);
   EXPECT_LE(disc->hanging, TagPool::kMostLeft + 2);
+}
+
+TEST_F(AHangingDisc, LeavesTheFilesOfAnotherToBeRead) {
+  TagPool pool(settings(2));
+  constexpr int kFiles = 40;
+  for (int i = 0; i < kFiles; ++i) pool.submit(file("slow" + std::to_string(i) + ".mp3"), 1);
+  for (int i = 0; i < kFiles; ++i) pool.submit(file(std::to_string(i) + ".mp3"), 2);
+  std::map<Outcome, int> outcomes;
+  int lines = 0;
+  const auto collect = [&] {
+    for (const TagResult& result : pool.collect(std::chrono::milliseconds(50))) {
+      ++outcomes[result.outcome];
+      lines += result.complaint.empty() ? 0 : 1;
+    }
+  };
+  for (int hanging = 2; hanging <= TagPool::kMostOnADisc; hanging += 2) {
+    ASSERT_TRUE(untilHanging(hanging));
+    disc->pass(std::chrono::seconds(21));
+    collect();
+  }
+  for (int i = 0; pool.outstanding() > 0 && i < 1200; ++i) collect();
+  EXPECT_EQ(outcomes[Outcome::kRead], kFiles);
+  EXPECT_EQ(outcomes[Outcome::kSlow], TagPool::kMostOnADisc);
+  EXPECT_EQ(outcomes[Outcome::kUnreadable], kFiles - TagPool::kMostOnADisc);
+  EXPECT_EQ(lines, TagPool::kMostOnADisc + 1);
+}
+
+TEST_F(AHangingDisc, IsReadAgainOnceItAnswers) {
+  TagPool pool(settings(2));
+  constexpr int kFiles = 40;
+  for (int i = 0; i < kFiles; ++i)
+    pool.submit(file("slow" + std::to_string(i) + ".mp3"), static_cast<std::uint64_t>(i));
+  while (pool.outstanding() > 0) {
+    disc->pass(std::chrono::seconds(21));
+    pool.collect(std::chrono::milliseconds(1));
+  }
+  {
+    const std::lock_guard lock(disc->mutex);
+    disc->hangs = false;
+    disc->changed.notify_all();
+  }
+  bool read = false;
+  for (int i = 0; !read && i < 1200; ++i) {
+    pool.submit(file("new.mp3"), 1);
+    for (int j = 0; pool.outstanding() > 0 && j < 1200; ++j) {
+      for (const TagResult& result : pool.collect(std::chrono::milliseconds(50)))
+        read = read || result.outcome == Outcome::kRead;
+    }
+  }
+  EXPECT_TRUE(read);
 }
 
 TEST_F(AHangingDisc, HoldsUpNoEnd) {
