@@ -38,6 +38,15 @@ TEST(LoginLimit, ForgetsAfterAnHour) {
   EXPECT_FALSE(limit.mayTry(now));
 }
 
+TEST(LoginLimit, ForgetsNothingBeforeThat) {
+  LoginLimit limit;
+  LoginLimit::Time now{};
+  for (int i = 0; i < 4; ++i) limit.failed(now);
+  now += std::chrono::minutes(59);
+  limit.failed(now);
+  EXPECT_FALSE(limit.mayTry(now));
+}
+
 TEST(LoginLimits, SlowManyAddressesDownTogetherButNoOwnerWhoHasASession) {
   LoginLimits limits;
   const LoginLimit::Time now{};
@@ -48,6 +57,7 @@ TEST(LoginLimits, SlowManyAddressesDownTogetherButNoOwnerWhoHasASession) {
   EXPECT_TRUE(limits.mayTry("owner", {.address = "10.0.1.2", .owner = true}, now));
   EXPECT_TRUE(limits.mayTry("owner", {.address = "10.0.1.1"}, now + std::chrono::seconds(1)));
   for (int i = 0; i < 100; ++i) limits.failed("owner", {.address = "10.0.2." + std::to_string(i)}, now);
+  EXPECT_FALSE(limits.mayTry("owner", {.address = "10.0.1.1"}, now + std::chrono::seconds(15)));
   EXPECT_TRUE(limits.mayTry("owner", {.address = "10.0.1.1"}, now + std::chrono::seconds(16))) << "at most";
 }
 
@@ -64,15 +74,17 @@ TEST(LoginLimits, AnOwnerWithASessionIsCountedByHimself) {
 TEST(LoginLimits, NamesThatNobodyHasLeaveNothingBehind) {
   LoginLimits limits;
   const LoginLimit::Time now{};
-  for (int i = 0; i < 5; ++i) limits.failed("owner", {.address = "10.0.0.1"}, now);
+  const Guesser session{.address = "10.0.0.1", .owner = true};  // whom the limit of all doesn't concern
+  for (int i = 0; i < 5; ++i) limits.failed("owner", session, now);
   const LoginLimit::Time later = now + std::chrono::seconds(20);
   for (int i = 0; i < 6000; ++i) {
     const Guesser other{.address = "address " + std::to_string(i)};
     EXPECT_TRUE(limits.mayTry("name " + std::to_string(i), other, later + std::chrono::seconds(16 * i)));
     limits.failed({}, other, later + std::chrono::seconds(16 * i));
   }
-  limits.failed("owner", {.address = "10.0.0.1"}, now);
-  EXPECT_FALSE(limits.mayTry("owner", {.address = "10.0.0.1"}, now)) << "still counted";
+  EXPECT_TRUE(limits.mayTry("owner", session, later));
+  limits.failed("owner", session, later);
+  EXPECT_FALSE(limits.mayTry("owner", session, later)) << "still counted";
 }
 
 TEST(KeyedLimits, ForgetTheOldestAlone) {
