@@ -78,6 +78,7 @@ const std::vector<Change>& Changes() {
       },
       [](KeptHouse& kept) { kept.house.devices.addButton(1, "i", "Press"); },
       [](KeptHouse& kept) { kept.house.devices.remove(2); },
+      [](KeptHouse& kept) { kept.house.devices.removeInterface("gone"); },
       [](KeptHouse& kept) { kept.house.users.setHash(kGuest, kAdmitted); },
       [](KeptHouse& kept) { kept.rules.make(support::EventNamed("Good morning")); },
       [](KeptHouse& kept) {
@@ -104,6 +105,8 @@ void Furnish(const std::string& folder) {
   kept.house.devices.create("Media Player");
   kept.house.devices.create("Radio");
   kept.house.devices.addButton(2, "i", "Next");
+  for (const char* name : {"Old lamp", "Old radio"})
+    kept.house.devices.put(kept.house.devices.create(name).ref, &Device::interface, "gone");
   kept.rules.make(support::EventNamed("Good night"));
   Evaluation evaluation;
   evaluation.event = FirstOf(kept).id;
@@ -117,11 +120,15 @@ void Furnish(const std::string& folder) {
 void Make(KeptHouse& kept, const Change& change, int number) {
   const std::string devices = DevicesOf(kept);
   const auto rules = kept.rules.all();
+  const std::string undo = kept.rules.toUndo();
+  const std::string redo = kept.rules.toRedo();
   try {
     change(kept);
   } catch (const base::Failure&) {
     EXPECT_EQ(DevicesOf(kept), devices) << "by change " << number;
     EXPECT_EQ(kept.rules.all(), rules) << "by change " << number;
+    EXPECT_EQ(kept.rules.toUndo(), undo) << "by change " << number;
+    EXPECT_EQ(kept.rules.toRedo(), redo) << "by change " << number;
   }
 }
 
