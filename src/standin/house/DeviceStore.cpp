@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <set>
+#include <type_traits>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
@@ -28,6 +29,20 @@ const char* ColumnOf(std::int16_t Device::*field) {
 }
 
 constexpr const char* kText = "A text of a device";
+constexpr const char* kTexts = "The texts of devices";
+
+/// What a button takes in memory, with texts or without.
+std::size_t SizeOf(const std::string& interface, const std::string& caption) {
+  return sizeof(DeviceButton) + interface.size() + caption.size();
+}
+
+std::size_t SizeOf(const Device& device) {
+  std::size_t size = device.name.size() + device.location.size() + device.hc.size() + device.dc.size() +
+                     device.interface.size() + device.devType.size() + device.text.size() +
+                     device.values.size();
+  for (const DeviceButton& button : device.buttons) size += SizeOf(button.interface, button.caption);
+  return size;
+}
 
 }  // namespace
 
@@ -67,6 +82,7 @@ DeviceStore::DeviceStore(database::Database& database) : database_(database) {
     const auto found = devices_.find(static_cast<std::int32_t>(buttons.integer(0)));
     if (found != devices_.end()) found->second.buttons.push_back({buttons.text(1), buttons.text(2)});
   }
+  for (const auto& [ref, device] : devices_) bytes_ += SizeOf(device);
 }
 
 const Device* DeviceStore::byRef(std::int32_t ref) const {
@@ -107,6 +123,7 @@ std::int16_t DeviceStore::freeHouseCode() const {
 const Device& DeviceStore::create(const std::string& name) {
   CheckLength(kText, name, kLongestText);
   CheckRoom("devices", devices_.size(), kMost);
+  BytesWith(kTexts, bytes_, 0, name.size(), kMostBytes);
   Device device;
   device.name = name;
   device.changed = std::time(nullptr);
@@ -116,16 +133,24 @@ const Device& DeviceStore::create(const std::string& name) {
       "text, changed) VALUES (?, '', '', '', '', '', 0, ?, 0, 0, '', ?)");
   insert.with(name, device.status, device.changed).run();
   device.ref = static_cast<std::int32_t>(database_.lastId());
+  bytes_ += name.size();
   const Device& made = devices_.emplace(device.ref, std::move(device)).first->second;
   if (onChange) onChange(made);
   return made;
 }
 
+void DeviceStore::forget(std::int32_t ref) {
+  const auto found = devices_.find(ref);
+  if (found == devices_.end()) return;
+  bytes_ -= SizeOf(found->second);
+  devices_.erase(found);
+  if (onRemove) onRemove(ref);
+}
+
 bool DeviceStore::remove(std::int32_t ref) {
   if (!devices_.contains(ref)) return false;
   database::Statement(database_, "DELETE FROM device WHERE ref = ?").with(ref).run();
-  devices_.erase(ref);
-  if (onRemove) onRemove(ref);
+  forget(ref);
   return true;
 }
 
@@ -138,10 +163,7 @@ std::vector<std::int32_t> DeviceStore::removeInterface(const std::string& interf
   database::Statement erase(database_, "DELETE FROM device WHERE ref = ?");
   for (const std::int32_t ref : refs) erase.with(ref).run();
   whole.commit();
-  for (const std::int32_t ref : refs) {
-    devices_.erase(ref);
-    if (onRemove) onRemove(ref);
-  }
+  for (const std::int32_t ref : refs) forget(ref);
   return refs;
 }
 
@@ -166,12 +188,14 @@ void DeviceStore::store(std::int32_t ref, Field Device::*field, const char* colu
                       std::string("UPDATE device SET changed = ?, ") + column + " = ? WHERE ref = ?")
       .with(static_cast<std::int64_t>(std::time(nullptr)), value, ref)
       .run();
+  if constexpr (std::is_same_v<Given, std::string>) bytes_ = bytes_ - (device.*field).size() + value.size();
   device.*field = value;
   touched(device);
 }
 
 void DeviceStore::put(std::int32_t ref, std::string Device::*field, const std::string& value) {
   CheckLength(kText, value, kLongestText);
+  BytesWith(kTexts, bytes_, (need(ref).*field).size(), value.size(), kMostBytes);
   store(ref, field, ColumnOf(field), value);
 }
 
@@ -187,11 +211,13 @@ void DeviceStore::putValues(std::int32_t ref, const std::string& table) {
   Device& device = need(ref);
   if (device.values == table) return;
   CheckLength(kText, table, kLongestValues);
+  const std::size_t bytes = BytesWith(kTexts, bytes_, device.values.size(), table.size(), kMostBytes);
   database::Statement(database_,
                       "INSERT INTO device_values (ref, list) VALUES (?, ?) "
                       "ON CONFLICT (ref) DO UPDATE SET list = excluded.list")
       .with(ref, table)
       .run();
+  bytes_ = bytes;
   device.values = table;
   touched(device);
 }
@@ -205,9 +231,11 @@ void DeviceStore::addButton(std::int32_t ref, const std::string& interface, cons
   CheckLength(kText, caption, kLongestText);
   if (device.buttons.size() >= kMostButtons)
     throw base::Failure(base::number::kOverflow, "The device has too many buttons");
+  const std::size_t bytes = BytesWith(kTexts, bytes_, 0, SizeOf(interface, caption), kMostBytes);
   database::Statement(database_, "INSERT INTO device_button (ref, interface, caption) VALUES (?, ?, ?)")
       .with(ref, interface, caption)
       .run();
+  bytes_ = bytes;
   device.buttons.push_back({interface, caption});
   touched(device);
 }

@@ -58,6 +58,7 @@ class DeviceStore {
   static constexpr std::size_t kLongestText = std::size_t{64} << 10U;    ///< bytes, of any text but the next
   static constexpr std::size_t kLongestValues = std::size_t{16} << 20U;  ///< of a value table
   static constexpr std::size_t kMostButtons = 1000;                      ///< of a device
+  static constexpr std::size_t kMostBytes = std::size_t{128} << 20U;     ///< of all texts together
 
   explicit DeviceStore(database::Database& database);
 
@@ -73,7 +74,8 @@ class DeviceStore {
   /// The code of a house-code letter that no device has, or -1.
   [[nodiscard]] std::int16_t freeHouseCode() const;
 
-  /// Throws 6 beyond `kMost`, as do the others for a text beyond its bound; nothing is changed then.
+  /// Throws 6 beyond `kMost`, as do the others for a text beyond its bound, or one that makes them all too
+  /// long; nothing is changed then.
   const Device& create(const std::string& name);
   /// Deletes every device of the interface; answers their numbers.
   std::vector<std::int32_t> removeInterface(const std::string& interface);
@@ -95,9 +97,11 @@ class DeviceStore {
   template <class Field, class Given>
   void store(std::int32_t ref, Field Device::*field, const char* column, const Given& value);
   void touched(Device& device);
+  void forget(std::int32_t ref);
 
   database::Database& database_;
   std::map<std::int32_t, Device> devices_;
+  std::size_t bytes_ = 0;  ///< of their texts
 };
 
 }  // namespace standin

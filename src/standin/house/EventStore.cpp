@@ -10,6 +10,13 @@
 #include "standin/house/Quotas.hpp"
 
 namespace standin {
+namespace {
+
+constexpr const char* kTexts = "The texts of events";
+
+std::size_t SizeOf(const Event& event) { return event.name.size() + event.vcmd.size() + event.group.size(); }
+
+}  // namespace
 
 EventStore::EventStore(database::Database& database) : database_(database) {
   for (auto& [id, event] : ReadEvents(database)) take(std::move(event));
@@ -23,6 +30,8 @@ void EventStore::patternChanged() {
 const Event& EventStore::take(Event event) {
   byName_[base::LowerCase(event.name)].insert(event.id);
   if (!event.vcmd.empty()) patternChanged();
+  bytes_ += SizeOf(event);
+  deviceCount_ += event.devices.size();
   const std::int32_t id = event.id;
   return events_.insert_or_assign(id, std::move(event)).first->second;
 }
@@ -34,6 +43,8 @@ void EventStore::forget(std::int32_t id) {
   const auto named = byName_.find(base::LowerCase(event->second.name));
   named->second.erase(id);
   if (named->second.empty()) byName_.erase(named);
+  bytes_ -= SizeOf(event->second);
+  deviceCount_ -= event->second.devices.size();
   events_.erase(event);
 }
 
@@ -63,6 +74,7 @@ Event& EventStore::need(std::int32_t id) {
 const Event& EventStore::create(const std::string& name) {
   CheckLength("The name of an event", name);
   CheckRoom("events", events_.size(), kMost);
+  BytesWith(kTexts, bytes_, 0, name.size(), kMostBytes);
   Event event;
   event.name = name;
   event.id = InsertEvent(database_, event);
@@ -85,6 +97,7 @@ void EventStore::put(std::int32_t id, std::string Event::*field, const std::stri
   Event& event = need(id);
   if (event.*field == value) return;
   CheckLength("A text of an event", value, field == &Event::vcmd ? kLongestPattern : kLongestPlainText);
+  const std::size_t bytes = BytesWith(kTexts, bytes_, (event.*field).size(), value.size(), kMostBytes);
   update(id, field == &Event::name ? "name" : field == &Event::vcmd ? "vcmd" : "grp", value);
   if (field == &Event::name) {
     Event renamed = event;
@@ -92,6 +105,7 @@ void EventStore::put(std::int32_t id, std::string Event::*field, const std::stri
     forget(id);
     take(std::move(renamed));
   } else {
+    bytes_ = bytes;
     event.*field = value;
   }
   if (field == &Event::vcmd) patternChanged();
@@ -115,10 +129,12 @@ void EventStore::putAbsTime(std::int32_t id, std::int16_t value) {
 std::int64_t EventStore::addDevice(std::int32_t id, std::int32_t devid, std::int16_t func) {
   Event& event = need(id);
   CheckRoom("devices in the event", event.devices.size(), kMostDevices);
+  CheckRoom("devices in all events", deviceCount_, kMostDevicesInAll);
   database::Statement(database_, "INSERT INTO event_device (event, devid, func) VALUES (?, ?, ?)")
       .with(id, devid, func)
       .run();
   event.devices.push_back({database_.lastId(), devid, func});
+  ++deviceCount_;
   return event.devices.back().id;
 }
 
@@ -135,6 +151,7 @@ void EventStore::removeDevice(std::int32_t id, std::int32_t position) {
   database::Statement(database_, "DELETE FROM event_device WHERE id = ?").with(row).run();
   auto& devices = need(id).devices;
   devices.erase(devices.begin() + (position - 1));
+  --deviceCount_;
 }
 
 void EventStore::putDevice(std::int32_t id, const EventDevice& device) {

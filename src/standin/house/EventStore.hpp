@@ -50,9 +50,12 @@ class EventStore {
   static constexpr std::size_t kMost =
       100'000;  ///< events, those that the plug-in makes of the library included
   static constexpr std::size_t kMostDevices = 10'000;                     ///< of an event
+  static constexpr std::size_t kMostDevicesInAll = 1'000'000;             ///< of all events together
   static constexpr std::size_t kLongestPattern = std::size_t{16} << 20U;  ///< bytes of a voice command
+  static constexpr std::size_t kMostBytes = std::size_t{128} << 20U;      ///< of all texts together
 
-  /// Throws 6 beyond `kMost` and for a text that is too long, as do the others; nothing is changed then.
+  /// Throws 6 beyond `kMost` and for a text that is too long, or makes them all too long, as do the others;
+  /// nothing is changed then.
   const Event& create(const std::string& name);
   void put(std::int32_t id, std::string Event::*field, const std::string& value);
   void put(std::int32_t id, std::int32_t Event::*field, std::int32_t value);
@@ -83,6 +86,8 @@ class EventStore {
   database::Database& database_;
   std::uint64_t patternsRevision_ = 1;
   std::map<std::int32_t, Event> events_;
+  std::size_t bytes_ = 0;                                              ///< of their texts
+  std::size_t deviceCount_ = 0;                                        ///< in all their lists
   std::map<std::string, std::set<std::int32_t>, std::less<>> byName_;  ///< in lower case
 };
 

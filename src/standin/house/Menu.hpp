@@ -1,9 +1,11 @@
 #pragma once
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "base/Object.hpp"
+#include "standin/house/Quotas.hpp"
 
 namespace standin {
 
@@ -16,9 +18,16 @@ struct MenuItem {
 /// The host's menu: the items that the plug-in has registered, in their order.
 class Menu {
  public:
+  static constexpr std::size_t kMost = 1000;
+
+  /// Throws 6 beyond `kMost`, and for a text that is too long.
   void add(const std::string& section, const std::string& item) {
     const MenuItem made{section, item};
-    if (std::find(items_.begin(), items_.end(), made) == items_.end()) items_.push_back(made);
+    if (std::find(items_.begin(), items_.end(), made) != items_.end()) return;
+    CheckLength("A text of the menu", section);
+    CheckLength("A text of the menu", item);
+    CheckRoom("items in the menu", items_.size(), kMost);
+    items_.push_back(made);
   }
   [[nodiscard]] bool has(const std::string& item) const {
     return std::any_of(items_.begin(), items_.end(), [&](const MenuItem& each) { return each.item == item; });

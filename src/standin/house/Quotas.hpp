@@ -32,4 +32,15 @@ inline void CheckRoom(const std::string& what, std::size_t count, std::size_t mo
                         "There are too many " + what + ": there may be " + std::to_string(most));
 }
 
+/// What `bytes` is where a text takes the place of another one, which may be empty. Throws number 6 where
+/// that is more than before and more than `most`. `what` begins the sentence: "The texts of devices".
+inline std::size_t BytesWith(const std::string& what, std::size_t bytes, std::size_t before,
+                             std::size_t after, std::size_t most) {
+  const std::size_t with = bytes - before + after;
+  if (after > before && with > most)
+    throw base::Failure(base::number::kOverflow,
+                        what + " are too long in all: they may have " + std::to_string(most) + " bytes");
+  return with;
+}
+
 }  // namespace standin

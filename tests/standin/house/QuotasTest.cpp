@@ -52,6 +52,15 @@ TEST_F(Quotas, PagesAreAddedWhileThereAreNotTooMany) {
   EXPECT_EQ(house.linkOf("page7")->text, "In place of another");
 }
 
+TEST_F(Quotas, ItemsAreAddedToTheMenuWhileThereAreNotTooMany) {
+  EXPECT_EQ(FailureNumberOf([&] { house.menu.add(tooLong, "Stop"); }), base::number::kOverflow);
+  EXPECT_EQ(FailureNumberOf([&] { house.menu.add("Player", tooLong); }), base::number::kOverflow);
+  for (std::size_t i = 0; i < Menu::kMost; ++i) house.menu.add("Player", "Item " + std::to_string(i));
+  EXPECT_EQ(FailureNumberOf([&] { house.menu.add("Player", "One more"); }), base::number::kOverflow);
+  house.menu.add("Player", "Item 7");
+  EXPECT_EQ(house.menu.items().size(), Menu::kMost);
+}
+
 TEST_F(Quotas, NotEverybodyHearsOfEvents) {
   for (std::size_t i = 0; i < House::kMostSinks; ++i) house.addEventSink({1, nullptr});
   EXPECT_EQ(FailureNumberOf([&] { house.addEventSink({1, nullptr}); }), base::number::kOverflow);
