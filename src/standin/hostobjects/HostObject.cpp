@@ -112,7 +112,7 @@ MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
       {Constant("GetVXIface", Type::kObject, host),
        Command("writesplash", {Text("text")},
                [&house](Args& args) {
-                 house.splash = TextAt(args, 0);
+                 house.splash = Bounded(TextAt(args, 0), kLongestPlainText);
                  house.live.tell("frame", "{}");
                }),
        Command("registermenu", {Text("section"), Text("item")},

@@ -255,6 +255,11 @@ TEST_F(Host, HandsTriggersToTheHousesEvents) {
   EXPECT_EQ(devices.back(), ref);
 }
 
+TEST_F(Host, TheLineOfTheStartUpScreenIsBounded) {
+  callback->invoke("writesplash", std::string((64U << 10U) + 1, 'x'));
+  EXPECT_EQ(house.splash, std::string(64U << 10U, 'x') + "…");
+}
+
 TEST_F(Host, SaysWhatItIs) {
   EXPECT_EQ(text("Version"), "1.7.0");
   EXPECT_EQ(text("GetAppPath"), std::filesystem::canonical(folder.path()).string());
