@@ -56,6 +56,7 @@ MpvOptions DecoderOptions() {
       {"demuxer-lavf-o", Limits(kNoProtocol, kFormats)},
       // The decoder's own readers open lists and archives, and unpack a block however large it becomes.
       {"demuxer", "lavf"},
+      {"sub-codepage", "utf-8"},  // else a text is read whole, to be guessed at, before it is refused
       {"stream-lavf-o", Limit("protocol_whitelist", kProtocols)},  // for the addresses that we give it
       // What may be read ahead and kept of a station, and of a file whose parts lie far from each other.
       {"demuxer-max-bytes", "33554432"},

@@ -125,5 +125,25 @@ TEST_F(PlayingABomb, InAPackedBlockTakesNoMore) {
       "block.mka", [](const std::string& /*tag*/) { return Matroska(); }, kAllowed + kUnpacking);
 }
 
+/// What is spoken in a film, of which the libraries below the decoder would keep each line.
+TEST_F(PlayingABomb, OfTextUnderTheNameOfMusicIsNotKept) {
+  const std::string bomb = folder / "text.mp3";
+  const std::string good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1);
+  startWith(1);
+  EXPECT_TRUE(support::InChild([&] {
+    std::string text;
+    for (int i = 0; i < 400'000; ++i) text += "1\n00:00:01,000 --> 00:00:02,000\nx\n\n";
+    Write(bomb, text);
+  }));
+  player->URL(good);
+  player->controls().play();
+  ASSERT_TRUE(untilState(player::kStopped));
+  const std::size_t before = PeakMemory();
+  player->URL(bomb);
+  player->controls().play();
+  ASSERT_TRUE(until([&] { return told.errors > 0; }));
+  EXPECT_LT(PeakMemory() - before, kAllowed);
+}
+
 }  // namespace
 }  // namespace engine::testing
