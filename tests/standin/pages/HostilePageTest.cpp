@@ -278,6 +278,27 @@ TEST_F(HostilePage, WhatTheFrameItselfDoesIsSeen) {
   EXPECT_TRUE(support::Eventually([&] { return foreign.wasVisited(); }));
 }
 
+TEST_F(HostilePage, AFrameThatGotInAllTheSameAsksForNothing) {
+  const std::string elsewhere = "http://127.0.0.1:" + std::to_string(foreign.port()) + "/";
+  // Other rules let in what comes from the house itself.
+  for (const std::string& address : {elsewhere, url("/help")}) {
+    browser.run(R"(
+      window.refused = [];
+      document.addEventListener('securitypolicyviolation',
+        ({effectiveDirective, blockedURI}) => window.refused.push([effectiveDirective, blockedURI]), {once: true});
+      const frame = document.createElement('iframe');
+      [frame.src] = arguments;
+      document.querySelector('.plugin-page').append(frame);)",
+                {address});
+    ASSERT_TRUE(browser.eventually("return window.refused.length > 0")) << address;
+    const auto refused = browser.run("return window.refused[0]");
+    EXPECT_EQ(refused[0], "frame-src") << address;
+    EXPECT_THAT(address,
+                testing::StartsWith(refused[1].get<std::string>()));  // of others the origin alone is told
+  }
+  EXPECT_EQ(foreign.heard(), "");  // the browser may have connected ahead of its rules, with nothing said
+}
+
 TEST_F(HostilePage, StillPostsWhatIsChosen) {
   std::size_t count = 0;
   for (const char* each :
