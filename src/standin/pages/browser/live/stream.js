@@ -9,9 +9,12 @@ const kMissed = 2;   // so many in a row without a word
 function joinWorker(hear, otherwise) {
   const worker = new SharedWorker(new URL('./worker.js', import.meta.url), {type: 'module', name: 'vantorix-live'});
   const {port} = worker;
+  const ended = new AbortController();
   let unanswered = 0;
+  let watch = 0;
   const leave = () => {
-    clearInterval(watch);
+    ended.abort();
+    clearTimeout(watch);
     port.onmessage = null;
     port.postMessage('leave');
   };
@@ -19,10 +22,22 @@ function joinWorker(hear, otherwise) {
     leave();
     otherwise();
   };
-  const watch = setInterval(() => {
-    if (unanswered++ < kMissed) port.postMessage('ask');
-    else giveUp();
-  }, kAsk);
+  const ask = () => {
+    if (unanswered++ >= kMissed) {
+      giveUp();
+      return;
+    }
+    port.postMessage('ask');
+    watch = setTimeout(ask, kAsk);
+  };
+  /** While somebody looks. */
+  const look = () => {
+    clearTimeout(watch);
+    unanswered = 0;
+    if (!document.hidden) watch = setTimeout(ask, kAsk);
+  };
+  document.addEventListener('visibilitychange', look, {signal: ended.signal});
+  look();
   worker.onerror = giveUp;
   port.onmessage = ({data}) => {
     unanswered = 0;
