@@ -85,6 +85,7 @@ TEST_P(EveryPage, HasNoSeriousBarriers) {
   expectNone(user, "a dialog", "dialog[open] button");
   user.open("/nothing/here");
   user.open("/#scripts");
+  ASSERT_TRUE(user.browser.eventually("return Boolean(document.querySelector('#script-text')?.value)"));
   user.browser.type("//textarea", "error('a line that fails')");
   user.browser.click("//button[text()='Run now']");
   expectNone(user, "a script that fails", ".script-error:not([hidden])");

@@ -11,6 +11,7 @@ class DevicesPage : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(house.startReady()) << house.server().output();
+    browser.keepMessages();
     browser.open(house.address());
   }
   static std::string card(const std::string& device) { return "//article[.//h2[text()='" + device + "']]"; }
@@ -56,6 +57,7 @@ TEST_F(DevicesPage, ButtonsSayWhatTheyDoAndWhatTheyHaveDone) {
   EXPECT_TRUE(toasts("Nothing was added: choose something of the library to play first"));
   ASSERT_EQ(house.post("/api/play", {{"category", "Album"}, {"name", "Counting"}}), 200);
   ASSERT_TRUE(shows("Status", "Playing"));
+  ASSERT_TRUE(shows("Title", "One"));
   // The title stays while the rest is tried.
   browser.click(button("Status", "Pause"));
   ASSERT_TRUE(shows("Status", "Paused"));

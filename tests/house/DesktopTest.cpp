@@ -26,7 +26,7 @@ bool Ready(const std::future<void>& call, std::chrono::milliseconds limit) {
 }  // namespace
 
 TEST(TheDesktop, ABoxWaitsForItsReaderAndTheHouseGoesOn) {
-  const support::SmallMusic music;
+  const support::SmallMusic music(120);
   const support::XServer screen;
   support::RealHouse house({.music = music.path(), .display = screen.display()});
   ASSERT_TRUE(house.startReady());
@@ -87,6 +87,7 @@ TEST(TheDesktop, WithoutAScreenThePlaylistEditorIsALineOfTheLog) {
   const support::SmallMusic music;
   support::RealHouse house({.music = music.path()});
   ASSERT_TRUE(house.startReady());
+  ASSERT_TRUE(house.textBecomes("Display Controls", "Show"));
   const auto devices = house.state()["devices"];
   EXPECT_EQ(house.choose("PlayList Editor"), 200);
   EXPECT_TRUE(house.logHas("Warning: Media Player: There is no desktop to show the playlist editor on"));

@@ -173,7 +173,7 @@ TEST_F(Events, FadeToAStopAndGiveTheVolumeBack) {
   const std::int32_t before = volume();
   ASSERT_GT(before, 0);
   const std::int32_t id =
-      make("Sleep", {{"kind", "script"}}, {{{"kind", "fade"}, {"to", 0}, {"seconds", 2}, {"then", "stop"}}});
+      make("Sleep", {{"kind", "script"}}, {{{"kind", "fade"}, {"to", 0}, {"seconds", 6}, {"then", "stop"}}});
   answer("/api/event/run", {{"id", id}});
   EXPECT_TRUE(support::Eventually([&] { return volume() < before; }));
   EXPECT_EQ(ended(id)["outcome"], "done");

@@ -111,7 +111,7 @@ TEST(ALostPlugIn, IsShownAndStartedAgain) {
   const auto process = connection.processOf("org.vantorix.vxif_WMP9");
   ASSERT_GT(process, 0U);
   ::kill(static_cast<pid_t>(process), SIGKILL);
-  EXPECT_TRUE(house.becomes("lost"));
+  EXPECT_TRUE(house.logHas("The plug-in has been lost"));
   EXPECT_TRUE(house.becomes("ready"));
   EXPECT_EQ(house.state()["devices"].size(), 14U);
   EXPECT_NE(connection.processOf("org.vantorix.vxif_WMP9"), process);

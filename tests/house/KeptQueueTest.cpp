@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <random>
 
 #include "base/Failure.hpp"
@@ -68,7 +69,7 @@ class Editor {
   const Titles all;
   Titles acknowledged;
   Titles underWay;  ///< what it becomes by the last change, which was not answered
-  int changes = 0;
+  std::atomic<int> changes = 0;
 
  private:
   std::size_t any(std::size_t below) {
@@ -125,7 +126,9 @@ TEST_F(KeptQueue, IsThereAsAcknowledgedHoweverOftenThePlugIsPulled) {
       Queue queue(house.busAddress());
       const auto process = static_cast<pid_t>(queue.process());
       ASSERT_GT(process, 0);
+      const int had = editor.changes;
       std::thread hand([&, wait = std::chrono::milliseconds(moment(random))] {
+        support::Eventually([&] { return editor.changes >= had + 2; });
         std::this_thread::sleep_for(wait);
         ::kill(process, SIGKILL);
       });

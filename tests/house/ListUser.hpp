@@ -45,6 +45,13 @@ class ListUser {
   bool says(const std::string& words) {
     return Eventually([&] { return said().find(words) != std::string::npos; });
   }
+  /// Waits until the server has answered so many of those changes.
+  bool answered(const std::string& action, int times) {
+    return browser.eventually(
+        "return performance.getEntriesByName(location.origin + '/api/playlist/' + arguments[0]).length >= "
+        "arguments[1]",
+        {action, times});
+  }
   bool toasts(const std::string& words) {
     return browser.eventually(
         "return [...document.querySelectorAll('.toast')].some(t => t.textContent.includes(arguments[0]))",
@@ -52,13 +59,22 @@ class ListUser {
   }
 
   /// Takes the row by its part and lets it go over another row.
-  void drag(int from, int to, const std::string& kind = "mouse", const std::string& part = ".handle",
-            int hold = 0) {
-    perform(kind, pressAt(from, part, hold), moveTo(to, part), {{{"type", "pointerUp"}, {"button", 0}}});
+  void drag(int from, int to, const std::string& kind = "mouse", const std::string& part = ".handle") {
+    perform(kind, pressAt(from, part), moveTo(to, part), {{{"type", "pointerUp"}, {"button", 0}}});
   }
   /// The same in two halves.
   void take(int from, int to) {
-    perform("mouse", pressAt(from, ".handle", 0), moveTo(to, ".handle"), Json::array());
+    perform("mouse", pressAt(from, ".handle"), moveTo(to, ".handle"), Json::array());
+  }
+  /// By a finger that lies on the row until that can be moved.
+  void carry(int from, int to, const std::string& part) {
+    const Json start = middle(from, part);
+    const Json end = middle(to, part);
+    browser.putFinger("touchStart", start[0], start[1]);
+    browser.eventually("return document.querySelector('.dragging') !== null");
+    browser.putFinger("touchMove", end[0], end[1].get<int>() - 20);
+    browser.putFinger("touchMove", end[0], end[1]);
+    browser.liftFinger();
   }
   void drop() { perform("mouse", Json::array(), Json::array(), {{{"type", "pointerUp"}, {"button", 0}}}); }
   void focus(int row, const std::string& part = ".handle") {
@@ -85,11 +101,10 @@ class ListUser {
         "return [Math.round(box.x + box.width / 2), Math.round(box.y + box.height / 2)]",
         {row, part});
   }
-  Json pressAt(int row, const std::string& part, int hold) {
+  Json pressAt(int row, const std::string& part) {
     const Json at = middle(row, part);
     return {{{"type", "pointerMove"}, {"duration", 0}, {"x", at[0]}, {"y", at[1]}},
-            {{"type", "pointerDown"}, {"button", 0}},
-            {{"type", "pause"}, {"duration", hold}}};
+            {{"type", "pointerDown"}, {"button", 0}}};
   }
   Json moveTo(int row, const std::string& part) {
     const Json at = middle(row, part);

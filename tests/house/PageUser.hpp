@@ -13,7 +13,10 @@ class PageUser {
 
   /// The first time by the address that makes its visitor the owner.
   void open(const std::string& path) {
-    if (!known_) browser.open(house_.address());
+    if (!known_) {
+      browser.keepMessages();
+      browser.open(house_.address());
+    }
     known_ = true;
     browser.open(house_.url() + path);
     loaded();

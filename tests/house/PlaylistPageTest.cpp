@@ -100,7 +100,7 @@ TEST_F(PlaylistInABrowser, TitlesAreDraggedWithAFinger) {
   user.openList("Mine");
   user.drag(3, 0, "touch");
   EXPECT_TRUE(isStored({"Four", "One", "Two", "Three", "Five"}));
-  user.drag(0, 2, "touch", ".row-name", 700);
+  user.carry(0, 2, ".row-name");
   EXPECT_TRUE(isStored({"One", "Two", "Four", "Three", "Five"}));
   EXPECT_TRUE(user.shows({"One", "Two", "Four", "Three", "Five"}));
   EXPECT_EQ(user.browser.run("return document.documentElement.scrollWidth <= window.innerWidth"), true);
@@ -114,11 +114,13 @@ TEST_F(PlaylistInABrowser, TitlesAreMovedAndRemovedByKeysAlone) {
   user.chord({kAlt, kDown});
   EXPECT_TRUE(isStored({"Two", "Three", "One", "Four", "Five"}));
   EXPECT_TRUE(user.says("One: Place 3 of 5"));
+  ASSERT_TRUE(user.answered("move", 2));
   user.browser.press({kEnter, kUp, kUp});
   EXPECT_EQ(user.said(), "Place 1 of 5");
   EXPECT_EQ(stored(), (Names{"Two", "Three", "One", "Four", "Five"}));  // not before it is dropped
   user.browser.press({kEnter});
   EXPECT_TRUE(isStored({"One", "Two", "Three", "Four", "Five"}));
+  ASSERT_TRUE(user.answered("move", 3));
   user.browser.press({kEnter, kEnd, kEscape});
   EXPECT_TRUE(user.says("One stays where it is"));
   user.chord({kAlt, kEnd});

@@ -54,6 +54,7 @@ class RunScript : public ::testing::Test {
   static bool becomesReady(support::Process& house) {
     const std::string address = addressOf(house);
     httplib::Client client("127.0.0.1", portOf(house));
+    client.set_read_timeout(60);
     const auto entered = client.Get(address.substr(address.rfind('/')));
     if (!entered) return false;
     const std::string cookie = entered->get_header_value("Set-Cookie");

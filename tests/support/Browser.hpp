@@ -44,7 +44,7 @@ class Browser {
   }
   ~Browser() {
     httplib::Client client("127.0.0.1", port_);
-    client.set_read_timeout(10);
+    client.set_read_timeout(60);  // a slow end that is not waited for leaves a browser behind
     client.Delete(session_);
   }
   Browser(const Browser&) = delete;
@@ -69,18 +69,25 @@ class Browser {
     });
   }
   /// Clicks the element as a user does: it must be visible and not covered. What lies behind a bar at the
-  /// window's edge is scrolled out from there first.
+  /// window's edge is scrolled out from there first, and what covers it, as a dialog that closes, is given
+  /// its time to go.
   void click(const std::string& xpath) {
     atElement([&] {
       const std::string found = element(xpath);
-      try {
-        ask("POST", found + "/click", Json::object());
-      } catch (const std::runtime_error& failure) {
-        if (std::string(failure.what()).find("click intercepted") == std::string::npos) throw;
+      std::string why;
+      const auto clicks = [&] {
+        try {
+          ask("POST", found + "/click", Json::object());
+          return true;
+        } catch (const std::runtime_error& failure) {
+          why = failure.what();
+          if (why.find("click intercepted") == std::string::npos) throw;
+        }
         run("arguments[0].scrollIntoView({block: 'center', behavior: 'instant'})",
             Json::array({Json::object({{kElementKey, found.substr(found.rfind('/') + 1)}})}));
-        ask("POST", found + "/click", Json::object());
-      }
+        return false;
+      };
+      if (!Eventually(clicks)) throw std::runtime_error(why);
     });
   }
   void type(const std::string& xpath, const std::string& text) {
@@ -130,6 +137,12 @@ class Browser {
   void beforeEachPage(const std::string& script) {
     ask("POST", session_ + "/goog/cdp/execute",
         {{"cmd", "Page.addScriptToEvaluateOnNewDocument"}, {"params", {{"source", script}}}});
+  }
+  /// In each page that is opened from now on messages stay for as long as the test takes.
+  void keepMessages() {
+    beforeEachPage(
+        "{ const plain = window.setTimeout; window.setTimeout = (work, time, ...rest) => "
+        "plain(work, time >= 4000 ? 1e8 : time, ...rest); }");
   }
   /// A picture of what is seen now, as a PNG in base64.
   std::string picture() { return ask("GET", session_ + "/screenshot", Json::object()).get<std::string>(); }

@@ -82,6 +82,8 @@ class BusDaemon {
   <limit name="max_incoming_bytes">1000000000</limit>
   <limit name="max_outgoing_bytes">1000000000</limit>
   <limit name="max_message_size">1000000000</limit>
+  <limit name="service_start_timeout">240000</limit>
+  <limit name="auth_timeout">240000</limit>
 </busconfig>
 )";
   }

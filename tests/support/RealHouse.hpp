@@ -26,6 +26,7 @@ class RealHouse {
     std::string display{};                   ///< the plug-in's screen; none by default
     std::vector<std::string> environment{};  ///< further variables of the server
     std::string sessionBus{};                ///< the user's own; by default the house's is taken for it
+    std::size_t titles = 0;                  ///< so many at least are known when it is ready
   };
 
   explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
@@ -57,7 +58,13 @@ class RealHouse {
   /// Starts it and waits until the plug-in is ready.
   bool startReady() {
     start();
-    return becomes("ready");
+    return becomes("ready") &&
+           Eventually([&] { return setup_.titles == 0 || titlesKnown() >= setup_.titles; });
+  }
+  /// The player is ready before it has looked through its music.
+  std::size_t titlesKnown() {
+    const std::string all = get("/api/library?category=Media%20Library&limit=1&fresh=1");
+    return all.empty() ? 0 : JsonOf(all).value("total", std::size_t{0});
   }
   bool becomes(const std::string& state) {
     return Eventually([&] { return pluginState() == state; });

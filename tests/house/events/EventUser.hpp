@@ -15,6 +15,7 @@ class EventUser {
   using Json = nlohmann::json;
 
   EventUser(const RealHouse& house, int width) : house_(house), browser(width, 900) {
+    browser.keepMessages();
     browser.open(house.address());
   }
 

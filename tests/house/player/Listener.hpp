@@ -123,8 +123,8 @@ class PlayerBar : public testing::Test {
     ASSERT_TRUE(listener.plays(title));
   }
 
-  SmallMusic music{60};
-  RealHouse house{{.music = music.path()}};
+  SmallMusic music{300};
+  RealHouse house{{.music = music.path(), .titles = 3}};
 };
 
 }  // namespace support

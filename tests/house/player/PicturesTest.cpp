@@ -44,7 +44,7 @@ class PlayersPictures : public support::PlayerBar {
     tags.artist = "The Painters";
     tags.album = "Framed";
     tags.track = 1;
-    music.add("Inked", 60, tags, engine::demo::CoverPng(5, 300));
+    music.add("Inked", 300, tags, engine::demo::CoverPng(5, 300));
   }
   void play(const std::string& album, const std::string& title) {
     ASSERT_TRUE(Eventually([&] {

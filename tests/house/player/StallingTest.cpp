@@ -50,7 +50,10 @@ TEST_F(StallingStations, PauseHoldsWhatWaitsForMoreOfItself) {
   const StallingStation station(someSound());
   Listener listener(house, 1280);
   play(station);
-  ASSERT_TRUE(support::Eventually([&] { return player().at("state") == 6; })) << player();
+  ASSERT_TRUE(support::Eventually([&] {
+    const auto now = player();
+    return now.at("state") == 6 && now.at("position").get<double>() > 0;
+  })) << player();
   ASSERT_TRUE(listener.shows("#player-bar .main[aria-label=Pause]:not(:disabled)"));
   listener.browser.click("//aside//button[@aria-label='Pause']");
   EXPECT_TRUE(playerHas("play", "paused")) << player();

@@ -57,7 +57,12 @@ class FramePage : public testing::Test {
   [[nodiscard]] std::string url(const std::string& path) const {
     return "http://127.0.0.1:" + std::to_string(server.port()) + path;
   }
-  bool prepared() { return browser.eventually("return document.querySelectorAll('#nav a').length > 4"); }
+  /// The page stands, listens, and has asked for everything.
+  bool prepared() {
+    return browser.eventually(
+        "return document.querySelectorAll('#nav a').length > 4 && ['/api/state', '/api/player'].every("
+        "each => performance.getEntriesByName(location.origin + each).length > 1)");
+  }
   std::vector<std::string> posts() {
     const std::lock_guard lock(mutex);
     return posted;

@@ -25,6 +25,7 @@ class Roles : public testing::Test {
   /// The status of the answer to an empty request; `cookie` is empty for a stranger.
   int ask(const Route& route, const std::string& cookie, const std::string& body = "{}") {
     httplib::Client client("127.0.0.1", house.port());
+    client.set_read_timeout(60);
     const std::string origin = "http://127.0.0.1:" + std::to_string(house.port());
     httplib::Headers headers{{"Origin", origin}};
     if (!cookie.empty()) headers.emplace("Cookie", cookie);

@@ -21,12 +21,14 @@ class Sessions : public testing::Test {
  protected:
   int post(const std::string& path, const std::string& cookie, const std::string& body) {
     httplib::Client client("127.0.0.1", house.port());
+    client.set_read_timeout(60);
     const std::string origin = "http://127.0.0.1:" + std::to_string(house.port());
     const auto answer = client.Post(path, {{"Origin", origin}, {"Cookie", cookie}}, body, "application/json");
     return answer ? answer->status : 0;
   }
   int look(const std::string& cookie) {
     httplib::Client client("127.0.0.1", house.port());
+    client.set_read_timeout(60);
     const auto answer = client.Get("/api/state", {{"Cookie", cookie}});
     return answer ? answer->status : 0;
   }

@@ -184,11 +184,13 @@ TEST_F(Web, WhatABrowserHasAlreadyIsNotSentAgain) {
     const auto first = web.get(path);
     ASSERT_EQ(first->status, 200) << path;
     EXPECT_EQ(first->get_header_value("Cache-Control"), "private, no-cache") << path;
-    const std::string mark = first->get_header_value("ETag");
-    const auto again = web.get(path, {{"If-None-Match", mark}});
-    EXPECT_EQ(again->status, 304) << path;
-    EXPECT_EQ(again->body, "") << path;
-    EXPECT_EQ(web.get(path, {{"If-None-Match", "W/\"another\""}})->body, first->body) << path;
+    EXPECT_EQ(web.get(path, {{"If-None-Match", "W/\"another\""}})->status, 200) << path;
+    // The house may change between two looks at it.
+    EXPECT_TRUE(support::Eventually([&] {
+      const std::string mark = web.get(path)->get_header_value("ETag");
+      const auto again = web.get(path, {{"If-None-Match", mark}});
+      return again->status == 304 && again->body.empty();
+    })) << path;
   }
   const std::string mark = web.get("/note.txt")->get_header_value("ETag");
   std::ofstream(data / "html/note.txt") << "hallo";

@@ -145,6 +145,7 @@ TEST_P(LibraryInAWindow, OneSearchLooksThroughEverything) {
 }
 
 TEST_P(LibraryInAWindow, ADeletedListComesBackFromTheToast) {
+  browser.keepMessages();
   open("#library/PlayList/Mine");
   ASSERT_TRUE(titles({"A", "B", "C", "D"}));
   browser.click("//button[text()='Delete']");

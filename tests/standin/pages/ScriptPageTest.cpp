@@ -82,7 +82,7 @@ class ScriptPage : public testing::Test {
   support::BusDaemon bus;
   support::TempFolder folder;
   FakePlugin plugin{bus.address(), withLibrary()};
-  ServerProcess server{bus.address(), folder.path() / "data", {"--script-seconds", "4"}};
+  ServerProcess server{bus.address(), folder.path() / "data", {"--script-seconds", "10"}};
   WebClient web{server};
 };
 

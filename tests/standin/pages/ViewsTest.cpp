@@ -296,6 +296,7 @@ TEST_F(Views, AnEditedScriptIsThereAgainAfterItWasLeft) {
 }
 
 TEST_F(Views, ADeletedScriptComesBackByTheMessageThatTellsIt) {
+  browser.keepMessages();
   open("#scripts");
   ASSERT_TRUE(has(".danger:not([hidden])"));
   browser.click("//button[text()='Delete']");

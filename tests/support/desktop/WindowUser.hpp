@@ -90,9 +90,11 @@ class User {
     std::function<void(QWidget&)> act;
   };
 
-  void tool(std::vector<std::string> words) {
+  /// Returns when it has ended: a key's release would else fall behind the next one's press.
+  static void tool(std::vector<std::string> words) {
     words.insert(words.begin(), "xdotool");
-    tools_.push_back(std::make_unique<Process>(words));
+    Process process(words);
+    EXPECT_EQ(process.wait(), 0) << process.output();
   }
   void look() {
     QWidget* window = OpenWindow();
@@ -103,7 +105,6 @@ class User {
   }
 
   std::deque<Step> plan_;
-  std::vector<std::unique_ptr<Process>> tools_;
   std::unique_ptr<base::Timer> timer_;
 };
 

@@ -40,8 +40,9 @@ class XServer {
   }
 
   static std::vector<std::string> command(const std::vector<std::string>& options) {
-    std::vector<std::string> words = {"Xvfb",        "-displayfd", "1",   "-screen", "0",
-                                      "1280x800x24", "-nolisten",  "tcp", "-noreset"};
+    std::vector<std::string> words = {
+        "Xvfb",      "-displayfd", "1",        "-screen", "0", "1280x800x24",
+        "-nolisten", "tcp",        "-noreset", "-r"};  // no key repeats itself because its release comes late
     words.insert(words.end(), options.begin(), options.end());
     return words;
   }
