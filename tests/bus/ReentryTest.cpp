@@ -270,8 +270,15 @@ TEST_F(Reentry, AnOpenWaitRunsTimersAndPostedWorkToo) {
 }
 
 TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
-  const auto slow = sleeper();
   const auto quick = sleeper();
+  std::promise<void> mayAnswer;
+  const std::shared_future<void> may = mayAnswer.get_future().share();
+  support::BusPeer slow(daemon.address(), [may](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/waiter", ObjectOf("Waiter", {Call("Wait", [may](Args&) {
+                                           may.wait();
+                                           return Value("waited");
+                                         })}));
+  });
   int ticks = 0;
   int during = -1;
   const auto ticker = loop.makeTimer(Milliseconds(1), [&] { ++ticks; });
@@ -281,10 +288,11 @@ TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
     const int before = ticks;
     connection.proxy(quick->uniqueName(), "/sleeper")->invoke("Sleep", 30);
     during = ticks - before;
+    mayAnswer.set_value();
   });
   ticker->enabled(true);
   once->enabled(true);
-  loop.whileOpen([&] { connection.proxy(slow->uniqueName(), "/sleeper")->invoke("Sleep", 100); });
+  loop.whileOpen([&] { connection.proxy(slow.uniqueName(), "/waiter")->invoke("Wait"); });
   EXPECT_EQ(0, during);
   EXPECT_GE(ticks, 1);
 }
@@ -303,11 +311,19 @@ TEST_F(Reentry, ACallThatComesInWhilePumpingIsServed) {
 }
 
 TEST_F(Reentry, AFailedEventLeavesTheOpenWaitAndCallsGoOn) {
-  const auto peer = sleeper();
-  const auto remote = connection.proxy(peer->uniqueName(), "/sleeper");
+  std::promise<void> mayAnswer;
+  const std::shared_future<void> may = mayAnswer.get_future().share();
+  support::BusPeer peer(daemon.address(), [may](bus::Connection& own, bus::PollLoop&) {
+    own.exportObject("/waiter", ObjectOf("Waiter", {Call("Wait", [may](Args&) {
+                                           may.wait();
+                                           return Value("waited");
+                                         })}));
+  });
+  const auto remote = connection.proxy(peer.uniqueName(), "/waiter");
   loop.post([] { throw base::Failure(5); });
-  EXPECT_EQ(5, support::FailureNumberOf([&] { loop.whileOpen([&] { remote->invoke("Sleep", 20); }); }));
-  EXPECT_EQ(Value("slept"), remote->invoke("Sleep", 1));
+  EXPECT_EQ(5, support::FailureNumberOf([&] { loop.whileOpen([&] { remote->invoke("Wait"); }); }));
+  mayAnswer.set_value();
+  EXPECT_EQ(Value("waited"), remote->invoke("Wait"));
 }
 
 }  // namespace

@@ -80,9 +80,11 @@ TEST_F(AProgramThatDoesNotAnswer, IsGivenUpInSecondsAndTheLoopGoesOnMeanwhile) {
 TEST_F(AProgramThatDoesNotAnswer, IsWaitedForNoLongerThanUntilTheEnd) {
   const auto timer = loop.makeTimer(Milliseconds(1), [&] { loop.quit(0); });
   timer->enabled(true);
+  const Milliseconds begin = loop.now();
   EXPECT_EQ(FailureNumberOf([&] { mute->invoke("Ask"); }), base::number::kHostGone);
   EXPECT_EQ(FailureNumberOf([&] { mute->invoke("Ask"); }), base::number::kHostGone);
   EXPECT_TRUE(loop.quitting());
+  EXPECT_LT(loop.now() - begin, std::chrono::seconds(8)) << "a stranger alone has five, each time";
 }
 
 TEST_F(AProgramThatDoesNotAnswer, IsAskedByFewAtOnce) {

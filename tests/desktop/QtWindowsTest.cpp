@@ -15,17 +15,6 @@ namespace {
 
 class QtWindows : public ::testing::Test {
  protected:
-  /// How often the loop wakes up in a time.
-  int wakeUpsIn(base::Milliseconds time) {
-    int turns = 0;
-    for (const auto end = loop.now() + time; loop.now() < end; ++turns) loop.turn(end - loop.now());
-    return turns;
-  }
-  /// Lets what has begun come to its end.
-  void settle() {
-    while (wakeUpsIn(std::chrono::milliseconds(300)) > 2) {
-    }
-  }
   /// In how many milliseconds Qt wants to be woken; -1 for never.
   static int plannedWakeUp() {
     GMainContext* context = g_main_context_default();
@@ -37,6 +26,10 @@ class QtWindows : public ::testing::Test {
     g_main_context_release(context);
     return timeout;
   }
+  /// Whether what has begun comes to its end, and nothing more is to be done.
+  bool sleeps() {
+    return support::TurnUntil(loop, [] { return plannedWakeUp() == -1; });
+  }
 
   support::Screen screen;
   bus::PollLoop loop;
@@ -45,10 +38,7 @@ class QtWindows : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(QtWindows, AnIdleDesktopWakesNobody) {
-  settle();
-  EXPECT_EQ(plannedWakeUp(), -1);
-}
+TEST_F(QtWindows, AnIdleDesktopWakesNobody) { EXPECT_TRUE(sleeps()); }
 
 TEST_F(QtWindows, AnIdleDesktopWakesNobodyBehindAWindowEither) {
   {
@@ -56,8 +46,7 @@ TEST_F(QtWindows, AnIdleDesktopWakesNobodyBehindAWindowEither) {
     user.key("Return");
     desktop::ShowBox(*windows, base::BoxKind::kPlain, "Media Player", "Read");
   }
-  settle();
-  EXPECT_EQ(plannedWakeUp(), -1);
+  EXPECT_TRUE(sleeps());
 }
 
 TEST_F(QtWindows, QtsOwnTimersRunOnTheLoop) {
@@ -69,13 +58,12 @@ TEST_F(QtWindows, QtsOwnTimersRunOnTheLoop) {
   EXPECT_TRUE(support::TurnUntil(loop, [&] { return fired >= 5; }));
   EXPECT_GE((loop.now() - start).count(), 80);
   timer.stop();
-  settle();
-  EXPECT_EQ(plannedWakeUp(), -1);
+  EXPECT_TRUE(sleeps());
 }
 
 TEST_F(QtWindows, WorkPostedByAnotherThreadRunsOnTheLoop) {
   bool ran = false;
-  settle();
+  ASSERT_TRUE(sleeps());
   std::thread other([&] {
     QMetaObject::invokeMethod(
         qApp, [&] { ran = true; }, Qt::QueuedConnection);

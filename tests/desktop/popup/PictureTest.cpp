@@ -100,6 +100,7 @@ TEST_F(MovingPicture, IsDrawnInItsPlaceAndBlackWithoutOne) {
 }
 
 TEST_F(MovingPicture, ADoubleClickOnItIsThePlayers) {
+  QApplication::setDoubleClickInterval(10 * 60 * 1000);  // a slow machine lets both clicks be far apart
   show();
   layOut(212, false);
   ASSERT_TRUE(seenAt({251, 150}));
@@ -108,6 +109,7 @@ TEST_F(MovingPicture, ADoubleClickOnItIsThePlayers) {
 }
 
 TEST_F(MovingPicture, FillsTheScreenAndEscapeAsksToLeave) {
+  QApplication::setDoubleClickInterval(10 * 60 * 1000);  // a slow machine lets both clicks be far apart
   showActive();
   layOut(212, false);
   ASSERT_TRUE(seenAt({251, 150}));

@@ -127,7 +127,7 @@ TEST_F(ManagedWholePopup, ItsFramesMinimiseButtonHidesIt) {
   tool({"windowminimize", std::to_string(view->handle())});
   ASSERT_TRUE(until([&] { return !house->shown(); }));
   house->second();
-  EXPECT_FALSE(pane().isVisible());
+  EXPECT_TRUE(until([&] { return !pane().isVisible(); }));
   house->calls().SetDisplayControls("toggle");
   house->second();
   EXPECT_TRUE(until([&] { return exposed(pane()) && !pane().isMinimized(); }));

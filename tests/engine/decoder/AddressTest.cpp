@@ -312,7 +312,7 @@ TEST_F(HostileList, LeavesAProgramThatIsStartedMeanwhileNoDescriptor) {
   std::set<std::string> before;
   for (const auto& entry : fs::directory_iterator("/proc/self/fd")) before.insert(entry.path().filename());
   config.untimed = false;
-  good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1, 5);
+  good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1, 60);
   writeText(folder / "playlists/L.m3u8", good + "\n");
   startWith(1);
   player->currentPlaylist(player->playlistCollection().getByName("L")->item(0));

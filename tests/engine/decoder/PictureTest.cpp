@@ -37,7 +37,7 @@ class Picture : public PlayerTest {
   Picture& operator=(Picture&&) = delete;
 
   /// A film of moving colours with a tone, made by the encoder's own sources.
-  std::string film(const std::string& name, int seconds = 30) {
+  std::string film(const std::string& name, int seconds = 120) {
     const std::string path = folder / name;
     const std::string line =
         "ffmpeg -v error -y -f lavfi -i testsrc2=size=320x180:rate=25:duration=" + std::to_string(seconds) +
@@ -96,7 +96,7 @@ TEST_F(Picture, OfAPausedVideoIsDrawnAnewInAnotherSize) {
 
 TEST_F(Picture, OfSoundShowsThatItSounds) {
   screen.seen(kSize);
-  plays(addTrack("song.wav", "Song", "Somebody", "Album", "Genre", 1, 30));
+  plays(addTrack("song.wav", "Song", "Somebody", "Album", "Genre", 1, 120));
   EXPECT_EQ(player->currentMedia()->imageSourceHeight(), 0);
   EXPECT_TRUE(until([this] { return screen.frame() && Lit(*screen.frame()) > 10; }));
   player->controls().stop();
