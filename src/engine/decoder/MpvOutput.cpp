@@ -99,7 +99,7 @@ void MpvOutput::addFile(EntryId entry, const std::string& location, const char* 
   // The decoder comes to a refused item in its turn, as to any other that can't be played.
   switch (address.kind) {
     case DecoderAddress::Kind::kFile: address.address = decoderFiles_.give(entry, address.address); break;
-    case DecoderAddress::Kind::kStation: stations_.insert(entry); break;
+    case DecoderAddress::Kind::kStation: stations_.insert(entry); [[fallthrough]];
     case DecoderAddress::Kind::kTrack:
       tracks_[entry] = std::exchange(address.address, kOpensNothing);  // until it is held before opening
       break;
@@ -242,9 +242,12 @@ void MpvOutput::fileStarted(FileId file) {
 
 void MpvOutput::aboutToOpen(std::uint64_t held) {
   const EntryId entry = entryOf(playing_);
-  if (const auto track = tracks_.find(entry); track != tracks_.end())
-    return mpv_->set(kOpens, track->second, held);
-  if (!stations_.contains(entry)) return mpv_->open(held);
+  const bool station = stations_.contains(entry);
+  if (auto own = tracks_.extract(entry))
+    mpv_->set(kOpens, own.mapped(), station ? 0 : held);
+  else if (!station)
+    mpv_->open(held);
+  if (!station) return;
   heldStation_ = held;
   mpv_->ask(kAddress, kOpens, MPV_FORMAT_STRING);
 }

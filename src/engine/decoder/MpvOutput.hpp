@@ -104,7 +104,7 @@ class MpvOutput : public Output {
   std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
   std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
   std::set<EntryId> stations_;              ///< those of them that may lead on to other addresses
-  std::map<EntryId, std::string> tracks_;   ///< the addresses of those of them that are a disc's
+  std::map<EntryId, std::string> tracks_;   ///< the addresses of those that are opened in their turn only
   FileId playing_ = 0;
   std::uint64_t heldStation_ = 0;  ///< the file that waits to be opened
   bool opening_ = false;           ///< the file that plays can't be heard yet
