@@ -130,8 +130,8 @@ TEST_F(PagesInTheHouse, AGuestReadsThatGuestsMayNot) {
   EXPECT_EQ(guest.text(), "Guests are not authorized to access the Media Player setup");
   guest.open("/WMP_PListEdit");
   EXPECT_EQ(guest.text(), "Guests are not authorized to edit playlists");
-  EXPECT_EQ(guest.browser.runAsync("fetch('/WMP_PListEdit', {method: 'POST', body: "
-                                   "'wmp_page=Main_Page&button=New+List&New_PlayList=x'})"
+  EXPECT_EQ(guest.browser.runAsync("fetch('/WMP_PListEdit', {method: 'POST', body: new URLSearchParams("
+                                   "'wmp_page=Main_Page&button=New+List&New_PlayList=x')})"
                                    ".then(r => arguments[0](r.status))"),
             403);
 }
