@@ -112,6 +112,8 @@ class Repeated {
         }) {}
   Repeated(const Repeated&) = delete;
   Repeated& operator=(const Repeated&) = delete;
+  Repeated(Repeated&&) = delete;
+  Repeated& operator=(Repeated&&) = delete;
   ~Repeated() {
     over_ = true;
     thread_.join();
