@@ -18,9 +18,9 @@
 #include "standin/ear/EarProcess.hpp"
 #include "standin/eventworld/HouseEvents.hpp"
 #include "standin/hearing/VoiceCommands.hpp"
-#include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HouseObjects.hpp"
 #include "standin/hostobjects/Shelf.hpp"
+#include "standin/hostobjects/TopObjects.hpp"
 #include "standin/house/LoopGate.hpp"
 #include "standin/house/SettingsFlusher.hpp"
 #include "standin/http/PageRoutes.hpp"
@@ -87,16 +87,12 @@ int Serve(const Options& options) {
   Speech speech(loop, house, voice);
   Quiet quiet(loop, speech.events());
   LoopWaits waits(loop, speech);
-  const auto system = std::make_shared<SystemObject>(house);
-  const auto host = std::make_shared<HostObject>(house, objects, waits, system);
-  const auto callback = std::make_shared<CallbackObject>(house, host);
-  shelf.show("/host", host);
-  shelf.show("/host/system", system);
-  shelf.show("/callback", callback);
+  const TopObjects top(house, objects, waits);
+  top.showOn(shelf);
 
   SettingsFlusher flusher(loop, house);
   RefusedPosts refused(loop, house.log);
-  PluginKeeper plugin(loop, connection, house, callback);
+  PluginKeeper plugin(loop, connection, house, top.callback);
   PlayerLibrary library(loop, connection, plugin);
   LibrarySearch search(loop, library);
   Playlists playlists(loop, connection, plugin, house, library);
@@ -126,7 +122,7 @@ int Serve(const Options& options) {
     ScriptLimits limits;
     limits.computing = std::chrono::seconds(options.scriptSeconds);
     const auto programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    ScriptRunner runner(loop, connection, house, plugin, host,
+    ScriptRunner runner(loop, connection, house, plugin, top.host,
                         {.program = programs / "vantorix-script", .limits = limits});
     HouseEvents events(
         {loop, house, objects, plugin, speech, scripts, runner, rules, words, history, clock, alarms});

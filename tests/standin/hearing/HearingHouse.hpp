@@ -13,7 +13,7 @@
 #include "standin/fakes/FakePlugin.hpp"
 #include "standin/fakes/FakeVoice.hpp"
 #include "standin/hearing/VoiceCommands.hpp"
-#include "standin/hostobjects/HostObject.hpp"
+#include "standin/hostobjects/TopObjects.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/Process.hpp"
 #include "support/TempFolder.hpp"
@@ -55,9 +55,7 @@ class HearingHouse : public testing::Test {
     house.events.addDevice(event, device, standin::kFuncVoice);
     house.events.put(event, &standin::Event::vcmd, std::string("Play (Night Shift|Night Shirt)"));
     connection.claimName("org.vantorix.Host");
-    shelf.show("/host", host);
-    shelf.show("/host/system", system);
-    shelf.show("/callback", callback);
+    top.showOn(shelf);
     keeper.start();
   }
   void SetUp() override {
@@ -132,12 +130,9 @@ class HearingHouse : public testing::Test {
   FakeVoice voice;
   standin::Speech speech{loop, house, voice};
   standin::LoopWaits waits{loop, speech};
-  std::shared_ptr<standin::SystemObject> system = std::make_shared<standin::SystemObject>(house);
-  std::shared_ptr<standin::HostObject> host =
-      std::make_shared<standin::HostObject>(house, objects, waits, system);
-  std::shared_ptr<standin::CallbackObject> callback = std::make_shared<standin::CallbackObject>(house, host);
+  standin::TopObjects top{house, objects, waits};
   FakePlugin plugin{bus.address()};
-  standin::PluginKeeper keeper{loop, connection, house, callback};
+  standin::PluginKeeper keeper{loop, connection, house, top.callback};
   standin::PlayerLibrary library{loop, connection, keeper};
   FakeRecogniser ear;
   std::optional<standin::VoiceCommands> commands{

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "standin/fakes/FakeVoice.hpp"
-#include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HostWaits.hpp"
+#include "standin/hostobjects/TopObjects.hpp"
 #include "support/TempFolder.hpp"
 
 namespace support {
@@ -23,9 +23,9 @@ class MapShelf : public standin::Shelf {
 /// The host's object over a house in this process, with nobody on the bus.
 class HostHouse : public testing::Test {
  protected:
-  base::Value call(const std::string& name, base::Args args = {}) { return host->call(name, args); }
+  base::Value call(const std::string& name, base::Args args = {}) { return top.host->call(name, args); }
   std::string text(const std::string& name, base::Args args = {}) {
-    return base::ToText(host->call(name, args));
+    return base::ToText(top.host->call(name, args));
   }
   /// A device like the plug-in makes it.
   base::ObjectRef makeDevice(const std::string& name, std::int16_t code) {
@@ -50,10 +50,7 @@ class HostHouse : public testing::Test {
   FakeVoice voice;
   standin::Speech speech{loop, house, voice};
   standin::LoopWaits waits{loop, speech};
-  std::shared_ptr<standin::SystemObject> system = std::make_shared<standin::SystemObject>(house);
-  std::shared_ptr<standin::HostObject> host =
-      std::make_shared<standin::HostObject>(house, objects, waits, system);
-  std::shared_ptr<standin::CallbackObject> callback = std::make_shared<standin::CallbackObject>(house, host);
+  standin::TopObjects top{house, objects, waits};
 };
 
 }  // namespace support

@@ -35,48 +35,48 @@ void ExpectTable(const base::MemberTable& table, const std::vector<Expected>& ex
 
 TEST_F(Host, HasEveryOperationUnderItsOwnName) {
   const auto kText = Type::kText;
-  ExpectTable(*callback->members(), {{"GetVXIface", {}, Type::kObject},
-                                     {"writesplash", {kText}, Type::kNone},
-                                     {"registermenu", {kText, kText}, Type::kNone},
-                                     {"checktrigger", {kText}, Type::kBoolean},
-                                     {"forcefront", {Type::kInt32}, Type::kNone},
-                                     {"GetNextFreeIOCode", {}, Type::kInt16}});
-  ExpectTable(*host->members(), {{"Version", {}, kText},
-                                 {"System", {}, Type::kObject},
-                                 {"GetAppPath", {}, kText},
-                                 {"Launch", {kText}, Type::kNone},
-                                 {"WEBLoggedInUser", {}, kText},
-                                 {"RegisterEventCB", {Type::kInt16, Type::kObject}, Type::kNone},
-                                 {"RegisterLink", {Type::kObject}, Type::kNone},
-                                 {"WriteLog", {kText, kText, kText}, Type::kNone},
-                                 {"Speak", {kText, Type::kBoolean}, Type::kNone},
-                                 {"Say", {kText}, kText},
-                                 {"TriggerEvent", {kText}, Type::kBoolean},
-                                 {"WaitEvents", {}, Type::kNone},
-                                 {"WaitSecs", {Type::kInt16}, Type::kNone},
-                                 {"GetUrl", {kText, kText, Type::kBoolean, Type::kInt32}, kText},
-                                 {"GetINISetting", {kText, kText, Type::kAny, kText}, Type::kAny},
-                                 {"SaveINISetting", {kText, kText, kText, kText}, Type::kNone},
-                                 {"GetINISection", {kText, kText}, kText},
-                                 {"ClearINISection", {kText, kText}, Type::kNone},
-                                 {"DeviceCount", {}, Type::kInt32},
-                                 {"GetDevice", {Type::kAny}, Type::kObject},
-                                 {"GetDeviceEx", {kText}, Type::kObject},
-                                 {"GetDeviceCode", {kText}, kText},
-                                 {"NewDevice", {kText}, kText},
-                                 {"DeleteIODevices", {kText}, Type::kNone},
-                                 {"DeviceButtonAdd", {kText, kText, kText}, Type::kNone},
-                                 {"DeviceValuesAdd", {kText, kText, Type::kBoolean}, Type::kNone},
-                                 {"SetDeviceStatus", {kText, Type::kInt16}, Type::kNone},
-                                 {"SetDeviceString", {kText, kText, Type::kBoolean}, Type::kNone},
-                                 {"SetDeviceStringByName", {kText, kText, Type::kBoolean}, Type::kNone},
-                                 {"SetDeviceValueByName", {kText, Type::kInt32}, Type::kNone},
-                                 {"GetEvent", {Type::kInt32}, Type::kObject},
-                                 {"GetEventEx", {kText}, Type::kObject},
-                                 {"NewEvent", {kText}, Type::kInt32},
-                                 {"NewDevFunc", {}, Type::kObject}});
-  EXPECT_EQ(host->members()->list().size(), 34U);
-  EXPECT_EQ(callback->members()->list().size(), 6U);
+  ExpectTable(*top.callback->members(), {{"GetVXIface", {}, Type::kObject},
+                                         {"writesplash", {kText}, Type::kNone},
+                                         {"registermenu", {kText, kText}, Type::kNone},
+                                         {"checktrigger", {kText}, Type::kBoolean},
+                                         {"forcefront", {Type::kInt32}, Type::kNone},
+                                         {"GetNextFreeIOCode", {}, Type::kInt16}});
+  ExpectTable(*top.host->members(), {{"Version", {}, kText},
+                                     {"System", {}, Type::kObject},
+                                     {"GetAppPath", {}, kText},
+                                     {"Launch", {kText}, Type::kNone},
+                                     {"WEBLoggedInUser", {}, kText},
+                                     {"RegisterEventCB", {Type::kInt16, Type::kObject}, Type::kNone},
+                                     {"RegisterLink", {Type::kObject}, Type::kNone},
+                                     {"WriteLog", {kText, kText, kText}, Type::kNone},
+                                     {"Speak", {kText, Type::kBoolean}, Type::kNone},
+                                     {"Say", {kText}, kText},
+                                     {"TriggerEvent", {kText}, Type::kBoolean},
+                                     {"WaitEvents", {}, Type::kNone},
+                                     {"WaitSecs", {Type::kInt16}, Type::kNone},
+                                     {"GetUrl", {kText, kText, Type::kBoolean, Type::kInt32}, kText},
+                                     {"GetINISetting", {kText, kText, Type::kAny, kText}, Type::kAny},
+                                     {"SaveINISetting", {kText, kText, kText, kText}, Type::kNone},
+                                     {"GetINISection", {kText, kText}, kText},
+                                     {"ClearINISection", {kText, kText}, Type::kNone},
+                                     {"DeviceCount", {}, Type::kInt32},
+                                     {"GetDevice", {Type::kAny}, Type::kObject},
+                                     {"GetDeviceEx", {kText}, Type::kObject},
+                                     {"GetDeviceCode", {kText}, kText},
+                                     {"NewDevice", {kText}, kText},
+                                     {"DeleteIODevices", {kText}, Type::kNone},
+                                     {"DeviceButtonAdd", {kText, kText, kText}, Type::kNone},
+                                     {"DeviceValuesAdd", {kText, kText, Type::kBoolean}, Type::kNone},
+                                     {"SetDeviceStatus", {kText, Type::kInt16}, Type::kNone},
+                                     {"SetDeviceString", {kText, kText, Type::kBoolean}, Type::kNone},
+                                     {"SetDeviceStringByName", {kText, kText, Type::kBoolean}, Type::kNone},
+                                     {"SetDeviceValueByName", {kText, Type::kInt32}, Type::kNone},
+                                     {"GetEvent", {Type::kInt32}, Type::kObject},
+                                     {"GetEventEx", {kText}, Type::kObject},
+                                     {"NewEvent", {kText}, Type::kInt32},
+                                     {"NewDevFunc", {}, Type::kObject}});
+  EXPECT_EQ(top.host->members()->list().size(), 34U);
+  EXPECT_EQ(top.callback->members()->list().size(), 6U);
 }
 
 TEST_F(Host, ADeviceHasEveryFieldWithItsType) {
@@ -224,9 +224,9 @@ TEST_F(Host, ALogLineOfThreeArgumentsIsJoined) {
 }
 
 TEST_F(Host, TriggersAndSpeechAreLines) {
-  EXPECT_EQ(callback->invoke("checktrigger",
-                             "Media Player\x02"
-                             "10"),
+  EXPECT_EQ(top.callback->invoke("checktrigger",
+                                 "Media Player\x02"
+                                 "10"),
             Value(false));
   call("Speak", {"Good morning", true});
   const auto lines = house.log.newest(2);
@@ -242,8 +242,8 @@ TEST_F(Host, HandsTriggersToTheHousesEvents) {
     return composed == "known";
   };
   house.onScriptTrigger = [](const std::string& event) { return event == "Good night"; };
-  EXPECT_EQ(callback->invoke("checktrigger", "known"), Value(true));
-  EXPECT_EQ(callback->invoke("checktrigger", "unknown"), Value(false));
+  EXPECT_EQ(top.callback->invoke("checktrigger", "known"), Value(true));
+  EXPECT_EQ(top.callback->invoke("checktrigger", "unknown"), Value(false));
   EXPECT_EQ(heard, (std::vector<std::string>{"known", "unknown"}));
   EXPECT_EQ(call("TriggerEvent", {"Good night"}), Value(true));
   EXPECT_EQ(call("TriggerEvent", {"Good morning"}), Value(false));
@@ -256,7 +256,7 @@ TEST_F(Host, HandsTriggersToTheHousesEvents) {
 }
 
 TEST_F(Host, TheLineOfTheStartUpScreenIsBounded) {
-  callback->invoke("writesplash", std::string((64U << 10U) + 1, 'x'));
+  top.callback->invoke("writesplash", std::string((64U << 10U) + 1, 'x'));
   EXPECT_EQ(house.splash, std::string(64U << 10U, 'x') + "…");
 }
 
@@ -265,8 +265,8 @@ TEST_F(Host, SaysWhatItIs) {
   EXPECT_EQ(text("GetAppPath"), std::filesystem::canonical(folder.path()).string());
   house.lastVoiceCommand = "play blue";
   EXPECT_EQ(base::Deref(call("System")).get("LastVoiceCommand"), Value("play blue"));
-  EXPECT_EQ(base::ToObject(callback->call("GetVXIface")), host);
-  EXPECT_EQ(callback->call("GetNextFreeIOCode"), Value(std::int16_t{'Q'}));
+  EXPECT_EQ(base::ToObject(top.callback->call("GetVXIface")), top.host);
+  EXPECT_EQ(top.callback->call("GetNextFreeIOCode"), Value(std::int16_t{'Q'}));
 }
 
 TEST_F(Host, SaysTheBeginningOfWhatIsTooLongAndTakesNoCommandOfThatLength) {

@@ -13,8 +13,8 @@
 #include "demo/Tags.hpp"
 #include "standin/ear/NoRecogniser.hpp"
 #include "standin/hearing/VoiceCommands.hpp"
-#include "standin/hostobjects/HostObject.hpp"
 #include "standin/hostobjects/HostWaits.hpp"
+#include "standin/hostobjects/TopObjects.hpp"
 #include "standin/player/PluginKeeper.hpp"
 #include "standin/voice/Quiet.hpp"
 #include "standin/voice/SoundCard.hpp"
@@ -56,9 +56,7 @@ class SpeechOverMusic : public testing::Test {
   void start(const std::string& whileSpeaking) {
     house.settings.save("vxif_WMP.ini", "Settings", "WhileSpeaking", whileSpeaking);
     connection.claimName("org.vantorix.Host");
-    shelf.show("/host", host);
-    shelf.show("/host/system", system);
-    shelf.show("/callback", callback);
+    top.showOn(shelf);
     keeper.start();
     ASSERT_TRUE(turnUntil([&] { return keeper.state() == standin::PluginPhase::kReady; }));
     press("Restart");
@@ -107,11 +105,8 @@ class SpeechOverMusic : public testing::Test {
   std::vector<std::string> spoken;
   standin::Speech speech{loop, house, voice};
   standin::LoopWaits waits{loop, speech};
-  std::shared_ptr<standin::SystemObject> system = std::make_shared<standin::SystemObject>(house);
-  std::shared_ptr<standin::HostObject> host =
-      std::make_shared<standin::HostObject>(house, objects, waits, system);
-  std::shared_ptr<standin::CallbackObject> callback = std::make_shared<standin::CallbackObject>(house, host);
-  standin::PluginKeeper keeper{loop, connection, house, callback};
+  standin::TopObjects top{house, objects, waits};
+  standin::PluginKeeper keeper{loop, connection, house, top.callback};
   standin::PlayerLibrary library{loop, connection, keeper};
 };
 
