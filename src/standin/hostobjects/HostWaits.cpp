@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
-#include <memory>
+#include <stop_token>
 #include <thread>
 
 #include "base/Failure.hpp"
@@ -53,14 +53,14 @@ void LoopWaits::seconds(int count) {
 std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port,
                              const std::string& certificate) {
   const Pending pending(pending_);
-  std::atomic<bool> stop = false;
-  fetches_.push_back(&stop);
-  const std::unique_ptr<std::vector<std::atomic<bool>*>, void (*)(std::vector<std::atomic<bool>*>*)> listed(
-      &fetches_, [](std::vector<std::atomic<bool>*>* all) { all->pop_back(); });
   std::promise<std::string> promise;
   std::future<std::string> result = promise.get_future();
-  // Joined at the end, also when an event of the loop throws.
-  const std::jthread worker([&] {
+  // Told to end and joined at the end, also when an event of the loop throws.
+  const std::jthread worker([&](const std::stop_token& end) {
+    std::atomic<bool> stop = false;
+    const auto stops = [&] { stop = true; };
+    const std::stop_callback atItsEnd(end, stops);
+    const std::stop_callback atTheLoopsEnd(quitting_.get_token(), stops);
     try {
       promise.set_value(FetchUrl(host, page, port, fetchLimit_, &stop, certificate));
     } catch (...) {
@@ -68,16 +68,13 @@ std::string LoopWaits::fetch(const std::string& host, const std::string& page, i
     }
     loop_.post([] {});  // wakes the loop
   });
-  const std::unique_ptr<std::atomic<bool>, void (*)(std::atomic<bool>*)> stopAtEnd(
-      &stop, [](std::atomic<bool>* flag) { *flag = true; });
   loop_.whileOpen([&] {
     while (!loop_.quitting() && result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       loop_.turn(base::Milliseconds(200));
     }
   });
   // All at once: those around this one are told before it has ended.
-  if (loop_.quitting())
-    for (std::atomic<bool>* const each : fetches_) *each = true;
+  if (loop_.quitting()) quitting_.request_stop();
   return result.get();
 }
 

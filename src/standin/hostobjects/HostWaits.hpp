@@ -1,8 +1,7 @@
 #pragma once
-#include <atomic>
 #include <chrono>
+#include <stop_token>
 #include <string>
-#include <vector>
 
 #include "bus/PollLoop.hpp"
 #include "standin/voice/Speech.hpp"
@@ -48,7 +47,7 @@ class LoopWaits : public HostWaits {
   Speech& speech_;
   std::chrono::milliseconds fetchLimit_;
   int pending_ = 0;
-  std::vector<std::atomic<bool>*> fetches_;  ///< each ends once its own is true
+  std::stop_source quitting_;  ///< of all fetches
 };
 
 }  // namespace standin

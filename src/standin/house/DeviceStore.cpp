@@ -123,7 +123,7 @@ std::int16_t DeviceStore::freeHouseCode() const {
 const Device& DeviceStore::create(const std::string& name) {
   CheckLength(kText, name, kLongestText);
   CheckRoom("devices", devices_.size(), kMost);
-  BytesWith(kTexts, bytes_, 0, name.size(), kMostBytes);
+  const std::size_t bytes = BytesWith(kTexts, bytes_, 0, name.size(), kMostBytes);
   Device device;
   device.name = name;
   device.changed = std::time(nullptr);
@@ -133,7 +133,7 @@ const Device& DeviceStore::create(const std::string& name) {
       "text, changed) VALUES (?, '', '', '', '', '', 0, ?, 0, 0, '', ?)");
   insert.with(name, device.status, device.changed).run();
   device.ref = static_cast<std::int32_t>(database_.lastId());
-  bytes_ += name.size();
+  bytes_ = bytes;
   const Device& made = devices_.emplace(device.ref, std::move(device)).first->second;
   if (onChange) onChange(made);
   return made;
