@@ -31,11 +31,15 @@ void Tell(const std::string& folder, int error) {
 
 }  // namespace
 
-void SyncFolder(const std::string& folder) {
+int FlushFolder(const std::string& folder) {
   const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (descriptor.valid() && ::fsync(descriptor.get()) == 0) return;
+  return descriptor.valid() && ::fsync(descriptor.get()) == 0 ? 0 : errno;
+}
+
+void SyncFolder(const std::string& folder) {
+  const int error = FlushFolder(folder);
   // One can be let write into a folder without being let open it.
-  if (errno != EINVAL && errno != ENOTSUP && errno != EACCES) Tell(folder, errno);
+  if (error != 0 && error != EINVAL && error != ENOTSUP && error != EACCES) Tell(folder, error);
 }
 
 UnsyncedFolders::UnsyncedFolders(std::function<void(const base::Failure&)> tell) {

@@ -6,7 +6,10 @@
 
 namespace files {
 
-/// Flushes a folder to the disk: a name's coming or going lasts only then. Never fails, as by then it can't
+/// Flushes a folder to the disk: a name's coming or going lasts only then. Answers 0, or the system's error.
+[[nodiscard]] int FlushFolder(const std::string& folder);
+
+/// The same for whoever has done his work whether it lasts or not. Never fails, as by then it can't
 /// be taken back; who watches is told.
 void SyncFolder(const std::string& folder);
 

@@ -1,6 +1,5 @@
 #include "engine/queue/SyncThread.hpp"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,6 +7,7 @@
 #include <utility>
 
 #include "files/FileError.hpp"
+#include "files/FolderSync.hpp"
 
 namespace engine {
 
@@ -50,16 +50,15 @@ void SyncThread::run() {
 }
 
 bool SyncThread::carryOut(const Job& job) {
-  const auto fail = [&] {
+  const auto fail = [&](int error) {
     if (!std::exchange(told_, true))
-      failed_(files::FileFailure(errno, job.folder, "Can't write ").description());
+      failed_(files::FileFailure(error, job.folder, "Can't write ").description());
     return false;
   };
-  if (::fdatasync(job.file->get()) != 0) return fail();
+  if (::fdatasync(job.file->get()) != 0) return fail(errno);
   if (!job.after.empty()) {
     // The new file's name has to be there before the old file's may go.
-    const files::Descriptor folder(::open(job.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.valid() || ::fsync(folder.get()) != 0) return fail();
+    if (const int error = files::FlushFolder(job.folder); error != 0) return fail(error);
     for (const std::string& path : job.after) ::unlink(path.c_str());
   }
   told_ = false;
