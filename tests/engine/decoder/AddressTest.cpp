@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -9,7 +8,7 @@
 #include "engine/common/Fixtures.hpp"
 #include "engine/common/SmallServer.hpp"
 #include "engine/decoder/DecoderAddress.hpp"
-#include "files/Descriptor.hpp"
+#include "support/faults/SilentServer.hpp"
 
 namespace engine::testing {
 namespace {
@@ -124,38 +123,6 @@ class OpenConnection {
   std::string bytes_ = std::string(4096, 'x');
   std::array<int, 2> socket_{-1, -1};
   std::array<int, 2> pipe_{-1, -1};
-};
-
-/// A socket of this machine that waits for connections.
-class Listener {
- public:
-  Listener() {
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof place;
-    auto* address = reinterpret_cast<sockaddr*>(&place);
-    EXPECT_EQ(::bind(socket_, address, size), 0);
-    EXPECT_EQ(::listen(socket_, 8), 0);
-    EXPECT_EQ(::getsockname(socket_, address, &size), 0);
-    port_ = std::to_string(ntohs(place.sin_port));
-  }
-  ~Listener() { ::close(socket_); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-  Listener(Listener&&) = delete;
-  Listener& operator=(Listener&&) = delete;
-
-  [[nodiscard]] const std::string& port() const { return port_; }
-  /// Whether anybody has connected since.
-  [[nodiscard]] bool wasReached() const {
-    const files::Descriptor connection(::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC));
-    return connection.valid();
-  }
-
- private:
-  int socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  std::string port_;
 };
 
 class HostileList : public PlayerTest {
@@ -274,24 +241,25 @@ TEST_F(HostileList, OfAStationLeadsToOtherStationsOnly) {
 }
 
 TEST_F(HostileList, OfAStationConnectsByItsOwnKindsOfAddressOnly) {
-  const Listener neighbour;
+  const support::SilentServer neighbour;
+  const std::string port = std::to_string(neighbour.port());
   SmallServer station;
   std::vector<std::string> lines;
   for (const std::string kind : {"rtsp", "rtsps", "RTSP", "rtmp", "ftp", "tcp", "tls", "srt", "gopher", "smb",
                                  "lavf://rtsp", "ffmpeg://tcp", "httpproxy", "icecast", "sap", "rtp"}) {
     const std::string path = std::to_string(lines.size()) + ".m3u";
-    const std::string away = kind + "://127.0.0.1:" + neighbour.port() + "/x";
+    const std::string away = kind + "://127.0.0.1:" + port + "/x";
     station.sends("/" + path, "#EXTM3U\n" + away + "\n", "audio/x-mpegurl");
     lines.push_back(station / path);
   }
   station.sends("/session",
-                "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio " + neighbour.port() +
+                "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio " + port +
                     " RTP/AVP/TCP 0\na=rtpmap:0 PCMU/8000\n",
                 "application/sdp");
-  station.sends("/text", "RTSPtext\nrtsp://127.0.0.1:" + neighbour.port() + "/x\n", "video/quicktime");
+  station.sends("/text", "RTSPtext\nrtsp://127.0.0.1:" + port + "/x\n", "video/quicktime");
   lines.insert(lines.end(), {station / "session", station / "text"});
   EXPECT_EQ(play(lines).size(), lines.size());
-  EXPECT_FALSE(neighbour.wasReached());
+  EXPECT_FALSE(neighbour.wasVisited());
 }
 
 TEST_F(HostileList, LeavesGoodStationsInPeace) {

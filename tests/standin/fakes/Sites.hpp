@@ -1,54 +1,31 @@
 // Places elsewhere that a page may be led to.
 #pragma once
-#include <arpa/inet.h>
 #include <httplib.h>
-#include <poll.h>
 #include <sys/socket.h>
 
 #include <array>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
 #include "files/Descriptor.hpp"
+#include "support/faults/SilentServer.hpp"
 
 namespace support {
 
-/// A server that nobody should come to: it only knows whether somebody has.
-class ForeignServer {
+/// A server that nobody should come to.
+class ForeignServer : public SilentServer {
  public:
-  ForeignServer() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* name = reinterpret_cast<sockaddr*>(&address);
-    if (bind(socket_.get(), name, size) != 0 || listen(socket_.get(), 16) != 0 ||
-        getsockname(socket_.get(), name, &size) != 0) {
-      throw std::runtime_error("no foreign server");
-    }
-    port_ = ntohs(address.sin_port);
-  }
-  [[nodiscard]] int port() const { return port_; }
-  [[nodiscard]] bool wasVisited() const {
-    pollfd one{socket_.get(), POLLIN, 0};
-    return poll(&one, 1, 0) > 0;
-  }
   /// What the visitors that are there have said so far.
   [[nodiscard]] std::string heard() const {
     std::string all;
     while (wasVisited()) {
-      const files::Descriptor visitor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+      const files::Descriptor next = visitor();
       std::array<char, 4096> part{};
-      const ssize_t got = ::recv(visitor.get(), part.data(), part.size(), MSG_DONTWAIT);
+      const ssize_t got = ::recv(next.get(), part.data(), part.size(), MSG_DONTWAIT);
       if (got > 0) all.append(part.data(), static_cast<std::size_t>(got));
     }
     return all;
   }
-
- private:
-  files::Descriptor socket_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-  int port_ = 0;
 };
 
 /// A site that is not the server's, with one page.

@@ -1,20 +1,18 @@
 // The host's operations that take their time: waits, and pages of the web.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <sys/socket.h>
 
 #include <functional>
 #include <string>
 #include <thread>
 
 #include "base/Failure.hpp"
-#include "files/Descriptor.hpp"
 #include "standin/hostobjects/HostHouse.hpp"
 #include "standin/hostobjects/UrlFetcher.hpp"
 #include "standin/house/Quotas.hpp"
 #include "support/FailureNumber.hpp"
 #include "support/TestCertificate.hpp"
+#include "support/faults/SilentServer.hpp"
 
 namespace standin {
 namespace {
@@ -74,29 +72,9 @@ TEST_F(HostWaiting, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
   thread.join();
 }
 
-/// Listens and never says a word.
-class SilentServer {
- public:
-  SilentServer() {
-    sockaddr_in any{};
-    any.sin_family = AF_INET;
-    any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof any;
-    EXPECT_EQ(::bind(socket_.get(), reinterpret_cast<const sockaddr*>(&any), size), 0);
-    EXPECT_EQ(::listen(socket_.get(), 100), 0);
-    EXPECT_EQ(::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&any), &size), 0);
-    port_ = ntohs(any.sin_port);
-  }
-  [[nodiscard]] int port() const { return port_; }
-
- private:
-  files::Descriptor socket_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-  int port_ = 0;
-};
-
 TEST_F(HostWaiting, FetchesWithinFetchesEndTogetherWhenTheLoopIsAskedToQuit) {
   constexpr int kWithin = 40;
-  const SilentServer server;
+  const support::SilentServer server;
   LoopWaits patient{loop, speech, std::chrono::minutes(10)};
   int begun = 0;
   int ended = 0;
