@@ -63,6 +63,17 @@ class Reentry : public testing::Test {
     });
   }
 
+  /// A peer whose operation "Wait" answers as soon as it may.
+  std::unique_ptr<BusPeer> waiter(std::promise<void>& mayAnswer) {
+    return std::make_unique<BusPeer>(
+        daemon.address(), [may = mayAnswer.get_future().share()](bus::Connection& own, bus::PollLoop&) {
+          own.exportObject("/waiter", ObjectOf("Waiter", {Call("Wait", [may](Args&) {
+                                                 may.wait();
+                                                 return Value("waited");
+                                               })}));
+        });
+  }
+
   support::BusDaemon daemon;
   bus::PollLoop loop;
   bus::Connection connection{loop, daemon.address()};
@@ -249,13 +260,7 @@ TEST_F(Reentry, APlainWaitServesCallsAndRunsNoTimers) {
 
 TEST_F(Reentry, AnOpenWaitRunsTimersAndPostedWorkToo) {
   std::promise<void> both;
-  BusPeer peer(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/waiter", std::make_shared<TableOf>("Waiter", std::vector<Member>{Operation(
-                                                                        "Wait", {}, Type::kText, [&](Args&) {
-                                                                          both.get_future().wait();
-                                                                          return Value("waited");
-                                                                        })}));
-  });
+  const auto peer = waiter(both);
   int fired = 0;
   bool posted = false;
   bool waits = true;
@@ -265,20 +270,14 @@ TEST_F(Reentry, AnOpenWaitRunsTimersAndPostedWorkToo) {
   timer->enabled(true);
   loop.post([&] { posted = true; });
   loop.whileOpen(
-      [&] { EXPECT_EQ(Value("waited"), connection.proxy(peer.uniqueName(), "/waiter")->invoke("Wait")); });
+      [&] { EXPECT_EQ(Value("waited"), connection.proxy(peer->uniqueName(), "/waiter")->invoke("Wait")); });
   EXPECT_GE(fired, 2);
 }
 
 TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
   const auto quick = sleeper();
   std::promise<void> mayAnswer;
-  const std::shared_future<void> may = mayAnswer.get_future().share();
-  support::BusPeer slow(daemon.address(), [may](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/waiter", ObjectOf("Waiter", {Call("Wait", [may](Args&) {
-                                           may.wait();
-                                           return Value("waited");
-                                         })}));
-  });
+  const auto slow = waiter(mayAnswer);
   int ticks = 0;
   int during = -1;
   const auto ticker = loop.makeTimer(Milliseconds(1), [&] { ++ticks; });
@@ -292,7 +291,7 @@ TEST_F(Reentry, ACallMadeByAnEventInsideAnOpenWaitWaitsPlainly) {
   });
   ticker->enabled(true);
   once->enabled(true);
-  loop.whileOpen([&] { connection.proxy(slow.uniqueName(), "/waiter")->invoke("Wait"); });
+  loop.whileOpen([&] { connection.proxy(slow->uniqueName(), "/waiter")->invoke("Wait"); });
   EXPECT_EQ(0, during);
   EXPECT_GE(ticks, 1);
 }
@@ -312,14 +311,8 @@ TEST_F(Reentry, ACallThatComesInWhilePumpingIsServed) {
 
 TEST_F(Reentry, AFailedEventLeavesTheOpenWaitAndCallsGoOn) {
   std::promise<void> mayAnswer;
-  const std::shared_future<void> may = mayAnswer.get_future().share();
-  support::BusPeer peer(daemon.address(), [may](bus::Connection& own, bus::PollLoop&) {
-    own.exportObject("/waiter", ObjectOf("Waiter", {Call("Wait", [may](Args&) {
-                                           may.wait();
-                                           return Value("waited");
-                                         })}));
-  });
-  const auto remote = connection.proxy(peer.uniqueName(), "/waiter");
+  const auto peer = waiter(mayAnswer);
+  const auto remote = connection.proxy(peer->uniqueName(), "/waiter");
   loop.post([] { throw base::Failure(5); });
   EXPECT_EQ(5, support::FailureNumberOf([&] { loop.whileOpen([&] { remote->invoke("Wait"); }); }));
   mayAnswer.set_value();

@@ -20,6 +20,7 @@ namespace standin {
 namespace {
 
 using support::Adding;
+
 /// A house and what it keeps. Made anew in the same folder it is what the next start finds.
 struct KeptHouse {
   explicit KeptHouse(const std::string& folder) : house(folder) {}

@@ -4,6 +4,7 @@
 
 #include "engine/common/Fixtures.hpp"
 #include "engine/common/TagBuilder.hpp"
+#include "engine/common/ToldByOutput.hpp"
 #include "engine/decoder/MpvOutput.hpp"
 
 namespace engine::testing {
@@ -11,23 +12,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-/// Notes what became of each entry.
-class Told : public OutputEvents {
- public:
-  void started(EntryId entry) override { startedOnes.push_back(entry); }
-  void heightKnown(EntryId /*entry*/, std::int32_t /*height*/) override {}
-  void lengthKnown(EntryId entry, double seconds) override { lengths[entry] = seconds; }
-  void titleTold(EntryId /*entry*/, const std::string& /*title*/) override {}
-  void ended(EntryId entry) override { endedOnes.push_back(entry); }
-  void failed(EntryId /*entry*/, const std::string& reason) override { failures.push_back(reason); }
-  void stalled(bool /*value*/) override {}
-
-  std::vector<EntryId> startedOnes;
-  std::vector<EntryId> endedOnes;
-  std::vector<std::string> failures;
-  std::map<EntryId, double> lengths;
-};
 
 class ADiscInADrive : public PlayerTest {
  protected:
@@ -46,7 +30,7 @@ class ADiscInADrive : public PlayerTest {
   }
 
   std::string drive = folder / "disc.cue";
-  Told heard;
+  ToldByOutput heard;
   MpvOutput output{loop, config, [this](const std::string& device) { return device == drive; },
                    [](const std::string&) {}};
 };
@@ -57,7 +41,7 @@ TEST_F(ADiscInADrive, IsPlayedTrackByTrackInWhicheverOrder) {
   output.append(3, track(1));
   EXPECT_TRUE(until([&] { return heard.endedOnes.size() == 3; }));
   EXPECT_THAT(heard.startedOnes, ElementsAre(1U, 2U, 3U));
-  EXPECT_THAT(heard.failures, IsEmpty());
+  EXPECT_THAT(heard.failedOnes, IsEmpty());
   EXPECT_NEAR(heard.lengths[1], 2, 0.1);
   EXPECT_NEAR(heard.lengths[2], 3, 0.1);
   EXPECT_NEAR(heard.lengths[3], 1, 0.1);
@@ -70,7 +54,7 @@ TEST_F(ADiscInADrive, LeavesTheFilesBehindItAsTheyAre) {
   output.append(3, track(2));
   EXPECT_TRUE(until([&] { return heard.endedOnes.size() == 3; }));
   EXPECT_THAT(heard.startedOnes, ElementsAre(1U, 2U, 3U));
-  EXPECT_THAT(heard.failures, IsEmpty());
+  EXPECT_THAT(heard.failedOnes, IsEmpty());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "engine/common/Fixtures.hpp"
 #include "engine/common/SmallServer.hpp"
 #include "engine/common/TagBuilder.hpp"
+#include "engine/common/ToldByOutput.hpp"
 #include "engine/decoder/MpvOutput.hpp"
 
 namespace engine::testing {
@@ -161,24 +162,9 @@ TEST_F(ADisguisedList, BeforeAStationAsksNothingEither) {
   }
 }
 
-/// What an output tells, as far as it is asked for here.
-class Heard : public OutputEvents {
- public:
-  void started(EntryId entry) override { startedOnes.push_back(entry); }
-  void heightKnown(EntryId /*entry*/, std::int32_t /*height*/) override {}
-  void lengthKnown(EntryId /*entry*/, double /*seconds*/) override {}
-  void titleTold(EntryId /*entry*/, const std::string& /*title*/) override {}
-  void ended(EntryId /*entry*/) override {}
-  void failed(EntryId entry, const std::string& /*reason*/) override { failedOnes.push_back(entry); }
-  void stalled(bool /*value*/) override {}
-
-  std::vector<EntryId> startedOnes;
-  std::vector<EntryId> failedOnes;
-};
-
 TEST_F(ADisguisedList, GainsNothingFromWhatIsAppendedBeforeItIsOpened) {
   neighbour.sends("/radio", Content(good), "audio/flac");
-  Heard heard;
+  ToldByOutput heard;
   MpvOutput output(
       loop, config, [](const std::string&) { return false; }, [](const std::string&) {});
   output.listener(heard);
@@ -196,7 +182,7 @@ TEST_F(ADisguisedList, GainsNothingFromWhatIsAppendedBeforeItIsOpened) {
 TEST_F(ADisguisedList, TakesNothingFromAStationThatStandsBeforeIt) {
   neighbour.sends("/radio", Content(good), "audio/flac");
   neighbour.sends("/list.m3u", "#EXTM3U\n" + (neighbour / "radio") + "\n", "audio/x-mpegurl");
-  Heard heard;
+  ToldByOutput heard;
   MpvOutput output(
       loop, config, [](const std::string&) { return false; }, [](const std::string&) {});
   output.listener(heard);

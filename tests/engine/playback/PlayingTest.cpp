@@ -27,6 +27,10 @@ class Playing : public PlayerTest {
     startWith(2);
     player->currentPlaylist(player->mediaCollection().getByAttribute("Album", "Blue"));
   }
+  /// How many items have come to their end.
+  [[nodiscard]] std::int64_t ended() const {
+    return std::count(told.states.begin(), told.states.end(), player::kMediaEnded);
+  }
 };
 
 TEST_F(Playing, AnAlbumPlaysThroughAllStates) {
@@ -154,7 +158,7 @@ TEST_F(Playing, VeryShortItemsAllHaveTheirTurn) {
   ASSERT_TRUE(untilState(player::kStopped));
   EXPECT_EQ(told.errors, 0);
   EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kPlaying), 30);
-  EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kMediaEnded), 30);
+  EXPECT_EQ(ended(), 30);
 }
 
 TEST_F(Playing, AFolderThatVanishesWhilePlayingIsToldAndTheRestGoesOn) {
@@ -175,7 +179,7 @@ TEST_F(Playing, AFolderThatVanishesWhilePlayingIsToldAndTheRestGoesOn) {
   EXPECT_LE(told.errors, 2);
   ASSERT_EQ(player->Error().errorCount(), told.errors);
   EXPECT_THAT(player->Error().item(0).errorDescription, HasSubstr("3.wav"));
-  EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kMediaEnded), 4 - told.errors);
+  EXPECT_EQ(ended(), 4 - told.errors);
 }
 
 TEST_F(Playing, TimeIsRealWithoutADevice) {
@@ -249,7 +253,6 @@ TEST_F(Playing, APauseWhileTheEndStillSoundsHoldsTheEnd) {
   addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1, 1.0);
   addTrack("2.wav", "Two", "Ann", "Blue", "Jazz", 2, 60.0);
   startWith(2);
-  const auto ended = [&] { return std::count(told.states.begin(), told.states.end(), player::kMediaEnded); };
   for (int tries = 1;; ++tries) {
     player->currentPlaylist(player->mediaCollection().getAll());
     player->controls().play();
@@ -284,11 +287,8 @@ TEST_F(Playing, ShufflingWhileTheEndStillSoundsPlaysOnAndEachOnce) {
   startWith(4);
   player->currentPlaylist(player->mediaCollection().getAll());
   player->controls().play();
-  const auto over = [&] {
-    return std::count(told.states.begin(), told.states.end(), player::kMediaEnded) > 0;
-  };
-  ASSERT_TRUE(until([&] { return over() || player->controls().currentPosition() > 0.5; }));
-  ASSERT_TRUE(until([&] { return over() || player->controls().currentPosition() < 0.5; }));
+  ASSERT_TRUE(until([&] { return ended() > 0 || player->controls().currentPosition() > 0.5; }));
+  ASSERT_TRUE(until([&] { return ended() > 0 || player->controls().currentPosition() < 0.5; }));
   player->settings().setMode("shuffle", true);
   ASSERT_TRUE(untilState(player::kStopped));
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 9, 3, 8, 9, 3, 8, 9, 3, 8, 1));

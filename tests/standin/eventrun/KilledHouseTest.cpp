@@ -66,13 +66,6 @@ std::vector<Evaluation> NewerThan(const Site& site, std::int64_t known) {
   }
 }
 
-/// The newest evaluations, more than a round has.
-std::vector<Evaluation> Newest(const Site& site) {
-  std::vector<Evaluation> newest;
-  for (const auto& each : site.history.page(0, 0, 50).evaluations) newest.push_back(each.evaluation);
-  return newest;
-}
-
 TEST(KilledHouse, DoesNothingTwiceForOneTriggerAndKnowsWhatItHasDone) {
   const support::TempFolder folder;
   const std::filesystem::path effects = folder.path() / "effects";
@@ -102,7 +95,7 @@ TEST(KilledHouse, DoesNothingTwiceForOneTriggerAndKnowsWhatItHasDone) {
     Site site(folder.path());
     site.loop.leap(std::chrono::hours(1));
     EXPECT_EQ(LinesOf(effects), before) << "nothing is done again";
-    const std::vector<Evaluation> newest = Newest(site);
+    const std::vector<Evaluation> newest = NewerThan(site, 0);
     for (const Evaluation& each : newest) EXPECT_NE(each.outcome, Outcome::kRunning);
     // Evaluations are numbered one by one.
     const std::size_t begun = newest.empty() ? 0 : static_cast<std::size_t>(newest.front().id);

@@ -13,6 +13,8 @@ namespace support {
 /// A browser, as far as headers go. Made from a server's process it is the owner's, from a port a stranger's.
 class WebClient {
  public:
+  static constexpr const char* kForm = "application/x-www-form-urlencoded";
+
   explicit WebClient(int port)
       : origin_("http://127.0.0.1:" + std::to_string(port)), client_("127.0.0.1", port) {
     client_.set_read_timeout(60);
@@ -36,6 +38,10 @@ class WebClient {
   /// The status of a post from a page of the server's own; 0 without an answer.
   int post(const std::string& path, const nlohmann::json& body) {
     return postText(path, TextOf(body), "application/json", {{"Origin", origin_}});
+  }
+  /// The same of a form.
+  int postForm(const std::string& path, const std::string& form) {
+    return postText(path, form, kForm, {{"Origin", origin_}});
   }
   int postText(const std::string& path, const std::string& body, const std::string& type,
                httplib::Headers headers) {

@@ -29,7 +29,6 @@ class TheFrontOfTheWeb : public Web {
 
   static constexpr const char* kOrigin = "Origin: http://localhost\r\n";
   static constexpr const char* kJson = "Content-Type: application/json\r\n";
-  static constexpr const char* kForm = "Content-Type: application/x-www-form-urlencoded\r\n";
   static constexpr const char* kThree = "Content-Length: 3\r\n";
 };
 

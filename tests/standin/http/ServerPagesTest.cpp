@@ -31,19 +31,17 @@ TEST_F(Server, PagesOfThePluginAreFramedAndKnowTheirUser) {
   EXPECT_NE(policy.find("form-action 'self'"), std::string::npos);
   EXPECT_EQ(page->get_header_value_count("Content-Security-Policy"), 1U);
 
-  const std::string form = "application/x-www-form-urlencoded";
-  EXPECT_EQ(
-      web.postText("/WMP_PListEdit", "button=Update&wmp_page=Setup_Page", form, {{"Origin", web.origin()}}),
-      200);
+  EXPECT_EQ(web.postForm("/WMP_PListEdit", "button=Update&wmp_page=Setup_Page"), 200);
   EXPECT_NE(web.last.find("<p>put 33:button=Update&wmp_page=Setup_Page</p>"), std::string::npos);
   const std::string large = "a=" + std::string(200000, 'x');
-  EXPECT_EQ(web.postText("/WMP_PListEdit", large, form, {{"Origin", web.origin()}}), 200);
+  EXPECT_EQ(web.postForm("/WMP_PListEdit", large), 200);
   EXPECT_NE(web.last.find("<p>put 200002:"), std::string::npos);
-  EXPECT_EQ(web.postText("/WMP_PListEdit", "a=b", form, {{"Origin", "http://evil.example"}}), 403);
+  EXPECT_EQ(web.postText("/WMP_PListEdit", "a=b", WebClient::kForm, {{"Origin", "http://evil.example"}}),
+            403);
 
   EXPECT_EQ(web.post("/api/login", {{"name", "guest"}}), 200);
   EXPECT_NE(web.get("/WMP_PListEdit")->body.find("for guest</p>"), std::string::npos);
-  EXPECT_EQ(web.postText("/WMP_PListEdit", "a=b", form, {{"Origin", web.origin()}}), 403);
+  EXPECT_EQ(web.postForm("/WMP_PListEdit", "a=b"), 403);
   EXPECT_EQ(web.post("/api/menu", {{"item", "Stop"}}), 403);
   EXPECT_EQ(web.post("/api/plugin", json::object()), 403);
 }
@@ -69,9 +67,7 @@ TEST_F(Server, APostReachesThePluginAsItIs) {
                                         "title=Über&a=<script>",
                                         pairs};
   for (const std::string& body : bodies) {
-    EXPECT_EQ(
-        web.postText("/WMP_PListEdit", body, "application/x-www-form-urlencoded", {{"Origin", web.origin()}}),
-        200);
+    EXPECT_EQ(web.postForm("/WMP_PListEdit", body), 200);
     EXPECT_EQ(heard, body);
   }
 }
@@ -91,9 +87,7 @@ TEST_F(Server, APluginThatFailsOnAPageLeavesAWayBack) {
   EXPECT_NE(page->body.find("href=\"/WMP_PListEdit\""), std::string::npos);
   EXPECT_NE(page->body.find("id=\"nav\""), std::string::npos);
   // An answer without text is a page, an empty one.
-  EXPECT_EQ(
-      web.postText("/WMP_PListEdit", "a=b", "application/x-www-form-urlencoded", {{"Origin", web.origin()}}),
-      200);
+  EXPECT_EQ(web.postForm("/WMP_PListEdit", "a=b"), 200);
   EXPECT_NE(web.last.find("<section class=\"plugin-page\"><script type=\"text/plain\"></script></section>"),
             std::string::npos);
   EXPECT_EQ(web.get("/api/state")->status, 200);

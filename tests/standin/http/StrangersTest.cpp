@@ -24,16 +24,14 @@ TEST(Strangers, WhosePostsAreRefusedAreCountedInTheLog) {
     house.onLoop([&](standin::House& all) { told = RefusalsIn(all); });
     return told;
   };
-  const std::string form = "application/x-www-form-urlencoded";
-  const auto deletes = [&] {
-    return stranger.postText("/WMP_PListEdit", "button=Delete+List", form, {{"Origin", stranger.origin()}});
-  };
+  const auto deletes = [&] { return stranger.postForm("/WMP_PListEdit", "button=Delete+List"); };
   EXPECT_EQ(deletes(), 401);
   EXPECT_TRUE(support::Eventually([&] { return !toldOf().empty(); }));
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(deletes(), 401);
-    EXPECT_EQ(stranger.postText("/WMP_Setup", "a=b", form, {{"Origin", "http://evil.example"}}), 403);
-    EXPECT_EQ(stranger.postText("/WMP_Setup", "a=b", form,
+    EXPECT_EQ(stranger.postText("/WMP_Setup", "a=b", WebClient::kForm, {{"Origin", "http://evil.example"}}),
+              403);
+    EXPECT_EQ(stranger.postText("/WMP_Setup", "a=b", WebClient::kForm,
                                 {{"Origin", "http://evil.example"}, {"Host", "evil.example"}}),
               403);
   }

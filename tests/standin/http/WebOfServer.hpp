@@ -45,6 +45,7 @@ class Web : public ::testing::Test {
                "\r\nConnection: close\r\n\r\n");
   }
 
+  const std::string kForm = std::string("Content-Type: ") + WebClient::kForm + "\r\n";
   support::BusDaemon bus;
   support::TempFolder folder;
   std::filesystem::path data = folder.path() / "data";
