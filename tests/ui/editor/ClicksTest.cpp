@@ -55,6 +55,15 @@ TEST_F(Clicks, ABrowseThatIsCancelledLeavesTheAddressEntrySelected) {
   EXPECT_THAT(window.messages, IsEmpty());
 }
 
+TEST_F(Clicks, ABrowseThatIsCancelledKeepsTheAddressThatWasTyped) {
+  click("URLURL");
+  editLabel(node("URLURL"), "http://station");
+  click("URLBrowse");
+  EXPECT_EQ(tree().selectedItem(), node("URLURL"));
+  EXPECT_EQ(node("URLURL")->text(), "http://station");
+  EXPECT_EQ(node("URLURL")->tag, "http://station");
+}
+
 TEST_F(Clicks, AMissingFileIsMarkedAtTheClick) {
   const support::TempFolder folder;
   const std::string there = folder.path().string() + "/a b.mp3";

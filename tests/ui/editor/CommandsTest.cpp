@@ -48,8 +48,13 @@ TEST_F(Commands, BlanksStayInTheNameAndGoAtTheBoxesEnd) {
 TEST_F(Commands, ANameOfBlanksOrCancelIsNone) {
   makeNew("   ");
   makeNew("");
+  const std::string asked = "window: asks \"New PlayList\": Enter the new PlayList name: []";
   EXPECT_THAT(changes(), IsEmpty());
-  EXPECT_THAT(boxed(), SizeIs(2));
+  EXPECT_THAT(journal.lines(), ElementsAre(asked, asked)) << "nothing but the question";
+  EXPECT_THAT(below("PlayList"), ElementsAre("Autumn", "Winter"));
+  EXPECT_THAT(boxed(), ElementsAre("Autumn", "Winter"));
+  EXPECT_EQ(tree().selectedItem(), node("PlayList"));
+  EXPECT_EQ(state().CurrentNode, node("PlayList"));
 }
 
 TEST_F(Commands, ANameThatStandsInTheTreeIsAFailureOfItsKey) {

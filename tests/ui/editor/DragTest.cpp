@@ -56,6 +56,10 @@ TEST_F(Drag, AnAddressEntryInWhichSomethingWasTypedCanBeDragged) {
   editLabel(node("URLURL"), "http://station");
   EXPECT_TRUE(form().IsCopyable(node("URLURL")));
   EXPECT_FALSE(form().IsCopyable(nullptr));
+  editLabel(node("URLURL"), " ");
+  ASSERT_EQ(node("URLURL")->text(), "Enter URL Here");
+  ASSERT_EQ(node("URLURL")->tag, "http://station");
+  EXPECT_FALSE(form().IsCopyable(node("URLURL"))) << "its text counts, and not its tag";
 }
 
 TEST_F(Drag, ADragBeginsWithTheLeftButtonOverSomething) {

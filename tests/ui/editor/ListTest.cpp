@@ -80,6 +80,20 @@ TEST_F(List, APlaylistWithNoItemsIsAnEmptyList) {
   EXPECT_EQ(buttons(), "");
 }
 
+TEST_F(List, AnEmptyListTurnsOffWhicheverButtonsWereOn) {
+  playlist("Autumn")->members.clear();
+  choose("Winter");
+  click(item(2));
+  ASSERT_EQ(buttons(), "Delete Up Down ");
+  choose("Autumn");
+  EXPECT_THAT(listed(), IsEmpty());
+  EXPECT_EQ(buttons(), "");
+  click("PlayListWinter");
+  ASSERT_EQ(buttons(), "Delete Rename ");
+  choose("Autumn");
+  EXPECT_EQ(buttons(), "");
+}
+
 TEST_F(List, APlaylistThatCanNotBeReadIsAnEmptyListWithoutAWord) {
   const auto kept = item(1);
   click(kept);

@@ -76,6 +76,9 @@ TEST_F(Move, OntoItselfOrBesideTheItemsNothingChanges) {
   EXPECT_THAT(changes(), IsEmpty());
   EXPECT_THAT(listed(), ElementsAre("T1", "T2", "T3", "T4", "T5"));
   EXPECT_EQ(state().CurrentListItem, item(2)) << "not even the selection";
+  EXPECT_EQ(list().selectedItem(), item(2));
+  EXPECT_EQ(buttons(), "Delete Up Down ");
+  EXPECT_THAT(window.messages, IsEmpty());
 }
 
 TEST_F(Move, WithinTheListACopyIsRefused) {
