@@ -1,11 +1,11 @@
 #include "engine/scan/TagPool.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -42,7 +42,42 @@ TagResult ReadRecord(FileRecord record) {
 
 namespace {
 
-std::atomic<int> leftToThemselves{0};  // in the whole process
+/// The threads of the process that were left to themselves, by the disc on which each hangs.
+class Left {
+ public:
+  void add(std::uint64_t disc) {
+    const std::lock_guard lock(mutex_);
+    ++onDisc_[disc];
+    ++all_;
+  }
+  void remove(std::uint64_t disc) {
+    const std::lock_guard lock(mutex_);
+    if (--onDisc_[disc] == 0) onDisc_.erase(disc);
+    --all_;
+  }
+  [[nodiscard]] int all() const {
+    const std::lock_guard lock(mutex_);
+    return all_;
+  }
+  /// The discs of which no further file is tried.
+  [[nodiscard]] std::set<std::uint64_t> full() const {
+    const std::lock_guard lock(mutex_);
+    std::set<std::uint64_t> discs;
+    for (const auto& [disc, count] : onDisc_)
+      if (count >= TagPool::kMostOnADisc) discs.insert(disc);
+    return discs;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::map<std::uint64_t, int> onDisc_;
+  int all_ = 0;
+};
+
+const std::shared_ptr<Left>& TheLeft() {
+  static const auto left = std::make_shared<Left>();
+  return left;
+}
 
 TagResult Slow(FileRecord record) {
   TagResult result;
@@ -57,8 +92,8 @@ TagResult NotTried(FileRecord record, bool told) {
   TagResult result;
   result.outcome = TagResult::Outcome::kUnreadable;
   if (!told)
-    result.complaint = SafeName(record.path) +
-                       ": not read, nor are others of its disc, as too many files there take too long";
+    result.complaint =
+        SafeName(record.path) + ": not read, nor are others of its disc, as too many files take too long";
   result.record = std::move(record);
   return result;
 }
@@ -85,7 +120,8 @@ struct TagPool::Shared {
   void work(Worker& self);
 
   const Settings settings;
-  std::mutex mutex;  ///< guards all of the below, and the workers
+  const std::shared_ptr<Left> left = TheLeft();  ///< a thread may outlive all that is static
+  std::mutex mutex;                              ///< guards all of the below, and the workers
   std::condition_variable jobReady;
   std::condition_variable resultReady;
   std::condition_variable ended;
@@ -123,7 +159,7 @@ void TagPool::begin() {
 void TagPool::giveUp(Worker& worker) {
   worker.left = true;
   worker.thread.detach();
-  ++leftToThemselves;
+  shared_->left->add(worker.disc);
 }
 
 void TagPool::giveUpSlow() {
@@ -134,26 +170,22 @@ void TagPool::giveUpSlow() {
     if (!worker->busy || now - worker->since <= shared.settings.longest) continue;
     giveUp(*worker);
     shared.results.push_back(Slow(std::move(worker->reads)));
-    hanging_.push_back(worker);
     workers_.erase(workers_.begin() + static_cast<std::ptrdiff_t>(i));
   }
   const auto wanted = static_cast<std::size_t>(std::max(1, shared.settings.workers));
-  while (workers_.size() < wanted && leftToThemselves <= kMostLeft) begin();
+  while (workers_.size() < wanted && shared.left->all() <= kMostLeft) begin();
   leaveOut();
 }
 
 void TagPool::leaveOut() {
-  std::erase_if(hanging_, [](const auto& worker) { return worker->ended; });
-  std::map<std::uint64_t, int> hanging;
-  for (const auto& worker : hanging_) ++hanging[worker->disc];
-  std::erase_if(hanging, [](const auto& disc) { return disc.second < kMostOnADisc; });
+  const std::set<std::uint64_t> full = shared_->left->full();
   if (!workers_.empty()) {
-    std::erase_if(told_, [&](std::uint64_t disc) { return !hanging.contains(disc); });
-    if (hanging.empty()) return;
+    std::erase_if(told_, [&](std::uint64_t disc) { return !full.contains(disc); });
+    if (full.empty()) return;
   }
   std::deque<Job>& jobs = shared_->jobs;
   const auto out = std::stable_partition(jobs.begin(), jobs.end(), [&](const Job& job) {
-    return !workers_.empty() && !hanging.contains(job.disc);
+    return !workers_.empty() && !full.contains(job.disc);
   });
   for (auto job = out; job != jobs.end(); ++job) {
     const bool told = !told_.insert(job->disc).second;
@@ -166,6 +198,11 @@ void TagPool::submit(FileRecord record, std::uint64_t disc) {
   ++outstanding_;
   {
     const std::lock_guard lock(shared_->mutex);
+    if (shared_->left->full().contains(disc)) {
+      const bool told = !told_.insert(disc).second;
+      shared_->results.push_back(NotTried(std::move(record), told));
+      return;
+    }
     shared_->jobs.push_back({std::move(record), disc});
   }
   shared_->jobReady.notify_one();
@@ -202,7 +239,7 @@ void TagPool::Shared::work(Worker& self) {
     if (results.size() == 1) resultReady.notify_one();
   }
   self.ended = true;
-  if (self.left) --leftToThemselves;
+  if (self.left) left->remove(self.disc);
   ended.notify_all();
 }
 

@@ -43,7 +43,8 @@ class TagPool {
   };
   /// How many threads may be left to themselves in the process and get a successor.
   static constexpr int kMostLeft = 8;
-  /// How many files of one disc may hang before its others are answered as unreadable for now.
+  /// How many files of one disc may hang, in the whole process, before its others are answered as unreadable
+  /// for now.
   static constexpr int kMostOnADisc = 4;
 
   explicit TagPool(Settings settings);
@@ -74,8 +75,7 @@ class TagPool {
 
   std::shared_ptr<Shared> shared_;  ///< with the threads, of which some may outlive the pool
   std::vector<std::shared_ptr<Worker>> workers_;
-  std::vector<std::shared_ptr<Worker>> hanging_;  ///< those that were given up
-  std::set<std::uint64_t> told_;                  ///< the discs that are left out
+  std::set<std::uint64_t> told_;  ///< the discs that are left out
   std::size_t outstanding_ = 0;
 };
 

@@ -158,6 +158,33 @@ TEST_F(AHangingDisc, LeavesTheFilesOfAnotherToBeRead) {
   EXPECT_EQ(lines, TagPool::kMostOnADisc + 1);
 }
 
+TEST_F(AHangingDisc, IsLeftOutByTheNextLookToo) {
+  {
+    TagPool first(settings(2));
+    for (int i = 0; i < TagPool::kMostOnADisc; ++i)
+      first.submit(file("slow" + std::to_string(i) + ".mp3"), 1);
+    for (int hanging = 2; hanging <= TagPool::kMostOnADisc; hanging += 2) {
+      ASSERT_TRUE(untilHanging(hanging));
+      disc->pass(std::chrono::seconds(21));
+      first.collect(std::chrono::milliseconds(0));
+    }
+  }
+  // One worker, so that what is behind the hanging file waits for it where it is tried.
+  TagPool next(settings(1));
+  next.submit(file("a.mp3"), 2);
+  next.submit(file("slow9.mp3"), 1);
+  next.submit(file("b.mp3"), 2);
+  std::map<std::string, Outcome> outcomes;
+  for (int i = 0; next.outstanding() > 0 && i < 1200; ++i)
+    for (const TagResult& each : next.collect(std::chrono::milliseconds(50)))
+      outcomes.emplace(each.record.path, each.outcome);
+  EXPECT_EQ(outcomes, (std::map<std::string, Outcome>{{"/disc/a.mp3", Outcome::kRead},
+                                                      {"/disc/b.mp3", Outcome::kRead},
+                                                      {"/disc/slow9.mp3", Outcome::kUnreadable}}));
+  const std::lock_guard lock(disc->mutex);
+  EXPECT_EQ(disc->hanging, TagPool::kMostOnADisc);
+}
+
 TEST_F(AHangingDisc, IsReadAgainOnceItAnswers) {
   TagPool pool(settings(2));
   constexpr int kFiles = 40;
