@@ -101,4 +101,17 @@ TEST_F(AMuteWorker, IsDoneWithoutByThePageThatHasIt) {
   EXPECT_TRUE(shows("Lamp"));
 }
 
+TEST_F(AMuteWorker, IsGivenUpOnce) {
+  browser.beforeEachPage(
+      "window.SharedWorker = class { constructor() { window.worker = this; } port = {postMessage() {}}; };"
+      "window.channels = 0; window.BroadcastChannel = class extends window.BroadcastChannel {"
+      "  constructor(name) { super(name); window.channels++; } };"
+      "{ const plain = window.setTimeout;"
+      "window.setTimeout = (work, time, ...rest) => plain(work, time === 10000 ? 50 : time, ...rest); }");
+  open("#devices");
+  ASSERT_TRUE(browser.eventually("return window.channels === 1"));
+  browser.run("window.worker.onerror?.()");
+  EXPECT_EQ(browser.run("return window.channels"), 1);
+}
+
 }  // namespace

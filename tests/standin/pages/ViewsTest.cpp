@@ -267,6 +267,7 @@ TEST_F(Views, AStreamThatWasRefusedIsAskedForUntilTheServerIsThereAgain) {
   open("#devices");
   EXPECT_TRUE(browser.eventually("return window.opened === 1"));
   EXPECT_EQ(browser.run("return window.down"), 0);
+  EXPECT_LE(browser.run("return document.querySelectorAll('.toast.bad').length").get<int>(), 1);
 }
 
 TEST_F(Views, AnEditedScriptIsThereAgainAfterItWasLeft) {

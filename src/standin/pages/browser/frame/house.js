@@ -50,6 +50,7 @@ export class House {
       }
       return false;
     }
+    this.connected = true;  // it has just been reached
     this.#tell('state', before);
     return true;
   }
@@ -57,8 +58,12 @@ export class House {
   listen() {
     // Nobody who is signed out; but a server that can't be reached for a while is asked until it can.
     const again = async () => {
-      if (await this.load()) open();
-      else if (this.state.user) setTimeout(again, kTryAgain);
+      if (await this.load()) {
+        open();
+      } else if (this.state.user) {
+        this.#lost(true);
+        setTimeout(again, kTryAgain);
+      }
     };
     const open = joinStream((message) => {
       if (message.type === 'opened') {

@@ -15,6 +15,7 @@ function joinWorker(hear, otherwise) {
   const leave = () => {
     ended.abort();
     clearTimeout(watch);
+    worker.onerror = null;
     port.onmessage = null;
     port.postMessage('leave');
   };
