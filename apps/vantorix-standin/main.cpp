@@ -178,6 +178,9 @@ int Serve(const Options& options) {
   connection.replyWithin(std::nullopt);  // the plug-in has its own time to end in
   plugin.stop();
   house.log.write("Info", "Vantorix has stopped");
+  // The loop turns no more, and no other thread writes.
+  const files::UnsyncedFolders late(
+      [&](const base::Failure& failure) { house.log.write("Warning", failure.description()); });
   flusher.flushNow();
   return code;
 }

@@ -184,8 +184,8 @@ void MakeFolder(const std::string& folder, mode_t mode) {
 }
 
 void RemoveFile(const std::string& path) {
-  if (::unlink(path.c_str()) != 0 && errno != ENOENT) FailOn(path, errno);
-  SyncFolder(FolderOf(path));
+  if (::unlink(path.c_str()) == 0) return SyncFolder(FolderOf(path));
+  if (errno != ENOENT) FailOn(path, errno);
 }
 
 void ClearLeftovers(const std::string& folder) {

@@ -53,6 +53,14 @@ TEST(FolderSync, AFileSystemThatDoesNotKnowItIsNoFault) {
   for (const int error : {EINVAL, ENOTSUP, EACCES}) EXPECT_THAT(ToldAt(error), ::testing::IsEmpty()) << error;
 }
 
+TEST(FolderSync, WhatWasNotThereIsNotTold) {
+  const support::TempFolder root;
+  int told = 0;
+  const UnsyncedFolders watch([&](const base::Failure&) { ++told; });
+  RemoveFile((root.path() / "nowhere/file").string());
+  EXPECT_EQ(told, 0);
+}
+
 TEST(FolderSync, NobodyIsToldWhoNoLongerWatches) {
   const support::TempFolder root;
   int told = 0;
