@@ -71,12 +71,18 @@ Event& EventStore::need(std::int32_t id) {
   return found->second;
 }
 
+void EventStore::checkRoomFor(const Event& event) const {
+  CheckRoom("events", events_.size(), kMost);
+  BytesWith(kTexts, bytes_, 0, SizeOf(event), kMostBytes);
+  if (!event.devices.empty())
+    CheckRoom("devices in all events", deviceCount_ + event.devices.size() - 1, kMostDevicesInAll);
+}
+
 const Event& EventStore::create(const std::string& name) {
   CheckLength("The name of an event", name);
-  CheckRoom("events", events_.size(), kMost);
-  BytesWith(kTexts, bytes_, 0, name.size(), kMostBytes);
   Event event;
   event.name = name;
+  checkRoomFor(event);
   event.id = InsertEvent(database_, event);
   return take(std::move(event));
 }

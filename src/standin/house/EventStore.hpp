@@ -57,6 +57,8 @@ class EventStore {
   /// Throws 6 beyond `kMost` and for a text that is too long, or makes them all too long, as do the others;
   /// nothing is changed then.
   const Event& create(const std::string& name);
+  /// Throws 6 where there is none for one more like it, whoever writes its rows.
+  void checkRoomFor(const Event& event) const;
   void put(std::int32_t id, std::string Event::*field, const std::string& value);
   void put(std::int32_t id, std::int32_t Event::*field, std::int32_t value);
   void putAbsTime(std::int32_t id, std::int16_t value);

@@ -68,6 +68,7 @@ std::int32_t RuleStore::insert(const WholeEvent& whole) {
   event.id = whole.rule.id;
   event.name = whole.rule.name;
   event.group = whole.rule.group;
+  house_.events.checkRoomFor(event);
   const std::int32_t id = InsertEvent(house_.database, event);
   database::Statement(house_.database,
                       "INSERT INTO event_rule (event, version, active, rule) VALUES (?, ?, ?, ?)")

@@ -245,6 +245,23 @@ TEST_F(Rules, ADeletionIsNotUndoneWhileAnotherEventHasTheName) {
   EXPECT_EQ(rules->byId(made.id)->name, "Good night");
 }
 
+TEST_F(Rules, ADeletionIsNotUndoneWhereThereIsNoRoomForIt) {
+  const std::string pattern(EventStore::kLongestPattern, 'x');
+  const RuledEvent made = make("Good night");
+  house->events.put(made.id, &Event::vcmd, pattern);
+  rules->remove(made.id, 1);
+  std::int32_t other = 0;
+  for (std::size_t i = 1; i < EventStore::kMostBytes / pattern.size(); ++i) {
+    other = house->events.create("Event " + std::to_string(i)).id;
+    house->events.put(other, &Event::vcmd, pattern);
+  }
+  EXPECT_EQ(failureOf([&] { rules->undo(); }), base::number::kOverflow);
+  EXPECT_EQ(house->events.byId(made.id), nullptr);
+  house->events.put(other, &Event::vcmd, "short");
+  rules->undo();
+  EXPECT_EQ(house->events.byId(made.id)->vcmd, pattern);
+}
+
 TEST_F(Rules, AStepThatStandsInTheWayCanBeSkipped) {
   make("One");
   const RuledEvent two = make("Two");
