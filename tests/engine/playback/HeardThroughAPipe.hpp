@@ -19,12 +19,13 @@ namespace engine::testing {
 
 /// Hears what is written to a pipe: slower than it sounds, so that a short track lasts as long as it does for
 /// a listener; as fast as it comes as far as `upTo` has told, and all of it after `flow`. It never stands
-/// still, as the decoder answers nothing while it can't write.
+/// still, as the decoder answers nothing while it can't write; nor does it leave before `flow`, as a decoder
+/// that closes the pipe and opens it again would wait for it for ever.
 class HeardThroughAPipe {
  public:
   /// `pace`: bytes in 40 milliseconds at most.
   HeardThroughAPipe(const std::filesystem::path& pipe, const std::filesystem::path& file,
-                    std::size_t pace = 4096) {
+                    std::size_t pace = 2048) {
     EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     // Small before anybody writes: a pipe as it comes holds more than the first track.
     const int end = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -33,7 +34,7 @@ class HeardThroughAPipe {
     reader_ = std::thread([this, end, file, pace] { hear(end, file, pace); });
   }
   ~HeardThroughAPipe() {
-    if (!flowing_) flow();
+    flow();
     if (reader_.joinable()) reader_.join();
   }
   HeardThroughAPipe(const HeardThroughAPipe&) = delete;
@@ -41,10 +42,7 @@ class HeardThroughAPipe {
   HeardThroughAPipe(HeardThroughAPipe&&) = delete;
   HeardThroughAPipe& operator=(HeardThroughAPipe&&) = delete;
 
-  void flow() {
-    flowing_ = true;
-    upTo(std::numeric_limits<double>::max());
-  }
+  void flow() { upTo(kAll); }
   /// That many seconds of the whole may be heard at once.
   void upTo(double seconds) {
     {
@@ -62,6 +60,7 @@ class HeardThroughAPipe {
   [[nodiscard]] Time last() const { return last_; }
 
  private:
+  static constexpr double kAll = std::numeric_limits<double>::max();
   static constexpr ssize_t kHead = 200;     // of the file, which comes before there is any sound
   static constexpr std::size_t kRate = 28;  // where the head tells the bytes a second
 
@@ -71,7 +70,15 @@ class HeardThroughAPipe {
     std::uint32_t rate = 0;
     pollfd written{end, POLLIN, 0};
     poll(&written, 1, 240'000);  // until there is a writer
-    for (ssize_t count = 0; (count = read(end, bytes.data(), bytes.size())) > 0;) {
+    while (true) {
+      const ssize_t count = read(end, bytes.data(), bytes.size());
+      if (count < 0) break;
+      if (count == 0) {  // nobody writes
+        std::unique_lock lock(mutex_);
+        if (allowed_ == kAll) break;
+        more_.wait_for(lock, std::chrono::milliseconds(40));
+        continue;
+      }
       heard.write(bytes.data(), count);
       if (total_ == 0 && static_cast<std::size_t>(count) >= kRate + sizeof rate)
         std::memcpy(&rate, bytes.data() + kRate, sizeof rate);
@@ -90,7 +97,6 @@ class HeardThroughAPipe {
   ssize_t total_ = 0;   // the reader's own, until it ends
   Time first_;
   Time last_;
-  bool flowing_ = false;
   std::thread reader_;
 };
 
