@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,6 +30,8 @@ struct Config {
   std::string metadataAddress;
   std::string coverAddress;
   int tagWorkers = 2;
+  /// Bytes that the player may hold more while it plays a title than it did before.
+  std::size_t titleMemory = std::size_t{1} << 30U;
   /// The most that is granted: "none", "read" or "full".
   std::string mediaAccessRights = "full";
   std::optional<std::uint32_t> shuffleSeed;  ///< for an order that repeats, in tests

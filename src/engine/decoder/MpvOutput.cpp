@@ -35,6 +35,7 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
       shown_(std::move(shown)),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
+      watch_(loop, config.titleMemory, [this] { tooLarge(); }),
       post_(loop) {
   CheckRoomForDecoder();
 }
@@ -91,6 +92,7 @@ void MpvOutput::forget() {
   dropped_.clear();
   held_ = startedMeanwhile_ = 0;
   heardTimer_->enabled(false);
+  watch_.end();
   position_ = duration_ = 0;
 }
 
@@ -212,7 +214,10 @@ void MpvOutput::handle(const mpv_event& event) {
       break;
     case MPV_EVENT_PLAYBACK_RESTART: audible(); break;
     case MPV_EVENT_END_FILE: fileEnded(*static_cast<const mpv_event_end_file*>(event.data)); break;
-    case MPV_EVENT_IDLE: tellHeld(); break;
+    case MPV_EVENT_IDLE:
+      watch_.end();
+      tellHeld();
+      break;
     case MPV_EVENT_PROPERTY_CHANGE: propertyTold(*static_cast<const mpv_event_property*>(event.data)); break;
     case MPV_EVENT_GET_PROPERTY_REPLY:
       if (event.reply_userdata == kHeardSince) heardTold(event);
@@ -226,6 +231,7 @@ void MpvOutput::handle(const mpv_event& event) {
 void MpvOutput::fileStarted(FileId file) {
   playing_ = file;
   opening_ = true;
+  watch_.begin();
   tracksKnown_ = audibleFirst_ = false;
   height_ = 0;
   duration_ = 0;
@@ -336,6 +342,14 @@ void MpvOutput::tellHeld() {
   const EntryId started = std::exchange(startedMeanwhile_, 0);
   if (ended != 0) events_->ended(ended);
   if (started != 0 && entries_.contains(started)) tellStarted(started);
+}
+
+void MpvOutput::tooLarge() {
+  const EntryId entry = entryOf(playing_);
+  if (held_ != 0) tellHeld();
+  if (!entries_.contains(entry)) return;  // whoever was told has chosen something else
+  stop();
+  events_->failed(entry, "it takes more memory than a title may");
 }
 
 void MpvOutput::fileEnded(const mpv_event_end_file& end) {

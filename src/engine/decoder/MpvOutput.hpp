@@ -13,6 +13,7 @@
 #include "engine/decoder/DecoderAddress.hpp"
 #include "engine/decoder/DecoderFiles.hpp"
 #include "engine/decoder/Leveller.hpp"
+#include "engine/decoder/MemoryWatch.hpp"
 #include "engine/decoder/MpvHandle.hpp"
 #include "engine/decoder/Output.hpp"
 #include "engine/decoder/PictureRenderer.hpp"
@@ -87,6 +88,8 @@ class MpvOutput : public Output {
   void tellStarted(EntryId entry);
   [[nodiscard]] EntryId entryOf(FileId file) const;
   void forget();
+  /// What is opened fills the memory: it can't be played, or not to its end.
+  void tooLarge();
   void addFile(EntryId entry, const std::string& location, const char* how);
 
   base::Loop& loop_;
@@ -101,6 +104,7 @@ class MpvOutput : public Output {
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;
   std::unique_ptr<base::Timer> heardTimer_;
+  MemoryWatch watch_;
   std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
   std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
   std::set<EntryId> stations_;              ///< those of them that may lead on to other addresses

@@ -41,6 +41,16 @@ class SmallServer {
       answer.headers.emplace("Location", place);
     });
   }
+  /// The head, and then the same lines for as long as anybody takes them.
+  void sendsForEver(const std::string& path, const std::string& head, const std::string& lines,
+                    const std::string& type) {
+    server_.Get(path, [=](const httplib::Request&, httplib::Response& answer) {
+      answer.set_content_provider(type, [=](std::size_t offset, httplib::DataSink& sink) {
+        const std::string& part = offset == 0 ? head : lines;
+        return sink.write(part.data(), part.size());
+      });
+    });
+  }
   [[nodiscard]] std::string port() const { return std::to_string(port_); }
   /// The address of what lies there.
   [[nodiscard]] std::string operator/(const std::string& path) const {

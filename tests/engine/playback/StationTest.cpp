@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "engine/common/Fixtures.hpp"
+#include "engine/common/SmallServer.hpp"
 
 namespace engine::testing {
 namespace {
@@ -153,6 +154,29 @@ TEST_F(Stations, WhatIsPlayedNextHasNoneOfIt) {
   ASSERT_TRUE(untilState(player::kStopped));
   EXPECT_EQ(player->currentMedia()->getItemInfo("StreamTitle"), "");
   station.end();
+}
+
+using ListsOfStations = PlayerTest;
+
+TEST_F(ListsOfStations, OneThatNeverEndsIsGivenUpBeforeItFillsTheMemory) {
+  std::string lines;
+  for (int i = 0; i < 5000; ++i) lines += "#EXTINF:1,\na.ts\n";
+  SmallServer server;
+  server.sendsForEver("/list.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n", lines,
+                      "application/vnd.apple.mpegurl");
+  config.titleMemory = std::size_t{64} << 20U;
+  start();
+  player->URL(server / "list.m3u8");
+  player->controls().play();
+  ASSERT_TRUE(until([&] { return told.errors > 0; }));
+  EXPECT_THAT(player->Error().item(0).errorDescription,
+              ::testing::HasSubstr("list.m3u8: it takes more memory than a title may"));
+  ASSERT_TRUE(untilState(player::kStopped));
+  // The player goes on.
+  player->URL(addTrack("1.wav", "One", "Ann", "Blue", "Jazz", 1));
+  player->controls().play();
+  ASSERT_TRUE(until([&] { return told.states.back() == player::kMediaEnded || told.states.size() > 4; }));
+  EXPECT_EQ(told.errors, 1);
 }
 
 }  // namespace
