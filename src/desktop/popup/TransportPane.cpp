@@ -18,7 +18,7 @@ namespace {
 
 using Sign = BarButton::Sign;
 
-/// A slider that goes where it is clicked.
+/// A slider that goes where it is clicked, and follows until it is let go.
 class Slider : public QSlider {
  public:
   Slider(const QString& name, int last) : QSlider(Qt::Horizontal) {
@@ -30,13 +30,33 @@ class Slider : public QSlider {
 
  protected:
   void mousePressEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::LeftButton) {
-      // Held before it is moved there, so that the place is told once, when it is let go.
-      setSliderDown(true);
-      setSliderPosition(QStyle::sliderValueFromPosition(minimum(), maximum(),
-                                                        static_cast<int>(event->position().x()), width()));
-    }
-    QSlider::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton) return QSlider::mousePressEvent(event);
+    event->accept();
+    // Held before it is moved there, so that the place is told once, when it is let go.
+    setSliderDown(true);
+    follow(*event);
+  }
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if (!isSliderDown()) return QSlider::mouseMoveEvent(event);
+    event->accept();
+    follow(*event);
+  }
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (event->button() != Qt::LeftButton) return QSlider::mouseReleaseEvent(event);
+    event->accept();
+    setSliderDown(false);
+  }
+  // Nobody lets it go any more.
+  void hideEvent(QHideEvent* event) override {
+    const QSignalBlocker quiet(this);
+    setSliderDown(false);
+    QSlider::hideEvent(event);
+  }
+
+ private:
+  void follow(const QMouseEvent& event) {
+    setSliderPosition(QStyle::sliderValueFromPosition(minimum(), maximum(),
+                                                      static_cast<int>(event.position().x()), width()));
   }
 };
 
@@ -131,7 +151,10 @@ void TransportPane::show(const ui::TransportShown& shown) {
   next_->setEnabled(shown.canNext);
   mute_->become(shown.mute ? Sign::kMuted : Sign::kSound, shown.mute ? "Unmute" : "Mute");
   volume_->setValue(shown.volume);
-  wholeTitle_ = ShownText(shown.title);
+  const QString title = ShownText(shown.title);
+  // A place that was being chosen in one title is none in the next.
+  if (title != wholeTitle_) position_->setSliderDown(false);
+  wholeTitle_ = title;
   showTitle();
   duration_ = Whole(shown.duration);
   if (position_->isSliderDown()) return;
@@ -149,7 +172,8 @@ void TransportPane::showTime(int seconds) {
 void TransportPane::showTitle() {
   title_->setText(title_->fontMetrics().elidedText(wholeTitle_, Qt::ElideRight, title_->width()));
   title_->setAccessibleName(wholeTitle_);
-  title_->setToolTip(wholeTitle_.toHtmlEscaped());
+  // Only with a mark in it the escaped text is read as one with marks.
+  title_->setToolTip(wholeTitle_.isEmpty() ? QString() : "<span>" + wholeTitle_.toHtmlEscaped() + "</span>");
 }
 
 void TransportPane::resizeEvent(QResizeEvent* event) {

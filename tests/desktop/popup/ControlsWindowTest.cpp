@@ -2,6 +2,7 @@
 #include "desktop/popup/ControlsWindow.hpp"
 
 #include <QtCore/QBuffer>
+#include <QtGui/QTextDocument>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QSlider>
@@ -148,6 +149,78 @@ TEST_F(ControlsWindow, AClickIntoTheTitleSeeksThere) {
   EXPECT_THAT(journal.with("seek"), SizeIs(1)) << "and nothing comes behind it";
 }
 
+TEST_F(ControlsWindow, AClickAnywhereIntoAShortTitleSeeks) {
+  show();
+  ui::TransportShown shown = playing();
+  shown.duration = 10;
+  shown.position = 3;
+  view->transport(shown);
+  auto* slider = named<QSlider>("Position");
+  ASSERT_NE(slider, nullptr);
+  for (const QPoint& at :
+       {QPoint(15, 7), QPoint(slider->width() - 14, 7), QPoint(40, slider->height() - 1)}) {
+    journal.clear();
+    clickAt(slider->mapToGlobal(at));
+    EXPECT_TRUE(until([&] { return !journal.with("seek").empty(); })) << at.x();
+    // Whoever heard of the next click had heard of the whole first one.
+    clickAt(middleOf(*named<QAbstractButton>("Stop")));
+    ASSERT_TRUE(reported("stop"));
+    EXPECT_THAT(journal.with("seek"), SizeIs(1)) << at.x();
+    EXPECT_FALSE(slider->isSliderDown()) << at.x();
+  }
+}
+
+TEST_F(ControlsWindow, ASliderThatIsDraggedIsToldWhereItIsLetGo) {
+  show();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Position");
+  const auto at = [&](int part) {
+    return slider->mapToGlobal(QPoint(slider->width() * part / 4, slider->height() / 2));
+  };
+  const auto go = [&](QPoint to, const std::string& then) {
+    tool({"mousemove", std::to_string(to.x()), std::to_string(to.y()), then, "1"});
+  };
+  go(at(1), "mousedown");
+  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  tool({"mousemove", std::to_string(at(2).x()), std::to_string(at(2).y())});
+  EXPECT_TRUE(until([&] { return std::abs(slider->value() - 100) < 8; }));
+  EXPECT_THAT(journal.with("seek"), IsEmpty());
+  go(at(3), "mouseup");
+  ASSERT_TRUE(until([&] { return !journal.with("seek").empty(); }));
+  EXPECT_NEAR(std::stoi(journal.with("seek").front().substr(5)), 150, 8);
+}
+
+TEST_F(ControlsWindow, ASliderThatIsHeldWhenItsTitleEndsSeeksNowhereInTheNext) {
+  show();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Position");
+  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
+  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
+  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  ui::TransportShown next = playing();
+  next.title = "Dusk";
+  next.position = 1;
+  view->transport(next);
+  EXPECT_EQ(slider->value(), 1) << "it follows the next one";
+  tool({"mouseup", "1"});
+  clickAt(middleOf(*named<QAbstractButton>("Stop")));
+  ASSERT_TRUE(reported("stop"));
+  EXPECT_THAT(journal.with("seek"), IsEmpty());
+}
+
+TEST_F(ControlsWindow, ASliderThatIsHeldWhenTheWindowGoesIsHeldNoMore) {
+  show();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Position");
+  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
+  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
+  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  view->hide();
+  EXPECT_FALSE(slider->isSliderDown());
+  EXPECT_THAT(journal.with("seek"), IsEmpty());
+  tool({"mouseup", "1"});
+}
+
 TEST_F(ControlsWindow, WhatHasNoEndCantBeSoughtIn) {
   show();
   ui::TransportShown station = playing();
@@ -184,6 +257,22 @@ TEST_F(ControlsWindow, TimesAndTitlesAreShownAsTheyAre) {
   EXPECT_EQ(pane().findChild<QLabel*>("Title")->accessibleName(), QString(300, 'x') + QChar(0x2026));
   EXPECT_EQ(pane().width(), 251);
   EXPECT_EQ(pane().findChild<QLabel*>("Time")->text(), "");
+}
+
+TEST_F(ControlsWindow, TheTitlesTipSaysTheTitleLetterForLetter) {
+  show();
+  ui::TransportShown shown = playing();
+  for (const char* title : {"Salt & Pepper", "<b>Salt</b> &amp; Pepper", "a < b", "Dawn"}) {
+    shown.title = title;
+    view->transport(shown);
+    const QString tip = pane().findChild<QLabel*>("Title")->toolTip();
+    ASSERT_TRUE(Qt::mightBeRichText(tip)) << title;
+    QTextDocument read;
+    read.setHtml(tip);
+    EXPECT_EQ(read.toPlainText().toStdString(), title);
+  }
+  view->transport({});
+  EXPECT_EQ(pane().findChild<QLabel*>("Title")->toolTip(), "");
 }
 
 TEST_F(ControlsWindow, ClosingItIsAskedFirst) {
