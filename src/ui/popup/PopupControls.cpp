@@ -27,8 +27,10 @@ void PopupControls::Visibility_Timer() {
   base::Handled(
       [&] {
         const std::string code = in_.host.GetDeviceCode(plugin::DeviceName("Display Controls"));
-        const bool done = in_.state.DisplayControlsShown ? appear(code) : disappear(code);
-        if (done) Visibility_->enabled(false);
+        const bool wanted = in_.state.DisplayControlsShown;
+        const bool done = wanted ? appear(code) : disappear(code);
+        // While the host was told, somebody may have wanted the other.
+        if (done && in_.state.DisplayControlsShown == wanted) Visibility_->enabled(false);
       },
       [&](const base::Failure& failure) {
         // A modal window is open somewhere: the next second is another try.

@@ -137,6 +137,19 @@ TEST_F(Visibility, WhatIsWantedWhenTheTimeComesCounts) {
   EXPECT_FALSE(journal.has("window: hide"));
 }
 
+TEST_F(Visibility, WhatIsWantedWhileTheHouseIsToldComesASecondLater) {
+  host->answers["SetDeviceString"] = [this, first = true](base::Args& /*args*/) mutable {
+    if (std::exchange(first, false)) want(false);
+    return base::Value();
+  };
+  second();
+  EXPECT_TRUE(window.isVisible);
+  second();
+  EXPECT_FALSE(window.isVisible);
+  EXPECT_TRUE(journal.has(device("Hide")));
+  EXPECT_FALSE(plugin.popupControls.Visibility().enabled());
+}
+
 TEST_F(Visibility, AWindowThatIsNotToStayOnTopIsPutBesideTheOthers) {
   plugin.calls.SetAlwaysOnTop(false);
   second();
