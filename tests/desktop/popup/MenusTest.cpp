@@ -188,6 +188,23 @@ TEST_F(PopupMenu, TitlesOfAWindowThatWasPutAwayMeanwhileStayClosed) {
   EXPECT_EQ(openList(), nullptr);
 }
 
+TEST_F(PopupMenu, AListGoesWithTheWindowThatIsHiddenFromElsewhere) {
+  names("Album", 3);
+  showActive();
+  openAlbums();
+  view->hide();
+  EXPECT_TRUE(until([] { return openList() == nullptr; }));
+  EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(PopupMenu, AMenuGoesWithTheWindowToo) {
+  showActive();
+  tool({"key", "alt+s"});
+  ASSERT_TRUE(until([&] { return seen(menu("&Settings")); }));
+  view->hide();
+  EXPECT_TRUE(until([] { return QApplication::activePopupWidget() == nullptr; }));
+}
+
 TEST_F(PopupMenu, ANameMadeAnewMeanwhileIsNotChosen) {
   names("Album", 3);
   showActive();

@@ -123,6 +123,16 @@ TEST_F(ManagedWholePopup, AVideoShowsControlsThatAreHiddenInTheTaskBar) {
   EXPECT_TRUE(until([&] { return exposed(pane()) && !pane().isMinimized(); }));
 }
 
+TEST_F(ManagedWholePopup, AListGoesWithTheWindowThatGoesToTheTaskBar) {
+  iconShown = false;
+  house->name("Album", 1, "Blue");
+  openNames("Album");
+  ASSERT_TRUE(until([] { return listSeen(); }));
+  house->calls().SetDisplayControls(false);
+  house->second();
+  EXPECT_TRUE(until([] { return openList() == nullptr; }));
+}
+
 TEST_F(ManagedWholePopup, ItsFramesMinimiseButtonHidesIt) {
   tool({"windowminimize", std::to_string(view->handle())});
   ASSERT_TRUE(until([&] { return !house->shown(); }));
