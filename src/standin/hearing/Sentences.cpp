@@ -36,19 +36,29 @@ std::string Sentences::labelOf(const std::string& category, const std::string& c
 void Sentences::settle(std::vector<Said>& said) const {
   std::erase_if(said, [this](const Said& each) { return devicesOf(each.event).empty(); });
   for (Said& each : said) each.command = CommandFor(categoryOf(devicesOf(each.event)), each);
+  // What another event says in the same words is told apart by its category.
+  const std::vector<Said> worded = said;
+  for (Said& each : said) {
+    const bool shared = std::any_of(worded.begin(), worded.end(), [&](const Said& other) {
+      return other.event != each.event && other.command == each.command;
+    });
+    if (shared && !categoryOf(devicesOf(each.event)).empty()) each.command = each.whole;
+  }
 }
 
 std::vector<Sentences::Choice> Sentences::choicesOf(const std::vector<Said>& said) const {
   std::vector<Choice> choices;
   for (const Said& each : said) {
-    const bool doubtful = std::any_of(said.begin(), said.end(), [&](const Said& other) {
+    const std::string category = categoryOf(devicesOf(each.event));
+    // Of other words than a category, such as "No", the one that was left out makes another command.
+    const bool doubtful = !category.empty() && std::any_of(said.begin(), said.end(), [&](const Said& other) {
       return other.command == each.command && other.whole != each.whole;
     });
     const std::string& words = doubtful ? each.whole : each.command;
     if (std::any_of(choices.begin(), choices.end(),
                     [&](const Choice& known) { return known.command == words; }))
       continue;
-    choices.push_back({words, labelOf(categoryOf(devicesOf(each.event)), words)});
+    choices.push_back({words, labelOf(category, words)});
   }
   // Names that are the same to the eye are told apart by their keys.
   std::vector<bool> twins;

@@ -75,6 +75,35 @@ TEST_F(QuickCommands, ANameAndTheSameBehindTheCategoryAreToldApart) {
   EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Blue");
 }
 
+TEST_F(QuickCommands, ACommandAndANameOfTheSameWordsAreToldApartByTheCategory) {
+  hears(quick("Status", "1"), "(Play|Player) [No] (Loop|Mute)");
+  hears(album, "Play [Album] (Loop|Blue)");
+  EXPECT_EQ(say("play loop").says, "Did you mean “Play Loop” or “Play Album Loop”?");
+  EXPECT_EQ(say("first").says, "Loop on");
+  EXPECT_EQ(last(), "SetIO Status Q 1 13 0 0 0 after Play Loop");
+  say("play loop");
+  EXPECT_EQ(say("second").says, "Playing Loop");
+  EXPECT_EQ(last(), "SetIO Quick Album Q 12 13 0 0 0 after Play Album Loop");
+  EXPECT_EQ(say("player loop").says, "Loop on");
+  EXPECT_EQ(say("play blue").command, "Play Blue") << "which nobody else says";
+}
+
+TEST_F(QuickCommands, ANameOfTwoCategoriesIsAskedForByThem) {
+  hears(album, "Play [Album] (Blue|Green)");
+  hears(artist, "Play [Artist] (Blue|Red)");
+  EXPECT_EQ(say("play blue").says, "Did you mean “Play Album Blue” or “Play Artist Blue”?");
+  say("second");
+  EXPECT_EQ(last(), "SetIO Quick Artist Q 13 13 0 0 0 after Play Artist Blue");
+}
+
+TEST_F(QuickCommands, WhatTwoEventsSayInTheSameWordsIsForBoth) {
+  hears(quick("Lamp", "1"), "Light [very] low");
+  hears(quick("Blind", "2"), "Light low");
+  EXPECT_EQ(say("light low").kind, Kind::kDone);
+  EXPECT_EQ(last(), "SetIO Blind Q 2 13 0 0 0 after Light low");
+  EXPECT_EQ(plugin.calls().at(plugin.calls().size() - 2), "SetIO Lamp Q 1 13 0 0 0 after Light low");
+}
+
 TEST_F(QuickCommands, WithoutANameNothingIsDone) {
   const std::size_t before = plugin.calls().size();
   hears(album, "Play Album )");
