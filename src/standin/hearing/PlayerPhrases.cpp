@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/Text.hpp"
+#include "standin/grammar/Grammar.hpp"
 
 namespace standin {
 namespace {
@@ -31,6 +32,9 @@ constexpr std::array kPlayerPhrases{
     PlayerPhrase{"add to playlist", "Adding it to the playlist", true},
 };
 
+constexpr std::array kNamesFollow{"play album ", "play artist ", "play genre ", "play playlist ",
+                                  "play play list "};
+
 }  // namespace
 
 std::vector<std::string> PlayerPhrases() {
@@ -46,6 +50,12 @@ const PlayerPhrase* PlayerPhraseIn(std::string_view text) {
       std::find_if(kPlayerPhrases.begin(), kPlayerPhrases.end(),
                    [&](const PlayerPhrase& each) { return spoken.find(each.phrase) != std::string::npos; });
   return found == kPlayerPhrases.end() ? nullptr : found;
+}
+
+bool AsksForName(std::string_view text) {
+  const std::string words = SaidWords(text);
+  return std::any_of(kNamesFollow.begin(), kNamesFollow.end(),
+                     [&](const char* each) { return words.starts_with(each); });
 }
 
 }  // namespace standin

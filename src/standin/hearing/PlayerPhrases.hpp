@@ -16,5 +16,8 @@ struct PlayerPhrase {
 std::vector<std::string> PlayerPhrases();
 /// The first phrase that stands in the text, without regard to case; null where none does.
 const PlayerPhrase* PlayerPhraseIn(std::string_view text);
+/// Whether the text names a category of the library and something in it, as "play album stop" does: no phrase
+/// in it is meant for the player.
+bool AsksForName(std::string_view text);
 
 }  // namespace standin

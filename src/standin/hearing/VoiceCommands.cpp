@@ -264,7 +264,7 @@ VoiceCommands::Order VoiceCommands::orderFor(const std::string& text, bool spoke
     sentences_.settle(near);
     if (std::vector<Choice> choices = sentences_.choicesOf(near); !choices.empty()) {
       Ask(order.understanding, std::move(choices));
-    } else if (!spoken && status != nullptr && PlayerPhraseIn(text) != nullptr) {
+    } else if (!spoken && status != nullptr && PlayerPhraseIn(text) != nullptr && !AsksForName(text)) {
       order.refs = {status->ref};
       order.understanding.kind = Kind::kDone;
       order.understanding.command = text;

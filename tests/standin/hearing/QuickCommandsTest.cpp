@@ -104,6 +104,19 @@ TEST_F(QuickCommands, WhatTwoEventsSayInTheSameWordsIsForBoth) {
   EXPECT_EQ(plugin.calls().at(plugin.calls().size() - 2), "SetIO Lamp Q 1 13 0 0 0 after Light low");
 }
 
+TEST_F(QuickCommands, ANameThatIsUnknownDoesNothingElse) {
+  quick("Status", "1");
+  hears(album, "Play [Album] (Blue)");
+  const std::size_t before = plugin.calls().size();
+  for (const char* unknown : {"play album stop making sense", "Play Artist Mute", "play genre pause.",
+                              "play playlist volume up", "play play list next", "PLAY  album, restart"}) {
+    EXPECT_EQ(say(unknown).kind, Kind::kUnknown) << unknown;
+    EXPECT_EQ(plugin.calls().size(), before) << unknown;
+  }
+  EXPECT_EQ(say("mute the music").says, "Sound off");
+  EXPECT_EQ(last(), "SetIO Status Q 1 13 0 0 0 after mute the music");
+}
+
 TEST_F(QuickCommands, WithoutANameNothingIsDone) {
   const std::size_t before = plugin.calls().size();
   hears(album, "Play Album )");
