@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -139,9 +140,19 @@ WebAnswer AnswerOf(const Understanding& understanding) {
 }
 
 WebAnswer StateOf(const House& house, VoiceCommands& voice, bool owner) {
+  const auto hears = [](const EventDevice& each) { return each.func == kFuncVoice; };
+  const auto nothing = std::make_shared<const Pattern>(std::string_view());
   json events = json::array();
-  for (const HouseGrammar::Entry& entry : voice.grammar().entries())
-    events.push_back(JsonOf(house, voice.grammar(), entry));
+  const std::vector<HouseGrammar::Entry>& entries = voice.grammar().entries();
+  auto next = entries.begin();
+  for (const auto& [id, event] : house.events.all()) {
+    if (next != entries.end() && next->event == id) {
+      events.push_back(JsonOf(house, voice.grammar(), *next++));
+    } else if (std::any_of(event.devices.begin(), event.devices.end(), hears)) {
+      // Nothing can be said to it yet, or any more: its pattern can be written.
+      events.push_back(JsonOf(house, voice.grammar(), {id, nothing}));
+    }
+  }
   return Told({{"recogniser", JsonOf(voice.hearing(), owner)},
                {"events", std::move(events)},
                {"listen",

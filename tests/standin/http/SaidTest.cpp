@@ -96,6 +96,20 @@ TEST_F(SaidToServer, TellsWhatCanBeSaidAndLetsTheOwnerChangeIt) {
   EXPECT_EQ(web.post("/api/voice/pattern", {{"event", 999}, {"pattern", "x"}}), 404);
 }
 
+TEST_F(SaidToServer, AnEventWhosePatternWasClearedStaysAndIsGivenAnother) {
+  pattern("");
+  const json events = support::JsonOf(web.get("/api/voice")->body).at("events");
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(events[0].at("name"), "Album VR");
+  EXPECT_EQ(events[0].at("pattern"), "");
+  EXPECT_EQ(events[0].at("tree"), json::array());
+  EXPECT_EQ(events[0].at("faults"), json::array());
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play red"}}), 404);
+  pattern("Play Red");
+  EXPECT_EQ(web.post("/api/voice", {{"text", "play red"}}), 200);
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 13 0 0 0 after Play Red");
+}
+
 TEST_F(SaidToServer, OfTwoWhoChangeOnePatternTheSecondIsTold) {
   const json event = support::JsonOf(web.get("/api/voice")->body).at("events")[0];
   EXPECT_EQ(event.at("anew"), true);
