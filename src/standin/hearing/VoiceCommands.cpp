@@ -120,7 +120,12 @@ void VoiceCommands::say(const Speaker& who, const std::string& text, const Answe
 
 std::string VoiceCommands::answer(const Speaker& who, const std::string& text, const Answered& answered) {
   std::optional<Order> choice = answerOf(who.session, text, false);
-  return take(who.session, choice ? std::move(*choice) : orderFor(text, false), aloud(who, answered));
+  Order order = choice ? std::move(*choice) : orderFor(text, false);
+  if (who.guest && order.adds) {
+    order.understanding.kind = Kind::kFailed;
+    order.understanding.says = kGuestsMayNotAdd;
+  }
+  return take(who.session, std::move(order), aloud(who, answered));
 }
 
 Recogniser::Told VoiceCommands::told(const Speaker& who, const Answered& answered) {

@@ -18,6 +18,8 @@ namespace standin {
 inline constexpr const char* kOwnList = "Vantorix";
 inline constexpr const char* kNothingAdded =
     "Nothing was added: choose something of the library to play first";
+/// What a guest is told who wants something added: playlists are kept.
+inline constexpr const char* kGuestsMayNotAdd = "Guests can’t change playlists";
 
 /// The player's library as its script object and its raw player tell it. Lists are kept for some seconds, so
 /// that a page that scrolls or searches does not ask the player again and again. All use is on the loop's

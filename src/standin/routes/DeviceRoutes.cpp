@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/Failure.hpp"
+#include "base/Text.hpp"
 #include "standin/house/EventStore.hpp"
 #include "standin/house/ValueTable.hpp"
 #include "standin/player/DeviceCommands.hpp"
@@ -76,6 +77,7 @@ void TellDevice(const Parts& parts,
 void Press(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto caption = call.json.at("caption").get<std::string>();
   const auto ref = call.json.at("ref").get<std::int32_t>();
+  if (call.user.guest && base::SameText(caption, kAddButton)) return reply(Refusal(403, kGuestsMayNotAdd));
   TellDevice(
       parts, [&](const DeviceCommands& tells) { return tells.press(ref, caption); },
       [&](PluginKeeper::Command work) {

@@ -117,6 +117,22 @@ TEST_F(QuickCommands, ANameThatIsUnknownDoesNothingElse) {
   EXPECT_EQ(last(), "SetIO Status Q 1 13 0 0 0 after mute the music");
 }
 
+TEST_F(QuickCommands, AGuestMayPlayButNotAddToThePlaylistThatIsKept) {
+  const standin::Speaker guest{.session = "a guest's", .guest = true};
+  hears(quick("Status", "1"), "(Play|Player) [No] (Loop|Add to PlayList)");
+  const std::size_t before = plugin.calls().size();
+  for (const char* adding : {"player add to playlist", "now add to playlist"}) {
+    const Understanding told = say(adding, guest);
+    EXPECT_EQ(told.kind, Kind::kFailed) << adding;
+    EXPECT_EQ(told.says, "Guests can’t change playlists") << adding;
+  }
+  EXPECT_EQ(say("player ad to playlist", guest).kind, Kind::kUnclear);
+  EXPECT_EQ(say("yes", guest).says, "Guests can’t change playlists");
+  EXPECT_EQ(plugin.calls().size(), before);
+  EXPECT_EQ(say("player loop", guest).says, "Loop on");
+  EXPECT_EQ(plugin.calls().size(), before + 1);
+}
+
 TEST_F(QuickCommands, WithoutANameNothingIsDone) {
   const std::size_t before = plugin.calls().size();
   hears(album, "Play Album )");

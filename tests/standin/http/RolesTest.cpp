@@ -129,6 +129,25 @@ TEST_F(Roles, AGuestTurnsALampOfTheHouseOnThoughThereIsNoPlugin) {
   });
 }
 
+TEST_F(Roles, AGuestPressesNoButtonThatChangesAPlaylist) {
+  std::int32_t title = 0;
+  house.onLoop([&](standin::House& all) {
+    title = all.devices.create("Title").ref;
+    all.devices.put(title, &standin::Device::interface, std::string("Media Player"));
+    all.devices.addButton(title, "", "Add to PlayList");
+    all.devices.addButton(title, "", "Pause");
+  });
+  const auto press = [&](const std::string& user, const char* caption) {
+    support::WebClient web(house.port());
+    web.cookie = house.sessionOf(user);
+    const int status = web.post("/api/press", {{"ref", title}, {"caption", caption}});
+    return std::to_string(status) + " " + web.last;
+  };
+  EXPECT_EQ(press(standin::kGuest, "Add to PlayList"), R"(403 {"error":"Guests can’t change playlists"})");
+  EXPECT_EQ(press(standin::kFirstUser, "Add to PlayList").substr(0, 3), "502") << "there is no plug-in";
+  EXPECT_EQ(press(standin::kGuest, "Pause").substr(0, 3), "502");
+}
+
 TEST_F(Roles, AGuestIsSentNoLinksThatOnlyRefuse) {
   house.onLoop([](standin::House& all) {
     all.addLink({"WMP_PListEdit", "PlayList Editor", "Vantorix Media Player", nullptr});
