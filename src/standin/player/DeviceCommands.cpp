@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "standin/house/HouseJson.hpp"
 #include "standin/house/ValueTable.hpp"
 
 namespace standin {
@@ -13,6 +15,14 @@ namespace {
 constexpr std::int16_t kCommandOn = 2;
 constexpr std::int16_t kCommandOff = 3;
 constexpr std::int16_t kCommandValue = 19;
+
+/// A name is known to pages as JSON, which tells texts that aren't UTF-8 in its own way.
+void CheckName(const Device& device, std::int32_t value, const std::optional<std::string>& name) {
+  if (!name) return;
+  const std::optional<std::string_view> now = NameOfValue(device.values, value);
+  if (!now || Dump(std::string(*now)) != Dump(*name))
+    throw base::Failure(base::number::kChangedMeanwhile, "The list has changed meanwhile. Choose again");
+}
 
 }  // namespace
 
@@ -34,22 +44,25 @@ std::optional<PluginKeeper::Command> DeviceCommands::turn(std::int32_t ref, bool
   return std::nullopt;
 }
 
-std::optional<PluginKeeper::Command> DeviceCommands::set(std::int32_t ref, std::int64_t value) const {
+std::optional<PluginKeeper::Command> DeviceCommands::set(std::int32_t ref, std::int64_t value,
+                                                         const std::optional<std::string>& name) const {
   const Device& device = need(ref);
   if (value < 0 || value > std::numeric_limits<std::int16_t>::max())
     throw base::Failure(base::number::kInvalidArgument, "The value is out of range");
   const auto wanted = static_cast<std::int32_t>(value);
+  CheckName(device, wanted, name);
   if (!isOfPlugin(device)) {
     house_.devices.putValue(ref, wanted);
     return std::nullopt;
   }
   if (!device.values.empty() && !NameOfValue(device.values, wanted))
     throw base::Failure(base::number::kFileNotFound, "The device has no such value");
+  PluginKeeper::Command command = setIo(device, kCommandValue, static_cast<std::int16_t>(value));
   // The device shows it before the plug-in hears of it, which may set it back itself when it has acted.
-  return [&devices = house_.devices, ref, wanted,
-          tell = setIo(device, kCommandValue, static_cast<std::int16_t>(value))](base::Object& vxif) {
+  return [&devices = house_.devices, ref, wanted, name, tell = std::move(command)](base::Object& vxif) {
     const Device* before = devices.byRef(ref);
     if (before == nullptr) throw base::Failure(base::number::kFileNotFound, "The device has been deleted");
+    CheckName(*before, wanted, name);
     const std::int32_t old = before->value;
     devices.putValue(ref, wanted);
     try {

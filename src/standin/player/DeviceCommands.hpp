@@ -24,8 +24,10 @@ class DeviceCommands {
   /// Nothing when the house has done it: the device is on or off now.
   [[nodiscard]] std::optional<PluginKeeper::Command> turn(std::int32_t ref, bool on) const;
   /// 0 to 32,767. Nothing when the house has done it. Throws number 53 for a value that is not among those
-  /// that the plug-in has named, where it has named any.
-  [[nodiscard]] std::optional<PluginKeeper::Command> set(std::int32_t ref, std::int64_t value) const;
+  /// that the plug-in has named, where it has named any. `name`, where given, is what the value was chosen
+  /// by: where it means something else by then, now or when the command's turn comes, that is number 3197.
+  [[nodiscard]] std::optional<PluginKeeper::Command> set(
+      std::int32_t ref, std::int64_t value, const std::optional<std::string>& name = std::nullopt) const;
   /// Whether the plug-in is the one to tell.
   [[nodiscard]] bool isOfPlugin(const Device& device) const;
 

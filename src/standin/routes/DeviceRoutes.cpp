@@ -68,6 +68,8 @@ void TellDevice(const Parts& parts,
   } catch (const base::Failure& failure) {
     if (failure.number() == base::number::kFileNotFound) return reply(Refusal(404, failure.description()));
     if (failure.number() == base::number::kInvalidArgument) return reply(Refusal(400, failure.description()));
+    if (failure.number() == base::number::kChangedMeanwhile)
+      return reply(Refusal(409, failure.description()));
     throw;
   }
   if (!command) return reply(OutcomeOf({}));  // the house has done it
@@ -91,6 +93,9 @@ void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
   const auto ref = call.json.at("ref").get<std::int32_t>();
   const auto word = call.json.at("command").get<std::string>();
   const auto value = call.json.value("value", std::int64_t{0});
+  // Who has chosen from a list says what he saw there: a value is only a place in it.
+  std::optional<std::string> name;
+  if (const auto given = call.json.find("name"); given != call.json.end()) name = given->get<std::string>();
   const Device* device = parts.house.devices.byRef(ref);
   if (device == nullptr) return reply(Refusal(404, "There is no such device"));
   if (word != "on" && word != "off" && word != "value")
@@ -99,7 +104,7 @@ void Command(const Parts& parts, const WebCall& call, const Reply& reply) {
   TellDevice(
       parts,
       [&](const DeviceCommands& tells) {
-        return sets ? tells.set(ref, value) : tells.turn(ref, word == "on");
+        return sets ? tells.set(ref, value, name) : tells.turn(ref, word == "on");
       },
       [&](PluginKeeper::Command work) {
         if (!sets) return parts.plugin.command(std::move(work), Answering(reply));

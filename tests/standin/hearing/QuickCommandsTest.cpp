@@ -1,5 +1,6 @@
 // What is said to the quick-play devices, by names that only the library writes as they are.
 #include "standin/hearing/HearingHouse.hpp"
+#include "standin/player/DeviceCommands.hpp"
 
 namespace {
 
@@ -148,6 +149,25 @@ TEST_F(QuickCommands, NamesThatLookTheSameAreToldApartByTheirKeys) {
   named("Artist", "Blue", "426C75652E");
   hears(artist, "Play [Artist] (Blu|Blue)");
   EXPECT_EQ(say("play artist blux").says, "Did you mean “Play Artist Blu” or “Play Artist Blue”?");
+}
+
+TEST_F(QuickCommands, AValueThatMeansAnotherNameWhenItsTurnComesIsNotSet) {
+  const std::size_t before = plugin.calls().size();
+  house.devices.put(album, &standin::Device::interface, std::string("Media Player"));
+  house.devices.put(album, &standin::Device::values,
+                    std::string("Blue\x02"
+                                "2"));
+  const auto command = standin::DeviceCommands(house, objects, keeper).set(album, 2, "Blue");
+  ASSERT_TRUE(command);
+  house.devices.put(album, &standin::Device::values,
+                    std::string("Green\x02"
+                                "2"));
+  std::optional<std::string> outcome;
+  keeper.command(*command, [&](const std::string& failure) { outcome = failure; });
+  ASSERT_TRUE(eventually([&] { return outcome.has_value(); }));
+  EXPECT_EQ(outcome, "The list has changed meanwhile. Choose again");
+  EXPECT_EQ(plugin.calls().size(), before);
+  EXPECT_EQ(house.devices.byRef(album)->value, 0);
 }
 
 TEST_F(QuickCommands, AnEventThatNobodyListensToIsNotMeant) {

@@ -34,6 +34,32 @@ TEST_F(Server, ThePluginIsGivenItsCallbackAndThenStarted) {
   EXPECT_EQ(plugin.calls().back(), "ShutdownIO");
 }
 
+TEST_F(Server, AValueThatWasChosenByAnotherNameIsNotSet) {
+  FakePlugin plugin(bus.address(), furnishing());
+  ServerProcess server(bus.address(), data);
+  WebClient web(server);
+  ASSERT_TRUE(Eventually([&] { return stateOf(web) == "ready"; })) << told(web, server);
+  const std::int32_t quick = refOf(web, "Quick Album");
+  const auto choose = [&](const json& name) {
+    return web.post("/api/command", {{"ref", quick}, {"command", "value"}, {"value", 2}, {"name", name}});
+  };
+  EXPECT_EQ(choose("Green"), 409);
+  EXPECT_EQ(json::parse(web.last).at("error"), "The list has changed meanwhile. Choose again");
+  EXPECT_EQ(choose("blue"), 409);
+  EXPECT_EQ(choose(2), 400);
+  EXPECT_EQ(choose("Blue"), 200);
+  EXPECT_EQ(json::parse(web.last).at("done"), "Blue");
+  EXPECT_EQ(plugin.calls().back(), "SetIO Quick Album Q 12 19 2 0 0 after ");
+  plugin.withHost([&](base::Object&, base::Object& host) {
+    base::Deref(host.invoke("GetDeviceEx", "Media Player Quick Album"))
+        .put("Values",
+             "Blau\x02"
+             "2");
+  });
+  EXPECT_EQ(choose("Blue"), 409);
+  EXPECT_EQ(choose("Blau"), 200);
+}
+
 TEST_F(Server, CommandsReachThePlugin) {
   FakePlugin plugin(bus.address(), furnishing());
   ServerProcess server(bus.address(), data);
