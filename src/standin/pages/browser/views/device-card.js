@@ -12,6 +12,7 @@ const kFewValues = 60;
 
 /** One device's card. `draw` is called when it looks different for a reason of its own. */
 export class DeviceCard {
+  #ref;
   #draw;
   #signal;
   #search;
@@ -20,9 +21,10 @@ export class DeviceCard {
   #changes = 0;
 
   constructor(ref, {signal, draw}) {
+    this.#ref = ref;
     this.#draw = draw;
     this.#signal = signal;
-    this.#search = new ValueSearch(ref, {signal, draw, choose});
+    this.#search = new ValueSearch(ref, {signal, draw, choose: (field, entry) => this.#choose(field, entry)});
   }
 
   /** Shows for a moment that something has become of the device. */
@@ -56,9 +58,18 @@ export class DeviceCard {
   #select(device) {
     this.#read(device);
     const known = this.#values ?? [{value: device.value, name: device.valueName}];
-    return html`<select aria-label=${device.name} @change=${(event) => choose(event.currentTarget, event.currentTarget.value, device.ref)}>
+    return html`<select aria-label=${device.name} @change=${({currentTarget: select}) => this.#choose(select, known[select.selectedIndex])}>
       ${known.map(({value, name}) => html`<option value=${value} .selected=${live(value === device.value)}>${name.trim() || 'Choose…'}</option>`)}
     </select>`;
+  }
+
+  /** The name goes with the value, which may be another one's by now. */
+  async #choose(control, {value, name}) {
+    await run(control, async () => {
+      const {done} = await ask('/api/command', {ref: this.#ref, command: 'value', value: Number(value), name});
+      if (done?.trim()) toast(`Done: ${done}`);
+    });
+    this.#draw();  // a list shows what the device has, and not what it refused
   }
 
   async #read(device) {
@@ -72,13 +83,6 @@ export class DeviceCard {
       complain(error);
     }
   }
-}
-
-function choose(control, value, ref = Number(control.closest('[data-ref]').dataset.ref)) {
-  return run(control, async () => {
-    const {done} = await ask('/api/command', {ref, command: 'value', value: Number(value)});
-    if (done?.trim()) toast(`Done: ${done}`);
-  });
 }
 
 function switchOf(device) {
