@@ -11,11 +11,12 @@
 namespace desktop {
 
 PictureView::PictureView(QtWindows& windows, ControlsPane& pane, base::MovingPicture& picture)
-    : windows_(windows), pane_(pane), picture_(picture), small_(windows), full_(windows) {
+    : windows_(windows), pane_(pane), picture_(picture), small_(windows), full_(windows), wakeful_(windows) {
   windows_.enter([this] {
     small_.reset(std::make_unique<PictureWidget>(
         &pane_.picture(), [this] { followSize(); }, [] {}));
     small_->show();
+    wakeful_.reset(std::make_unique<WakefulScreen>(pane_));
   });
   picture_.tell([this] { changed(); });
 }
@@ -40,6 +41,7 @@ void PictureView::changed() {
 void PictureView::followFull() {
   if (picture_.full() == filling_) return;
   filling_ = !filling_;
+  wakeful_->keep(filling_);
   if (!filling_) {
     full_->show(base::FrameRef());
     full_->hide();

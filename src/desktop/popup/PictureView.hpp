@@ -3,6 +3,7 @@
 
 #include "base/MovingPicture.hpp"
 #include "desktop/QtWindows.hpp"
+#include "desktop/WakefulScreen.hpp"
 
 namespace desktop {
 
@@ -33,6 +34,7 @@ class PictureView {
   base::MovingPicture& picture_;
   Owned<PictureWidget> small_;
   Owned<PictureWidget> full_;  ///< made when it is first needed
+  Owned<WakefulScreen> wakeful_;
   bool filling_ = false;
 };
 

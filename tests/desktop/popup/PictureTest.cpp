@@ -1,9 +1,12 @@
 // The moving picture in the popup window and over the whole screen, as a user sees it.
 #include <QtGui/QScreen>
+#include <cstdlib>
 
 #include "desktop/popup/PictureView.hpp"
 #include "desktop/popup/PictureWidget.hpp"
+#include "support/BusDaemon.hpp"
 #include "support/desktop/PopupScene.hpp"
+#include "support/desktop/ScreenSaver.hpp"
 
 namespace {
 
@@ -74,6 +77,35 @@ class ManagedMovingPicture : public MovingPicture {
   ManagedMovingPicture() : MovingPicture(true) {}
 };
 
+/// A session bus of the test's own.
+class OwnSession {
+ protected:
+  OwnSession() { ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1); }
+  ~OwnSession() { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+  OwnSession(const OwnSession&) = delete;
+  OwnSession& operator=(const OwnSession&) = delete;
+  OwnSession(OwnSession&&) = delete;
+  OwnSession& operator=(OwnSession&&) = delete;
+
+  support::BusDaemon bus;
+};
+
+class WatchedFilm : protected OwnSession, public MovingPicture {
+ protected:
+  static constexpr const char* kAsked = "Inhibit Vantorix Media Player: A film fills the screen";
+  void SetUp() override {
+    show();
+    layOut(212, false);
+    ASSERT_TRUE(seenAt({251, 150}));
+  }
+  void startSaver() { saver.emplace(bus.address()); }
+  bool calls(const std::vector<std::string>& wanted) {
+    return until([&] { return saver->calls() == wanted; });
+  }
+
+  std::optional<support::ScreenSaver> saver;
+};
+
 TEST_F(MovingPicture, IsSeenOnlyWhileTheWindowShowsIt) {
   show();
   EXPECT_TRUE(player.sizes.empty() || player.sizes.back().empty());
@@ -140,6 +172,55 @@ TEST_F(ManagedMovingPicture, FillsTheScreenAlsoWhereTheWindowIsOnTop) {
     EXPECT_TRUE(turns(QColor(30, 200, 10), place)) << place.x() << " " << place.y();
   player.full(false);
   EXPECT_TRUE(until([&] { return colourAt({1277, 797}) != QColor(30, 200, 10); }));
+}
+
+TEST_F(WatchedFilm, KeepsTheScreenAwakeWhileItFillsIt) {
+  startSaver();
+  player.full(true);
+  ASSERT_TRUE(calls({kAsked}));
+  player.show(1, 2, 3);
+  player.full(false);
+  EXPECT_TRUE(calls({kAsked, "UnInhibit 77"}));
+  player.full(true);
+  player.full(false);
+  EXPECT_TRUE(calls({kAsked, "UnInhibit 77", kAsked, "UnInhibit 77"})) << "once more";
+}
+
+TEST_F(WatchedFilm, LetsTheScreenSleepAgainThoughTheAnswerCameBehindItsEnd) {
+  startSaver();
+  saver->holdBack(true);
+  player.full(true);
+  ASSERT_TRUE(calls({kAsked}));
+  player.full(false);
+  loop.pump();
+  EXPECT_EQ(saver->calls().size(), 1U);
+  saver->holdBack(false);
+  EXPECT_TRUE(calls({kAsked, "UnInhibit 77"}));
+}
+
+TEST_F(WatchedFilm, IsSeenWhereNobodyKnowsOfThatAndAskedForAnewLater) {
+  player.full(true);
+  ASSERT_TRUE(seenAt({1280, 800}));
+  player.full(false);
+  ASSERT_TRUE(seenAt({251, 150}));
+  startSaver();
+  EXPECT_TRUE(until([&] {
+    player.full(!player.full());
+    return !saver->calls().empty();
+  }));
+  player.full(false);
+  EXPECT_TRUE(until([&] { return saver->calls().back() == "UnInhibit 77"; }));
+}
+
+TEST_F(WatchedFilm, OutlivesTheSessionsBus) {
+  startSaver();
+  player.full(true);
+  ASSERT_TRUE(calls({kAsked}));
+  bus.kill();
+  player.full(false);
+  ASSERT_TRUE(seenAt({251, 150}));
+  player.full(true);
+  EXPECT_TRUE(seenAt({1280, 800}));
 }
 
 TEST_F(MovingPicture, IsSeenByNobodyWhenTheDesktopHasGone) {
