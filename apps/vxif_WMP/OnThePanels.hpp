@@ -1,20 +1,27 @@
 #pragma once
 #include <utility>
 
+#include "UserDesktop.hpp"
 #include "mpris/MediaControls.hpp"
 #include "player/PlayerEvents.hpp"
 
 /// The player on the desktop's own panels and under its media keys, for as long as this is there: it hears of
-/// what the player tells, and reaches it by name.
+/// what the player and the desktop tell, and reaches the player by name.
 class OnThePanels {
  public:
-  OnThePanels(mpris::MediaControls::Parts parts, player::PlayerEvents& player)
-      : controls_(std::move(parts)), player_(player) {
+  OnThePanels(bus::PollLoop& loop, base::ObjectRef script, player::PlayerEvents& player, UserDesktop& desktop)
+      : controls_({loop, std::move(script), [&desktop] { return desktop.shows(); }}),
+        player_(player),
+        desktop_(desktop) {
     player_.changed = [this] { controls_.changed(); };
     player_.sought = [this] { controls_.sought(); };
     player_.playlistsChanged = [this] { controls_.playlistsChanged(); };
+    desktop_.whenGone([this] { controls_.changed(); });  // nothing can be raised any more
   }
-  ~OnThePanels() { player_.changed = player_.sought = player_.playlistsChanged = nullptr; }
+  ~OnThePanels() {
+    player_.changed = player_.sought = player_.playlistsChanged = nullptr;
+    desktop_.whenGone(nullptr);
+  }
   OnThePanels(const OnThePanels&) = delete;
   OnThePanels& operator=(const OnThePanels&) = delete;
   OnThePanels(OnThePanels&&) = delete;
@@ -23,4 +30,5 @@ class OnThePanels {
  private:
   mpris::MediaControls controls_;
   player::PlayerEvents& player_;
+  UserDesktop& desktop_;
 };

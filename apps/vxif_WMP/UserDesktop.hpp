@@ -1,7 +1,9 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "PluginLog.hpp"
 #include "desktop/loader/WindowsModule.hpp"
@@ -23,6 +25,7 @@ class UserDesktop : public plugin::Desktop {
             [this, &log] {
               gone_ = true;
               log.warn("Media Player: The desktop has gone, the player goes on without windows");
+              if (tellGone_) tellGone_();
             },
             [&log](const std::string& problem) { log.warn("Media Player: " + problem); })),
         unseenMessage_([&log](const std::string& title, const std::string& text) {
@@ -56,11 +59,14 @@ class UserDesktop : public plugin::Desktop {
   ui::editor::EditorWindow* editor() { return windows_ ? &windows_->editor() : nullptr; }
   /// A window can be shown.
   [[nodiscard]] bool shows() const { return windows_ && !gone_; }
+  /// Calls `tell` once `shows` is so no longer; null for nobody.
+  void whenGone(std::function<void()> tell) { tellGone_ = std::move(tell); }
 
  private:
   bus::PollLoop& loop_;
   const PluginLog& log_;
   bool gone_ = false;
+  std::function<void()> tellGone_;
   std::unique_ptr<desktop::Windows> windows_;
   ui::WindowlessMsgForm unseenMessage_;
   std::optional<ui::myMsgForm> message_;

@@ -118,8 +118,7 @@ int Serve() {
       script::ScriptParts{plugin.state, plugin.host, plugin.form, plugin.calls, plugin.playState,
                           plugin.catalogue, plugin.library, plugin.mediaEvents}));
 
-  const OnThePanels panels({loop, objects.scriptClass(), [&] { return desktop.shows(); }},
-                           plugin.playerEvents);
+  const OnThePanels panels(loop, objects.scriptClass(), plugin.playerEvents, desktop);
 
   connection.exportObject("/vxif", plugin.vxif());
   connection.exportObject("/scriptclass", objects.scriptClass());

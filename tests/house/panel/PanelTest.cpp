@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 
+#include "demo/Cover.hpp"
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
 #include "support/desktop/Panel.hpp"
@@ -141,6 +144,34 @@ TEST_F(OnThePanel, TheHouseGoesOnWithoutTheSessionAndComesBackWithIt) {
   EXPECT_THAT(house.log(), ::testing::Not(HasSubstr("started again")));
 }
 
+namespace {
+
+/// With a title that has a picture.
+class PictureOnThePanel : public OnThePanel {
+ protected:
+  PictureOnThePanel() {
+    engine::TrackTags tags;
+    tags.title = "Four";
+    tags.artist = "The Testers";
+    tags.album = "Painted";
+    tags.track = 4;
+    music.add("Four", 30, tags, cover);
+  }
+  const std::string cover = engine::demo::CoverPng(3, 400);
+};
+
+}  // namespace
+
+TEST_F(PictureOnThePanel, IsAFileThatEverybodyCanOpen) {
+  ask({"open", "file://" + music.path() + "/Four.flac"});
+  ASSERT_TRUE(says({"metadata", "xesam:title"}, "Four"));
+  const std::string kind = "file://";
+  ASSERT_TRUE(Eventually([&] { return ask({"metadata", "mpris:artUrl"}).starts_with(kind); }));
+  const std::string address = ask({"metadata", "mpris:artUrl"});
+  std::ifstream file(address.substr(kind.size()), std::ios::binary);
+  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(file), {}) == cover) << address;
+}
+
 TEST(OnTheUsersDesktop, TheIconStandsInThePanelThoughTheHouseHasABusOfItsOwn) {
   const support::XServer screen;
   const support::SmallMusic music;
@@ -150,4 +181,26 @@ TEST(OnTheUsersDesktop, TheIconStandsInThePanelThoughTheHouseHasABusOfItsOwn) {
       {.music = music.path(), .display = screen.display(), .sessionBus = session.address()});
   ASSERT_TRUE(house.startReady()) << house.server().output();
   EXPECT_TRUE(Eventually([&] { return !panel.icons().empty(); }));
+}
+
+TEST(OnTheUsersDesktop, PanelsAreToldThatItHasGoneWithItsWindows) {
+  const support::XServer screen;
+  const support::SmallMusic music;
+  const support::BusDaemon session;
+  support::RealHouse house(
+      {.music = music.path(), .display = screen.display(), .sessionBus = session.address()});
+  ASSERT_TRUE(house.startReady()) << house.server().output();
+  const auto canRaise = [&] {
+    support::Process ask({"busctl", "--address=" + session.address(), "get-property",
+                          "org.mpris.MediaPlayer2.vantorix", "/org/mpris/MediaPlayer2",
+                          "org.mpris.MediaPlayer2", "CanRaise"});
+    ask.wait();
+    return ask.output();
+  };
+  ASSERT_TRUE(Eventually([&] { return canRaise() == "b true\n"; })) << canRaise();
+  support::Process listener({"dbus-monitor", "--address", session.address()});
+  listener.outputWith("NameLost");  // from then on it hears all
+  screen.end();
+  EXPECT_THAT(listener.outputWith("\"CanRaise\""), HasSubstr("PropertiesChanged"));
+  EXPECT_EQ(canRaise(), "b false\n");
 }
