@@ -7,6 +7,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QToolButton>
 #include <algorithm>
 #include <utility>
 
@@ -37,6 +38,13 @@ ControlsPane::ControlsPane(Frame frame)
   setWindowIcon(PlayerIcon());
   setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                  Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  // Behind it stands what the bar has no room for. Qt's own picture of it is black, on dark bars too.
+  if (auto* more = bar_->findChild<QToolButton*>("qt_menubar_ext_button"); more != nullptr) {
+    more->setIcon(QIcon());
+    more->setText(QChar(0xbb));
+    more->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    more->setAccessibleName("More");
+  }
   transport_->setParent(this);
   cover_->setObjectName("Image1");
   cover_->setAccessibleName("Cover");

@@ -104,7 +104,10 @@ TEST_F(ControlsWindow, EachButtonReportsItsClick) {
     clickAt(middleOf(*button));
     EXPECT_TRUE(reported(report)) << name;
   }
-  support::ScreenShot("popup");
+  EXPECT_TRUE(readable("popup", *pane().findChild<QLabel*>("Title")));
+  EXPECT_TRUE(readable("popup", *pane().findChild<QMenuBar*>()));
+  for (const auto* button : pane().transport().findChildren<QAbstractButton*>())
+    EXPECT_TRUE(readable("popup", *button)) << button->accessibleName().toStdString();
 }
 
 TEST_F(ControlsWindow, ButtonsAreCalledWhatTheyDo) {

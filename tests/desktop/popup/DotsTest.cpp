@@ -2,23 +2,49 @@
 #include <QtWidgets/QLabel>
 
 #include <cstdlib>
+#include <tuple>
 
+#include "support/desktop/OwnSession.hpp"
 #include "support/desktop/PopupScene.hpp"
+#include "support/desktop/Portal.hpp"
 
 namespace {
 
-/// How many dots an inch has, as the screen tells.
-class PopupAt : public support::PopupScene, public ::testing::WithParamInterface<int> {
+/// A desktop that tells whether its user wants it dark.
+class ToldColours : protected support::OwnSession {
+ protected:
+  explicit ToldColours(bool dark) : portal_(bus.address(), dark) {}
+
+ private:
+  support::Portal portal_;
+};
+
+/// How many dots an inch has, as the screen tells, and whether its user wants it dark.
+class PopupAt : protected ToldColours,
+                public support::PopupScene,
+                public ::testing::WithParamInterface<std::tuple<int, bool>> {
  protected:
   PopupAt()
-      : PopupScene(false, {"-dpi", std::to_string(GetParam())}, [] {
-          // Desktops say it here for all their programs.
-          support::Process tell({"xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
-                                 "Xft.dpi:\t" + std::to_string(GetParam())});
-          tell.wait();
-        }) {}
+      : ToldColours(Dark()),
+        PopupScene(false, {"-dpi", std::to_string(Dots())}, [] { support::TellDots(Dots()); }) {}
+  static int Dots() { return std::get<0>(GetParam()); }
+  static bool Dark() { return std::get<1>(GetParam()); }
+  static std::string Shot(const std::string& name) {
+    return name + "-" + std::to_string(Dots()) + (Dark() ? "-dark" : "");
+  }
+  /// How many millimetres a line of a widget's text has.
+  static double line(const QWidget& widget) {
+    return widget.fontMetrics().height() * widget.devicePixelRatioF() / Dots() * 25.4;
+  }
+  /// It has the colours that its user wants.
+  bool dressed(const QWidget& widget) {
+    return until([&] {
+      const QColor ground(support::Drawn(support::ScreenShot(Shot("popup-ground")), widget).ground());
+      return Dark() ? ground.lightness() < 60 : ground.lightness() > 215;
+    });
+  }
   /// The least that readers need: letters of this many millimetres from top to bottom of a line.
-  static constexpr double kReadable = 3;
+  static constexpr double kReadableLine = 3;
   /// Whether all of a widget's text fits into it.
   static bool fits(const QLabel& label) {
     const QSize text = label.fontMetrics().size(Qt::TextSingleLine, label.text());
@@ -34,18 +60,48 @@ TEST_P(PopupAt, CanBeReadAndUsed) {
   auto* title = pane().findChild<QLabel*>("Title");
   auto* time = pane().findChild<QLabel*>("Time");
   ASSERT_FALSE(title->text().isEmpty());
-  const double dots = title->fontMetrics().height() * title->devicePixelRatioF();
-  EXPECT_GE(dots / GetParam() * 25.4, kReadable) << dots << " dots";
+  EXPECT_GE(line(*title), kReadableLine);
   EXPECT_TRUE(fits(*title)) << title->fontMetrics().height() << " in " << title->height();
   // The row is laid out anew on the loop's next turn.
   EXPECT_TRUE(until([&] { return fits(*time); })) << time->width() << " by " << time->height();
   for (QWidget* each : pane().transport().findChildren<QWidget*>())
     EXPECT_TRUE(pane().transport().rect().contains(each->geometry())) << each->accessibleName().toStdString();
-  pane().repaint();
-  support::ScreenShot("popup-" + std::to_string(GetParam()));
+  ASSERT_TRUE(dressed(pane()));
+  for (const QWidget* each : {static_cast<QWidget*>(title), static_cast<QWidget*>(time),
+                              static_cast<QWidget*>(pane().findChild<QMenuBar*>())})
+    EXPECT_TRUE(readable(Shot("popup"), *each)) << each->objectName().toStdString();
+  const auto* more = named<QAbstractButton>("More");
+  ASSERT_TRUE(more != nullptr && more->isVisible()) << "the bar has no room for all";
+  EXPECT_TRUE(readable(Shot("popup"), *more));
+  for (const auto* button : pane().transport().findChildren<QAbstractButton*>())
+    EXPECT_TRUE(readable(Shot("popup"), *button)) << button->accessibleName().toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Dots, PopupAt, ::testing::Values(96, 192));
+TEST_P(PopupAt, HasMenusAndListsThatCanBeRead) {
+  for (std::int16_t i = 1; i <= 30; ++i) {
+    menus.load("Album", i);
+    menus.caption("Album", i, "Name " + std::to_string(i));
+  }
+  showActive();
+  ASSERT_TRUE(dressed(pane()));
+  QMenu& settings = *menu("&Settings");
+  settings.popup(QPoint(50, 50));
+  ASSERT_TRUE(until([&] { return seen(&settings); }));
+  EXPECT_GE(line(settings), kReadableLine);
+  EXPECT_TRUE(dressed(settings));
+  for (QAction* action : settings.actions()) {
+    if (action->isSeparator()) continue;
+    EXPECT_TRUE(readable(Shot("popup-settings"), settings, settings.actionGeometry(action)))
+        << action->text().toStdString();
+  }
+  settings.hide();
+  openAlbums();
+  EXPECT_GE(line(list()), kReadableLine);
+  EXPECT_TRUE(dressed(list()));
+  for (int row = 0; row < 5; ++row) EXPECT_TRUE(rowReadable(Shot("popup-names"), row)) << row;
+}
+
+INSTANTIATE_TEST_SUITE_P(Dots, PopupAt, ::testing::Combine(::testing::Values(96, 192), ::testing::Bool()));
 
 namespace {
 
@@ -69,5 +125,6 @@ TEST_F(DoubledPopup, TakesTwiceAsManyDots) {
   EXPECT_NE(look.output().find("Height: 228"), std::string::npos);
   EXPECT_EQ(view->top(), 1500);
   view->transport({true, true, true, true, true, 61, 200, 40, false, "A title"});
-  support::ScreenShot("popup-doubled");
+  EXPECT_TRUE(readable("popup-doubled", *pane().findChild<QLabel*>("Title")));
+  EXPECT_TRUE(readable("popup-doubled", *pane().findChild<QMenuBar*>()));
 }

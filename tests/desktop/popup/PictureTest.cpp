@@ -1,10 +1,9 @@
 // The moving picture in the popup window and over the whole screen, as a user sees it.
 #include <QtGui/QScreen>
-#include <cstdlib>
 
 #include "desktop/popup/PictureView.hpp"
 #include "desktop/popup/PictureWidget.hpp"
-#include "support/BusDaemon.hpp"
+#include "support/desktop/OwnSession.hpp"
 #include "support/desktop/PopupScene.hpp"
 #include "support/desktop/ScreenSaver.hpp"
 
@@ -77,20 +76,7 @@ class ManagedMovingPicture : public MovingPicture {
   ManagedMovingPicture() : MovingPicture(true) {}
 };
 
-/// A session bus of the test's own.
-class OwnSession {
- protected:
-  OwnSession() { ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1); }
-  ~OwnSession() { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
-  OwnSession(const OwnSession&) = delete;
-  OwnSession& operator=(const OwnSession&) = delete;
-  OwnSession(OwnSession&&) = delete;
-  OwnSession& operator=(OwnSession&&) = delete;
-
-  support::BusDaemon bus;
-};
-
-class WatchedFilm : protected OwnSession, public MovingPicture {
+class WatchedFilm : protected support::OwnSession, public MovingPicture {
  protected:
   static constexpr const char* kAsked = "Inhibit Vantorix Media Player: A film fills the screen";
   void SetUp() override {

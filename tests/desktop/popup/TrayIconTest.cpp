@@ -36,7 +36,8 @@ class Reports : public ui::TrayEvents {
 
 class TrayIcon : public ::testing::Test {
  protected:
-  TrayIcon() {
+  explicit TrayIcon(int dots = 96) : screen({"-dpi", std::to_string(dots)}) {
+    support::TellDots(dots);
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere", 1);  // no other area than this screen's
     windows = support::OpenDesktop(loop);
     icon = std::make_unique<desktop::TrayIcon>(*windows);
@@ -76,6 +77,12 @@ class TrayIcon : public ::testing::Test {
     support::Process tool({"xdotool", "mousemove", std::to_string(at.x()), std::to_string(at.y()), "click",
                            "--repeat", std::to_string(times), "--delay", "20", std::to_string(button)});
     tool.wait();
+  }
+  /// Whether an item of the open menu is seen clearly.
+  bool readable(const std::string& shot, QAction& action) {
+    return until([&] {
+      return support::Drawn(support::ScreenShot(shot), *menu(), menu()->actionGeometry(&action)).readable();
+    });
   }
   static QMenu* menu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
 
@@ -165,10 +172,32 @@ TEST_F(TrayIcon, TheRightButtonOpensItsMenu) {
   std::vector<std::string> items;
   for (QAction* action : menu()->actions()) items.push_back(action->text().toStdString());
   EXPECT_THAT(items, ElementsAre("&Show / Hide", "&Mute"));
-  support::ScreenShot("tray-menu");
+  for (QAction* action : menu()->actions())
+    EXPECT_TRUE(readable("tray-menu", *action)) << action->text().toStdString();
   support::Process key({"xdotool", "key", "m"});
   key.wait();
   EXPECT_TRUE(until([&] { return journal.has("mnuMute"); }));
+}
+
+namespace {
+
+class TrayIconOfFineDots : public TrayIcon {
+ protected:
+  TrayIconOfFineDots() : TrayIcon(192) {}
+};
+
+}  // namespace
+
+TEST_F(TrayIconOfFineDots, HasAMenuThatCanBeRead) {
+  startArea();
+  icon->add("Vantorix Media Player");
+  ASSERT_TRUE(until([&] { return icon->canBeSeen(); }));
+  icon->popUpMenu();
+  ASSERT_TRUE(until([] { return menu() != nullptr && menu()->windowHandle()->isExposed(); }));
+  EXPECT_GE(menu()->fontMetrics().height() * menu()->devicePixelRatioF() / 192 * 25.4, 3) << "millimetres";
+  for (QAction* action : menu()->actions())
+    EXPECT_TRUE(readable("tray-menu-192", *action)) << action->text().toStdString();
+  menu()->close();
 }
 
 TEST_F(TrayIcon, TellsItsTip) {

@@ -4,12 +4,15 @@
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListView>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
 #include <optional>
 
 #include "desktop/popup/ControlsPane.hpp"
 #include "desktop/popup/ControlsWindow.hpp"
 #include "support/BusPeer.hpp"
 #include "support/Journal.hpp"
+#include "support/desktop/Contrast.hpp"
 #include "support/desktop/WindowManager.hpp"
 #include "support/desktop/WindowUser.hpp"
 #include "ui/popup/PopupMenus.hpp"
@@ -117,6 +120,34 @@ class PopupScene : public ::testing::Test {
   static QWidget* openList() {
     QWidget* popup = QApplication::activePopupWidget();
     return popup != nullptr && popup->findChild<QListView*>() != nullptr ? popup : nullptr;
+  }
+  /// A menu of the bar, with its "&".
+  QMenu* menu(const QString& caption) {
+    for (QAction* action : pane().findChild<QMenuBar*>()->actions())
+      if (action->text() == caption) return action->menu();
+    return nullptr;
+  }
+  static QAction* item(QMenu& menu, const QString& caption) {
+    for (QAction* action : menu.actions())
+      if (action->text() == caption) return action;
+    return nullptr;
+  }
+  void openAlbums() {
+    item(*menu("&Play..."), "Album")->trigger();
+    ASSERT_TRUE(until([] { return seen(openList()); }));
+  }
+  static bool seen(const QWidget* popup) {
+    return popup != nullptr && popup->windowHandle() != nullptr && popup->windowHandle()->isExposed();
+  }
+  static QListView& list() { return *openList()->findChild<QListView*>(); }
+  /// Whether a part of a widget, or all of it, comes to be seen clearly; the shot is kept under the name.
+  bool readable(const std::string& shot, const QWidget& widget, QRect part = {}) {
+    if (part.isNull()) part = widget.rect();
+    return until([&] { return Drawn(ScreenShot(shot), widget, part).readable(); });
+  }
+  /// The same of that row of the list that is open.
+  bool rowReadable(const std::string& shot, int row) {
+    return readable(shot, *list().viewport(), list().visualRect(list().model()->index(row, 0)));
   }
   desktop::ControlsPane& pane() { return view->pane(); }
 

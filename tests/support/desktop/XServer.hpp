@@ -52,6 +52,13 @@ class XServer {
   std::string display_ = name();
 };
 
+/// Tells all programs on the screen that DISPLAY names how many of its dots an inch has, as desktops do.
+inline void TellDots(int perInch) {
+  Process tell({"xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
+                "Xft.dpi:\t" + std::to_string(perInch)});
+  tell.wait();
+}
+
 /// The screen that this process's windows go to.
 class Screen {
  public:
