@@ -22,6 +22,11 @@ namespace {
 
 using support::Adding;
 
+/// Whether the house ends while the disk fails, which it does as it brings what was committed into its file.
+class AcknowledgedFaults : public ::testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Ending, AcknowledgedFaults, ::testing::Bool(),
+                         [](const auto& each) { return each.param ? "OnTheFailingDisk" : "Behind"; });
+
 /// True when it was done, false when it was told that it is not.
 bool Done(const std::function<void()>& work) {
   try {
@@ -37,7 +42,7 @@ int SessionsIn(House& house) {
   return rows.step() ? static_cast<int>(rows.integer(0)) : -1;
 }
 
-TEST(AcknowledgedFaults, SessionsAndPasswordsAreThoseThatWereTold) {
+TEST_P(AcknowledgedFaults, SessionsAndPasswordsAreThoseThatWereTold) {
   const int failed = support::WithEachFileFault([](support::FaultyRun& run) {
     const std::string folder = run.folder() + "/house";
     std::optional<House> house(std::in_place, folder);
@@ -60,9 +65,10 @@ TEST(AcknowledgedFaults, SessionsAndPasswordsAreThoseThatWereTold) {
         std::erase_if(alive, [](const auto& each) { return each.second == kGuest; });
       }
       begin(kGuest);
+      if (GetParam()) house.reset();
     });
     for (const bool restarted : {false, true}) {
-      if (restarted) {
+      if (restarted || !house) {
         house.reset();
         house.emplace(folder);
       }
@@ -77,7 +83,32 @@ TEST(AcknowledgedFaults, SessionsAndPasswordsAreThoseThatWereTold) {
   EXPECT_GT(failed, 20);
 }
 
-TEST(AcknowledgedFaults, StepsOfPlaylistsAreThoseThatWereTold) {
+TEST_P(AcknowledgedFaults, APasswordComesWithItsFirstSessionOrNotAtAll) {
+  const int failed = support::WithEachFileFault([](support::FaultyRun& run) {
+    const std::string folder = run.folder() + "/house";
+    std::optional<House> house(std::in_place, folder);
+    const std::string before = house->users.begin(kFirstUser);
+    std::string token;
+    run.onTheFailingDisk([&] {
+      Done([&] { token = house->users.setHashAndBegin(kFirstUser, "hash"); });
+      if (GetParam()) house.reset();
+    });
+    const bool changed = !token.empty();
+    for (const bool restarted : {false, true}) {
+      if (restarted || !house) {
+        house.reset();
+        house.emplace(folder);
+      }
+      EXPECT_EQ(house->users.hashOf(kFirstUser), changed ? "hash" : "");
+      EXPECT_EQ(house->users.ofSession(before).has_value(), !changed);
+      EXPECT_EQ(house->users.ofSession(token).has_value(), changed);
+      EXPECT_EQ(SessionsIn(*house), 1);
+    }
+  });
+  EXPECT_GT(failed, 5);
+}
+
+TEST_P(AcknowledgedFaults, StepsOfPlaylistsAreThoseThatWereTold) {
   const int failed = support::WithEachFileFault([](support::FaultyRun& run) {
     const std::string folder = run.folder() + "/house";
     std::optional<House> house(std::in_place, folder);
@@ -98,6 +129,10 @@ TEST(AcknowledgedFaults, StepsOfPlaylistsAreThoseThatWereTold) {
         undone = done.back();
         done.pop_back();
       }
+      if (GetParam()) {
+        history.reset();
+        house.reset();
+      }
     });
     const auto wordsOf = [](const std::optional<PlaylistHistory::Entry>& entry) {
       return entry ? WordsOf(entry->step) : "nothing";
@@ -105,7 +140,7 @@ TEST(AcknowledgedFaults, StepsOfPlaylistsAreThoseThatWereTold) {
     const std::string undo = done.empty() ? "nothing" : WordsOf(Adding(done.back()));
     const std::string redo = undone ? WordsOf(Adding(*undone)) : "nothing";
     for (const bool restarted : {false, true}) {
-      if (restarted) {
+      if (restarted || !house) {
         history.reset();
         house.reset();
         house.emplace(folder);
@@ -118,7 +153,7 @@ TEST(AcknowledgedFaults, StepsOfPlaylistsAreThoseThatWereTold) {
   EXPECT_GT(failed, 20);
 }
 
-TEST(AcknowledgedFaults, TheMomentsOfAlarmsAreNeverOlderThanTheyWereNorBroken) {
+TEST(KeptFaults, TheMomentsOfAlarmsAreNeverOlderThanTheyWereNorBroken) {
   const int failed = support::WithEachFileFault([](support::FaultyRun& run) {
     const std::string folder = run.folder() + "/house";
     std::optional<House> house(std::in_place, folder);
@@ -143,7 +178,7 @@ TEST(AcknowledgedFaults, TheMomentsOfAlarmsAreNeverOlderThanTheyWereNorBroken) {
   EXPECT_GT(failed, 5);
 }
 
-TEST(AcknowledgedFaults, ScriptsAreThoseThatWereTold) {
+TEST(KeptFaults, ScriptsAreThoseThatWereTold) {
   using Scripts = std::map<std::string, std::string>;
   const auto scriptsIn = [](const ScriptStore& store) {
     Scripts found;

@@ -112,18 +112,15 @@ std::string Users::hashOf(const std::string& name) {
   return row.with(name).step() ? row.text(0) : std::string();
 }
 
-void Users::setHash(const std::string& name, const std::string& hash) {
-  database::Transaction whole(database_);
+void Users::writeHash(const std::string& name, const std::string& hash) {
   database::Statement(database_, "UPDATE user SET hash = ? WHERE name = ?").with(hash, name).run();
   database::Statement(database_, "DELETE FROM session WHERE user = ?").with(name).run();
-  whole.commit();
 }
 
-std::string Users::begin(const std::string& name) {
+std::string Users::insertSession(const std::string& name) {
   std::string token = RandomToken();
   const std::optional<User> user = find(name);
   const std::int64_t lasting = user && user->guest ? kGuestSeconds : kSessionSeconds;
-  database::Transaction whole(database_);
   database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(now()).run();
   database::Statement(
       database_,
@@ -134,6 +131,26 @@ std::string Users::begin(const std::string& name) {
   database::Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
       .with(StoredForm(token), name, now() + lasting)
       .run();
+  return token;
+}
+
+void Users::setHash(const std::string& name, const std::string& hash) {
+  database::Transaction whole(database_);
+  writeHash(name, hash);
+  whole.commit();
+}
+
+std::string Users::setHashAndBegin(const std::string& name, const std::string& hash) {
+  database::Transaction whole(database_);
+  writeHash(name, hash);
+  std::string token = insertSession(name);
+  whole.commit();
+  return token;
+}
+
+std::string Users::begin(const std::string& name) {
+  database::Transaction whole(database_);
+  std::string token = insertSession(name);
   whole.commit();
   return token;
 }

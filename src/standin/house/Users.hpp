@@ -49,6 +49,8 @@ class Users {
   /// Takes a result of `HashPassword`, an empty text for no password, `kBarred` or `kAdmitted`. Ends the
   /// user's sessions.
   void setHash(const std::string& name, const std::string& hash);
+  /// The same and the first session after it, both or neither; answers the session's token.
+  std::string setHashAndBegin(const std::string& name, const std::string& hash);
 
   /// Begins a session of a month, for a guest of a day; answers its token. Of a user's sessions the oldest
   /// make room for it.
@@ -60,6 +62,9 @@ class Users {
  private:
   /// The time by which sessions age: it goes on with the clock, and without it where that is set back.
   std::int64_t now();
+  // Parts of a transaction.
+  void writeHash(const std::string& name, const std::string& hash);
+  std::string insertSession(const std::string& name);
 
   database::Database& database_;
   Clock clock_;

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <memory>
 
+#include "base/Attempt.hpp"
 #include "base/Text.hpp"
 #include "standin/routes/Routes.hpp"
 #include "standin/routes/Turns.hpp"
@@ -133,12 +134,17 @@ class Commands {
     limits_.succeeded(name, who);
     const auto fresh = std::make_shared<std::string>();
     asked = onLoop([this, name, made, fresh] {
-      house_.users.setHash(name, made);
-      *fresh = house_.users.begin(name);
-      visitors_.passwordChanged();
+      *fresh = house_.users.setHashAndBegin(name, made);
+      // From here on it is changed, whatever becomes of the rest.
       tellEnd();
       house_.log.write(
           "Info", made.empty() ? "The owner's password was removed" : "The owner's password was changed");
+      base::Handled([this] { visitors_.passwordChanged(); },
+                    [this](const base::Failure& failure) {
+                      house_.log.write("Warning",
+                                       "The address that is kept to be printed again is out of date: " +
+                                           failure.description());
+                    });
     });
     if (asked.status == kDone) asked.cookie = SessionCookie(house_, *fresh);
     return asked;

@@ -35,7 +35,8 @@ class Visitors {
   [[nodiscard]] bool isKey(const std::string& text) const;
   /// True when the key is the way in, false when a password is.
   [[nodiscard]] bool byKey() const { return !key().empty(); }
-  /// Called when the owner's password was set or removed.
+  /// Called when the owner's password was set or removed. What it fails of is told in the log: the password
+  /// is changed by then.
   std::function<void()> passwordChanged = [] {};
 
   /// Whether guests may sign in. The owner may always see what guests see.

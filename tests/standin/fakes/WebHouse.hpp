@@ -70,6 +70,8 @@ class WebHouse {
     onLoop([&](standin::House&) { key = visitors_.key(); });
     return key;
   }
+  /// On the loop.
+  standin::Visitors& visitors() { return visitors_; }
   /// What the events' routes work with; on the loop.
   standin::RuleStore& rules() { return rules_; }
   standin::EvaluationStore& evaluations() { return evaluations_; }

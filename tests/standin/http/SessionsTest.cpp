@@ -119,6 +119,26 @@ TEST_F(Sessions, EndWithAPasswordThatIsChangedAndWithGuestsThatAreNoLongerLetIn)
   EXPECT_THAT(owner.toItsEnd(), Not(HasSubstr("not for who had no password")));
 }
 
+TEST(SessionsByKey, EndWithAPasswordThatIsChangedWhateverBecomesOfThePrintedAddress) {
+  support::WebHouse house(std::chrono::minutes(1), true);
+  Stream before(house.port(), house.sessionOf(standin::kFirstUser));
+  ASSERT_EQ(before.status(), 200);
+  house.onLoop([&](standin::House&) {
+    house.visitors().passwordChanged = [] { throw base::Failure(base::number::kDiskFull, "No room"); };
+  });
+  support::WebClient owner(house.port());
+  owner.enter(house.key());
+  EXPECT_EQ(owner.post("/api/password", {{"password", "long enough"}}), 200) << owner.last;
+  EXPECT_EQ(owner.get("/api/state")->status, 200) << "with the cookie that came with the answer";
+  Say(house, "not for who had no password");
+  EXPECT_THAT(before.toItsEnd(), Not(HasSubstr("not for who had no password")));
+  house.onLoop([](standin::House& all) {
+    const auto told = all.log.newest(1, "Warning");
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_THAT(told[0].text, HasSubstr("No room"));
+  });
+}
+
 TEST(SessionsByKey, MakeRoomForOneMoreWithTheirStreams) {
   support::WebHouse house(std::chrono::minutes(1), true);
   Stream oldest(house.port(), house.sessionOf(standin::kFirstUser));
