@@ -1,6 +1,8 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,11 +18,18 @@ namespace engine::testing {
 /// is what the next start finds.
 class QueueHouse {
  public:
-  explicit QueueHouse(const std::string& root, files::WriteCall write = files::WriteBytes)
+  /// `told` hears the messages too, those of its end among them; on any thread.
+  explicit QueueHouse(const std::string& root, files::WriteCall write = files::WriteBytes,
+                      std::function<void(const std::string&)> told = {})
       : stored(root),
-        keeper({loop, playback, stored.library, stored.lists, [this] { return chosen; },
-                [this] { return mark; }, [this](const std::string& line) { messages.push_back(line); }},
-               root + "/kept", std::move(write)) {
+        keeper(
+            {loop, playback, stored.library, stored.lists, [this] { return chosen; }, [this] { return mark; },
+             [this, told = std::move(told)](const std::string& line) {
+               const std::lock_guard lock(telling);
+               if (told) told(line);
+               messages.push_back(line);
+             }},
+            root + "/kept", std::move(write)) {
     playback.preset(stored.library.getAll());
     if (const auto taken = keeper.takeUp()) {
       chosen = taken->chosen;
@@ -74,6 +83,7 @@ class QueueHouse {
   bool chosen = false;
   bool takenUp = false;
   std::int64_t mark = 0;
+  std::mutex telling;
   std::vector<std::string> messages;
   std::vector<std::int32_t> states;
   Playback playback{

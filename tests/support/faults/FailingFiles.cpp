@@ -92,6 +92,16 @@ mode_t ModeOf(int flags, va_list& more) {
   return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : 0;
 }
 
+/// Whether this sync fails; `errno` says how then. A file that is still on its way to its place loses what it
+/// has not got onto the disk, so that it is missed by whoever goes on all the same.
+bool FailsToSync(int file) {
+  if (!FailsIn(Does::kWrites, "sync", file)) return false;
+  const int error = errno;
+  if (PathOf(file).ends_with(".part")) ::syscall(SYS_ftruncate, file, 0);
+  errno = error;
+  return true;
+}
+
 int Open(int folder, const char* path, int flags, mode_t mode) {
   if (FailsAt(DoesOpening(flags), "open", path)) return -1;
   return static_cast<int>(::syscall(SYS_openat, folder, path, flags, mode));
@@ -177,11 +187,11 @@ ssize_t pread(int file, void* bytes, size_t size, off_t place) {
 }
 ssize_t pread64(int file, void* bytes, size_t size, off64_t place) { return pread(file, bytes, size, place); }
 int fsync(int file) {
-  if (support::FailsIn(Does::kWrites, "sync", file)) return -1;
+  if (support::FailsToSync(file)) return -1;
   return static_cast<int>(::syscall(SYS_fsync, file));
 }
 int fdatasync(int file) {
-  if (support::FailsIn(Does::kWrites, "sync", file)) return -1;
+  if (support::FailsToSync(file)) return -1;
   return static_cast<int>(::syscall(SYS_fdatasync, file));
 }
 int ftruncate(int file, off_t size) noexcept {

@@ -18,7 +18,8 @@ struct FileFault {
 };
 
 /// A disk that fails. While this lives, the `nth` operation of this process that touches a file in the folder
-/// ends in the error; a write of several bytes gets half of them there before. One at a time. The functions
+/// ends in the error; a write of several bytes gets half of them there before, and a new file that can't be
+/// synced before it is put in its place is empty. One at a time. The functions
 /// of the C library that open, write, cut, sync, rename, make and remove files are this program's own
 /// wherever it is linked, for the libraries too.
 class FailingFiles {
