@@ -7,6 +7,7 @@
 #include <mutex>
 #include <utility>
 
+#include "base/Attempt.hpp"
 #include "files/Descriptor.hpp"
 #include "files/FileError.hpp"
 
@@ -23,10 +24,10 @@ Watch& TheWatch() {
   return watch;
 }
 
-void Tell(const std::string& folder, int error) {
+void Tell(const base::Failure& failure) {
   Watch& watch = TheWatch();
   const std::lock_guard lock(watch.mutex);
-  if (watch.tell) watch.tell(FileFailure(error, folder, "A change might not outlast a power cut, in "));
+  if (watch.tell) watch.tell(failure);
 }
 
 }  // namespace
@@ -36,10 +37,15 @@ int FlushFolder(const std::string& folder) {
   return descriptor.valid() && ::fsync(descriptor.get()) == 0 ? 0 : errno;
 }
 
-void SyncFolder(const std::string& folder) {
+void NeedFolderSync(const std::string& folder) {
   const int error = FlushFolder(folder);
   // One can be let write into a folder without being let open it.
-  if (error != 0 && error != EINVAL && error != ENOTSUP && error != EACCES) Tell(folder, error);
+  if (error == 0 || error == EINVAL || error == ENOTSUP || error == EACCES) return;
+  throw FileFailure(error, folder, "A change might not outlast a power cut, in ");
+}
+
+void SyncFolder(const std::string& folder) {
+  base::Handled([&] { NeedFolderSync(folder); }, Tell);
 }
 
 UnsyncedFolders::UnsyncedFolders(std::function<void(const base::Failure&)> tell) {

@@ -13,6 +13,9 @@ namespace files {
 /// be taken back; who watches is told.
 void SyncFolder(const std::string& folder);
 
+/// The same, but whoever calls is told, by a failure as files have it. One that doesn't know this is flushed.
+void NeedFolderSync(const std::string& folder);
+
 /// While it lives, it is told of each folder of this process that could not be flushed; not of one whose file
 /// system doesn't know this. One at a time. It is told in whatever thread writes, which waits meanwhile, and
 /// must write no file by this library itself.

@@ -92,10 +92,10 @@ class TemporaryFile {
     return StampFrom(info);
   }
 
-  void replace() {
+  void replace(bool lasting) {
     if (::rename(name_.c_str(), path_.c_str()) != 0) fail(errno);
     kept_ = true;
-    SyncFolder(FolderOf(path_));
+    lasting ? NeedFolderSync(FolderOf(path_)) : SyncFolder(FolderOf(path_));
   }
   /// False if the name is taken.
   bool take() {
@@ -148,7 +148,7 @@ FileStamp WriteFile(const std::string& path, std::string_view content, const Wri
   if (failed && link) FailOn(path, failed.value());
   TemporaryFile file(target, how.mode);
   const FileStamp stamp = file.write(content, how.write);
-  file.replace();
+  file.replace(how.lasting);
   return stamp;
 }
 

@@ -24,6 +24,8 @@ constexpr mode_t kFolderForOwner = 0700;
 struct WriteHow {
   mode_t mode = kForAll;  ///< of a file that is not there yet
   WriteCall write = WriteBytes;
+  /// Fails where the folder can't be flushed: then the file stands, but might not outlast a power cut.
+  bool lasting = false;
 };
 
 /// Writes all of the text to an open file, or throws as `FailOn`.

@@ -1,12 +1,14 @@
 // The settings on a disk whose operations fail one after the other.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <optional>
 
 #include "base/Failure.hpp"
 #include "standin/settings/SettingsStore.hpp"
+#include "support/TempFolder.hpp"
 #include "support/faults/FailingFiles.hpp"
 
 namespace standin {
@@ -92,6 +94,30 @@ TEST(SettingsFaults, WhereAnyOperationFailsWhatWasAcknowledgedStandsAndNothingEl
     known.expectInTheNext(folder);
   });
   EXPECT_GT(failed, 20);
+}
+
+TEST(SettingsFaults, TheJournalStaysUntilTheFolderOfTheFilesIsOnTheDisk) {
+  for (int nth = 1;; ++nth) {
+    const support::TempFolder root;
+    support::FaultyRun run(root.path(), {EIO, false, false}, nth);
+    SettingsStore store(run.folder());
+    store.save(kFile, "Settings", "Volume", "42");
+    bool told = false;
+    run.onTheFailingDisk([&] {
+      try {
+        store.flush();
+      } catch (const base::Failure&) {
+        told = true;
+      }
+    });
+    ASSERT_FALSE(run.failed().empty()) << "the folder is not flushed";
+    EXPECT_TRUE(told) << run.failed();
+    EXPECT_TRUE(store.pending()) << run.failed();
+    if (run.failed() != "sync " + run.folder()) continue;
+    store.flush();
+    EXPECT_FALSE(store.pending());
+    return;
+  }
 }
 
 TEST(SettingsFaults, AStartOnAFailingDiskLosesNothing) {

@@ -29,6 +29,7 @@ class IniFile {
   [[nodiscard]] const std::string* find(std::string_view section, std::string_view key) const;
   void set(std::string_view section, std::string_view key, std::string value);
   void clear(std::string_view section);
+  [[nodiscard]] bool has(std::string_view section) const { return look(section) != nullptr; }
   /// The entries of a section as key=value, in their order.
   [[nodiscard]] std::vector<std::string> entries(std::string_view section) const;
   /// Of all names, values and remarks.

@@ -10,11 +10,12 @@
 #include <utility>
 
 #include "files/FileError.hpp"
-#include "files/ReadFile.hpp"
 #include "files/WriteFile.hpp"
 
 namespace standin {
 namespace {
+
+constexpr std::size_t kPiece = std::size_t{1} << 20U;  ///< what is read at once
 
 std::string Escaped(std::string_view text) {
   std::string out;
@@ -89,19 +90,36 @@ bool SettingsJournal::readLine(std::string_view line, SettingChange& change) {
 }
 
 void SettingsJournal::replay(const std::function<void(const SettingChange&)>& apply) {
-  const std::optional<std::string> content = files::TextOf(path_);
-  std::string_view rest = content ? std::string_view(*content) : std::string_view();
-  while (!rest.empty()) {
-    const std::size_t end = rest.find('\n');
-    if (end == std::string_view::npos) {
-      size_ = content->size() - rest.size();
-      torn_ = true;
-      return;
+  std::string piece(kPiece, '\0');
+  std::string line;  // as far as it has been read
+  bool tooLong = false;
+  std::size_t read = 0;
+  std::size_t whole = 0;  // where the last whole line ends
+  for (;;) {
+    const ssize_t got = ::pread(file_.get(), piece.data(), piece.size(), static_cast<off_t>(read));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw files::FileFailure(errno, path_, "Can't read ");
+    if (got == 0) break;
+    read += static_cast<std::size_t>(got);
+    for (auto rest = std::string_view(piece).substr(0, static_cast<std::size_t>(got)); !rest.empty();) {
+      const std::size_t end = std::min(rest.find('\n'), rest.size());
+      tooLong = tooLong || line.size() + end > kLongestLine;
+      if (!tooLong) line += rest.substr(0, end);
+      if (end == rest.size()) break;
+      rest.remove_prefix(end + 1);
+      whole = read - rest.size();
+      SettingChange change;
+      if (!tooLong && readLine(line, change)) apply(change);
+      line.clear();
+      tooLong = false;
     }
-    SettingChange change;
-    if (readLine(rest.substr(0, end), change)) apply(change);
-    rest.remove_prefix(end + 1);
   }
+  torn_ = read != whole;
+  size_ = whole;
+}
+
+void SettingsJournal::sync() {
+  if (::fsync(file_.get()) != 0) throw files::FileFailure(errno, path_, "Can't write ");
 }
 
 void SettingsJournal::append(const SettingChange& change) {

@@ -26,11 +26,17 @@ class SettingsJournal {
   /// Opens or creates it. Throws as files do.
   explicit SettingsJournal(std::filesystem::path path);
 
-  /// Gives every whole change to `apply` in order; what is torn is passed over. Throws as files do.
+  /// A longer line is no change, as the longest with each character escaped is half of it.
+  static constexpr std::size_t kLongestLine = std::size_t{16} << 20U;
+
+  /// Gives every whole change to `apply` in order, one in memory at a time; what is torn or too long is
+  /// passed over. Throws as files do.
   void replay(const std::function<void(const SettingChange&)>& apply);
   /// Has the change in the file when it returns; throws, 61 for a full disk, and leaves nothing that would be
   /// read as one.
   void append(const SettingChange& change);
+  /// Has all changes on the disk.
+  void sync();
   /// Forgets all changes, as the files hold them now.
   void empty();
   [[nodiscard]] std::size_t size() const { return size_; }

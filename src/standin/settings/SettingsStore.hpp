@@ -19,13 +19,15 @@ class SettingsStore {
   /// new one. Throws as files do.
   explicit SettingsStore(const std::filesystem::path& folder);
 
-  /// The stored text, or nothing when the key is absent. Throws number 5 for a name that is no plain file
-  /// name.
+  /// The stored text, or nothing when the key is absent, or the file. Throws number 5 for a name that is no
+  /// plain file name.
   std::optional<std::string> get(const std::string& file, const std::string& section, const std::string& key);
   static constexpr std::size_t kLongestName = 4096;  ///< of a section or a key, in bytes
   static constexpr std::size_t kLongestValue = std::size_t{4} << 20U;
-  static constexpr std::size_t kMostInAll = std::size_t{64} << 20U;  ///< names and values of all files in use
+  /// Names and values of all files, those that nobody has asked for yet by their size on the disk.
+  static constexpr std::size_t kMostInAll = std::size_t{64} << 20U;
   static constexpr std::size_t kMostFiles = 1000;
+  static constexpr std::size_t kMostWaiting = std::size_t{64} << 20U;  ///< in the journal, but for one change
 
   /// Throws number 61 when the disk is full, 6 when this would be more than is kept; the earlier value stands
   /// then.
@@ -33,10 +35,11 @@ class SettingsStore {
             const std::string& value);
   /// The section as key=value entries separated by the character of code 0.
   std::string section(const std::string& file, const std::string& section);
+  /// Throws number 61 when the disk is full. A section that isn't there is none to be cleared.
   void clear(const std::string& file, const std::string& section);
 
   /// Brings all changes into the files and empties the journal. On a failure the files stay whole, the
-  /// journal stays, and the failure is thrown.
+  /// journal stays, and the failure is thrown; so too where the files might not outlast a power cut.
   void flush();
   /// What the user should know of the taking over, for the log.
   [[nodiscard]] const std::vector<std::string>& notes() const { return notes_; }
@@ -50,8 +53,17 @@ class SettingsStore {
     IniFile content;
     bool changed = false;
   };
-  Loaded& open(const std::string& file);
-  void checkRoomFor(const SettingChange& change);
+  void countStored();
+  void takeOver(const SettingChange& change);
+  [[nodiscard]] std::optional<std::filesystem::path> pathOf(const std::string& folded) const;
+  /// The file's content, null where there is none.
+  Loaded* look(const std::string& file);
+  /// The same, an empty one where there is none.
+  Loaded& need(const std::string& file);
+  Loaded& fresh(const std::string& file);
+  Loaded& load(const std::string& folded, const std::filesystem::path& path);
+  void checkRoomFor(const SettingChange& change, const Loaded* loaded) const;
+  void note(const SettingChange& change);
   static void bring(const SettingChange& change, Loaded& into);
   void openWaiting();
   void keepEdited();
@@ -59,7 +71,9 @@ class SettingsStore {
   std::filesystem::path folder_;
   SettingsJournal journal_;
   std::map<std::string, Loaded> files_;
-  std::map<std::string, std::vector<SettingChange>> waiting_;  ///< of the journal, for files not opened yet
+  std::map<std::string, std::size_t> stored_;  ///< the sizes of files at the start that nobody has asked for
+  std::map<std::string, std::vector<SettingChange>>
+      waiting_;  ///< of the journal, for files that can't be read
   std::vector<std::string> notes_;
 };
 
