@@ -185,6 +185,7 @@ M3uText::M3uText(std::string text) : text_(std::move(text)) {
   rest.remove_prefix(head.size + head.mark);
   while (!rest.empty()) {
     if (!IsItem(Readable(TakeLine(rest)))) continue;
+    checkRoom(1);
     const std::size_t end = text_.size() - rest.size();
     items_.push_back({begin, end - begin});
     begin = end;
@@ -261,7 +262,14 @@ M3uItem M3uText::item(std::size_t index, const std::string& folder) const {
   return item;
 }
 
+void M3uText::checkRoom(std::size_t more) const {
+  if (more > kMostItems - items_.size())
+    throw base::Failure(base::number::kOverflow,
+                        "There are more than " + std::to_string(kMostItems) + " items in it");
+}
+
 void M3uText::insertAll(std::size_t index, const std::vector<M3uItem>& items) {
+  checkRoom(items.size());
   std::vector<Piece> pieces;
   std::string added;
   for (const M3uItem& item : items) {

@@ -27,6 +27,9 @@ class M3uText {
   /// No line that is longer, or holds a code 0, is read; it is kept.
   static constexpr std::size_t kLongestLine = 65536;
 
+  static constexpr std::size_t kMostItems = 500'000;
+
+  /// Throws 6 for a list of more items.
   explicit M3uText(std::string text = {});
 
   /// Empty if the file does not tell; at most `tags::TagFields::kLongest` bytes of what it tells.
@@ -38,7 +41,8 @@ class M3uText {
   [[nodiscard]] std::size_t count() const { return items_.size(); }
   /// `folder` is what relative paths start from.
   [[nodiscard]] M3uItem item(std::size_t index, const std::string& folder) const;
-  /// Throws 5 for a location that is longer than a line may be; then none is put in.
+  /// Throws 5 for a location that is longer than a line may be, 6 for more items than may be; then none is
+  /// put in.
   void insertAll(std::size_t index, const std::vector<M3uItem>& items);
   void insert(std::size_t index, const M3uItem& item) { insertAll(index, {item}); }
   void remove(std::size_t index);
@@ -58,6 +62,7 @@ class M3uText {
   [[nodiscard]] std::string_view of(const Piece& piece) const {
     return std::string_view(text_).substr(piece.begin, piece.size);
   }
+  void checkRoom(std::size_t more) const;
   void readHead(std::string_view head);
   [[nodiscard]] std::string wholeName() const;
   void needHeader();

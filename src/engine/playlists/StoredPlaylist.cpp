@@ -65,6 +65,7 @@ void StoredPlaylist::appendItem(const player::MediaRef& media) {
   if (keeper_ == nullptr) return ListPlaylist::appendItem(media);
   const M3uItem item = Written(media);
   M3uText text = keeper_->open(*this);
+  keeper_->checkRoomIn(*this, text.count() + 1);
   text.insert(size(), item);
   keeper_->save(*this, text.text());
   ListPlaylist::appendItem(media);
@@ -77,6 +78,7 @@ void StoredPlaylist::insertItem(std::int32_t index, const player::MediaRef& medi
   const M3uItem item = Written(media);
   M3uText text = keeper_->open(*this);
   check(index, size() + 1);
+  keeper_->checkRoomIn(*this, text.count() + 1);
   text.insert(static_cast<std::size_t>(index), item);
   keeper_->save(*this, text.text());
   ListPlaylist::insertItem(index, media);
@@ -88,6 +90,7 @@ void StoredPlaylist::insertItems(std::int32_t index, const std::vector<player::T
   if (keeper_ == nullptr) return ListPlaylist::insertItems(index, told);
   M3uText text = keeper_->open(*this);
   check(index, size() + 1);
+  keeper_->checkRoomIn(*this, text.count() + told.size());
   std::vector<player::MediaRef> media;
   std::vector<M3uItem> items;
   for (const player::ToldMedia& each : told) {

@@ -30,8 +30,11 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
     std::function<void()> changedByCall = changed;
   };
 
+  /// Of all playlists together.
+  static constexpr std::size_t kMostItems = 1'000'000;
+
   StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
-                  files::WriteCall write = files::WriteBytes);
+                  files::WriteCall write = files::WriteBytes, std::size_t mostItems = kMostItems);
   ~StoredPlaylists() override;
   StoredPlaylists(const StoredPlaylists&) = delete;
   StoredPlaylists& operator=(const StoredPlaylists&) = delete;
@@ -62,7 +65,24 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
     bool content = false;  ///< the items of one that was known
   };
 
+  /// A file that has been told as unreadable.
+  struct Unreadable {
+    files::FileStamp stamp;
+    std::size_t items = 0;  ///< that it holds, where they are too many
+  };
+
+  static constexpr std::int64_t kLargest = 64LL << 20;  ///< of a file
+
   M3uText open(StoredPlaylist& playlist) override;
+  void checkRoomIn(const StoredPlaylist& playlist, std::size_t items) const override {
+    checkRoom(playlist.path(), items);
+  }
+  /// Throws 6 when all playlists together would have too many items with so many in the one at the path.
+  void checkRoom(const std::string& path, std::size_t items) const;
+  [[nodiscard]] bool fits(const std::string& path, std::size_t items) const {
+    return items <= M3uText::kMostItems && itemsBeside(path) + items <= mostItems_;
+  }
+  [[nodiscard]] std::size_t itemsBeside(const std::string& path) const;
   void save(StoredPlaylist& playlist, const std::string& text) override;
   [[nodiscard]] bool holds(const StoredPlaylist& playlist) const override;
   [[nodiscard]] player::MediaRef mediaOf(const M3uItem& item) const override;
@@ -102,11 +122,12 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   const Library& library_;
   Events events_;
   files::WriteCall write_;
+  std::size_t mostItems_;
   std::map<std::string, Stored> byPath_;
-  std::vector<std::weak_ptr<StoredPlaylist>> lost_;     ///< in their order; several may have had one path
-  std::map<std::string, files::FileStamp> unreadable_;  ///< that have been told as such
-  std::set<std::string> cutTold_;                       ///< files with a name too long that have been told
-  bool folderTold_ = false;                             ///< that it can't be read
+  std::vector<std::weak_ptr<StoredPlaylist>> lost_;  ///< in their order; several may have had one path
+  std::map<std::string, Unreadable> unreadable_;
+  std::set<std::string> cutTold_;  ///< files with a name too long that have been told
+  bool folderTold_ = false;        ///< that it can't be read
   std::unique_ptr<base::Timer> timer_;
 };
 

@@ -46,13 +46,13 @@ std::vector<std::string> Addresses(player::Playlist& list) {
 }
 
 PlaylistFolder::PlaylistFolder(const std::string& root, files::WriteCall write,
-                               std::vector<std::string> musicFolders)
+                               std::vector<std::string> musicFolders, std::size_t mostItems)
     : folder(root + "/playlists"),
       library(loop, LibraryIn(root, std::move(musicFolders)), {[] {}, [](const std::string&) {}, [] {}}),
       lists(loop, folder, library,
             {[this] { ++changes; }, [this] { ++contents; },
              [this](const std::string& line) { messages.push_back(line); }},
-            std::move(write)) {}
+            std::move(write), mostItems) {}
 
 player::PlaylistRef PlaylistFolder::named(const std::string& name) {
   const auto found = lists.getByName(name);

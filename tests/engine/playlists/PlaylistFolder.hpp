@@ -24,7 +24,8 @@ class PlaylistFolder {
  public:
   /// `root` also takes the library's data; the playlists lie in `root`/playlists.
   explicit PlaylistFolder(const std::string& root, files::WriteCall write = files::WriteBytes,
-                          std::vector<std::string> musicFolders = {});
+                          std::vector<std::string> musicFolders = {},
+                          std::size_t mostItems = StoredPlaylists::kMostItems);
 
   [[nodiscard]] player::MediaRef media(const std::string& address) const { return library.mediaAt(address); }
   /// The playlist of that name; nothing without one.
