@@ -153,7 +153,7 @@ void PlayListEditor::ExpandNode(const NodeRef& node) {
       readLibrary(node);
     else if (!NeverFilled(node->key()))
       readGroup(node, node->parent());
-    now_.CurrentNode = current;
+    if (node->held()) now_.CurrentNode = current;
   });
 }
 
@@ -165,6 +165,7 @@ void PlayListEditor::readLibrary(const NodeRef& node) {
       player::PlaylistRef library;
       const Reading reading(*this);
       status = in_.catalogue.GetGroupItems(catalogue::kMediaLibraryCategory, "", library);
+      if (!node->held()) return;  // the window has gone meanwhile
       if (library) library->name(kLibraryRoot);
       now_.LibraryPlayList = library;
     }
@@ -195,6 +196,7 @@ void PlayListEditor::readGroup(const NodeRef& node, const NodeRef& parent) {
     const Reading reading(*this);
     status = in_.catalogue.GetGroupItems(category, node->text(), group);
   }
+  if (!node->held()) return;  // the window has gone while it was read
   now_.TreePlayList = group;
   note(group);
   // What the player makes of a category has a name of its own, and the branch is found by the group's.

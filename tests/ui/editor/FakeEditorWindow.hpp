@@ -28,6 +28,7 @@ class FakeEditorWindow : public editor::EditorWindow {
   editor::ItemRef item;
   std::deque<MessageAnswer> answers;  ///< the form's default behind them
   std::function<void()> onMessage = [] {};
+  std::function<void()> onRepaint = [] {};
   std::string typed;
   std::string chosenFile;  ///< empty for Cancel
   editor::FileDialog fileDialog;
@@ -70,7 +71,10 @@ class FakeEditorWindow : public editor::EditorWindow {
     told(value ? "enabled" : "disabled");
     isEnabled = value;
   }
-  void repaint() override { told("repaint"); }
+  void repaint() override {
+    told("repaint");
+    onRepaint();
+  }
   void screenPointer(std::int16_t value) override {
     told("screen pointer " + std::to_string(value));
     pointer = value;

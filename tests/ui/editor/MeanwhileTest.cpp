@@ -127,6 +127,27 @@ TEST_F(Meanwhile, AWindowThatGoesInTheMidstOfAReadStaysEmpty) {
   EXPECT_EQ(state().ListPlayList, nullptr);
 }
 
+TEST_F(Meanwhile, AWindowThatGoesWhileAGroupIsReadHasNothingToTell) {
+  whileItReads([&] { window.close(); });
+  click("PlayListWinter");
+  ASSERT_TRUE(played());
+  EXPECT_THAT(window.messages, IsEmpty());
+  EXPECT_EQ(state().TreePlayList, nullptr);
+  EXPECT_EQ(state().CurrentNode, nullptr);
+}
+
+TEST_F(Meanwhile, AWindowThatGoesWhileTheLibraryIsReadHasNothingToTell) {
+  bool gone = false;
+  window.onRepaint = [&] {
+    if (!std::exchange(gone, true)) window.close();
+  };
+  click("All Audio");
+  EXPECT_FALSE(window.isShown);
+  EXPECT_THAT(window.messages, IsEmpty());
+  EXPECT_EQ(state().LibraryPlayList, nullptr);
+  EXPECT_TRUE(window.isEnabled);
+}
+
 TEST_F(Meanwhile, AnEditThatEndsBehindAPressElsewhereRenamesNothing) {
   click("PlayListWinter");
   std::int16_t cancel = 0;
