@@ -210,10 +210,10 @@ class Gestures {
       return "an item can be moved that is not in the list";
     if (foreign_) return {};
     const std::string step = steps_.lost(in_.editor, in_.window.messages, gesture);
-    return step.empty() ? changeOf(before) : step;
+    return step.empty() ? changeOf(before, gesture) : step;
   }
   /// One gesture puts one title into one list at most, and takes one out of one; a deleted list goes whole.
-  [[nodiscard]] std::string changeOf(const Store& before) const {
+  [[nodiscard]] std::string changeOf(const Store& before, const Gesture& gesture) const {
     const Store now = store();
     int more = 0;
     int less = 0;
@@ -235,6 +235,9 @@ class Gestures {
     }
     if (more > 1 || less > 1) return "more than one title has come or gone";
     if (changed > 0) return "a list has other titles though as many";
+    const bool dropped = KindOf(gesture) == kDragFromTree && more == 1 && in_.window.messages.empty();
+    if (dropped && less != (steps_.moves() ? 1 : 0))
+      return steps_.moves() ? "a move has left the title where it stood" : "a copy has taken the title away";
     return {};
   }
 

@@ -45,7 +45,12 @@ class InStep {
     cutFromLibrary_ = clip && editor.state().ClipIsCopy == 0 &&
                       editor.state().ClipSource == ui::editor::Control::kTreeView1 &&
                       clip->key().rfind("PlayList", 0) != 0;
+    const ui::editor::NodeRef& node = editor.state().CurrentNode;
+    moves_ = node && node->fullPath().rfind("PlayList", 0) == 0 && editor.state().CopyMode != 1;
   }
+
+  /// Whether what comes from the tree is taken out of where it stands there.
+  [[nodiscard]] bool moves() const { return moves_; }
 
   /// What the gesture has put out of step; empty for nothing.
   [[nodiscard]] std::string lost(ui::editor::PlayListEditor& editor, const Titles& messages,
@@ -63,9 +68,13 @@ class InStep {
     if (Sorted(listed) != Sorted(stored)) return "the list has other titles than its playlist";
     const bool reorders = kind == kDragInList || kind == kMoveUp || kind == kMoveDown;
     if (reorders && inOrder_ && listed != stored) return "a move in the list is another one in the playlist";
-    if (kind == kDragFromTree && listed.size() > before_.size() &&
-        stored.back() != Folded(editor.state().CurrentListItem->text()))
-      return "what was dropped is not at the playlist's end";
+    if (kind != kDragFromTree || listed.size() <= before_.size()) return {};
+    const std::string dropped = Folded(editor.state().CurrentListItem->text());
+    if (stored.back() != dropped) return "what was dropped is not at the playlist's end";
+    // The gesture counts the items, and none of them, as it finds them.
+    const std::size_t onto = gesture.first % (before_.size() + 1);
+    if (listed[onto == 0 ? before_.size() : onto - 1] != dropped)
+      return "what was dropped is not before the item that it was dropped on";
     return {};
   }
 
@@ -101,6 +110,7 @@ class InStep {
   bool same_ = false;
   bool inOrder_ = false;
   bool cutFromLibrary_ = false;
+  bool moves_ = false;
 };
 
 }  // namespace support
