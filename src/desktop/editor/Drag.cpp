@@ -88,9 +88,11 @@ void Drag::end() {
 }
 
 int Drag::paneAt(QPoint at) const {
+  // Another window may cover a pane.
+  const QWidget* seen = QApplication::widgetAt(at);
   for (int i = 0; i < 2; ++i) {
     const QAbstractScrollArea& pane = *panes_[static_cast<std::size_t>(i)];
-    if (pane.isVisible() && pane.rect().contains(pane.mapFromGlobal(at))) return i;
+    if (seen == &pane || pane.isAncestorOf(seen)) return i;
   }
   return -1;
 }
@@ -130,12 +132,20 @@ void Drag::dropped(QPoint at) {
   (shared_.events->*EventsOf(pane).dragDrop)(*source, place.x, place.y);
 }
 
-void Drag::cancelled() {
-  if (!active()) return;
-  const Control source = *source_;
+void Drag::withdraw() {
   if (over_ >= 0) tellOver(over_, last_, DragState::kLeave);
   end();
   if (shared_.models != nullptr) shared_.models->ListView1.dropHighlight(nullptr);
+}
+
+void Drag::lost() {
+  if (active()) withdraw();
+}
+
+void Drag::cancelled() {
+  if (!active()) return;
+  const Control source = *source_;
+  withdraw();
   if (shared_.events != nullptr) shared_.events->TreeView1_DragDrop(source, 0, 0);
 }
 

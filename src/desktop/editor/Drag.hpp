@@ -61,10 +61,14 @@ class Drag {
   void dropped(QPoint at);
   /// As if it had been dropped on the tree, which is no target: so it ends without a trace.
   void cancelled();
+  /// The button's release will be told to nobody: as if it had been let go beside the panes.
+  void lost();
 
  private:
   /// The number of the pane at a place of the screen, -1 for none.
   [[nodiscard]] int paneAt(QPoint at) const;
+  /// Takes back what shows of it, and ends it.
+  void withdraw();
   void tellOver(int pane, QPoint at, ui::editor::DragState state);
   void rested();
   void showPointer();

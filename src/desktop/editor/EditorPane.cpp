@@ -186,6 +186,12 @@ void EditorPane::focusOn(Control pane) {
   (shared_.events->*told.gotFocus)();
 }
 
+bool EditorPane::event(QEvent* event) {
+  // A question has come up: whatever the mouse does from now on is kept from this window.
+  if (event->type() == QEvent::WindowBlocked) drag_.lost();
+  return QWidget::event(event);
+}
+
 void EditorPane::closeEvent(QCloseEvent* event) {
   if (!isEnabled()) return event->ignore();
   drag_.end();

@@ -45,6 +45,7 @@ class EditorPane : public QWidget {
   [[nodiscard]] bool drawn() const { return drawn_; }
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void paintEvent(QPaintEvent* event) override;

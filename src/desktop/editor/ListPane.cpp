@@ -103,7 +103,8 @@ void ListPane::mousePressEvent(QMouseEvent* event) {
   shared_.settle();
   input_.entered();
   const ItemRef item = itemAt(event->pos());
-  if (item && shared_.models != nullptr) shared_.models->ListView1.selectedItem(item);
+  if (item && shared_.models != nullptr && PaneInput::tells(*event))
+    shared_.models->ListView1.selectedItem(item);
   input_.press(*event, event->pos(), item != nullptr, [&] { shared_.events->ListView1_ItemClick(item); });
 }
 

@@ -22,6 +22,7 @@ std::int16_t ButtonOf(Qt::MouseButton button) {
   switch (button) {
     case Qt::LeftButton: return kLeftButton;
     case Qt::RightButton: return kRightButton;
+    case Qt::MiddleButton: return kMiddleButton;
     default: return 0;
   }
 }
@@ -49,6 +50,8 @@ void PaneInput::entered() {
   shared_.focused = told_.pane;
   (shared_.events->*told_.gotFocus)();
 }
+
+bool PaneInput::tells(const QMouseEvent& event) { return ButtonOf(event.button()) != 0; }
 
 void PaneInput::press(const QMouseEvent& event, QPoint at, bool onEntry, const std::function<void()>& click) {
   pressed_.reset();

@@ -22,6 +22,9 @@ class PaneInput {
   /// Before anything that the user does in the pane: the focus may have come without being told, as it does
   /// when the window opens.
   void entered();
+  /// Whether a press of that button is told. One that is not must leave the selection alone: the commands act
+  /// on what was told last.
+  static bool tells(const QMouseEvent& event);
   /// A mouse button, pressed where an entry is or none, told as at that place. `click` reports the pane's own
   /// click on it.
   void press(const QMouseEvent& event, QPoint at, bool onEntry, const std::function<void()>& click);

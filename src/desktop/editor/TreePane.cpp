@@ -125,7 +125,8 @@ void TreePane::mousePressEvent(QMouseEvent* event) {
   const QPoint at = placeNow(seen, event->pos());
   const NodeRef node = nodeAt(at);
   wasExpanded_ = node && node->expanded();
-  if (node && shared_.models != nullptr) shared_.models->TreeView1.selectedItem(node);
+  if (node && shared_.models != nullptr && PaneInput::tells(*event))
+    shared_.models->TreeView1.selectedItem(node);
   input_.press(*event, at, node != nullptr, [&] { shared_.events->TreeView1_NodeClick(node); });
 }
 

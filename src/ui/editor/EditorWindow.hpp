@@ -22,6 +22,7 @@ struct EditorModels {
 /// Mouse buttons and held keys as the events tell them.
 inline constexpr std::int16_t kLeftButton = 1;
 inline constexpr std::int16_t kRightButton = 2;
+inline constexpr std::int16_t kMiddleButton = 4;
 inline constexpr std::int16_t kShiftDown = 1;
 inline constexpr std::int16_t kCtrlDown = 2;
 inline constexpr std::int16_t kAltDown = 4;

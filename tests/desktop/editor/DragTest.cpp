@@ -41,6 +41,37 @@ TEST_F(Mouse, APressIsReportedBeforeTheClickAndTheNodeIsSelectedByThen) {
   EXPECT_TRUE(journal.has("tree press Sky 1 1"));
 }
 
+TEST_F(Mouse, WhatAnyButtonSelectsIsToldAsPressed) {
+  open();
+  clickAt(node("Sky"), "2");
+  ASSERT_TRUE(reported("tree press Sky 4"));
+  EXPECT_EQ(models.TreeView1.selectedItem()->text(), "Sky");
+  clickAt(item("Two"), "2");
+  ASSERT_TRUE(reported("list press Two 4"));
+  EXPECT_EQ(models.ListView1.selectedItem()->text(), "Two");
+  clickAt(node("Green"), "8");
+  clickAt(item("Three"), "8");
+  key("F1");
+  ASSERT_TRUE(reported("list key 112"));
+  EXPECT_EQ(models.TreeView1.selectedItem()->text(), "Sky") << "nobody was told of another";
+  EXPECT_EQ(models.ListView1.selectedItem()->text(), "Two");
+}
+
+TEST_F(Mouse, APressedRowStaysUnderTheMouse) {
+  fill();
+  addItems(60);
+  show();
+  const QListView& list = pane().list();
+  const QModelIndex last = list.indexAt(QPoint(60, list.viewport()->height() - 1));
+  ASSERT_TRUE(last.isValid());
+  const std::string name = last.data().toString().toStdString();
+  const QRect before = list.visualRect(last);
+  clickAt(list.viewport()->mapToGlobal(QPoint(60, list.viewport()->height() - 1)));
+  ASSERT_TRUE(reported("click " + name));
+  EXPECT_TRUE(journal.has("list press " + name + " 1"));
+  EXPECT_EQ(list.visualRect(last), before);
+}
+
 TEST_F(Mouse, APressThatLeadsToAQuestionIsNoClick) {
   open();
   reports.onTreePress = [&] { window->message(ui::editor::MessageKind::kPlain, "Well?"); };
@@ -106,6 +137,44 @@ TEST_F(Mouse, DroppedBesideThePanesItIsNobodys) {
   EXPECT_THAT(drops(), IsEmpty());
 }
 
+TEST_F(Mouse, ADragThatAQuestionCutsOffDropsNothingLater) {
+  open();
+  press(node("Sky"));
+  mouseTo(item("Two"));
+  ASSERT_TRUE(reported("list over TreeView1 enter"));
+  then([&](QWidget&) {
+    release();
+    key("Return");
+  });
+  window->message(ui::editor::MessageKind::kPlain, "Well?");
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(models.ListView1.dropHighlight(), nullptr);
+  ASSERT_TRUE(until([&] { return pane().isActiveWindow(); }));
+  clickAt(item("Three"));
+  ASSERT_TRUE(reported("click Three"));
+  clickAt(node("Green"));
+  ASSERT_TRUE(reported("click Green"));
+  EXPECT_THAT(drops(), IsEmpty());
+}
+
+TEST_F(Mouse, AnotherWindowThatCoversAPaneIsNoTarget) {
+  open();
+  QLabel cover("In the way", nullptr, Qt::Window | Qt::BypassWindowManagerHint);
+  const QPoint two = item("Two");
+  cover.setGeometry(QRect(two - QPoint(20, 20), QSize(80, 60)));
+  cover.show();
+  cover.raise();
+  ASSERT_TRUE(until([&] { return QApplication::widgetAt(two) == &cover; }));
+  press(node("Sky"));
+  mouseTo(item("One") + QPoint(100, 0));
+  ASSERT_TRUE(reported("list over TreeView1 enter"));
+  mouseTo(two);
+  ASSERT_TRUE(reported("list over TreeView1 leave"));
+  release();
+  ASSERT_TRUE(until([&] { return QGuiApplication::overrideCursor() == nullptr; }));
+  EXPECT_THAT(drops(), IsEmpty());
+}
+
 TEST_F(Mouse, EscapeEndsADragAsIfOnTheTree) {
   open();
   press(node("Sky"));
@@ -147,9 +216,7 @@ TEST_F(Mouse, ATremblingHandDragsNothing) {
 
 TEST_F(Mouse, ALongListScrollsWhileTheMouseRestsAtItsEdge) {
   fill();
-  for (int i = 0; i < 60; ++i)
-    models.ListView1.add(models.ListView1.count() + 1, "n" + std::to_string(i), "n" + std::to_string(i),
-                         "Sound");
+  addItems(60);
   show();
   press(item("One"));
   mouseTo(pane().list().mapToGlobal(QPoint(60, pane().list().height() - 8)));

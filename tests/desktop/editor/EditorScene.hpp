@@ -146,6 +146,13 @@ class EditorScene : public ::testing::Test {
     for (const char* name : {"Winter", "Autumn"}) models.PlayListDropBox.add(name);
     models.PlayListDropBox.listIndex(0);
   }
+  /// More items than the list has room for, "n0" and so on.
+  void addItems(int count) {
+    for (int i = 0; i < count; ++i) {
+      const std::string name = "n" + std::to_string(i);
+      models.ListView1.add(models.ListView1.count() + 1, name, name, "Sound");
+    }
+  }
   /// Brings it before the user's eyes, with the keyboard.
   void show() {
     window->show();
