@@ -1,5 +1,6 @@
 #include "desktop/editor/ListPane.hpp"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -78,6 +79,8 @@ void ListPane::showSelected() {
   const bool before = std::exchange(follows_, true);
   selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
   follows_ = before;
+  // What was moved stays in sight; what is pressed must not run away from under the mouse.
+  if (item && QGuiApplication::mouseButtons() == Qt::NoButton) bring(item);
 }
 
 void ListPane::bring(const ItemRef& item) {

@@ -61,6 +61,11 @@ void TreePane::showExpanded(const QModelIndex& parent, int first, int last) {
   }
 }
 
+bool TreePane::isUnfolded(const TreeNode& node) {
+  const NodeRef above = node.parent();
+  return !above || (above->expanded() && isUnfolded(*above));
+}
+
 void TreePane::showSelected() {
   const NodeRef node = shared_.models != nullptr ? shared_.models->TreeView1.selectedItem() : nullptr;
   const QModelIndex index = node ? model_.indexOf(*node) : QModelIndex();
@@ -68,6 +73,9 @@ void TreePane::showSelected() {
   const bool before = std::exchange(follows_, true);
   selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
   follows_ = before;
+  // What was made comes in sight; what is pressed must not run away from under the mouse. And what is closed
+  // stays so.
+  if (node && QGuiApplication::mouseButtons() == Qt::NoButton && isUnfolded(*node)) bring(node);
 }
 
 NodeRef TreePane::nodeAt(QPoint at) const {

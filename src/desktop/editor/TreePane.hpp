@@ -56,6 +56,8 @@ class TreePane : public QTreeView {
  private:
   void showExpanded(const QModelIndex& parent, int first, int last);
   void showSelected();
+  /// Whether all that it stands in is open.
+  static bool isUnfolded(const ui::editor::TreeNode& node);
   void choose(const QModelIndex& chosen);
   void expand(const ui::editor::NodeRef& node, bool value);
   void goSideways(bool in);

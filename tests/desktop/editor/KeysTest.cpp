@@ -95,6 +95,20 @@ TEST_F(Keyboard, AccessKeysPressButtons) {
   EXPECT_TRUE(reported("new")) << "two bear the same, but one is disabled";
 }
 
+TEST_F(Keyboard, AnAccessKeyOfTwoButtonsGoesFromOneToTheOther) {
+  open();
+  key("alt+n");
+  ASSERT_TRUE(until([&] { return pane().control(Control::kNew_PlayList).hasFocus(); }));
+  key("alt+n");
+  ASSERT_TRUE(until([&] { return pane().control(Control::kMoveDown_Button).hasFocus(); }));
+  EXPECT_FALSE(journal.has("new") || journal.has("down"))
+      << "neither is pressed by a key that may mean the other";
+  key("alt+n");
+  ASSERT_TRUE(until([&] { return pane().control(Control::kNew_PlayList).hasFocus(); }));
+  key("space");
+  EXPECT_TRUE(reported("new"));
+}
+
 TEST_F(Keyboard, TheFocusIsToldWhenItComesFromAnotherControl) {
   open();
   clickAt(item("One"));

@@ -60,8 +60,81 @@ TEST_F(WholeEditor, AnItemMovesByMouseByButtonAndByKeys) {
   clickItem("Sky");
   clickAt(middleOf(Control::kMoveUp_Button));
   ASSERT_TRUE(becomes("Autumn", {"Sky", "Sea"}));
+  clickItem("Sea");
   key("alt+u");
-  EXPECT_THAT(listed(), ElementsAre("Sky", "Sea")) << "it is the first already";
+  ASSERT_TRUE(becomes("Autumn", {"Sea", "Sky"}));
+  EXPECT_THAT(listed(), ElementsAre("Sea", "Sky"));
+}
+
+TEST_F(WholeEditor, WhatIsCopiedInTheSourcesIsPastedIntoTheList) {
+  open();
+  clickAt(ofBlue("Sun"));
+  ASSERT_TRUE(until([&] { return current() == "Sun"; }));
+  key("ctrl+c");
+  clickItem("Sky");
+  key("ctrl+v");
+  ASSERT_TRUE(becomes("Autumn", {"Sky", "Sea", "Sun"}));
+  EXPECT_THAT(listed(), ElementsAre("Sun", "Sky", "Sea")) << "before the item that was chosen";
+}
+
+TEST_F(WholeEditor, AnItemThatMovesFarStaysInSight) {
+  for (int i = 0; i < 60; ++i) {
+    const std::string title = "n" + std::to_string(i);
+    titles.addTrack(title, "Ann", "Blue", "Folk")->url = "http://house/" + title;
+    named("Autumn")->appendItem(titles.getByName(title)->item(0));
+  }
+  open();
+  clickItem("Sea");
+  const auto inSight = [&] {
+    const QListView& list = pane().list();
+    const QRect row = list.visualRect(list.currentIndex());
+    return list.currentIndex().data().toString() == "Sea" && !row.isEmpty() && row.top() >= 0 &&
+           row.bottom() <= list.viewport()->height();
+  };
+  for (int i = 0; i < 30; ++i) editor->MoveDown_Button_Click();
+  EXPECT_EQ(listed().at(31), "Sea");
+  EXPECT_TRUE(inSight()) << "downwards";
+  for (int i = 0; i < 31; ++i) editor->MoveUp_Button_Click();
+  EXPECT_EQ(listed().front(), "Sea");
+  EXPECT_TRUE(inSight()) << "upwards";
+}
+
+TEST_F(WholeEditor, APlaylistThatIsMadeComesInSight) {
+  for (int i = 0; i < 60; ++i) make("List " + std::to_string(i), {});
+  open();
+  then([](QWidget&) {
+    type("Zenith");
+    key("Return");
+  });
+  key("alt+n");
+  ASSERT_TRUE(until([&] { return current() == "Zenith"; }));
+  node("Zenith");  // which wants to see it
+}
+
+TEST_F(WholeEditor, ADropIsOneDurableWrite) {
+  open();
+  int writes = 0;
+  onWrite = [&](int file, const void* bytes, std::size_t size) {
+    ++writes;
+    return files::WriteBytes(file, bytes, size);
+  };
+  clickNode("Winter");
+  drag(node("Sun"), item("Sky"));
+  ASSERT_TRUE(becomes("Autumn", {"Sky", "Sea", "Sun"}));
+  ASSERT_TRUE(becomes("Winter", {}));
+  EXPECT_EQ(writes, 2) << "a move between two playlists is one in each";
+
+  choose("Autumn");
+  writes = 0;
+  drag(item("Sea"), item("Sky"));
+  ASSERT_TRUE(becomes("Autumn", {"Sea", "Sky", "Sun"}));
+  EXPECT_EQ(writes, 1) << "reordered";
+
+  choose("Winter");
+  writes = 0;
+  drag(ofBlue("Sun"), middleOf(Control::kListView1));
+  ASSERT_TRUE(becomes("Winter", {"Sun"}));
+  EXPECT_EQ(writes, 1) << "added";
 }
 
 TEST_F(WholeEditor, AFolderThatCanNotBeWrittenIsToldInWordsOfItsOwn) {
