@@ -1,25 +1,20 @@
 // What an edit of a stored playlist costs, beside the writing of the same bytes by itself.
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "Brief.hpp"
+#include "PlainWrite.hpp"
 #include "bus/PollLoop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/library/Library.hpp"
-#include "engine/playlists/M3u.hpp"
 #include "engine/playlists/StoredPlaylists.hpp"
 
 namespace {
@@ -40,43 +35,13 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-std::string Content(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-/// The least that a durable change of a whole file takes: written beside, synced, renamed.
-void WritePlainly(const std::string& path, const std::string& content) {
-  const std::string beside = path + ".new";
-  const int file = ::open(beside.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0644);
-  const bool good = ::write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size()) &&
-                    ::fsync(file) == 0 && ::rename(beside.c_str(), path.c_str()) == 0;
-  ::close(file);
-  if (!good) std::abort();
-}
-
-void MakePlaylist(const fs::path& path, int count) {
-  engine::M3uText text;
-  text.name("Bench");
-  for (int i = 0; i < count; ++i) {
-    const std::string number = std::to_string(i);
-    text.insert(text.count(), {"/srv/music/artist " + std::to_string(i / 30) + "/album " +
-                                   std::to_string(i / 10) + "/track " + number + ".flac",
-                               "Artist " + std::to_string(i / 30) + " - Title " + number, 215});
-  }
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text.text();
-}
-
 struct Costs {
   double load = 0, change = 0, append = 0, move = 0, remove = 0, plain = 0;
 };
 
 Costs Measure(const fs::path& folder, int count) {
   const fs::path path = folder / "playlists/Bench.m3u8";
-  MakePlaylist(path, count);
+  bench::MakePlaylist(path, count);
   bus::PollLoop loop;
   engine::Config config;
   config.dataFolder = folder / "data";
@@ -109,8 +74,8 @@ Costs Measure(const fs::path& folder, int count) {
     append.push_back(Seconds([&] { list->appendItem(media); }));
     move.push_back(Seconds([&] { list->moveItem(list->count() - 1, list->count() / 2); }));
     remove.push_back(Seconds([&] { list->removeItem(list->item(list->count() / 2 - 1)); }));
-    const std::string content = Content(path);
-    plain.push_back(Seconds([&] { WritePlainly(folder / "plain", content); }));
+    const std::string content = bench::Content(path);
+    plain.push_back(Seconds([&] { bench::WritePlainly(folder / "plain", content); }));
   }
   if (list->count() != count) std::abort();
   costs.append = Median(append);

@@ -30,10 +30,12 @@ class QuietProgress : public catalogue::Progress {
 };
 
 /// A playlist editor with all that it takes and nothing else, over a library in memory. Its window is the
-/// fake one unless there is another.
+/// fake one unless there is another, and so are its playlists.
 struct EditorGround {
-  explicit EditorGround(ui::editor::EditorWindow* shown = nullptr)
-      : editor({shown != nullptr ? *shown : window, catalogue, xref, form, stale, host, settings, state}) {
+  explicit EditorGround(ui::editor::EditorWindow* shown = nullptr,
+                        player::PlaylistCollection* stored = nullptr)
+      : playlists(stored),
+        editor({shown != nullptr ? *shown : window, catalogue, xref, form, stale, host, settings, state}) {
     host.Host = host.HostCallback = std::make_shared<QuietHost>();
     stale.markCategories();
   }
@@ -49,9 +51,11 @@ struct EditorGround {
   Journal journal;
   support::QuietEvents events;
   FakeLibrary library{journal};
+  player::PlaylistCollection* playlists;
   player::WMPPlayer form{[this](player::WMP9Events& to) {
                            auto made = std::make_unique<FakePlayer>(journal, to);
                            library.into(*made);
+                           if (playlists != nullptr) made->playlistLibrary = playlists;
                            return made;
                          },
                          events};
