@@ -13,7 +13,8 @@
 
 #include "engine/decoder/MediaDoor.hpp"
 #include "engine/decoder/MpvHandle.hpp"
-#include "engine/decoder/UnreadTags.hpp"
+#include "engine/shown/SampleClaims.hpp"
+#include "engine/shown/UnreadTags.hpp"
 
 namespace engine {
 namespace {
@@ -27,10 +28,13 @@ constexpr std::size_t kLargestBlock = std::size_t{256} << 20U;
 /// What the decoder reads: an open file, and the place in it.
 class Stream {
  public:
-  explicit Stream(const std::string& path) : file_(OpenMedia(path)), tags_(file_.get()) {}
+  explicit Stream(const std::string& path)
+      : file_(OpenMedia(path)),
+        tags_(file_.get()),
+        claims_(tags_, static_cast<std::uint64_t>(std::max<std::int64_t>(size(), 0))) {}
 
   std::int64_t read(char* bytes, std::uint64_t most) {
-    const std::int64_t count = tags_.read(bytes, most, place_);
+    const std::int64_t count = claims_.read(bytes, most, place_);
     if (count > 0) place_ += static_cast<std::uint64_t>(count);
     return count;
   }
@@ -50,6 +54,7 @@ class Stream {
  private:
   files::Descriptor file_;
   UnreadTags tags_;
+  SampleClaims claims_;
   std::uint64_t place_ = 0;
 };
 

@@ -12,7 +12,7 @@ namespace engine {
 class MpvHandle;
 
 /// The files that the decoder may open, each under an address that we make for one entry; it opens no path
-/// itself. So what it reads is what was found to be a file, and passes `UnreadTags`.
+/// itself. So what it reads is what was found to be a file, and passes `UnreadTags` and `SampleClaims`.
 class DecoderFiles {
  public:
   /// Once for each decoder, before it opens anything; it must end before this.

@@ -24,13 +24,16 @@ constexpr std::string_view kFormats =
 /// What a station may send beside them: its lists of pieces, and what belongs to those.
 constexpr std::string_view kStationFormats = "hls,dash,webvtt,live_flv";
 
+/// Nobody sees the chapters of a film, of which there may be as many as there are samples.
+constexpr const char* kNoChapters = ",ignore_chapters=1";
+
 /// One of a list of options, whose own commas must not end it.
 std::string Limit(const char* name, std::string_view allowed) {
   return std::string(name) + "=%" + std::to_string(allowed.size()) + "%" + std::string(allowed);
 }
 
 std::string Limits(std::string_view protocols, std::string_view formats) {
-  return Limit("protocol_whitelist", protocols) + "," + Limit("format_whitelist", formats);
+  return Limit("protocol_whitelist", protocols) + "," + Limit("format_whitelist", formats) + kNoChapters;
 }
 
 }  // namespace

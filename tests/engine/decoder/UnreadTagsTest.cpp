@@ -1,4 +1,4 @@
-#include "engine/decoder/UnreadTags.hpp"
+#include "engine/shown/UnreadTags.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -17,6 +17,8 @@ class UnreadTags {
 
   /// Reads up to `most` bytes from there on: the number of bytes read, 0 at the end, -1 for a failure.
   std::int64_t read(char* bytes, std::uint64_t most, std::uint64_t offset);
+  /// Where the tags at the file's front end.
+  [[nodiscard]] std::uint64_t frontEnd() const { return frontEnd_; }
 
  private:
   void findFront();
@@ -26,8 +28,8 @@ class UnreadTags {
   bool fill(std::uint64_t offset, std::size_t length);
 
   int descriptor_;
-  std::uint64_t frontEnd_ = 0;  ///< where the tags at the file's front end
-  std::uint64_t pointed_ = 0;   ///< where a DSF file's tag begins
+  std::uint64_t frontEnd_ = 0;
+  std::uint64_t pointed_ = 0;  ///< where a DSF file's tag begins
   bool formless_ = true;
   std::string buffer_;
 };

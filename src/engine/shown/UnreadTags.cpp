@@ -1,4 +1,4 @@
-#include "engine/decoder/UnreadTags.hpp"
+#include "engine/shown/UnreadTags.hpp"
 
 #include <unistd.h>
 

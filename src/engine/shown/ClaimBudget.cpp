@@ -1,0 +1,69 @@
+#include "engine/shown/ClaimBudget.hpp"
+
+#include <algorithm>
+
+namespace engine {
+namespace {
+
+constexpr std::uint64_t kFewSamples = 2'000'000;  // a file may still grow
+constexpr std::uint64_t kMostSamples = 12'000'000;
+constexpr std::uint64_t kMostPieces = 24'000'000;
+constexpr std::uint64_t kMostInFragments = 2'000'000;
+constexpr std::uint64_t kSpareBytes = std::uint64_t{16} << 20U;
+
+/// Whether a product stays within a bound, whatever its factors.
+bool Within(std::uint64_t a, std::uint64_t b, std::uint64_t most) { return b == 0 || a <= most / b; }
+
+}  // namespace
+
+// Sound as it is has an entry in the decoder's list for some hundred samples only.
+ClaimBudget::ClaimBudget(std::uint64_t fileSize)
+    : mostSamples_(std::clamp(fileSize / 4, kFewSamples, kMostSamples)),
+      mostPieces_(std::clamp(fileSize / 4, kFewSamples, kMostPieces)),
+      bytesLeft_(fileSize + kSpareBytes) {}
+
+bool ClaimBudget::samples(std::uint64_t count) {
+  if (count > mostSamples_ || !Within(samples_ + count, edits_, mostSamples_)) return false;
+  samples_ += count;
+  return true;
+}
+
+bool ClaimBudget::edits(std::uint64_t count) {
+  if (!Within(samples_, count, mostSamples_)) return false;
+  edits_ = std::max(edits_, count);
+  return true;
+}
+
+bool ClaimBudget::list(std::uint64_t bytes) {
+  if (bytes > bytesLeft_) return false;
+  bytesLeft_ -= bytes;
+  return true;
+}
+
+bool ClaimBudget::chunks(std::uint64_t count) {
+  if (!Within(count, each_, mostPieces_ - told_)) return false;
+  chunks_ = std::max(chunks_, count);
+  return true;
+}
+
+bool ClaimBudget::spread(std::uint64_t told, std::uint64_t each) {
+  if (told > mostPieces_ - told_ || each > mostPieces_) return false;
+  if (!Within(chunks_, each_ + each, mostPieces_ - told_ - told)) return false;
+  told_ += told;
+  each_ += each;
+  return true;
+}
+
+bool ClaimBudget::track() {
+  if (!Within(fragments_, tracks_ + 1, kMostInFragments)) return false;
+  ++tracks_;
+  return true;
+}
+
+bool ClaimBudget::fragments(std::uint64_t count) {
+  if (!Within(fragments_ + count, tracks_, kMostInFragments)) return false;
+  fragments_ += count;
+  return true;
+}
+
+}  // namespace engine
