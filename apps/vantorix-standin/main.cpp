@@ -86,7 +86,7 @@ int Serve(const Options& options) {
   RestingVoice voice(espeak);
   Speech speech(loop, house, voice);
   Quiet quiet(loop, speech.events());
-  LoopWaits waits(loop, speech);
+  LoopWaits waits(loop, speech, LoopWaits::kFetchLimit, [&] { return connection.servesStranger(); });
   const TopObjects top(house, objects, waits);
   top.showOn(shelf);
 

@@ -68,6 +68,8 @@ void Connection::replyWithin(std::optional<base::Milliseconds> limit) { link_->r
 
 void Connection::waitLongFor(const std::string& name) { link_->waitLongFor(name); }
 
+bool Connection::servesStranger() const { return link_->servesStranger(); }
+
 void Connection::onNameLost(const std::string& name, std::function<void()> gone) {
   link_->onNameLost(name, std::move(gone));
 }

@@ -56,6 +56,9 @@ class Connection {
   /// that to the reading of a field. Any other gets some seconds, is waited for with the loop open and until
   /// the loop is asked to quit, and only a few are waited for at once: what they owe then is failure 462.
   void waitLongFor(const std::string& name);
+  /// True while a call is served whose sender is none of whom `waitLongFor` was told; not for what the loop
+  /// does by itself while such a call turns it.
+  [[nodiscard]] bool servesStranger() const;
 
   /// Calls `gone` on a turn of the loop whenever the name loses its owner. One watcher a name.
   void onNameLost(const std::string& name, std::function<void()> gone);

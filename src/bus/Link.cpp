@@ -83,7 +83,8 @@ std::shared_ptr<Link> Link::connect(PollLoop& loop, const std::string& address) 
   return link;
 }
 
-Link::Link(PollLoop& loop, Bus bus) : loop_(loop), bus_(std::move(bus)), calls_(loop), replyLimit_(loop) {}
+Link::Link(PollLoop& loop, Bus bus)
+    : loop_(loop), bus_(std::move(bus)), calls_(loop), serving_(loop), replyLimit_(loop) {}
 
 void Link::start() {
   sd_bus_slot* slot = nullptr;
@@ -332,7 +333,8 @@ void Link::nameLost(const std::string& name) {
 
 void Link::serve(const Message& call) {
   const auto keep = shared_from_this();
-  calls_.within([&] { Serve(keep, call); });
+  const std::string sender = OrEmpty(sd_bus_message_get_sender(call.get()));
+  serving_.within(sender, [&] { calls_.within([&] { Serve(keep, call); }); });
   if (!calls_.empty()) serveSoon();
 }
 

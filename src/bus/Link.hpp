@@ -15,6 +15,7 @@
 #include "bus/Patience.hpp"
 #include "bus/PollLoop.hpp"
 #include "bus/ReplyLimit.hpp"
+#include "bus/Serving.hpp"
 
 namespace bus {
 
@@ -34,6 +35,11 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   void replyWithin(std::optional<base::Milliseconds> limit);
   /// As `Connection::waitLongFor`.
   void waitLongFor(const std::string& name) { longFor_ = name; }
+  /// As `Connection::servesStranger`.
+  [[nodiscard]] bool servesStranger() {
+    const std::string sender = serving_.sender();
+    return !sender.empty() && isStranger(sender);
+  }
 
   /// A call to be filled with arguments. It doesn't start a service. Throws 438 for an operation name that
   /// the bus can't carry.
@@ -95,6 +101,7 @@ class Link : public References, public std::enable_shared_from_this<Link> {
   Slot filter_;
   std::unique_ptr<PollLoop::Watch> watch_;
   CallQueue calls_;
+  Serving serving_;
   bool servesSoon_ = false;
   std::vector<const Waiting*> waits_;  // the innermost last
   ReplyLimit replyLimit_;

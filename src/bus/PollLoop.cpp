@@ -349,6 +349,7 @@ void PollLoop::waitFor(int descriptor, short events, Milliseconds limit) {
 }
 
 void PollLoop::turn(Milliseconds limit) {
+  const Replaced deeper(depth_, depth_ + 1);
   RemoveDead(state_->timers);
   RemoveDead(state_->watches);
   if (beforeWait_) beforeWait_();

@@ -71,12 +71,15 @@ class PollLoop : public base::Loop {
   void waitFor(int descriptor, short events, base::Milliseconds limit);
   /// True inside `whileOpen`, but not within the events that run inside it.
   [[nodiscard]] bool open() const { return openDepth_ > 0; }
+  /// How many turns are under way within each other.
+  [[nodiscard]] int depth() const { return depth_; }
 
  private:
   struct State;
   std::unique_ptr<State> state_;
   std::function<void()> beforeWait_;
   int openDepth_ = 0;
+  int depth_ = 0;
 };
 
 }  // namespace bus

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <future>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "support/BusDaemon.hpp"
 #include "support/BusPeer.hpp"
@@ -122,6 +126,32 @@ TEST_F(AProgramThatDoesNotAnswer, MayTakeLongWhenItIsTheOneThatIsVouchedFor) {
   loop.whileOpen([&] { EXPECT_EQ(own->invoke("Ask"), Value(1)); });
   EXPECT_GE(seconds, 600);
   vouched.stop();
+}
+
+TEST_F(AProgramThatDoesNotAnswer, IsToldFromTheVouchedOneAndFromWhatTheLoopDoesByItself) {
+  std::vector<bool> asked;
+  connection.exportObject("/own", ObjectOf("Own", {Command("Ask", {}, [&] {
+                                             asked.push_back(connection.servesStranger());
+                                             loop.post([&] { asked.push_back(connection.servesStranger()); });
+                                             loop.whileOpen([&] { loop.pump(); });
+                                             asked.push_back(connection.servesStranger());
+                                           })}));
+  const auto askedBy = [&](BusPeer& peer) {
+    std::atomic<bool> ended = false;
+    std::thread thread([&] {
+      peer.run([&](bus::Connection& its, bus::PollLoop&) {
+        its.proxy(connection.uniqueName(), "/own")->invoke("Ask");
+      });
+      ended = true;
+    });
+    EXPECT_TRUE(support::TurnUntil(loop, [&] { return ended.load(); }));
+    thread.join();
+    return std::exchange(asked, {});
+  };
+  BusPeer vouched(daemon.address(), [](bus::Connection& own, bus::PollLoop&) { own.claimName(kVouched); });
+  EXPECT_EQ(askedBy(stranger), (std::vector<bool>{true, false, true}));
+  EXPECT_EQ(askedBy(vouched), (std::vector<bool>{false, false, false}));
+  EXPECT_FALSE(connection.servesStranger());
 }
 
 }  // namespace

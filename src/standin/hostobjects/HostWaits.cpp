@@ -14,16 +14,25 @@ namespace {
 
 constexpr int kMostPending = 50;
 
+[[noreturn]] void ThrowAlone() {
+  throw base::Failure(base::number::kInternal, "A program of its own waits by itself");
+}
+
 /// Counts a wait for as long as it lasts.
 class Pending {
  public:
-  explicit Pending(int& count) : count_(count) {
-    if (count_ >= kMostPending) {
+  Pending(int& count, bool stranger, int& ofStrangers) : count_(count), ofStrangers_(ofStrangers) {
+    if (count_ >= kMostPending)
       throw base::Failure(base::number::kInternal, "Too many waits are pending within each other");
-    }
+    if (stranger && ofStrangers >= LoopWaits::kMostOfStrangers) ThrowAlone();
     ++count_;
+    stranger_ = stranger ? 1 : 0;
+    ofStrangers_ += stranger_;
   }
-  ~Pending() { --count_; }
+  ~Pending() {
+    ofStrangers_ -= stranger_;
+    --count_;
+  }
   Pending(const Pending&) = delete;
   Pending& operator=(const Pending&) = delete;
   Pending(Pending&&) = delete;
@@ -31,17 +40,21 @@ class Pending {
 
  private:
   int& count_;
+  int& ofStrangers_;
+  int stranger_ = 0;
 };
 
 }  // namespace
 
 void LoopWaits::pendingEvents() {
-  const Pending pending(pending_);
+  const Pending pending(pending_, forStranger_(), ofStrangers_);
   loop_.pump();
 }
 
 void LoopWaits::seconds(int count) {
-  const Pending pending(pending_);
+  const bool stranger = forStranger_();
+  if (stranger && std::chrono::seconds(count) > kLongestOfStrangers) ThrowAlone();
+  const Pending pending(pending_, stranger, ofStrangers_);
   const base::Milliseconds end = loop_.now() + std::chrono::seconds(std::max(0, count));
   loop_.whileOpen([&] {
     for (base::Milliseconds now = loop_.now(); now < end && !loop_.quitting(); now = loop_.now()) {
@@ -52,7 +65,7 @@ void LoopWaits::seconds(int count) {
 
 std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port,
                              const std::string& certificate) {
-  const Pending pending(pending_);
+  const Pending pending(pending_, forStranger_(), ofStrangers_);
   std::promise<std::string> promise;
   std::future<std::string> result = promise.get_future();
   // Told to end and joined at the end, also when an event of the loop throws.

@@ -1,7 +1,9 @@
 #pragma once
 #include <chrono>
+#include <functional>
 #include <stop_token>
 #include <string>
+#include <utility>
 
 #include "bus/PollLoop.hpp"
 #include "standin/voice/Speech.hpp"
@@ -20,7 +22,8 @@ class HostWaits {
 
   /// Handles what is pending and returns.
   virtual void pendingEvents() = 0;
-  /// Throws number 51 when far too many waits are pending.
+  /// Throws number 51 when far too many waits are pending, or more than a program other than the plug-in may
+  /// have.
   virtual void seconds(int count) = 0;
   /// Has the text said; with `wait` it returns when it has been heard.
   virtual void speak(const std::string& text, bool wait) = 0;
@@ -30,12 +33,19 @@ class HostWaits {
 };
 
 /// On the server's loop. A wait ends early when the loop is asked to quit. One that begins within another
-/// ends before it, as each has its place on the stack; how many may is limited.
+/// ends before it, as each has its place on the stack; how many may is limited. So whoever waits within the
+/// plug-in's wait holds that up: others than the plug-in wait for seconds only, and only a few at once.
 class LoopWaits : public HostWaits {
  public:
-  LoopWaits(bus::PollLoop& loop, Speech& speech,
-            std::chrono::milliseconds fetchLimit = std::chrono::seconds(20))
-      : loop_(loop), speech_(speech), fetchLimit_(fetchLimit) {}
+  static constexpr int kMostOfStrangers = 4;
+  static constexpr std::chrono::seconds kLongestOfStrangers{5};
+  static constexpr std::chrono::seconds kFetchLimit{20};
+
+  /// `forStranger` tells whether a program other than the plug-in asks just now.
+  LoopWaits(
+      bus::PollLoop& loop, Speech& speech, std::chrono::milliseconds fetchLimit = kFetchLimit,
+      std::function<bool()> forStranger = [] { return false; })
+      : loop_(loop), speech_(speech), fetchLimit_(fetchLimit), forStranger_(std::move(forStranger)) {}
   void pendingEvents() override;
   void seconds(int count) override;
   void speak(const std::string& text, bool wait) override { speech_.speak(text, wait); }
@@ -46,7 +56,9 @@ class LoopWaits : public HostWaits {
   bus::PollLoop& loop_;
   Speech& speech_;
   std::chrono::milliseconds fetchLimit_;
+  std::function<bool()> forStranger_;
   int pending_ = 0;
+  int ofStrangers_ = 0;
   std::stop_source quitting_;  ///< of all fetches
 };
 

@@ -52,6 +52,25 @@ TEST_F(HostWaiting, WaitsWithinWaitsAreLimited) {
   EXPECT_EQ(depth, 51);
 }
 
+TEST_F(HostWaiting, OfProgramsOtherThanThePlugInAreFewAndShort) {
+  LoopWaits theirs{loop, speech, LoopWaits::kFetchLimit, [] { return true; }};
+  const auto refusal = [&](int seconds) {
+    return support::FailureNumberOf([&] { theirs.seconds(seconds); });
+  };
+  EXPECT_EQ(refusal(6), base::number::kInternal);
+  int begun = 0;
+  int refused = 0;
+  const std::function<void()> wait = [&] {
+    ++begun;
+    loop.post(wait);
+    refused = std::max(refused, refusal(5));
+    loop.quit(0);  // the rest need not be waited for
+  };
+  wait();
+  EXPECT_EQ(refused, base::number::kInternal);
+  EXPECT_EQ(begun, LoopWaits::kMostOfStrangers + 1);
+}
+
 TEST_F(HostWaiting, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
   httplib::Server web;
   const std::string body("a\0\xFF<b>c</b>", 11);
