@@ -10,6 +10,7 @@
 #include "standin/voice/EspeakVoice.hpp"
 #include "standin/voice/RestingVoice.hpp"
 #include "standin/voice/Speech.hpp"
+#include "support/BusDaemon.hpp"
 #include "support/BusPeer.hpp"
 #include "support/TempFolder.hpp"
 
@@ -133,6 +134,30 @@ TEST_F(HouseSpeech, AListenerThatFailsIsDropped) {
   speech.speak("One", true);
   ASSERT_EQ(house.eventSinks.size(), 1U);
   EXPECT_EQ(events, (Lines{"bad started after 0", "good started after 0", "good stopped after 1"}));
+}
+
+TEST_F(HouseSpeech, AProgramWithAListenerThatFailsIsDroppedWithAllOfThem) {
+  const support::BusDaemon daemon;
+  bus::Connection connection(loop, daemon.address());
+  std::atomic<int> asked = 0;
+  support::BusPeer program(daemon.address(), [&](bus::Connection& own, bus::PollLoop&) {
+    for (const char* path : {"/1", "/2", "/3"})
+      own.exportObject(path, support::ObjectOf("Deaf", {{"VXEvent",
+                                                         MemberKind::kOperation,
+                                                         {{"parms", Type::kArray}},
+                                                         Type::kNone,
+                                                         [&](Args&) -> Value {
+                                                           ++asked;
+                                                           throw base::Failure(base::number::kInternal);
+                                                         }}}));
+  });
+  for (const char* path : {"/1", "/2", "/3"})
+    house.eventSinks.push_back({8, connection.proxy(program.uniqueName(), path)});
+  house.eventSinks.push_back({8, listener("good")});
+  speech.speak("One", true);
+  EXPECT_EQ(asked, 1);
+  EXPECT_EQ(house.eventSinks.size(), 1U);
+  EXPECT_EQ(events, (Lines{"good started after 0", "good stopped after 1"}));
 }
 
 TEST_F(HouseSpeech, AListenerMaySpeak) {
