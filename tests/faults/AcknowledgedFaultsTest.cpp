@@ -194,7 +194,11 @@ TEST(KeptFaults, ScriptsAreThoseThatWereTold) {
         const std::string text(5000 + known.size(), 'x');
         if (Done([&] { store.write(name, text); })) known[name] = text;
       }
-      if (store.remove("new")) known.erase("new");
+      bool removed = false;
+      if (Done([&] { removed = store.remove("new"); })) {
+        EXPECT_EQ(removed, known.contains("new"));
+        known.erase("new");
+      }
     });
     EXPECT_EQ(scriptsIn(store), known);
     EXPECT_EQ(scriptsIn(ScriptStore(folder)), known);

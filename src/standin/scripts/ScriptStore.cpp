@@ -62,8 +62,13 @@ void ScriptStore::write(const std::string& name, const std::string& text) const 
 }
 
 bool ScriptStore::remove(const std::string& name) const {
-  std::error_code failed;
-  return isName(name) && std::filesystem::remove(fileOf(name), failed);
+  std::error_code ignored;
+  if (!isName(name)) return false;
+  const std::filesystem::path file = fileOf(name);
+  if (std::filesystem::symlink_status(file, ignored).type() == std::filesystem::file_type::not_found)
+    return false;
+  files::RemoveFile(file);
+  return true;
 }
 
 }  // namespace standin

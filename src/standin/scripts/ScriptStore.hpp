@@ -19,7 +19,7 @@ class ScriptStore {
   [[nodiscard]] std::optional<std::string> read(const std::string& name) const;
   /// Throws number 5 for what is no name, and as files do.
   void write(const std::string& name, const std::string& text) const;
-  /// False when there is none.
+  /// False when there is none. Throws as files do where it can't be removed.
   [[nodiscard]] bool remove(const std::string& name) const;
 
  private:
