@@ -131,7 +131,14 @@ MemberTable CallbackTable(House& house, const base::ObjectRef& host) {
 }
 
 MemberTable SystemTable(House& house) {
-  return {"System", {TextField("LastVoiceCommand", house.lastVoiceCommand)}};
+  return {"System",
+          {Field(
+              "LastVoiceCommand", Type::kText, [&house] { return house.lastVoiceCommand; },
+              [&house](const Value& value) {
+                std::string said = base::ToText(value);
+                CheckLength("What was said", said);
+                house.lastVoiceCommand = std::move(said);
+              })}};
 }
 
 }  // namespace

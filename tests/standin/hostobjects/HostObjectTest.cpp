@@ -265,6 +265,12 @@ TEST_F(Host, SaysWhatItIs) {
   EXPECT_EQ(text("GetAppPath"), std::filesystem::canonical(folder.path()).string());
   house.lastVoiceCommand = "play blue";
   EXPECT_EQ(base::Deref(call("System")).get("LastVoiceCommand"), Value("play blue"));
+  base::Object& system = base::Deref(call("System"));
+  system.put("LastVoiceCommand", "stop");
+  EXPECT_EQ(
+      support::FailureNumberOf([&] { system.put("LastVoiceCommand", std::string((64U << 10U) + 1, 'x')); }),
+      base::number::kOverflow);
+  EXPECT_EQ(system.get("LastVoiceCommand"), Value("stop"));
   EXPECT_EQ(base::ToObject(top.callback->call("GetVXIface")), top.host);
   EXPECT_EQ(top.callback->call("GetNextFreeIOCode"), Value(std::int16_t{'Q'}));
 }
