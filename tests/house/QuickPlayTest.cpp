@@ -2,6 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+#include <vector>
+
 #include "support/RealHouse.hpp"
 #include "support/SmallMusic.hpp"
 
@@ -18,7 +22,12 @@ class QuickPlay : public ::testing::Test {
     ASSERT_TRUE(house.startReady()) << house.server().output();
     // The first look at the music folder goes on beside the start, and the names come by themselves behind
     // it.
-    ASSERT_TRUE(support::Eventually([&] { return !names("Quick Genre").empty(); })) << house.log();
+    ASSERT_TRUE(support::Eventually([&] { return !names("Quick Album").empty(); })) << house.log();
+  }
+  void restart() {
+    house.server().signal(SIGTERM);
+    ASSERT_EQ(house.server().wait(), 0);
+    ASSERT_TRUE(house.startReady()) << house.server().output();
   }
   /// The HTTP status.
   int choose(const std::string& device, int value) {
@@ -38,16 +47,45 @@ class QuickPlay : public ::testing::Test {
       if (entry["value"] != "0" && entry["value"] != "1") all.push_back(entry["name"]);
     return all;
   }
+  /// Does something with the house's own object, as any program on its bus may.
+  template <class Work>
+  auto withHost(const Work& work) {
+    bus::PollLoop loop;
+    bus::Connection connection(loop, house.busAddress());
+    return work(base::Deref(connection.proxy("org.vantorix.Host", "/host")));
+  }
+  /// The house only deletes all devices of an interface.
+  void deleteDevice(const std::string& name) {
+    withHost([&](base::Object& host) {
+      base::Deref(host.invoke("GetDeviceEx", "Media Player " + name)).put("interface", "Nobody");
+      host.invoke("DeleteIODevices", "Nobody");
+    });
+  }
+  std::int32_t refOf(const std::string& name) {
+    const RealHouse::Json device = house.device(name);
+    return device.is_object() ? device.value("ref", 0) : 0;
+  }
+  /// The devices that an event is for, by their numbers.
+  std::vector<std::int32_t> devicesOf(const std::string& event) {
+    return withHost([&](base::Object& host) {
+      const base::Value named = host.invoke("GetEventEx", event);
+      const base::Value entries = base::Deref(named).get("ev_devices");
+      base::Object& list = base::Deref(entries);
+      std::vector<std::int32_t> refs;
+      for (std::int32_t i = 1; i <= base::ToInt32(list.get("Count")); ++i)
+        refs.push_back(base::ToInt32(base::Deref(list.invoke("item", i)).get("devid")));
+      return refs;
+    });
+  }
   base::Value script(const std::string& operation, const std::string& argument) {
     bus::PollLoop loop;
     bus::Connection connection(loop, house.busAddress());
     return connection.proxy("org.vantorix.vxif_WMP9", "/scriptclass")->invoke(operation, argument);
   }
   std::string vcmd(const std::string& event) {
-    bus::PollLoop loop;
-    bus::Connection connection(loop, house.busAddress());
-    const auto host = connection.proxy("org.vantorix.Host", "/host");
-    return base::ToText(base::Deref(host->invoke("GetEventEx", event)).get("vcmd"));
+    return withHost([&](base::Object& host) {
+      return base::ToText(base::Deref(host.invoke("GetEventEx", event)).get("vcmd"));
+    });
   }
 
   support::SmallMusic music;
@@ -100,13 +138,41 @@ TEST_F(QuickPlay, AScriptBringsTheListsUpToDate) {
 }
 
 TEST_F(QuickPlay, TheNextStartKnowsTheLibrary) {
-  house.server().signal(SIGTERM);
-  ASSERT_EQ(house.server().wait(), 0);
-  ASSERT_TRUE(house.startReady());
+  restart();
   EXPECT_THAT(names("Quick Album"), ElementsAre("Counting"));
   EXPECT_THAT(names("Quick Artist"), ElementsAre("The Testers"));
   EXPECT_EQ(vcmd("Album VR"), "Play Album (Counting)");
   EXPECT_THAT(vcmd("Controls VR"), HasSubstr("(Play|Player) [No] (Stop|Next|"));
+}
+
+TEST_F(QuickPlay, TheControlsOwnPatternSurvivesAndAClearedOneComesBack) {
+  const std::string usual = vcmd("Controls VR");
+  ASSERT_NE(usual, "");
+  for (const std::string own : {"Music (on|off)", ""}) {
+    withHost(
+        [&](base::Object& host) { base::Deref(host.invoke("GetEventEx", "Controls VR")).put("vcmd", own); });
+    restart();
+    EXPECT_EQ(vcmd("Controls VR"), own.empty() ? usual : own);
+  }
+}
+
+TEST_F(QuickPlay, OfDeletedDevicesTheStatusAndTheListsAreMadeAnewAndNoOthers) {
+  const std::int32_t status = refOf("Status");
+  const std::int32_t album = refOf("Quick Album");
+  const std::int32_t title = refOf("Title");
+  for (const char* name : {"Status", "Display Controls", "Quick Album"}) deleteDevice(name);
+  restart();
+  EXPECT_THAT(names("Quick Album"), ElementsAre("Counting"));
+  EXPECT_EQ(support::TextOf(house.device("Status")["buttons"]),
+            R"(["Pause","Stop","Next","Prev","Restart"])");
+  EXPECT_EQ(refOf("Display Controls"), 0);
+  EXPECT_EQ(refOf("Title"), title);
+  EXPECT_NE(refOf("Status"), status);
+  EXPECT_NE(refOf("Quick Album"), album);
+  EXPECT_THAT(devicesOf("Controls VR"), ElementsAre(status, refOf("Status")));
+  EXPECT_THAT(devicesOf("Album VR"), ElementsAre(album, refOf("Quick Album")));
+  EXPECT_EQ(house.say("play album counting"), 200);
+  EXPECT_TRUE(house.textBecomes("Status", "Playing"));
 }
 
 TEST_F(QuickPlay, WithoutPlaylistsTheDeviceSaysWhatToDo) {
@@ -126,7 +192,8 @@ namespace {
 class QuickPlayOfOddNames : public QuickPlay {
  protected:
   QuickPlayOfOddNames() {
-    for (const char* album : {"!!!", "Blue!", "Blue?", "1984", "1984 Live", "AC/DC"}) {
+    for (const char* album : {"!!!", "Blue!", "Blue?", "1984", "1984 Live", "1984 Remix", "AC/DC", "Gold",
+                              "Gold Best Of", "Live 99", "Live 99 Remix"}) {
       engine::TrackTags tags;
       tags.title = "Title of " + std::string(album);
       tags.artist = "The Testers";
@@ -141,11 +208,43 @@ class QuickPlayOfOddNames : public QuickPlay {
 }  // namespace
 
 TEST_F(QuickPlayOfOddNames, TheyStandAsKeysAndPlayAsWhatTheLibraryHas) {
-  EXPECT_THAT(names("Quick Album"), ElementsAre("1984", "1984 Live", "AC DC", "Blue", "Blue", "Counting"));
-  EXPECT_EQ(vcmd("Album VR"), "Play Album (1984|AC DC|Blue|Blue|Counting)");
+  EXPECT_THAT(names("Quick Album"),
+              ElementsAre("1984", "1984 Live", "1984 Remix", "AC DC", "Blue", "Blue", "Counting", "Gold",
+                          "Gold Best Of", "Live 99", "Live 99 Remix"));
+  EXPECT_EQ(vcmd("Album VR"),
+            "Play Album (1984|AC DC|Blue|Blue|Counting|Gold|Gold Best Of|Live 99|Live 99 Remix)");
   EXPECT_TRUE(house.logHas("Warning: The Album names '1984' and '1984 Live' are ambiguous."));
-  EXPECT_EQ(choose("Quick Album", 4), 200) << said;
+  EXPECT_TRUE(house.logHas("Warning: The Album names '1984' and '1984 Remix' are ambiguous."));
+  EXPECT_EQ(choose("Quick Album", 5), 200) << said;
   EXPECT_TRUE(house.textBecomes("Title", "Title of AC/DC"));
   EXPECT_EQ(choose("Quick Album", 3), 200) << said;
   EXPECT_TRUE(house.textBecomes("Title", "Title of 1984 Live"));
+}
+
+namespace {
+
+/// A library whose only genre has no letter in it.
+class QuickPlayOfPunctuation : public QuickPlay {
+ protected:
+  QuickPlayOfPunctuation() {
+    for (const auto& entry : std::filesystem::directory_iterator(music.path()))
+      std::filesystem::remove(entry.path());
+    engine::TrackTags tags;
+    tags.title = "One";
+    tags.album = "Counting";
+    tags.genre = "!!!";
+    tags.track = 1;
+    music.add("file", 20, tags);
+  }
+};
+
+}  // namespace
+
+TEST_F(QuickPlayOfPunctuation, ItHasNoValueAndNothingToBeSaid) {
+  EXPECT_THAT(names("Quick Genre"), IsEmpty());
+  EXPECT_EQ(house.device("Quick Genre")["values"], 2) << "the blank and the entry that reads them anew";
+  EXPECT_EQ(house.text("Quick Genre"), "Play a Genre");
+  EXPECT_EQ(vcmd("Genre VR"), "Play Genre )");
+  EXPECT_EQ(house.say("play genre"), 404);
+  EXPECT_THAT(names("Quick Album"), ElementsAre("Counting"));
 }
