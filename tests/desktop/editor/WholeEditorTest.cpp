@@ -52,6 +52,29 @@ TEST_F(WholeEditor, WhatIsDroppedIsInTheFile) {
   EXPECT_THAT(listed(), ElementsAre("Sun", "Sky", "Sea"));
 }
 
+TEST_F(WholeEditor, ANewPlaylistIsRefusedDuringADragWhichIsOverByThat) {
+  open();
+  const QPoint sun = ofBlue("Sun");
+  mouseTo(sun);
+  tool({"mousedown", "1"});
+  mouseTo(sun + QPoint(30, 2));
+  ASSERT_TRUE(until([&] { return editor->state().Dragging; }));
+  mouseTo(item("Sky"));
+  then([&](QWidget& asked) {
+    said = dynamic_cast<QMessageBox&>(asked).text().toStdString();
+    tool({"mouseup", "1"});
+    key("Return");
+  });
+  key("alt+n");
+  ASSERT_TRUE(until([&] { return !said.empty() && pane().isActiveWindow(); }));
+  EXPECT_EQ(said, "Sorry, can't add a new PlayList while dragging");
+  clickItem("Sea");
+  clickNode("Winter");
+  EXPECT_THAT(members("Autumn"), ElementsAre("Sky", "Sea"));
+  EXPECT_THAT(listed(), ElementsAre("Sky", "Sea"));
+  EXPECT_TRUE(editor->state().Dragging) << "until a later drag ends on a pane";
+}
+
 TEST_F(WholeEditor, AnItemMovesByMouseByButtonAndByKeys) {
   open();
   drag(item("Sea"), item("Sky"));
