@@ -81,7 +81,7 @@ MAY_INCLUDE = {
     "standin/room": "base bus ear standin/hearing standin/house standin/process standin/voice",
     "standin/routes": "base standin/covers standin/coverservices standin/dialogs standin/events standin/grammar standin/hearing standin/hostobjects "
                       "standin/house standin/player standin/playlists standin/room standin/rules standin/scripts standin/text standin/voice",
-    "standin/http": "base files standin/house standin/pages standin/player standin/routes",
+    "standin/http": "base files standin/house standin/pages standin/player standin/routes standin/text",
     "standin": "base files",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)

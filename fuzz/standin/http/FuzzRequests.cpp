@@ -11,10 +11,10 @@
 #include "fuzz/Alphabet.hpp"
 #include "standin/house/DeviceStore.hpp"
 #include "standin/http/BodyFrame.hpp"
-#include "standin/http/ByteRange.hpp"
 #include "standin/http/RequestHead.hpp"
 #include "standin/http/WebFrame.hpp"
 #include "standin/http/WebRules.hpp"
+#include "standin/text/ByteRange.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "base/Text.hpp"
-#include "standin/http/ByteRange.hpp"
+#include "standin/text/ByteRange.hpp"
 
 namespace standin {
 namespace {

@@ -7,7 +7,7 @@
 #include "base/Failure.hpp"
 #include "files/ReadFile.hpp"
 #include "standin/house/HouseJson.hpp"
-#include "standin/http/ByteRange.hpp"
+#include "standin/http/Giving.hpp"
 #include "standin/http/GuardedServer.hpp"
 #include "standin/http/LiveStream.hpp"
 #include "standin/http/WebFrame.hpp"
@@ -27,13 +27,6 @@ std::string PeerOf(const httplib::Request& request) {
 constexpr std::size_t kLongestPath = 2048;
 constexpr const char* kTooLarge = "The request is too large";
 
-void Give(httplib::Response& response, const WebAnswer& answer) {
-  response.status = answer.status;
-  response.set_content(answer.body, answer.type);
-  if (!answer.location.empty()) response.set_redirect(answer.location, 303);
-  if (!answer.cookie.empty()) response.set_header("Set-Cookie", answer.cookie);
-}
-
 /// With it the connection ends: what is left of the body can't be told from the next request.
 void RefuseUnread(httplib::Response& response, int status, const std::string& text) {
   Give(response, Refusal(status, text));
@@ -48,43 +41,6 @@ void AddRules(httplib::Response& response) {
   response.set_header("Referrer-Policy", "same-origin");
   response.set_header("Cross-Origin-Resource-Policy", "same-origin");
   response.set_header("Cache-Control", "private, no-cache");
-}
-
-void Put(httplib::Response& response, const char* header, const std::string& value) {
-  response.headers.erase(header);
-  response.set_header(header, value);
-}
-
-/// The part of the answer that was asked for, and all of it where none was.
-void GivePart(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
-  // What is not changed since can't be told by a weak mark: then all of it is right.
-  const bool asks = request.method == "GET" && answer.status == 200 && request.has_header("Range") &&
-                    !request.has_header("If-Range");
-  if (!asks) return Give(response, answer);
-  const std::string size = std::to_string(answer.body.size());
-  const auto part = RangeOf(request.get_header_value("Range"), answer.body.size());
-  if (!part) {
-    Put(response, "Content-Range", "bytes */" + size);
-    return Give(response, Refusal(416, "There is nothing at that place"));
-  }
-  WebAnswer cut = answer;
-  cut.status = 206;
-  cut.body = answer.body.substr(part->first, part->count);
-  Put(response, "Content-Range",
-      "bytes " + std::to_string(part->first) + "-" + std::to_string(part->first + part->count - 1) + "/" +
-          size);
-  Give(response, cut);
-}
-
-/// The answer, unless the browser has kept the same one from before: then it is only told so.
-void GiveIfNew(const httplib::Request& request, httplib::Response& response, const WebAnswer& answer) {
-  const std::string mark = ContentMark(answer.body);
-  Put(response, "ETag", mark);
-  if (HasMark(request.get_header_value("If-None-Match"), mark)) {
-    response.status = 304;
-  } else {
-    GivePart(request, response, answer);
-  }
 }
 
 /// A file of the server's own pages. Under the address with their hash it is the same for ever.
@@ -121,8 +77,8 @@ void GiveFor(const httplib::Request& request, httplib::Response& response, WebAn
   // A page with a policy of its own is made for this one time.
   const bool keeps =
       request.method != "POST" && answer.status == 200 && answer.policy.empty() && answer.location.empty();
-  if (keeps) return GiveIfNew(request, response, answer);
-  Give(response, answer);
+  if (keeps) return GiveIfNew(request, response, std::move(answer));
+  Give(response, std::move(answer));
 }
 
 }  // namespace
@@ -248,6 +204,7 @@ void WebServer::answerGet(const httplib::Request& request, httplib::Response& re
     if (const auto found = FileBelow(htmlFolder_, path)) {
       if (auto refused = api_.refusal(*api_.find(Method::kGet, kHouseFiles), token))
         return GiveFor(request, response, std::move(*refused));
+      if (GiveInPieces(request, response, *found)) return;
       const auto content = files::TextOf(*found);
       if (content)
         return GiveIfNew(request, response,

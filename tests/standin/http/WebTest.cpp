@@ -191,6 +191,32 @@ TEST_F(Web, WhatABrowserHasAlreadyIsNotSentAgain) {
   EXPECT_EQ(web.get("/note.txt", {{"If-None-Match", mark}})->body, "hallo");
 }
 
+TEST_F(Web, ALargeFileIsGivenInPiecesAndAPartOfItWithoutTheRest) {
+  std::string large;
+  while (large.size() < (std::size_t{3} << 20U)) large += std::to_string(large.size()) + ' ';
+  std::ofstream(data / "html/large.txt", std::ios::binary) << large;
+  const auto whole = web.get("/large.txt");
+  EXPECT_EQ(whole->status, 200);
+  EXPECT_TRUE(whole->body == large);
+  const std::string mark = whole->get_header_value("ETag");
+  EXPECT_EQ(web.get("/large.txt", {{"If-None-Match", mark}})->status, 304);
+  const auto part = web.get("/large.txt", {{"Range", "bytes=1000000-1099999"}});
+  EXPECT_EQ(part->status, 206);
+  EXPECT_EQ(part->get_header_value("Content-Range"), "bytes 1000000-1099999/" + std::to_string(large.size()));
+  EXPECT_TRUE(part->body == large.substr(1000000, 100000));
+  const auto beyond = web.get("/large.txt", {{"Range", "bytes=9999999-"}});
+  EXPECT_EQ(beyond->status, 416);
+  EXPECT_EQ(beyond->get_header_value("Content-Range"), "bytes */" + std::to_string(large.size()));
+  std::filesystem::resize_file(data / "html/large.txt",
+                               std::uintmax_t{1} << 40U);  // far more than any memory
+  const auto first = web.get("/large.txt", {{"Range", "bytes=0-0"}});
+  EXPECT_EQ(first->body, "0");
+  EXPECT_EQ(first->get_header_value("Content-Range"),
+            "bytes 0-0/" + std::to_string(std::uintmax_t{1} << 40U));
+  EXPECT_NE(first->get_header_value("ETag"), mark);
+  EXPECT_EQ(web.get("/large.txt", {{"Range", "bytes=-1"}})->body, std::string(1, '\0'));
+}
+
 TEST_F(Web, TheHousesFilesAreTheUsersOwn) {
   constexpr auto kOthers = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
   std::set<std::string> names;

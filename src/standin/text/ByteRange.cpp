@@ -1,4 +1,4 @@
-#include "standin/http/ByteRange.hpp"
+#include "standin/text/ByteRange.hpp"
 
 #include <algorithm>
 #include <charconv>
