@@ -11,6 +11,8 @@
 #include <string_view>
 #include <thread>
 
+#include "base/Text.hpp"
+
 namespace standin {
 namespace {
 
@@ -47,12 +49,27 @@ class GuardedQueue : public httplib::TaskQueue {
   httplib::ThreadPool threads_;
 };
 
+/// Whether a list of ways to pack, such as "gzip;q=0.5, br", takes this one; a weight of 0 refuses it.
+bool TakesGzip(std::string_view list) {
+  while (!list.empty()) {
+    std::string_view way = list.substr(0, list.find(','));
+    list.remove_prefix(std::min(way.size() + 1, list.size()));
+    const std::size_t end = std::min(way.find(';'), way.size());
+    if (!base::SameText(base::TrimBlanks(way.substr(0, end)), "gzip")) continue;
+    way.remove_prefix(end);
+    const std::size_t weight = way.find("q=");
+    return weight == std::string_view::npos ||
+           way.find_first_of("123456789", weight) != std::string_view::npos;
+  }
+  return false;
+}
+
 /// Of the ways to pack an answer the library takes the dearest one, thirty times the work of this one.
 void PackCheaply(httplib::Request& request) {
   constexpr const char* kAccepted = "Accept-Encoding";
   bool packs = false;
   for (std::size_t i = 0; i < request.get_header_value_count(kAccepted); ++i)
-    packs = packs || request.get_header_value(kAccepted, i).find("gzip") != std::string::npos;
+    packs = packs || TakesGzip(request.get_header_value(kAccepted, i));
   request.headers.erase(kAccepted);
   if (packs && !request.has_header("Range")) request.headers.emplace(kAccepted, "gzip");
 }

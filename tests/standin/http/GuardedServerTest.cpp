@@ -255,5 +255,8 @@ TEST_F(AGuardedServer, PacksItsAnswersInTheWayThatCostsLittle) {
   };
   EXPECT_EQ(packing({{"Accept-Encoding", "br, gzip"}}), "gzip");
   EXPECT_EQ(packing({{"Accept-Encoding", "br"}}), "");
+  EXPECT_EQ(packing({{"Accept-Encoding", "br;q=0, GZIP ; q=0.001"}}), "gzip");
+  EXPECT_EQ(packing({{"Accept-Encoding", "gzip;q=0, br"}}), "");
+  EXPECT_EQ(packing({{"Accept-Encoding", "gzip; q=0.000"}}), "");
   EXPECT_EQ(packing({{"Accept-Encoding", "gzip"}, {"Range", "bytes=0-1"}}), "");
 }
