@@ -1,6 +1,7 @@
 #include "engine/shown/SampleClaims.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bitset>
 #include <string_view>
 #include <utility>
@@ -24,15 +25,24 @@ constexpr std::uint64_t kPiece = 160;          // the fewest samples that become
 constexpr std::uint64_t kReference = 131'072;  // what the decoder may keep of the name of another file
 /// No box is called so, nor is any name made of a part of it and of what stands beside it.
 constexpr std::string_view kUnknown = "0000";
-constexpr std::string_view kNames =
-    "stsz stz2 trun elst stsc stco co64 stss stps stts ctts keys sbgp sgpd dref "
-    "trak moof sidx tfra mfra cmov senc saiz saio pssh";
-
 constexpr std::uint32_t Name(const char (&letters)[5]) {
   std::uint32_t name = 0;
   for (int i = 0; i < 4; ++i) name = name << 8U | static_cast<unsigned char>(letters[i]);
   return name;
 }
+
+constexpr std::array kNames{Name("stsz"), Name("stz2"), Name("trun"), Name("elst"), Name("stsc"),
+                            Name("stco"), Name("co64"), Name("stss"), Name("stps"), Name("stts"),
+                            Name("ctts"), Name("keys"), Name("sbgp"), Name("sgpd"), Name("dref"),
+                            Name("trak"), Name("moof"), Name("sidx"), Name("tfra"), Name("mfra"),
+                            Name("cmov"), Name("senc"), Name("saiz"), Name("saio"), Name("pssh")};
+
+/// Whether a name begins so, by each byte there is.
+constexpr std::array<bool, 256> kBegins = [] {
+  std::array<bool, 256> begins{};
+  for (const std::uint32_t name : kNames) begins.at(name >> 24U) = true;
+  return begins;
+}();
 
 std::uint64_t Number(std::string_view bytes, std::size_t at, std::size_t length) {
   std::uint64_t value = 0;
@@ -43,12 +53,9 @@ std::uint64_t Number(std::string_view bytes, std::size_t at, std::size_t length)
 
 /// Whether the name of a box that is judged stands there.
 bool IsNameAt(std::string_view bytes, std::size_t at) {
-  constexpr std::string_view kFirst = "cdekmpst";
-  if (at + 4 > bytes.size() || kFirst.find(bytes[at]) == std::string_view::npos) return false;
-  for (std::size_t i = 0; i < kNames.size(); i += 5) {
-    if (kNames.compare(i, 4, bytes, at, 4) == 0) return true;
-  }
-  return false;
+  if (at + 4 > bytes.size() || !kBegins[static_cast<unsigned char>(bytes[at])]) return false;
+  const auto name = static_cast<std::uint32_t>(Number(bytes, at, 4));
+  return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
 }  // namespace
@@ -77,11 +84,11 @@ struct SampleClaims::Box {
 SampleClaims::SampleClaims(UnreadTags& file, std::uint64_t size)
     : file_(file), walk_(BoxWalk::Over(file, size)), budget_(size) {}
 
-bool SampleClaims::isSound(std::uint64_t place) const {
+bool SampleClaims::isSound(std::uint64_t begin, std::uint64_t end) const {
   if (!walk_.plain) return false;
-  auto after = std::upper_bound(walk_.sound.begin(), walk_.sound.end(), place,
+  auto after = std::upper_bound(walk_.sound.begin(), walk_.sound.end(), begin,
                                 [](std::uint64_t at, const auto& range) { return at < range.first; });
-  return after != walk_.sound.begin() && place < (--after)->second;
+  return after != walk_.sound.begin() && end <= (--after)->second;
 }
 
 bool SampleClaims::fill(std::uint64_t offset, std::size_t length) {
@@ -226,7 +233,7 @@ void SampleClaims::look(std::uint64_t start, std::size_t from, std::size_t to) {
   // All are judged by what the file says, before any of it is changed.
   std::string told;
   for (std::size_t at = from; at < to; ++at) {
-    if (!IsNameAt(buffer_, at) || isSound(start + at)) continue;
+    if (!IsNameAt(buffer_, at) || isSound(start + at, start + at + 1)) continue;
     const Box box{buffer_, at, start + at};
     const Verdict verdict = verdictOn(box);
     if (verdict == Verdict::kAsItIs) continue;
@@ -248,6 +255,7 @@ std::int64_t SampleClaims::read(char* bytes, std::uint64_t most, std::uint64_t o
   if (!walk_.boxes) return file_.read(bytes, most, offset);
   const auto before = static_cast<std::size_t>(std::min<std::uint64_t>(offset, kBefore));
   const auto wanted = static_cast<std::size_t>(std::min(most, kMostAtOnce));
+  if (isSound(offset - before, offset + wanted)) return file_.read(bytes, wanted, offset);
   if (!fill(offset - before, before + wanted + kBehind)) return -1;
   if (buffer_.size() <= before) return 0;
   const std::size_t from = std::max<std::size_t>(before - std::min(before, kHead), 4);

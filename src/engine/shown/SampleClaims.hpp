@@ -31,7 +31,8 @@ class SampleClaims {
   /// How a box is told.
   enum class Verdict : std::uint8_t { kAsItIs, kUnread, kFewer };
 
-  [[nodiscard]] bool isSound(std::uint64_t place) const;
+  /// Whether all of that range is sound which is passed as it is.
+  [[nodiscard]] bool isSound(std::uint64_t begin, std::uint64_t end) const;
   /// Fills `buffer_`; false for a failure.
   bool fill(std::uint64_t offset, std::size_t length);
   void look(std::uint64_t start, std::size_t from, std::size_t to);
