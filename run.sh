@@ -81,7 +81,7 @@ for _ in $(seq 100); do
   sleep 0.05
 done
 
-put_on_desktop "$bin"
+if on_a_desktop; then put_on_desktop "$bin"; fi
 server=
 # shellcheck disable=SC2317 # the trap calls it
 stop() {

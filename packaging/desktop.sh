@@ -1,5 +1,5 @@
-# The player's entry in the desktop's menu, with its icons: there while the house is up, for the user who has brought it
-# up. Panels find the player's name and icon by it. For scripts that take it in with "source".
+# The player's entry in the desktop's menu, with its icons: there while the house is up, or is a service, for the user who
+# has brought it up. Panels find the player's name and icon by it. For scripts that take it in with "source".
 # shellcheck shell=bash
 
 desktop_share=${XDG_DATA_HOME:-$HOME/.local/share}
@@ -16,10 +16,13 @@ in_exec() {
   printf '"%s"' "$word"
 }
 
-# put_on_desktop BIN: BIN holds the programs, and beside it lie the icons. Nothing without a desktop; and a house is
-# brought up all the same where the folders can't be written.
+on_a_desktop() {
+  [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]
+}
+
+# put_on_desktop BIN: BIN holds the programs, and beside it lie the icons. A house is brought up all the same where the
+# folders can't be written.
 put_on_desktop() {
-  [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || return 0
   local bin=$1 line
   mkdir -p "$desktop_share/applications" "$desktop_share/icons" 2>/dev/null || return 0
   cp -r "$bin/../share/icons/hicolor" "$desktop_share/icons/" 2>/dev/null || true

@@ -8,6 +8,8 @@
 # It brings up what ./run.sh has built, and neither builds nor installs anything itself.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=packaging/desktop.sh
+source packaging/desktop.sh
 
 units=${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user
 name=${VANTORIX_SERVICE:-vantorix}.service
@@ -77,6 +79,8 @@ case "${1:-}" in
     if [ -n "$music" ]; then mkdir -p "$playlists"; fi
     chmod 700 "$data"
     print >"$units/$name"
+    # The sandbox writes no menus. Whoever installs it from elsewhere may have a desktop all the same.
+    put_on_desktop "$(cd "${VANTORIX_BIN:-build/release/bin}" && pwd)"
     systemctl --user daemon-reload
     systemctl --user enable --now "$name"
     echo "The house comes up with your session. See it with: systemctl --user status $name"
@@ -84,6 +88,7 @@ case "${1:-}" in
   remove)
     systemctl --user disable --now "$name" 2>/dev/null || true
     rm -f "$units/$name"
+    take_from_desktop
     systemctl --user daemon-reload
     ;;
   *)

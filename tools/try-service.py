@@ -40,6 +40,27 @@ def score(folder):
         sys.exit(f'The service is more exposed than {MOST_EXPOSED / 10}')
 
 
+def lay_out(folder):
+    """Fails where installing doesn't put the desktop's entry in its place, or removing leaves it there. Without systemd:
+    what is said to it goes nowhere."""
+    (folder / 'bin').mkdir()
+    silent = folder / 'bin/systemctl'
+    silent.write_text('#!/bin/sh\n', encoding='utf-8')
+    silent.chmod(0o700)
+    environment = dict(os.environ, XDG_DATA_HOME=str(folder / 'share'), XDG_CONFIG_HOME=str(folder / 'config'),
+                       PATH=f'{folder}/bin:{os.environ["PATH"]}')
+    environment.pop('DISPLAY', None)
+    environment.pop('WAYLAND_DISPLAY', None)
+    laid = [folder / 'config/systemd/user/vantorix.service',
+            folder / 'share/applications/vantorix-media-player.desktop',
+            folder / 'share/icons/hicolor/48x48/apps/vantorix-media-player.png']
+    for step, there in (('install', True), ('remove', False)):
+        told = run(ROOT / 'packaging/service.sh', step, env=environment)
+        wrong = [str(file) for file in laid if file.exists() != there]
+        if told.returncode != 0 or wrong:
+            sys.exit(f'{step}: {wrong} {told.stdout}{told.stderr}')
+
+
 def is_up(socket_file):
     with socket.socket(socket.AF_UNIX) as bus:
         try:
@@ -119,6 +140,7 @@ def main():
     with tempfile.TemporaryDirectory(dir=pathlib.Path.home(), prefix='.vantorix-trial-') as name:
         folder = pathlib.Path(name)
         score(folder)
+        lay_out(folder)
         if control('is-system-running').stdout.strip() not in ('running', 'degraded'):
             print('No systemd runs for this user here: the service is not started')
         elif is_up(pathlib.Path(os.environ['XDG_RUNTIME_DIR']) / 'vantorix/bus'):
