@@ -7,6 +7,7 @@
 #include "standin/fakes/FramePage.hpp"
 #include "standin/fakes/HostileNames.hpp"
 #include "standin/fakes/Sites.hpp"
+#include "standin/pages/PageChecks.hpp"
 #include "support/Keys.hpp"
 
 namespace {
@@ -16,6 +17,10 @@ using support::kEnter;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+
+using support::kImported;
+using support::kStrange;
+using support::kUnseen;
 
 class HostilePage : public support::FramePage {
  protected:
@@ -81,10 +86,9 @@ class HostilePage : public support::FramePage {
     come(members);
     nlohmann::json answers = nlohmann::json::array();
     for (std::size_t i = 0; i < members.size(); ++i) answers.push_back(web.get(kAddress)->body);
-    return browser.runAsync(std::string(kOutside) + kStrange + kUnseen + kPlaces + R"(
+    return browser.runAsync(std::string(kOutside) + kStrange + kUnseen + kPlaces + kImported + R"(
       const [answers, done] = arguments;
       performance.setResourceTimingBufferSize(1e6);
-      const asked = (end) => performance.getEntriesByType('resource').map((each) => each.name).find((each) => each.endsWith(end));
       const panel = document.querySelector('.plugin-page');
       const one = async (answer) => {
         const read = new DOMParser().parseFromString(answer, 'text/html');
@@ -104,17 +108,8 @@ class HostilePage : public support::FramePage {
         return [seen, [...panel.childNodes]];
       };
       let preparePluginPage;
-      // Only a script that the page vouches for may load another.
-      const known = document.createElement('script');
-      known.type = 'module';
-      known.nonce = document.querySelector('script[nonce]').nonce;
-      known.textContent = `import * as page from '${asked('/plugin/pluginpage.js')}'; dispatchEvent(new CustomEvent('known', {detail: page}));`;
       (async () => {
-        await new Promise((resolve) => {
-          addEventListener('known', ({detail}) => { ({preparePluginPage} = detail); resolve(); }, {once: true});
-          document.head.append(known);
-        });
-        known.remove();
+        ({preparePluginPage} = await imported('/plugin/pluginpage.js'));
         const seen = [], pages = [];
         for (const answer of answers) {
           const [what, page] = await one(answer);
@@ -173,36 +168,6 @@ class HostilePage : public support::FramePage {
         focus: document.activeElement.nodeName, ran: typeof window.evil, address: location.href, frames: frames.length,
         asked: [...new Set(performance.getEntriesByType('resource').map((each) => each.name)
           .filter((each) => !each.endsWith('/api/live')))].sort()};
-    };)";
-  /// What stands in the text's place and is none of a page's own elements and attributes.
-  static constexpr const char* kStrange = R"(
-    const strange = () => {
-      const own = {FORM: 'method', P: '', H3: 'aria-level', HR: 'noshade', BR: 'clear', B: '', LABEL: 'class for',
-        SPAN: 'class id role', OPTION: 'value selected label',
-        INPUT: 'type name value checked disabled size class id aria-label placeholder',
-        SELECT: 'name size class disabled data-sends id aria-label aria-describedby'};
-      own.SPAN += ' aria-label aria-labelledby';
-      return [...document.querySelectorAll('.plugin-page *')].flatMap((each) => each.nodeName in own
-        ? [...each.attributes].filter((one) => !own[each.nodeName].split(' ').includes(one.name)
-            || one.name === 'id' && !/^field-\d+$/.test(one.value)).map((one) => `${each.nodeName} ${one.name}`)
-        : [each.nodeName]);
-    };)";
-  /// What a press of a button, or a choice in a list, would post beyond what can be seen.
-  static constexpr const char* kUnseen = R"(
-    const unseen = () => {
-      const forms = [...document.querySelectorAll('.plugin-page form')];
-      const by = (button) => [...new FormData(forms[0], button)];
-      if (!forms.length) return [];
-      const wrong = by(null).filter(([name]) => name.toLowerCase() === 'button');
-      for (const button of forms[0].querySelectorAll('[type=submit]')) {
-        const named = by(button).filter(([name]) => name.toLowerCase() === 'button');
-        if (named.length !== 1 || named[0][1] !== button.value) wrong.push(named);
-      }
-      for (const one of forms[0].querySelectorAll('[type=hidden]'))
-        if (!['ref_page', 'wmp_page'].includes(one.name)) wrong.push(one.name);
-      for (const one of forms[0].querySelectorAll('option'))
-        if (one.value.replace(/[ \t\n\f\r]+/g, ' ').trim() !== one.text) wrong.push(one.outerHTML);
-      return wrong.concat(forms.slice(1).map(String));
     };)";
   /// Where in this window there is nothing to be clicked on.
   static constexpr const char* kPlaces = R"(
@@ -269,7 +234,7 @@ TEST_F(HostilePage, WhatTheFrameItselfDoesIsSeen) {
       "const p = document.querySelector('.plugin-page');"
       "p.innerHTML += '<form><input type=hidden name=button value=x></form><img src=/favicon.svg?seen>'");
   EXPECT_EQ(strange(), nlohmann::json({"IMG"}));
-  EXPECT_EQ(unseen().size(), 1U);
+  EXPECT_EQ(unseen().size(), 2U);  // the form, and what it would post
   EXPECT_TRUE(browser.eventually(
       "return performance.getEntriesByType('resource').some((each) => each.name.endsWith('?seen'))"));
   const support::OtherSite other("Elsewhere");
