@@ -16,15 +16,27 @@ constexpr base::Milliseconds kAnswerWithin = std::chrono::seconds(60);
 
 /// Which of the choices an answer means: 0 and so on, -1 for none of them; nothing where it is no answer.
 std::optional<int> ChoiceIn(const std::string& text) {
-  constexpr std::array<std::pair<std::string_view, int>, 20> kAnswers{
-      {{"first", 0},     {"the first", 0},     {"the first one", 0},  {"one", 0}, {"1", 0},   {"yes", 0},
-       {"second", 1},    {"the second", 1},    {"the second one", 1}, {"two", 1}, {"2", 1},   {"third", 2},
-       {"the third", 2}, {"the third one", 2}, {"three", 2},          {"3", 2},   {"no", -1}, {"neither", -1},
-       {"none", -1},     {"cancel", -1}}};
+  constexpr std::array<std::string_view, 3> kPlaces{"first", "second", "third"};
+  constexpr std::array<std::pair<std::string_view, int>, 11> kOthers{{{"one", 0},
+                                                                      {"1", 0},
+                                                                      {"yes", 0},
+                                                                      {"two", 1},
+                                                                      {"2", 1},
+                                                                      {"three", 2},
+                                                                      {"3", 2},
+                                                                      {"no", -1},
+                                                                      {"neither", -1},
+                                                                      {"none", -1},
+                                                                      {"cancel", -1}}};
   const std::string words = SaidWords(text);
+  std::string_view place = words;
+  if (place.starts_with("the ")) place.remove_prefix(4);
+  if (place.ends_with(" one")) place.remove_suffix(4);
+  for (std::size_t i = 0; i < kPlaces.size(); ++i)
+    if (kPlaces.at(i) == place) return static_cast<int>(i);
   const auto* const found =
-      std::find_if(kAnswers.begin(), kAnswers.end(), [&](const auto& each) { return each.first == words; });
-  if (found == kAnswers.end()) return std::nullopt;
+      std::find_if(kOthers.begin(), kOthers.end(), [&](const auto& each) { return each.first == words; });
+  if (found == kOthers.end()) return std::nullopt;
   return found->second;
 }
 

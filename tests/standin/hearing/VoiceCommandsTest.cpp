@@ -111,6 +111,17 @@ TEST_F(SpokenCommands, ASoundThatIsNotUnderstoodLeavesTheQuestionOpen) {
   EXPECT_THAT(done(), ElementsAre("Play Night Shift"));
 }
 
+TEST_F(SpokenCommands, TheSecondOneIsSaidInManyWays) {
+  for (const char* answer : {"second", "the second", "second one", "The second one!", "two", "2"}) {
+    question();
+    EXPECT_EQ(say(answer).command, "Play Night Shirt") << answer;
+  }
+  question();
+  EXPECT_EQ(say("first one").command, "Play Night Shift");
+  question();
+  EXPECT_EQ(say("third one").says.substr(0, 23), "There is no third one. ");
+}
+
 TEST_F(SpokenCommands, AnotherCommandIsNoAnswerAndTheQuestionIsOver) {
   question();
   EXPECT_EQ(say("play night shirt").kind, Kind::kDone);

@@ -240,6 +240,8 @@ TEST_F(VoicePage, TheServersOwnMicrophoneIsSwitchedOnAndWhatItHearsIsShown) {
   EXPECT_TRUE(says("Did you mean “Play Blue”?"));
   EXPECT_TRUE(shows("Heard in the room"));
   EXPECT_TRUE(has(".answer-choices button"));
+  EXPECT_EQ(run("return document.querySelector('.answer-now').textContent.includes('Or say')"), false)
+      << "the room was asked, and not who looks at the page";
   run("location.hash = '#log'");
   ASSERT_TRUE(has(".log li"));
   browser.back();

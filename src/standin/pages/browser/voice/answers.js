@@ -7,7 +7,8 @@ const marks = {done: ['✓', 'good', 'Done'], unclear: ['?', 'wait', 'Unclear'],
 const spoken = ['Or say “yes” or “no”.', 'Or say “the first one” or “the second one”.',
   'Or say “the first one”, “the second one” or “the third one”.'];
 
-/** `choose(command, button)` says one of the choices of a question. */
+/** `choose(command, button)` says one of the choices of a question. What was asked in the room is answered by voice only
+ * there. */
 export function answer(told, choose) {
   const [sign, style, words] = marks[told.kind] ?? marks.failed;
   const heard = told.heard ? html`<p class="heard"><span class="sr">You said: </span>“${told.heard}”</p>` : nothing;
@@ -17,7 +18,7 @@ export function answer(told, choose) {
       ${told.note ? html`<p class="quiet">${told.note}</p>` : nothing}
       ${choose && told.choices?.length ? html`<div class="row answer-choices" role="group" aria-label="Which one?">
         ${told.choices.map(({command, label}) => html`<button type="button" @click=${({currentTarget}) => choose(command, currentTarget)}>${label}</button>`)}</div>
-        <p class="quiet">${spoken[told.choices.length - 1] ?? spoken.at(-1)}</p>` : nothing}
+        ${told.inRoom ? nothing : html`<p class="quiet">${spoken[told.choices.length - 1] ?? spoken.at(-1)}</p>`}` : nothing}
     </div></div>`;
 }
 

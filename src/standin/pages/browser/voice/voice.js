@@ -33,7 +33,7 @@ class VoicePage {
     this.#draw = whileShown(signal, () => this.#drawn());
     this.#talk = new Talk({signal, house, draw: this.#draw, said: kept.said});
     keep(() => ({said: this.#talk.said}));
-    this.#room = new Room({signal, draw: this.#draw, heard: (told) => this.#talk.add(told, 'Heard in the room')});
+    this.#room = new Room({signal, draw: this.#draw, heard: (told) => this.#talk.add({...told, inRoom: true}, 'Heard in the room')});
     house.on('voice', () => this.load(), signal);
     house.on('again', () => this.load(), signal);
     house.on('room', () => this.#loadRoom(), signal);
