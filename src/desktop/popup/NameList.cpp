@@ -11,13 +11,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "desktop/popup/ShownText.hpp"
+
 namespace desktop {
 
 /// The names in which the text that is looked for stands, those that begin with it first. All entries while
 /// nothing is looked for.
 class NameList::Entries : public QAbstractListModel {
  public:
-  using QAbstractListModel::QAbstractListModel;
+  Entries(QObject* parent, const QListView& view) : QAbstractListModel(parent), view_(view) {}
 
   void fill(std::vector<NameEntry> entries) {
     all_ = std::move(entries);
@@ -42,11 +44,16 @@ class NameList::Entries : public QAbstractListModel {
     return parent.isValid() ? 0 : static_cast<int>(found_.size());
   }
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)) return {};
-    return at(index.row()).text;
+    if (!index.isValid()) return {};
+    const QString& text = at(index.row()).text;
+    // Only what the list has no room for is told by a tip.
+    if (role == Qt::ToolTipRole)
+      return view_.sizeHintForIndex(index).width() > view_.viewport()->width() ? TipOf(text) : QVariant();
+    return role == Qt::DisplayRole || role == Qt::AccessibleTextRole ? text : QVariant();
   }
 
  private:
+  const QListView& view_;
   std::vector<NameEntry> all_;
   std::vector<std::size_t> found_;
 };
@@ -54,10 +61,10 @@ class NameList::Entries : public QAbstractListModel {
 NameList::NameList(std::function<void(const NameEntry&)> chosen)
     : QFrame(nullptr, Qt::Popup),
       chosen_(std::move(chosen)),
-      entries_(new Entries(this)),
+      view_(new QListView),
+      entries_(new Entries(this, *view_)),
       heading_(new QLabel),
-      edit_(new QLineEdit),
-      view_(new QListView) {
+      edit_(new QLineEdit) {
   constexpr int kMargin = 6;
   setFrameShape(QFrame::StyledPanel);
   QFont bold = heading_->font();

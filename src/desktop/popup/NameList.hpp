@@ -40,10 +40,10 @@ class NameList : public QFrame {
   void choose(int row);
 
   std::function<void(const NameEntry&)> chosen_;
+  QListView* view_;
   Entries* entries_;
   QLabel* heading_;
   QLineEdit* edit_;
-  QListView* view_;
 };
 
 }  // namespace desktop

@@ -172,8 +172,7 @@ void TransportPane::showTime(int seconds) {
 void TransportPane::showTitle() {
   title_->setText(title_->fontMetrics().elidedText(wholeTitle_, Qt::ElideRight, title_->width()));
   title_->setAccessibleName(wholeTitle_);
-  // Only with a mark in it the escaped text is read as one with marks.
-  title_->setToolTip(wholeTitle_.isEmpty() ? QString() : "<span>" + wholeTitle_.toHtmlEscaped() + "</span>");
+  title_->setToolTip(TipOf(wholeTitle_));
 }
 
 void TransportPane::resizeEvent(QResizeEvent* event) {

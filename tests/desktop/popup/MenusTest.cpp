@@ -1,4 +1,5 @@
 // The popup window's menus, chosen from by keys and clicks.
+#include <QtGui/QTextDocument>
 #include <QtWidgets/QLabel>
 
 #include "support/desktop/PopupScene.hpp"
@@ -226,8 +227,21 @@ TEST_F(PopupMenu, TitlesStandBelowTheirHeading) {
   EXPECT_TRUE(reported("media 5"));
 }
 
+TEST_F(PopupMenu, ANameThatIsCutShortIsToldByATip) {
+  titles({"Salt & <b>Pepper</b> " + std::string(200, 'x'), "Dawn"});
+  showActive();
+  view->popUpMedia(2);
+  ASSERT_TRUE(until([] { return seen(openList()); }));
+  const auto tip = [](int row) { return list().model()->index(row, 0).data(Qt::ToolTipRole).toString(); };
+  QTextDocument read;
+  ASSERT_TRUE(Qt::mightBeRichText(tip(1)));
+  read.setHtml(tip(1));
+  EXPECT_EQ(read.toPlainText().toStdString(), rows()[1]);
+  EXPECT_EQ(tip(2), "");
+}
+
 TEST_F(PopupMenu, StrangeNamesAreShownInOneLine) {
-  titles({std::string(10'000, 'x'), "a && b & c", "tab\tand\nline", "שלום", "-"});
+  titles({std::string(10'000, 'x'), "a && b & c", "tab\tand\nline", "שלום", "-", "a\u202Eb\u2066c\u2069"});
   showActive();
   view->popUpMedia(2);
   ASSERT_TRUE(until([] { return seen(openList()); }));
@@ -237,6 +251,7 @@ TEST_F(PopupMenu, StrangeNamesAreShownInOneLine) {
   EXPECT_EQ(shown[3], "tab and line");
   EXPECT_EQ(shown[4], "שלום");
   EXPECT_EQ(shown[5], "-");
+  EXPECT_EQ(shown[6], "a b c ") << "none turns the others round";
   for (int row = 1; row <= 5; ++row) EXPECT_TRUE(rowReadable("popup-strange", row)) << row;
   tool({"key", "Down", "Return"});
   EXPECT_TRUE(reported("media 4")) << "also what was cut short can be chosen";
