@@ -38,6 +38,7 @@ services=${VANTORIX_SERVICES:-$root/build/release/dbus/services}
 data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
 mkdir -p "$(dirname "$data")"
 [ -d "$data" ] || mkdir -m 700 "$data"
+chmod 700 "$data"
 if [ -z "$music" ]; then
   music=$data/demo-music
   "$bin/vantorix-demo-library" "$music"

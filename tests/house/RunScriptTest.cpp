@@ -81,6 +81,17 @@ TEST_F(RunScript, PrintsOneAddressAndStopsEverythingInOrder) {
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "vantorix" / "bus"));
 }
 
+TEST_F(RunScript, TakesAFolderThatIsThereForItsUserAlone) {
+  const std::filesystem::path data = folder.path() / "data" / "vantorix";
+  std::filesystem::create_directories(data);
+  std::filesystem::permissions(data, std::filesystem::perms(0755));
+  const auto house = run(music.path());
+  EXPECT_TRUE(becomesReady(*house));
+  EXPECT_EQ(std::filesystem::status(data).permissions(), std::filesystem::perms::owner_all);
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
 TEST_F(RunScript, RefusesASecondHouse) {
   const auto house = run(music.path());
   ASSERT_TRUE(becomesReady(*house));
