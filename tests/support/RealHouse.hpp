@@ -32,6 +32,11 @@ class RealHouse {
   explicit RealHouse(Setup setup) : setup_(std::move(setup)) {}
   RealHouse() : RealHouse(Setup()) {}
 
+  /// Writes a file into the configuration folder of the plug-in's user.
+  void configure(const std::string& file, const std::string& text) const {
+    std::filesystem::create_directories(folder() / "config");
+    std::ofstream(folder() / "config" / file) << text;
+  }
   /// Writes the player's own configuration file.
   void configurePlayer(const std::string& text) const {
     std::filesystem::create_directories(folder() / "config" / "vantorix");

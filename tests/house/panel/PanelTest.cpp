@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include "demo/Cover.hpp"
 #include "support/RealHouse.hpp"
@@ -203,4 +204,64 @@ TEST(OnTheUsersDesktop, PanelsAreToldThatItHasGoneWithItsWindows) {
   screen.end();
   EXPECT_THAT(listener.outputWith("\"CanRaise\""), HasSubstr("PropertiesChanged"));
   EXPECT_EQ(canRaise(), "b false\n");
+}
+
+namespace {
+
+/// A house whose icon a panel shows, and that panel's user.
+class IconOfTheHouse : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    // A slow machine lets both clicks of a double click be far apart.
+    house.configure("kdeglobals", "[KDE]\nDoubleClickInterval=6000000\n");
+    ASSERT_TRUE(house.startReady()) << house.server().output();
+    ASSERT_TRUE(Eventually([&] { return !panel.icons().empty(); }));
+    ASSERT_TRUE(house.textBecomes("Display Controls", "Show"));
+  }
+  /// What the icon answers to a call, as busctl prints it.
+  std::string call(std::vector<std::string> words) {
+    words.insert(words.begin(),
+                 {"busctl", "--address=" + session.address(), "--", "call", panel.icons().back()});
+    support::Process busctl(words);
+    EXPECT_EQ(busctl.wait(), 0) << busctl.output();
+    return busctl.output();
+  }
+  void doubleClick() {
+    for (int i = 0; i < 2; ++i)
+      call({"/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate", "ii", "0", "0"});
+  }
+  /// Chooses an item of its menu, which the panel shows by itself.
+  void choose(const std::string& label) {
+    const std::string menu =
+        call({"/MenuBar", "com.canonical.dbusmenu", "GetLayout", "iias", "0", "-1", "0"});
+    std::smatch found;
+    const std::regex item("\\(ia\\{sv\\}av\\) (\\d+) [^(]*\"" + label + "\"");
+    ASSERT_TRUE(std::regex_search(menu, found, item)) << menu;
+    call({"/MenuBar", "com.canonical.dbusmenu", "Event", "isvu", found[1].str(), "clicked", "i", "0", "0"});
+  }
+
+  support::XServer screen;
+  support::SmallMusic music;
+  support::BusDaemon session;
+  support::Panel panel{session.address()};
+  support::RealHouse house{{.music = music.path(),
+                            .plugin = "XDG_CURRENT_DESKTOP=KDE KDE_SESSION_VERSION=5 " VXIF_PROGRAM,
+                            .display = screen.display(),
+                            .sessionBus = session.address()}};
+};
+
+}  // namespace
+
+TEST_F(IconOfTheHouse, HidesAndShowsTheControlsByDoubleClicks) {
+  doubleClick();
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Hide"));
+  doubleClick();
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Show"));
+}
+
+TEST_F(IconOfTheHouse, MutesByItsMenuAndHidesTheControls) {
+  choose("_Mute");
+  EXPECT_TRUE(house.textBecomes("Mute", "Muted")) << house.device("Mute").dump();
+  choose("_Show / Hide");
+  EXPECT_TRUE(house.textBecomes("Display Controls", "Hide"));
 }
