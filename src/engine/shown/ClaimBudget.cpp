@@ -18,7 +18,8 @@ bool Within(std::uint64_t a, std::uint64_t b, std::uint64_t most) { return b == 
 
 // Sound as it is has an entry in the decoder's list for some hundred samples only.
 ClaimBudget::ClaimBudget(std::uint64_t fileSize)
-    : mostSamples_(std::clamp(fileSize / 4, kFewSamples, kMostSamples)),
+    : fileSize_(fileSize),
+      mostSamples_(std::clamp(fileSize / 4, kFewSamples, kMostSamples)),
       mostPieces_(std::clamp(fileSize / 4, kFewSamples, kMostPieces)),
       bytesLeft_(fileSize + kSpareBytes) {}
 
@@ -26,6 +27,10 @@ bool ClaimBudget::samples(std::uint64_t count) {
   if (count > mostSamples_ || !Within(samples_ + count, edits_, mostSamples_)) return false;
   samples_ += count;
   return true;
+}
+
+bool ClaimBudget::smallSamples(std::uint64_t count, std::uint64_t each) {
+  return Within(count, each, fileSize_) && samples_ + count <= mostSamples_ / 2 && samples(count);
 }
 
 bool ClaimBudget::edits(std::uint64_t count) {

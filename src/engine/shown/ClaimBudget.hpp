@@ -15,6 +15,9 @@ class ClaimBudget {
 
   /// Samples of a track or of a piece of one.
   bool samples(std::uint64_t count);
+  /// Small samples of one size. They may take a half of what is allowed, if the file is as large as they are
+  /// together.
+  bool smallSamples(std::uint64_t count, std::uint64_t each);
   /// Parts of a track that are played one after the other: each may repeat all of the track.
   bool edits(std::uint64_t count);
   /// A list that takes so many bytes of the file.
@@ -28,6 +31,7 @@ class ClaimBudget {
   bool fragments(std::uint64_t count);
 
  private:
+  std::uint64_t fileSize_;
   std::uint64_t mostSamples_;
   std::uint64_t mostPieces_;
   std::uint64_t bytesLeft_;

@@ -20,11 +20,14 @@ constexpr std::uint64_t kMostAtOnce = std::uint64_t{1} << 19U;
 constexpr std::size_t kMostVerdicts = 10'000;
 constexpr std::size_t kMostRanges = 200'000;
 constexpr std::uint64_t kPointSize = 64;  // of sixteen channels of four bytes
-constexpr std::uint32_t kMostPoints = 500'000;
+constexpr std::uint64_t kMostPoints = 500'000;
 constexpr std::uint64_t kPiece = 160;          // the fewest samples that become one entry of the decoder's
 constexpr std::uint64_t kReference = 131'072;  // what the decoder may keep of the name of another file
 /// No box is called so, nor is any name made of a part of it and of what stands beside it.
 constexpr std::string_view kUnknown = "0000";
+/// The number that is told in place of a larger one of points. The end of a number may be a part of a time
+/// that stands for silence, in which all is set, so what ends in such bytes still does.
+constexpr std::uint32_t Fewer(std::uint64_t count) { return (count & 0xFFU) == 0xFF ? 0xFFFF : 10'000; }
 constexpr std::uint32_t Name(const char (&letters)[5]) {
   std::uint32_t name = 0;
   for (int i = 0; i < 4; ++i) name = name << 8U | static_cast<unsigned char>(letters[i]);
@@ -115,9 +118,11 @@ SampleClaims::Verdict SampleClaims::judgeSizes(const Box& box) {
   }
   if (each > kPointSize || count <= kMostPoints)
     return budget_.samples(count) ? Verdict::kAsItIs : Verdict::kUnread;
+  // Packed sound of a steady rate: its samples lie in the file.
+  if (budget_.smallSamples(count, each)) return Verdict::kAsItIs;
   // Sound that isn't packed has a number for each point of it, of which the decoder makes nothing. It is told
   // smaller, where that changes no number of another box, nor what may be a time that stands for silence.
-  if ((count & 0xFFU) == 0xFF || count > INT32_MAX) return Verdict::kUnread;
+  if ((count & 0xFFFFFFU) == 0xFFFFFF || count > INT32_MAX) return Verdict::kUnread;
   const std::size_t begin = box.at + box.head() + 8;
   for (std::size_t at = box.at - std::min(box.at, kNear); at < begin + 8; ++at) {
     if (at == box.at || !IsNameAt(box.bytes, at)) continue;
@@ -125,7 +130,7 @@ SampleClaims::Verdict SampleClaims::judgeSizes(const Box& box) {
     const std::size_t reach = other.name() == Name("sidx") ? 32 : 16;
     if (at > box.at || at + other.head() + reach > begin) return Verdict::kUnread;
   }
-  return budget_.samples(kMostPoints) ? Verdict::kFewer : Verdict::kUnread;
+  return budget_.samples(Fewer(count)) ? Verdict::kFewer : Verdict::kUnread;
 }
 
 bool SampleClaims::believesRun(const Box& box) {
@@ -243,7 +248,7 @@ void SampleClaims::look(std::uint64_t start, std::size_t from, std::size_t to) {
       continue;
     }
     std::size_t digit = at + box.head() + 12;
-    for (std::uint32_t number = kMostPoints; digit-- > at + box.head() + 8; number /= 256) {
+    for (std::uint32_t number = Fewer(box.number(8)); digit-- > at + box.head() + 8; number /= 256) {
       if (digit < told.size()) told[digit] = static_cast<char>(number % 256);
     }
   }

@@ -246,13 +246,26 @@ TEST_F(AnMp4, IsNeverPackedNorLocked) {
 TEST_F(AnMp4, OfUnpackedSoundHasANumberForEachPointThatIsToldSmaller) {
   const std::string hour = Mp4File(Movie(Track(Sizes(4, 158'760'000))));
   std::string told = hour;
-  told.replace(told.find("stsz") + 12, 4, Big(500'000, 4));
+  told.replace(told.find("stsz") + 12, 4, Big(10'000, 4));
   for (const std::size_t step : {std::size_t{1}, std::size_t{5}, std::size_t{4096}})
     EXPECT_EQ(shown(hour, step), told) << step;
   // Where the number is a part of something else too, nothing is told.
   for (const std::string& near : {"sbgp" + Sizes(4, 158'760'000).substr(4),
-                                  Sizes(4, 158'760'000).substr(0, 17) + "stco", Sizes(4, 0x7FFF00FF)})
+                                  Sizes(4, 158'760'000).substr(0, 17) + "stco", Sizes(4, 0x70FFFFFF)})
     EXPECT_EQ(shown(Movie(near)), Unread(Movie(near), "stsz"));
+  // What may be the end of a time that stands for silence still is one.
+  const std::string odd = Mp4File(Movie(Track(Sizes(4, 0x0A00'01FF))));
+  std::string fewer = odd;
+  fewer.replace(fewer.find("stsz") + 12, 4, Big(0xFFFF, 4));
+  EXPECT_EQ(shown(odd), fewer);
+}
+
+TEST_F(AnMp4, OfABookOfSmallSamplesOfOneSizeIsReadAsItIs) {
+  // Ten hours of speech.
+  const std::string head = Mp4File(Movie(Track(Sizes(32, 1'800'000))));
+  const std::string sound = Box("mdat", std::string(std::size_t{32} * 1'800'000, '\0'));
+  expectAsItIs(head + sound);
+  EXPECT_NE(shown(head), head);  // there is no such sound in it
 }
 
 TEST_F(AnMp4, HasNoListsThatAreLongerThanItself) {
