@@ -5,7 +5,7 @@
 
 namespace desktop {
 
-/// Asks the desktop, over the session bus, not to blank or lock its screen while somebody watches something.
+/// Asks the desktop, over the session bus, not to blank or lock its screen while a film fills it.
 /// Nothing waits for it, and a desktop that knows nothing of that is left alone.
 class WakefulScreen : public QObject {
  public:

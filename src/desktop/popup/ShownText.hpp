@@ -35,9 +35,10 @@ inline QString ShownText(const std::string& text) {
 }
 
 /// The tip that says a shown text letter for letter: only with a mark in it an escaped text is read as one
-/// with marks. None for none.
+/// with marks, and only as it stands are its blanks as many as they are. None for none.
 inline QString TipOf(const QString& shown) {
-  return shown.isEmpty() ? QString() : "<span>" + shown.toHtmlEscaped() + "</span>";
+  return shown.isEmpty() ? QString()
+                         : "<span style=\"white-space:pre-wrap\">" + shown.toHtmlEscaped() + "</span>";
 }
 
 }  // namespace desktop

@@ -1,6 +1,7 @@
 #include "desktop/popup/TransportPane.hpp"
 
 #include <QtCore/QSignalBlocker>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -152,8 +153,10 @@ void TransportPane::show(const ui::TransportShown& shown) {
   mute_->become(shown.mute ? Sign::kMuted : Sign::kSound, shown.mute ? "Unmute" : "Mute");
   volume_->setValue(shown.volume);
   const QString title = ShownText(shown.title);
-  // A place that was being chosen in one title is none in the next.
-  if (title != wholeTitle_) position_->setSliderDown(false);
+  // A place that was being chosen in one title is none in the next. And of a button that is let go behind a
+  // question nobody is told.
+  const bool held = (QGuiApplication::mouseButtons() & Qt::LeftButton) != 0;
+  if (title != wholeTitle_ || !held) position_->setSliderDown(false);
   wholeTitle_ = title;
   showTitle();
   duration_ = Whole(shown.duration);

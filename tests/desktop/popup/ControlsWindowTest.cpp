@@ -2,7 +2,9 @@
 #include "desktop/popup/ControlsWindow.hpp"
 
 #include <QtCore/QBuffer>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QTextDocument>
+#include <QtGui/QWindow>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QSlider>
@@ -173,6 +175,28 @@ TEST_F(ControlsWindow, AClickAnywhereIntoAShortTitleSeeks) {
   }
 }
 
+TEST_F(ControlsWindow, ASliderThatAQuestionCutsOffFollowsThePlayerAgain) {
+  show();
+  view->transport(playing());
+  auto* slider = named<QSlider>("Position");
+  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
+  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
+  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  QDialog question;
+  question.setModal(true);
+  question.show();
+  ASSERT_TRUE(until([&] { return question.windowHandle()->isExposed(); }));
+  tool({"mouseup", "1"});
+  ASSERT_TRUE(until([] { return QGuiApplication::mouseButtons() == Qt::NoButton; }));
+  question.hide();
+  ui::TransportShown later = playing();
+  later.position = 90;
+  view->transport(later);
+  EXPECT_FALSE(slider->isSliderDown());
+  EXPECT_EQ(slider->value(), 90);
+  EXPECT_THAT(journal.with("seek"), IsEmpty());
+}
+
 TEST_F(ControlsWindow, ASliderThatIsDraggedIsToldWhereItIsLetGo) {
   show();
   view->transport(playing());
@@ -265,7 +289,7 @@ TEST_F(ControlsWindow, TimesAndTitlesAreShownAsTheyAre) {
 TEST_F(ControlsWindow, TheTitlesTipSaysTheTitleLetterForLetter) {
   show();
   ui::TransportShown shown = playing();
-  for (const char* title : {"Salt & Pepper", "<b>Salt</b> &amp; Pepper", "a < b", "Dawn"}) {
+  for (const char* title : {"Salt & Pepper", "<b>Salt</b> &amp; Pepper", "a < b", "Dawn", "Live  1970"}) {
     shown.title = title;
     view->transport(shown);
     const QString tip = pane().findChild<QLabel*>("Title")->toolTip();
