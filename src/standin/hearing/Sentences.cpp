@@ -36,13 +36,14 @@ std::string Sentences::labelOf(const std::string& category, const std::string& c
 void Sentences::settle(std::vector<Said>& said) const {
   std::erase_if(said, [this](const Said& each) { return devicesOf(each.event).empty(); });
   for (Said& each : said) each.command = CommandFor(categoryOf(devicesOf(each.event)), each);
-  // What another event says in the same words is told apart by its category.
+  // What an event for other devices says in the same words is told apart by its category.
   const std::vector<Said> worded = said;
   for (Said& each : said) {
+    const std::vector<std::int32_t> refs = devicesOf(each.event);
     const bool shared = std::any_of(worded.begin(), worded.end(), [&](const Said& other) {
-      return other.event != each.event && other.command == each.command;
+      return other.event != each.event && other.command == each.command && devicesOf(other.event) != refs;
     });
-    if (shared && !categoryOf(devicesOf(each.event)).empty()) each.command = each.whole;
+    if (shared && !categoryOf(refs).empty()) each.command = each.whole;
   }
 }
 
@@ -52,7 +53,8 @@ std::vector<Sentences::Choice> Sentences::choicesOf(const std::vector<Said>& sai
     const std::string category = categoryOf(devicesOf(each.event));
     // Of other words than a category, such as "No", the one that was left out makes another command.
     const bool doubtful = !category.empty() && std::any_of(said.begin(), said.end(), [&](const Said& other) {
-      return other.command == each.command && other.whole != each.whole;
+      return other.command == each.command && other.whole != each.whole &&
+             (other.event == each.event || devicesOf(other.event) != devicesOf(each.event));
     });
     const std::string& words = doubtful ? each.whole : each.command;
     if (std::any_of(choices.begin(), choices.end(),

@@ -97,6 +97,12 @@ TEST_F(QuickCommands, ANameOfTwoCategoriesIsAskedForByThem) {
   EXPECT_EQ(last(), "SetIO Quick Artist Q 13 13 0 0 0 after Play Artist Blue");
 }
 
+TEST_F(QuickCommands, WhatTwoEventsOfOneDeviceSayIsAskedByNobody) {
+  hears(album, "Play [Album] (Blue)");
+  hears(album, "Play (Blue|Green)");
+  EXPECT_EQ(say("play blue").kind, Kind::kDone);
+}
+
 TEST_F(QuickCommands, WhatTwoEventsSayInTheSameWordsIsForBoth) {
   hears(quick("Lamp", "1"), "Light [very] low");
   hears(quick("Blind", "2"), "Light low");
