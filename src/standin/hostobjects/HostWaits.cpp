@@ -63,6 +63,12 @@ void LoopWaits::seconds(int count) {
   });
 }
 
+void LoopWaits::speak(const std::string& text, bool wait) {
+  if (!wait) return speech_.speak(text, false);
+  const Pending pending(pending_, forStranger_(), ofStrangers_);
+  speech_.speak(text, true);
+}
+
 std::string LoopWaits::fetch(const std::string& host, const std::string& page, int port,
                              const std::string& certificate) {
   const Pending pending(pending_, forStranger_(), ofStrangers_);

@@ -25,7 +25,7 @@ class HostWaits {
   /// Throws number 51 when far too many waits are pending, or more than a program other than the plug-in may
   /// have.
   virtual void seconds(int count) = 0;
-  /// Has the text said; with `wait` it returns when it has been heard.
+  /// Has the text said; with `wait` it returns when it has been heard, and throws as `seconds`.
   virtual void speak(const std::string& text, bool wait) = 0;
   /// A page by HTTP; throws as `FetchUrl` does, and as `seconds`. `certificate` as there.
   virtual std::string fetch(const std::string& host, const std::string& page, int port,
@@ -48,7 +48,7 @@ class LoopWaits : public HostWaits {
       : loop_(loop), speech_(speech), fetchLimit_(fetchLimit), forStranger_(std::move(forStranger)) {}
   void pendingEvents() override;
   void seconds(int count) override;
-  void speak(const std::string& text, bool wait) override { speech_.speak(text, wait); }
+  void speak(const std::string& text, bool wait) override;
   std::string fetch(const std::string& host, const std::string& page, int port,
                     const std::string& certificate) override;
 

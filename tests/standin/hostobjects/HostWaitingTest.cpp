@@ -71,6 +71,22 @@ TEST_F(HostWaiting, OfProgramsOtherThanThePlugInAreFewAndShort) {
   EXPECT_EQ(begun, LoopWaits::kMostOfStrangers + 1);
 }
 
+TEST_F(HostWaiting, WhoHasATextSaidAndWaitsIsOneOfThem) {
+  LoopWaits theirs{loop, speech, LoopWaits::kFetchLimit, [] { return true; }};
+  int refused = 0;
+  int begun = 0;
+  const std::function<void()> wait = [&] {
+    if (++begun > LoopWaits::kMostOfStrangers) {
+      refused = support::FailureNumberOf([&] { theirs.speak("One more", true); });
+      return loop.quit(0);
+    }
+    loop.post(wait);
+    theirs.seconds(5);
+  };
+  wait();
+  EXPECT_EQ(refused, base::number::kInternal);
+}
+
 TEST_F(HostWaiting, GetUrlAnswersTheBodyByteForByteWhileTheLoopTurns) {
   httplib::Server web;
   const std::string body("a\0\xFF<b>c</b>", 11);
