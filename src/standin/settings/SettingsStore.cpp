@@ -47,8 +47,9 @@ void SettingsStore::countStored() {
        entry.increment(failed)) {
     const std::string name = entry->path().filename().string();
     std::error_code none;
-    const std::uintmax_t size = entry->is_regular_file(none) ? entry->file_size(none) : 0;
-    if (PlainFileName(name) && !none) stored_[base::LowerCase(name)] = static_cast<std::size_t>(size);
+    if (!PlainFileName(name) || !entry->is_regular_file(none)) continue;
+    const std::uintmax_t size = entry->file_size(none);
+    if (!none) stored_[base::LowerCase(name)] = static_cast<std::size_t>(size);
   }
   if (failed) files::FailOn(folder_, failed.value());
 }
@@ -101,7 +102,11 @@ std::optional<std::filesystem::path> SettingsStore::pathOf(const std::string& fo
 
 SettingsStore::Loaded* SettingsStore::look(const std::string& file) {
   const std::string folded = base::LowerCase(file);
-  if (const auto found = files_.find(folded); found != files_.end()) return &found->second;
+  if (const auto found = files_.find(folded); found != files_.end()) {
+    // A change that there was too little memory for when its file was read.
+    bringWaiting(folded, found->second);
+    return &found->second;
+  }
   if (!PlainFileName(file)) throw base::Failure(base::number::kInvalidArgument, NoName(file));
   const std::optional<std::filesystem::path> path = pathOf(folded);
   if (!path && !waiting_.contains(folded)) return nullptr;
@@ -117,13 +122,17 @@ SettingsStore::Loaded& SettingsStore::fresh(const std::string& file) {
   return files_.emplace(base::LowerCase(file), Loaded{folder_ / file, IniFile(), false}).first->second;
 }
 
+void SettingsStore::bringWaiting(const std::string& folded, Loaded& loaded) {
+  const auto waiting = waiting_.find(folded);
+  if (waiting == waiting_.end()) return;
+  for (const SettingChange& change : waiting->second) bring(change, loaded);
+  waiting_.erase(waiting);
+}
+
 SettingsStore::Loaded& SettingsStore::load(const std::string& folded, const std::filesystem::path& path) {
   const std::optional<std::string> text = files::TextOf(path);
   Loaded loaded{path, IniFile::parse(text.value_or(std::string())), false};
-  const auto waiting = waiting_.extract(folded);
-  if (!waiting.empty()) {
-    for (const SettingChange& change : waiting.mapped()) bring(change, loaded);
-  }
+  bringWaiting(folded, loaded);
   stored_.erase(folded);
   return files_.emplace(folded, std::move(loaded)).first->second;
 }

@@ -65,6 +65,8 @@ class SettingsStore {
   void checkRoomFor(const SettingChange& change, const Loaded* loaded) const;
   void note(const SettingChange& change);
   static void bring(const SettingChange& change, Loaded& into);
+  /// What waits for that file.
+  void bringWaiting(const std::string& folded, Loaded& into);
   void openWaiting();
   void keepEdited();
 
