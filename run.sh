@@ -38,7 +38,7 @@ services=${VANTORIX_SERVICES:-$root/build/release/dbus/services}
 data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
 mkdir -p "$(dirname "$data")"
 [ -d "$data" ] || mkdir -m 700 "$data"
-chmod 700 "$data"
+chmod 700 "$data" 2>/dev/null || echo "Others may be able to look into $data" >&2
 if [ -z "$music" ]; then
   music=$data/demo-music
   "$bin/vantorix-demo-library" "$music"
@@ -98,7 +98,8 @@ while kill -0 "$server" 2>/dev/null; do
   code=0
   wait "$server" || code=$?
 done
-take_from_desktop
+# What an installed service has put there stays.
+[ -e "${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user/${VANTORIX_SERVICE:-vantorix}.service" ] || take_from_desktop
 kill "$bus" 2>/dev/null || true
 wait "$bus" 2>/dev/null || true
 rm -f "$socket" "$config" "$run/bus.pid"

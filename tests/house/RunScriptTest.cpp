@@ -3,6 +3,8 @@
 #include <httplib.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -145,6 +147,20 @@ TEST_F(RunScript, OnADesktopThePlayerStandsOnItsPanelsAndInItsMenuAsLongAsTheHou
   EXPECT_EQ(house->wait(), 0);
   EXPECT_FALSE(std::filesystem::exists(entry));
   EXPECT_FALSE(std::filesystem::exists(icon));
+}
+
+TEST_F(RunScript, TheDesktopsEntryOfAnInstalledServiceStays) {
+  const std::filesystem::path share = folder.path() / "data" / "applications";
+  const std::filesystem::path units = folder.path() / "config" / "systemd" / "user";
+  std::filesystem::create_directories(share);
+  std::filesystem::create_directories(units);
+  std::ofstream(share / "vantorix-media-player.desktop") << "the service's";
+  std::ofstream(units / "vantorix.service") << "the service";
+  const auto house = run(music.path());
+  ASSERT_TRUE(becomesReady(*house));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+  EXPECT_TRUE(std::filesystem::exists(share / "vantorix-media-player.desktop"));
 }
 
 TEST_F(RunScript, WithoutADesktopNothingIsPutThere) {
