@@ -22,7 +22,10 @@ class QuickPlay : public ::testing::Test {
     ASSERT_TRUE(house.startReady()) << house.server().output();
     // The first look at the music folder goes on beside the start, and the names come by themselves behind
     // it.
-    ASSERT_TRUE(support::Eventually([&] { return !names("Quick Album").empty(); })) << house.log();
+    // What can be said is written last.
+    ASSERT_TRUE(support::Eventually([&] {
+      return !names("Quick Album").empty() && !vcmd("Album VR").empty();
+    })) << house.log();
   }
   void restart() {
     house.server().signal(SIGTERM);
