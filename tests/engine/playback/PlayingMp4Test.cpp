@@ -136,7 +136,7 @@ TEST_F(PlayingAnMp4, OfManyChaptersTakesNoMore) {
 
 class AnHonestMp4 : public PlayerTest {
  protected:
-  /// What is heard of a tone of thirteen seconds that another program has put into a file.
+  /// What is heard of a tone of 24 seconds that another program has put into a file.
   demo::Sound heard(const std::string& name, const std::string& options) {
     const std::string path = folder / name;
     demo::WriteSound(folder / "tone.wav", tone, demo::FileFormat::kWav);
@@ -153,16 +153,22 @@ class AnHonestMp4 : public PlayerTest {
     return demo::ReadSound(folder / "heard.wav");
   }
 
-  demo::Sound tone = demo::Tone(441, 13);
+  demo::Sound tone = demo::Tone(441, 24);
 };
 
 /// There are more numbers in it than the decoder is told.
-TEST_F(AnHonestMp4, OfUnpackedSoundIsHeardToItsEnd) {
+class AnUnpackedMp4 : public AnHonestMp4, public ::testing::WithParamInterface<std::size_t> {};
+
+TEST_P(AnUnpackedMp4, IsHeardToItsEnd) {
+  tone.samples.resize(GetParam());
   const demo::Sound sound = heard("plain.mov", "-c:a pcm_s16le");
   ASSERT_EQ(sound.samples.size(), tone.samples.size());
   for (std::size_t i = 0; i < sound.samples.size(); i += 97)
     ASSERT_NEAR(sound.samples[i], tone.samples[i], 0.001) << i;
 }
+
+/// Read as it is; told smaller; and so with an end that a time for silence may have.
+INSTANTIATE_TEST_SUITE_P(Of, AnUnpackedMp4, ::testing::Values(573'300, 1'058'400, 0x1024FF));
 
 TEST_F(AnHonestMp4, OfSoundThatIsHardlyPackedIsHeardToItsEnd) {
   EXPECT_NEAR(static_cast<double>(heard("ima.mov", "-c:a adpcm_ima_qt").samples.size()),
