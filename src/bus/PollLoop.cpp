@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "base/Failure.hpp"
+#include "base/Restored.hpp"
 #include "files/Descriptor.hpp"
 
 namespace bus {
@@ -270,32 +271,13 @@ void PollLoop::post(std::function<void()> work) {
 
 void PollLoop::pump() { turn(Milliseconds(0)); }
 
-namespace {
-
-/// Sets a count for a while, also when what runs meanwhile throws.
-class Replaced {
- public:
-  Replaced(int& count, int value) : count_(count), former_(count) { count_ = value; }
-  ~Replaced() { count_ = former_; }
-  Replaced(const Replaced&) = delete;
-  Replaced& operator=(const Replaced&) = delete;
-  Replaced(Replaced&&) = delete;
-  Replaced& operator=(Replaced&&) = delete;
-
- private:
-  int& count_;
-  int former_;
-};
-
-}  // namespace
-
 void PollLoop::whileOpen(const std::function<void()>& body) {
-  const Replaced open(openDepth_, openDepth_ + 1);
+  const base::Restored open(openDepth_, openDepth_ + 1);
   body();
 }
 
 void PollLoop::whileClosed(const std::function<void()>& body) {
-  const Replaced closed(openDepth_, 0);
+  const base::Restored closed(openDepth_, 0);
   body();
 }
 
@@ -325,7 +307,7 @@ std::unique_ptr<PollLoop::Watch> PollLoop::onSignal(int signal, std::function<vo
 }
 
 int PollLoop::run() {
-  const Replaced running(state_->runs, state_->runs + 1);
+  const base::Restored running(state_->runs, state_->runs + 1);
   state_->quitting = state_->quitCode.has_value();
   while (!state_->quitCode) turn(Milliseconds(60'000));
   const int code = *state_->quitCode;
@@ -349,7 +331,7 @@ void PollLoop::waitFor(int descriptor, short events, Milliseconds limit) {
 }
 
 void PollLoop::turn(Milliseconds limit) {
-  const Replaced deeper(depth_, depth_ + 1);
+  const base::Restored deeper(depth_, depth_ + 1);
   RemoveDead(state_->timers);
   RemoveDead(state_->watches);
   if (beforeWait_) beforeWait_();

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "base/Restored.hpp"
 #include "bus/PollLoop.hpp"
 
 namespace bus {
@@ -14,7 +15,7 @@ class Serving {
 
   /// Runs `serve` as a call of that sender.
   void within(std::string sender, const std::function<void()>& serve) {
-    const Innermost innermost(*this, {std::move(sender), loop_.depth()});
+    const base::Restored innermost(call_, Call{std::move(sender), loop_.depth()});
     serve();
   }
   /// The process that this very moment's work is done for. Empty for what the loop does by itself, also while
@@ -27,20 +28,6 @@ class Serving {
   struct Call {
     std::string sender;
     int depth = 0;  ///< of the loop's turns where its serving has begun
-  };
-  class Innermost {
-   public:
-    Innermost(Serving& serving, Call call)
-        : serving_(serving), before_(std::exchange(serving.call_, std::move(call))) {}
-    ~Innermost() { serving_.call_ = std::move(before_); }
-    Innermost(const Innermost&) = delete;
-    Innermost& operator=(const Innermost&) = delete;
-    Innermost(Innermost&&) = delete;
-    Innermost& operator=(Innermost&&) = delete;
-
-   private:
-    Serving& serving_;
-    Call before_;
   };
 
   const PollLoop& loop_;

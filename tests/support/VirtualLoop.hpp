@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/Loop.hpp"
+#include "base/Restored.hpp"
 
 namespace support {
 
@@ -24,7 +25,7 @@ class VirtualLoop : public base::Loop {
     runDue();
   }
   void whileOpen(const std::function<void()>& body) override {
-    const Restored depth(openDepth, openDepth + 1);
+    const base::Restored depth(openDepth, openDepth + 1);
     body();
   }
   [[nodiscard]] base::Milliseconds now() const override { return now_; }
@@ -53,22 +54,6 @@ class VirtualLoop : public base::Loop {
   int openDepth = 0;
 
  private:
-  /// A value for as long as something runs, also if it throws.
-  template <class T>
-  class Restored {
-   public:
-    Restored(T& target, T value) : target_(target), before_(target) { target_ = value; }
-    ~Restored() { target_ = before_; }
-    Restored(const Restored&) = delete;
-    Restored& operator=(const Restored&) = delete;
-    Restored(Restored&&) = delete;
-    Restored& operator=(Restored&&) = delete;
-
-   private:
-    T& target_;
-    T before_;
-  };
-
   class VirtualTimer : public base::Timer {
    public:
     VirtualTimer(VirtualLoop& loop, base::Milliseconds interval, std::function<void()> event)
@@ -93,7 +78,7 @@ class VirtualLoop : public base::Loop {
     void fireIfDue() {
       if (!enabled_ || running_ || interval_.count() <= 0 || loop_.now_ < due_) return;
       due_ = loop_.now_ + interval_;
-      const Restored running(running_, true);
+      const base::Restored running(running_, true);
       event_();
     }
 
