@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "engine/shown/UnreadTags.hpp"
+#include "engine/tags/Bytes.hpp"
 
 namespace engine {
 namespace {
@@ -25,12 +26,6 @@ bool HoldsBoxes(std::string_view type) {
 
 bool IsOfFragments(std::string_view type) { return IsOneOf(type, {"moof", "sidx", "mfra"}); }
 
-std::uint64_t Big(std::string_view bytes) {
-  std::uint64_t value = 0;
-  for (const char c : bytes) value = value * 256 + static_cast<unsigned char>(c);
-  return value;
-}
-
 BoxWalk WalkFrom(std::uint64_t at, UnreadTags& file, std::uint64_t size) {
   BoxWalk walk;
   std::array<char, 16> head{};
@@ -47,10 +42,10 @@ BoxWalk WalkFrom(std::uint64_t at, UnreadTags& file, std::uint64_t size) {
     const std::string_view type = bytes.substr(4, 4);
     walk.boxes = walk.boxes || HoldsBoxes(type);
     fragments = fragments || IsOfFragments(type);
-    std::uint64_t length = Big(bytes.substr(0, 4));
+    std::uint64_t length = tags::Big(bytes, 0, 4);
     std::uint64_t headSize = 8;
     if (length == 1 && bytes.size() == head.size()) {
-      length = Big(bytes.substr(8));
+      length = tags::Big(bytes, 8, 8);
       headSize = 16;
     } else if (length == 0) {
       length = size - at;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/shown/UnreadTags.hpp"
+#include "engine/tags/Bytes.hpp"
 
 namespace engine {
 namespace {
@@ -47,17 +48,10 @@ constexpr std::array<bool, 256> kBegins = [] {
   return begins;
 }();
 
-std::uint64_t Number(std::string_view bytes, std::size_t at, std::size_t length) {
-  std::uint64_t value = 0;
-  for (std::size_t i = at; i < at + length; ++i)
-    value = value * 256 + (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
-  return value;
-}
-
 /// Whether the name of a box that is judged stands there.
 bool IsNameAt(std::string_view bytes, std::size_t at) {
   if (at + 4 > bytes.size() || !kBegins[static_cast<unsigned char>(bytes[at])]) return false;
-  const auto name = static_cast<std::uint32_t>(Number(bytes, at, 4));
+  const auto name = static_cast<std::uint32_t>(tags::Big(bytes, at, 4));
   return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
@@ -69,17 +63,17 @@ struct SampleClaims::Box {
   std::size_t at;       ///< of its name, in those bytes
   std::uint64_t place;  ///< of its name, in the file
 
-  [[nodiscard]] std::uint32_t name() const { return static_cast<std::uint32_t>(Number(bytes, at, 4)); }
-  [[nodiscard]] bool wide() const { return Number(bytes, at - 4, 4) == 1; }
+  [[nodiscard]] std::uint32_t name() const { return static_cast<std::uint32_t>(tags::Big(bytes, at, 4)); }
+  [[nodiscard]] bool wide() const { return at >= 4 && tags::Big(bytes, at - 4, 4) == 1; }
   /// How far its content is from its name.
   [[nodiscard]] std::size_t head() const { return wide() ? 12 : 4; }
   /// A number in its content.
   [[nodiscard]] std::uint64_t number(std::size_t index, std::size_t length = 4) const {
-    return Number(bytes, at + head() + index, length);
+    return tags::Big(bytes, at + head() + index, length);
   }
   /// How long its content says it is; 0 for as long as what it lies in.
   [[nodiscard]] std::uint64_t length() const {
-    const std::uint64_t size = wide() ? Number(bytes, at + 4, 8) : Number(bytes, at - 4, 4);
+    const std::uint64_t size = wide() ? tags::Big(bytes, at + 4, 8) : tags::Big(bytes, at - 4, 4);
     return size - std::min<std::uint64_t>(size, head() + 4);
   }
 };
@@ -168,14 +162,14 @@ bool SampleClaims::believesSpread(const Box& box) {
     if (got < 12) break;
     const std::size_t whole = static_cast<std::size_t>(got) / 12 * 12;
     for (std::size_t i = 0; i < whole; i += 12) {
-      const std::uint64_t first = Number(part, i, 4);
+      const std::uint64_t first = tags::Big(part, i, 4);
       if (first > before) {
         told += (first - before) * pieces;
       } else {
         unsorted += pieces;
       }
       before = std::max(before, first);
-      pieces = std::min<std::uint64_t>(Number(part, i + 4, 4), INT32_MAX) / kPiece;
+      pieces = std::min<std::uint64_t>(tags::Big(part, i + 4, 4), INT32_MAX) / kPiece;
     }
     at += whole;
   }

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <string_view>
 
+#include "engine/tags/Bytes.hpp"
+
 namespace engine {
 namespace {
 
@@ -18,27 +20,21 @@ constexpr int kMostAtFront = 1000;
 constexpr char kUnreadVersion = '\x7F';
 constexpr std::array<std::string_view, 2> kMagics{"ID3", "ea3"};  // the second only stands at the front
 
-unsigned At(std::string_view bytes, std::size_t index) {
-  return index < bytes.size() ? static_cast<unsigned char>(bytes[index]) : 0U;
-}
+std::uint64_t SizeOf(std::string_view header) { return tags::Sevens(header, 6); }
 
-std::uint64_t SizeOf(std::string_view header) {
-  std::uint64_t size = 0;
-  for (std::size_t i = 6; i < kHeader; ++i) size = size * 128 + At(header, i);
-  return size;
-}
-
-bool HasFooter(std::string_view header) { return (At(header, 5) & 0x10U) != 0; }
+bool HasFooter(std::string_view header) { return (tags::Byte(header, 5) & 0x10U) != 0; }
 
 /// Whether the libraries below the decoder would take it for a tag.
 bool IsTag(std::string_view header) {
   return header.size() == kHeader && (header.starts_with(kMagics[0]) || header.starts_with(kMagics[1])) &&
-         At(header, 3) != 0xFF && At(header, 4) != 0xFF &&
+         tags::Byte(header, 3) != 0xFF && tags::Byte(header, 4) != 0xFF &&
          std::all_of(header.begin() + 6, header.end(), [](char c) { return (c & '\x80') == 0; });
 }
 
 /// Whether a version of it is read.
-bool IsOfAKnownVersion(std::string_view header) { return At(header, 3) >= 2 && At(header, 3) <= 4; }
+bool IsOfAKnownVersion(std::string_view header) {
+  return tags::Byte(header, 3) >= 2 && tags::Byte(header, 3) <= 4;
+}
 
 /// Whether it begins as a file does in which tags stand in places of their own only.
 bool HasForm(std::string_view head) {
@@ -55,16 +51,12 @@ bool HasForm(std::string_view head) {
   };
   if (std::any_of(kBegins.begin(), kBegins.end(), begins)) return true;
   if (std::any_of(kAtoms.begin(), kAtoms.end(), isAtom)) return true;
-  const bool sync = At(head, 0) == 0xFF && (At(head, 1) & 0xE0U) == 0xE0;
-  return sync && (At(head, 1) & 0x06U) != 0;  // sound of MPEG's layers; without a layer it is AAC
+  const bool sync = tags::Byte(head, 0) == 0xFF && (tags::Byte(head, 1) & 0xE0U) == 0xE0;
+  return sync && (tags::Byte(head, 1) & 0x06U) != 0;  // sound of MPEG's layers; without a layer it is AAC
 }
 
 /// The number of a DSF file that says where its tag begins.
-std::uint64_t TagOfDsf(std::string_view head) {
-  std::uint64_t place = 0;
-  for (std::size_t i = 28; i-- > 20;) place = place * 256 + At(head, i);
-  return place;
-}
+std::uint64_t TagOfDsf(std::string_view head) { return tags::Little(head, 20, 8); }
 
 /// Whether something called "ID3" has just begun there, in letters of one byte or of two.
 bool IsNamed(std::string_view before) {
