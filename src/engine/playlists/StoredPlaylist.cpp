@@ -65,9 +65,8 @@ void StoredPlaylist::appendItem(const player::MediaRef& media) {
   if (keeper_ == nullptr) return ListPlaylist::appendItem(media);
   const M3uItem item = Written(media);
   M3uText text = keeper_->open(*this);
-  keeper_->checkRoomIn(*this, text.count() + 1);
   text.insert(size(), item);
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   ListPlaylist::appendItem(media);
   ++revision_;
   keeper_->tellContent();
@@ -78,9 +77,8 @@ void StoredPlaylist::insertItem(std::int32_t index, const player::MediaRef& medi
   const M3uItem item = Written(media);
   M3uText text = keeper_->open(*this);
   check(index, size() + 1);
-  keeper_->checkRoomIn(*this, text.count() + 1);
   text.insert(static_cast<std::size_t>(index), item);
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   ListPlaylist::insertItem(index, media);
   ++revision_;
   keeper_->tellContent();
@@ -90,7 +88,6 @@ void StoredPlaylist::insertItems(std::int32_t index, const std::vector<player::T
   if (keeper_ == nullptr) return ListPlaylist::insertItems(index, told);
   M3uText text = keeper_->open(*this);
   check(index, size() + 1);
-  keeper_->checkRoomIn(*this, text.count() + told.size());
   std::vector<player::MediaRef> media;
   std::vector<M3uItem> items;
   for (const player::ToldMedia& each : told) {
@@ -98,7 +95,7 @@ void StoredPlaylist::insertItems(std::int32_t index, const std::vector<player::T
     items.push_back(ItemOf(*media.back()));
   }
   text.insertAll(static_cast<std::size_t>(index), items);
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   own().insert(own().begin() + index, media.begin(), media.end());
   revision_ += static_cast<std::int64_t>(media.size());
   keeper_->tellContent();
@@ -109,7 +106,7 @@ void StoredPlaylist::removeItem(const player::MediaRef& media) {
   M3uText text = keeper_->open(*this);
   const std::size_t place = placeOf(standsFor(media));
   text.remove(place);
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   own().erase(own().begin() + static_cast<std::ptrdiff_t>(place));
   ++revision_;
   keeper_->tellContent();
@@ -120,7 +117,7 @@ void StoredPlaylist::removeItems(const std::vector<std::int32_t>& places) {
   M3uText text = keeper_->open(*this);
   checkPlaces(places);
   text.removeAll(places);
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   ListPlaylist::removeItems(places);
   revision_ += static_cast<std::int64_t>(places.size());
   keeper_->tellContent();
@@ -132,7 +129,7 @@ void StoredPlaylist::moveItem(std::int32_t oldIndex, std::int32_t newIndex) {
   check(oldIndex, size());
   check(newIndex, size());
   text.move(static_cast<std::size_t>(oldIndex), static_cast<std::size_t>(newIndex));
-  keeper_->save(*this, text.text());
+  keeper_->save(*this, text);
   ListPlaylist::moveItem(oldIndex, newIndex);
   ++revision_;
   keeper_->tellContent();

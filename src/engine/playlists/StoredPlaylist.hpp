@@ -27,10 +27,9 @@ class PlaylistKeeper {
   /// The file's text as it is now. If others have written it, the playlist has their items first. Throws 53
   /// when the file has gone, 76 when the folder has.
   virtual M3uText open(StoredPlaylist& playlist) = 0;
-  /// Throws 6 where there is no room for so many items in this list, with those of all others.
-  virtual void checkRoomIn(const StoredPlaylist& playlist, std::size_t items) const = 0;
-  /// Writes the file. Throws as `WriteFile`; then the old file stays.
-  virtual void save(StoredPlaylist& playlist, const std::string& text) = 0;
+  /// Writes the file. Throws as `WriteFile`, and 6 where there is no room for so many items with those of all
+  /// other lists; then the old file stays.
+  virtual void save(StoredPlaylist& playlist, const M3uText& text) = 0;
   /// False for one whose file has gone.
   [[nodiscard]] virtual bool holds(const StoredPlaylist& playlist) const = 0;
   /// The media that an item of a file means.

@@ -150,11 +150,13 @@ void StoredPlaylists::checkRoom(const std::string& path, std::size_t items) cons
                         "There are more than " + std::to_string(mostItems_) + " items in all playlists");
 }
 
-void StoredPlaylists::save(StoredPlaylist& playlist, const std::string& text) {
-  if (static_cast<std::int64_t>(text.size()) > kLargest) {
+void StoredPlaylists::save(StoredPlaylist& playlist, const M3uText& text) {
+  checkRoom(playlist.path(), text.count());
+  const std::string bytes = text.text();
+  if (static_cast<std::int64_t>(bytes.size()) > kLargest) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist would be too large");
   }
-  playlist.stored(playlist.path(), files::WriteFile(behind(playlist.path()), text, {.write = write_}));
+  playlist.stored(playlist.path(), files::WriteFile(behind(playlist.path()), bytes, {.write = write_}));
 }
 
 bool StoredPlaylists::taken(const std::string& name, const StoredPlaylist* own) const {
@@ -185,7 +187,7 @@ void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) 
   M3uText text = open(playlist);
   if (taken(name, &playlist)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   text.name(name);
-  save(playlist, text.text());
+  save(playlist, text);
   playlist.rename(name);
   // The name inside counts. The file's own follows if it can; until then it is the old one, but there is
   // never a moment with two files or none.

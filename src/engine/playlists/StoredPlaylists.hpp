@@ -74,16 +74,13 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   static constexpr std::int64_t kLargest = 64LL << 20;  ///< of a file
 
   M3uText open(StoredPlaylist& playlist) override;
-  void checkRoomIn(const StoredPlaylist& playlist, std::size_t items) const override {
-    checkRoom(playlist.path(), items);
-  }
   /// Throws 6 when all playlists together would have too many items with so many in the one at the path.
   void checkRoom(const std::string& path, std::size_t items) const;
   [[nodiscard]] bool fits(const std::string& path, std::size_t items) const {
     return items <= M3uText::kMostItems && itemsBeside(path) + items <= mostItems_;
   }
   [[nodiscard]] std::size_t itemsBeside(const std::string& path) const;
-  void save(StoredPlaylist& playlist, const std::string& text) override;
+  void save(StoredPlaylist& playlist, const M3uText& text) override;
   [[nodiscard]] bool holds(const StoredPlaylist& playlist) const override;
   [[nodiscard]] player::MediaRef mediaOf(const M3uItem& item) const override;
   void tellContent() override { events_.content(); }
