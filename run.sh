@@ -98,8 +98,7 @@ while kill -0 "$server" 2>/dev/null; do
   code=0
   wait "$server" || code=$?
 done
-# What an installed service has put there stays.
-[ -e "${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user/${VANTORIX_SERVICE:-vantorix}.service" ] || take_from_desktop
+take_from_desktop
 kill "$bus" 2>/dev/null || true
 wait "$bus" 2>/dev/null || true
 rm -f "$socket" "$config" "$run/bus.pid"

@@ -2,6 +2,10 @@
 # has brought it up. Panels find the player's name and icon by it. For scripts that take it in with "source".
 # shellcheck shell=bash
 
+# What an installed service is told by: its unit in the user's folder.
+units=${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user
+unit=${VANTORIX_SERVICE:-vantorix}.service
+
 desktop_share=${XDG_DATA_HOME:-$HOME/.local/share}
 
 # in_exec WORD: the word as a desktop file's Exec takes it, whatever characters it has.
@@ -33,7 +37,9 @@ put_on_desktop() {
     >"$desktop_share/applications/vantorix-media-player.desktop" 2>/dev/null || true
 }
 
+# What an installed service has put there stays for it.
 take_from_desktop() {
+  [ ! -e "$units/$unit" ] || return 0
   rm -f "$desktop_share/applications/vantorix-media-player.desktop" \
     "$desktop_share"/icons/hicolor/*/apps/vantorix-media-player.* 2>/dev/null || true
 }

@@ -11,8 +11,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=packaging/desktop.sh
 source packaging/desktop.sh
 
-units=${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user
-name=${VANTORIX_SERVICE:-vantorix}.service
 data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
 
 # quoted WORD: as a unit's ExecStart and Environment take it.
@@ -78,16 +76,16 @@ case "${1:-}" in
     # The demonstration library lies in the house's own folder and is made where there is none.
     if [ -n "$music" ]; then mkdir -p "$playlists"; fi
     chmod 700 "$data"
-    print >"$units/$name"
+    print >"$units/$unit"
     # The sandbox writes no menus. Whoever installs it from elsewhere may have a desktop all the same.
     put_on_desktop "$(cd "${VANTORIX_BIN:-build/release/bin}" && pwd)"
     systemctl --user daemon-reload
-    systemctl --user enable --now "$name"
-    echo "The house comes up with your session. See it with: systemctl --user status $name"
+    systemctl --user enable --now "$unit"
+    echo "The house comes up with your session. See it with: systemctl --user status $unit"
     ;;
   remove)
-    systemctl --user disable --now "$name" 2>/dev/null || true
-    rm -f "$units/$name"
+    systemctl --user disable --now "$unit" 2>/dev/null || true
+    rm -f "$units/$unit"
     take_from_desktop
     systemctl --user daemon-reload
     ;;
