@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Brief.hpp"
+#include "Timing.hpp"
 #include "ear/Corpus.hpp"
 #include "ear/Voices.hpp"
 #include "ear/decoder/Decoder.hpp"
@@ -174,13 +175,6 @@ std::size_t Count(const std::vector<Outcome>& all, const Test& test) {
   return static_cast<std::size_t>(std::count_if(all.begin(), all.end(), test));
 }
 
-double Median(std::vector<double> values) {
-  if (values.empty()) return 0;
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                   values.end());
-  return values[values.size() / 2];
-}
-
 void PrintInside(const char* title, const std::vector<Outcome>& all) {
   const std::size_t right = Count(all, [](const Outcome& each) { return each.right; });
   const std::size_t done =
@@ -200,7 +194,7 @@ void PrintInside(const char* title, const std::vector<Outcome>& all) {
   }
   std::printf("%-28s %5zu %7.1f %% %7.1f %% %7.1f %% %7.1f %% %8.3f %9.2f s\n", title, all.size(),
               Percent(right, all.size()), Percent(done, all.size()), Percent(asked, all.size()),
-              Percent(wrong, all.size()), cost / seconds, Median(costs));
+              Percent(wrong, all.size()), cost / seconds, bench::Median(costs));
 }
 
 /// What is refused of the rightly heard, and done of what was not meant, by the certainty that is asked for.

@@ -5,6 +5,7 @@
 
 #include "Brief.hpp"
 #include "PlainWrite.hpp"
+#include "Timing.hpp"
 #include "bus/PollLoop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/library/Library.hpp"
@@ -15,21 +16,12 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 using ui::editor::Control;
 
+using bench::Median;
+using bench::Milliseconds;
+
 const int kRounds = bench::Amount(15, 1);
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
 
 /// The editor over the stored playlist "Bench", and an album with a title for each round.
 struct House {

@@ -12,6 +12,7 @@
 
 #include "Brief.hpp"
 #include "PlainWrite.hpp"
+#include "Timing.hpp"
 #include "bus/PollLoop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/library/Library.hpp"
@@ -22,17 +23,14 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
+using bench::Median;
+
 const int kRounds = bench::Amount(15, 1);
 
 double Seconds(const std::function<void()>& work) {
   const auto start = Clock::now();
   work();
   return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
 }
 
 struct Costs {

@@ -12,26 +12,18 @@
 #include <vector>
 
 #include "Brief.hpp"
+#include "Timing.hpp"
 #include "engine/queue/QueueJournal.hpp"
 #include "files/ReadFile.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
+
+using bench::Median;
+using bench::Milliseconds;
 
 const int kRounds = bench::Amount(15, 1);
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
 
 double Times(const std::function<void()>& work, int rounds = kRounds) {
   std::vector<double> all;

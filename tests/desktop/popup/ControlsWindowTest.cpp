@@ -33,6 +33,17 @@ class ControlsWindow : public support::PopupScene {
     return bytes.toStdString();
   }
   static ui::TransportShown playing() { return {true, true, true, true, true, 61, 200, 40, false, "Dawn"}; }
+  /// The window while something plays and the mouse holds the middle of the position's slider.
+  const QSlider* held() {
+    show();
+    view->transport(playing());
+    const auto* slider = named<QSlider>("Position");
+    if (slider == nullptr) return nullptr;
+    const QPoint at = middleOf(*slider);
+    tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
+    EXPECT_TRUE(until([&] { return slider->isSliderDown(); }));
+    return slider;
+  }
 };
 
 }  // namespace
@@ -176,12 +187,8 @@ TEST_F(ControlsWindow, AClickAnywhereIntoAShortTitleSeeks) {
 }
 
 TEST_F(ControlsWindow, ASliderThatAQuestionCutsOffFollowsThePlayerAgain) {
-  show();
-  view->transport(playing());
-  auto* slider = named<QSlider>("Position");
-  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
-  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
-  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  const QSlider* slider = held();
+  ASSERT_TRUE(slider != nullptr && slider->isSliderDown());
   QDialog question;
   question.setModal(true);
   question.show();
@@ -218,12 +225,8 @@ TEST_F(ControlsWindow, ASliderThatIsDraggedIsToldWhereItIsLetGo) {
 }
 
 TEST_F(ControlsWindow, ASliderThatIsHeldWhenItsTitleEndsSeeksNowhereInTheNext) {
-  show();
-  view->transport(playing());
-  auto* slider = named<QSlider>("Position");
-  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
-  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
-  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  const QSlider* slider = held();
+  ASSERT_TRUE(slider != nullptr && slider->isSliderDown());
   ui::TransportShown next = playing();
   next.title = "Dusk";
   next.position = 1;
@@ -236,12 +239,8 @@ TEST_F(ControlsWindow, ASliderThatIsHeldWhenItsTitleEndsSeeksNowhereInTheNext) {
 }
 
 TEST_F(ControlsWindow, ASliderThatIsHeldWhenTheWindowGoesIsHeldNoMore) {
-  show();
-  view->transport(playing());
-  auto* slider = named<QSlider>("Position");
-  const QPoint at = slider->mapToGlobal(QPoint(slider->width() / 2, slider->height() / 2));
-  tool({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "mousedown", "1"});
-  ASSERT_TRUE(until([&] { return slider->isSliderDown(); }));
+  const QSlider* slider = held();
+  ASSERT_TRUE(slider != nullptr && slider->isSliderDown());
   view->hide();
   EXPECT_FALSE(slider->isSliderDown());
   EXPECT_THAT(journal.with("seek"), IsEmpty());

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/common/Fixtures.hpp"
 #include "engine/common/TagBuilder.hpp"
+#include "engine/playback/BombPlayer.hpp"
 #include "support/faults/InChild.hpp"
 
 namespace engine::testing {
@@ -77,24 +77,12 @@ std::string Matroska() {
                                                      block(std::size_t{120} << 20U)));
 }
 
-class PlayingABomb : public PlayerTest {
+class PlayingABomb : public BombPlayer {
  protected:
   /// Plays a good file, and then the bomb, to their ends.
   void play(const std::string& name, const std::function<std::string(const std::string& tag)>& file,
             std::size_t allowed = kAllowed) {
-    const std::string good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1);
-    const std::string bomb = folder / name;
-    // What a process has held once hides what it comes to hold later.
-    EXPECT_TRUE(support::InChild([&] { Write(bomb, file(Bomb())); }));
-    EXPECT_LT(fs::file_size(bomb), 700'000U);
-    startWith(1);
-    player->URL(good);
-    player->controls().play();
-    ASSERT_TRUE(untilState(player::kStopped));
-    const std::size_t before = PeakMemory();
-    told.states.clear();
-    player->URL(bomb);
-    player->controls().play();
+    const std::size_t before = begin(name, [&] { return file(Bomb()); });
     ASSERT_TRUE(untilState(player::kStopped));
     EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1)) << name;
     EXPECT_LT(PeakMemory() - before, allowed) << name;

@@ -4,10 +4,9 @@
 
 #include <cstdlib>
 
-#include "engine/common/Fixtures.hpp"
 #include "engine/common/Mp4Builder.hpp"
 #include "engine/common/TagBuilder.hpp"
-#include "support/faults/InChild.hpp"
+#include "engine/playback/BombPlayer.hpp"
 
 namespace engine::testing {
 namespace {
@@ -36,25 +35,13 @@ std::string InFragments(const std::string& others = {}) {
   return Movie(Mp4Track(1, lists) + others + Box("mvex", track));
 }
 
-class PlayingAnMp4 : public PlayerTest {
+class PlayingAnMp4 : public BombPlayer {
  protected:
   static constexpr std::size_t kAllowed = std::size_t{300} << 20U;
 
   /// Plays a good file, and then the bomb, to its end or until it is refused.
   void play(const std::string& name, const std::function<std::string()>& file) {
-    const std::string good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1);
-    const std::string bomb = folder / name;
-    // What a process has held once hides what it comes to hold later.
-    EXPECT_TRUE(support::InChild([&] { Write(bomb, file()); }));
-    EXPECT_LT(fs::file_size(bomb), 700'000U);
-    startWith(1);
-    player->URL(good);
-    player->controls().play();
-    ASSERT_TRUE(untilState(player::kStopped));
-    const std::size_t before = PeakMemory();
-    told.states.clear();
-    player->URL(bomb);
-    player->controls().play();
+    const std::size_t before = begin(name, file);
     const auto ended = [&] {
       return told.errors > 0 || (!told.states.empty() && told.states.back() == player::kStopped);
     };

@@ -86,14 +86,25 @@ class QuickList : public support::PageHouse {
             ".join(',')")
         .get<std::string>();
   }
+  /// A device of two names, on the page.
+  bool showsTwo() {
+    makeDevice(2);
+    open("#devices");
+    return support::Eventually(
+        [&] { return options() == "Choose…,*Refresh Albums*,Album 10000,Album 10001"; });
+  }
+  /// A device of so many names that they are searched, on the page.
+  bool showsSearch(int names) {
+    makeDevice(names);
+    open("#devices");
+    return has("input[role='combobox']");
+  }
 };
 
 }  // namespace
 
 TEST_F(QuickList, OfTenThousandNamesIsSearchedAndNeverOnThePageAsAWhole) {
-  makeDevice(10'000);
-  open("#devices");
-  ASSERT_TRUE(has("input[role='combobox']"));
+  ASSERT_TRUE(showsSearch(10'000));
   EXPECT_EQ(browser.run("return document.querySelector('input[role=\"combobox\"]').placeholder"),
             "Search 10002 entries");
   browser.type(kSearch, "album 19999");
@@ -114,12 +125,7 @@ TEST_F(QuickList, OfTenThousandNamesIsSearchedAndNeverOnThePageAsAWhole) {
 }
 
 TEST_F(QuickList, OfAFewNamesFollowsItsTable) {
-  makeDevice(2);
-  open("#devices");
-  ASSERT_TRUE(has("[data-ref] select"));
-  EXPECT_TRUE(support::Eventually([&] {
-    return options() == "Choose…,*Refresh Albums*,Album 10000,Album 10001";
-  })) << options();
+  ASSERT_TRUE(showsTwo()) << options();
   tablesBecome(1);
   EXPECT_TRUE(support::Eventually([&] { return options() == "Choose…,*Refresh Albums*,Album 10000"; }))
       << options();
@@ -137,10 +143,7 @@ TEST_F(QuickList, OfAFewNamesFollowsItsTable) {
 }
 
 TEST_F(QuickList, WhatCouldNotBeChosenIsNotShownAndCanBeChosenAgain) {
-  makeDevice(2);
-  open("#devices");
-  ASSERT_TRUE(
-      support::Eventually([&] { return options() == "Choose…,*Refresh Albums*,Album 10000,Album 10001"; }));
+  ASSERT_TRUE(showsTwo()) << options();
   const std::string option = "//select[@aria-label='Quick Album']/option[.='Album 10000']";
   standBefore("/api/command",
               "Promise.resolve(new Response(JSON.stringify({error: 'The player is away'}), {status: 503}))");
@@ -153,10 +156,7 @@ TEST_F(QuickList, WhatCouldNotBeChosenIsNotShownAndCanBeChosenAgain) {
 }
 
 TEST_F(QuickList, WhatAnotherListMeantIsNotPlayed) {
-  makeDevice(2);
-  open("#devices");
-  ASSERT_TRUE(
-      support::Eventually([&] { return options() == "Choose…,*Refresh Albums*,Album 10000,Album 10001"; }));
+  ASSERT_TRUE(showsTwo()) << options();
   standBefore("/api/values", "new Promise(() => {})");
   tableTurns(2);
   ASSERT_TRUE(browser.eventually("return asked === 1")) << "it reads them anew, and waits";
@@ -168,9 +168,7 @@ TEST_F(QuickList, WhatAnotherListMeantIsNotPlayed) {
 }
 
 TEST_F(QuickList, NorWhatWasFoundInAnotherOne) {
-  makeDevice(100);
-  open("#devices");
-  ASSERT_TRUE(has("input[role='combobox']"));
+  ASSERT_TRUE(showsSearch(100));
   browser.type(kSearch, "album 10000");
   ASSERT_TRUE(finds("Album 10000"));
   tableTurns(100);
@@ -180,9 +178,7 @@ TEST_F(QuickList, NorWhatWasFoundInAnotherOne) {
 }
 
 TEST_F(QuickList, TheListStaysClosedBehindAChoice) {
-  makeDevice(100);
-  open("#devices");
-  ASSERT_TRUE(has("input[role='combobox']"));
+  ASSERT_TRUE(showsSearch(100));
   browser.type(kSearch, "album 10042");
   ASSERT_TRUE(finds("Album 10042"));
   standBefore("/api/values");
@@ -198,9 +194,7 @@ TEST_F(QuickList, TheListStaysClosedBehindAChoice) {
 }
 
 TEST_F(QuickList, FromAListThatIsClosedNothingIsChosen) {
-  makeDevice(100);
-  open("#devices");
-  ASSERT_TRUE(has("input[role='combobox']"));
+  ASSERT_TRUE(showsSearch(100));
   browser.type(kSearch, "album 10042");
   ASSERT_TRUE(finds("Album 10042"));
   browser.press({support::kEscape, support::kUp, support::kEnter});
@@ -213,9 +207,7 @@ TEST_F(QuickList, FromAListThatIsClosedNothingIsChosen) {
 }
 
 TEST_F(QuickList, WhereNothingFitsItSaysSo) {
-  makeDevice(100);
-  open("#devices");
-  ASSERT_TRUE(has("input[role='combobox']"));
+  ASSERT_TRUE(showsSearch(100));
   browser.type(kSearch, "nobody has it");
   EXPECT_TRUE(finds("Nothing fits"));
   browser.press({support::kDown, support::kEnter});
