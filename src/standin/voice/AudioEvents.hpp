@@ -10,8 +10,8 @@ class AudioEvents {
  public:
   AudioEvents(bus::PollLoop& loop, House& house) : loop_(loop), house_(house) {}
 
-  /// Returns when all have answered; whoever fails is not told any more, nor are the
-  /// other objects of his program.
+  /// Returns when all have answered; whoever fails is not told any more, nor are the other objects of his
+  /// program.
   void tell(bool started);
   /// Ends all that have begun: their own ends are not told any more. A player that is given a command has to
   /// be as its listener knows it, not as it makes room: "pause" has a paused one play, and what was stopped
