@@ -36,6 +36,7 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       watch_(loop, config.titleMemory, [this] { tooLarge(); }),
+      limit_(config.titleRoom),
       post_(loop) {
   CheckRoomForDecoder();
 }
@@ -216,6 +217,7 @@ void MpvOutput::handle(const mpv_event& event) {
     case MPV_EVENT_END_FILE: fileEnded(*static_cast<const mpv_event_end_file*>(event.data)); break;
     case MPV_EVENT_IDLE:
       watch_.end();
+      limit_.end();
       tellHeld();
       break;
     case MPV_EVENT_PROPERTY_CHANGE: propertyTold(*static_cast<const mpv_event_property*>(event.data)); break;
@@ -232,6 +234,7 @@ void MpvOutput::fileStarted(FileId file) {
   playing_ = file;
   opening_ = true;
   watch_.begin();
+  limit_.begin();
   tracksKnown_ = audibleFirst_ = false;
   height_ = 0;
   duration_ = 0;

@@ -10,6 +10,7 @@
 #include "base/Loop.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/common/Poster.hpp"
+#include "engine/decoder/DataLimit.hpp"
 #include "engine/decoder/DecoderAddress.hpp"
 #include "engine/decoder/DecoderFiles.hpp"
 #include "engine/decoder/Leveller.hpp"
@@ -105,6 +106,7 @@ class MpvOutput : public Output {
   bool inSilence_ = false;
   std::unique_ptr<base::Timer> heardTimer_;
   MemoryWatch watch_;
+  DataLimit limit_;                         ///< from what is opened until the decoder is idle
   std::map<FileId, EntryId> files_;         ///< what the decoder's own list holds of ours
   std::map<EntryId, std::string> entries_;  ///< why each is not opened; empty when it is
   std::set<EntryId> stations_;              ///< those of them that may lead on to other addresses

@@ -47,6 +47,14 @@ std::string Mp4Track(std::uint32_t id, const std::string& lists, const std::stri
   return Box("trak", header + edits + Box("mdia", time + kind + Box("minf", table)));
 }
 
+std::string Tracks(std::uint32_t samples, std::uint32_t size) {
+  std::string tracks;
+  for (std::uint32_t id = 1; id <= 8; ++id) {
+    tracks += Mp4Track(id, Times(samples, 1024) + Spread(samples) + Sizes(size, samples) + Chunks(1));
+  }
+  return tracks;
+}
+
 std::string Movie(const std::string& tracks) {
   return Box("moov", FullBox("mvhd", Zeros(8) + Big(1000, 4) + Big(1000, 4) + Zeros(80)) + tracks);
 }

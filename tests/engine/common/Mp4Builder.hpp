@@ -19,6 +19,8 @@ std::string Edits(std::uint32_t count);
 
 /// A track of plain sound, stereo of 16 bits, with those lists.
 std::string Mp4Track(std::uint32_t id, const std::string& lists, const std::string& edits = {});
+/// Eight tracks of so many samples each, all of that size.
+std::string Tracks(std::uint32_t samples, std::uint32_t size);
 /// The box of a film around tracks and what goes with them.
 std::string Movie(const std::string& tracks);
 /// A fragment of the first track, with its runs.

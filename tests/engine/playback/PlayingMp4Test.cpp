@@ -19,15 +19,6 @@ std::string Repeated(int times, const std::string& part) {
   return all;
 }
 
-/// Eight tracks of so many samples each.
-std::string Tracks(std::uint32_t samples, std::uint32_t size) {
-  std::string tracks;
-  for (std::uint32_t id = 1; id <= 8; ++id) {
-    tracks += Mp4Track(id, Times(samples, 1024) + Spread(samples) + Sizes(size, samples) + Chunks(1));
-  }
-  return tracks;
-}
-
 /// A film that has its samples in fragments.
 std::string InFragments(const std::string& others = {}) {
   const std::string lists = FullBox("stts", Big(0, 4)) + FullBox("stsc", Big(0, 4)) + Sizes(0, 0) + Chunks(0);

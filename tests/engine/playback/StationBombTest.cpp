@@ -1,0 +1,67 @@
+// What a station sends that says it holds very much, played.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "engine/common/Fixtures.hpp"
+#include "engine/common/Mp4Builder.hpp"
+#include "engine/common/SmallServer.hpp"
+#include "engine/common/TagBuilder.hpp"
+
+/// What is refused its memory is told so here, too, as it is without a sanitizer.
+// NOLINTBEGIN(readability-identifier-naming): the sanitizer asks for it by this name.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+// NOLINTEND(readability-identifier-naming)
+
+namespace engine::testing {
+namespace {
+
+class AStationsBomb : public PlayerTest {
+ protected:
+  static constexpr std::size_t kRoom = std::size_t{512} << 20U;
+  /// What had been asked for before the title, and is filled only then.
+  static constexpr std::size_t kAskedForBefore = std::size_t{128} << 20U;
+
+  AStationsBomb() {
+    config.titleMemory = std::size_t{8} << 30U;  // nobody looks in time
+    config.titleRoom = kRoom;
+    good = addTrack("good.flac", "Good", "Ann", "Blue", "Jazz", 1);
+  }
+
+  void play(const std::string& location) {
+    told.states.clear();
+    player->URL(location);
+    player->controls().play();
+  }
+  /// Plays a good file, what the station sends to its end or until it is refused, and the good one again.
+  void playBetween(const std::string& address) {
+    startWith(1);
+    play(good);
+    ASSERT_TRUE(untilState(player::kStopped));
+    const std::size_t before = PeakMemory();
+    play(address);
+    ASSERT_TRUE(until(
+        [&] { return told.errors > 0 || (!told.states.empty() && told.states.back() == player::kStopped); }));
+
+    EXPECT_LT(PeakMemory() - before, kRoom + kAskedForBefore);
+    ASSERT_TRUE(untilState(player::kStopped));
+    const int errors = told.errors;
+    play(good);
+    ASSERT_TRUE(untilState(player::kStopped));
+    EXPECT_EQ(std::count(told.states.begin(), told.states.end(), player::kPlaying), 1);
+    EXPECT_EQ(told.errors, errors);
+  }
+
+  std::string good;
+  SmallServer server;
+};
+
+TEST_F(AStationsBomb, OfManyTracksOfManySamplesTakesNoMoreThanATitleMay) {
+  server.sends("/tracks.mp4", Mp4File(Movie(Tracks(10'000'000, 400))), "video/mp4");
+  playBetween(server / "tracks.mp4");
+}
+
+}  // namespace
+}  // namespace engine::testing
