@@ -1,13 +1,15 @@
 #include "engine/shown/ClaimBudget.hpp"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace engine {
 namespace {
 
 constexpr std::uint64_t kFewSamples = 2'000'000;  // a file may still grow
 constexpr std::uint64_t kMostSamples = 12'000'000;
-constexpr std::uint64_t kMostPieces = 24'000'000;
+constexpr std::uint64_t kMostPieces = 40'000'000;  // a thousand million bytes, if all are so short
+constexpr std::size_t kMostOthers = 64;
 constexpr std::uint64_t kMostInFragments = 2'000'000;
 constexpr std::uint64_t kSpareBytes = std::uint64_t{16} << 20U;
 
@@ -45,18 +47,38 @@ bool ClaimBudget::list(std::uint64_t bytes) {
   return true;
 }
 
-bool ClaimBudget::chunks(std::uint64_t count) {
-  if (!Within(count, each_, mostPieces_ - told_)) return false;
-  chunks_ = std::max(chunks_, count);
+bool ClaimBudget::fit(std::uint64_t told, std::uint64_t chunks) const {
+  if (told > mostPieces_) return false;
+  std::uint64_t left = mostPieces_ - told;
+  for (const Others& others : others_) {
+    const std::uint64_t count = chunks - std::min(chunks, others.first - 1);
+    if (!Within(count, others.each, left)) return false;
+    left -= count * others.each;
+  }
   return true;
 }
 
-bool ClaimBudget::spread(std::uint64_t told, std::uint64_t each) {
-  if (told > mostPieces_ - told_ || each > mostPieces_) return false;
-  if (!Within(chunks_, each_ + each, mostPieces_ - told_ - told)) return false;
-  told_ += told;
-  each_ += each;
+bool ClaimBudget::chunks(std::uint64_t count) {
+  const std::uint64_t longest = std::max(chunks_, count);
+  if (!fit(told_, longest)) return false;
+  chunks_ = longest;
   return true;
+}
+
+bool ClaimBudget::spread(std::uint64_t told, std::uint64_t each, std::uint64_t first) {
+  if (told > mostPieces_ || each > mostPieces_) return false;
+  const std::vector<Others> before = others_;
+  if (each > 0 && others_.size() < kMostOthers) {
+    others_.push_back({each, std::max<std::uint64_t>(first, 1)});
+  } else if (each > 0) {
+    others_.back() = {others_.back().each + each, 1};
+  }
+  if (fit(told_ + told, chunks_)) {
+    told_ += told;
+    return true;
+  }
+  others_ = before;
+  return false;
 }
 
 bool ClaimBudget::track() {

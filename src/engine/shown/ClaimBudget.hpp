@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <vector>
 
 namespace engine {
 
@@ -24,13 +25,22 @@ class ClaimBudget {
   bool list(std::uint64_t bytes);
   /// A list of so many chunks.
   bool chunks(std::uint64_t count);
-  /// How the samples of a track lie in its chunks: so many in those that are told, and in each further one.
-  bool spread(std::uint64_t told, std::uint64_t each);
+  /// How the samples of a track lie in its chunks, in pieces as the decoder keeps them: so many in those that
+  /// are told, and in each from the `first` of the others on (1 is the first of all).
+  bool spread(std::uint64_t told, std::uint64_t each, std::uint64_t first);
   /// One more track, of which the decoder keeps something for each fragment.
   bool track();
   bool fragments(std::uint64_t count);
 
  private:
+  /// The chunks of a track that aren't told one by one.
+  struct Others {
+    std::uint64_t each;
+    std::uint64_t first;
+  };
+  /// Whether there is room for what is told and for those others, were there so many chunks.
+  [[nodiscard]] bool fit(std::uint64_t told, std::uint64_t chunks) const;
+
   std::uint64_t fileSize_;
   std::uint64_t mostSamples_;
   std::uint64_t mostPieces_;
@@ -39,7 +49,7 @@ class ClaimBudget {
   std::uint64_t edits_ = 1;
   std::uint64_t chunks_ = 1;  ///< of the longest list of them
   std::uint64_t told_ = 0;
-  std::uint64_t each_ = 0;
+  std::vector<Others> others_;
   std::uint64_t tracks_ = 1;
   std::uint64_t fragments_ = 1;
 };

@@ -173,7 +173,7 @@ bool SampleClaims::believesSpread(const Box& box) {
     }
     at += whole;
   }
-  return budget_.spread(told, pieces + unsorted);
+  return budget_.spread(told, pieces + unsorted, unsorted == 0 ? before : 1);
 }
 
 SampleClaims::Verdict SampleClaims::judge(const Box& box) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr std::uint32_t kSome = 1'500'000;  // fewer than any file may have, but not twice
 constexpr std::uint32_t kVeryMany = 100'000'000;
+constexpr std::size_t kPart = std::size_t{256} << 10U;
 
 /// An open file as the decoder reads it.
 class Shown {
@@ -58,6 +60,16 @@ class AnMp4 : public ::testing::Test {
     Write(folder / "file", bytes);
     return Shown(folder / "file").all(step);
   }
+  /// What is read of a file of that size that begins so.
+  std::string begin(const std::string& bytes, std::uint64_t size) {
+    Write(folder / "file", bytes, size);
+    Shown file(folder / "file");
+    std::string read;
+    while (read.size() < bytes.size())
+      read += file.part(read.size(), std::min(kPart, bytes.size() - read.size()));
+    return read;
+  }
+  void expectBegin(const std::string& bytes, std::uint64_t size) { EXPECT_TRUE(begin(bytes, size) == bytes); }
   void expectAsItIs(const std::string& bytes) { EXPECT_EQ(shown(bytes), bytes); }
 
   /// Made by another program.
@@ -296,6 +308,33 @@ TEST_F(AnMp4, HasChunksThatHoldNoMoreThanItself) {
   EXPECT_EQ(shown(large), Unread(large, "stco"));
   const std::string largest = Mp4File(tracks(2'000'000'000));
   EXPECT_EQ(shown(largest), Unread(largest, "stsc"));
+}
+
+/// A film of three hours, whose sound is told in pieces as long as its frames.
+TEST_F(AnMp4, OfALongFilmWithEightTracksOfPlainSoundIsReadAsItIs) {
+  std::string tracks;
+  const std::string lists = Spread(1920) + Chunks(270'000);
+  for (std::uint32_t id = 1; id <= 8; ++id) tracks += Mp4Track(id, lists);
+  expectBegin(Mp4File(Movie(tracks)), std::uint64_t{16} << 30U);
+}
+
+TEST_F(AnMp4, CountsNoChunkTwice) {
+  const auto line = [](std::uint32_t first) { return Big(first, 4) + Big(16'000, 4) + Big(1, 4); };
+  const auto file = [&](std::uint32_t last) {
+    return Mp4File(Movie(Mp4Track(1, FullBox("stsc", Big(2, 4) + line(1) + line(last)) + Chunks(300'000))));
+  };
+  expectBegin(file(300'000), std::uint64_t{8} << 30U);
+  const std::string larger = file(700'000);
+  EXPECT_TRUE(begin(larger, std::uint64_t{8} << 30U) == Unread(larger, "stsc"));
+}
+
+TEST_F(AnMp4, OfVeryManyTracksThatTellFewOfTheirChunksHasNoMoreThanAnother) {
+  std::string tracks;
+  for (int i = 0; i < 200; ++i) tracks += Box("trak", Spread(160));
+  const std::string some = Mp4File(Movie(tracks + Box("trak", Chunks(9'000))));
+  expectAsItIs(some);
+  const std::string more = Mp4File(Movie(tracks + Box("trak", Chunks(11'000))));
+  EXPECT_EQ(shown(more), Unread(more, "stco"));
 }
 
 TEST_F(AnMp4, OfVeryMuchThatIsNotBelievedIsJudgedToItsEnd) {
