@@ -77,6 +77,7 @@ std::string WithSingleQuotes(const std::string& name) {
 StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
                                  files::WriteCall write, std::size_t mostItems)
     : folder_(std::move(folder)),
+      home_(folder_),
       library_(library),
       events_(std::move(events)),
       write_(std::move(write)),
@@ -123,6 +124,7 @@ bool StoredPlaylists::holds(const StoredPlaylist& playlist) const {
 }
 
 M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
+  needHome();
   std::error_code ignored;
   if (!holds(playlist) || !fs::exists(playlist.path(), ignored))
     refresh();  // it may have come back, or moved
@@ -229,6 +231,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
   M3uText text;
   text.name(name);
   refresh();
+  needHome();
   if (taken(name, nullptr)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   files::MakeFolder(folder_);
   std::string path;
@@ -237,6 +240,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
     path = freePath(name, {});
     stamp = files::WriteNewFile(path, text.text(), {.write = write_});
   }
+  home_.seen();
   auto playlist = add(path, *stamp, name, {});
   events_.changedByCall();
   return playlist;
@@ -249,6 +253,7 @@ void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist is not in the collection");
   }
   refresh();  // its file may lie elsewhere by now, and another one at its path
+  needHome();
   if (!holds(*stored)) files::FailOn(stored->path(), ENOENT);
   files::RemoveFile(stored->path());
   byPath_.erase(stored->path());

@@ -9,6 +9,7 @@
 
 #include "base/Loop.hpp"
 #include "engine/library/Library.hpp"
+#include "engine/playlists/FolderHome.hpp"
 #include "engine/playlists/PlaylistLink.hpp"
 #include "engine/playlists/StoredPlaylist.hpp"
 #include "files/WriteFile.hpp"
@@ -18,7 +19,8 @@ namespace engine {
 
 /// The playlists of a folder, one file each. Every change is on the disk when its call returns; what others
 /// change in the folder is noticed within seconds and at the next question. A link there is followed to a
-/// file in the folder or the music's folders, and is told otherwise.
+/// file in the folder or the music's folders, and is told otherwise. While the folder is away with its disc
+/// its playlists stay as they were, and none is changed, made or removed.
 class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeeper {
  public:
   struct Events {
@@ -51,10 +53,10 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   player::PlaylistArrayRef getAll() override;
   player::PlaylistArrayRef getByName(const std::string& name) override;
   /// Throws 5 for a name that is empty, no text or too long, kNameInUse, 70 where the folder can't be
-  /// written, 61 when the disk is full.
+  /// written, 61 when the disk is full, 76 while the folder is away.
   player::PlaylistRef newPlaylist(const std::string& name) override;
   /// Throws 5 for a playlist of elsewhere, 53 for one whose file has gone, 70 where the folder can't be
-  /// written.
+  /// written, 76 while it is away.
   void remove(const player::PlaylistRef& playlist) override;
 
  private:
@@ -96,6 +98,9 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   [[nodiscard]] std::string behind(const std::string& path) const {
     return FileBehind(path, folder_, library_.folders());
   }
+  /// Throws 76 while the folder is away with its disc.
+  void needHome() const;
+  [[nodiscard]] std::string awayText() const;
   /// The playlist files of the folder; none when it can't be told now.
   std::optional<std::vector<std::string>> files();
   /// Files that are no longer among `present` are lost: whoever holds such a playlist can't change it until
@@ -116,6 +121,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   void clearLeftovers() const;
 
   std::string folder_;
+  FolderHome home_;
   const Library& library_;
   Events events_;
   files::WriteCall write_;
@@ -124,7 +130,7 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   std::vector<std::weak_ptr<StoredPlaylist>> lost_;  ///< in their order; several may have had one path
   std::map<std::string, Unreadable> unreadable_;
   std::set<std::string> cutTold_;  ///< files with a name too long that have been told
-  bool folderTold_ = false;        ///< that it can't be read
+  bool folderTold_ = false;        ///< that it can't be read, or is away
   std::unique_ptr<base::Timer> timer_;
 };
 

@@ -33,10 +33,16 @@ std::optional<std::vector<std::string>> StoredPlaylists::files() {
   std::vector<std::string> paths;
   std::error_code failed;
   std::error_code ignored;
+  bool away = home_.away();
   for (fs::directory_iterator entry(folder_, failed), end; !failed && entry != end; entry.increment(failed)) {
     if (IsPlaylistFile(entry->path()) && entry->is_regular_file(ignored)) {
       paths.push_back(entry->path().string());
     }
+  }
+  away = away || home_.away();  // the disc may come or go meanwhile
+  if (away) {
+    if (!std::exchange(folderTold_, true)) events_.message(awayText() + "; its playlists stay");
+    return std::nullopt;
   }
   const bool missing = failed.value() == ENOENT || failed.value() == ENOTDIR;
   if (failed && !missing) {
@@ -45,8 +51,17 @@ std::optional<std::vector<std::string>> StoredPlaylists::files() {
     return std::nullopt;
   }
   folderTold_ = false;
+  home_.seen();
   std::sort(paths.begin(), paths.end());
   return paths;
+}
+
+std::string StoredPlaylists::awayText() const {
+  return SafeName(folder_) + " is away, perhaps as its disc is not mounted";
+}
+
+void StoredPlaylists::needHome() const {
+  if (home_.away()) throw base::Failure(base::number::kPathNotFound, awayText());
 }
 
 void StoredPlaylists::lose(const std::vector<std::string>& present) {
