@@ -28,6 +28,7 @@ std::int64_t ChangeBetween(const WallClock& clock, std::int64_t from, std::int64
 std::int64_t SystemClock::now() const {
   using std::chrono::duration_cast;
   using std::chrono::milliseconds;
+  ::tzset();  // looks at the zone's file again, which takes far longer than to tell a moment's offset
   return duration_cast<milliseconds>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
@@ -39,7 +40,11 @@ std::int32_t SystemClock::offset(std::int64_t moment) const {
 }
 
 LocalTime LocalTimeAt(const WallClock& clock, std::int64_t moment) {
-  const std::int64_t shown = FloorDivide(moment, kSecond) + clock.offset(moment);
+  return LocalTimeAt(clock.offset(moment), moment);
+}
+
+LocalTime LocalTimeAt(std::int32_t offset, std::int64_t moment) {
+  const std::int64_t shown = FloorDivide(moment, kSecond) + offset;
   const std::int64_t day = FloorDivide(shown, kDaySeconds);
   return {day, static_cast<std::int32_t>((shown - day * kDaySeconds) / 60)};
 }

@@ -16,7 +16,8 @@ class WallClock {
 
   /// Milliseconds since 1970.
   [[nodiscard]] virtual std::int64_t now() const = 0;
-  /// Seconds east of the world's time that the house's clocks show at a moment, summer time included.
+  /// Seconds east of the world's time that the house's clocks show at a moment, summer time included. The
+  /// house may come into another time zone: this one is that of the last `now`.
   [[nodiscard]] virtual std::int32_t offset(std::int64_t moment) const = 0;
 };
 
@@ -35,6 +36,8 @@ struct LocalTime {
 };
 
 LocalTime LocalTimeAt(const WallClock& clock, std::int64_t moment);
+/// The same of clocks that are so many seconds ahead.
+LocalTime LocalTimeAt(std::int32_t offset, std::int64_t moment);
 /// When the house's clocks show that minute of that day: the first time where they show it twice, the moment
 /// of the change where they skip it.
 std::int64_t MomentOf(const WallClock& clock, LocalTime time);

@@ -28,6 +28,7 @@ Alarms::Alarms(base::Loop& loop, const WallClock& clock, AlarmMemory* memory, He
       heard_(std::move(heard)),
       limits_(limits),
       seen_(clock.now()),
+      seenOffset_(clock.offset(seen_)),
       keptAt_(seen_),
       seenTo_(seen_),
       timer_(loop_.makeTimer(limits.look, [this] { look(); })) {
@@ -47,7 +48,8 @@ void Alarms::goOn(std::int32_t event, const Rule& rule) {
   const auto seen = memory_ == nullptr ? std::nullopt : memory_->seen(event);
   const std::int64_t from = seen ? LeftOff(*seen, now, limits_.wrong) : now;
   for (std::size_t i = 0; rule.on && i < rule.triggers.size(); ++i)
-    if (IsOfTime(rule.triggers[i])) plan(event, i, {.trigger = rule.triggers[i], .rung = from}, from);
+    if (IsOfTime(rule.triggers[i]))
+      plan(event, i, {.trigger = rule.triggers[i], .rung = from, .rungOffset = clock_.offset(from)}, from);
   wind();
 }
 
@@ -107,6 +109,7 @@ void Alarms::plan(std::int32_t event, std::size_t place, Planned planned, std::i
   keys_.erase({planned.due, event, place});
   const std::optional<std::int64_t> due = NextDue(clock_, place_, planned.trigger, after);
   planned.due = due.value_or(0);
+  planned.dueOffset = clock_.offset(planned.due);
   if (due) keys_.insert({*due, event, place});
   planned_[event][place] = std::move(planned);
 }
@@ -122,6 +125,7 @@ void Alarms::look() {
   if (waiting_ && loop_.now() < until_) return wind();
   waiting_ = false;
   const std::int64_t now = clock_.now();
+  const bool anotherZone = inAnotherZone();
   if (now < seen_) setBack(now);
   seen_ = now;
   std::vector<Key> due;
@@ -131,6 +135,8 @@ void Alarms::look() {
   }
   for (const Key& key : due)
     if (keys_.contains(key)) ring(key, now);  // what has rung before it may have changed the plan
+  if (anotherZone) enterZone(now);
+  seenOffset_ = clock_.offset(now);
   keep(now);
   wind();
 }
@@ -141,6 +147,32 @@ void Alarms::setBack(std::int64_t now) {
   for (const auto& [event, triggers] : all)
     for (const auto& [at, planned] : triggers)
       plan(event, at, planned, wrongBefore ? now : std::max(now, planned.rung));
+}
+
+bool Alarms::inAnotherZone() const {
+  if (clock_.offset(seen_) != seenOffset_) return true;
+  return std::any_of(planned_.begin(), planned_.end(), [&](const auto& event) {
+    return std::any_of(event.second.begin(), event.second.end(), [&](const auto& each) {
+      return clock_.offset(each.second.due) != each.second.dueOffset;
+    });
+  });
+}
+
+// Of what the clocks had shown until now everything has come by the old plan.
+void Alarms::enterZone(std::int64_t now) {
+  const std::int64_t shown = MomentOf(clock_, LocalTimeAt(seenOffset_, now));
+  const auto all = planned_;
+  for (const auto& [event, triggers] : all) {
+    for (const auto& [at, planned] : triggers) {
+      std::int64_t after = std::max(now, planned.rung);
+      if (std::holds_alternative<TimeTrigger>(planned.trigger)) {
+        after = std::min(now, shown);
+        if (planned.rung != 0)
+          after = std::max(after, MomentOf(clock_, LocalTimeAt(planned.rungOffset, planned.rung)));
+      }
+      plan(event, at, planned, after);
+    }
+  }
 }
 
 void Alarms::ring(const Key& key, std::int64_t now) {
@@ -158,7 +190,10 @@ void Alarms::ring(const Key& key, std::int64_t now) {
     inTime = *due >= tolerated ? due : std::nullopt;
     due = NextDue(clock_, place_, planned.trigger, count < kMostCounted ? *due : std::max(*due, tolerated));
   }
-  if (inTime) planned.rung = *inTime;
+  if (inTime) {
+    planned.rung = *inTime;
+    planned.rungOffset = *inTime == key.due ? planned.dueOffset : clock_.offset(*inTime);
+  }
   plan(key.event, key.trigger, planned, inTime.value_or(now));
   if (missed.missed > 0) heard_(missed);
   if (inTime) heard_({key.event, key.trigger, *inTime, *inTime, 0});

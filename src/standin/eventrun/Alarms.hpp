@@ -18,7 +18,9 @@ namespace standin {
 /// has passed unseen (the clock was set forward, the machine was asleep, the house was off) comes late within
 /// a tolerance, and is told as missed beyond it. Where the clock is set back over one, it doesn't come again,
 /// unless it has only been told as missed, or the clock is set back by more than half a day: then it was
-/// wrong before.
+/// wrong before. Where the house comes into another time zone, a time of day is that of the new zone: one
+/// that the clocks on the wall have jumped over by it is late or missed, and one that has rung and that they
+/// show again doesn't ring again.
 class Alarms {
  public:
   struct Limits {
@@ -65,13 +67,18 @@ class Alarms {
   };
   struct Planned {
     Trigger trigger;
-    std::int64_t due = 0;   ///< 0 where it never is
-    std::int64_t rung = 0;  ///< the last moment that has come and was not missed
+    std::int64_t due = 0;         ///< 0 where it never is
+    std::int64_t rung = 0;        ///< the last moment that has come and was not missed
+    std::int32_t dueOffset = 0;   ///< of the clocks at the moment that is due
+    std::int32_t rungOffset = 0;  ///< at the one that has rung, as the zone was then
   };
   void plan(std::int32_t event, std::size_t place, Planned planned, std::int64_t after);
   void drop(std::int32_t event);
   void look();
   void setBack(std::int64_t now);
+  /// True when moments are shown by other times of day than when they were planned.
+  [[nodiscard]] bool inAnotherZone() const;
+  void enterZone(std::int64_t now);
   void ring(const Key& key, std::int64_t now);
   void keep(std::int64_t now);
   void wind();
@@ -82,8 +89,9 @@ class Alarms {
   Heard heard_;
   Limits limits_;
   std::optional<Place> place_;
-  std::int64_t seen_ = 0;    ///< what the clock has shown at the last look
-  std::int64_t keptAt_ = 0;  ///< what it has shown when something was kept last
+  std::int64_t seen_ = 0;        ///< what the clock has shown at the last look
+  std::int32_t seenOffset_ = 0;  ///< of the clocks on the wall then
+  std::int64_t keptAt_ = 0;      ///< what it has shown when something was kept last
   std::int64_t seenTo_ = 0;  ///< what may be kept next: what has rung until then has come to its evaluation
   bool waiting_ = false;     ///< for the house to start
   base::Milliseconds until_{0};  ///< and no longer

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <utility>
 
 #include "support/HouseClock.hpp"
 #include "support/VirtualLoop.hpp"
@@ -103,6 +104,15 @@ TEST_F(Calendar, TheHouseBelievesTheMachinesTimeZone) {
   EXPECT_EQ(MomentOf(system, {Day(2026, 3, 29), At(2, 30)}), Utc(2026, 3, 29, 1));
   EXPECT_EQ(LocalTimeAt(system, Utc(2026, 7, 1, 22, 5)), (LocalTime{Day(2026, 7, 2), At(0, 5)}));
   EXPECT_GT(system.now(), Utc(2020, 1, 1));
+}
+
+TEST_F(Calendar, TheHouseNoticesThatItsTimeZoneIsAnother) {
+  const SystemClock system;
+  for (const auto& [zone, ahead] : {std::pair("UTC", 0), std::pair("Etc/GMT-2", 7200)}) {
+    ::setenv("TZ", zone, 1);
+    EXPECT_GT(system.now(), 0);
+    EXPECT_EQ(system.offset(0), ahead);
+  }
 }
 
 TEST(Weekday, IsKnownBefore1970Too) {
