@@ -45,6 +45,7 @@ MAY_INCLUDE = {
     "engine/library": "base engine/common files engine/scan engine/tags player",
     "engine/playlists": "base engine/common files engine/library engine/scan engine/tags player",
     "engine/shown": "engine/tags",
+    "engine/card": "base engine/common",
     "engine/decoder": "base engine/common engine/library engine/shown files",
     "engine/playback": "base engine/common engine/decoder engine/library player",
     "engine/queue": "base engine/common engine/library engine/playback engine/playlists files player",

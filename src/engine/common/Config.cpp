@@ -172,6 +172,14 @@ Config LoadConfig(const std::string& path) {
   return config;
 }
 
+std::optional<Graphics> GraphicsOf(const std::string& word) {
+  const std::string folded = base::LowerCase(word);
+  if (folded == "auto") return Graphics::kAuto;
+  if (folded == "none") return Graphics::kNone;
+  if (folded == "any") return Graphics::kAny;
+  return {};
+}
+
 std::string DefaultConfigPath() { return XdgFolder("XDG_CONFIG_HOME", ".config") + "/vantorix/player.ini"; }
 
 }  // namespace engine

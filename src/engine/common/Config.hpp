@@ -10,6 +10,10 @@ namespace engine {
 /// Which of the loudnesses that tags tell is made the same for all.
 enum class ReplayGain : std::uint8_t { kOff, kTrack, kAlbum };
 
+/// What draws films: a graphics card where there is one, software alone, or whatever calls itself a card,
+/// even one that draws in software itself.
+enum class Graphics : std::uint8_t { kAuto, kNone, kAny };
+
 /// What the player is set up with. Every field has a default that works.
 struct Config {
   std::vector<std::string> musicFolders;  ///< absolute; scanned with everything below them
@@ -29,6 +33,7 @@ struct Config {
   std::string chosenCovers;  ///< a folder of pictures named after albums, before all others
   std::string metadataAddress;
   std::string coverAddress;
+  Graphics graphics = Graphics::kAuto;
   int tagWorkers = 2;
   /// Bytes that the player may hold more while it plays a title than it did before.
   std::size_t titleMemory = std::size_t{1} << 30U;
@@ -45,6 +50,9 @@ Config DefaultConfig();
 /// Reads a configuration file over the defaults; a missing file leaves the defaults. Throws number 5 with a
 /// text that names the line when a line can't be understood, and 70 when the file can't be read.
 Config LoadConfig(const std::string& path);
+
+/// "auto", "none" or "any" in any case; nothing for another word.
+std::optional<Graphics> GraphicsOf(const std::string& word);
 
 /// Where `player.ini` lies by default.
 std::string DefaultConfigPath();

@@ -92,6 +92,14 @@ TEST(PlayerConfig, TheUsersCoversLieBesideThePlayersDataUnlessTheFileSaysWhere) 
   EXPECT_EQ(LoadConfig(folder / "player.ini").chosenCovers, "/srv/covers");
 }
 
+TEST(PlayerConfig, WhatDrawsFilmsIsOneOfThreeWords) {
+  EXPECT_EQ(Config().graphics, Graphics::kAuto);
+  EXPECT_EQ(GraphicsOf("auto"), Graphics::kAuto);
+  EXPECT_EQ(GraphicsOf("None"), Graphics::kNone);
+  EXPECT_EQ(GraphicsOf("any"), Graphics::kAny);
+  for (const char* bad : {"", "auto ", "gl", "anything"}) EXPECT_FALSE(GraphicsOf(bad)) << bad;
+}
+
 TEST(PlayerConfig, ALineThatIsNotUnderstoodIsNamed) {
   const TempFolder folder;
   for (const char* bad : {"volume=3", "[sound]", "[audio", "nonsense", "folder="}) {
