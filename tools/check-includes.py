@@ -46,11 +46,11 @@ MAY_INCLUDE = {
     "engine/playlists": "base engine/common files engine/library engine/scan engine/tags player",
     "engine/shown": "engine/tags",
     "engine/card": "base engine/common",
-    "engine/decoder": "base engine/common engine/library engine/shown files",
+    "engine/decoder": "base engine/card engine/common engine/library engine/shown files",
     "engine/playback": "base engine/common engine/decoder engine/library player",
     "engine/queue": "base engine/common engine/library engine/playback engine/playlists files player",
     "engine/machine": "base engine/library engine/tags player",
-    "engine": "base engine/common engine/decoder engine/library engine/machine engine/playback engine/playlists "
+    "engine": "base engine/card engine/common engine/decoder engine/library engine/machine engine/playback engine/playlists "
               "engine/queue player",
     "demo": "base engine/common files",
     "wire": "",

@@ -7,6 +7,7 @@
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
+#include "engine/card/CardOpener.hpp"
 #include "engine/common/Poster.hpp"
 #include "engine/decoder/MpvOutput.hpp"
 #include "engine/library/Library.hpp"
@@ -128,6 +129,7 @@ class Player : public player::WMP9 {
         met_(std::move(met)),
         post_(loop),
         screen_(screen),
+        openCard_(CardOpener(config.graphics)),
         output_(makeOutput(loop, config)),
         playback_(loop, *output_, errors_, config.shuffleSeed.value_or(std::random_device{}()),
                   {[this](player::PlayState state) {
@@ -216,7 +218,7 @@ class Player : public player::WMP9 {
     return std::make_unique<MpvOutput>(
         loop, config, [this](const std::string& device) { return drives_.has(device); },
         [this](const std::string& line) { message(line); },
-        [this](const std::string& location) { return library_.loudnessAt(location); }, shown());
+        [this](const std::string& location) { return library_.loudnessAt(location); }, shown(), openCard_);
   }
 
   [[nodiscard]] PictureRenderer::Shown shown() const {
@@ -326,6 +328,7 @@ class Player : public player::WMP9 {
   ErrorList errors_;
   Poster post_;
   Screen* screen_;
+  OpenCard openCard_;
   bool changeTold_ = false;
   std::unique_ptr<Output> output_;
   Playback playback_;

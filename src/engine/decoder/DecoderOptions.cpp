@@ -65,6 +65,9 @@ MpvOptions DecoderOptions() {
       {"demuxer-max-bytes", "33554432"},
       {"demuxer-max-back-bytes", "16777216"},
       {"vo", "libmpv"},
+      // Strangers' films are decoded by the processor, not by drivers, of which none is even looked for.
+      {"hwdec", "no"},
+      {"gpu-hwdec-interop", "no"},
       {"vid", "no"},
       {"sid", "no"},
       {"audio-display", "no"},

@@ -25,7 +25,7 @@ constexpr const char* kOpensNothing = "refused://";  // no kind of address that 
 
 MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
                      std::function<void(const std::string&)> message, LoudnessOf loudnessOf,
-                     PictureRenderer::Shown shown)
+                     PictureRenderer::Shown shown, OpenCard openCard)
     : loop_(loop),
       isDrive_(std::move(isDrive)),
       message_(std::move(message)),
@@ -33,6 +33,7 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
       leveller_(config),
       loudnessOf_(std::move(loudnessOf)),
       shown_(std::move(shown)),
+      openCard_(std::move(openCard)),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       watch_(loop, config.titleMemory, [this] { tooLarge(); }),
@@ -72,16 +73,28 @@ void MpvOutput::look(base::PictureSize size) {
 
 void MpvOutput::showPicture() {
   if (!renderer_ && shown_) {
-    base::Handled([&] { renderer_.emplace(loop_, *mpv_, shown_); },
-                  [&](const base::Failure& failure) {
-                    message_(failure.description());
-                    shown_ = {};
-                  });
+    base::Handled(
+        [&] {
+          renderer_.emplace(
+              loop_, *mpv_, shown_,
+              PictureRenderer::ByCard{
+                  .open = openCard_, .changed = [this] { canvasChanged(); }, .message = message_});
+        },
+        [&](const base::Failure& failure) {
+          message_(failure.description());
+          shown_ = {};
+        });
   }
   if (!renderer_) return;
   renderer_->size(size_);
-  const bool decode = !size_.empty();
+  const bool decode = !size_.empty() && renderer_->ready();
   if (std::exchange(decodesPicture_, decode) != decode) mpv_->set("vid", std::string(decode ? "auto" : "no"));
+}
+
+void MpvOutput::canvasChanged() {
+  // The decoder's output for pictures ended with the canvas that it had.
+  if (std::exchange(decodesPicture_, false)) mpv_->set("vid", std::string("no"));
+  showPicture();
 }
 
 void MpvOutput::forget() {

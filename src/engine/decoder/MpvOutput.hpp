@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/Loop.hpp"
+#include "engine/card/GraphicsCard.hpp"
 #include "engine/common/Config.hpp"
 #include "engine/common/Poster.hpp"
 #include "engine/decoder/DataLimit.hpp"
@@ -34,12 +35,13 @@ class MpvOutput : public Output {
   using LoudnessOf = std::function<Loudness(const std::string& location)>;
 
   /// `message` gets lines for people, on the loop's thread. `loudnessOf` is only asked where it is needed.
-  /// `shown` gets the frames of moving pictures while somebody looks at them.
+  /// `shown` gets the frames of moving pictures while somebody looks at them, drawn by a card where there is
+  /// one to open.
   /// Throws number 429 when there is too little memory for the decoder; should that be so when it is made,
   /// what was to be played fails.
   MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
             std::function<void(const std::string&)> message, LoudnessOf loudnessOf = {},
-            PictureRenderer::Shown shown = {});
+            PictureRenderer::Shown shown = {}, OpenCard openCard = {});
   ~MpvOutput() override;
   MpvOutput(const MpvOutput&) = delete;
   MpvOutput& operator=(const MpvOutput&) = delete;
@@ -80,6 +82,8 @@ class MpvOutput : public Output {
   void audible();
   /// Or no longer.
   void showPicture();
+  /// The picture is drawn with something else from now on.
+  void canvasChanged();
   /// Asks how much of the held sound is still to be heard.
   void askHeard();
   void heardTold(const mpv_event& event);
@@ -101,6 +105,7 @@ class MpvOutput : public Output {
   Leveller leveller_;
   LoudnessOf loudnessOf_;
   PictureRenderer::Shown shown_;
+  OpenCard openCard_;
   std::string streamTitle_;
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;

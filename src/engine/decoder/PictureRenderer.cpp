@@ -1,13 +1,11 @@
 #include "engine/decoder/PictureRenderer.hpp"
 
-#include <mpv/render.h>
-
-#include <array>
 #include <atomic>
 #include <utility>
 
+#include "base/Attempt.hpp"
 #include "base/Failure.hpp"
-#include "engine/decoder/MpvHandle.hpp"
+#include "engine/card/Opening.hpp"
 
 namespace engine {
 namespace {
@@ -15,38 +13,43 @@ namespace {
 /// How many are kept to be drawn in again: one that is drawn, one on its way, one that is shown.
 constexpr std::size_t kKept = 3;
 
+/// How long a card that is being opened is waited for at the end, so that no driver is at work while the
+/// process ends. One that hangs is left alone.
+constexpr base::Milliseconds kAtTheEnd = std::chrono::seconds(1);
+
 }  // namespace
 
-PictureRenderer::PictureRenderer(base::Loop& loop, const MpvHandle& decoder, Shown shown)
-    : library_(decoder.library()), shown_(std::move(shown)), post_(loop) {
-  std::string kind = MPV_RENDER_API_TYPE_SW;
-  std::array<mpv_render_param, 2> parts{{{MPV_RENDER_PARAM_API_TYPE, kind.data()}, {}}};
-  const int result = library_.makeRenderer(&context_, decoder.get(), parts.data());
-  if (result < 0) {
-    throw base::Failure(base::number::kCannotCreate,
-                        std::string("Moving pictures can't be drawn: ") + decoder.textOf(result));
+PictureRenderer::PictureRenderer(base::Loop& loop, const MpvHandle& decoder, Shown shown, ByCard card)
+    : decoder_(decoder), shown_(std::move(shown)), card_(std::move(card)), post_(loop) {
+  if (card_.open) {
+    patience_ = loop.makeTimer(card_.patience, [this] { openedTooLong(); });
+    patience_->enabled(true);
+    openCard();
+    return;
   }
+  canvas_.emplace(decoder_, nullptr, &wake, this);
+  ready_ = true;
   thread_ = std::thread([this] { work(); });
-  library_.onFrame(
-      context_,
-      [](void* context) {
-        auto* self = static_cast<PictureRenderer*>(context);
-        const std::lock_guard lock(self->mutex_);
-        self->due_ = true;
-        self->turn_.notify_one();
-      },
-      this);
 }
 
 PictureRenderer::~PictureRenderer() {
-  library_.onFrame(context_, nullptr, nullptr);
+  if (opening_ && opening_->leave(kAtTheEnd)) {
+    thread_.detach();
+    return;
+  }
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
     turn_.notify_one();
   }
-  thread_.join();
-  library_.endRenderer(context_);
+  if (thread_.joinable()) thread_.join();
+}
+
+void PictureRenderer::wake(void* self) {
+  auto& renderer = *static_cast<PictureRenderer*>(self);
+  const std::lock_guard lock(renderer.mutex_);
+  renderer.due_ = true;
+  renderer.turn_.notify_one();
 }
 
 void PictureRenderer::size(base::PictureSize size) {
@@ -58,21 +61,89 @@ void PictureRenderer::size(base::PictureSize size) {
   turn_.notify_one();
 }
 
+void PictureRenderer::openCard() {
+  opening_ = std::make_shared<Opening>();
+  thread_ = std::thread([this, opening = opening_, open = card_.open] {
+    std::unique_ptr<GraphicsCard> card;
+    std::string reason;
+    base::Handled([&] { card = open(); },
+                  [&](const base::Failure& failure) { reason = failure.description(); });
+    if (!opening->come()) return;  // the renderer may be gone; the card closes here, where it was opened
+    begin(std::move(card), std::move(reason));
+    work();
+  });
+}
+
+void PictureRenderer::openedTooLong() {
+  patience_->enabled(false);
+  if (!opening_ || !opening_->leave({})) return;
+  opening_.reset();
+  thread_.detach();
+  thread_ = std::thread([this] {
+    begin(nullptr, "the graphics card's driver doesn't answer");
+    work();
+  });
+}
+
+void PictureRenderer::begin(std::unique_ptr<GraphicsCard> card, std::string reason) {
+  const bool drawn = card && base::Handled(
+                                 [&] {
+                                   canvas_.emplace(decoder_, std::move(card), &wake, this);
+                                   return true;
+                                 },
+                                 [&](const base::Failure& failure) {
+                                   reason = failure.description();
+                                   return false;
+                                 });
+  if (!drawn) beginInSoftware(reason);
+  post_([this, there = canvas_.has_value()] {
+    patience_->enabled(false);
+    ready_ = there;
+    card_.changed();
+  });
+}
+
+void PictureRenderer::beginInSoftware(const std::string& reason) {
+  if (!reason.empty()) tell("Films are drawn in software: " + reason);
+  base::Handled([&] { canvas_.emplace(decoder_, nullptr, &wake, this); },
+                [&](const base::Failure& failure) { tell(failure.description()); });
+}
+
+void PictureRenderer::tell(const std::string& reason) const {
+  post_([this, reason] { card_.message(reason); });
+}
+
 void PictureRenderer::work() {
   std::unique_lock lock(mutex_);
   while (true) {
     turn_.wait(lock, [this] { return ending_ || (due_ && !size_.empty()); });
-    if (ending_) return;
+    if (ending_) break;
     due_ = false;
     const base::PictureSize size = size_;
     lock.unlock();
     const auto frame = blank(size);
-    draw(*frame);
+    const bool drawn = draw(*frame);
     lock.lock();
-    if (size_.empty()) continue;
+    if (!drawn || size_.empty()) continue;
     newest_ = frame;
     if (!std::exchange(posted_, true)) post_([this] { handOver(); });
   }
+  lock.unlock();
+  canvas_.reset();  // where it was used, as a card's must be
+}
+
+bool PictureRenderer::draw(base::PictureFrame& frame) {
+  if (!canvas_) return false;
+  return base::Handled(
+      [&] {
+        canvas_->draw(frame);
+        return true;
+      },
+      [&](const base::Failure& failure) {
+        canvas_.reset();
+        begin(nullptr, failure.description());
+        return false;
+      });
 }
 
 void PictureRenderer::handOver() {
@@ -95,17 +166,6 @@ std::shared_ptr<base::PictureFrame> PictureRenderer::blank(base::PictureSize siz
   auto made = std::make_shared<base::PictureFrame>(size);
   if (frames_.size() < kKept) frames_.push_back(made);
   return made;
-}
-
-void PictureRenderer::draw(base::PictureFrame& frame) const {
-  std::array<int, 2> size{frame.size.width, frame.size.height};
-  std::string format = "bgr0";
-  std::array<mpv_render_param, 5> parts{{{MPV_RENDER_PARAM_SW_SIZE, size.data()},
-                                         {MPV_RENDER_PARAM_SW_FORMAT, format.data()},
-                                         {MPV_RENDER_PARAM_SW_STRIDE, &frame.stride},
-                                         {MPV_RENDER_PARAM_SW_POINTER, frame.data()},
-                                         {}}};
-  library_.draw(context_, parts.data());
 }
 
 }  // namespace engine

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "Film.hpp"
 #include "engine/common/Fixtures.hpp"
 #include "engine/playback/Screen.hpp"
 
@@ -10,19 +11,6 @@ namespace engine::testing {
 namespace {
 
 constexpr base::PictureSize kSize{160, 90};
-
-/// How many of a frame's pixels are not black.
-int Lit(const base::PictureFrame& frame) {
-  int lit = 0;
-  for (int y = 0; y < frame.size.height; ++y) {
-    for (int x = 0; x < frame.size.width; ++x) {
-      const std::uint8_t* pixel =
-          frame.data() + static_cast<std::size_t>(y) * frame.stride + static_cast<std::size_t>(x) * 4;
-      if (pixel[0] > 40 || pixel[1] > 40 || pixel[2] > 40) ++lit;
-    }
-  }
-  return lit;
-}
 
 /// A real player, and somebody who looks at its pictures.
 class Picture : public PlayerTest {
@@ -39,11 +27,7 @@ class Picture : public PlayerTest {
   /// A film of moving colours with a tone, made by the encoder's own sources.
   std::string film(const std::string& name, int seconds = 120) {
     const std::string path = folder / name;
-    const std::string line =
-        "ffmpeg -v error -y -f lavfi -i testsrc2=size=320x180:rate=25:duration=" + std::to_string(seconds) +
-        " -f lavfi -i sine=440:d=" + std::to_string(seconds) + " -c:v mpeg4 -q:v 5 -c:a aac '" + path +
-        "' < /dev/null > /dev/null 2>&1";
-    EXPECT_EQ(std::system(line.c_str()), 0);
+    MakeFilm(path, "testsrc2=size=320x180:rate=25", seconds);
     return path;
   }
 
@@ -114,6 +98,18 @@ TEST_F(Picture, ACoverThatStandsStillIsNone) {
   ASSERT_EQ(std::system(line.c_str()), 0);
   plays(path);
   EXPECT_EQ(player->currentMedia()->imageSourceHeight(), 0);
+}
+
+TEST_F(Picture, OfAVideoIsDrawnByWhateverTheSettingAllows) {
+  for (const Graphics graphics : {Graphics::kAny, Graphics::kNone}) {
+    config.graphics = graphics;
+    plays(film("film.mkv"));
+    screen.seen(kSize);
+    EXPECT_TRUE(lit());
+    EXPECT_THAT(log, ::testing::IsEmpty());
+    player.reset();
+    screen.seen({});
+  }
 }
 
 TEST_F(Picture, EndsWithThePlayerWhileFramesAreOnTheirWay) {
