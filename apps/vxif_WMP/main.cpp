@@ -40,6 +40,24 @@ void LookToTheUsersBus() {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
 }
 
+/// Drivers of graphics cards keep what they compile in the user's own cache, where nothing of ours belongs.
+/// While one thread runs.
+void KeepDriversOffTheDisk() {
+  ::setenv("MESA_SHADER_CACHE_DISABLE", "true", 1);
+  ::setenv("MESA_GLSL_CACHE_DISABLE", "true", 1);  // the same, as older ones call it
+  ::setenv("__GL_SHADER_DISK_CACHE", "0", 1);
+}
+
+/// What draws films, unless the word for it is unknown.
+void TakeGraphics(const char* word, engine::Config& config, std::string& problem) {
+  if (const auto graphics = engine::GraphicsOf(word)) {
+    config.graphics = *graphics;
+    return;
+  }
+  if (!problem.empty()) problem += "; ";
+  problem += std::string("VANTORIX_GRAPHICS is auto, none or any, and not \"") + word + "\": auto is taken";
+}
+
 /// The player's configuration. One that can't be read leaves the defaults, and `problem` says why.
 engine::Config PlayerConfig(std::string& problem) {
   engine::Config config = engine::DefaultConfig();
@@ -55,11 +73,14 @@ engine::Config PlayerConfig(std::string& problem) {
     config.musicFolders = {folder};
   }
   if (const char* output = std::getenv("VANTORIX_AUDIO")) config.audioOutput = output;
+  if (const char* graphics = std::getenv("VANTORIX_GRAPHICS"); graphics != nullptr && *graphics != '\0')
+    TakeGraphics(graphics, config, problem);
   return config;
 }
 
 int Serve() {
   LookToTheUsersBus();
+  KeepDriversOffTheDisk();
   bus::PollLoop loop;
   bus::Connection connection(loop, BusAddress());
   plugin::Plugin* owner = nullptr;
