@@ -1,6 +1,7 @@
 // How many frames of a film the windows draw in time, and what that costs this process: in the popup window,
-// on whole screens, and in the decoder's own window, each on a screen of this program's own. Fails where a
-// window of ours draws too few.
+// on whole screens, and in the decoder's own window, each on a screen of this program's own; drawn in
+// software and by a graphics card or what stands in for one. Fails where a window of ours draws too few in
+// software.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 #include <thread>
 
@@ -17,6 +19,7 @@
 #include "desktop/popup/ControlsWindow.hpp"
 #include "desktop/popup/PictureView.hpp"
 #include "engine/Player.hpp"
+#include "engine/card/EglContext.hpp"
 #include "engine/decoder/DecoderOptions.hpp"
 #include "support/Quiet.hpp"
 #include "support/TempFolder.hpp"
@@ -80,7 +83,7 @@ class DrawnFrames : public QObject {
 };
 
 bool MeasureOurs(const std::string& film, const std::string& folder, const std::string& where, Place place,
-                 const std::string& size) {
+                 const std::string& size, engine::Graphics graphics) {
   const support::Screen display({"-screen", "0", size + "x24"});
   bus::PollLoop loop;
   const auto windows = support::OpenDesktop(loop);
@@ -100,6 +103,7 @@ bool MeasureOurs(const std::string& film, const std::string& folder, const std::
   config.playlistFolder = folder + "/playlists";
   config.audioOutput = "null";
   config.findCdDrives = false;
+  config.graphics = graphics;
   support::QuietEvents events;
   const auto player = engine::MakePlayer(loop, config, events, {}, {}, &screen);
   player->fullScreen(place == Place::kWholeScreen);
@@ -167,6 +171,16 @@ bool MeasureItsOwnWindow(const std::string& film) {
   return true;
 }
 
+/// What stands for the graphics card here.
+bool PrintCard() {
+  try {
+    std::printf("drawn by %s:\n", engine::EglContext("libEGL.so.1", true).renderer().c_str());
+  } catch (const std::exception& failure) {
+    std::printf("drawn in software all the same, as %s:\n", failure.what());
+  }
+  return true;
+}
+
 /// In a process of its own, as there is one desktop a process.
 bool Apart(const std::function<bool()>& measure) {
   std::fflush(stdout);
@@ -196,13 +210,20 @@ int main() {
   std::printf("A film of 1920x1080 at %d frames a second, %d seconds of it:\n", kRate, kSeconds);
   const std::string place = folder.path().string();
   bool good = true;
-  const auto ours = [&](const char* where, Place at, const char* size) {
-    good &= Apart([&] { return MeasureOurs(film, place, where, at, size); });
+  const auto ours = [&](const char* where, Place at, const char* size, engine::Graphics graphics) {
+    return Apart([&] { return MeasureOurs(film, place, where, at, size, graphics); });
   };
-  ours("heard, and seen by nobody", Place::kNowhere, "1280x800");
-  ours("in the popup window", Place::kPopup, "1280x800");
-  ours("on the whole screen", Place::kWholeScreen, "1280x800");
-  ours("on the whole screen", Place::kWholeScreen, "1920x1080");
+  const auto everywhere = [&](engine::Graphics graphics) {
+    bool enough = ours("in the popup window", Place::kPopup, "1280x800", graphics);
+    enough &= ours("on the whole screen", Place::kWholeScreen, "1280x800", graphics);
+    enough &= ours("on the whole screen", Place::kWholeScreen, "1920x1080", graphics);
+    return enough;
+  };
+  good &= ours("heard, and seen by nobody", Place::kNowhere, "1280x800", engine::Graphics::kNone);
+  std::puts("drawn in software:");
+  good &= everywhere(engine::Graphics::kNone);
+  Apart(PrintCard);
+  everywhere(engine::Graphics::kAny);  // what only stands in for a card may be too slow
   good &= Apart([&] { return MeasureItsOwnWindow(film); });
   return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }
