@@ -5,10 +5,13 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <string>
 
 #include "bus/Connection.hpp"
+#include "bus/Patience.hpp"
 #include "bus/PollLoop.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/JsonText.hpp"
@@ -123,6 +126,15 @@ TEST_F(RunScript, SaysThatAMusicFolderIsMissing) {
   const auto house = run("/nonexistent/music");
   EXPECT_EQ(house->wait(), 1);
   EXPECT_THAT(house->output(), HasSubstr("There is no music folder /nonexistent/music"));
+}
+
+TEST_F(RunScript, ItsBusWaitsLongerForAReplyThanTheProgramsDo) {
+  std::ifstream file(BUS_CONFIGURATION);
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  const std::string before = "<limit name=\"reply_timeout\">";
+  const auto found = text.find(before);
+  ASSERT_NE(found, std::string::npos);
+  EXPECT_GT(std::stoll(text.substr(found + before.size())), bus::kLongestReply.count());
 }
 
 TEST_F(RunScript, OnADesktopThePlayerStandsOnItsPanelsAndInItsMenuAsLongAsTheHouseIsUp) {
