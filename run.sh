@@ -3,19 +3,27 @@
 # starts the plug-in, and prints one address, with the key that lets the owner's browser in. Ctrl+C stops everything
 # in order.
 #
-#   ./run.sh            with a small demonstration library, made once
+#   ./run.sh            with the music folders that player.ini names, or a small demonstration library, made once
 #   ./run.sh FOLDER     with the music in FOLDER
 #
-# Options behind FOLDER or instead of it go to the server (see --help of bin/vantorix-standin).
+# Options behind FOLDER or instead of it go to the server; build/release/bin/vantorix-standin --help tells them.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 root=$PWD
+case "${1:-}" in
+  -h | --help)
+    sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' run.sh
+    exit
+    ;;
+esac
 # shellcheck source=packaging/packages.sh
 source packaging/packages.sh
 # shellcheck source=packaging/desktop.sh
 source packaging/desktop.sh
+# shellcheck source=packaging/player.sh
+source packaging/player.sh
 
-music=
+music=${VANTORIX_MUSIC:-}
 if [ $# -gt 0 ] && [[ $1 != --* ]]; then
   music=$1
   shift
@@ -39,7 +47,7 @@ data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
 mkdir -p "$(dirname "$data")"
 [ -d "$data" ] || mkdir -m 700 "$data"
 chmod 700 "$data" 2>/dev/null || echo "Others may be able to look into $data" >&2
-if [ -z "$music" ]; then
+if [ -z "$music" ] && [ -z "$(in_library folder)" ]; then
   music=$data/demo-music
   "$bin/vantorix-demo-library" "$music"
 fi

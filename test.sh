@@ -7,6 +7,12 @@
 #   ./test.sh NAME...    only the tests whose names match one of the patterns
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
+case "${1:-}" in
+  -h | --help)
+    sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' test.sh
+    exit
+    ;;
+esac
 # shellcheck source=packaging/packages.sh
 source packaging/packages.sh
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Has systemd bring the house up whenever its owner's session is, in a sandbox.
 #
-#   packaging/service.sh install [FOLDER]   with the music in FOLDER, or the demonstration library
+#   packaging/service.sh install [FOLDER]   with the music in FOLDER, or as ./run.sh finds it
 #   packaging/service.sh remove             and leaves the house's own folder as it is
 #   packaging/service.sh print [FOLDER]     only shows the unit
 #
@@ -10,6 +10,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=packaging/desktop.sh
 source packaging/desktop.sh
+# shellcheck source=packaging/player.sh
+source packaging/player.sh
 
 data=${XDG_DATA_HOME:-$HOME/.local/share}/vantorix
 
@@ -39,12 +41,23 @@ put() {
 }
 
 music=
-playlists=$data/demo-music/Playlists
+demo=$data/demo-music
+playlists=
+# The playlists lie where the player's own file says, or else in the first music folder.
 look_for_music() {
-  [ $# -gt 0 ] || return 0
-  [ -d "$1" ] || { echo "There is no music folder $1" >&2; exit 1; }
-  music=$(cd "$1" && pwd)
-  playlists=$music/Playlists
+  local first=$demo
+  if [ $# -gt 0 ]; then
+    [ -d "$1" ] || { echo "There is no music folder $1" >&2; exit 1; }
+    music=$(cd "$1" && pwd)
+    first=$music
+  elif [ -n "$(in_library folder)" ]; then
+    first=$(in_library folder | sed -n 1p)
+  fi
+  playlists=$(in_library playlists | sed -n '$p')
+  [ -n "$playlists" ] || playlists=$first/Playlists
+  case $playlists in
+    \~/*) playlists=$HOME${playlists#\~} ;;
+  esac
 }
 
 print() {
@@ -52,14 +65,20 @@ print() {
   while IFS= read -r line; do
     put @RUN@ "$(program "$PWD/run.sh")"
     if [ -n "$music" ]; then put @MUSIC@ "$(program "$music")"; else put " @MUSIC@" ""; fi
-    put @FOLDERS@ "$(quoted "XDG_DATA_HOME=${XDG_DATA_HOME:-$HOME/.local/share}")"
+    put @FOLDERS@ "$(quoted "XDG_DATA_HOME=${XDG_DATA_HOME:-$HOME/.local/share}") $(
+      quoted "XDG_CONFIG_HOME=${XDG_CONFIG_HOME:-$HOME/.config}")"
     put @DATA@ "$(path "$data")"
     put @PLAYLISTS@ "$(path "$playlists")"
     printf '%s\n' "$line"
   done <packaging/systemd/vantorix.service.in
 }
 
+usage() {
+  sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' packaging/service.sh
+}
+
 case "${1:-}" in
+  -h | --help) usage ;;
   print)
     shift
     look_for_music "$@"
@@ -74,7 +93,7 @@ case "${1:-}" in
     look_for_music "$@"
     mkdir -p "$units" "$data"
     # The demonstration library lies in the house's own folder and is made where there is none.
-    if [ -n "$music" ]; then mkdir -p "$playlists"; fi
+    if [ "$playlists" != "$demo/Playlists" ]; then mkdir -p "$playlists"; fi
     chmod 700 "$data"
     print >"$units/$unit"
     # The sandbox writes no menus. Whoever installs it from elsewhere may have a desktop all the same.
@@ -90,7 +109,7 @@ case "${1:-}" in
     systemctl --user daemon-reload
     ;;
   *)
-    sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' packaging/service.sh
+    usage
     exit 1
     ;;
 esac

@@ -40,6 +40,27 @@ def score(folder):
         sys.exit(f'The service is more exposed than {MOST_EXPOSED / 10}')
 
 
+def paths(folder):
+    """Fails where the unit can't write the playlists of the music that the house plays."""
+    config = folder / 'settings'
+    (config / 'vantorix').mkdir(parents=True)
+    given = folder / 'given'
+    given.mkdir()
+    environment = dict(os.environ, HOME='/home/me', XDG_DATA_HOME='/data', XDG_CONFIG_HOME=str(config))
+    named = '[covers]\nfolder = /covers\n[Library]\n# folder = /no\nfolder = ~/Music\nfolder = /more\n'
+    for text, words, playlists in (
+            ('', [], '/data/vantorix/demo-music/Playlists'),
+            (named, [], '/home/me/Music/Playlists'),
+            (named + 'Playlists=/lists\n', [], '/lists'),
+            (named, [given], f'{given}/Playlists')):
+        (config / 'vantorix/player.ini').write_text(text, encoding='utf-8')
+        printed = run(ROOT / 'packaging/service.sh', 'print', *words, env=environment).stdout.splitlines()
+        writable = f'ReadWritePaths="-/data/vantorix" "-{playlists}"'
+        begun = ''.join(f' "{word}"' for word in words)
+        if writable not in printed or f'ExecStart="{ROOT}/run.sh"{begun}' not in printed:
+            sys.exit(f'Not as it should be: {writable}\n' + '\n'.join(printed))
+
+
 def lay_out(folder):
     """Fails where installing doesn't put the desktop's entry in its place, or removing leaves it there. Without systemd:
     what is said to it goes nowhere."""
@@ -111,7 +132,8 @@ def try_it(folder):
     drop_in.mkdir(parents=True)
     extra = drop_in / 'trial.conf'
     extra.write_text('[Service]\nEnvironment=VANTORIX_AUDIO=null\nExecStart=\n'
-                     f'ExecStart="{ROOT}/run.sh" --port 0\n', encoding='utf-8')
+                     f'ExecStart="{ROOT}/run.sh" --port 0\n'
+                     f'Environment="XDG_CONFIG_HOME={folder}/config"\n', encoding='utf-8')
     try:
         told = run(ROOT / 'packaging/service.sh', 'install', env=environment)
         if told.returncode != 0:
@@ -140,6 +162,7 @@ def main():
     with tempfile.TemporaryDirectory(dir=pathlib.Path.home(), prefix='.vantorix-trial-') as name:
         folder = pathlib.Path(name)
         score(folder)
+        paths(folder)
         lay_out(folder)
         if control('is-system-running').stdout.strip() not in ('running', 'degraded'):
             print('No systemd runs for this user here: the service is not started')

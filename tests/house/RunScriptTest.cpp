@@ -6,13 +6,18 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "bus/Connection.hpp"
 #include "bus/Patience.hpp"
 #include "bus/PollLoop.hpp"
+#include "demo/Sound.hpp"
+#include "demo/Tags.hpp"
 #include "support/BusDaemon.hpp"
 #include "support/JsonText.hpp"
 #include "support/Process.hpp"
@@ -20,6 +25,8 @@
 
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
+using ::testing::Not;
+using ::testing::StartsWith;
 
 namespace {
 
@@ -27,9 +34,13 @@ namespace {
 class RunScript : public ::testing::Test {
  protected:
   std::unique_ptr<support::Process> run(const std::string& musicFolder) {
+    return runWith({musicFolder, "--port", "0"});
+  }
+  std::unique_ptr<support::Process> runWith(std::vector<std::string> words) {
     const std::string home = folder.path().string();
+    words.insert(words.begin(), RUN_SCRIPT);
     return std::make_unique<support::Process>(
-        std::vector<std::string>{RUN_SCRIPT, musicFolder, "--port", "0"},
+        std::move(words),
         std::vector<std::string>{"XDG_DATA_HOME=" + home + "/data", "XDG_RUNTIME_DIR=" + home,
                                  "XDG_CONFIG_HOME=" + home + "/config", "VANTORIX_SKIP_BUILD=1",
                                  "VANTORIX_BIN=" BIN_FOLDER, "VANTORIX_SERVICES=" SERVICES_FOLDER,
@@ -55,8 +66,9 @@ class RunScript : public ::testing::Test {
     if (process == 0) throw std::runtime_error("no server on the bus");
     return static_cast<pid_t>(process);
   }
-  /// Opens its address as the user does, and looks until the plug-in is ready.
-  static bool becomesReady(support::Process& house) {
+  /// Opens its address as the user does, and looks there until what it answers is as it should be.
+  template <class Condition>
+  static bool answers(support::Process& house, const std::string& path, Condition&& condition) {
     const std::string address = addressOf(house);
     httplib::Client client("127.0.0.1", portOf(house));
     client.set_read_timeout(60);
@@ -65,9 +77,42 @@ class RunScript : public ::testing::Test {
     const std::string cookie = entered->get_header_value("Set-Cookie");
     client.set_default_headers({{"Cookie", cookie.substr(0, cookie.find(';'))}});
     return support::Eventually([&] {
-      const auto answer = client.Get("/api/state");
-      return answer && answer->status == 200 && support::JsonOf(answer->body)["plugin"]["state"] == "ready";
+      const auto answer = client.Get(path);
+      return answer && answer->status == 200 && condition(support::JsonOf(answer->body));
     });
+  }
+  static bool becomesReady(support::Process& house) {
+    return answers(house, "/api/state",
+                   [](const nlohmann::json& state) { return state["plugin"]["state"] == "ready"; });
+  }
+  /// Whether its library comes to hold these albums and no others.
+  static bool hasAlbums(support::Process& house, const std::vector<std::string>& albums) {
+    return becomesReady(house) &&
+           answers(house, "/api/library?category=Album&limit=100",
+                   [&](const nlohmann::json& library) { return library["names"] == albums; });
+  }
+  /// The player's own file.
+  void configure(const std::string& text) const {
+    const std::filesystem::path place = folder.path() / "config" / "vantorix";
+    std::filesystem::create_directories(place);
+    std::ofstream(place / "player.ini") << text;
+  }
+  [[nodiscard]] bool hasDemonstration() const {
+    return std::filesystem::exists(folder.path() / "data" / "vantorix" / "demo-music");
+  }
+  /// A second folder of music, with the album "Elsewhere" in it.
+  [[nodiscard]] std::string otherMusic() const {
+    engine::TrackTags tags;
+    tags.title = "Four";
+    tags.artist = "The Testers";
+    tags.album = "Elsewhere";
+    tags.track = 4;
+    const std::filesystem::path place = folder.path() / "other";
+    std::filesystem::create_directories(place);
+    const std::string path = place / "four.flac";
+    engine::demo::WriteSound(path, engine::demo::Tone(880, 1, 8000), engine::demo::FileFormat::kFlac);
+    engine::demo::WriteTags(path, tags, {});
+    return place;
   }
   support::TempFolder folder;
   support::SmallMusic music{1};
@@ -126,6 +171,47 @@ TEST_F(RunScript, SaysThatAMusicFolderIsMissing) {
   const auto house = run("/nonexistent/music");
   EXPECT_EQ(house->wait(), 1);
   EXPECT_THAT(house->output(), HasSubstr("There is no music folder /nonexistent/music"));
+}
+
+TEST_F(RunScript, EachMusicFolderOfThePlayersOwnFileCountsWhereNoneIsGiven) {
+  configure("[Library]\nFolder = " + music.path() + "\nfolder=" + otherMusic() + "\n");
+  const auto house = runWith({"--port", "0"});
+  EXPECT_TRUE(hasAlbums(*house, {"Counting", "Elsewhere"}));
+  EXPECT_FALSE(hasDemonstration());
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
+TEST_F(RunScript, AFolderThatIsGivenCountsBeforeThoseOfThePlayersOwnFile) {
+  configure("[library]\nfolder = " + music.path() + "\n");
+  const auto house = run(otherMusic());
+  EXPECT_TRUE(hasAlbums(*house, {"Elsewhere"}));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
+TEST_F(RunScript, WithoutAnyFolderItPlaysTheDemonstration) {
+  // Only the library's folders are music.
+  configure("[covers]\nfolder = " + music.path() + "\n[library]\n# folder = " + music.path() + "\n");
+  const auto house = runWith({"--port", "0"});
+  EXPECT_TRUE(becomesReady(*house));
+  EXPECT_TRUE(answers(*house, "/api/library?category=Album&limit=100",
+                      [](const nlohmann::json& library) { return !library["names"].empty(); }));
+  EXPECT_TRUE(hasDemonstration());
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
+TEST_F(RunScript, TellsWhatItDoesAndDoesNothingElse) {
+  const auto told = runWith({"--help"});
+  EXPECT_EQ(told->wait(), 0);
+  EXPECT_THAT(told->output(), StartsWith("Brings the house up"));
+  EXPECT_THAT(told->output(), HasSubstr("./run.sh FOLDER"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  support::Process test({TEST_SCRIPT, "--help"});
+  EXPECT_EQ(test.wait(), 0);
+  EXPECT_THAT(test.output(), StartsWith("Builds everything"));
+  EXPECT_THAT(test.output(), Not(HasSubstr("==")));
 }
 
 TEST_F(RunScript, ItsBusWaitsLongerForAReplyThanTheProgramsDo) {
