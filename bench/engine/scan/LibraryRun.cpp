@@ -1,11 +1,13 @@
 // One run of the player over a library, for bench/engine/beside-mpd.sh: what it costs in processor time and
 // memory.
 //
+// clang-format off
 //   library_run make MODELS FOLDER COUNT   copies of the model files, each with tags of its own
-//   library_run read FOLDER                walks it and reads the first 64 KiB of each file: the least there
-//   is library_run scan FOLDER DATA           the player until its first scan is complete library_run start
-//   FOLDER DATA          the player that knows the library already library_run genres FOLDER DATA ROUNDS  the
-//   same; the names of all titles of each genre, so many times
+//   library_run read FOLDER                walks it and reads the first 64 KiB of each file: the least there is
+//   library_run scan FOLDER DATA           the player until its first scan is complete
+//   library_run start FOLDER DATA          the player that knows the library already
+//   library_run genres FOLDER DATA ROUNDS  the same; the names of all titles of each genre, so many times
+// clang-format on
 //
 // Prints "files seconds user-and-system-seconds resident-KiB"; of "genres" the titles that were told, and
 // what telling them took.
