@@ -37,8 +37,9 @@ struct Config {
   int tagWorkers = 2;
   /// Bytes that the player may hold more while it plays a title than it did before.
   std::size_t titleMemory = std::size_t{1} << 30U;
-  /// Bytes that it may ask the system for meanwhile; it gets no more.
-  std::size_t titleRoom = std::size_t{2} << 30U;
+  /// Bytes that it may ask the system for meanwhile; it gets no more. One of the decoder's readers ends the
+  /// process if it doesn't get the 2 GiB that it unpacks at once.
+  std::size_t titleRoom = std::size_t{3} << 30U;
   /// The most that is granted: "none", "read" or "full".
   std::string mediaAccessRights = "full";
   std::optional<std::uint32_t> shuffleSeed;  ///< for an order that repeats, in tests
