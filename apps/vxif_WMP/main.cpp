@@ -15,6 +15,7 @@
 #include "bus/HouseBus.hpp"
 #include "bus/ReplyLimit.hpp"
 #include "engine/Player.hpp"
+#include "engine/card/CardOpener.hpp"
 #include "engine/common/Config.hpp"
 #include "files/FolderSync.hpp"
 #include "mpris/session/SessionAddress.hpp"
@@ -38,14 +39,6 @@ std::string BusAddress() {
 void LookToTheUsersBus() {
   if (const std::string address = mpris::SessionAddress(); !address.empty())
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
-}
-
-/// Drivers of graphics cards keep what they compile in the user's own cache, where nothing of ours belongs.
-/// While one thread runs.
-void KeepDriversOffTheDisk() {
-  ::setenv("MESA_SHADER_CACHE_DISABLE", "true", 1);
-  ::setenv("MESA_GLSL_CACHE_DISABLE", "true", 1);  // the same, as older ones call it
-  ::setenv("__GL_SHADER_DISK_CACHE", "0", 1);
 }
 
 /// What draws films, unless the word for it is unknown.
@@ -80,7 +73,7 @@ engine::Config PlayerConfig(std::string& problem) {
 
 int Serve() {
   LookToTheUsersBus();
-  KeepDriversOffTheDisk();
+  engine::KeepDriversOffTheDisk();
   bus::PollLoop loop;
   bus::Connection connection(loop, BusAddress());
   plugin::Plugin* owner = nullptr;

@@ -19,6 +19,7 @@
 #include "desktop/popup/ControlsWindow.hpp"
 #include "desktop/popup/PictureView.hpp"
 #include "engine/Player.hpp"
+#include "engine/card/CardOpener.hpp"
 #include "engine/card/EglContext.hpp"
 #include "engine/decoder/DecoderOptions.hpp"
 #include "support/Quiet.hpp"
@@ -197,6 +198,7 @@ bool Apart(const std::function<bool()>& measure) {
 }  // namespace
 
 int main() {
+  engine::KeepDriversOffTheDisk();
   const support::TempFolder folder;
   const std::string film = (folder.path() / "film.mkv").string();
   const std::string line = "ffmpeg -v error -nostdin -f lavfi -i testsrc2=size=1920x1080:rate=25:duration=" +

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -26,6 +27,12 @@ bool HasRenderNode(const std::string& folder) {
 }
 
 }  // namespace
+
+void KeepDriversOffTheDisk() {
+  ::setenv("MESA_SHADER_CACHE_DISABLE", "true", 1);
+  ::setenv("MESA_GLSL_CACHE_DISABLE", "true", 1);  // the same, as older ones call it
+  ::setenv("__GL_SHADER_DISK_CACHE", "0", 1);
+}
 
 OpenCard CardOpener(Graphics choice, const CardPlaces& places) {
   if (choice == Graphics::kNone) return {};

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 #include "CardInHand.hpp"
 #include "Film.hpp"
 #include "engine/card/CardOpener.hpp"
@@ -20,7 +22,11 @@ constexpr const char* kMoving = "testsrc2=size=320x180:rate=25";
 /// A decoder whose frames a card draws: the machine's own, and be it one that draws in software.
 class DrawnByCard : public PlayerTest {
  protected:
-  DrawnByCard() { config.untimed = false; }  // pictures have their time
+  DrawnByCard() {
+    KeepDriversOffTheDisk();
+    ::setenv("XDG_CACHE_HOME", cache.path().c_str(), 1);
+    config.untimed = false;  // pictures have their time
+  }
 
   void plays(const char* picture, const OpenCard& open) {
     if (film.empty()) MakeFilm(film = folder / "film.mkv", picture, 60);
@@ -41,6 +47,7 @@ class DrawnByCard : public PlayerTest {
   /// Frames come and come.
   bool moves() { return comes(kSize) && comes(kSize) && comes(kSize); }
 
+  TempFolder cache;
   std::string film;
   std::shared_ptr<CardPlan> plan = std::make_shared<CardPlan>();
   ToldByOutput heard;
@@ -85,6 +92,14 @@ TEST_F(DrawnByCard, APausedFilmIsDrawnAnewInAnotherSize) {
   ASSERT_TRUE(comes(kSize));
   EXPECT_TRUE(ShowsFourColours(*shown));
   EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(DrawnByCard, ADriverKeepsNothingOnTheDisk) {
+  plays(kMoving);
+  output->look(kSize);
+  ASSERT_TRUE(moves());
+  output.reset();
+  EXPECT_TRUE(fs::is_empty(cache.path()));
 }
 
 TEST_F(DrawnByCard, NothingIsDrawnWhileNobodyLooks) {
