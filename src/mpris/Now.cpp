@@ -67,13 +67,14 @@ Status Now::status() const {
     case kStopped:
     case kReady: return Status::kStopped;
     case kPaused: return Status::kPaused;
-    default: return Status::kPlaying;
+    default: return heldAtStart() ? Status::kPaused : Status::kPlaying;
   }
 }
 
 bool Now::scansForward() const { return playState == kScanForward; }
 bool Now::scansBackward() const { return playState == kScanReverse; }
 bool Now::opens() const { return playState == kTransitioning; }
+bool Now::heldAtStart() const { return opens() && play && !pause; }
 bool Now::stalls() const { return playState == kBuffering; }
 
 double Now::rate() const {

@@ -34,12 +34,14 @@ struct Now {
   std::int32_t count = 0;   ///< of the queue
   double revision = 0;      ///< of the queue
 
-  /// What is under way, though it may still be opened or wait for more of itself, plays.
+  /// What is under way, though it may still be opened or wait for more of itself, plays, unless it is held.
   [[nodiscard]] Status status() const;
   [[nodiscard]] bool scansForward() const;
   [[nodiscard]] bool scansBackward() const;
   /// It is being opened.
   [[nodiscard]] bool opens() const;
+  /// It is being opened, and will be paused once it is there.
+  [[nodiscard]] bool heldAtStart() const;
   /// It plays, and waits for more of itself.
   [[nodiscard]] bool stalls() const;
   /// How many seconds of the item pass in one while it plays.

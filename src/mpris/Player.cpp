@@ -27,9 +27,6 @@ const Texts& AddressKinds() {
 void Player::refresh() {
   now_ = player_.now();
   otherTrack_ |= track_.follow(now_, player_);
-  if (!pauseWanted_ || now_.opens()) return;
-  pauseWanted_ = false;
-  if (now_.pause) pause();
 }
 
 void Player::begin() {
@@ -66,42 +63,38 @@ bool Player::canPlay() const { return now_.play || now_.status() != Status::kSto
 bool Player::canSeek() const { return now_.status() != Status::kStopped && now_.duration > 0; }
 
 void Player::play() {
-  pauseWanted_ = false;
-  if (now_.status() != Status::kPlaying) player_.act("ResumePlayer");
+  if (now_.heldAtStart())
+    player_.goOn();
+  else if (now_.status() != Status::kPlaying)
+    player_.act("ResumePlayer");
 }
 
 // The script object's one word for it turns round what it finds, and knows nothing of an item that is still
 // under way.
 void Player::pause() {
-  if (now_.status() != Status::kPlaying) return;
-  if (now_.opens())
-    pauseWanted_ = true;
-  else if (now_.stalls())
+  if (now_.status() != Status::kPlaying || !now_.pause) return;
+  if (now_.opens() || now_.stalls())
     player_.hold();
-  else if (now_.pause)
+  else
     player_.act("PausePlayer");
 }
 
 void Player::playPause() {
-  const bool pauses = now_.status() == Status::kPlaying && !pauseWanted_;
-  if (pauses)
+  if (now_.status() == Status::kPlaying)
     pause();
   else
     play();
 }
 
 void Player::stop() {
-  pauseWanted_ = false;
   if (now_.status() != Status::kStopped) player_.act("StopPlayer");
 }
 
 void Player::next() {
-  pauseWanted_ = false;
   if (now_.next) player_.act("PlayNext");
 }
 
 void Player::previous() {
-  pauseWanted_ = false;
   if (now_.previous) player_.act("PlayPrev");
 }
 
@@ -131,7 +124,6 @@ void Player::open(const std::string& address) {
   const auto& kinds = AddressKinds();
   if (colon == std::string::npos || std::find(kinds.begin(), kinds.end(), kind) == kinds.end())
     throw Refusal(kNotSupported, "This is no kind of address that is played");
-  pauseWanted_ = false;
   player_.open(address);
 }
 

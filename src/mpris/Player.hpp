@@ -56,7 +56,6 @@ class Player {
   Track track_;
   bool otherTrack_ = false;  ///< since the last look for jumps
   bool sought_ = false;
-  bool pauseWanted_ = false;  ///< as soon as what is being opened plays
 
   // What a listener takes the position for: where it was when he was told last, and how it has gone on since.
   double believed_ = 0;

@@ -63,6 +63,11 @@ void PlayerObject::hold() {
   step([&] { part("controls")->call("pause"); });
 }
 
+void PlayerObject::goOn() {
+  Attempt step;
+  step([&] { part("controls")->call("play"); });
+}
+
 void PlayerObject::seek(double seconds) {
   Attempt step;
   step([&] { part("controls")->put("currentPosition", base::Value(seconds)); });

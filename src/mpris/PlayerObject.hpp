@@ -26,8 +26,11 @@ class PlayerObject {
   /// One of the script object's operations without arguments.
   void act(const char* operation);
   void set(const char* field, const base::Value& value);
-  /// Pauses what waits for more of itself, of which the script object's own word knows nothing.
+  /// Pauses what is being opened or waits for more of itself, of which the script object's own word knows
+  /// nothing.
   void hold();
+  /// Takes that back from what is still being opened.
+  void goOn();
   void seek(double seconds);
   void open(const std::string& address);
 

@@ -165,9 +165,9 @@ class Controls : public Modelled {
   /// Whether a step such as "Play", "Pause", "Stop", "Next", "Previous", "FastForward", "FastReverse" makes
   /// sense now. Names compare without regard to case.
   [[nodiscard]] virtual bool isAvailable(const std::string& step) const = 0;
-  virtual void play() = 0;
+  virtual void play() = 0;  ///< takes a pause back from what is being opened
   virtual void stop() = 0;
-  virtual void pause() = 0;
+  virtual void pause() = 0;  ///< what is being opened once it plays; "Play" is available till then
   virtual void fastForward() = 0;
   virtual void fastReverse() = 0;
   virtual void next() = 0;

@@ -60,6 +60,12 @@ class RecordingPlayer {
     now["place"] = place;
     now["count"] = 3;
   }
+  /// And is only on its way to that.
+  void opens() {
+    plays();
+    now["playState"] = 9;
+    now["play"] = false;
+  }
 
   support::Journal journal;
   bool ready = true;  ///< the plug-in's start is over
@@ -89,10 +95,16 @@ class RecordingPlayer {
                  ReadField("currentPlaylist", Type::kObject, [this] { return played(); }),
                  ReadField("playlistCollection", Type::kObject, [this] { return collection(); })});
   }
+  void held(const std::string& word, bool value) {
+    journal.add(word);
+    now["play"] = value;
+    now["pause"] = !value;
+  }
   base::ObjectRef controls() {
     using namespace base::words;  // NOLINT(google-build-using-namespace): the words exist for tables
     return support::ObjectOf("Controls",
-                             {Command("pause", {}, [this] { journal.add("controls.pause"); }),
+                             {Command("play", {}, [this] { held("controls.play", false); }),
+                              Command("pause", {}, [this] { held("controls.pause", true); }),
                               WriteField("currentPosition", Type::kDouble, [this](const Value& to) {
                                 journal.add("controls.currentPosition = " + base::ToText(to));
                                 now["position"] = to;

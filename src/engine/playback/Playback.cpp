@@ -41,6 +41,7 @@ void Playback::assign(const player::PlaylistRef& playlist) {
   endScan();
   if (active()) output_.stop();
   entry_ = nextEntry_ = 0;
+  heldAtStart_ = false;
   putOff_.clear();
   startAt_ = 0;
   forgetFailures();
@@ -86,6 +87,7 @@ void Playback::playAt(int index) {
   if (index < 0 || index >= queue_.count()) throw base::Failure(base::number::kIndex);
   endScan();
   startAt_ = 0;
+  heldAtStart_ = false;
   forgetFailures();
   queue_.moveTo(index);
   if (active()) output_.pause(false);
@@ -113,6 +115,7 @@ void Playback::play() {
       forgetFailures();
       begin();
       break;
+    case player::kTransitioning: holdAtStart(false); break;
     default: break;  // under way already
   }
 }
@@ -127,7 +130,12 @@ void Playback::begin() {
   if (state_ != player::kTransitioning) tell(player::kTransitioning);
 }
 
+void Playback::holdAtStart(bool value) {
+  if (std::exchange(heldAtStart_, value) != value) events_.place();
+}
+
 void Playback::pause() {
+  if (state_ == player::kTransitioning) return holdAtStart(true);
   if (!running() && state_ != player::kBuffering) return;
   endScan();
   output_.pause(true);
@@ -141,6 +149,7 @@ void Playback::stop() {
   entry_ = nextEntry_ = 0;
   putOff_.clear();
   startAt_ = 0;
+  heldAtStart_ = false;
   tellUntold();
   output_.stop();
   tell(player::kStopped);
@@ -151,6 +160,7 @@ void Playback::moveOn(std::optional<int> index) {
   const bool wasActive = active();
   endScan();
   startAt_ = 0;
+  heldAtStart_ = false;
   forgetFailures();
   queue_.moveTo(*index);
   if (wasActive) {
@@ -209,8 +219,9 @@ bool Playback::available(const std::string& step) {
   const bool any = queue_.count() > 0 || active();  // what plays may have been taken out of its list
   const bool wrap = queue_.loop() || queue_.shuffle();
   const bool seekable = running() || state_ == player::kPaused;
-  if (step == "play") return any && state_ != player::kTransitioning && state_ != player::kBuffering;
-  if (step == "pause") return running() || state_ == player::kBuffering;
+  const bool opens = state_ == player::kTransitioning;
+  if (step == "play") return any && state_ != player::kBuffering && (!opens || heldAtStart_);
+  if (step == "pause") return running() || state_ == player::kBuffering || (opens && !heldAtStart_);
   if (step == "stop") return active();
   if (step == "next") return queue_.following(wrap).has_value();
   if (step == "previous") return queue_.preceding(wrap).has_value();
@@ -296,7 +307,9 @@ void Playback::started(EntryId entry) {
   if (startAt_ > 0) output_.seek(startAt_);
   startAt_ = 0;
   prepareNext();
+  const bool held = std::exchange(heldAtStart_, false);
   tell(player::kPlaying);
+  if (held && entry == entry_) pause();
 }
 
 void Playback::ended(EntryId entry) {
@@ -323,6 +336,7 @@ void Playback::ended(EntryId entry) {
     return;
   }
   entry_ = 0;
+  heldAtStart_ = false;
   queue_.rewind();
   tell(player::kStopped);
 }
@@ -339,6 +353,7 @@ void Playback::failed(EntryId entry, const std::string& reason) {
   const auto index = queue_.following(queue_.loop());
   if (!index || nothingCanBePlayed()) {
     entry_ = 0;
+    heldAtStart_ = false;
     tellUntold();
     output_.stop();
     if (!index) queue_.rewind();

@@ -48,9 +48,11 @@ class Playback : public OutputEvents {
   /// Where the current item stands in the playlist, -1 when it is not in it.
   [[nodiscard]] int place() { return queue_.place(); }
 
+  /// What is being opened plays once it is there, even if it was to be paused.
   void play();
   /// Plays the playlist's item at that place. Throws 9 where there is none.
   void playAt(int index);
+  /// What is being opened, or what follows where it can't be, is paused once it is there.
   void pause();
   void stop();
   void next();
@@ -79,6 +81,8 @@ class Playback : public OutputEvents {
   void tell(player::PlayState state);
   /// Loads the current item.
   void begin();
+  /// Whether what is being opened is to be paused once it is there.
+  void holdAtStart(bool value);
   void endScan();
   void stepBack();
   /// Hands the item that follows to the output in time.
@@ -110,6 +114,7 @@ class Playback : public OutputEvents {
   std::string nextLocation_;
   std::vector<std::function<void()>> putOff_;  ///< ends and starts that wait for a pause to end
   double startAt_ = 0;
+  bool heldAtStart_ = false;                ///< only while something is being opened
   int failures_ = 0;                        ///< in a row
   std::unordered_set<std::string> failed_;  ///< the locations they were at
   int tried_ = 0;                           ///< so many items at the list's beginning are among them

@@ -27,8 +27,8 @@ const char* WordOf(const PlayerNow& now) {
     case kScanForward:
     case kScanReverse: return "playing";
     case kPaused: return "paused";
-    case kBuffering:
-    case kTransitioning: return "loading";
+    case kBuffering: return "loading";
+    case kTransitioning: return now.heldAtStart() ? "paused" : "loading";
     default: return "stopped";
   }
 }
@@ -40,6 +40,8 @@ double PlayerNow::rate() const {
   if (state == kScanForward) return kScanSpeed;
   return state == kScanReverse ? -kScanSpeed : 0;
 }
+
+bool PlayerNow::heldAtStart() const { return state == kTransitioning && canPlay && !canPause; }
 
 double PlayerNow::positionAt(std::int64_t later) const {
   const double reached = position + rate() * static_cast<double>(later - at) / 1000;

@@ -37,6 +37,8 @@ struct PlayerNow {
   std::optional<std::string> cover = std::string();
   std::int64_t at = 0;  ///< when it was so: milliseconds of the server's own clock
 
+  /// It is being opened, and will be paused once it is there.
+  [[nodiscard]] bool heldAtStart() const;
   /// Seconds of the item that pass in one.
   [[nodiscard]] double rate() const;
   /// Where the item has come to at a later moment, if nothing has happened since.

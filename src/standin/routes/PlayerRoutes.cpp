@@ -38,8 +38,17 @@ NowPlaying::Work Calling(const char* operation) {
 
 PlayerNow NowOf(PlayerLists& lists) { return PlayerNowOf(lists.player().call("now"), 0); }
 
+NowPlaying::Work Playing(const Json&) {
+  return [](PlayerLists& lists) {
+    if (NowOf(lists).heldAtStart())
+      lists.part("controls")->call("play");
+    else
+      lists.script().call("ResumePlayer");
+  };
+}
+
 /// The script object's one word for it turns round what it finds, and knows nothing of a title that is still
-/// under way: one that waits for more of itself is held, and one that is only being opened is given up.
+/// under way: that is held, or given up where the player can't hold it.
 NowPlaying::Work Pausing(const Json&) {
   return [](PlayerLists& lists) {
     const PlayerNow now = NowOf(lists);
@@ -144,7 +153,7 @@ Routes PlayerRoutes(NowPlaying& player, Playlists& playlists) {
   return {{Method::kGet, "/api/player", Role::kGuest, Later{[&player](const WebCall&, const Reply& reply) {
              player.ask([&player, reply](const PlayerNow& now) { reply(Told(JsonOf(now, player.clock()))); });
            }}},
-          command("play", calling("ResumePlayer")),
+          command("play", Making(Playing)),
           command("pause", Making(Pausing)),
           command("stop", calling("StopPlayer")),
           command("next", calling("PlayNext")),

@@ -21,9 +21,38 @@ TransportBar::TransportBar(PopupWindow& window, player::WMPPlayer& form, player:
 void TransportBar::playOrPause() {
   if (calls_.IsPlaying())
     calls_.PauseResume();
+  else if (underWay())
+    turnRound();
   else
     calls_.ResumePlayback();
   refresh();
+}
+
+// Of what is still being opened, or waits for more of itself, the commands know nothing.
+void TransportBar::turnRound() {
+  Attempt step;
+  step([&] {
+    player::Controls& controls = form_.controls();
+    if (controls.isAvailable("Pause"))
+      controls.pause();
+    else if (controls.isAvailable("Play"))
+      controls.play();
+  });
+}
+
+bool TransportBar::underWay() {
+  bool is = false;
+  Attempt step;
+  step([&] {
+    switch (form_.wmp9().playState()) {
+      case player::kBuffering:
+      case player::kWaiting:
+      case player::kTransitioning:
+      case player::kReconnecting: is = true; break;
+      default: break;
+    }
+  });
+  return is;
 }
 
 void TransportBar::stop() {
@@ -66,12 +95,12 @@ TransportShown TransportBar::read() {
   // A player that nobody has needed so far isn't made for being looked at.
   if (!form_.loaded()) return shown;
   Attempt step;
-  shown.playing = calls_.IsPlaying();
   const auto available = [&](const char* name) {
     bool answer = false;
     step([&] { answer = form_.controls().isAvailable(name); });
     return answer;
   };
+  shown.playing = calls_.IsPlaying() || (underWay() && available("Pause"));
   shown.canPlay = available(shown.playing ? "Pause" : "Play");
   shown.canStop = available("Stop");
   shown.canPrevious = available("Previous");
@@ -94,7 +123,7 @@ void TransportBar::refresh() {
   step([&] { seen = window_.visible() && !window_.minimised() && window_.handle() != 0; });
   if (!seen) return look_->enabled(false);
   const TransportShown shown = read();
-  look_->enabled(shown.playing);
+  look_->enabled(shown.playing || (form_.loaded() && underWay()));
   step([&] { window_.transport(shown); });
 }
 

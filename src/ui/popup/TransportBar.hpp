@@ -9,8 +9,8 @@
 namespace ui {
 
 /// The popup window's transport bar. It does what it is told to by the same calls as everybody else, and
-/// shows what the player says. Only while something plays before somebody's eyes does it look at the player
-/// by itself, once a second.
+/// shows what the player says. Only while something plays, or is on its way to it, before somebody's eyes
+/// does it look at the player by itself, once a second.
 class TransportBar {
  public:
   TransportBar(PopupWindow& window, player::WMPPlayer& form, player::WMPCalls& calls, base::Loop& loop);
@@ -30,6 +30,9 @@ class TransportBar {
   void refresh();
 
  private:
+  void turnRound();
+  /// It is being opened, or waits for more of itself.
+  [[nodiscard]] bool underWay();
   [[nodiscard]] TransportShown read();
 
   PopupWindow& window_;

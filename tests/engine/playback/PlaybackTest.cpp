@@ -135,6 +135,73 @@ TEST_F(PlaybackStates, AStallIsToldAndItsEnd) {
   EXPECT_THAT(states, ElementsAre(6, 3, 2));
 }
 
+TEST_F(PlaybackStates, APauseWhileItOpensHoldsItAtItsStart) {
+  playback.assign(list({"/a"}));
+  playback.play();
+  EXPECT_TRUE(playback.available("pause"));
+  EXPECT_FALSE(playback.available("play"));
+  playback.pause();
+  EXPECT_FALSE(playback.available("pause"));
+  EXPECT_TRUE(playback.available("play"));
+  EXPECT_EQ(playback.state(), player::kTransitioning);
+  playback.started(output.now);
+  EXPECT_TRUE(output.paused);
+  EXPECT_THAT(states, ElementsAre(10, 9, 3, 2));
+  playback.play();
+  EXPECT_FALSE(output.paused);
+}
+
+TEST_F(PlaybackStates, APauseWhileItOpensIsTakenBackByPlay) {
+  playback.assign(list({"/a"}));
+  playback.play();
+  playback.pause();
+  playback.play();
+  playback.started(output.now);
+  EXPECT_THAT(states, ElementsAre(10, 9, 3));
+  EXPECT_THAT(output.loaded, ElementsAre("/a"));
+}
+
+TEST_F(PlaybackStates, WhatIsChosenAfterAPauseWhileItOpensPlays) {
+  const std::vector<std::function<void()>> choices{[&] { playback.next(); }, [&] { playback.playAt(1); },
+                                                   [&] {
+                                                     playback.stop();
+                                                     playback.play();
+                                                   },
+                                                   [&] {
+                                                     playback.assign(list({"/c"}));
+                                                     playback.play();
+                                                   }};
+  for (const auto& choose : choices) {
+    playback.assign(list({"/a", "/b"}));
+    playback.play();
+    playback.pause();
+    choose();
+    playback.started(output.now);
+    EXPECT_EQ(playback.state(), player::kPlaying);
+  }
+}
+
+TEST_F(PlaybackStates, APauseWhileItOpensIsThatOfWhatFollowsWhereItCantBe) {
+  playback.assign(list({"/a", "/b"}));
+  playback.play();
+  playback.pause();
+  playback.failed(output.now, "gone");
+  playback.started(output.now);
+  EXPECT_EQ(playback.queue().current()->name(), "b");
+  EXPECT_EQ(playback.state(), player::kPaused);
+}
+
+TEST_F(PlaybackStates, APauseWhileItOpensEndsWithTheLastThatCantBe) {
+  playback.assign(list({"/a"}));
+  playback.play();
+  playback.pause();
+  playback.failed(output.now, "gone");
+  EXPECT_EQ(playback.state(), player::kStopped);
+  playback.play();
+  playback.started(output.now);
+  EXPECT_EQ(playback.state(), player::kPlaying);
+}
+
 TEST_F(PlaybackStates, WhatEndsWhilePausedIsToldAfterThePause) {
   playing({"/a", "/b", "/c"});
   playback.pause();

@@ -1,4 +1,4 @@
-// Titles that are opened or wait for more of themselves: they can be stopped like others.
+// Titles that are opened or wait for more of themselves: they can be paused and stopped like others.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -35,15 +35,18 @@ class StallingStations : public support::PlayerBar {
   }
 };
 
-TEST_F(StallingStations, PauseStopsWhatIsStillBeingOpened) {
+TEST_F(StallingStations, PauseIsRememberedOfWhatIsStillBeingOpened) {
   const StallingStation silent;
   Listener listener(house, 1280);
   play(silent);
   ASSERT_TRUE(playerHas("play", "loading")) << player();
   ASSERT_TRUE(listener.shows("#player-bar .main[aria-label=Pause]:not(:disabled)"));
   listener.browser.click("//aside//button[@aria-label='Pause']");
-  EXPECT_TRUE(playerHas("play", "stopped")) << player();
-  EXPECT_TRUE(listener.shows("#player-bar .main[aria-label=Play]:not(:disabled)"));
+  EXPECT_TRUE(playerHas("play", "paused")) << player();
+  EXPECT_TRUE(playerHas("state", 9)) << player();
+  ASSERT_TRUE(listener.shows("#player-bar .main[aria-label=Play]:not(:disabled)"));
+  listener.browser.click("//aside//button[@aria-label='Play']");
+  EXPECT_TRUE(playerHas("play", "loading")) << player();
 }
 
 TEST_F(StallingStations, PauseHoldsWhatWaitsForMoreOfItself) {

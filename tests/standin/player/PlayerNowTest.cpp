@@ -86,6 +86,13 @@ TEST(PlayerNowTest, IsReadFromWhatThePlayerAnswers) {
   EXPECT_EQ(json.at("clock"), 90);
 }
 
+TEST(PlayerNowTest, WhatOpensAndIsToBePausedIsShownAsPaused) {
+  base::Record opens{{"playState", std::int32_t{9}}, {"play", false}, {"pause", true}};
+  EXPECT_EQ(standin::JsonOf(standin::PlayerNowOf(opens, 0), 0).at("play"), "loading");
+  opens = {{"playState", std::int32_t{9}}, {"play", true}, {"pause", false}};
+  EXPECT_EQ(standin::JsonOf(standin::PlayerNowOf(opens, 0), 0).at("play"), "paused");
+}
+
 TEST(PlayerNowTest, WhatNobodyHasChosenIsNotShownAsPlaying) {
   const base::Record idle{{"playState", std::int32_t{1}},
                           {"name", "First of all"},

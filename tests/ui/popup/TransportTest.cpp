@@ -53,6 +53,48 @@ TEST_F(Transport, TheFirstButtonPlaysAndPauses) {
   EXPECT_THAT(playerCalls(), ElementsAre("player: pause", "player: play", "player: play"));
 }
 
+TEST_F(Transport, TheFirstButtonPausesWhatWaitsForMoreOfItself) {
+  play(player::kBuffering);
+  plugin.popup.transportChanged();
+  EXPECT_TRUE(last().playing);
+  window.events->playOrPause();
+  EXPECT_THAT(playerCalls(), ElementsAre("player: pause"));
+}
+
+TEST_F(Transport, WhatIsBeingOpenedIsPausedAndThatTakenBack) {
+  play(player::kTransitioning);
+  wmp9->unavailable = {"Play"};
+  plugin.popup.transportChanged();
+  EXPECT_TRUE(last().playing && last().canPlay) << "it pauses";
+  window.events->playOrPause();
+  wmp9->unavailable = {"Pause"};
+  plugin.popup.transportChanged();
+  EXPECT_TRUE(!last().playing && last().canPlay) << "it plays";
+  window.events->playOrPause();
+  EXPECT_THAT(playerCalls(), ElementsAre("player: pause", "player: play"));
+}
+
+TEST_F(Transport, WhereNothingCanBeDoneWhileItOpensNothingIs) {
+  play(player::kTransitioning);
+  wmp9->unavailable = {"Play", "Pause"};
+  plugin.popup.transportChanged();
+  EXPECT_FALSE(last().canPlay);
+  window.events->playOrPause();
+  EXPECT_THAT(playerCalls(), IsEmpty());
+}
+
+TEST_F(Transport, APauseByAnotherIsSeenWhileItOpens) {
+  play(player::kTransitioning);
+  wmp9->unavailable = {"Play"};
+  plugin.popup.transportChanged();
+  wmp9->unavailable = {"Pause"};
+  second();
+  EXPECT_FALSE(last().playing);
+  wmp9->unavailable = {"Play"};
+  second();
+  EXPECT_TRUE(last().playing);
+}
+
 TEST_F(Transport, EachButtonIsTheCommandOfEverybody) {
   play(player::kPlaying);
   window.events->previous();
