@@ -16,6 +16,19 @@ using testing::IsEmpty;
 
 constexpr const char* kRight = "\uE014";
 
+class GuestAtTheBar : public PlayerBar {
+ protected:
+  void openAsGuest(Browser& guest, const std::string& place) {
+    ASSERT_EQ(house.post("/api/guests", {{"guests", "open"}}), 200);
+    guest.open(house.url() + "/");
+    guest.runAsync(
+        "const done = arguments[0]; fetch('/api/login', {method: 'POST', headers: {'Content-Type': "
+        "'application/json'}, body: '{\"name\":\"guest\"}'}).then(() => done())");
+    guest.open("about:blank");
+    guest.open(house.url() + "/" + place);
+  }
+};
+
 class PlayerBarOfSomeWidth : public PlayerBar, public testing::WithParamInterface<int> {};
 INSTANTIATE_TEST_SUITE_P(Desk, PlayerBarOfSomeWidth, testing::Values(1280));
 INSTANTIATE_TEST_SUITE_P(Phone, PlayerBarOfSomeWidth, testing::Values(360));
@@ -111,17 +124,11 @@ TEST_F(PlayerBar, WhatOthersDoToThePlayerIsSeenToo) {
       listener.browser.eventually("return document.querySelector('.player-title').textContent === 'Two'"));
 }
 
-TEST_F(PlayerBar, AGuestSeesItAndChangesNothing) {
-  ASSERT_EQ(house.post("/api/guests", {{"guests", "open"}}), 200);
+TEST_F(GuestAtTheBar, SeesItAndChangesNothing) {
   Listener owner(house, 1280);
   playFrom(owner, "One");
   Browser guest(1280, 800);
-  guest.open(house.url() + "/");
-  guest.runAsync(
-      "const done = arguments[0]; fetch('/api/login', {method: 'POST', headers: {'Content-Type': "
-      "'application/json'}, body: '{\"name\":\"guest\"}'}).then(() => done())");
-  guest.open("about:blank");
-  guest.open(house.url() + "/#playing");
+  openAsGuest(guest, "#playing");
   EXPECT_TRUE(guest.eventually("return document.querySelector('.player-title')?.textContent === 'One'"));
   EXPECT_TRUE(guest.eventually("return document.querySelectorAll('.queue-list .row-name').length === 3"));
   EXPECT_EQ(
@@ -136,6 +143,22 @@ TEST_F(PlayerBar, AGuestSeesItAndChangesNothing) {
                      "{'Content-Type': 'application/json'}, body: '{}'}).then((told) => done(told.status))"),
       403);
   EXPECT_THAT(support::Barriers(guest), IsEmpty());
+}
+
+TEST_F(GuestAtTheBar, HasTheDevicesButtonsButNotTheOneThatAddsToAPlaylist) {
+  const char* kStop = "//*[@id='cards']//button[.='Stop']";
+  const char* kAdd = "//*[@id='cards']//button[.='Add to PlayList']";
+  const auto has = [](const char* path) {
+    return "return document.evaluate(\"" + std::string(path) +
+           "\", document, null, XPathResult.BOOLEAN_TYPE).booleanValue";
+  };
+  Listener owner(house, 1280);
+  owner.open("#devices");
+  EXPECT_TRUE(owner.browser.eventually(has(kAdd)));
+  Browser guest(1280, 800);
+  openAsGuest(guest, "#devices");
+  EXPECT_TRUE(guest.eventually(has(kStop)));
+  EXPECT_EQ(guest.run(has(kAdd)), false);
 }
 
 }  // namespace

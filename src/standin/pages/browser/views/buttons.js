@@ -4,7 +4,11 @@ import {ask, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
 import {textOf} from './player.js';
 
-const kTells = {'Vol Up': tellVolume, 'Vol Down': tellVolume, 'Add to PlayList': tellAddition};
+const kAdds = 'Add to PlayList';
+const kTells = {'Vol Up': tellVolume, 'Vol Down': tellVolume, [kAdds]: tellAddition};
+
+/** Those that whoever looks may press: guests change no playlist. */
+export const buttonsOf = (device, guest) => guest ? device.buttons.filter((caption) => caption !== kAdds) : device.buttons;
 
 /** A button that means one of two things says which of them comes next. */
 export function captionOf(device, caption) {

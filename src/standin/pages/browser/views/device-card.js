@@ -3,26 +3,28 @@ import {partsOf, shownParts, wordsOf} from '../kit/devicetext.js';
 import {html, live, nothing} from '../kit/html.js';
 import {ask, complain, run} from '../kit/server.js';
 import {toast} from '../kit/toasts.js';
-import {captionOf, pressed} from './buttons.js';
+import {buttonsOf, captionOf, pressed} from './buttons.js';
 import {ValueSearch} from './value-search.js';
 
 const kOn = 2;
 const kOff = 3;
 const kFewValues = 60;
 
-/** One device's card. `draw` is called when it looks different for a reason of its own. */
+/** One device's card. `draw` is called when it looks different for a reason of its own; `guest` tells who looks. */
 export class DeviceCard {
   #ref;
   #draw;
+  #guest;
   #signal;
   #search;
   #values = null;     // to choose from, once they were read
   #valuesOf = '';     // the mark of the table that they belong to
   #changes = 0;
 
-  constructor(ref, {signal, draw}) {
+  constructor(ref, {signal, draw, guest}) {
     this.#ref = ref;
     this.#draw = draw;
+    this.#guest = guest;
     this.#signal = signal;
     this.#search = new ValueSearch(ref, {signal, draw, choose: (field, entry) => this.#choose(field, entry)});
   }
@@ -45,7 +47,7 @@ export class DeviceCard {
       </header>
       <div class="status ${words ? '' : 'blank'}">${shownParts(parts)}${words ? nothing : html`<span class="quiet">—</span>`}</div>
       <div class="controls">${device.switchable ? switchOf(device) : nothing}${this.#valueOf(device)}${
-        device.buttons.map((caption) => html`<button type="button"
+        buttonsOf(device, this.#guest()).map((caption) => html`<button type="button"
           @click=${(event) => pressed(event.currentTarget, device, caption)}>${captionOf(device, caption)}</button>`)}</div>
     </article>`;
   }

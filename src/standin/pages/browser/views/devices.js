@@ -12,7 +12,7 @@ function mount(place, {signal, house}) {
   const draw = whileShown(signal, () => render(page(house, talk, cardOf), place));
   const talk = new Talk({signal, house, draw, small: true});
   const cardOf = (ref) => {
-    if (!cards.has(ref)) cards.set(ref, new DeviceCard(ref, {signal, draw}));
+    if (!cards.has(ref)) cards.set(ref, new DeviceCard(ref, {signal, draw, guest: () => Boolean(house.state.user?.guest)}));
     return cards.get(ref);
   };
   house.on('device', ({ref}) => {
