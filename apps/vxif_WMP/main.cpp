@@ -41,16 +41,6 @@ void LookToTheUsersBus() {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
 }
 
-/// What draws films, unless the word for it is unknown.
-void TakeGraphics(const char* word, engine::Config& config, std::string& problem) {
-  if (const auto graphics = engine::GraphicsOf(word)) {
-    config.graphics = *graphics;
-    return;
-  }
-  if (!problem.empty()) problem += "; ";
-  problem += std::string("VANTORIX_GRAPHICS is auto, none or any, and not \"") + word + "\": auto is taken";
-}
-
 /// The player's configuration. One that can't be read leaves the defaults, and `problem` says why.
 engine::Config PlayerConfig(std::string& problem) {
   engine::Config config = engine::DefaultConfig();
@@ -66,8 +56,11 @@ engine::Config PlayerConfig(std::string& problem) {
     config.musicFolders = {folder};
   }
   if (const char* output = std::getenv("VANTORIX_AUDIO")) config.audioOutput = output;
-  if (const char* graphics = std::getenv("VANTORIX_GRAPHICS"); graphics != nullptr && *graphics != '\0')
-    TakeGraphics(graphics, config, problem);
+  if (const char* graphics = std::getenv("VANTORIX_GRAPHICS")) {
+    const std::string wrong = engine::SetGraphics(config, graphics);
+    if (!wrong.empty())
+      problem += (problem.empty() ? "VANTORIX_GRAPHICS: " : "; VANTORIX_GRAPHICS: ") + wrong;
+  }
   return config;
 }
 

@@ -172,12 +172,16 @@ Config LoadConfig(const std::string& path) {
   return config;
 }
 
-std::optional<Graphics> GraphicsOf(const std::string& word) {
+std::string SetGraphics(Config& config, const std::string& word) {
   const std::string folded = base::LowerCase(word);
-  if (folded == "auto") return Graphics::kAuto;
-  if (folded == "none") return Graphics::kNone;
-  if (folded == "any") return Graphics::kAny;
-  return {};
+  config.graphics = Graphics::kAuto;
+  if (folded == "none")
+    config.graphics = Graphics::kNone;
+  else if (folded == "any")
+    config.graphics = Graphics::kAny;
+  else if (!folded.empty() && folded != "auto")
+    return "What draws films is auto, none or any, and not \"" + word + "\": it is auto now";
+  return "";
 }
 
 std::string DefaultConfigPath() { return XdgFolder("XDG_CONFIG_HOME", ".config") + "/vantorix/player.ini"; }

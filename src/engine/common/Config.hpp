@@ -52,8 +52,9 @@ Config DefaultConfig();
 /// text that names the line when a line can't be understood, and 70 when the file can't be read.
 Config LoadConfig(const std::string& path);
 
-/// "auto", "none" or "any" in any case; nothing for another word.
-std::optional<Graphics> GraphicsOf(const std::string& word);
+/// "auto", "none" or "any" in any case, or "" for "auto". Another word is taken for "auto" too: answers what
+/// is wrong with it, and "" where nothing is.
+std::string SetGraphics(Config& config, const std::string& word);
 
 /// Where `player.ini` lies by default.
 std::string DefaultConfigPath();

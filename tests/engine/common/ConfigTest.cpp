@@ -93,11 +93,23 @@ TEST(PlayerConfig, TheUsersCoversLieBesideThePlayersDataUnlessTheFileSaysWhere) 
 }
 
 TEST(PlayerConfig, WhatDrawsFilmsIsOneOfThreeWords) {
-  EXPECT_EQ(Config().graphics, Graphics::kAuto);
-  EXPECT_EQ(GraphicsOf("auto"), Graphics::kAuto);
-  EXPECT_EQ(GraphicsOf("None"), Graphics::kNone);
-  EXPECT_EQ(GraphicsOf("any"), Graphics::kAny);
-  for (const char* bad : {"", "auto ", "gl", "anything"}) EXPECT_FALSE(GraphicsOf(bad)) << bad;
+  Config config;
+  EXPECT_EQ(config.graphics, Graphics::kAuto);
+  EXPECT_EQ(SetGraphics(config, "None"), "");
+  EXPECT_EQ(config.graphics, Graphics::kNone);
+  EXPECT_EQ(SetGraphics(config, "any"), "");
+  EXPECT_EQ(config.graphics, Graphics::kAny);
+  EXPECT_EQ(SetGraphics(config, "AUTO"), "");
+  EXPECT_EQ(config.graphics, Graphics::kAuto);
+}
+
+TEST(PlayerConfig, AnotherWordForWhatDrawsFilmsIsToldAndTakenForAuto) {
+  Config config;
+  for (const char* bad : {"auto ", "gl", "anything"}) {
+    config.graphics = Graphics::kNone;
+    EXPECT_THAT(SetGraphics(config, bad), HasSubstr(std::string("\"") + bad + "\""));
+    EXPECT_EQ(config.graphics, Graphics::kAuto) << bad;
+  }
 }
 
 TEST(PlayerConfig, ALineThatIsNotUnderstoodIsNamed) {
