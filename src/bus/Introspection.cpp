@@ -122,6 +122,7 @@ class NodeReader {
     if (element == "node" && depth_++ > 0) {
       node.children.push_back(attribute(attributes, "name"));
     } else if (element == "interface") {
+      inMethod_ = false;  // the methods of this one are still to come, wherever it stands
       node.interfaces.push_back({attribute(attributes, "name"), {}, {}});
     } else if (node.interfaces.empty()) {
       return;

@@ -86,6 +86,15 @@ TEST(Introspection, NamesAndDefaultsSurviveTheText) {
   EXPECT_EQ(std::vector<std::string>{"child"}, node.children);
 }
 
+TEST(Introspection, AnInterfaceWithinAMethodHasNothingOfTheMethod) {
+  const auto node = bus::ParseNode(
+      "<node><interface name='a'><method name='m'><interface name='b'><arg name='x' type='s'/></interface>"
+      "</method></interface></node>");
+  ASSERT_EQ(2U, node.interfaces.size());
+  EXPECT_TRUE(node.interfaces[0].methods[0].arguments.empty());
+  EXPECT_TRUE(node.interfaces[1].methods.empty());
+}
+
 TEST(Introspection, WhatIsNoXmlIsAFailure) {
   EXPECT_EQ(base::number::kInternal, FailureNumberOf([] { bus::ParseNode("<node>"); }));
 }
