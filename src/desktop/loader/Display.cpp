@@ -6,9 +6,13 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <future>
+#include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "files/Descriptor.hpp"
@@ -27,10 +31,21 @@ struct Disconnect {
 };
 using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
-/// Nothing when X does not answer. Closing a connection that has an error frees it.
+/// How long a screen is waited for: one on another machine, or one that hangs, would let nobody hear music.
+constexpr std::chrono::seconds kLongestConnecting(5);
+
+/// Nothing when X does not answer, or not in time. Closing a connection that has an error frees it.
 Connection ConnectX() {
-  if (Variable("DISPLAY").empty()) return nullptr;
-  Connection connection(xcb_connect(nullptr, nullptr));
+  const std::string name = Variable("DISPLAY");
+  if (name.empty()) return nullptr;
+  // The library waits without a limit, and nothing ends its wait but the other side.
+  auto promise = std::make_shared<std::promise<Connection>>();
+  auto made = promise->get_future();
+  std::thread([promise, name] {
+    promise->set_value(Connection(xcb_connect(name.c_str(), nullptr)));
+  }).detach();
+  if (made.wait_for(kLongestConnecting) != std::future_status::ready) return nullptr;
+  Connection connection = made.get();
   if (xcb_connection_has_error(connection.get()) != 0) return nullptr;
   return connection;
 }

@@ -1,8 +1,14 @@
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <string>
 
 #include "desktop/loader/WindowsModule.hpp"
+#include "files/Descriptor.hpp"
 #include "support/TempFolder.hpp"
 
 namespace {
@@ -33,6 +39,23 @@ TEST_F(NoDisplay, TheNamedScreenDoesNotAnswer) {
   ::setenv("DISPLAY", ":54321", 1);
   EXPECT_TRUE(none());
   ::setenv("DISPLAY", "nonsense", 1);
+  EXPECT_TRUE(none());
+}
+
+TEST_F(NoDisplay, TheNamedScreenTakesTheCallAndSaysNothing) {
+  constexpr int kFirstPort = 6000;
+  constexpr int kScreens = 1000;
+  const files::Descriptor hanging(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  int screen = 1;
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const auto* name = reinterpret_cast<const sockaddr*>(&address);
+  do {
+    address.sin_port = htons(static_cast<std::uint16_t>(kFirstPort + screen));
+  } while (::bind(hanging.get(), name, sizeof address) != 0 && ++screen < kScreens);
+  ASSERT_EQ(::listen(hanging.get(), 4), 0);
+  ::setenv("DISPLAY", ("127.0.0.1:" + std::to_string(screen)).c_str(), 1);
   EXPECT_TRUE(none());
 }
 
