@@ -7,7 +7,10 @@ namespace files {
 
 FileStamp StampFrom(const struct stat& info) {
   FileStamp stamp;
-  stamp.modified = static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
+  // A date beyond the year 2262 comes round again; it still tells a changed file.
+  constexpr std::uint64_t kNanoseconds = 1'000'000'000;
+  stamp.modified = static_cast<std::int64_t>(static_cast<std::uint64_t>(info.st_mtim.tv_sec) * kNanoseconds +
+                                             static_cast<std::uint64_t>(info.st_mtim.tv_nsec));
   stamp.size = info.st_size;
   stamp.inode = info.st_ino;
   return stamp;

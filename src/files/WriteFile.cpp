@@ -64,17 +64,11 @@ bool RenameToFree(const std::string& from, const std::string& to) {
 class TemporaryFile {
  public:
   TemporaryFile(const std::string& path, mode_t mode) : path_(path) {
-    struct stat info {};
     replaces_ = ::stat(path.c_str(), &old_) == 0;
-    do {
-      name_ = FolderOf(path) + '/' + TemporaryName();
-      file_ = Descriptor(
-          ::open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, replaces_ ? kForOwner : mode));
-      if (!file_.valid() && errno != EEXIST) fail(errno);
-      if (!file_.valid()) continue;
-      ::flock(file_.get(), LOCK_EX);
-      ::fstat(file_.get(), &info);
-    } while (info.st_nlink == 0);  // taken for a leftover before it was locked
+    constexpr int kMostTries = 100;
+    for (int tries = 1; !made(replaces_ ? kForOwner : mode); ++tries) {
+      if (tries == kMostTries) fail(EIO);
+    }
   }
   ~TemporaryFile() {
     if (!kept_) ::unlink(name_.c_str());
@@ -107,17 +101,32 @@ class TemporaryFile {
 
  private:
   [[noreturn]] void fail(int error) const { throw FileFailure(error, path_, "Can't write "); }
+  /// False if its name is another's, or if it was taken for a leftover before it was locked.
+  bool made(mode_t mode) {
+    name_ = FolderOf(path_) + '/' + TemporaryName();
+    file_ = Descriptor(::open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode));
+    if (!file_.valid() && errno != EEXIST) fail(errno);
+    if (!file_.valid()) return false;
+    ::flock(file_.get(), LOCK_EX);
+    struct stat info {};
+    if (::fstat(file_.get(), &info) == 0) return info.st_nlink != 0;
+    const int error = errno;
+    ::unlink(name_.c_str());
+    fail(error);
+  }
   void keepOwnerAndMode() const {
     // Only the superuser can give a file away; if it can't be, it is the writer's from now on. Its group
     // stays if the writer is one of it; if not, what it was allowed is not allowed the writer's own group.
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     mode_t mode = old_.st_mode & 0777U;
     struct stat now {};
-    if (::fchown(file_.get(), old_.st_uid, old_.st_gid) != 0 &&
-        ::fchown(file_.get(), kSameOwner, old_.st_gid) != 0 &&
-        (::fstat(file_.get(), &now) != 0 || now.st_gid != old_.st_gid))
-      mode &= ~static_cast<mode_t>(S_IRWXG);
-    if (::fchmod(file_.get(), mode) != 0) fail(errno);
+    const bool given = ::fchown(file_.get(), old_.st_uid, old_.st_gid) == 0 ||
+                       ::fchown(file_.get(), kSameOwner, old_.st_gid) == 0;
+    if (::fstat(file_.get(), &now) != 0) fail(errno);
+    if (!given && now.st_gid != old_.st_gid) mode &= ~static_cast<mode_t>(S_IRWXG);
+    // A mount that gives all of its files one mode lets only their owner set it, and there it need not be
+    // set.
+    if ((now.st_mode & 0777U) != mode && ::fchmod(file_.get(), mode) != 0) fail(errno);
   }
 
   std::string path_;

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +18,7 @@
 #include "base/Failure.hpp"
 #include "files/Descriptor.hpp"
 #include "files/ReadFile.hpp"
+#include "files/RefusedCalls.hpp"
 #include "files/Stamp.hpp"
 #include "files/SyncSpy.hpp"
 #include "support/FailureNumber.hpp"
@@ -117,6 +119,31 @@ TEST_F(Files, WhatAGroupWasAllowedIsAllowedNoOther) {
   }
 }
 
+TEST_F(Files, WhereAMountGivesAllFilesOneModeTheyAreWrittenAllTheSame) {
+  WriteFile(path("a"), "1", {.mode = kForOwner});
+  Refused().modes = true;
+  EXPECT_NO_THROW(WriteFile(path("a"), "2"));
+  Refused().modes = false;
+  EXPECT_EQ(FileContent(path("a")), "2");
+  ::chmod(path("a").c_str(), 0640);
+  Refused().modes = true;
+  EXPECT_EQ(FailureNumberOf([&] { WriteFile(path("a"), "3"); }), base::number::kPermissionDenied)
+      << "a file that would then be of another mode";
+  Refused().modes = false;
+  EXPECT_EQ(FileContent(path("a")), "2");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
+TEST_F(Files, WhereNothingIsToldOfAnOpenFileNothingIsWrittenNorLeft) {
+  WriteFile(path("a"), "1");
+  Refused().looking = true;
+  const int refused = FailureNumberOf([&] { WriteFile(path("a"), "2"); });
+  Refused().looking = false;
+  EXPECT_EQ(refused, base::number::kDeviceIo);
+  EXPECT_EQ(FileContent(path("a")), "1");
+  EXPECT_TRUE(Hidden(root.path()).empty());
+}
+
 TEST_F(Files, AFolderThatIsMadeIsOnTheDiskWithThoseItLiesIn) {
   SyncSpy spy;
   MakeFolder(path("a/b/c"));
@@ -124,6 +151,17 @@ TEST_F(Files, AFolderThatIsMadeIsOnTheDiskWithThoseItLiesIn) {
   EXPECT_THAT(spy.take(), ::testing::UnorderedElementsAre(root.path().string(), path("a"), path("a/b")));
   MakeFolder(path("a/b/c"));
   EXPECT_THAT(spy.take(), ::testing::IsEmpty());
+}
+
+TEST_F(Files, AFileOfAFarFutureHasAStampThatItsChangeChanges) {
+  constexpr std::int64_t kYear2300 = 10'413'792'000;
+  WriteText(path("a"), "1");
+  const auto dated = [&](std::int64_t seconds) {
+    const std::array<timespec, 2> times{timespec{seconds, 0}, timespec{seconds, 0}};
+    EXPECT_EQ(::utimensat(AT_FDCWD, path("a").c_str(), times.data(), 0), 0);
+    return StampOf(path("a"));
+  };
+  EXPECT_NE(dated(kYear2300), dated(kYear2300 + 1));
 }
 
 TEST_F(Files, TheStampThatIsAnsweredIsThatOfTheFile) {

@@ -26,7 +26,7 @@ bool IsSettled(std::int64_t modified) {
   const std::int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
                                std::chrono::system_clock::now().time_since_epoch())
                                .count();
-  return now - modified > kTick;
+  return modified < now - kTick;
 }
 
 }  // namespace engine
