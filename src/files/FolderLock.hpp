@@ -9,6 +9,8 @@ namespace files {
 class FolderLock {
  public:
   explicit FolderLock(const std::string& folder);
+  /// Whether somebody is in there; who enters just now is not disturbed by the question.
+  static bool held(const std::string& folder);
 
  private:
   Descriptor file_;

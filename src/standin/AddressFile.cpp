@@ -2,7 +2,6 @@
 
 #include <system_error>
 
-#include "base/Failure.hpp"
 #include "files/FolderLock.hpp"
 #include "files/ReadFile.hpp"
 #include "files/WriteFile.hpp"
@@ -11,16 +10,6 @@ namespace standin {
 namespace {
 
 std::filesystem::path FileIn(const std::filesystem::path& dataFolder) { return dataFolder / "address"; }
-
-/// A server that was killed has left its file behind, but not its lock.
-bool ServerRuns(const std::filesystem::path& dataFolder) {
-  try {
-    const files::FolderLock lock(dataFolder);
-    return false;
-  } catch (const base::Failure&) {
-    return true;
-  }
-}
 
 }  // namespace
 
@@ -37,7 +26,8 @@ void AddressFile::write(const std::string& address) const {
 
 std::optional<std::string> AddressFile::read(const std::filesystem::path& dataFolder) {
   const std::optional<std::string> content = files::TextOf(FileIn(dataFolder));
-  if (!content || !ServerRuns(dataFolder)) return std::nullopt;
+  // A server that was killed has left its file behind, but not its lock.
+  if (!content || !files::FolderLock::held(dataFolder)) return std::nullopt;
   return content->substr(0, content->find('\n'));
 }
 

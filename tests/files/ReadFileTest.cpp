@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <fstream>
+#include <thread>
 
 #include "files/FolderLock.hpp"
 #include "support/FailureNumber.hpp"
@@ -39,6 +41,25 @@ TEST(FolderLock, LetsOneProcessInUntilItLeaves) {
               base::number::kPermissionDenied);
   }
   EXPECT_EQ(support::FailureNumberOf([&] { const FolderLock second(root.path()); }), 0);
+}
+
+TEST(FolderLock, WhoAsksWhetherItIsHeldKeepsNobodyOut) {
+  const support::TempFolder root;
+  EXPECT_FALSE(FolderLock::held(root.path())) << "nobody was ever in there";
+  {
+    const FolderLock first(root.path());
+    EXPECT_TRUE(FolderLock::held(root.path()));
+  }
+  EXPECT_FALSE(FolderLock::held(root.path()));
+  std::atomic<bool> end{false};
+  std::thread asking([&] {
+    while (!end) FolderLock::held(root.path());
+  });
+  int kept = 0;
+  for (int i = 0; i < 1000; ++i) kept += support::FailureNumberOf([&] { const FolderLock one(root.path()); });
+  end = true;
+  asking.join();
+  EXPECT_EQ(kept, 0);
 }
 
 }  // namespace
