@@ -171,6 +171,8 @@ std::string TextOf(std::string_view bytes) {
 }
 
 M3uText::M3uText(std::string text) : text_(std::move(text)) {
+  // Some programs of old ended lines by that alone.
+  if (text_.find('\n') == std::string::npos) std::replace(text_.begin(), text_.end(), '\r', '\n');
   std::string_view rest = text_;
   if (rest.starts_with(kMark)) {
     mark_ = kMark;

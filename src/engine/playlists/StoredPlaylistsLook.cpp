@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <string_view>
 #include <utility>
 
 #include "base/Attempt.hpp"
@@ -20,6 +21,13 @@ namespace fs = std::filesystem;
 bool IsPlaylistFile(const fs::path& path) {
   const std::string ending = base::LowerCase(path.extension().string());
   return path.filename().native().front() != '.' && (ending == ".m3u8" || ending == ".m3u");
+}
+
+/// Throws for a text of which no line could be read, and which a change would spoil.
+void CheckEncoding(std::string_view text) {
+  const bool marked = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+  if (marked && text.find('\0') != std::string_view::npos)
+    throw base::Failure(base::number::kInvalidArgument, "it is UTF-16; it has to be saved as UTF-8");
 }
 
 std::string NameOf(const M3uText& text, const std::string& path) {
@@ -117,6 +125,7 @@ void StoredPlaylists::look(const std::string& path, Changes& changes) {
   std::size_t items = 0;
   const bool good = step([&] {
     files::FileText file = files::ReadFile(behind(path), kLargest);
+    CheckEncoding(file.text);
     items = M3uText::kMostItems + 1;
     const M3uText text(std::move(file.text));
     items = text.count();

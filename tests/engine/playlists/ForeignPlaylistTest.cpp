@@ -221,7 +221,6 @@ TEST_F(ForeignPlaylists, NonsenseHarmsNothing) {
       {"nul.m3u8", std::string("#EXTINF:1,a\0b\n/a\0b.mp3\n/c.mp3\n", 30)},
       {"long.m3u8", std::string(5 << 20, 'x') + "\nhttp://x/1\n"},
       {"empty.m3u8", ""},
-      {"utf16.m3u8", std::string("\xFF\xFE/\0a\0\n\0", 8)},
       {"file.m3u8", "file://\nFILE://\nfile:///\n#EXTINF:99999999999999999999,x\n/a\n"},
       {"tags.m3u8", "#EXTM3U#EXTM3U\n#EXTINF\n#EXTINF:\n#EXTINF:,\n#PLAYLIST:\n#VANTORIX-NAME:%00%FF\n#\n"},
   };
@@ -232,8 +231,7 @@ TEST_F(ForeignPlaylists, NonsenseHarmsNothing) {
   ASSERT_EQ(::mkfifo(playlists.path("pipe.m3u8").c_str(), 0600), 0);
   auto good = playlists.make("good", {"http://x/1"});
 
-  EXPECT_THAT(playlists.names(),
-              ElementsAre("binary", "empty", "file", "good", "long", "nul", "tags", "utf16"));
+  EXPECT_THAT(playlists.names(), ElementsAre("binary", "empty", "file", "good", "long", "nul", "tags"));
   EXPECT_THAT(Addresses(*playlists.named("nul")), ElementsAre("/c.mp3"));
   EXPECT_THAT(Addresses(*playlists.named("long")), ElementsAre("http://x/1"));
   EXPECT_THAT(Addresses(*playlists.named("file")), ElementsAre("/", "/a"));
@@ -254,6 +252,18 @@ TEST_F(ForeignPlaylists, NonsenseHarmsNothing) {
     EXPECT_THAT(now.size(), ::testing::Gt(content.size()));
   }
   EXPECT_THAT(Addresses(*good), ElementsAre("http://x/1"));
+}
+
+TEST_F(ForeignPlaylists, AFileOfAnotherEncodingIsToldOnceAndNotTouched) {
+  const std::string text("\xFF\xFE#\0E\0X\0T\0\n\0a\0.\0m\0p\0003\0\n\0", 24);
+  WriteText(playlists.path("Wide.m3u"), text);
+  EXPECT_THAT(playlists.names(), IsEmpty());
+  EXPECT_THAT(playlists.names(), IsEmpty()) << "looked at twice";
+  EXPECT_THAT(playlists.messages,
+              ElementsAre(::testing::HasSubstr("it is UTF-16; it has to be saved as UTF-8")));
+  EXPECT_EQ(playlists.content("Wide.m3u"), text);
+  WriteText(playlists.path("Wide.m3u"), "\xFF\xFE.mp3\n");
+  EXPECT_THAT(playlists.names(), ElementsAre("Wide")) << "two letters of an older encoding";
 }
 
 TEST_F(ForeignPlaylists, AFileThatIsTooLargeIsToldOnceAndNotTouched) {

@@ -191,6 +191,15 @@ TEST(PlaylistText, WhatIsReadAndNotChangedIsWrittenAsItWas) {
   }
 }
 
+TEST(PlaylistText, LinesMayEndAsProgramsOfOldEndedThem) {
+  const M3uText text("#EXTM3U\r#EXTINF:1,A\ra.mp3\rb.mp3\r");
+  ASSERT_EQ(text.count(), 2U);
+  EXPECT_EQ(text.item(0, "/m").location, "/m/a.mp3");
+  EXPECT_EQ(text.item(0, "/m").title, "A");
+  EXPECT_EQ(text.item(1, "/m").location, "/m/b.mp3");
+  EXPECT_EQ(M3uText("#EXTINF:1,A\rB\na.mp3\n").count(), 1U) << "where lines end otherwise it ends none";
+}
+
 TEST(PlaylistText, AnOlderEncodingIsReadAndKept) {
   M3uText text("#EXTM3U\n#PLAYLIST:\xC9t\xE9\n#EXTINF:5,Andr\xE9 - Caf\xE9\ncaf\xE9.mp3\n");
   EXPECT_EQ(text.name(), "Été");
