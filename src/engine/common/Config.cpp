@@ -158,6 +158,8 @@ Config LoadConfig(const std::string& path) {
   int number = 0;
   for (std::string line; std::getline(file, line);) {
     ++number;
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (!reader.line(line)) {
       std::string text = path + ", line ";

@@ -36,6 +36,14 @@ TEST(PlayerConfig, WhatWasPlayedIsTakenUpUnlessTheFileSaysNo) {
   EXPECT_THROW(LoadConfig(folder / "player.ini"), base::Failure);
 }
 
+TEST(PlayerConfig, AByteOrderMarkBeforeTheFirstLineIsNoPartOfIt) {
+  const TempFolder folder;
+  std::ofstream(folder / "player.ini") << "\xEF\xBB\xBF[playback]\r\nresume=no\r\n";
+  EXPECT_FALSE(LoadConfig(folder / "player.ini").resume);
+  std::ofstream(folder / "player.ini") << "[playback]\n\xEF\xBB\xBFresume=no\n";
+  EXPECT_THROW(LoadConfig(folder / "player.ini"), base::Failure);
+}
+
 TEST(PlayerConfig, LoudnessAndFadesAreAsTheyComeUnlessTheFileSaysOtherwise) {
   const TempFolder folder;
   const Config plain = LoadConfig(folder / "none.ini");
