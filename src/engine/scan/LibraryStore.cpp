@@ -1,5 +1,6 @@
 #include "engine/scan/LibraryStore.hpp"
 
+#include <exception>
 #include <filesystem>
 
 #include "files/WriteFile.hpp"
@@ -55,10 +56,13 @@ constexpr const char* kColumns =
     " loudness INTEGER NOT NULL DEFAULT 0)"
     " WITHOUT ROWID";
 
-/// Moves a damaged index away. Answers where it lies now.
-std::string MoveAside(const std::string& path) {
-  std::string aside = path + ".damaged";
-  for (int number = 2; fs::exists(aside); ++number) aside = path + ".damaged" + std::to_string(number);
+/// What the index holds is known to a later version only.
+struct WrittenByNewer : std::exception {};
+
+/// Moves an index that is of no use away, under a name with that ending. Answers where it lies now.
+std::string MoveAside(const std::string& path, const std::string& ending) {
+  std::string aside = path + ending;
+  for (int number = 2; fs::exists(aside); ++number) aside = path + ending + std::to_string(number);
   fs::rename(path, aside);
   std::error_code ignored;
   fs::remove(path + "-wal", ignored);
@@ -72,13 +76,18 @@ LibraryStore::LibraryStore(const std::string& folder, const LogLine& log) {
   const std::string path = folder + "/library.db";
   try {
     files::MakeFolder(folder, files::kFolderForOwner);
+    const auto anew = [&](const std::string& why, const std::string& ending) {
+      close();
+      const std::string aside = MoveAside(path, ending);
+      open(path);
+      log("The library's index " + why + "; it was moved to " + aside + " and is built anew");
+    };
     try {
       openOrAgain(path);
     } catch (const database::Damaged&) {
-      close();
-      const std::string aside = MoveAside(path);
-      open(path);
-      log("The library's index was damaged; it was moved to " + aside + " and is built anew");
+      anew("was damaged", ".damaged");
+    } catch (const WrittenByNewer&) {
+      anew("was written by a newer player", ".newer");
     }
   } catch (const std::exception& failure) {
     close();
@@ -116,6 +125,8 @@ void LibraryStore::open(const std::string& path) {
       database_->run(kWithLoudness);
     } else if (known == kWithoutLoudness) {
       database_->run(kWithLoudness);
+    } else if (known > kVersion) {
+      throw WrittenByNewer();
     } else if (known != 0 && known != kVersion) {
       database_->run("DROP TABLE IF EXISTS tracks");
     }

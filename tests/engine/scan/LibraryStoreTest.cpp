@@ -53,5 +53,25 @@ TEST_F(LibraryIndex, FromBeforeLoudnessWasKnownHasItsFilesReadAnew) {
   EXPECT_TRUE(told.empty());
 }
 
+TEST_F(LibraryIndex, ThatALaterVersionHasWrittenIsKeptBeside) {
+  keep(Loud("/1.flac"));
+  {
+    database::Database index(folder / "library.db", "The index");
+    index.run("PRAGMA user_version=99");
+  }
+  EXPECT_THAT(known(), ::testing::IsEmpty());
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_EQ(told[0], "The library's index was written by a newer player; it was moved to " +
+                         (folder / "library.db.newer") + " and is built anew");
+  {
+    database::Database kept(folder / "library.db.newer", "The index");
+    database::Statement rows(kept, "SELECT title FROM tracks");
+    ASSERT_TRUE(rows.step());
+    EXPECT_EQ(rows.text(0), "Song");
+  }
+  keep(Loud("/2.flac"));
+  EXPECT_EQ(known().size(), 1U) << "the new one serves";
+}
+
 }  // namespace
 }  // namespace engine::testing

@@ -1,19 +1,39 @@
 // What the library makes of its folders, and of its index.
 
+#include <gmock/gmock.h>
+#include <sys/inotify.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <gmock/gmock.h>
+#include <cerrno>
 
 #include "base/Failure.hpp"
 #include "engine/common/MusicLibrary.hpp"
+
+namespace {
+
+/// True while the system has no watch of folders left for this program.
+bool noneIsLeft = false;
+
+}  // namespace
+
+/// Linked in the place of the C library's.
+extern "C" int inotify_init1(int flags) noexcept {
+  if (noneIsLeft) {
+    errno = EMFILE;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_inotify_init1, flags));
+}
 
 namespace engine::testing {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -33,6 +53,17 @@ TEST_F(LibraryOfMusic, NewChangedAndDeletedFilesAreNoticed) {
   ASSERT_TRUE(libraryHolds(0));
   fs::rename(folder / "elsewhere", music("back"));
   EXPECT_TRUE(libraryHolds(2));
+}
+
+TEST_F(LibraryOfMusic, WhereNoWatchIsLeftItSaysOnceThatChangesAreNotSeen) {
+  addTrack("a/1.flac", "One", "Ann", "Blue", "Jazz");
+  addTrack("b/2.flac", "Two", "Ann", "Blue", "Jazz");
+  noneIsLeft = true;
+  startWith(2);
+  ASSERT_TRUE(until([&] { return !log.empty(); }));
+  player.reset();
+  noneIsLeft = false;
+  EXPECT_THAT(log, ElementsAre(HasSubstr("can't be watched")));
 }
 
 TEST_F(LibraryOfMusic, FilesThatAreNoMusicAreToldOnceAndPassedOver) {
