@@ -92,6 +92,12 @@ Users::Users(database::Database& database, Clock clock, Clock sinceBoot)
   add.with(kFirstUser, false).run();
   add.with(kGuest, true).run();
   database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(now()).run();
+  // One that has begun while the clock went wrong, years ahead, ends in its time all the same.
+  database::Statement(database_,
+                      "UPDATE session SET expires = min(expires, ?1 + CASE WHEN user IN "
+                      "(SELECT name FROM user WHERE guest) THEN ?2 ELSE ?3 END)")
+      .with(now(), kGuestSeconds, kSessionSeconds)
+      .run();
 }
 
 std::int64_t Users::now() {

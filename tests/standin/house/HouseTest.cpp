@@ -233,6 +233,28 @@ TEST(Users, AClockThatIsSetBackKeepsNoSessionAlive) {
   EXPECT_TRUE(users.ofSession(later).has_value());
 }
 
+TEST(Users, ASessionThatBeganUnderAClockYearsAheadEndsInItsTime) {
+  constexpr std::int64_t kDay = 24LL * 3600;
+  const support::TempFolder folder;
+  std::int64_t now = 2'000'000'000;
+  House house(folder.path());
+  std::string owner;
+  std::string guest;
+  {
+    Users users(house.database, [&] { return now; });
+    owner = users.begin(kFirstUser);
+    guest = users.begin(kGuest);
+  }
+  now = 1'700'000'000;
+  Users users(house.database, [&] { return now; });
+  EXPECT_TRUE(users.ofSession(owner).has_value());
+  now += 2 * kDay;
+  EXPECT_FALSE(users.ofSession(guest).has_value());
+  EXPECT_TRUE(users.ofSession(owner).has_value());
+  now += 29 * kDay;
+  EXPECT_FALSE(users.ofSession(owner).has_value());
+}
+
 TEST(Users, TheOldestSessionsMakeRoom) {
   const support::TempFolder folder;
   std::int64_t now = 1000;
