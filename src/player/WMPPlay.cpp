@@ -72,9 +72,9 @@ std::int32_t PlayRequests::playLibraryTitle(Request& request) {
   MediaRef item;
   const std::int32_t status = library_.GetMediaItem(request.title, found, item);
   target_.PlayTargetPlayList = found;
-  target_.PlayTargetMedia = item;
   if (status != 0 || !item)
     return refuse("Cannot 'Play': " + Quoted(request.title) + " does not exist in the Media Library");
+  target_.PlayTargetMedia = item;
   target_.CurrentSourceURL = item->sourceURL();
   form_.wmp9().currentMedia(item);
   return start();
@@ -88,9 +88,9 @@ std::int32_t PlayRequests::playFromGroup(Request& request, PlaylistRef group) {
   if (WantsSingleTitle(request.title)) {
     MediaRef item;
     const std::int32_t status = library_.GetMediaItem(request.title, group, item);
-    target_.PlayTargetMedia = item;
     if (status != 0)
       return refuse("Cannot 'Play': " + Quoted(request.title) + " in " + named + " does not exist");
+    target_.PlayTargetMedia = item;
     // The one member replaces what the player has; the rest of the group is not queued.
     form_.wmp9().currentMedia(item);
   } else {

@@ -86,6 +86,14 @@ TEST_F(PlayByName, AMissingTitleIsToldWithItsGroup) {
   expectRefusal("Media Library", "", "Carey", "Cannot 'Play': 'Carey' does not exist in the Media Library");
 }
 
+TEST_F(PlayByName, ATitleBehindAMemberThatCantBeReadIsRefusedAndLeavesNoItem) {
+  library.addPlaylist("Gaps", {nullptr, first});
+  expectRefusal("PlayList", "Gaps", "Track One",
+                "Cannot 'Play': 'Track One' in PlayList 'Gaps' does not exist");
+  EXPECT_FALSE(target.PlayTargetMedia);
+  EXPECT_EQ(target.PlayTargetURL, "");
+}
+
 TEST_F(PlayByName, TheMessageHasTheTitleAsTheLibraryKnowsIt) {
   play("Album", "Greatest Hits", "");
   library.tracks.pop_back();
