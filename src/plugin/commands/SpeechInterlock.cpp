@@ -19,31 +19,33 @@ void SpeechInterlock::VXEvent(const base::Array& parms) {
   step([&] { mask = base::ToInt32(parms.at(0)); });
   if ((mask & kAudioEvent) != kAudioEvent) return;
   step([&] { started = base::ToBoolean(parms.at(1)); });
-  // Counted before any call out, as events run in those.
-  if (started)
-    countStart();
-  else
-    countStop();
-  if (started && AudioCount_ == 1 && calls_.IsPlaying())
-    interrupt();
-  else if (!started && SpeechInterrupted_ && AudioCount_ == 0)
-    restore();
+  if (started) {
+    // One that has ended while its start was told interrupts nothing any more.
+    if (countStart() && AudioCount_ > 0 && calls_.IsPlaying()) interrupt();
+    return;
+  }
+  countStop();
+  if (SpeechInterrupted_ && AudioCount_ == 0) restore();
 }
 
-void SpeechInterlock::countStart() {
+// Both count before any call out, as events run in those.
+
+bool SpeechInterlock::countStart() {
   Attempt step;
+  const std::int32_t before = AudioCount_;
+  if (before < std::numeric_limits<std::int16_t>::max()) ++AudioCount_;
   if (AudioDebug_)
-    step([&] { host_.WriteLog("Debug", "Media Player Audio Started: " + std::to_string(AudioCount_)); });
-  if (AudioCount_ < std::numeric_limits<std::int16_t>::max()) ++AudioCount_;
+    step([&] { host_.WriteLog("Debug", "Media Player Audio Started: " + std::to_string(before)); });
+  return before == 0;
 }
 
 void SpeechInterlock::countStop() {
   Attempt step;
+  const std::int32_t before = AudioCount_;
+  if (before >= 1) --AudioCount_;
   if (AudioDebug_)
-    step([&] { host_.WriteLog("Debug", "Media Player Audio Stopped:  " + std::to_string(AudioCount_ - 1)); });
-  if (AudioCount_ >= 1) {
-    --AudioCount_;
-  } else if (state_.DebugMessages) {
+    step([&] { host_.WriteLog("Debug", "Media Player Audio Stopped:  " + std::to_string(before - 1)); });
+  if (before < 1 && state_.DebugMessages) {
     step([&] {
       host_.WriteLog("Warning", "Media Player detected a problem with the Vantorix VXEvent function");
     });

@@ -23,7 +23,8 @@ class SpeechInterlock {
   void VXEvent(const base::Array& parms);
 
  private:
-  void countStart();
+  /// True for the first one of those that overlap.
+  bool countStart();
   void countStop();
   void interrupt();
   void mute();

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "support/House.hpp"
 
 using support::House;
@@ -113,4 +115,30 @@ TEST_F(SpeechInterlock, ASurplusStopWarnsAndIsFollowedFromThenOn) {
   EXPECT_THAT(journal.with("WriteLog(\"Debug\", \"Media Player Audio"),
               ElementsAre("WriteLog(\"Debug\", \"Media Player Audio Started: 0\")",
                           "WriteLog(\"Debug\", \"Media Player Audio Stopped:  0\")"));
+}
+
+TEST_F(SpeechInterlock, ASpeechThatEndsWhileItsStartIsLoggedLeavesNothingCounted) {
+  plugin.state.DebugMessages = true;
+  speech(false);  // each event is logged from now on
+  host->answers["WriteLog"] = [this, once = true](base::Args&) mutable {
+    if (std::exchange(once, false)) speech(false);
+    return base::Value();
+  };
+  speech(true);
+  told();
+  speech(true);
+  EXPECT_THAT(told(), ElementsAre("player: pause"));
+}
+
+TEST_F(SpeechInterlock, SpeechOverSilenceLeavesNothingToUndo) {
+  wmp9->state = player::kStopped;
+  speech(true);
+  wmp9->state = player::kPaused;  // started and paused by the user meanwhile
+  speech(false);
+  EXPECT_THAT(told(), IsEmpty());
+  plugin.state.WhileSpeaking = "Mute";
+  wmp9->state = player::kStopped;
+  speech(true);
+  speech(false);
+  EXPECT_THAT(told(), IsEmpty());
 }
