@@ -17,6 +17,17 @@ void StateQueue::PushStack(std::int32_t newState) {
   if (PlayStateChangeTimer_->interval() == kIdle) PlayStateChangeTimer_->enabled(true);
 }
 
+void StateQueue::handleNow(std::int32_t state) {
+  if (PlayStateChangeTimer_->interval() == kBusy) return PushStack(state);
+  PlayStateChangeTimer_->interval(kBusy);
+  base::Handled([&] { worker_(state); },
+                [&](const base::Failure& failure) {
+                  loggers_.LogFormError(failure.number(), failure.description(), "MyPlayStateChange");
+                });
+  PlayStateChangeTimer_->interval(kIdle);
+  if (!StateStack_.empty()) PlayStateChangeTimer_->enabled(true);
+}
+
 std::optional<std::int32_t> StateQueue::PopStack() {
   if (StateStack_.empty()) return std::nullopt;
   const std::int32_t oldest = StateStack_.front();

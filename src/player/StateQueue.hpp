@@ -24,6 +24,8 @@ class StateQueue {
 
   /// Appends a state and arms the timer unless a drain is running. Never throws.
   void PushStack(std::int32_t newState);
+  /// Handles one state at once, as a drain does: what arrives meanwhile waits behind it. Never throws.
+  void handleNow(std::int32_t state);
   /// Takes the oldest state, if there is one.
   std::optional<std::int32_t> PopStack();
   /// The player's own event.

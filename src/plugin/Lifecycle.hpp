@@ -6,9 +6,10 @@
 #include "automation/Devices.hpp"
 #include "base/Loop.hpp"
 #include "base/Platform.hpp"
-#include "player/PlayStateTracker.hpp"
 #include "player/PlayerEvents.hpp"
 #include "player/StaleMarks.hpp"
+#include "player/StateQueue.hpp"
+#include "player/TriggerSink.hpp"
 #include "plugin/host/HostServices.hpp"
 #include "plugin/host/Loggers.hpp"
 #include "plugin/host/Neighbours.hpp"
@@ -36,7 +37,7 @@ struct LifecycleParts {
   player::WMPPlayer& form;
   player::WMPCalls& calls;
   player::PopupView& popup;
-  player::PlayStateTracker& playState;
+  player::StateQueue& queue;
   player::PlayerEvents& playerEvents;
   player::StaleMarks& stale;
   player::TriggerSink& triggers;

@@ -78,7 +78,7 @@ std::string Lifecycle::InitHW() {
         in_.stale.markCategories();
         composeTags();
         if (std::string reason = in_.devices.CreateDevices(); !reason.empty()) return reason;
-        in_.playState.MyPlayStateChange(player::kStopped);
+        in_.queue.handleNow(player::kStopped);
         in_.calls.SetMute(false);
         showModes();
         placeWindow();

@@ -47,7 +47,7 @@ Plugin::Plugin(const PluginGround& ground)
       editorForm({catalogue, nameXref, form, stale, host, loggers, *setupForm}),
       ownPages(*setupForm, editorForm),
       web(ground.web != nullptr ? *ground.web : ownPages),
-      lifecycle({host, settings, loggers, state, ground.platform, ground.loop, form, calls, popup, playState,
+      lifecycle({host, settings, loggers, state, ground.platform, ground.loop, form, calls, popup, queue,
                  playerEvents, stale, triggers, devices, library, web, mediaEvents, ground.neighbours}),
       dispatch(
           calls, host, state, library, mediaEvents,

@@ -1,4 +1,5 @@
 #include <map>
+#include <utility>
 
 #include "support/House.hpp"
 
@@ -43,6 +44,19 @@ TEST_F(InitHW, FiresTheTriggerOfItsEndAndRaisesThePriority) {
   EXPECT_EQ(lines.back(), "priority 32768");
 }
 
+TEST_F(InitHW, AStateThatArrivesMeanwhileIsHandledBehindTheStoppedOne) {
+  host->answers["SetDeviceValueByName"] = [this, once = true](base::Args&) mutable {
+    if (std::exchange(once, false)) {
+      wmp9->events().PlayStateChange(player::kTransitioning);
+      loop.advance(base::Milliseconds(5));
+    }
+    return base::Value();
+  };
+  run();
+  loop.advance(base::Milliseconds(5));
+  EXPECT_EQ(plugin.playState.LastPlayState(), player::kTransitioning);
+}
+
 TEST_F(InitHW, AnOldSystemGetsTheHighPriorityClass) {
   platform.osMajor = 4;
   run();
@@ -56,6 +70,7 @@ TEST_F(InitHW, LeavesThePriorityAloneWhenTheSettingSaysSo) {
 }
 
 TEST_F(InitHW, AnEmptySettingsFileGivesTheDefaults) {
+  preparePlayer = [](support::FakePlayer& player) { player.level = 80; };
   run();
   const plugin::PluginState& state = plugin.state;
   EXPECT_TRUE(state.DisplayControlsShown);
