@@ -73,8 +73,13 @@ TEST_F(ActionDialog, WithoutRefreshAFreshActionShowsTwoPromptsAndNoLists) {
 
 TEST_F(ActionDialog, BeforeStartUpIsOverItShowsNoListsWhateverTheSettingSays) {
   plugin.state.Initialized = false;
-  EXPECT_EQ(dialog(Action("Play: Album", "", "Blue")), kReduced);
-  EXPECT_EQ(state, "Not Initialized");
+  for (const bool refresh : {true, false}) {
+    plugin.state.RefreshActions = refresh;
+    for (const std::string& action : {std::string(), Action("Play: Album", "", "Blue")}) {
+      EXPECT_EQ(dialog(action), kReduced) << refresh;
+      EXPECT_EQ(state, "Not Initialized");
+    }
+  }
 }
 
 TEST_F(ActionDialog, AChosenPromptOrActionPaysForTheLists) {

@@ -48,6 +48,9 @@ TEST_F(ActionDropLists, AnEmptyCategoryHasOneLineThatSaysSoAndPassesTheJudgement
   EXPECT_EQ(lists.GetActionDropList("Album"), "\tNo Albums found");
   plugin.openActionDialog.ActionDialogState = "Not Initialized";
   EXPECT_EQ(text("ValidateActionUI", Action("Play: Album", "", "No Albums found")), "");
+  callVxif("TriggerAction", Action("Play: Album", "", "No Albums found"));
+  EXPECT_EQ(plugin.playRequests.WMPPlay("Album", "No Albums found", ""), -1);
+  EXPECT_TRUE(logged("Error", "Media Player: Cannot 'Play': Album 'No Albums found' does not exist"));
 }
 
 TEST_F(ActionDropLists, ACategoryThatThePlayerRefusesIsLoggedAndEmpty) {

@@ -38,9 +38,18 @@ TEST_F(Conditions, HaveALineEach) {
 }
 
 TEST_F(Conditions, BeforeStartUpIsOverNoneHolds) {
+  wmp9->muted = true;
+  wmp9->modes["Loop"] = true;
   plugin.state.Initialized = false;
-  EXPECT_FALSE(status("Playing", "Yes"));
-  EXPECT_FALSE(status("Playing", "No"));
+  for (const std::int32_t state : {player::kPlaying, player::kPaused, player::kStopped}) {
+    wmp9->state = state;
+    for (const char* answer : {"Yes", "No"}) {
+      for (const char* word : {"Playing", "Paused", "Muted"})
+        EXPECT_FALSE(status(word, answer)) << word << answer << state;
+      for (const char* mode : {"Loop", "Shuffle"})
+        EXPECT_FALSE(holds("Media Mode", mode, answer)) << mode << answer;
+    }
+  }
 }
 
 TEST_F(Conditions, PlayingHoldsAlsoWhileThePlayerScans) {

@@ -102,6 +102,8 @@ TEST_F(CreateDevices, ARequestToRecreateDeletesFirstAlsoWhenThereIsNothing) {
   EXPECT_LT(journal.find("DeleteIODevices(\"Media Player\")"), journal.find("GetNextFreeIOCode()"));
   EXPECT_THAT(journal.with("DeviceCount"), IsEmpty());
   EXPECT_EQ(host->settings["housecodeset"], "81");
+  EXPECT_EQ(plugin.state.HouseCode, "Q");
+  EXPECT_EQ(journal.with("NewDevice").size(), 10U);
 }
 
 TEST_F(CreateDevices, WithoutARequestNothingIsDeleted) {

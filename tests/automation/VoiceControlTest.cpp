@@ -33,10 +33,13 @@ TEST_F(VoiceControl, TheControlEventHasItsCommandAndIsTiedToTheStatus) {
 TEST_F(VoiceControl, AUsersOwnCommandSurvivesEveryStart) {
   host->addDevice("Status", "Q", 1)->fields["ref"] = std::int32_t{7};
   addEvent("Controls VR").fields->fields["vcmd"] = "Music (on|off)";
-  plugin.voiceEvents.UpdateControlEvent();
-  EXPECT_EQ(vcmd("Controls VR"), "Music (on|off)");
-  EXPECT_EQ(field("Controls VR", "misc"), "2");
-  EXPECT_EQ(field("Controls VR", "ev_abs_time"), "7");
+  for (int starts = 0; starts < 3; ++starts) {
+    plugin.voiceEvents.UpdateControlEvent();
+    EXPECT_EQ(vcmd("Controls VR"), "Music (on|off)");
+    EXPECT_EQ(field("Controls VR", "misc"), "2");
+    EXPECT_EQ(field("Controls VR", "misc2"), "4");
+    EXPECT_EQ(field("Controls VR", "ev_abs_time"), "7");
+  }
 }
 
 TEST_F(VoiceControl, AClearedCommandGetsTheDefaultBackAndItsFlags) {
@@ -62,6 +65,19 @@ TEST_F(VoiceControl, ADeletedStatusIsMadeAgainAndNothingElse) {
   EXPECT_EQ(status->fields["dc"], base::Value(std::int16_t{1}));
   EXPECT_EQ(status->fields["misc"], base::Value(std::int16_t{16}));
   EXPECT_THAT(events["Controls VR"].devices->shown(), ElementsAre("101:13"));
+}
+
+TEST_F(VoiceControl, TheStatusIsMadeAgainOnTheHouseCodeOfADeviceThatSurvived) {
+  const auto mute = host->addDevice("Mute", "M", 9);
+  const auto before = mute->fields;
+  EXPECT_EQ(plugin.devices.CreateDevices(), "");
+  EXPECT_THAT(journal.with("NewDevice("), IsEmpty());
+  plugin.voiceEvents.UpdateControlEvent();
+  EXPECT_THAT(journal.with("NewDevice("), ElementsAre("NewDevice(\"Status\")"));
+  const auto status = host->byName("Media Player Status");
+  ASSERT_TRUE(status);
+  EXPECT_EQ(status->fields["hc"], base::Value("M"));
+  EXPECT_TRUE(mute->fields == before);
 }
 
 TEST_F(VoiceControl, AButtonThatCantBeAddedKeepsTheEventFromNothing) {

@@ -350,6 +350,9 @@ TEST_F(Cover, AnswerWithoutTheLargeMarkerIsReadFromItsEighteenthCharacterOn) {
   asked.clear();
   search();
   EXPECT_EQ(asked.at(1), "HTTP://covers.example.invalid/x1/cover/ABCD");
+  EXPECT_EQ(asked.size(), 2U);
+  EXPECT_EQ(told().at(told().size() - 2), "Could not find image");
+  EXPECT_THAT(files.files, IsEmpty());
 }
 
 TEST_F(Cover, WithoutANetworkOrServicesEndsThere) {

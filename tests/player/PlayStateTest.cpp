@@ -48,9 +48,12 @@ TEST_F(PlayStates, EachPublishesStatusAndValue) {
 }
 
 TEST_F(PlayStates, AnEmptyStatusReadsStoppedWhateverTheState) {
-  states({2});
-  EXPECT_TRUE(published("Status", "Stopped"));
-  EXPECT_EQ(plugin.playState.PlayerStatusText(), "");
+  for (const std::int32_t state : {9, 3, 2, 6, 8, 1, 10, 42}) {
+    journal.clear();
+    states({state});
+    EXPECT_TRUE(published("Status", "Stopped")) << state;
+    EXPECT_EQ(plugin.playState.PlayerStatusText(), "") << state;
+  }
 }
 
 TEST_F(PlayStates, AStartPublishesTheTitlesAndFiresItsTrigger) {

@@ -41,6 +41,17 @@ TEST_F(ShutdownIO, AWindowAtTheScreensEdgeKeepsTheEarlierPlace) {
   EXPECT_TRUE(journal.with("SaveINISetting(\"Settings\", \"DisplayControlsLeft\"").empty());
 }
 
+TEST_F(ShutdownIO, ASavedTopOfNothingIsRestoredAndEitherEdgeKeepsTheEarlierPlace) {
+  host->settings["displaycontrolstop"] = "0";
+  popup.topTwips = 500;
+  start();
+  EXPECT_EQ(popup.topTwips, 0);
+  popup.topTwips = 75;
+  popup.leftTwips = 0;
+  callVxif("ShutdownIO");
+  EXPECT_TRUE(journal.with("SaveINISetting(\"Settings\", \"DisplayControls").empty());
+}
+
 TEST_F(ShutdownIO, ThePlaceIsSavedAsSinglesAndTheVolumeAsA32BitNumber) {
   start();
   popup.topTwips = 1.5F;

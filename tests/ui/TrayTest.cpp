@@ -44,6 +44,12 @@ constexpr const char* kArmed = "popup: Visibility enabled";
 
 }  // namespace
 
+TEST_F(Tray, ToldNotToShowItIsNotLoaded) {
+  form.ShowTrayIcon(false);
+  EXPECT_FALSE(form.loaded());
+  EXPECT_THAT(journal.with("tray: add"), IsEmpty());
+}
+
 TEST_F(Tray, TheFirstCallAddsTheIconTwiceAndTheSecondAddIsIgnored) {
   form.ShowTrayIcon(true);
   EXPECT_THAT(calls(), ElementsAre(kAdd, kAdd));

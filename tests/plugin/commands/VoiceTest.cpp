@@ -33,15 +33,17 @@ TEST_P(Voice, TheFirstPhraseOfTheTableDecides) {
 }
 INSTANTIATE_TEST_SUITE_P(
     Phrases, Voice,
-    ::testing::Values(Spoken{"player stop", "stop"}, Spoken{"Unstoppable", "stop"},
-                      Spoken{"resume the pause", "play"}, Spoken{"stop and resume and pause", "stop"},
-                      Spoken{"please pause", "pause"}, Spoken{"next song", "next"},
-                      Spoken{"PREVIOUS", "previous"}, Spoken{"restart", "currentPosition 0"},
-                      Spoken{"eject", "eject 0"}, Spoken{"no loop", "setMode Loop off"},
-                      Spoken{"loop", "setMode Loop on"}, Spoken{"unmute", "mute off"},
-                      Spoken{"no mute", "mute off"}, Spoken{"mute the music", "mute on"},
-                      Spoken{"no shuffle", "setMode Shuffle off"}, Spoken{"shuffle", "setMode Shuffle on"},
-                      Spoken{"volume up", "volume 60"}, Spoken{"volume down", "volume 40"}));
+    ::testing::Values(
+        Spoken{"player stop", "stop"}, Spoken{"Unstoppable", "stop"}, Spoken{"resume the pause", "play"},
+        Spoken{"resume pause next previous restart eject no loop unmute no shuffle volume up "
+               "volume down no display controls add to playlist stop",
+               "stop"},
+        Spoken{"stop and resume and pause", "stop"}, Spoken{"please pause", "pause"},
+        Spoken{"next song", "next"}, Spoken{"PREVIOUS", "previous"}, Spoken{"restart", "currentPosition 0"},
+        Spoken{"eject", "eject 0"}, Spoken{"no loop", "setMode Loop off"}, Spoken{"loop", "setMode Loop on"},
+        Spoken{"unmute", "mute off"}, Spoken{"no mute", "mute off"}, Spoken{"mute the music", "mute on"},
+        Spoken{"no shuffle", "setMode Shuffle off"}, Spoken{"shuffle", "setMode Shuffle on"},
+        Spoken{"volume up", "volume 60"}, Spoken{"volume down", "volume 40"}));
 
 TEST_F(Voice, DisplayControlsAreSwitchedByTheirPhrases) {
   say("no display controls");

@@ -118,14 +118,14 @@ TEST_F(Clicks, MembersOfTheWholeLibraryAreNotLookedFor) {
 }
 
 TEST_F(Clicks, AMarkedTitleIsLookedForByItsNewText) {
-  track("Sky")->url = "/nowhere/sky.mp3";
+  track("Sky")->url = "file:///nowhere/sky.mp3";
   click("AlbumBlue");
   click("AlbumBlueSky");
   choose("Winter");
   window.messages.clear();
   drag(Control::kTreeView1, nullptr);
-  EXPECT_TRUE(journal.has("library: getByName File not found: /nowhere/sky.mp3"));
-  EXPECT_THAT(window.messages, ElementsAre("Error, could not find media: /nowhere/sky.mp3"));
+  EXPECT_TRUE(journal.has("library: getByName File not found: file:///nowhere/sky.mp3"));
+  EXPECT_THAT(window.messages, ElementsAre("Error, could not find media: file:///nowhere/sky.mp3"));
 }
 
 TEST_F(Clicks, AtAPressShiftCountsAndCtrlDoesNot) {

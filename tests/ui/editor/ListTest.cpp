@@ -71,6 +71,18 @@ TEST_F(List, ThePlaylistThatIsShownAlreadyIsNotReadAnew) {
   EXPECT_THAT(journal.with("library: "), IsEmpty());
 }
 
+TEST_F(List, WhatThisWindowHasAddedShowsWithoutANewRead) {
+  track("Sea")->url = "http:Sea";
+  click("AlbumBlue");
+  click("AlbumBlueSea");
+  drag(Control::kTreeView1, item(1));
+  ASSERT_THAT(listed(), ElementsAre("Sea", "Sky", "Leaf"));
+  journal.clear();
+  choose("Autumn");
+  EXPECT_THAT(listed(), ElementsAre("Sky", "Leaf", "Sea")) << "the stored order";
+  EXPECT_THAT(journal.with("library: "), IsEmpty());
+}
+
 TEST_F(List, APlaylistWithNoItemsIsAnEmptyList) {
   click(item(1));
   ASSERT_EQ(buttons(), "Delete Down ");
