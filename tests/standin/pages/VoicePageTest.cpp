@@ -48,6 +48,19 @@ class VoicePageOfSomeWidth : public VoicePage, public testing::WithParamInterfac
 INSTANTIATE_TEST_SUITE_P(Desk, VoicePageOfSomeWidth, testing::Values(1280));
 INSTANTIATE_TEST_SUITE_P(Phone, VoicePageOfSomeWidth, testing::Values(360));
 
+TEST_P(VoicePageOfSomeWidth, ASwitchKeepsItsShapeHoweverLongItsWordsAre) {
+  openVoice();
+  ASSERT_TRUE(has("[aria-describedby=room-help]"));
+  const auto widths = [this](const std::string& style) {
+    return run(
+        "return [...document.querySelectorAll('.hearing .toggle')].map(toggle => "
+        "Math.round(parseFloat(" +
+        style + ".width)))");
+  };
+  EXPECT_EQ(widths("getComputedStyle(toggle, '::before')"), json::array({40, 40}));
+  EXPECT_EQ(widths("getComputedStyle(toggle.querySelector('.toggle-knob'))"), json::array({17, 17}));
+}
+
 TEST_P(VoicePageOfSomeWidth, HasNoSeriousBarriersLightOrDark) {
   openVoice();
   run("answers['POST /api/voice'] = [409, {kind: 'unclear', heard: 'blue', says: 'Did you mean “Blue” or "
