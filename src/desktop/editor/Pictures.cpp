@@ -2,9 +2,10 @@
 
 #include <QtCore/QFile>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QPainter>
 #include <QtGui/QPixmap>
 #include <QtSvg/QSvgRenderer>
+
+#include "desktop/Svg.hpp"
 
 // The macro's function stands in no namespace.
 static void HavePictures() { Q_INIT_RESOURCE(pictures); }
@@ -23,14 +24,6 @@ QByteArray TextOf(const char* key, const QColor& ink) {
   return file.readAll().replace("currentColor", ink.name().toUtf8());
 }
 
-QPixmap Drawn(const QByteArray& text, int size) {
-  QPixmap pixmap(size, size);
-  pixmap.fill(Qt::transparent);
-  QPainter painter(&pixmap);
-  QSvgRenderer(text).render(&painter);
-  return pixmap;
-}
-
 }  // namespace
 
 QIcon Pictures::icon(const char* key, const QColor& ink, const QColor& chosen) {
@@ -44,9 +37,11 @@ QIcon Pictures::icon(const char* key, const QColor& ink, const QColor& chosen) {
   if (text.isEmpty()) return {};
   QByteArray onChosen = TextOf(key, chosen);
   for (const char* colour : kLost) onChosen.replace(colour, chosen.name().toUtf8());
+  QSvgRenderer plain(text);
+  QSvgRenderer chosenOne(onChosen);
   for (const int size : kSizes) {
-    entry->second.addPixmap(Drawn(text, size));
-    entry->second.addPixmap(Drawn(onChosen, size), QIcon::Selected);
+    entry->second.addPixmap(DrawnSvg(plain, size));
+    entry->second.addPixmap(DrawnSvg(chosenOne, size), QIcon::Selected);
   }
   return entry->second;
 }
@@ -56,7 +51,8 @@ QCursor Pictures::pointer(const char* key, const QColor& ink) {
   const QByteArray text = TextOf(key, ink);
   if (text.isEmpty()) return {};
   const double scale = qGuiApp->devicePixelRatio();
-  QPixmap drawn = Drawn(text, static_cast<int>(kSize * scale));
+  QSvgRenderer drawing(text);
+  QPixmap drawn = DrawnSvg(drawing, static_cast<int>(kSize * scale));
   drawn.setDevicePixelRatio(scale);
   return QCursor(drawn, 1, 1);
 }
