@@ -6,9 +6,11 @@
 #include <QtDBus/QDBusPendingReply>
 #include <QtDBus/QDBusVariant>
 #include <QtGui/QFont>
+#include <QtGui/QPainter>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
+#include <QtWidgets/QProxyStyle>
+#include <QtWidgets/QStyleOption>
 #include <algorithm>
 
 namespace desktop {
@@ -44,6 +46,38 @@ QPalette PaletteOf(const Colours& colours) {
   return palette;
 }
 
+/// The style whose boxes to check and handles to pull can't be told from a dark ground, with an outline round
+/// them.
+class Outlined : public QProxyStyle {
+ public:
+  Outlined() : QProxyStyle("Fusion") {}
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_IndicatorCheckBox) outline(*painter, *option, option->rect);
+  }
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override {
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_Slider && (option->subControls & SC_SliderHandle) != 0)
+      outline(*painter, *option,
+              subControlRect(CC_Slider, option, SC_SliderHandle, widget).adjusted(1, 1, -1, -1));
+  }
+
+ private:
+  static void outline(QPainter& painter, const QStyleOption& option, const QRect& round) {
+    if ((option.state & State_Enabled) == 0) return;
+    constexpr double kCorner = 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(option.palette.color(QPalette::PlaceholderText));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(round).adjusted(0.5, 0.5, -0.5, -0.5), kCorner, kCorner);
+    painter.restore();
+  }
+};
+
 constexpr const char* kStyle = R"(
 QPushButton { background: palette(button); color: palette(button-text); border: 1px solid palette(mid);
   border-radius: 7px; padding: 6px 18px; min-width: 58px; }
@@ -68,7 +102,7 @@ Look::Look(QApplication& application)
   constexpr double kSmallestFont = 10.5;
   QFont font = QApplication::font();
   font.setPointSizeF(std::max(font.pointSizeF(), kSmallestFont));
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setStyle(new Outlined);
   QApplication::setFont(font);
   dress_.setSingleShot(true);
   connect(&dress_, &QTimer::timeout, this, [this] { apply(); });

@@ -119,9 +119,15 @@ bool NameList::eventFilter(QObject* watched, QEvent* event) {
   }
 }
 
+// No more than a long menu takes, and no less than one row.
+int NameList::heightFor(int rows) const {
+  constexpr int kMost = 380;
+  const int aroundRows = sizeHint().height() - view_->sizeHint().height() + 2 * view_->frameWidth();
+  return std::min(kMost, aroundRows + std::clamp(rows, 1, kMost) * view_->sizeHintForRow(0));
+}
+
 void NameList::open(QPoint at, const QString& heading, const QString& name, std::vector<NameEntry> entries) {
   constexpr int kWidth = 320;
-  constexpr int kHeight = 380;
   edit_->clear();
   entries_->fill(std::move(entries));
   view_->setCurrentIndex(entries_->index(0));
@@ -135,7 +141,8 @@ void NameList::open(QPoint at, const QString& heading, const QString& name, std:
   if (on == nullptr) on = QGuiApplication::primaryScreen();
   if (on == nullptr) return;  // all screens have gone: there is nobody to choose
   const QRect screen = on->availableGeometry();
-  const QSize size(std::min(kWidth, screen.width()), std::min(kHeight, screen.height()));
+  const QSize size(std::min(kWidth, screen.width()),
+                   std::min(heightFor(entries_->rowCount()), screen.height()));
   resize(size);
   move(std::clamp(at.x(), screen.left(), screen.right() + 1 - size.width()),
        std::clamp(at.y(), screen.top(), screen.bottom() + 1 - size.height()));

@@ -36,6 +36,7 @@ class NameList : public QFrame {
 
  private:
   class Entries;
+  [[nodiscard]] int heightFor(int rows) const;
   void find(const QString& text);
   void choose(int row);
 

@@ -1,5 +1,7 @@
 // The popup window on screens whose dots are as large as ever, and half as large.
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QSlider>
+#include <QtWidgets/QStyle>
 
 #include <cstdlib>
 #include <tuple>
@@ -77,6 +79,21 @@ TEST_P(PopupAt, CanBeReadAndUsed) {
     EXPECT_TRUE(readable(Shot("popup"), *button)) << button->accessibleName().toStdString();
 }
 
+TEST_P(PopupAt, HasHandlesThatCanBeSeen) {
+  show();
+  view->transport({true, true, true, true, true, 61, 200, 40, false, "Dawn"});
+  ASSERT_TRUE(dressed(pane()));
+  for (const char* name : {"Position", "Volume"}) {
+    const QSlider& slider = *named<QSlider>(name);
+    const int length = slider.style()->pixelMetric(QStyle::PM_SliderLength, nullptr, &slider);
+    const int left = QStyle::sliderPositionFromValue(slider.minimum(), slider.maximum(), slider.value(),
+                                                     slider.width() - length);
+    // What has been played, left of it, is seen anyway.
+    const QRect rightHalf(left + length / 2, 0, length, slider.height());
+    EXPECT_TRUE(readable(Shot("popup-handle"), slider, rightHalf)) << name;
+  }
+}
+
 TEST_P(PopupAt, HasMenusAndListsThatCanBeRead) {
   for (std::int16_t i = 1; i <= 30; ++i) {
     menus.load("Album", i);
@@ -94,6 +111,10 @@ TEST_P(PopupAt, HasMenusAndListsThatCanBeRead) {
     EXPECT_TRUE(readable(Shot("popup-settings"), settings, settings.actionGeometry(action)))
         << action->text().toStdString();
   }
+  constexpr int kBox = 26;
+  const QRect loop = settings.actionGeometry(item(settings, "&Loop Mode"));
+  EXPECT_TRUE(readable(Shot("popup-box"), settings, QRect(loop.topLeft(), QSize(kBox, loop.height()))))
+      << "a box that nobody has checked";
   settings.hide();
   openAlbums();
   EXPECT_GE(line(list()), kReadableLine);

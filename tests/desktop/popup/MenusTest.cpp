@@ -90,6 +90,7 @@ TEST_F(PopupMenu, TenThousandNamesOpenAndAreFoundByTyping) {
   openAlbums();
   RecordProperty("milliseconds", static_cast<int>((loop.now() - start).count()));
   EXPECT_EQ(list().model()->rowCount(), 10'001);
+  EXPECT_EQ(openList()->height(), 380);
   EXPECT_EQ(rows().front(), "(none)");
   EXPECT_TRUE(rowReadable("popup-names", 0)) << "the chosen row";
   EXPECT_TRUE(rowReadable("popup-names", 1));
@@ -98,6 +99,15 @@ TEST_F(PopupMenu, TenThousandNamesOpenAndAreFoundByTyping) {
   tool({"key", "Return"});
   EXPECT_TRUE(reported("Album 9876"));
   EXPECT_EQ(openList(), nullptr);
+}
+
+TEST_F(PopupMenu, AListOfFewNamesIsNoLongerThanThey) {
+  names("Album", 4);
+  showActive();
+  openAlbums();
+  const QRect last = list().visualRect(list().model()->index(4, 0));
+  EXPECT_TRUE(list().viewport()->rect().contains(last)) << "nobody has to scroll";
+  EXPECT_LT(list().viewport()->height() - last.bottom(), last.height()) << "there is no empty row";
 }
 
 TEST_F(PopupMenu, ANameIsChosenByAClickOrByTheArrows) {
