@@ -25,10 +25,10 @@ class PlaylistKeeper {
   PlaylistKeeper& operator=(PlaylistKeeper&&) = delete;
 
   /// The file's text as it is now. If others have written it, the playlist has their items first. Throws 53
-  /// when the file has gone, 76 when the folder has.
+  /// when the file has gone, 76 when the folder has, 57 where its disc doesn't answer.
   virtual M3uText open(StoredPlaylist& playlist) = 0;
-  /// Writes the file. Throws as `WriteFile`, and 6 where there is no room for so many items with those of all
-  /// other lists; then the old file stays.
+  /// Writes the file, and waits for its disc as long as that takes. Throws as `WriteFile`, and 6 where there
+  /// is no room for so many items with those of all other lists; then the old file stays.
   virtual void save(StoredPlaylist& playlist, const M3uText& text) = 0;
   /// False for one whose file has gone.
   [[nodiscard]] virtual bool holds(const StoredPlaylist& playlist) const = 0;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <set>
 
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
@@ -75,19 +74,32 @@ std::string WithSingleQuotes(const std::string& name) {
 }  // namespace
 
 StoredPlaylists::StoredPlaylists(base::Loop& loop, std::string folder, const Library& library, Events events,
-                                 files::WriteCall write, std::size_t mostItems)
+                                 files::WriteCall write, std::size_t mostItems, PlaylistDisc disc)
     : folder_(std::move(folder)),
-      home_(folder_),
       library_(library),
       events_(std::move(events)),
       write_(std::move(write)),
       mostItems_(mostItems),
-      timer_(loop.makeTimer(kLookInterval, [this] {
-        base::Attempt step;
-        step([&] { refresh(); });
-      })) {
+      disc_(std::move(disc)),
+      onDisc_(std::make_shared<FolderOnDisc>(folder_)),
+      timer_(loop.makeTimer(kLookInterval,
+                            [this] {
+                              base::Attempt step;
+                              step([&] { beginLook(); });
+                            })),
+      // Called on the thread, while this and the loop are there.
+      thread_([this, &loop, alive = std::weak_ptr<bool>(alive_)] {
+        loop.post([this, alive] {
+          if (alive.expired()) return;
+          base::Attempt step;
+          step([&] { takeLate(); });
+        });
+      }) {
   base::Attempt step;
-  step([&] { lookAround(); });
+  step([&] {
+    Changes untold;
+    lookAround(kPatienceAtStart, untold);
+  });
   step([&] { clearLeftovers(); });
   timer_->enabled(true);
 }
@@ -99,14 +111,13 @@ StoredPlaylists::~StoredPlaylists() {
   }
 }
 
-void StoredPlaylists::clearLeftovers() const {
-  std::set<std::string> folders{folder_};
-  std::error_code ignored;
-  for (const auto& entry : byPath_) {  // a link's file is written where it lies
-    if (fs::is_symlink(entry.first, ignored))
-      folders.insert(fs::canonical(entry.first, ignored).parent_path().string());
-  }
-  for (const std::string& folder : folders) files::ClearLeftovers(folder);
+void StoredPlaylists::clearLeftovers() {
+  const auto clear = [disc = onDisc_, reach = disc_.reach, folders = library_.folders()]() -> bool {
+    reach();
+    disc->clearLeftovers(folders);
+    return true;
+  };
+  thread_.ask<bool>(clear, disc_.patience(kPatienceAtStart));
 }
 
 void StoredPlaylists::libraryChanged() {
@@ -124,12 +135,10 @@ bool StoredPlaylists::holds(const StoredPlaylist& playlist) const {
 }
 
 M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
-  needHome();
-  std::error_code ignored;
-  if (!holds(playlist) || !fs::exists(playlist.path(), ignored))
-    refresh();  // it may have come back, or moved
+  if (const bool there = needFile(playlist.path()); !there || !holds(playlist))
+    needFolder();  // it may have come back, or moved
   if (!holds(playlist)) files::FailOn(playlist.path(), ENOENT);
-  files::FileText file = files::ReadFile(behind(playlist.path()), kLargest);
+  files::FileText file = files::ReadFile(behind(playlist.path()), kLargestPlaylist);
   M3uText text(std::move(file.text));
   const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
   if (foreign) {
@@ -155,7 +164,7 @@ void StoredPlaylists::checkRoom(const std::string& path, std::size_t items) cons
 void StoredPlaylists::save(StoredPlaylist& playlist, const M3uText& text) {
   checkRoom(playlist.path(), text.count());
   const std::string bytes = text.text();
-  if (static_cast<std::int64_t>(bytes.size()) > kLargest) {
+  if (static_cast<std::int64_t>(bytes.size()) > kLargestPlaylist) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist would be too large");
   }
   playlist.stored(playlist.path(), files::WriteFile(behind(playlist.path()), bytes, {.write = write_}));
@@ -185,7 +194,7 @@ std::string StoredPlaylists::freePath(const std::string& name, const std::string
 
 void StoredPlaylists::rename(StoredPlaylist& playlist, const std::string& name) {
   CheckName(name);
-  refresh();
+  needFolder();
   M3uText text = open(playlist);
   if (taken(name, &playlist)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   text.name(name);
@@ -230,8 +239,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
   CheckName(name);
   M3uText text;
   text.name(name);
-  refresh();
-  needHome();
+  needFolder();
   if (taken(name, nullptr)) throw base::Failure(base::number::kNameInUse, "The name is in use");
   files::MakeFolder(folder_);
   std::string path;
@@ -240,7 +248,7 @@ player::PlaylistRef StoredPlaylists::newPlaylist(const std::string& name) {
     path = freePath(name, {});
     stamp = files::WriteNewFile(path, text.text(), {.write = write_});
   }
-  home_.seen();
+  onDisc_->seen();
   auto playlist = add(path, *stamp, name, {});
   events_.changedByCall();
   return playlist;
@@ -252,8 +260,7 @@ void StoredPlaylists::remove(const player::PlaylistRef& playlist) {
   if (!stored || !stored->keptBy(*this)) {
     throw base::Failure(base::number::kInvalidArgument, "The playlist is not in the collection");
   }
-  refresh();  // its file may lie elsewhere by now, and another one at its path
-  needHome();
+  needFolder();  // its file may lie elsewhere by now, and another one at its path
   if (!holds(*stored)) files::FailOn(stored->path(), ENOENT);
   files::RemoveFile(stored->path());
   byPath_.erase(stored->path());

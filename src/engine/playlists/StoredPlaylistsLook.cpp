@@ -1,16 +1,13 @@
 // What a look around the folder finds.
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <utility>
 
 #include "base/Attempt.hpp"
 #include "base/Failure.hpp"
-#include "base/Text.hpp"
 #include "engine/playlists/StoredPlaylists.hpp"
 #include "engine/scan/TagReader.hpp"
-#include "files/ReadFile.hpp"
 #include "files/Stamp.hpp"
 
 namespace engine {
@@ -18,10 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool IsPlaylistFile(const fs::path& path) {
-  const std::string ending = base::LowerCase(path.extension().string());
-  return path.filename().native().front() != '.' && (ending == ".m3u8" || ending == ".m3u");
-}
+constexpr int kMostLooks = 32;  // at a time, where there is much to read
 
 /// Throws for a text of which no line could be read, and which a change would spoil.
 void CheckEncoding(std::string_view text) {
@@ -37,44 +31,40 @@ std::string NameOf(const M3uText& text, const std::string& path) {
 
 }  // namespace
 
-std::optional<std::vector<std::string>> StoredPlaylists::files() {
-  std::vector<std::string> paths;
-  std::error_code failed;
-  std::error_code ignored;
-  bool away = home_.away();
-  for (fs::directory_iterator entry(folder_, failed), end; !failed && entry != end; entry.increment(failed)) {
-    if (IsPlaylistFile(entry->path()) && entry->is_regular_file(ignored)) {
-      paths.push_back(entry->path().string());
-    }
-  }
-  away = away || home_.away();  // the disc may come or go meanwhile
-  if (away) {
-    if (!std::exchange(folderTold_, true)) events_.message(awayText() + "; its playlists stay");
-    return std::nullopt;
-  }
-  const bool missing = failed.value() == ENOENT || failed.value() == ENOTDIR;
-  if (failed && !missing) {
-    if (!folderTold_) events_.message(SafeName(folder_) + " can't be read: " + failed.message());
-    folderTold_ = true;
-    return std::nullopt;
-  }
-  folderTold_ = false;
-  home_.seen();
-  std::sort(paths.begin(), paths.end());
-  return paths;
+base::Failure StoredPlaylists::silent() const {
+  return {base::number::kDeviceIo, SafeName(folder_) + " doesn't answer"};
 }
 
-std::string StoredPlaylists::awayText() const {
-  return SafeName(folder_) + " is away, perhaps as its disc is not mounted";
+base::Failure StoredPlaylists::isAway() const {
+  return {base::number::kPathNotFound, SafeName(folder_) + " is away, perhaps as its disc is not mounted"};
 }
 
-void StoredPlaylists::needHome() const {
-  if (home_.away()) throw base::Failure(base::number::kPathNotFound, awayText());
+void StoredPlaylists::needFolder() {
+  if (!refresh(kPatienceToChange)) throw silent();
+  if (away_) throw isAway();
 }
 
-void StoredPlaylists::lose(const std::vector<std::string>& present) {
+bool StoredPlaylists::needFile(const std::string& path) {
+  struct Reached {
+    bool away;
+    bool there;
+  };
+  pending_.reset();  // what a look has found will be older than what is done now
+  const auto reached = thread_.ask<Reached>(
+      [disc = onDisc_, reach = disc_.reach, path]() -> Reached {
+        reach();
+        std::error_code ignored;
+        return {disc->away(), fs::exists(path, ignored)};
+      },
+      disc_.patience(kPatienceToChange));
+  if (!reached) throw silent();
+  if (reached->away) throw isAway();
+  return reached->there;
+}
+
+void StoredPlaylists::lose(const std::set<std::string>& present) {
   for (auto entry = byPath_.begin(); entry != byPath_.end();) {
-    if (std::binary_search(present.begin(), present.end(), entry->first)) {
+    if (present.contains(entry->first)) {
       ++entry;
       continue;
     }
@@ -83,7 +73,12 @@ void StoredPlaylists::lose(const std::vector<std::string>& present) {
   }
 }
 
-void StoredPlaylists::refresh() { tell(lookAround()); }
+bool StoredPlaylists::refresh(base::Milliseconds limit) {
+  Changes changes;
+  const bool fresh = lookAround(limit, changes);
+  tell(changes);
+  return fresh;
+}
 
 void StoredPlaylists::tell(const Changes& changes) {
   base::Attempt step;
@@ -91,45 +86,90 @@ void StoredPlaylists::tell(const Changes& changes) {
   if (changes.names) step([&] { events_.changed(); });
 }
 
-StoredPlaylists::Changes StoredPlaylists::lookAround() {
-  Changes changes;
-  const auto paths = files();
-  if (!paths) return changes;
-  const std::size_t before = byPath_.size();
-  lose(*paths);
-  changes.names = byPath_.size() != before;
-  std::erase_if(lost_, [](const auto& entry) { return entry.expired(); });
-  std::erase_if(unreadable_, [&](const auto& entry) {
-    return !std::binary_search(paths->begin(), paths->end(), entry.first);
+bool StoredPlaylists::beginLook() {
+  FolderOnDisc::Known known{{}, library_.folders()};
+  for (const auto& [path, playlist] : byPath_) known.stamps[path] = playlist->stamp();
+  for (const auto& [path, told] : unreadable_)
+    if (!fits(path, told.items)) known.stamps[path] = told.stamp;
+  auto look = std::make_shared<std::optional<FolderLook>>();
+  const bool begun = thread_.begin([look, known = std::move(known), disc = onDisc_, reach = disc_.reach] {
+    reach();
+    *look = disc->look(known);
   });
-  std::erase_if(cutTold_, [&](const std::string& path) {
-    return !std::binary_search(paths->begin(), paths->end(), path);
-  });
-  for (const std::string& path : *paths) {
-    base::Attempt step;
-    step([&] { look(path, changes); });
-  }
-  return changes;
+  if (begun) pending_ = std::move(look);
+  return begun;
 }
 
-void StoredPlaylists::look(const std::string& path, Changes& changes) {
-  const files::FileStamp stamp = files::StampOf(path);
+bool StoredPlaylists::lookAround(base::Milliseconds limit, Changes& changes) {
+  limit = disc_.patience(limit);
+  for (int look = 0; look < kMostLooks; ++look) {
+    // One that is under way may have begun before what the caller wants to know of.
+    if (!thread_.wait(limit) || !beginLook() || !thread_.wait(limit)) {
+      if (!std::exchange(silentTold_, true))
+        events_.message(silent().description() + "; its playlists are as they were known last");
+      return false;
+    }
+    if (!take(changes)) break;
+  }
+  return true;
+}
+
+void StoredPlaylists::takeLate() {
+  if (thread_.busy()) return;
+  Changes changes;
+  take(changes);
+  tell(changes);
+}
+
+bool StoredPlaylists::take(Changes& changes) {
+  const auto pending = std::exchange(pending_, nullptr);
+  if (!pending || !*pending) return false;
+  FolderLook& look = **pending;
+  silentTold_ = false;
+  away_ = look.outcome == FolderLook::Outcome::kAway;
+  if (look.outcome != FolderLook::Outcome::kSeen) {
+    if (!std::exchange(folderTold_, true))
+      events_.message(away_ ? isAway().description() + "; its playlists stay"
+                            : SafeName(folder_) + " can't be read: " + look.why);
+    return false;
+  }
+  folderTold_ = false;
+  std::set<std::string> present;
+  for (const FolderLook::File& file : look.files) present.insert(file.path);
+  const std::size_t before = byPath_.size();
+  lose(present);
+  changes.names = changes.names || byPath_.size() != before;
+  std::erase_if(lost_, [](const auto& entry) { return entry.expired(); });
+  std::erase_if(unreadable_, [&](const auto& entry) { return !present.contains(entry.first); });
+  std::erase_if(cutTold_, [&](const std::string& path) { return !present.contains(path); });
+  for (FolderLook::File& file : look.files) {
+    base::Attempt step;
+    step([&] { take(file, changes); });
+  }
+  return look.more;
+}
+
+void StoredPlaylists::take(FolderLook::File& file, Changes& changes) {
+  if (!file.stamp) return;
+  const std::string& path = file.path;
+  const files::FileStamp& stamp = *file.stamp;
   const auto known = byPath_.find(path);
   if (known != byPath_.end() && known->second->stamp() == stamp) return;
   const auto told = unreadable_.find(path);
   const bool wasTold = told != unreadable_.end() && told->second.stamp == stamp;
   if (wasTold && !fits(path, told->second.items)) return;
+  if (!file.text && !file.failure) return;  // left for the next look
   // Else tried at every look: what stood in the way, the file's rights or a shortage, may be gone without a
   // trace in its stamp.
   base::Attempt step;
   std::size_t items = 0;
   const bool good = step([&] {
-    files::FileText file = files::ReadFile(behind(path), kLargest);
-    CheckEncoding(file.text);
+    if (!file.text) throw base::Failure(*file.failure);
+    CheckEncoding(file.text->text);
     items = M3uText::kMostItems + 1;
-    const M3uText text(std::move(file.text));
+    const M3uText text(std::move(file.text->text));
     items = text.count();
-    read(path, file.stamp, text, changes);
+    read(path, file.text->stamp, text, changes);
   });
   if (good) {
     unreadable_.erase(path);

@@ -45,14 +45,19 @@ std::vector<std::string> Addresses(player::Playlist& list) {
   return addresses;
 }
 
+PlaylistDisc PatientDisc() {
+  return {.reach = [] {}, .patience = [](base::Milliseconds) { return std::chrono::minutes(2); }};
+}
+
 PlaylistFolder::PlaylistFolder(const std::string& root, files::WriteCall write,
-                               std::vector<std::string> musicFolders, std::size_t mostItems)
+                               std::vector<std::string> musicFolders, std::size_t mostItems,
+                               PlaylistDisc disc)
     : folder(root + "/playlists"),
       library(loop, LibraryIn(root, std::move(musicFolders)), {[] {}, [](const std::string&) {}, [] {}}),
       lists(loop, folder, library,
             {[this] { ++changes; }, [this] { ++contents; },
              [this](const std::string& line) { messages.push_back(line); }},
-            std::move(write), mostItems) {}
+            std::move(write), mostItems, std::move(disc)) {}
 
 player::PlaylistRef PlaylistFolder::named(const std::string& name) {
   const auto found = lists.getByName(name);

@@ -18,6 +18,9 @@ void WriteText(const std::string& path, const std::string& text);
 std::vector<M3uItem> ItemsOf(const std::string& text);
 std::vector<std::string> Addresses(player::Playlist& list);
 
+/// A disc that is waited for however slow this machine is.
+PlaylistDisc PatientDisc();
+
 /// The stored playlists of a folder beside a library that has no folders of its own. Made anew, it is what a
 /// restart finds.
 class PlaylistFolder {
@@ -25,7 +28,8 @@ class PlaylistFolder {
   /// `root` also takes the library's data; the playlists lie in `root`/playlists.
   explicit PlaylistFolder(const std::string& root, files::WriteCall write = files::WriteBytes,
                           std::vector<std::string> musicFolders = {},
-                          std::size_t mostItems = StoredPlaylists::kMostItems);
+                          std::size_t mostItems = StoredPlaylists::kMostItems,
+                          PlaylistDisc disc = PatientDisc());
 
   [[nodiscard]] player::MediaRef media(const std::string& address) const { return library.mediaAt(address); }
   /// The playlist of that name; nothing without one.
