@@ -1,9 +1,11 @@
 #include "engine/playlists/StoredPlaylist.hpp"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
-#include <list>
+#include <deque>
+#include <optional>
 
 #include "base/Failure.hpp"
 
@@ -24,6 +26,62 @@ bool Same(const player::Media& now, const player::Media& before) {
          SameAlbum(now.getItemInfo("Album"), before.getItemInfo("Album")) &&
          now.getItemInfo("Artist") == before.getItemInfo("Artist");
 }
+
+/// The places of items by all that `Same` looks at, so that one that is the same as another is found without
+/// comparing it with each, where many are of one source.
+class SamePlaces {
+ public:
+  SamePlaces(const std::vector<player::MediaRef>& items, std::size_t begin, std::size_t end)
+      : items_(items), begin_(begin), end_(end) {}
+
+  /// The first place at which `same` holds and that is not `used`, or nothing.
+  template <class SameAt>
+  std::optional<std::size_t> find(const player::Media& now, const std::vector<bool>& used, SameAt&& same) {
+    const unsigned told = (now.duration() > 0 ? kLength : 0U) |
+                          (now.getItemInfo("Album").empty() ? 0U : kAlbum) | (IsTrack(now) ? kTrack : 0U);
+    const auto found = index(told).find(hash(now, told));
+    if (found == index(told).end()) return std::nullopt;
+    Places& places = found->second;
+    while (places.next < places.all.size() && used[places.all[places.next]]) ++places.next;
+    for (std::size_t i = places.next; i < places.all.size(); ++i)
+      if (!used[places.all[i]] && same(places.all[i])) return places.all[i];
+    return std::nullopt;
+  }
+
+ private:
+  static constexpr unsigned kLength = 1;
+  static constexpr unsigned kAlbum = 2;
+  static constexpr unsigned kTrack = 4;
+  struct Places {
+    std::vector<std::size_t> all;
+    std::size_t next = 0;  ///< those before are used
+  };
+  using Index = std::unordered_map<std::size_t, Places>;
+
+  static std::size_t hash(const player::Media& media, unsigned told) {
+    std::string key = media.sourceURL() + '\0' + media.name() + '\0' + media.getItemInfo("Artist");
+    if ((told & kLength) != 0) key += '\0' + std::to_string(std::lround(media.duration()));
+    if ((told & kAlbum) != 0) key += '\0' + media.getItemInfo("Album");
+    return std::hash<std::string>()(key);
+  }
+  /// Of those that tell what the item tells; made when it is first asked for.
+  Index& index(unsigned told) {
+    auto& index = indices_.at(told);
+    if (index) return *index;
+    index.emplace();
+    for (std::size_t place = begin_; place < end_; ++place) {
+      // One that has been used may have been taken away.
+      if (!items_[place] || ((told & kTrack) != 0 && !IsTrack(*items_[place]))) continue;
+      (*index)[hash(*items_[place], told)].all.push_back(place);
+    }
+    return *index;
+  }
+
+  const std::vector<player::MediaRef>& items_;
+  std::size_t begin_;
+  std::size_t end_;
+  std::array<std::optional<Index>, 8> indices_;
+};
 
 M3uItem Written(const player::MediaRef& media) {
   if (!media) throw base::Failure(base::number::kObjectMissing);
@@ -151,28 +209,25 @@ void StoredPlaylist::take(const std::string& name, std::vector<player::MediaRef>
 
   // Between, others have changed more than one place: by their sources, in their order, and those first that
   // are the same in all.
-  std::unordered_map<std::string, std::list<std::size_t>> left;
-  for (std::size_t then = front; then + back < before.size(); ++then) {
-    left[SourceOf(*before[then])].push_back(then);
-  }
+  const std::size_t end = before.size() - back;
+  SamePlaces places(before, front, end);
+  std::vector<bool> used(before.size());
   std::vector<std::size_t> changed;
-  const auto those = [&](std::size_t now) { return left.find(SourceOf(*items[now])); };
   for (std::size_t now = front; now + back < items.size(); ++now) {
-    const auto found = those(now);
-    if (found == left.end()) continue;
-    auto& places = found->second;
-    const auto same =
-        std::find_if(places.begin(), places.end(), [&](std::size_t then) { return keep(now, then); });
-    if (same == places.end())
-      changed.push_back(now);
+    const auto same = places.find(*items[now], used, [&](std::size_t then) { return keep(now, then); });
+    if (same)
+      used[*same] = true;
     else
-      places.erase(same);
+      changed.push_back(now);
   }
+  std::unordered_map<std::string, std::deque<std::size_t>> left;
+  for (std::size_t then = front; then < end; ++then)
+    if (!used[then]) left[SourceOf(*before[then])].push_back(then);
   for (const std::size_t now : changed) {
-    auto& places = those(now)->second;
-    if (places.empty()) continue;
-    noteSwap(before[places.front()], items[now]);
-    places.pop_front();
+    const auto found = left.find(SourceOf(*items[now]));
+    if (found == left.end() || found->second.empty()) continue;
+    noteSwap(before[found->second.front()], items[now]);
+    found->second.pop_front();
   }
   own() = std::move(items);
   ++revision_;
