@@ -102,7 +102,9 @@ Look::Look(QApplication& application)
   constexpr double kSmallestFont = 10.5;
   QFont font = QApplication::font();
   font.setPointSizeF(std::max(font.pointSizeF(), kSmallestFont));
-  QApplication::setStyle(new Outlined);
+  auto* style = new Outlined;
+  style->setParent(&application);
+  QApplication::setStyle(style);
   QApplication::setFont(font);
   dress_.setSingleShot(true);
   connect(&dress_, &QTimer::timeout, this, [this] { apply(); });
