@@ -216,9 +216,12 @@ class Player : public player::WMP9 {
  private:
   std::unique_ptr<MpvOutput> makeDecoder(base::Loop& loop, const Config& config) {
     return std::make_unique<MpvOutput>(
-        loop, config, [this](const std::string& device) { return drives_.has(device); },
-        [this](const std::string& line) { message(line); },
+        loop, config, sectorsOfDrives(), [this](const std::string& line) { message(line); },
         [this](const std::string& location) { return library_.loudnessAt(location); }, shown(), openCard_);
+  }
+
+  [[nodiscard]] SectorsOf sectorsOfDrives() const {
+    return [this](const std::string& device, int track) { return drives_.sectorsOf(device, track); };
   }
 
   [[nodiscard]] PictureRenderer::Shown shown() const {
@@ -228,8 +231,7 @@ class Player : public player::WMP9 {
 
   void project(base::Loop& loop) {
     visualiser_.emplace(
-        loop, [this](const std::string& device) { return drives_.has(device); },
-        [this](const std::string& line) { message(line); }, shown());
+        loop, sectorsOfDrives(), [this](const std::string& line) { message(line); }, shown());
     projector_.emplace(Projector::Parts{
         *screen_, playback_, *output_,
         SoundPicture{[this](const std::string& location, double seconds, bool paused,

@@ -1,5 +1,7 @@
 #pragma once
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace engine {
@@ -21,10 +23,11 @@ struct DecoderAddress {
   Kind kind = Kind::kNone;
 };
 
-/// Whether the player has a drive of that name.
-using IsDrive = std::function<bool(const std::string& device)>;
+/// How long a track of a disc is, in sectors of 1/75 second: 0 where that isn't known, nothing where the
+/// player has no drive of that name.
+using SectorsOf = std::function<std::optional<std::int32_t>(const std::string& device, int track)>;
 
 /// Allowed are paths, "file:", "http:", "https:" and the "mms:" kinds, and tracks of the player's own drives.
-DecoderAddress AddressFor(const std::string& location, const IsDrive& isDrive);
+DecoderAddress AddressFor(const std::string& location, const SectorsOf& sectorsOf);
 
 }  // namespace engine

@@ -23,11 +23,11 @@ constexpr const char* kOpensNothing = "refused://";  // no kind of address that 
 
 }  // namespace
 
-MpvOutput::MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
+MpvOutput::MpvOutput(base::Loop& loop, const Config& config, SectorsOf sectorsOf,
                      std::function<void(const std::string&)> message, LoudnessOf loudnessOf,
                      PictureRenderer::Shown shown, OpenCard openCard)
     : loop_(loop),
-      isDrive_(std::move(isDrive)),
+      sectorsOf_(std::move(sectorsOf)),
       message_(std::move(message)),
       options_(HeardDecoderOptions(config)),
       leveller_(config),
@@ -111,7 +111,7 @@ void MpvOutput::forget() {
 }
 
 void MpvOutput::addFile(EntryId entry, const std::string& location, const char* how) {
-  DecoderAddress address = AddressFor(location, isDrive_);
+  DecoderAddress address = AddressFor(location, sectorsOf_);
   // The decoder comes to a refused item in its turn, as to any other that can't be played.
   switch (address.kind) {
     case DecoderAddress::Kind::kFile: address.address = decoderFiles_.give(entry, address.address); break;
@@ -279,7 +279,7 @@ void MpvOutput::addressTold(const mpv_event& event) {
   const auto* property = static_cast<const mpv_event_property*>(event.data);
   const bool known = event.error >= 0 && property->format == MPV_FORMAT_STRING;
   const std::string address = known ? *static_cast<char* const*>(property->data) : "";
-  if (AddressFor(address, isDrive_).kind != DecoderAddress::Kind::kStation)
+  if (AddressFor(address, sectorsOf_).kind != DecoderAddress::Kind::kStation)
     return mpv_->set(kOpens, std::string(kOpensNothing), held);
   const MpvOptions options = StationOptions();
   for (const auto& option : options) {

@@ -39,7 +39,7 @@ class MpvOutput : public Output {
   /// one to open.
   /// Throws number 429 when there is too little memory for the decoder; should that be so when it is made,
   /// what was to be played fails.
-  MpvOutput(base::Loop& loop, const Config& config, IsDrive isDrive,
+  MpvOutput(base::Loop& loop, const Config& config, SectorsOf sectorsOf,
             std::function<void(const std::string&)> message, LoudnessOf loudnessOf = {},
             PictureRenderer::Shown shown = {}, OpenCard openCard = {});
   ~MpvOutput() override;
@@ -99,7 +99,7 @@ class MpvOutput : public Output {
 
   base::Loop& loop_;
   OutputEvents* events_ = nullptr;
-  IsDrive isDrive_;
+  SectorsOf sectorsOf_;
   std::function<void(const std::string&)> message_;
   MpvOptions options_;
   Leveller leveller_;

@@ -35,7 +35,7 @@ bool Visualiser::begin() {
 }
 
 void Visualiser::show(const std::string& location, double seconds, bool paused, base::PictureSize size) {
-  const DecoderAddress address = AddressFor(location, isDrive_);
+  const DecoderAddress address = AddressFor(location, sectorsOf_);
   if (!address.refusal.empty() || address.kind != DecoderAddress::Kind::kFile) return end();
   if (!begin()) return;
   renderer_->size(size);

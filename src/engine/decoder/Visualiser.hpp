@@ -18,9 +18,12 @@ namespace engine {
 class Visualiser {
  public:
   /// `message` gets lines for people.
-  Visualiser(base::Loop& loop, IsDrive isDrive, std::function<void(const std::string&)> message,
+  Visualiser(base::Loop& loop, SectorsOf sectorsOf, std::function<void(const std::string&)> message,
              PictureRenderer::Shown shown)
-      : loop_(loop), isDrive_(std::move(isDrive)), message_(std::move(message)), shown_(std::move(shown)) {}
+      : loop_(loop),
+        sectorsOf_(std::move(sectorsOf)),
+        message_(std::move(message)),
+        shown_(std::move(shown)) {}
 
   /// The picture of what lies there, from that second on, that large.
   void show(const std::string& location, double seconds, bool paused, base::PictureSize size);
@@ -33,7 +36,7 @@ class Visualiser {
   bool begin();
 
   base::Loop& loop_;
-  IsDrive isDrive_;
+  SectorsOf sectorsOf_;
   std::function<void(const std::string&)> message_;
   PictureRenderer::Shown shown_;
   bool refused_ = false;  ///< there is no room for it; told once

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <map>
 
 #include "base/Failure.hpp"
 #include "base/Text.hpp"
@@ -53,7 +54,9 @@ std::string Contents(CdIo_t* disc, track_t first, track_t count) {
   return text;
 }
 
-class Drive : public player::Cdrom {
+}  // namespace
+
+class CdDrives::Drive : public player::Cdrom {
  public:
   Drive(std::string device, ShelfRef shelf) : device_(std::move(device)), shelf_(std::move(shelf)) {}
 
@@ -73,6 +76,7 @@ class Drive : public player::Cdrom {
     album.albumArtist = CdText(text, CDTEXT_FIELD_PERFORMER, 0);
     album.discId = Contents(disc.get(), first, count);
     std::vector<player::MediaRef> items;
+    sectors_.clear();
     for (unsigned i = 0; i < count; ++i) {
       const auto track = static_cast<track_t>(first + i);
       if (cdio_get_track_format(disc.get(), track) != TRACK_FORMAT_AUDIO) continue;
@@ -82,11 +86,19 @@ class Drive : public player::Cdrom {
       if (tags.title.empty()) tags.title = "Track " + std::to_string(track);
       tags.artist = CdText(text, CDTEXT_FIELD_PERFORMER, track);
       if (tags.artist.empty()) tags.artist = album.albumArtist;
-      tags.milliseconds = cdio_get_track_sec_count(disc.get(), track) * 1000 / CDIO_CD_FRAMES_PER_SEC;
+      const unsigned sectors = cdio_get_track_sec_count(disc.get(), track);
+      sectors_[track] = static_cast<std::int32_t>(sectors);
+      tags.milliseconds = sectors * 1000 / CDIO_CD_FRAMES_PER_SEC;
       items.push_back(std::make_shared<LooseMedia>("cdda://" + device_ + "#" + std::to_string(track),
                                                    std::move(tags), shelf_));
     }
     return std::make_shared<ListPlaylist>(album.album.empty() ? "Audio CD" : album.album, std::move(items));
+  }
+
+  /// 0 where it isn't known.
+  [[nodiscard]] std::int32_t sectorsOf(int track) const {
+    const auto known = sectors_.find(track);
+    return known != sectors_.end() ? known->second : 0;
   }
 
   void eject() override {
@@ -103,10 +115,9 @@ class Drive : public player::Cdrom {
  private:
   std::string device_;
   ShelfRef shelf_;
+  std::map<int, std::int32_t> sectors_;  ///< of each track of the disc that was looked at last
   bool ejected_ = false;
 };
-
-}  // namespace
 
 CdDrives::CdDrives(const std::vector<std::string>& devices, bool find, const ShelfRef& shelf) {
   if (find) {
@@ -124,9 +135,10 @@ std::shared_ptr<player::Cdrom> CdDrives::item(std::int32_t index) {
   return drives_[static_cast<std::size_t>(index)];
 }
 
-bool CdDrives::has(const std::string& device) const {
-  return std::any_of(drives_.begin(), drives_.end(),
-                     [&](const auto& drive) { return drive->driveSpecifier() == device; });
+std::optional<std::int32_t> CdDrives::sectorsOf(const std::string& device, int track) const {
+  const auto drive = std::find_if(drives_.begin(), drives_.end(),
+                                  [&](const auto& each) { return each->driveSpecifier() == device; });
+  return drive != drives_.end() ? std::optional((*drive)->sectorsOf(track)) : std::nullopt;
 }
 
 }  // namespace engine

@@ -1,5 +1,6 @@
 #pragma once
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,13 @@ class CdDrives : public player::CdromCollection {
 
   [[nodiscard]] std::int32_t count() const override { return static_cast<std::int32_t>(drives_.size()); }
   std::shared_ptr<player::Cdrom> item(std::int32_t index) override;
-  /// Whether one of them is this device.
-  [[nodiscard]] bool has(const std::string& device) const;
+  /// How long a track of the disc is that was looked at last in that drive, in sectors of 1/75 second: 0
+  /// where that isn't known, nothing where none of them is this device.
+  [[nodiscard]] std::optional<std::int32_t> sectorsOf(const std::string& device, int track) const;
 
  private:
-  std::vector<std::shared_ptr<player::Cdrom>> drives_;
+  class Drive;
+  std::vector<std::shared_ptr<Drive>> drives_;
 };
 
 }  // namespace engine

@@ -17,7 +17,7 @@ using ::testing::Each;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-bool NoDrive(const std::string& /*device*/) { return false; }
+std::optional<std::int32_t> NoDrive(const std::string& /*device*/, int /*track*/) { return {}; }
 
 /// What the decoder is given; empty when it is refused.
 std::string Given(const std::string& location) { return AddressFor(location, NoDrive).address; }
@@ -76,10 +76,14 @@ TEST(AnItemsAddress, IsNoFileOfTheMachinesOwn) {
 }
 
 TEST(AnItemsAddress, IsATrackOfTheDiscInADriveOfThePlayer) {
-  const IsDrive drive = [](const std::string& device) { return device == "/dev/sr0"; };
+  const SectorsOf drive = [](const std::string& device, int track) {
+    return device == "/dev/sr0" ? std::optional(track == 12 ? 0 : 150) : std::nullopt;
+  };
   const DecoderAddress track = AddressFor("cdda:///dev/sr0#12", drive);
   EXPECT_EQ(track.address, "cdda:///dev/sr0");
   EXPECT_EQ(track.options, "cdda-span-a=12,cdda-span-b=12,demuxer=+disc,prefetch-playlist=no");
+  EXPECT_EQ(AddressFor("cdda:///dev/sr0#3", drive).options,
+            "cdda-span-a=3,cdda-span-b=3,demuxer=+disc,prefetch-playlist=no,length=2.000010");
   for (const char* other :
        {"cdda://", "cdda:///dev/sr0", "cdda:///dev/sr0#", "cdda:///dev/sr1#1", "cdda:///etc/passwd#1",
         "cdda:///dev/sr0#1-1,ao=pcm,ao-pcm-file=/tmp/x", "cdda:///dev/sr0#1 ", "cdda:///dev/sr0#-1",

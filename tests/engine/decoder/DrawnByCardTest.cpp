@@ -31,7 +31,7 @@ class DrawnByCard : public PlayerTest {
   void plays(const char* picture, const OpenCard& open) {
     if (film.empty()) MakeFilm(film = folder / "film.mkv", picture, 60);
     output.emplace(
-        loop, config, [](const std::string&) { return false; },
+        loop, config, [](const std::string&, int) { return std::nullopt; },
         [this](const std::string& line) { log.push_back(line); }, MpvOutput::LoudnessOf(),
         [this](base::FrameRef frame) { shown = std::move(frame); }, open);
     output->listener(heard);

@@ -47,6 +47,17 @@ TEST_F(Drives, ADiscsImageHasThePictureOfItsFolder) {
   EXPECT_EQ(picture(), "file://" + (folder / "Front.png"));
 }
 
+TEST_F(Drives, HowLongATrackIsIsKnownOnceTheDiscWasLookedAt) {
+  const std::string image = makeImage();
+  CdDrives drives({image}, false);
+  EXPECT_EQ(drives.sectorsOf(image, 2), 0);
+  drives.item(0)->playlist();
+  EXPECT_EQ(drives.sectorsOf(image, 1), 2 * 75);
+  EXPECT_EQ(drives.sectorsOf(image, 2), 3 * 75);
+  EXPECT_EQ(drives.sectorsOf(image, 3), 0);
+  EXPECT_EQ(drives.sectorsOf("/dev/other", 1), std::nullopt);
+}
+
 TEST_F(Drives, AnEjectedDiscIsNotThere) {
   CdDrives drives({makeImage()}, false);
   drives.item(0)->eject();

@@ -166,7 +166,7 @@ TEST_F(ADisguisedList, GainsNothingFromWhatIsAppendedBeforeItIsOpened) {
   neighbour.sends("/radio", Content(good), "audio/flac");
   ToldByOutput heard;
   MpvOutput output(
-      loop, config, [](const std::string&) { return false; }, [](const std::string&) {});
+      loop, config, [](const std::string&, int) { return std::nullopt; }, [](const std::string&) {});
   output.listener(heard);
   EntryId entry = 0;
   for (const std::string& path : disguises) {
@@ -184,7 +184,7 @@ TEST_F(ADisguisedList, TakesNothingFromAStationThatStandsBeforeIt) {
   neighbour.sends("/list.m3u", "#EXTM3U\n" + (neighbour / "radio") + "\n", "audio/x-mpegurl");
   ToldByOutput heard;
   MpvOutput output(
-      loop, config, [](const std::string&) { return false; }, [](const std::string&) {});
+      loop, config, [](const std::string&, int) { return std::nullopt; }, [](const std::string&) {});
   output.listener(heard);
   output.load(1, neighbour / "list.m3u");
   output.append(2, disguises.front());

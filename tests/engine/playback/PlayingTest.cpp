@@ -234,6 +234,7 @@ TEST_F(Playing, AMachineWithoutSoundPlaysInSilenceAndSaysSo) {
   player->URL(music("1.wav"));
   player->controls().play();
   ASSERT_TRUE(untilState(player::kStopped));
+  ASSERT_TRUE(until([&] { return !log.empty(); })) << "told when it comes to it";
   ::unsetenv("PULSE_SERVER");
   EXPECT_THAT(told.states, ElementsAre(10, 9, 3, 8, 1));
   EXPECT_THAT(log, ElementsAre("No sound device can be used: playing in silence"));
