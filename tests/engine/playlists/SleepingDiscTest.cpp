@@ -77,6 +77,11 @@ class SleepingDisc : public ::testing::Test {
                       PlaylistDisc{[disc = disc] { disc->reach(); },
                                    [disc = disc](base::Milliseconds) { return disc->patience(); }});
   }
+  /// Once the disc has answered what it had been asked asleep; until then each try is refused.
+  bool appended(player::Playlist& list, const std::string& address) {
+    return support::Eventually(
+        [&] { return FailureOf([&] { list.appendItem(playlists->media(address)); }) == 0; });
+  }
   const support::TempFolder root;
   std::shared_ptr<Disc> disc = std::make_shared<Disc>();
   std::optional<PlaylistFolder> playlists;
@@ -93,7 +98,7 @@ TEST_F(SleepingDisc, KeepsNobodyWaitingAndWhatIsKnownIsShown) {
   playlists->loop.post([&] { turned = true; });
   playlists->loop.pump();
   EXPECT_TRUE(turned);
-  EXPECT_EQ(disc->waiting(), 1);
+  EXPECT_TRUE(support::Eventually([&] { return disc->waiting() == 1; })) << "its thread alone waits";
   EXPECT_THAT(playlists->messages, ElementsAre(HasSubstr("playlists doesn't answer")));
 
   const int changes = playlists->changes;
@@ -123,8 +128,7 @@ TEST_F(SleepingDisc, IsNotWrittenTo) {
   EXPECT_THAT(Addresses(*list), kAddresses);
   EXPECT_EQ(playlists->content("L.m3u8"), before);
   disc->asleep(false);
-  ASSERT_TRUE(support::Eventually([&] { return disc->waiting() == 0; }));
-  list->appendItem(playlists->media("http://x/3"));
+  ASSERT_TRUE(appended(*list, "http://x/3"));
   EXPECT_THAT(ItemsOf(playlists->content("L.m3u8")), ::testing::SizeIs(3));
   playlists->lists.remove(list);
   EXPECT_THAT(playlists->names(), IsEmpty());
@@ -149,9 +153,8 @@ TEST_F(SleepingDisc, ThatLiesBetweenTwoChangesLosesNeither) {
   EXPECT_THAT(playlists->names(), ElementsAre("L"));
   WriteText(playlists->path("L.m3u8"), "#PLAYLIST:L\nhttp://x/theirs\n");
   disc->asleep(false);
-  ASSERT_TRUE(support::Eventually([&] { return disc->waiting() == 0; }));
   // What the look has found meanwhile is older than this, and comes to the loop later.
-  list->appendItem(playlists->media("http://x/ours"));
+  ASSERT_TRUE(appended(*list, "http://x/ours"));
   const std::vector<std::string> both{"http://x/theirs", "http://x/ours"};
   EXPECT_EQ(Addresses(*list), both);
   bool turned = false;
