@@ -10,10 +10,12 @@
 namespace engine {
 
 // Where its first thread can't be started, the decoder waits for it for ever instead of failing; where
-// memory ends a little later, it ends the process. So there must be room for all that it takes at first.
+// memory ends a little later, it ends the process. So there must be room for all that it takes at first. Only
+// what can be written counts against the bound on a title's memory.
 void CheckRoomForDecoder() {
   constexpr std::size_t kRoom = std::size_t{512} << 20U;
-  void* const room = ::mmap(nullptr, kRoom, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  void* const room =
+      ::mmap(nullptr, kRoom, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (room == MAP_FAILED)
     throw base::Failure(base::number::kCannotCreate, "There is too little memory for the decoder");
   ::munmap(room, kRoom);

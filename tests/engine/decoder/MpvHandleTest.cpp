@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "base/Failure.hpp"
+#include "engine/decoder/DataLimit.hpp"
 #include "support/faults/InChild.hpp"
 
 namespace {
@@ -33,6 +34,14 @@ TEST(ADecoder, IsRefusedWhereThereIsTooLittleMemoryForIt) {
       EXPECT_EQ(failure.description(), "There is too little memory for the decoder");
     }
   }));
+}
+
+TEST(ADecoder, IsRefusedWhereATitlesLimitLeavesTooLittle) {
+  engine::DataLimit limit(std::size_t{64} << 20U);
+  limit.begin();
+  EXPECT_THROW(engine::CheckRoomForDecoder(), base::Failure);
+  limit.end();
+  EXPECT_NO_THROW(engine::CheckRoomForDecoder());
 }
 
 TEST(ADecoder, NamesAnOptionThatItDoesNotTake) {
