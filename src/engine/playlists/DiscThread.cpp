@@ -26,7 +26,7 @@ DiscThread::DiscThread(std::function<void()> done) : shared_(std::make_shared<Sh
 
 DiscThread::~DiscThread() {
   if (!thread_.joinable()) return;
-  const bool idle = wait(std::chrono::milliseconds(500));
+  const bool idle = wait(std::chrono::steady_clock::now() + std::chrono::milliseconds(500));
   {
     const std::lock_guard lock(shared_->mutex);
     shared_->ending = true;
@@ -52,12 +52,12 @@ bool DiscThread::busy() const {
   return shared_->busy;
 }
 
-bool DiscThread::wait(std::chrono::milliseconds limit) {
+bool DiscThread::wait(Time until) {
   std::unique_lock lock(shared_->mutex);
   if (!shared_->busy) return true;
   if (shared_->late) return false;
   shared_->awaited = true;
-  const bool idle = shared_->changed.wait_for(lock, limit, [this] { return !shared_->busy; });
+  const bool idle = shared_->changed.wait_until(lock, until, [this] { return !shared_->busy; });
   shared_->awaited = false;
   shared_->late = !idle;
   return idle;

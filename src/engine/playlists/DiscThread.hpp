@@ -12,6 +12,8 @@ namespace engine {
 /// he will. Used by one thread. It begins with its first work.
 class DiscThread {
  public:
+  using Time = std::chrono::steady_clock::time_point;
+
   /// `done` is called on the thread when work is done that nobody waits for.
   explicit DiscThread(std::function<void()> done);
   /// Waits for what is being done for half a second, unless somebody has waited in vain already; then it is
@@ -26,15 +28,16 @@ class DiscThread {
   /// nothing is begun, where earlier work isn't done.
   bool begin(std::function<void()> work);
   [[nodiscard]] bool busy() const;
-  /// True when nothing is being done; waits for that up to `limit`, but no more for work that somebody has
+  /// True when nothing is being done; waits for that up to `until`, but no more for work that somebody has
   /// waited for in vain.
-  bool wait(std::chrono::milliseconds limit);
-  /// What the work answers; nothing when the disc doesn't answer within `limit`, or hasn't answered earlier
-  /// work yet. Then what it answers later is lost.
+  bool wait(Time until);
+  /// What the work answers; nothing when the disc doesn't answer earlier work and this within `limit`. Then
+  /// what it answers later is lost.
   template <class Answer>
   std::optional<Answer> ask(std::function<Answer()> work, std::chrono::milliseconds limit) {
     const auto answer = std::make_shared<std::optional<Answer>>();
-    if (!wait(limit) || !begin([answer, work = std::move(work)] { *answer = work(); }) || !wait(limit))
+    const Time until = std::chrono::steady_clock::now() + limit;
+    if (!wait(until) || !begin([answer, work = std::move(work)] { *answer = work(); }) || !wait(until))
       return std::nullopt;
     return std::move(*answer);
   }

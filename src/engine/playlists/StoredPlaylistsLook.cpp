@@ -1,5 +1,6 @@
 // What a look around the folder finds.
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -103,8 +104,9 @@ bool StoredPlaylists::beginLook() {
 bool StoredPlaylists::lookAround(base::Milliseconds limit, Changes& changes) {
   limit = disc_.patience(limit);
   for (int look = 0; look < kMostLooks; ++look) {
+    const DiscThread::Time until = std::chrono::steady_clock::now() + limit;  // each look has its own time
     // One that is under way may have begun before what the caller wants to know of.
-    if (!thread_.wait(limit) || !beginLook() || !thread_.wait(limit)) {
+    if (!thread_.wait(until) || !beginLook() || !thread_.wait(until)) {
       if (!std::exchange(silentTold_, true))
         events_.message(silent().description() + "; its playlists are as they were known last");
       return false;
