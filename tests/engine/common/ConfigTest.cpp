@@ -67,6 +67,12 @@ TEST(PlayerConfig, ALoudnessOrFadeOutOfItsRangeIsRefused) {
   }
 }
 
+TEST(PlayerConfig, ATitleGetsMoreThanOnePackedBlockTakesAsTheDecoderAbortsWhereItGetsLess) {
+  constexpr std::size_t kBlock = std::size_t{2} << 30U;
+  constexpr std::size_t kTheRest = std::size_t{512} << 20U;
+  EXPECT_GE(Config().titleRoom, kBlock + kTheRest);
+}
+
 TEST(PlayerConfig, AFileIsReadOverThem) {
   const TempFolder folder;
   std::ofstream(folder / "player.ini") << "# music\n[Library]\nfolder = /srv/music/\nfolder=/srv/more\n"
