@@ -40,24 +40,30 @@ put() {
   [ "${line#*"$1"}" = "$line" ] || line=${line%%"$1"*}$2${line#*"$1"}
 }
 
+# at_home FOLDER: as the player reads it.
+at_home() {
+  case $1 in
+    \~ | \~/*) printf '%s' "$HOME${1#\~}" ;;
+    *) printf '%s' "$1" ;;
+  esac
+}
+
 music=
 demo=$data/demo-music
+first=
 playlists=
 # The playlists lie where the player's own file says, or else in the first music folder.
 look_for_music() {
-  local first=$demo
+  first=$demo
   if [ $# -gt 0 ]; then
     [ -d "$1" ] || { echo "There is no music folder $1" >&2; exit 1; }
     music=$(cd "$1" && pwd)
     first=$music
   elif [ -n "$(in_library folder)" ]; then
-    first=$(in_library folder | sed -n 1p)
+    first=$(at_home "$(in_library folder | sed -n 1p)")
   fi
   playlists=$(in_library playlists | sed -n '$p')
-  [ -n "$playlists" ] || playlists=$first/Playlists
-  case $playlists in
-    \~/*) playlists=$HOME${playlists#\~} ;;
-  esac
+  playlists=$(at_home "${playlists:-$first/Playlists}")
 }
 
 print() {
@@ -91,8 +97,13 @@ case "${1:-}" in
       exit 1
     fi
     look_for_music "$@"
+    # The demonstration library lies in the house's own folder and is made where there is none. Any other may be away
+    # with its disc: then nothing is to be made in the place where that belongs.
+    if [ "$first" != "$demo" ] && [ ! -d "$first" ]; then
+      echo "There is no music folder $first" >&2
+      exit 1
+    fi
     mkdir -p "$units" "$data"
-    # The demonstration library lies in the house's own folder and is made where there is none.
     if [ "$playlists" != "$demo/Playlists" ]; then mkdir -p "$playlists"; fi
     chmod 700 "$data"
     print >"$units/$unit"

@@ -82,6 +82,20 @@ def lay_out(folder):
             sys.exit(f'{step}: {wrong} {told.stdout}{told.stderr}')
 
 
+def stays_out(folder):
+    """Fails where installing makes a music folder that is away: its disc may be."""
+    (folder / 'refused/vantorix').mkdir(parents=True)
+    environment = dict(os.environ, HOME=str(folder / 'disc'), XDG_CONFIG_HOME=str(folder / 'refused'),
+                       XDG_DATA_HOME=str(folder / 'share'), PATH=f'{folder}/bin:{os.environ["PATH"]}')
+    away = f'{folder}/disc/Music'
+    for named in (away, '~/Music'):
+        (folder / 'refused/vantorix/player.ini').write_text(f'[library]\nfolder = {named}\n', encoding='utf-8')
+        told = run(ROOT / 'packaging/service.sh', 'install', env=environment)
+        made = [str(file) for file in (folder / 'disc', folder / 'refused/systemd') if file.exists()]
+        if told.returncode == 0 or f'There is no music folder {away}' not in told.stderr or made:
+            sys.exit(f'install with {named}: {made} {told.stdout}{told.stderr}')
+
+
 def is_up(socket_file):
     with socket.socket(socket.AF_UNIX) as bus:
         try:
@@ -135,7 +149,8 @@ def try_it(folder):
                      f'ExecStart="{ROOT}/run.sh" --port 0\n'
                      f'Environment="XDG_CONFIG_HOME={folder}/config"\n', encoding='utf-8')
     try:
-        told = run(ROOT / 'packaging/service.sh', 'install', env=environment)
+        # Given a folder, it makes none in the music that this user's own player.ini names.
+        told = run(ROOT / 'packaging/service.sh', 'install', folder / 'given', env=environment)
         if told.returncode != 0:
             raise RuntimeError(told.stdout + told.stderr)
         server = [ROOT / 'build/release/bin/vantorix-standin', '--address', '--data', folder / 'vantorix/server']
@@ -164,6 +179,7 @@ def main():
         score(folder)
         paths(folder)
         lay_out(folder)
+        stays_out(folder)
         if control('is-system-running').stdout.strip() not in ('running', 'degraded'):
             print('No systemd runs for this user here: the service is not started')
         elif is_up(pathlib.Path(os.environ['XDG_RUNTIME_DIR']) / 'vantorix/bus'):
