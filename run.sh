@@ -3,7 +3,8 @@
 # starts the plug-in, and prints one address, with the key that lets the owner's browser in. Ctrl+C stops everything
 # in order.
 #
-#   ./run.sh            with the music folders that player.ini names, or a small demonstration library, made once
+#   ./run.sh            with the music folder that VANTORIX_MUSIC says; where it isn't set, with those that player.ini
+#                       names, or a small demonstration library, made once
 #   ./run.sh FOLDER     with the music in FOLDER
 #
 # Options behind FOLDER or instead of it go to the server; build/release/bin/vantorix-standin --help tells them.
