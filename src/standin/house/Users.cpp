@@ -14,7 +14,8 @@ namespace {
 
 constexpr std::int64_t kSessionSeconds = 30LL * 24 * 3600;
 constexpr std::int64_t kGuestSeconds = 24LL * 3600;
-constexpr std::int32_t kMostSessions = 50;  // of one user
+constexpr std::int64_t kAheadSeconds = 24LL * 3600;  // that a clock may have gone when a session began
+constexpr std::int32_t kMostSessions = 50;           // of one user
 constexpr std::size_t kTokenBytes = 32;
 constexpr std::size_t kLongestPassword = 1024;
 
@@ -92,12 +93,6 @@ Users::Users(database::Database& database, Clock clock, Clock sinceBoot)
   add.with(kFirstUser, false).run();
   add.with(kGuest, true).run();
   database::Statement(database_, "DELETE FROM session WHERE expires <= ?").with(now()).run();
-  // One that has begun while the clock went wrong, years ahead, ends in its time all the same.
-  database::Statement(database_,
-                      "UPDATE session SET expires = min(expires, ?1 + CASE WHEN user IN "
-                      "(SELECT name FROM user WHERE guest) THEN ?2 ELSE ?3 END)")
-      .with(now(), kGuestSeconds, kSessionSeconds)
-      .run();
 }
 
 std::int64_t Users::now() {
@@ -131,8 +126,8 @@ std::string Users::insertSession(const std::string& name) {
   database::Statement(
       database_,
       "DELETE FROM session WHERE user = ?1 AND token NOT IN "
-      "(SELECT token FROM session WHERE user = ?1 ORDER BY expires DESC, rowid DESC LIMIT ?2)")
-      .with(name, kMostSessions - 1)
+      "(SELECT token FROM session WHERE user = ?1 ORDER BY expires > ?3, expires DESC, rowid DESC LIMIT ?2)")
+      .with(name, kMostSessions - 1, now() + lasting + kAheadSeconds)
       .run();
   database::Statement(database_, "INSERT INTO session (token, user, expires) VALUES (?, ?, ?)")
       .with(StoredForm(token), name, now() + lasting)
@@ -163,10 +158,14 @@ std::string Users::begin(const std::string& name) {
 
 std::optional<User> Users::ofSession(const std::string& token) {
   if (token.size() != kTokenBytes * 2) return std::nullopt;
+  // One that lasts too long has begun while the clock went wrong, years ahead, or is asked for while it goes
+  // behind.
   database::Statement row(database_,
                           "SELECT user.name, guest, hash FROM session JOIN user ON user.name = session.user "
-                          "WHERE token = ? AND expires > ?");
-  if (!row.with(StoredForm(token), now()).step()) return std::nullopt;
+                          "WHERE token = ?1 AND expires > ?2 "
+                          "AND expires <= ?2 + ?5 + CASE WHEN guest THEN ?3 ELSE ?4 END");
+  row.with(StoredForm(token), now(), kGuestSeconds, kSessionSeconds, kAheadSeconds);
+  if (!row.step()) return std::nullopt;
   return UserOf(row);
 }
 

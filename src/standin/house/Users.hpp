@@ -55,7 +55,8 @@ class Users {
   /// Begins a session of a month, for a guest of a day; answers its token. Of a user's sessions the oldest
   /// make room for it.
   std::string begin(const std::string& name);
-  /// The user of a living session.
+  /// The user of a living session. One that would last a day longer than it may, as it has begun while the
+  /// clock went ahead or the clock is behind now, counts for nothing until the clock has come to its time.
   [[nodiscard]] std::optional<User> ofSession(const std::string& token);
   void end(const std::string& token);
 

@@ -233,8 +233,7 @@ TEST(Users, AClockThatIsSetBackKeepsNoSessionAlive) {
   EXPECT_TRUE(users.ofSession(later).has_value());
 }
 
-TEST(Users, ASessionThatBeganUnderAClockYearsAheadEndsInItsTime) {
-  constexpr std::int64_t kDay = 24LL * 3600;
+TEST(Users, ASessionThatBeganUnderAClockYearsAheadDoesNotCount) {
   const support::TempFolder folder;
   std::int64_t now = 2'000'000'000;
   House house(folder.path());
@@ -247,12 +246,49 @@ TEST(Users, ASessionThatBeganUnderAClockYearsAheadEndsInItsTime) {
   }
   now = 1'700'000'000;
   Users users(house.database, [&] { return now; });
-  EXPECT_TRUE(users.ofSession(owner).has_value());
-  now += 2 * kDay;
-  EXPECT_FALSE(users.ofSession(guest).has_value());
-  EXPECT_TRUE(users.ofSession(owner).has_value());
-  now += 29 * kDay;
   EXPECT_FALSE(users.ofSession(owner).has_value());
+  EXPECT_FALSE(users.ofSession(guest).has_value());
+  EXPECT_TRUE(users.ofSession(users.begin(kFirstUser)).has_value());
+}
+
+TEST(Users, SessionsThatBeganUnderAClockYearsAheadTakeNoPlace) {
+  const support::TempFolder folder;
+  std::int64_t now = 2'000'000'000;
+  House house(folder.path());
+  {
+    Users users(house.database, [&] { return now; });
+    for (int i = 0; i < 50; ++i) users.begin(kGuest);
+  }
+  now = 1'700'000'000;
+  Users users(house.database, [&] { return now; });
+  const std::string first = users.begin(kGuest);
+  users.begin(kGuest);
+  EXPECT_TRUE(users.ofSession(first).has_value());
+}
+
+TEST(Users, AClockThatIsBehindAtAStartEndsNoSession) {
+  constexpr std::int64_t kDay = 24LL * 3600;
+  const support::TempFolder folder;
+  std::int64_t now = 2'000'000'000;
+  House house(folder.path());
+  std::string owner;
+  std::string guest;
+  {
+    Users users(house.database, [&] { return now; });
+    owner = users.begin(kFirstUser);
+    guest = users.begin(kGuest);
+  }
+  now -= kDay / 2;
+  EXPECT_TRUE(Users(house.database, [&] { return now; }).ofSession(guest).has_value()) << "slightly behind";
+  now -= 3000 * kDay;
+  Users users(house.database, [&] { return now; });
+  EXPECT_FALSE(users.ofSession(owner).has_value());
+  now += 3000 * kDay + kDay / 2;
+  EXPECT_TRUE(users.ofSession(owner).has_value());
+  EXPECT_TRUE(users.ofSession(guest).has_value());
+  now += 29 * kDay;
+  EXPECT_TRUE(users.ofSession(owner).has_value());
+  EXPECT_FALSE(users.ofSession(guest).has_value());
 }
 
 TEST(Users, TheOldestSessionsMakeRoom) {
