@@ -108,7 +108,7 @@ TEST_F(Calendar, TheHouseBelievesTheMachinesTimeZone) {
 
 TEST_F(Calendar, TheHouseNoticesThatItsTimeZoneIsAnother) {
   const SystemClock system;
-  for (const auto& [zone, ahead] : {std::pair("UTC", 0), std::pair("Etc/GMT-2", 7200)}) {
+  for (const auto& [zone, ahead] : {std::pair("UTC", 0), std::pair("HOUSE-2", 7200)}) {
     ::setenv("TZ", zone, 1);
     EXPECT_GT(system.now(), 0);
     EXPECT_EQ(system.offset(0), ahead);
