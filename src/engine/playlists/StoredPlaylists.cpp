@@ -10,7 +10,6 @@
 #include "engine/scan/TagReader.hpp"
 #include "engine/tags/TextForms.hpp"
 #include "files/FileError.hpp"
-#include "files/ReadFile.hpp"
 #include "files/Stamp.hpp"
 
 namespace engine {
@@ -138,7 +137,7 @@ M3uText StoredPlaylists::open(StoredPlaylist& playlist) {
   if (const bool there = needFile(playlist.path()); !there || !holds(playlist))
     needFolder();  // it may have come back, or moved
   if (!holds(playlist)) files::FailOn(playlist.path(), ENOENT);
-  files::FileText file = files::ReadFile(behind(playlist.path()), kLargestPlaylist);
+  files::FileText file = textAt(playlist.path());
   M3uText text(std::move(file.text));
   const bool foreign = file.stamp != playlist.stamp() || text.count() != playlist.items().size();
   if (foreign) {

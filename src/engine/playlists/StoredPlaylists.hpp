@@ -13,6 +13,7 @@
 #include "engine/playlists/FolderLook.hpp"
 #include "engine/playlists/PlaylistLink.hpp"
 #include "engine/playlists/StoredPlaylist.hpp"
+#include "files/ReadFile.hpp"
 #include "files/WriteFile.hpp"
 #include "player/WMP9.hpp"
 
@@ -128,6 +129,9 @@ class StoredPlaylists : public player::PlaylistCollection, private PlaylistKeepe
   [[nodiscard]] std::string behind(const std::string& path) const {
     return FileBehind(path, folder_, library_.folders());
   }
+  /// What stands in the file at the path. Throws as `behind`, the codes of `ReadFile`, and 5 for a text of
+  /// which no line could be read.
+  [[nodiscard]] files::FileText textAt(const std::string& path) const;
   [[nodiscard]] base::Failure silent() const;
   [[nodiscard]] base::Failure isAway() const;
   /// Refreshes. Throws 57 when the disc doesn't answer, 76 while the folder is away with it.

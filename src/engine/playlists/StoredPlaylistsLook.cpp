@@ -32,6 +32,12 @@ std::string NameOf(const M3uText& text, const std::string& path) {
 
 }  // namespace
 
+files::FileText StoredPlaylists::textAt(const std::string& path) const {
+  files::FileText file = files::ReadFile(behind(path), kLargestPlaylist);
+  CheckEncoding(file.text);
+  return file;
+}
+
 base::Failure StoredPlaylists::silent() const {
   return {base::number::kDeviceIo, SafeName(folder_) + " doesn't answer"};
 }

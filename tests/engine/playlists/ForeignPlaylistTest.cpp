@@ -137,6 +137,16 @@ TEST_F(ForeignPlaylists, AnEditKeepsRemarksTagsLineEndsAndTheOlderEncoding) {
   EXPECT_EQ(playlists.content("L.m3u"), headNow + second + "#EXTINF:-1,n\r\nhttp://x/n\r\n# end\r\n");
 }
 
+TEST_F(ForeignPlaylists, AListWhoseFileIsOfAnotherEncodingNowIsNotChanged) {
+  auto held = playlists.make("held", {"http://x/1"});
+  const std::string text("\xFF\xFE/\0a\0\n\0", 8);
+  WriteText(playlists.path("held.m3u8"), text);
+  EXPECT_EQ(FailureOf([&] { held->appendItem(playlists.media("http://x/2")); }),
+            base::number::kInvalidArgument);
+  EXPECT_EQ(playlists.content("held.m3u8"), text);
+  EXPECT_THAT(Addresses(*held), ElementsAre("http://x/1"));
+}
+
 TEST_F(ForeignPlaylists, AFileMeantByItsOlderEncodingIsFound) {
   WriteText(root.path() / "café.mp3", "");
   WriteText(playlists.path("L.m3u"), "../caf\xE9.mp3\n../gone\xE9.mp3\n");
