@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -34,6 +35,7 @@ struct Config {
   std::string metadataAddress;
   std::string coverAddress;
   Graphics graphics = Graphics::kAuto;
+  std::chrono::milliseconds cardPatience = std::chrono::seconds(5);  ///< how long a card may take to open
   int tagWorkers = 2;
   /// Bytes that the player may hold more while it plays a title than it did before.
   std::size_t titleMemory = std::size_t{1} << 30U;

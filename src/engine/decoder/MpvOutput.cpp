@@ -34,6 +34,7 @@ MpvOutput::MpvOutput(base::Loop& loop, const Config& config, SectorsOf sectorsOf
       loudnessOf_(std::move(loudnessOf)),
       shown_(std::move(shown)),
       openCard_(std::move(openCard)),
+      cardPatience_(config.cardPatience),
       wantsDevice_(config.audioOutput != "null" && config.audioOutput.rfind("pcm:", 0) != 0),
       heardTimer_(loop.makeTimer(base::Milliseconds(1), [this] { tellHeld(); })),
       watch_(loop, config.titleMemory, [this] { tooLarge(); }),
@@ -75,10 +76,11 @@ void MpvOutput::showPicture() {
   if (!renderer_ && shown_) {
     base::Handled(
         [&] {
-          renderer_.emplace(
-              loop_, *mpv_, shown_,
-              PictureRenderer::ByCard{
-                  .open = openCard_, .changed = [this] { canvasChanged(); }, .message = message_});
+          renderer_.emplace(loop_, *mpv_, shown_,
+                            PictureRenderer::ByCard{.open = openCard_,
+                                                    .changed = [this] { canvasChanged(); },
+                                                    .message = message_,
+                                                    .patience = cardPatience_});
         },
         [&](const base::Failure& failure) {
           message_(failure.description());

@@ -106,6 +106,7 @@ class MpvOutput : public Output {
   LoudnessOf loudnessOf_;
   PictureRenderer::Shown shown_;
   OpenCard openCard_;
+  base::Milliseconds cardPatience_;
   std::string streamTitle_;
   bool wantsDevice_;  ///< silence is not what was asked for
   bool inSilence_ = false;

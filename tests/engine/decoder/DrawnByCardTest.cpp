@@ -25,7 +25,8 @@ class DrawnByCard : public PlayerTest {
   DrawnByCard() {
     KeepDriversOffTheDisk();
     ::setenv("XDG_CACHE_HOME", cache.path().c_str(), 1);
-    config.untimed = false;  // pictures have their time
+    config.untimed = false;                         // pictures have their time
+    config.cardPatience = std::chrono::minutes(1);  // a driver may come from a slow disc
   }
 
   void plays(const char* picture, const OpenCard& open) {

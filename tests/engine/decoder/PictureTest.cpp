@@ -32,7 +32,8 @@ class Picture : public PlayerTest {
   }
 
   void plays(const std::string& path) {
-    config.untimed = false;  // pictures have their time
+    config.untimed = false;                         // pictures have their time
+    config.cardPatience = std::chrono::minutes(1);  // a driver may come from a slow disc
     player = MakePlayer(
         loop, config, told, [this](const std::string& line) { log.push_back(line); }, {}, &screen);
     player->URL(path);
