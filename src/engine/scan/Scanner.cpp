@@ -228,7 +228,7 @@ std::size_t Scanner::walk(const std::string& folder, const FolderIdentity& ident
 }
 
 void Scanner::watch(const std::string& folder) {
-  if (!settings_.watch || watchesShort_ || watch_.add(folder)) return;
+  if (!settings_.watch || watch_.add(folder) || watchesShort_) return;
   watchesShort_ = true;
   pending_.messages.emplace_back(
       "Some folders can't be watched: changes of the music in them are only seen at the next start");

@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
+#include <string>
 
 #include "base/Failure.hpp"
 #include "engine/common/MusicLibrary.hpp"
@@ -17,16 +19,25 @@ namespace {
 
 /// True while the system has no watch of folders left for this program.
 bool noneIsLeft = false;
+/// The folder that may not be watched.
+std::string refused;
 
 }  // namespace
 
-/// Linked in the place of the C library's.
+// Linked in the place of the C library's.
 extern "C" int inotify_init1(int flags) noexcept {
   if (noneIsLeft) {
     errno = EMFILE;
     return -1;
   }
   return static_cast<int>(::syscall(SYS_inotify_init1, flags));
+}
+extern "C" int inotify_add_watch(int file, const char* path, std::uint32_t events) noexcept {
+  if (!refused.empty() && refused == path) {
+    errno = EACCES;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_inotify_add_watch, file, path, events));
 }
 
 namespace engine::testing {
@@ -60,10 +71,19 @@ TEST_F(LibraryOfMusic, WhereNoWatchIsLeftItSaysOnceThatChangesAreNotSeen) {
   addTrack("b/2.flac", "Two", "Ann", "Blue", "Jazz");
   noneIsLeft = true;
   startWith(2);
+  noneIsLeft = false;
   ASSERT_TRUE(until([&] { return !log.empty(); }));
   player.reset();
-  noneIsLeft = false;
   EXPECT_THAT(log, ElementsAre(HasSubstr("can't be watched")));
+}
+
+TEST_F(LibraryOfMusic, AFolderThatCantBeWatchedLeavesTheOthersWatched) {
+  addTrack("a/1.flac", "One", "Ann", "Blue", "Jazz");
+  refused = config.musicFolders.front();
+  startWith(1);
+  addTrack("a/2.flac", "Two", "Ann", "Blue", "Jazz");
+  EXPECT_TRUE(libraryHolds(2));
+  refused.clear();
 }
 
 TEST_F(LibraryOfMusic, FilesThatAreNoMusicAreToldOnceAndPassedOver) {
