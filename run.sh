@@ -9,6 +9,7 @@
 #
 # Options behind FOLDER or instead of it go to the server; build/release/bin/vantorix-standin --help tells them.
 set -euo pipefail
+from=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")"
 root=$PWD
 case "${1:-}" in
@@ -26,13 +27,11 @@ source packaging/player.sh
 
 music=${VANTORIX_MUSIC:-}
 if [ $# -gt 0 ] && [[ $1 != --* ]]; then
-  music=$1
-  shift
-  if [ ! -d "$music" ]; then
-    echo "There is no music folder $music" >&2
+  if ! music=$(cd "$from" && CDPATH='' cd -- "$1" 2>/dev/null && pwd); then
+    echo "There is no music folder $1" >&2
     exit 1
   fi
-  music=$(cd "$music" && pwd)
+  shift
 fi
 
 if [ -z "${VANTORIX_SKIP_BUILD:-}" ]; then

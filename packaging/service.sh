@@ -7,6 +7,7 @@
 #
 # It brings up what ./run.sh has built, and neither builds nor installs anything itself.
 set -euo pipefail
+from=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=packaging/desktop.sh
 source packaging/desktop.sh
@@ -56,8 +57,10 @@ playlists=
 look_for_music() {
   first=$demo
   if [ $# -gt 0 ]; then
-    [ -d "$1" ] || { echo "There is no music folder $1" >&2; exit 1; }
-    music=$(cd "$1" && pwd)
+    if ! music=$(cd "$from" && CDPATH='' cd -- "$1" 2>/dev/null && pwd); then
+      echo "There is no music folder $1" >&2
+      exit 1
+    fi
     first=$music
   elif [ -n "$(in_library folder)" ]; then
     first=$(at_home "$(in_library folder | sed -n 1p)")

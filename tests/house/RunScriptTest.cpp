@@ -190,6 +190,13 @@ TEST_F(RunScript, AFolderThatIsGivenCountsBeforeThoseOfThePlayersOwnFile) {
   EXPECT_EQ(house->wait(), 0);
 }
 
+TEST_F(RunScript, AFolderMayBeNamedFromWhereItsUserStands) {
+  const auto house = run(std::filesystem::relative(otherMusic()).string());
+  EXPECT_TRUE(hasAlbums(*house, {"Elsewhere"}));
+  house->signal(SIGTERM);
+  EXPECT_EQ(house->wait(), 0);
+}
+
 TEST_F(RunScript, WithoutAnyFolderItPlaysTheDemonstration) {
   // Only the library's folders are music.
   configure("[covers]\nfolder = " + music.path() + "\n[library]\n# folder = " + music.path() + "\n");
