@@ -6,7 +6,8 @@ player_file=${XDG_CONFIG_HOME:-$HOME/.config}/vantorix/player.ini
 # in_library KEY: what the file's section [library] sets it to, a line each; nothing where there is no such file.
 in_library() {
   [ -r "$player_file" ] || return 0
-  awk -v key="$1" '
+  LC_ALL=C awk -v key="$1" '
+    NR == 1 { sub(/^\357\273\277/, "") } # a byte order mark
     { sub(/\r$/, ""); gsub(/^[ \t]+|[ \t]+$/, "") }
     /^\[/ { here = tolower($0) == "[library]" }
     here && /^[^#;[]/ && (equals = index($0, "=")) {

@@ -44,7 +44,7 @@ class RunScript : public ::testing::Test {
         std::vector<std::string>{"XDG_DATA_HOME=" + home + "/data", "XDG_RUNTIME_DIR=" + home,
                                  "XDG_CONFIG_HOME=" + home + "/config", "VANTORIX_SKIP_BUILD=1",
                                  "VANTORIX_BIN=" BIN_FOLDER, "VANTORIX_SERVICES=" SERVICES_FOLDER,
-                                 "VANTORIX_AUDIO=null", "DISPLAY=" + display,
+                                 "VANTORIX_AUDIO=null", "VANTORIX_MUSIC=", "DISPLAY=" + display,
                                  "WAYLAND_DISPLAY=", "DBUS_SESSION_BUS_ADDRESS=" + sessionBus});
   }
   static int portOf(support::Process& house) {
@@ -174,7 +174,7 @@ TEST_F(RunScript, SaysThatAMusicFolderIsMissing) {
 }
 
 TEST_F(RunScript, EachMusicFolderOfThePlayersOwnFileCountsWhereNoneIsGiven) {
-  configure("[Library]\nFolder = " + music.path() + "\nfolder=" + otherMusic() + "\n");
+  configure("\xEF\xBB\xBF[Library]\nFolder = " + music.path() + "\nfolder=" + otherMusic() + "\n");
   const auto house = runWith({"--port", "0"});
   EXPECT_TRUE(hasAlbums(*house, {"Counting", "Elsewhere"}));
   EXPECT_FALSE(hasDemonstration());
