@@ -145,8 +145,10 @@ void Alarms::setBack(std::int64_t now) {
   const bool wrongBefore = seen_ - now > limits_.wrong.count();
   const auto all = planned_;
   for (const auto& [event, triggers] : all)
-    for (const auto& [at, planned] : triggers)
-      plan(event, at, planned, wrongBefore ? now : std::max(now, planned.rung));
+    for (auto [at, planned] : triggers) {
+      if (wrongBefore) planned.rung = 0;
+      plan(event, at, planned, std::max(now, planned.rung));
+    }
 }
 
 bool Alarms::inAnotherZone() const {

@@ -65,6 +65,15 @@ TEST_F(Zone, WhatHasRungDoesNotRingAgainThatDay) {
   EXPECT_EQ(count(Outcome::kDone), 2);
 }
 
+TEST_F(Zone, WhatHasRungUnderAWrongClockHoldsNothingBack) {
+  at(13);
+  loop.leap(hours(2));
+  clock.setBy(-hours(72));
+  loop.leap(minutes(1));
+  goTo(1);
+  EXPECT_EQ(engine.next(1), Utc(2025, 12, 30, 12));
+}
+
 TEST_F(Zone, WhatIsDueAtTheVeryChangeRingsOnce) {
   at(13);
   loop.leap(minutes(59) + seconds(40));
