@@ -48,10 +48,11 @@ NowPlaying::Work Playing(const Json&) {
 }
 
 /// The script object's one word for it turns round what it finds, and knows nothing of a title that is still
-/// under way: that is held, or given up where the player can't hold it.
+/// under way: that is held, or given up where the player can't hold it. What is held already stays so.
 NowPlaying::Work Pausing(const Json&) {
   return [](PlayerLists& lists) {
     const PlayerNow now = NowOf(lists);
+    if (now.heldAtStart()) return;
     const bool loading = now.state == kBuffering || now.state == kTransitioning;
     if (!loading) {
       if (now.canPause) lists.script().call("PausePlayer");

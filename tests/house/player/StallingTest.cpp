@@ -44,6 +44,8 @@ TEST_F(StallingStations, PauseIsRememberedOfWhatIsStillBeingOpened) {
   listener.browser.click("//aside//button[@aria-label='Pause']");
   EXPECT_TRUE(playerHas("play", "paused")) << player();
   EXPECT_TRUE(playerHas("state", 9)) << player();
+  ASSERT_EQ(house.post("/api/player/pause", json::object()), 200);
+  EXPECT_EQ(player().at("state"), 9) << "a second time changes nothing";
   ASSERT_TRUE(listener.shows("#player-bar .main[aria-label=Play]:not(:disabled)"));
   listener.browser.click("//aside//button[@aria-label='Play']");
   EXPECT_TRUE(playerHas("play", "loading")) << player();
