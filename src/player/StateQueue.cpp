@@ -20,10 +20,8 @@ void StateQueue::PushStack(std::int32_t newState) {
 void StateQueue::handleNow(std::int32_t state) {
   if (PlayStateChangeTimer_->interval() == kBusy) return PushStack(state);
   PlayStateChangeTimer_->interval(kBusy);
-  base::Handled([&] { worker_(state); },
-                [&](const base::Failure& failure) {
-                  loggers_.LogFormError(failure.number(), failure.description(), "MyPlayStateChange");
-                });
+  base::Attempt step;
+  step([&] { worker_(state); });  // it tells its failures itself
   PlayStateChangeTimer_->interval(kIdle);
   if (!StateStack_.empty()) PlayStateChangeTimer_->enabled(true);
 }

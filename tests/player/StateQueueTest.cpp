@@ -82,6 +82,18 @@ TEST_F(StateQueue, AFailureInADrainStopsItForGood) {
   EXPECT_THAT(handled, ElementsAre(3));
 }
 
+TEST_F(StateQueue, AFailureOfAStateThatIsHandledAtOnceEndsNothing) {
+  worker = [&](std::int32_t state) {
+    if (state == 1) throw base::Failure(base::number::kOverflow);
+    handled.push_back(state);
+  };
+  queue.handleNow(1);
+  EXPECT_EQ(queue.PlayStateChangeTimer().interval().count(), 1);
+  queue.PushStack(8);
+  run();
+  EXPECT_THAT(handled, ElementsAre(8));
+}
+
 TEST_F(StateQueue, LeavesItsStatesAloneOnceTheHostIsGone) {
   queue.PushStack(3);
   plugin.host.Host.reset();
