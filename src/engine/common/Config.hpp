@@ -23,18 +23,18 @@ struct Config {
   /// "" for the machine's own sound with silence as the last resort, "null" for silence, "pcm:FILE" for a
   /// WAV file.
   std::string audioOutput;
+  Graphics graphics = Graphics::kAuto;
   bool untimed = false;                ///< silence runs as fast as it can instead of in real time
   std::vector<std::string> cdDevices;  ///< drives or CUE files
   bool findCdDrives = true;            ///< whether to look for the machine's own drives: if none are set up
   ReplayGain replayGain = ReplayGain::kOff;
-  double preamp = 0;         ///< decibels on top of what the tags say
   bool clipping = false;     ///< louder than full scale is allowed: peaks are cut
+  double preamp = 0;         ///< decibels on top of what the tags say
   double crossfade = 0;      ///< seconds in which one title goes over into the next; 0 for none
   bool resume = true;        ///< what was played is taken up again at the next start, stopped
   std::string chosenCovers;  ///< a folder of pictures named after albums, before all others
   std::string metadataAddress;
   std::string coverAddress;
-  Graphics graphics = Graphics::kAuto;
   std::chrono::milliseconds cardPatience = std::chrono::seconds(5);  ///< how long a card may take to open
   int tagWorkers = 2;
   /// Bytes that the player may hold more while it plays a title than it did before.
